@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <tarn/EvalContext.h>
+#include <tarn/Export.h>
+#include <tarn/RuleExpressions.h>
+#include <tarn/TDFContext.h>
+
+namespace tarn {
+
+/// A named list of the rule database.
+class TARN_EXPORT List : public RuleExpression {
+ public:
+  [[nodiscard]] virtual std::vector<std::string> evaluate(TDFContext const& context,
+                                                          EvalContext* evalContext) const = 0;
+};
+
+}  // namespace tarn

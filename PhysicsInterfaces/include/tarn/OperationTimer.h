@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include <tarn/Export.h>
+#include <tarn/MeasurementSink.h>
+
+namespace tarn {
+
+/// Measures an operation from construction to destruction, with sections within it, and hands the result to the
+/// `MeasurementSink` of the thread. With no sink set it does nothing.
+class TARN_EXPORT OperationTimer {
+ public:
+  explicit OperationTimer(std::string const& name);
+  OperationTimer(OperationTimer const&) = delete;
+  OperationTimer& operator=(OperationTimer const&) = delete;
+  ~OperationTimer();
+
+  /// Ends the section under way, if any, and begins another.
+  void enterSection(std::string const& name);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  void endSection(Clock::time_point now);
+
+  MeasurementSink* sink_;
+  std::string name_;
+  Clock::time_point start_;
+  Clock::time_point sectionStart_;
+  std::string section_;
+  std::vector<MeasurementSink::Section> sections_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,3 @@
+#pragma once
+
+#include <tarn/ObjDependDef.h>  // defines PACursor beside the list that it walks

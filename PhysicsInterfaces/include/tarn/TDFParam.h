@@ -1,0 +1,67 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <tarn/Export.h>
+
+namespace tarn {
+
+/// What the texts of parameter values mean.
+///
+/// Number: a decimal number as `strtod` reads it in the "C" locale, the whole text but for white space at the ends.
+/// There is no hexadecimal form, no infinity and no not-a-number; a number too large for a double is none.
+/// Quantity: a number, optional white space, and `[units]`; a plain number is a quantity with the units "".
+/// Logical: true, yes, on, 1 and false, no, off, 0 in any case, with white space at the ends allowed.
+/// List: items divided by commas; an empty text is the empty list.
+class TARN_EXPORT TDFParam {
+ public:
+  /// The type of a parameter as the rules declare it. The numbers are part of the interface.
+  enum Type : int {
+    Integer = 0,
+    IntegerList = 1,
+    Logical = 2,
+    LogicalList = 3,
+    Real = 4,
+    RealList = 5,
+    String = 6,
+    StringList = 7
+  };
+
+  /// A quantity taken apart. The views point into the text that was parsed.
+  struct Quantity {
+    double number;
+    std::string_view numberText;
+    std::string_view units;
+  };
+
+  TDFParam() = delete;
+
+  [[nodiscard]] static bool isListType(Type type) noexcept;
+  /// The type of an item: of a list type its element type, else the type itself.
+  [[nodiscard]] static Type elementType(Type type) noexcept;
+  /// True for the types that can have bounds: Integer, Real and their lists.
+  [[nodiscard]] static bool isNumericType(Type type) noexcept;
+
+  /// Whether `a` and `b` are the same value of type `type`. Integer and Real compare number and units text, Logical
+  /// compares truth, String compares text, lists compare item by item after trimming. Two values of which one cannot be
+  /// read as its type are compared as text.
+  [[nodiscard]] static bool valuesEqual(Type type, std::string const& a, std::string const& b);
+
+  /// Divides a quantity into `number` and `units`. The pair holds the number and whether `value` was a quantity; when
+  /// it was not, both texts are empty and the number is 0.
+  [[nodiscard]] static std::pair<float, bool> valueAsFloat(std::string const& value, std::string& number,
+                                                           std::string& units);
+
+  [[nodiscard]] static std::optional<double> asNumber(std::string_view text) noexcept;
+  [[nodiscard]] static std::optional<Quantity> asQuantity(std::string_view text) noexcept;
+  [[nodiscard]] static std::optional<bool> asLogical(std::string_view text) noexcept;
+
+  /// The name of the type as rule files write it: "Real List".
+  [[nodiscard]] static std::string_view typeName(Type type) noexcept;
+  [[nodiscard]] static std::optional<Type> typeFromName(std::string_view name) noexcept;
+};
+
+}  // namespace tarn
