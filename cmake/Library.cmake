@@ -1,18 +1,38 @@
-# tarn_library(NAME SOURCES ... HEADERS ...): a shared library TARN::NAME of this family. Its public headers lie in
-# include/ of the calling folder and can each be compiled alone; its symbols are hidden unless a header exports them.
+# What every target of ours is compiled with, and the shape of a shared library of the family.
+
+# tarn_warnings(TARGET): the warnings that we mean. The presets for developers make them errors.
+function(tarn_warnings target)
+  if(PROJECT_IS_TOP_LEVEL)
+    target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+      -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wunused)
+  endif()
+endfunction()
+
+# tarn_library(NAME SOURCES ... HEADERS ... [LINK ...] [PRIVATE_LINK ...]): the shared library TARN::NAME. Its public
+# headers lie in include/ of the calling folder and can each be compiled alone; its symbols are hidden unless a header
+# exports them.
 function(tarn_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINK;PRIVATE_LINK" ${ARGN})
-  add_library(TARN${name} SHARED ${ARG_SOURCES})
-  add_library(TARN::${name} ALIAS TARN${name})
-  target_sources(TARN${name} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${ARG_HEADERS})
-  target_include_directories(TARN${name} PRIVATE src)
-  target_compile_features(TARN${name} PUBLIC cxx_std_20)
-  target_link_libraries(TARN${name} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
-  set_target_properties(TARN${name} PROPERTIES
+  set(target TARN${name})
+  if(NOT ARG_SOURCES)
+    file(TOUCH ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
+    set(ARG_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
+  endif()
+  add_library(${target} SHARED ${ARG_SOURCES})
+  add_library(TARN::${name} ALIAS ${target})
+  tarn_warnings(${target})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${ARG_HEADERS})
+  target_include_directories(${target} PRIVATE src)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+  target_link_options(${target} PRIVATE LINKER:--as-needed)
+  set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${name}
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}
-    VERIFY_INTERFACE_HEADER_SETS ON)
+    SOVERSION ${TARN_SOVERSION}
+    INSTALL_RPATH "\$ORIGIN")
+  set_property(GLOBAL APPEND PROPERTY TARN_LIBRARIES ${target})
 endfunction()
