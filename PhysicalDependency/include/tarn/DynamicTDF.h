@@ -23,15 +23,15 @@ class ChangeRecord;
 ///     model.setParameter("/Case/Domain:rotor", "Motion", "Stationary");
 ///     model.getModifiedParameters();                                    // {("/Case/Domain:rotor", "Motion")}
 ///
-/// Objects. Every object is known by its full path, and a look-up by path costs one hash of it, however deep or wide the
-/// tree is. Children stand in the order in which they were created. The root always exists, cannot be deleted, and
+/// Objects. Every object is known by its full path, and a look-up by path costs one hash of it, however deep or wide
+/// the tree is. Children stand in the order in which they were created. The root always exists, cannot be deleted, and
 /// answers to the empty path only: "/" is no object. Depth is limited by memory alone; no operation recurses.
 ///
 /// Paths. Whatever creates an object also creates all objects above it that are missing, with the types and names that
-/// the path gives them. A path of which something has to be created must be one that `TDFPath` accepts; else its `Error`
-/// is thrown and nothing is created. `createObject` writes a name that equals the type as a singleton, `/Case/Domain`
-/// and not `/Case/Domain:Domain`. Write it so everywhere: an object that came into being under the long form is found
-/// under the long form only, while listings give the short one.
+/// the path gives them. A path of which something has to be created must be one that `TDFPath` accepts; else its
+/// `Error` is thrown and nothing is created. `createObject` writes a name that equals the type as a singleton,
+/// `/Case/Domain` and not `/Case/Domain:Domain`. Write it so everywhere: an object that came into being under the long
+/// form is found under the long form only, while listings give the short one.
 ///
 /// Values. White space at the ends is dropped before a value is compared or stored. Nothing is checked against the
 /// allowed values of a parameter; they are kept for readers. Whether a parameter is of allowed value type is settled
@@ -39,15 +39,15 @@ class ChangeRecord;
 ///
 /// The change log. While recording is on, each event is appended to one of four lists, in the order of events:
 ///
-/// | Operation                                | added     | modified           | deleted parameters          | deleted objects  |
-/// |------------------------------------------|-----------|--------------------|-----------------------------|------------------|
-/// | `setParameter`, `initialise`, `update`   | each new  | each that differed |                             |                  |
-/// | `deleteParameter`                        |           |                    | the parameter               |                  |
-/// | `deleteObject`, `deleteObjects`          |           |                    | all of the subtree          | the given path   |
-/// | `deleteObjectUnrecorded`                 |           |                    | all of the subtree          |                  |
-/// | `copyBranch`, source has the object      | each new  | each that differed | all that the source lacks   | each removed top |
-/// | `copyBranch`, source lacks the object    |           |                    | all of the subtree          |                  |
-/// | `createObject` and objects made on the way |         |                    |                             |                  |
+/// | Operation                             | added    | modified           | deleted parameters | deleted objects  |
+/// |---------------------------------------|----------|--------------------|--------------------|------------------|
+/// | `setParameter`, `initialise`, `update`| each new | each that differed |                    |                  |
+/// | `deleteParameter`                     |          |                    | it                 |                  |
+/// | `deleteObject`, `deleteObjects`       |          |                    | all of the subtree | the given path   |
+/// | `deleteObjectUnrecorded`              |          |                    | all of the subtree |                  |
+/// | `copyBranch`, object is in the source | each new | each that differed | all not in source  | each removed top |
+/// | `copyBranch`, object is not           |          |                    | all of the subtree |                  |
+/// | `createObject`, implied objects       |          |                    |                    |                  |
 ///
 /// It is a log of events, and nothing in it is folded: what was added and then deleted stands in both lists, what was
 /// modified three times stands three times. Setting what is already there and deleting what is not there are no events.
@@ -59,9 +59,9 @@ class ChangeRecord;
 /// While recording is off the lists do not change at all: nothing is added, and neither `resetChanges` nor `initialise`
 /// empties them. So a reader that finds entries after switching recording off reads those of the batch before.
 ///
-/// References. One to a value, an object's name or type, or allowed values stays valid until that parameter or object is
-/// set, deleted, or swept away by `initialise`; edits elsewhere in the tree leave it alone. One to a list of the log is
-/// valid as long as the tree, and shows later events. An argument may itself be such a reference.
+/// References. One to a value, an object's name or type, or allowed values stays valid until that parameter or object
+/// is set, deleted, or swept away by `initialise`; edits elsewhere in the tree leave it alone. One to a list of the log
+/// is valid as long as the tree, and shows later events. An argument may itself be such a reference.
 ///
 /// One thread at a time, also for reading: `getParamValueAsList` keeps the items that it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
@@ -118,8 +118,8 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   void deleteObject(std::string const& path);
   /// `deleteObject` for each path in turn.
   void deleteObjects(std::vector<std::string> const& paths);
-  /// As `deleteObject`, but the object does not enter the list of deleted objects. Its parameters and those below it are
-  /// logged as deleted all the same: "unrecorded" is said of the object. To log nothing at all, stop recording.
+  /// As `deleteObject`, but the object does not enter the list of deleted objects. Its parameters and those below it
+  /// are logged as deleted all the same: "unrecorded" is said of the object. To log nothing at all, stop recording.
   void deleteObjectUnrecorded(std::string const& path);
 
   /// An absent object or parameter is ignored.
@@ -128,17 +128,17 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// Sets a parameter and creates whatever is missing. A new parameter is an ordinary one; a parameter of allowed value
   /// type takes the value and keeps its allowed values.
   void setParameter(std::string const& objPath, std::string const& name, std::string const& value);
-  /// Sets a parameter of allowed value type. Throws `physics_dep::invalidParamVal` when it exists as an ordinary one; it
-  /// then keeps its value, and nothing is logged.
+  /// Sets a parameter of allowed value type. Throws `physics_dep::invalidParamVal` when it exists as an ordinary one;
+  /// it then keeps its value, and nothing is logged.
   void setParameter(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues,
                     std::string const& value);
 
   /// @name Bulk loading
-  /// `initialise` empties the tree first, `update` adds and overwrites and removes nothing. Both take a model from `path`
-  /// downwards, with its objects that hold no parameters, or a range of a state, where an entry with an empty map makes
-  /// an object. With `skipEmpty`, values that are empty but for white space are passed over: they neither add nor
-  /// overwrite. It holds for this call only. Everything loaded is logged like single edits, so a caller who does not
-  /// want a whole load in the log stops recording for the time of it.
+  /// `initialise` empties the tree first, `update` adds and overwrites and removes nothing. Both take a model from
+  /// `path` downwards, with its objects that hold no parameters, or a range of a state, where an entry with an empty
+  /// map makes an object. With `skipEmpty`, values that are empty but for white space are passed over: they neither add
+  /// nor overwrite. It holds for this call only. Everything loaded is logged like single edits, so a caller who does
+  /// not want a whole load in the log stops recording for the time of it.
   ///
   /// `path` is handed to `model` as it stands. Write the root as "": a model that does not answer to "/" gives nothing
   /// for it, and what one that does gives goes to the root and is logged under "/".
@@ -177,16 +177,19 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   class NodeStore;
   class SkipEmptyScope;
 
+  enum class SetResult : int { Added = 0, Modified = 1, Unchanged = 2 };
+
   Node& findCreateNode(std::string const& path);
   bool deleteNodeAndChildren(std::string const& path);
-  void deleteNodeAndChildren(Node& top);
   void doSetParameter(std::string const& objPath, std::string const& name, std::string const& value, Node& node);
   void doSetParameter(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues,
                       std::string const& value, Node& node);
-  void setParameters(std::string const& objPath, ModelTDF const& model);
+  void record(SetResult result, std::string const& objPath, std::string const& name);
+  void setParameters(std::string const& topPath, ModelTDF const& model);
   void setParameters(std::string const& objPath, ObjectState const& values);
   void copyNodeAndChildren(Node const& sourceTop);
   void copyNodeParameters(Node const& sourceNode, Node& targetNode);
+  void deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode);
   void clear();
 
   /// Set for the time of a bulk load that asks for it: `doSetParameter` passes over empty values.

@@ -9,7 +9,7 @@ namespace tarn {
 
 /// Writes `state` as nested blocks, behind one blank line:
 ///
-///     Case: 
+///     Case:
 ///       Flow Regime = Turbulent
 ///       Domain: rotor
 ///         Angular Velocity = 120 [rad/s]
@@ -17,13 +17,14 @@ namespace tarn {
 ///     END # Case:
 ///
 /// Objects come in the order of the state, each with its parameters in name order, and objects that share their leading
-/// components share the blocks of these. A block of an object whose name equals its type opens with the type, a colon and
-/// a blank. Byte order puts `/Case B` between `/Case` and `/Case/Domain`, so a block may be closed and opened again.
+/// components share the blocks of these. A block of an object whose name equals its type opens with the type, a colon
+/// and a blank. Byte order puts `/Case B` between `/Case` and `/Case/Domain`, so a block may be closed and opened
+/// again.
 ///
 /// `TDFChangeFile` reads the text back to the same state, as long as the block form can tell its parts from each other:
-/// types and names of objects hold no "=", a singleton's type, a parameter's name and the first line of a block begin with
-/// none of "#", "/" and "END #", texts have no white space at their ends, and values hold no line end. An object without
-/// parameters is read back if nothing stands below it; otherwise the objects below imply it.
+/// types and names of objects hold no "=", a singleton's type, a parameter's name and the first line of a block begin
+/// with none of "#", "/" and "END #", texts have no white space at their ends, and values hold no line end. An object
+/// without parameters is read back if nothing stands below it; otherwise the objects below imply it.
 ///
 /// Throws the `Error` of `TDFPath` for an object path that it refuses; what stands before that object has then been
 /// written or not. Flushes `stream` once, at the end.

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+
+/// The log of a `DynamicTDF`: events in the order in which they happened, with no reasoning about them. While recording
+/// is off none of the lists changes, by clearing neither; `DynamicTDF` promises that to its callers.
+class ChangeRecord {
+ public:
+  using ParamId = std::pair<std::string, std::string>;
+
+  explicit ChangeRecord(bool recording) noexcept : recording_(recording) {}
+
+  void setRecording(bool recording) noexcept { recording_ = recording; }
+  [[nodiscard]] bool isRecording() const noexcept { return recording_; }
+
+  void recordAdded(std::string_view objPath, std::string_view name) { append(addedParams_, objPath, name); }
+  void recordModified(std::string_view objPath, std::string_view name) { append(modifiedParams_, objPath, name); }
+  void recordDeleted(std::string_view objPath, std::string_view name) { append(deletedParams_, objPath, name); }
+  void recordDeletedObject(std::string path) {
+    if (recording_) deletedObjects_.push_back(std::move(path));
+  }
+
+  void clear() noexcept {
+    if (!recording_) return;
+    addedParams_.clear();
+    deletedParams_.clear();
+    modifiedParams_.clear();
+    deletedObjects_.clear();
+  }
+
+  [[nodiscard]] std::vector<ParamId> const& addedParams() const noexcept { return addedParams_; }
+  [[nodiscard]] std::vector<ParamId> const& deletedParams() const noexcept { return deletedParams_; }
+  [[nodiscard]] std::vector<ParamId> const& modifiedParams() const noexcept { return modifiedParams_; }
+  [[nodiscard]] std::vector<std::string> const& deletedObjects() const noexcept { return deletedObjects_; }
+
+ private:
+  void append(std::vector<ParamId>& list, std::string_view objPath, std::string_view name) {
+    if (recording_) list.emplace_back(objPath, name);
+  }
+
+  bool recording_;
+  std::vector<ParamId> addedParams_;
+  std::vector<ParamId> deletedParams_;
+  std::vector<ParamId> modifiedParams_;
+  std::vector<std::string> deletedObjects_;
+};
+
+}  // namespace tarn

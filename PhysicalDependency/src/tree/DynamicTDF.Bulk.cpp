@@ -1,0 +1,172 @@
+// Loading a tree from a model or a state, merging into it, and mirroring a branch of another tree. Loading and merging
+// only add and overwrite; mirroring makes the branch equal and is the only one that deletes. All of it goes through the
+// same two ways of setting a parameter as single edits do, so that the log tells of it in the same way.
+//
+// The walks keep their own stacks: a model is as deep as its user made it.
+
+#include <tarn/DynamicTDF.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "tree/ChangeRecord.h"
+#include "tree/DynamicTDFNode.h"
+#include "tree/DynamicTDFStore.h"
+
+namespace tarn {
+
+/// Turns the passing over of empty values on for one call, if that asks for it or is made by one that did. Also a load
+/// that ends in an exception ends the mode, so that a later `setParameter` stores an empty value again.
+class DynamicTDF::SkipEmptyScope {
+ public:
+  SkipEmptyScope(DynamicTDF& tree, bool skipEmpty) noexcept : tree_(tree) {
+    tree_.skipEmptyValues_ = tree_.skipEmptyValues_ || skipEmpty;
+  }
+  ~SkipEmptyScope() { tree_.skipEmptyValues_ = false; }
+  SkipEmptyScope(SkipEmptyScope const&) = delete;
+  SkipEmptyScope& operator=(SkipEmptyScope const&) = delete;
+
+ private:
+  DynamicTDF& tree_;
+};
+
+void DynamicTDF::initialise(ModelTDF const* model, std::string const& path, bool skipEmpty) {
+  std::string const top = path;  // the caller's text may be one of this tree's
+  clear();
+  update(model, top, skipEmpty);
+}
+
+void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
+  clear();
+  update(begin, end, skipEmpty);
+}
+
+void DynamicTDF::update(ModelTDF const* model, std::string const& path, bool skipEmpty) {
+  SkipEmptyScope const mode(*this, skipEmpty);
+  setParameters(path, *model);
+}
+
+void DynamicTDF::update(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
+  SkipEmptyScope const mode(*this, skipEmpty);
+  for (; begin != end; ++begin) setParameters(begin->first, begin->second);
+}
+
+/// Loads one object and all below it, parents before children and children in the order in which the model lists them.
+/// An object is asked for its children only when its own parameters are set: the model may be a view that reads this
+/// tree.
+void DynamicTDF::setParameters(std::string const& topPath, ModelTDF const& model) {
+  std::vector<std::string> pending{topPath};
+  std::vector<std::string> names;
+  std::vector<std::string> children;
+  while (!pending.empty()) {
+    std::string const objPath = std::move(pending.back());
+    pending.pop_back();
+
+    names.clear();
+    model.getParameterNames(objPath, names);
+    Node& node = findCreateNode(objPath);
+    for (std::string const& name : names) doSetParameter(objPath, name, model.getParameterValue(objPath, name), node);
+
+    model.getChildObjectPaths(objPath, children);
+    std::move(children.rbegin(), children.rend(), std::back_inserter(pending));
+  }
+}
+
+void DynamicTDF::setParameters(std::string const& objPath, ObjectState const& values) {
+  Node& node = findCreateNode(objPath);
+  for (auto const& [name, value] : values) doSetParameter(objPath, name, value, node);
+}
+
+void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {
+  if (source == this) return;
+  if (Node const* const sourceNode = source->nodes_->find(path)) {
+    copyNodeAndChildren(*sourceNode);
+  } else {
+    deleteNodeAndChildren(std::string(path));
+  }
+}
+
+/// Mirrors `sourceTop` and all below it. Of each object, its parameters come first, then its children in the order of
+/// the source, and only then go those of its children that the source lacks.
+void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
+  auto const enter = [this](Node const& sourceNode) {
+    Node& targetNode = findCreateNode(sourceNode.path());
+    copyNodeParameters(sourceNode, targetNode);
+    return &targetNode;
+  };
+
+  Node const* sourceNode = &sourceTop;
+  Node* targetNode = enter(sourceTop);
+  for (;;) {
+    if (!sourceNode->children.empty()) {
+      sourceNode = sourceNode->children.first();
+      targetNode = enter(*sourceNode);
+      continue;
+    }
+    // Up again, as far as everything is done. The objects of a pair have the same path, so their parents are a pair
+    // too.
+    for (;;) {
+      deleteObsoleteChildren(*sourceNode, *targetNode);
+      if (sourceNode == &sourceTop) return;
+      if (sourceNode->nextSibling != nullptr) break;
+      sourceNode = sourceNode->parent;
+      targetNode = targetNode->parent;
+    }
+    sourceNode = sourceNode->nextSibling;
+    targetNode = enter(*sourceNode);
+  }
+}
+
+void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode) {
+  std::string const& objPath = sourceNode.path();
+  for (auto const& [name, param] : sourceNode.params) {
+    // The record decides, not the type of the parameter: an allowed value parameter that was set with an empty record
+    // reaches the target as a plain value.
+    if (param.allowedValues().hasAllowedValues) {
+      doSetParameter(objPath, name, param.allowedValues(), param.value(), targetNode);
+    } else {
+      doSetParameter(objPath, name, param.value(), targetNode);
+    }
+  }
+
+  auto sourceParam = sourceNode.params.begin();
+  for (auto param = targetNode.params.begin(); param != targetNode.params.end();) {
+    while (sourceParam != sourceNode.params.end() && sourceParam->first < param->first) ++sourceParam;
+    if (sourceParam != sourceNode.params.end() && sourceParam->first == param->first) {
+      ++param;
+    } else {
+      changes_->recordDeleted(objPath, param->first);
+      param = targetNode.params.erase(param);
+    }
+  }
+}
+
+/// Deletes the children here that the source lacks, in byte order of their paths.
+void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode) {
+  auto const sortedPaths = [](Node::ChildList const& children) {
+    std::vector<std::string_view> paths;
+    for (Node const& child : children) paths.push_back(child.path());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+  };
+  // Most often the two have the same children in the same order.
+  auto const samePath = [](Node const& a, Node const& b) { return a.path() == b.path(); };
+  if (std::equal(sourceNode.children.begin(), sourceNode.children.end(), targetNode.children.begin(),
+                 targetNode.children.end(), samePath)) {
+    return;
+  }
+  auto const wanted = sortedPaths(sourceNode.children);
+  auto const present = sortedPaths(targetNode.children);
+  std::vector<std::string_view> obsolete;
+  std::set_difference(present.begin(), present.end(), wanted.begin(), wanted.end(), std::back_inserter(obsolete));
+  for (std::string_view const path : obsolete) deleteObject(std::string(path));
+}
+
+void DynamicTDF::clear() {
+  nodes_->reset();
+  changes_->clear();
+}
+
+}  // namespace tarn

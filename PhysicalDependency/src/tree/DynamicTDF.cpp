@@ -1,0 +1,254 @@
+// Reading and single edits of the editable tree, and its change log. A read finds the object in the store and asks it;
+// an edit changes the object and then tells the log. Loading, merging and mirroring stand in DynamicTDF.Bulk.cpp, the
+// store of objects and the objects themselves in the DynamicTDFStore and DynamicTDFNode sources.
+
+#include <tarn/DynamicTDF.h>
+
+#include <tarn/StringUtilities.h>
+
+#include <utility>
+
+#include "tree/ChangeRecord.h"
+#include "tree/DynamicTDFNode.h"
+#include "tree/DynamicTDFStore.h"
+#include "tree/SharedEmpty.h"
+
+namespace tarn {
+
+DynamicTDF::DynamicTDF(bool recordUpdates)
+    : nodes_(std::make_unique<NodeStore>()), changes_(std::make_unique<ChangeRecord>(recordUpdates)) {}
+
+DynamicTDF::~DynamicTDF() = default;
+
+bool DynamicTDF::hasObject(std::string const& path) const {
+  return nodes_->find(path) != nullptr;
+}
+
+bool DynamicTDF::hasParameter(std::string const& paramPath) const {
+  std::string objPath;
+  std::string name;
+  StringUtilities::splitPathName(paramPath, &objPath, &name);
+  return hasParameter(objPath, name);
+}
+
+bool DynamicTDF::hasParameter(std::string const& objPath, std::string const& name) const {
+  return nodes_->findParam(objPath, name) != nullptr;
+}
+
+std::string const& DynamicTDF::getObjectName(std::string const& path) const {
+  Node const* const node = nodes_->find(path);
+  return node == nullptr ? sharedEmptyString() : node->name;
+}
+
+std::string const& DynamicTDF::getObjectType(std::string const& path) const {
+  Node const* const node = nodes_->find(path);
+  return node == nullptr ? sharedEmptyString() : node->type;
+}
+
+std::string const& DynamicTDF::getParameterValue(std::string const& paramPath) const {
+  std::string objPath;
+  std::string name;
+  StringUtilities::splitPathName(paramPath, &objPath, &name);
+  return getParameterValue(objPath, name);
+}
+
+std::string const& DynamicTDF::getParameterValue(std::string const& objPath, std::string const& name) const {
+  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  return param == nullptr ? sharedEmptyString() : param->value();
+}
+
+bool DynamicTDF::getParamValueAsList(std::string const& paramPath, std::vector<std::string>& out) const {
+  std::string objPath;
+  std::string name;
+  StringUtilities::splitPathName(paramPath, &objPath, &name);
+  return getParamValueAsList(objPath, name, out);
+}
+
+bool DynamicTDF::getParamValueAsList(std::string const& objPath, std::string const& name,
+                                     std::vector<std::string>& out) const {
+  out.clear();
+  if (Node::ParamVal const* const param = nodes_->findParam(objPath, name)) out = param->getValueAsList();
+  return !out.empty();
+}
+
+bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::string>& out) const {
+  Node const* const node = nodes_->find(path);
+  if (node == nullptr) return false;
+  out.clear();
+  out.reserve(node->params.size());
+  for (auto const& param : node->params) out.push_back(param.first);
+  return true;
+}
+
+bool DynamicTDF::getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const {
+  out.clear();
+  if (Node const* const node = nodes_->find(path)) {
+    for (Node const& child : node->children) out.push_back(child.path());
+  }
+  return !out.empty();
+}
+
+bool DynamicTDF::getChildObjectNamesByType(std::string const& path, std::string const& type,
+                                           std::vector<std::string>& out) const {
+  out.clear();
+  if (Node const* const node = nodes_->find(path)) {
+    for (Node const& child : node->children) {
+      if (child.type == type) out.push_back(child.name);
+    }
+  }
+  return !out.empty();
+}
+
+bool DynamicTDF::getChildObjectPathsByType(std::string const& path, std::string const& type,
+                                           std::vector<std::string>& out) const {
+  out.clear();
+  if (Node const* const node = nodes_->find(path)) {
+    for (Node const& child : node->children) {
+      if (child.type == type) out.push_back(child.path());
+    }
+  }
+  return !out.empty();
+}
+
+ParamAllowedValues const& DynamicTDF::getAllowedValueData(std::string const& objPath, std::string const& name) const {
+  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  return param == nullptr ? sharedEmptyAllowedValues() : param->allowedValues();
+}
+
+bool DynamicTDF::isObjectEmpty(std::string const& path) const {
+  Node const* const top = nodes_->find(path);
+  if (top == nullptr) return true;
+  for (Node const* node = top; node != nullptr; node = node->nextBelow(*top)) {
+    if (!node->params.empty()) return false;
+  }
+  return true;
+}
+
+ModelState DynamicTDF::getState(std::string const& rootPath) const {
+  ModelState state;
+  bool const whole = rootPath.empty() || rootPath == "/";
+  auto const& nodes = nodes_->nodes();
+  for (auto place = whole ? nodes.begin() : nodes.lower_bound(rootPath); place != nodes.end(); ++place) {
+    // All paths at or below rootPath begin with it, and in byte order those that do stand together.
+    if (!whole && !place->first.starts_with(rootPath)) break;
+    Node const& node = *place->second;
+    if (node.params.empty() || !StringUtilities::isPathRootedAt(rootPath, place->first)) continue;
+    ObjectState& values = state.try_emplace(state.end(), place->first)->second;
+    for (auto const& [name, param] : node.params) values.try_emplace(values.end(), name, param.value());
+  }
+  return state;
+}
+
+bool DynamicTDF::createObject(std::string const& parentPath, std::string const& type, std::string const& name) {
+  std::string path;
+  path.reserve(parentPath.size() + type.size() + name.size() + 2);
+  path.append(parentPath).append("/").append(type);
+  if (!name.empty() && name != type) path.append(":").append(name);
+  if (nodes_->find(path) != nullptr) return false;
+  nodes_->create(path);
+  return true;
+}
+
+void DynamicTDF::deleteObject(std::string const& path) {
+  // The caller's text may be one that goes with the object, a parameter that names its own object for example.
+  std::string top = path;
+  if (deleteNodeAndChildren(top)) changes_->recordDeletedObject(std::move(top));
+}
+
+void DynamicTDF::deleteObjects(std::vector<std::string> const& paths) {
+  // The caller's list may be our own log, which grows meanwhile.
+  for (std::size_t i = 0, count = paths.size(); i < count; ++i) deleteObject(paths[i]);
+}
+
+void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
+  deleteNodeAndChildren(std::string(path));
+}
+
+void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
+  Node* const node = nodes_->find(objPath);
+  if (node == nullptr) return;
+  // Taken out first and freed last, since the caller's texts may be the ones that go.
+  auto const taken = node->params.extract(name);
+  if (!taken.empty()) changes_->recordDeleted(objPath, taken.key());
+}
+
+void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
+  doSetParameter(objPath, name, value, findCreateNode(objPath));
+}
+
+void DynamicTDF::setParameter(std::string const& objPath, std::string const& name,
+                              ParamAllowedValues const& allowedValues, std::string const& value) {
+  doSetParameter(objPath, name, allowedValues, value, findCreateNode(objPath));
+}
+
+void DynamicTDF::startRecordingUpdates() {
+  changes_->setRecording(true);
+}
+
+void DynamicTDF::stopRecordingUpdates() {
+  changes_->setRecording(false);
+}
+
+void DynamicTDF::resetChanges() {
+  changes_->clear();
+}
+
+std::vector<DynamicTDF::ParamId> const& DynamicTDF::getAddedParameters() const noexcept {
+  return changes_->addedParams();
+}
+
+std::vector<DynamicTDF::ParamId> const& DynamicTDF::getDeletedParameters() const noexcept {
+  return changes_->deletedParams();
+}
+
+std::vector<DynamicTDF::ParamId> const& DynamicTDF::getModifiedParameters() const noexcept {
+  return changes_->modifiedParams();
+}
+
+std::vector<std::string> const& DynamicTDF::getDeletedObjects() const noexcept {
+  return changes_->deletedObjects();
+}
+
+DynamicTDF::Node& DynamicTDF::findCreateNode(std::string const& path) {
+  Node* const node = nodes_->find(path);
+  return node == nullptr ? nodes_->create(path) : *node;
+}
+
+/// Deletes the object at `path` with everything below it, and returns whether there was one.
+bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
+  Node* const top = nodes_->find(path);
+  if (top == nullptr || top == &nodes_->root()) return false;
+
+  // Leaves first, and of the children the last one first: the order of the log, which readers see.
+  for (Node* node = top;;) {
+    while (!node->children.empty()) node = node->children.last();
+    bool const isTop = node == top;
+    std::string const& recordedPath = isTop ? path : node->path();
+    for (auto const& param : node->params) changes_->recordDeleted(recordedPath, param.first);
+    Node* const parent = node->parent;
+    nodes_->removeLeaf(*node);
+    if (isTop) return true;
+    node = parent;
+  }
+}
+
+void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name, std::string const& value,
+                                Node& node) {
+  std::string_view const cleaned = StringUtilities::trimmed(value);
+  if (skipEmptyValues_ && cleaned.empty()) return;
+  record(node.setParamValue(name, cleaned), objPath, name);
+}
+
+void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name,
+                                ParamAllowedValues const& allowedValues, std::string const& value, Node& node) {
+  std::string_view const cleaned = StringUtilities::trimmed(value);
+  if (skipEmptyValues_ && cleaned.empty()) return;
+  record(node.setParamValue(name, allowedValues, cleaned), objPath, name);
+}
+
+void DynamicTDF::record(SetResult result, std::string const& objPath, std::string const& name) {
+  if (result == SetResult::Added) changes_->recordAdded(objPath, name);
+  if (result == SetResult::Modified) changes_->recordModified(objPath, name);
+}
+
+}  // namespace tarn
