@@ -56,6 +56,12 @@ class TARN_EXPORT ParseError : public Error {
   ParseError(std::string const& className, std::string const& method, std::string const& message);
 };
 
+/// An index outside what it counts: the fourth component of a path of three.
+class TARN_EXPORT RangeError : public Error {
+ public:
+  RangeError(std::string const& className, std::string const& method, std::string const& message);
+};
+
 /// A file that cannot be opened, or not be read or written to its end.
 class TARN_EXPORT FileError : public Error {
  public:

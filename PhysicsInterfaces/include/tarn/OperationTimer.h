@@ -10,7 +10,8 @@
 namespace tarn {
 
 /// Measures an operation from construction to destruction, with sections within it, and hands the result to the
-/// `MeasurementSink` of the thread. With no sink set it does nothing.
+/// `MeasurementSink` that the thread had when the operation began. With no sink set it does nothing; when the sink was
+/// replaced in the meantime, the measurement is dropped.
 class TARN_EXPORT OperationTimer {
  public:
   explicit OperationTimer(std::string const& name);
@@ -29,6 +30,7 @@ class TARN_EXPORT OperationTimer {
   std::string name_;
   Clock::time_point start_;
   Clock::time_point sectionStart_;
+  bool inSection_ = false;
   std::string section_;
   std::vector<MeasurementSink::Section> sections_;
 };

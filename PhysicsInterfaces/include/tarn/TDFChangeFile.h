@@ -1,6 +1,6 @@
 #pragma once
 
-#include <iosfwd>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,11 +28,18 @@ namespace tarn {
 ///       END # Domain:rotor
 ///     END # Case:
 ///
-/// A line that begins with "/" is an item. Of the others, one with "=" is a parameter of the open block (of the root when
-/// none is open), `END # …` closes, and one that holds a ":" opens. A block that holds nothing is an object without
-/// parameters. UTF-8; a byte order mark and carriage returns are dropped, and the last line needs no line end.
+/// A line that begins with "/" is an item. Of the others, one with "=" is a parameter of the open block (of the root
+/// when none is open), `END # …` closes, and one that holds a ":" opens. A block that holds nothing is an object
+/// without parameters. UTF-8; a byte order mark and carriage returns are dropped, and the last line needs no line end.
 ///
-/// Limits: a path has at most 1,000 components. A NUL byte makes its line malformed.
+/// Limits: the path of an object has at most 1,000 components. A NUL byte makes its line malformed.
+///
+/// What the lenient mode makes of a fault. A malformed line has no effect of its own. A malformed opening line whose
+/// block is closed further on takes what the block holds with it, since there is no place for it; lines that begin with
+/// "/" are loaded all the same. An `END` for a block that is open further out closes that one and all within it. An
+/// `END` for no open block is passed over, unless it stands under the opening line of the innermost block and that
+/// block is not closed by an `END` of its own: then it is taken as a slip for that. Of a block left open, what it holds
+/// is loaded.
 class TARN_EXPORT TDFChangeFile {
  public:
   enum InputMode : int {
@@ -47,7 +54,10 @@ class TARN_EXPORT TDFChangeFile {
   using const_iterator = std::vector<TDFChange>::const_iterator;
 
   /// Reads `files` in order, then each text of `extra` as the content of one more file. The name "-" is the standard
-  /// input. Throws an `Error` that names the file when one cannot be opened or not be read to its end, in both modes.
+  /// input, which messages call "<stdin>"; the texts of `extra` are called "<text 1>", "<text 2>" and so on. Throws a
+  /// `FileError` that names the file when one cannot be opened or not be read to its end, in both modes, and in strict
+  /// mode a `ParseError` whose message is the text `file:line:column: reason` alone. Lines and columns count from 1,
+  /// columns in characters. Linear in the length of the text.
   TDFChangeFile(std::vector<std::string> const& files, std::vector<std::string> const& extra, InputMode mode);
 
   [[nodiscard]] const_iterator begin() const noexcept { return items_.begin(); }

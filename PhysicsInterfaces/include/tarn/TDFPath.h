@@ -1,14 +1,14 @@
 #pragma once
 
+#include <memory>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include <tarn/Export.h>
 
 namespace tarn {
 
-/// A parsed object path. A value: copies are independent of each other.
+/// A parsed object path. A value: copies are independent of each other. A copy costs no more than a pointer, since
+/// copies share what was parsed until one of them is given another name.
 ///
 ///     TDFPath path("/Case/Domain:rotor");
 ///     path.getType(1);        // "Domain"
@@ -28,10 +28,10 @@ class TARN_EXPORT TDFPath {
   explicit TDFPath(std::string const& path);
 
   /// The whole path in canonical form; "" for the root.
-  [[nodiscard]] std::string const& getFullPath() const noexcept { return fullPath_; }
+  [[nodiscard]] std::string const& getFullPath() const noexcept;
 
-  [[nodiscard]] unsigned long long numComponent() const noexcept { return components_.size(); }
-  [[nodiscard]] unsigned long long size() const noexcept { return components_.size(); }
+  [[nodiscard]] unsigned long long numComponent() const noexcept;
+  [[nodiscard]] unsigned long long size() const noexcept { return numComponent(); }
 
   [[nodiscard]] std::string const& getType(unsigned long long i) const;
   /// The name of component `i`; of a component without a name, its type.
@@ -53,17 +53,12 @@ class TARN_EXPORT TDFPath {
   void setName(unsigned long long i, std::string const& name);
 
  private:
-  struct Component {
-    std::string type;
-    std::string name;  // equals the type when the component has no name of its own
-    std::size_t end;   // where the component ends in fullPath_
-    bool named;
-  };
+  struct Component;
+  struct Body;
 
-  [[nodiscard]] Component const& component(unsigned long long i) const;
+  [[nodiscard]] Component const& component(unsigned long long i, char const* method) const;
 
-  std::string fullPath_;
-  std::vector<Component> components_;
+  std::shared_ptr<Body const> body_;  // null for the root
 };
 
 }  // namespace tarn

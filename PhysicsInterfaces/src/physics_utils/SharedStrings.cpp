@@ -1,0 +1,65 @@
+// An immutable list of texts behind one shared body. A long list gets an index at the first question for an item. Two
+// threads may ask first at once: each makes an index, one of them is kept by compare-exchange, the other one is dropped
+// again, and whoever reads the pointer sees a finished index.
+#include <tarn/SharedStrings.h>
+
+#include <algorithm>
+#include <atomic>
+#include <unordered_set>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+using Index = std::unordered_set<std::string_view>;
+
+// Up to here comparing lengths and bytes one after the other is quicker than hashing the question.
+constexpr std::size_t searchedItems = 16;
+
+}  // namespace
+
+struct SharedStrings::Body {
+  explicit Body(std::vector<std::string> given) : items(std::move(given)) {}
+  Body(Body const&) = delete;
+  Body& operator=(Body const&) = delete;
+  ~Body() { std::unique_ptr<Index const>(index.load(std::memory_order_acquire)).reset(); }
+
+  [[nodiscard]] Index const& getIndex() const {
+    if (Index const* const made = index.load(std::memory_order_acquire)) return *made;
+    auto fresh = std::make_unique<Index const>(items.begin(), items.end());
+    Index const* expected = nullptr;
+    if (index.compare_exchange_strong(expected, fresh.get(), std::memory_order_acq_rel, std::memory_order_acquire)) {
+      return *fresh.release();  // owned by `index` from here on
+    }
+    return *expected;
+  }
+
+  std::vector<std::string> const items;
+  mutable std::atomic<Index const*> index{nullptr};  // null until the first question; the views point into `items`
+};
+
+SharedStrings::SharedStrings(std::vector<std::string> items)
+    : body_(items.empty() ? nullptr : std::make_shared<Body const>(std::move(items))) {}
+
+SharedStrings::SharedStrings(std::initializer_list<std::string> items)
+    : SharedStrings(std::vector<std::string>(items)) {}
+
+std::vector<std::string> const& SharedStrings::vector() const noexcept {
+  static std::vector<std::string> const none;
+  return body_ ? body_->items : none;
+}
+
+bool SharedStrings::contains(std::string_view item) const {
+  if (!body_) return false;
+  if (body_->items.size() <= searchedItems) {
+    return std::find(body_->items.begin(), body_->items.end(), item) != body_->items.end();
+  }
+  return body_->getIndex().contains(item);
+}
+
+bool operator==(SharedStrings const& a, SharedStrings const& b) noexcept {
+  return a.body_ == b.body_ || a.vector() == b.vector();
+}
+
+}  // namespace tarn

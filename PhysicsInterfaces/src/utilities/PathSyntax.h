@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tarn::path_syntax {
+
+/// What is wrong with a text, and where. No fault when `reason` is null.
+struct Fault {
+  char const* reason = nullptr;
+  std::size_t offset = 0;  // in bytes from the start of the text
+
+  explicit operator bool() const noexcept { return reason != nullptr; }
+};
+
+/// The first fault of a path that is not the root; so "" and "/" are at fault here.
+[[nodiscard]] Fault findFault(std::string_view path) noexcept;
+
+/// `text` between double quotes for a message: cut in the middle when it is long, control characters shown as "?".
+[[nodiscard]] std::string shown(std::string_view text);
+
+}  // namespace tarn::path_syntax
