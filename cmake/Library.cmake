@@ -1,5 +1,7 @@
 # What every target of ours is compiled with, and the shape of a shared library of the family.
 
+set(TARN_EXPORTS_MAP ${CMAKE_CURRENT_LIST_DIR}/exports.map)
+
 # tarn_warnings(TARGET): the warnings that we mean. The presets for developers make them errors.
 function(tarn_warnings target)
   if(PROJECT_IS_TOP_LEVEL)
@@ -26,13 +28,14 @@ function(tarn_library name)
   target_include_directories(${target} PRIVATE src)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
-  target_link_options(${target} PRIVATE LINKER:--as-needed)
+  target_link_options(${target} PRIVATE LINKER:--as-needed LINKER:--version-script=${TARN_EXPORTS_MAP})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${name}
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON
     VERSION ${PROJECT_VERSION}
     SOVERSION ${TARN_SOVERSION}
+    LINK_DEPENDS ${TARN_EXPORTS_MAP}
     INSTALL_RPATH "\$ORIGIN")
   set_property(GLOBAL APPEND PROPERTY TARN_LIBRARIES ${target})
 endfunction()

@@ -1,0 +1,67 @@
+// Any bytes as model text: it is read, or refused with an error. What was read is printed as blocks and read again: the
+// same parameters must come back, where the names are plain enough for the block form to tell its parts from each other.
+
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include <tarn/Error.h>
+#include <tarn/ModelState.h>
+#include <tarn/TDFChangeFile.h>
+#include <tarn/printModelState.h>
+
+namespace {
+
+bool isTrimmed(std::string_view text) {
+  auto const blank = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };
+  return text.empty() || (!blank(text.front()) && !blank(text.back()));
+}
+
+// Letters, digits, inner blanks and the separators of a path.
+bool isPlain(std::string_view text) {
+  for (char const c : text) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != ' ' && c != '/' && c != ':') return false;
+  }
+  return text.find("END") == std::string_view::npos && text.find(" /") == std::string_view::npos &&
+         text.find("/ ") == std::string_view::npos && text.find(" :") == std::string_view::npos &&
+         text.find(": ") == std::string_view::npos && isTrimmed(text);
+}
+
+bool comesBackAsItIs(tarn::ModelState const& state) {
+  for (auto const& [path, parameters] : state) {
+    if (path.empty() || !isPlain(path)) return false;
+    for (auto const& [name, value] : parameters) {
+      if (name.empty() || !isPlain(name) || name.front() == '/') return false;
+      if (!isTrimmed(value) || value.find_first_of("\r\n") != std::string::npos) return false;
+    }
+  }
+  return true;
+}
+
+tarn::ModelState withoutEmptyObjects(tarn::ModelState state) {
+  std::erase_if(state, [](auto const& entry) { return entry.second.empty(); });
+  return state;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  std::string const text(reinterpret_cast<char const*>(data), size);
+  tarn::ModelState state;
+  try {
+    state = tarn::TDFChangeFile({}, {text}, tarn::TDFChangeFile::Strict).toModelState();
+  } catch (tarn::Error const&) {
+    return 0;
+  }
+  if (!comesBackAsItIs(state)) return 0;
+
+  std::ostringstream blocks;
+  tarn::printModelState(state, blocks);
+  auto const again = tarn::TDFChangeFile({}, {blocks.str()}, tarn::TDFChangeFile::Strict).toModelState();
+  if (withoutEmptyObjects(again) != withoutEmptyObjects(state)) std::abort();
+  return 0;
+}

@@ -1,0 +1,35 @@
+// Any bytes as a rule file: they are loaded, or refused with diagnostics whose places lie in the text and which can be
+// printed. The limits are narrow, to reach what lies beyond them quickly.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include <tarn/rules/RuleLoader.h>
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  std::string const text(reinterpret_cast<char const*>(data), size);
+  tarn::rules::LoadLimits limits;
+  limits.yamlNodes = 10'000;
+  limits.expressionLength = 2'000;
+  limits.expressionDepth = 40;
+  limits.errors = 50;
+
+  auto const lines = 1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  auto const found = tarn::rules::lintText(text, "fuzz", limits);
+  bool errors = false;
+  for (auto const& diagnostic : found.diagnostics) {
+    errors = errors || diagnostic.severity == tarn::rules::Severity::Error;
+    if (diagnostic.line < 1 || diagnostic.line > lines + 1 || diagnostic.column < 1) std::abort();
+    if (format(diagnostic).empty()) std::abort();
+  }
+  try {
+    auto const rules = tarn::rules::parseRules(text, "fuzz", limits);
+    if (errors || !rules) std::abort();
+  } catch (tarn::rules::RuleError const& error) {
+    if (!errors || error.diagnostics().empty()) std::abort();
+  }
+  return 0;
+}

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Builds and runs, as somebody else's project would, a program of twenty lines that uses the libraries:
+#
+#     consumer.sh install FOLDER BUILD          installs the build into FOLDER/installed; the next two use that
+#     consumer.sh find_package FOLDER COMPILER
+#     consumer.sh pkg_config FOLDER COMPILER
+#     consumer.sh add_subdirectory FOLDER COMPILER
+#     consumer.sh readme                        the README shows that very program
+set -euo pipefail
+
+here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
+project=$(cd -- "$here/../.." && pwd)
+
+# The model breaks three rules: the program must find just these.
+check_findings() {
+  diff -u "$here/expected.txt" <("$@" "$here/flow.rules.yaml" "$here/pipe.model")
+}
+
+case $1 in
+  install)
+    rm -rf "$2/installed" "$2/moved"
+    cmake --install "$3" --prefix "$2/installed" >/dev/null
+    # An installation may be moved as a whole: what follows uses it at another place than it was made for.
+    mv "$2/installed" "$2/moved"
+    "$2/moved/bin/zev" --help >/dev/null
+    ;;
+  find_package)
+    cmake -G Ninja -S "$here/find_package" -B "$2/find_package" -DCMAKE_CXX_COMPILER="$3" \
+      -DCMAKE_PREFIX_PATH="$2/moved" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
+    cmake --build "$2/find_package"
+    check_findings "$2/find_package/check-model"
+    ;;
+  pkg_config)
+    export PKG_CONFIG_PATH=$2/moved/lib/pkgconfig
+    read -r -a flags < <(pkg-config --cflags --libs tarn-physical-dependency)
+    mkdir -p "$2/pkg_config"
+    "$3" -std=c++20 "$here/find_package/main.cpp" "${flags[@]}" -o "$2/pkg_config/check-model"
+    LD_LIBRARY_PATH=$2/moved/lib check_findings "$2/pkg_config/check-model"
+    ;;
+  add_subdirectory)
+    cmake -G Ninja -S "$here/add_subdirectory" -B "$2/add_subdirectory" -DCMAKE_CXX_COMPILER="$3" \
+      -DTARN_SOURCE_DIR="$project" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE='-O2 -DNDEBUG' \
+      -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)"
+    cmake --build "$2/add_subdirectory"
+    check_findings "$2/add_subdirectory/check-model"
+    ;;
+  readme)
+    diff -u "$here/find_package/main.cpp" <(sed -n '/^```cpp$/,/^```$/{//d;p}' "$project/README.md")
+    ;;
+esac
