@@ -2,6 +2,8 @@
 # shellcheck shell=bash
 
 house=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+# With these a clone at another place finds in ccache what this one compiled.
+export CCACHE_BASEDIR=$house CCACHE_NOHASHDIR=1
 
 say() { printf '%s\n' "$*" >&2; }
 die() {
@@ -57,22 +59,25 @@ build() {
       die "The build could not be configured. If a package is named above, install it; else remove $folder and try again."
     }
   fi
-  if (cd "$house" && cmake --build --preset "$preset" -- -n) </dev/null 2>&1 | grep '^ninja: no work to do' >/dev/null; then
-    return 0
-  fi
-  say "Building (preset $preset, log in build/$preset/build.log)"
-  if ! (cd "$house" && cmake --build --preset "$preset" -- -k 20) </dev/null 2>&1 | progress "$log"; then
+  if ! (cd "$house" && cmake --build --preset "$preset" -- -k 20) </dev/null 2>&1 | progress "$preset" "$log"; then
     grep -vE '^\[[0-9]+/[0-9]+\]|^ninja: ' "$log" >&2 || true
     die "The build failed; its whole output is in $log."
   fi
 }
 
-# progress LOG: copies its input to the log and, on a terminal, shows how far it is in one line that moves.
+# progress PRESET LOG: keeps what the build prints in the log. Once something is built, says so; on a terminal, how far
+# it is, in one line that goes away at the end.
 progress() {
-  if [[ -t 2 ]]; then
-    tee "$1" | sed -nuE 's|^(\[[0-9]+/[0-9]+\]).*|\r\1 |p' | tr -d '\n' >&2
-    printf '\r\033[K' >&2
-  else
-    cat >"$1"
-  fi
+  local line told=
+  while IFS= read -r line; do
+    printf '%s\n' "$line"
+    [[ $line =~ ^\[([0-9]+/[0-9]+)\]\ (Building|Linking) ]] || continue
+    if [[ -t 2 ]]; then
+      printf '\r\033[KBuilding (preset %s): %s' "$1" "${BASH_REMATCH[1]}" >&2
+    elif [[ -z $told ]]; then
+      say "Building (preset $1, log in build/$1/build.log)"
+    fi
+    told=yes
+  done >"$2"
+  if [[ -n $told && -t 2 ]]; then printf '\r\033[K' >&2; fi
 }
