@@ -1,0 +1,263 @@
+// Laws of the editable tree under random edits: it agrees with a plain second model that is nothing but two maps, and
+// its change log, replayed on what was there before, gives what is there after. Seeds are fixed and printed with a
+// failure.
+
+#include <tarn/DynamicTDF.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tarn {
+namespace {
+
+using Strings = std::vector<std::string>;
+using ParamId = DynamicTDF::ParamId;
+
+bool atOrBelow(std::string const& root, std::string const& path) {
+  return root.empty() || path == root || path.compare(0, root.size() + 1, root + "/") == 0;
+}
+
+/// The slow model: every object with its children in order, and every parameter under its object. No links, no index.
+struct PlainModel {
+  std::map<std::string, Strings> children{{"", {}}};
+  std::map<ParamId, std::string> params;
+
+  void ensure(std::string const& path) {
+    if (children.count(path) != 0) return;
+    std::string const parent = path.substr(0, path.rfind('/'));
+    ensure(parent);
+    children[path];
+    children[parent].push_back(path);
+  }
+
+  void set(std::string const& path, std::string const& name, std::string const& value) {
+    ensure(path);
+    params[{path, name}] = value;
+  }
+
+  void remove(std::string const& path) {
+    if (path.empty() || children.count(path) == 0) return;
+    auto& siblings = children[path.substr(0, path.rfind('/'))];
+    siblings.erase(std::find(siblings.begin(), siblings.end(), path));
+    std::erase_if(children, [&](auto const& entry) { return atOrBelow(path, entry.first); });
+    std::erase_if(params, [&](auto const& entry) { return atOrBelow(path, entry.first.first); });
+  }
+
+  void mirror(PlainModel const& source, std::string const& path) {
+    if (source.children.count(path) == 0) return remove(path);
+    ensure(path);
+    std::erase_if(params, [&](auto const& entry) { return atOrBelow(path, entry.first.first); });
+    for (auto const& [id, value] : source.params) {
+      if (atOrBelow(path, id.first)) params[id] = value;
+    }
+    mirrorChildren(source, path);
+  }
+
+  void mirrorChildren(PlainModel const& source, std::string const& path) {
+    Strings const wanted = source.children.at(path);
+    Strings const present = children.at(path);
+    for (auto const& child : wanted) {
+      ensure(child);
+      mirrorChildren(source, child);
+    }
+    for (auto const& child : present) {
+      if (std::find(wanted.begin(), wanted.end(), child) == wanted.end()) remove(child);
+    }
+  }
+
+  [[nodiscard]] ModelState state(std::string const& root) const {
+    ModelState result;
+    for (auto const& [id, value] : params) {
+      if (atOrBelow(root, id.first)) result[id.first][id.second] = value;
+    }
+    return result;
+  }
+};
+
+class RandomEdits {
+ public:
+  explicit RandomEdits(unsigned seed) : random_(seed) {}
+
+  std::string path() {
+    static Strings const types{"A", "A B", "B", "C"};
+    static Strings const names{"x", "y", "A"};
+    std::string result;
+    for (int depth = upTo(4); depth > 0; --depth) {
+      std::string const& type = types[static_cast<std::size_t>(upTo(3))];
+      result += "/" + type;
+      std::string const& name = names[static_cast<std::size_t>(upTo(2))];
+      if (upTo(1) == 0 && name != type) result += ":" + name;
+    }
+    return result;
+  }
+  std::string name() { return std::string(1, static_cast<char>('p' + upTo(3))); }
+  std::string value() { return std::to_string(upTo(3)); }
+  int upTo(int limit) { return std::uniform_int_distribution<int>(0, limit)(random_); }
+
+ private:
+  std::mt19937 random_;
+};
+
+void expectSame(DynamicTDF const& tree, PlainModel const& plain, RandomEdits& edits) {
+  ASSERT_EQ(tree.getState(""), plain.state(""));
+  std::string const root = edits.path();
+  ASSERT_EQ(tree.getState(root), plain.state(root)) << root;
+  ASSERT_EQ(tree.isObjectEmpty(root), plain.state(root).empty()) << root;
+  ASSERT_EQ(tree.hasObject(root), plain.children.count(root) != 0) << root;
+  for (auto const& [path, children] : plain.children) {
+    Strings listed;
+    ASSERT_EQ(tree.getChildObjectPaths(path, listed), !children.empty()) << path;
+    ASSERT_EQ(listed, children) << path;
+  }
+}
+
+/// What the log says, done to `before`. Folding is the reader's work: a parameter that stands in any list has the value
+/// that it has now, or is gone.
+ModelState replayed(ModelState before, DynamicTDF const& tree) {
+  std::set<ParamId> touched;
+  for (auto const* list : {&tree.getAddedParameters(), &tree.getModifiedParameters(), &tree.getDeletedParameters()}) {
+    touched.insert(list->begin(), list->end());
+  }
+  for (auto const& [path, name] : touched) {
+    if (tree.hasParameter(path, name)) {
+      before[path][name] = tree.getParameterValue(path, name);
+    } else {
+      before[path].erase(name);
+    }
+  }
+  std::erase_if(before, [](auto const& entry) { return entry.second.empty(); });
+  return before;
+}
+
+/// Of one parameter, additions and deletions take turns, so their numbers tell how it was before and is now.
+void expectBalancedLog(ModelState const& before, DynamicTDF const& tree) {
+  std::map<ParamId, int> balance;
+  for (auto const& id : tree.getAddedParameters()) ++balance[id];
+  for (auto const& id : tree.getDeletedParameters()) --balance[id];
+  for (auto const& [id, sum] : balance) {
+    auto const place = before.find(id.first);
+    int const was = place != before.end() && place->second.count(id.second) != 0 ? 1 : 0;
+    int const is = tree.hasParameter(id.first, id.second) ? 1 : 0;
+    ASSERT_EQ(was + sum, is) << id.first << "|" << id.second;
+  }
+}
+
+void editOnce(RandomEdits& edits, DynamicTDF& tree, PlainModel& plain, DynamicTDF const& other,
+              PlainModel const& plainOther) {
+  std::string const path = edits.path();
+  std::string const name = edits.name();
+  std::string const value = edits.value();
+  switch (edits.upTo(11)) {
+    case 0:
+      tree.deleteObject(path);
+      plain.remove(path);
+      break;
+    case 1:
+      tree.deleteObjectUnrecorded(path);
+      plain.remove(path);
+      break;
+    case 2:
+      tree.deleteParameter(path, name);
+      plain.params.erase({path, name});
+      break;
+    case 3: {
+      bool const isNew = plain.children.count(path + "/D:" + name) == 0;
+      ASSERT_EQ(tree.createObject(path, "D", name), isNew);
+      plain.ensure(path + "/D:" + name);
+      break;
+    }
+    case 4:
+      tree.copyBranch(&other, path);
+      plain.mirror(plainOther, path);
+      break;
+    case 5: {
+      ModelState const part = plainOther.state(path);
+      tree.update(part.begin(), part.end());
+      for (auto const& [id, partValue] : plainOther.params) {
+        if (atOrBelow(path, id.first)) plain.set(id.first, id.second, partValue);
+      }
+      break;
+    }
+    default:
+      tree.setParameter(path, name, " " + value);
+      plain.set(path, name, value);
+  }
+}
+
+TEST(DynamicTDFLaws, RandomEditsAgreeWithAPlainModelAndWithTheLogReplayed) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomEdits edits(seed);
+    DynamicTDF other;
+    PlainModel plainOther;
+    for (int i = 0; i < 30; ++i) {
+      std::string const path = edits.path();
+      other.setParameter(path, "p", std::to_string(i));
+      plainOther.set(path, "p", std::to_string(i));
+    }
+    DynamicTDF tree;
+    PlainModel plain;
+    for (int batch = 0; batch < 20; ++batch) {
+      ModelState const before = tree.getState("");
+      tree.resetChanges();
+      for (int i = edits.upTo(12); i > 0; --i) {
+        editOnce(edits, tree, plain, other, plainOther);
+        ASSERT_FALSE(HasFatalFailure());
+      }
+      expectSame(tree, plain, edits);
+      ASSERT_FALSE(HasFatalFailure());
+      ASSERT_EQ(replayed(before, tree), tree.getState(""));
+      expectBalancedLog(before, tree);
+      ASSERT_FALSE(HasFatalFailure());
+    }
+  }
+}
+
+TEST(DynamicTDFLaws, AMirrorOfTheWholeTreeEqualsItAndASecondOneIsNoEvent) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomEdits edits(seed);
+    DynamicTDF source;
+    DynamicTDF tree;
+    for (int i = 0; i < 40; ++i) {
+      source.setParameter(edits.path(), edits.name(), edits.value());
+      tree.setParameter(edits.path(), edits.name(), edits.value());
+    }
+    ModelState const before = tree.getState("");
+    tree.resetChanges();
+    tree.copyBranch(&source, "");
+    ASSERT_EQ(tree.getState(""), source.getState(""));
+    ASSERT_EQ(replayed(before, tree), tree.getState(""));
+    tree.resetChanges();
+    tree.copyBranch(&source, "");
+    ASSERT_TRUE(tree.getAddedParameters().empty());
+    ASSERT_TRUE(tree.getModifiedParameters().empty());
+    ASSERT_TRUE(tree.getDeletedParameters().empty());
+    ASSERT_TRUE(tree.getDeletedObjects().empty());
+  }
+}
+
+TEST(DynamicTDFLaws, AStateLoadsToATreeOfThatState) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomEdits edits(seed);
+    DynamicTDF source;
+    for (int i = 0; i < 40; ++i) source.setParameter(edits.path(), edits.name(), edits.value());
+    ModelState const state = source.getState("");
+    DynamicTDF fromState;
+    fromState.initialise(state.begin(), state.end());
+    ASSERT_EQ(fromState.getState(""), state);
+    DynamicTDF fromModel;
+    fromModel.initialise(&source, "");
+    ASSERT_EQ(fromModel.getState(""), state);
+  }
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,567 @@
+// Reading and single edits of the editable tree, through its public interface. The change log has a test of its own,
+// and so have the bulk operations.
+
+#include <tarn/DynamicTDF.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <tarn/Error.h>
+#include <tarn/PhysicsDepErrors.h>
+
+namespace tarn {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+ParamAllowedValues allowedOf(Strings values) {
+  ParamAllowedValues allowed;
+  allowed.hasAllowedValues = true;
+  allowed.allowedValues = std::move(values);
+  return allowed;
+}
+
+/// A case with two domains; the rotor has a boundary.
+class PumpCase : public DynamicTDF {
+ public:
+  PumpCase() {
+    setParameter("/Case", "Flow Regime", "Turbulent");
+    setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+    setParameter("/Case/Domain:rotor", "Materials", "Water, Air,,Oil");
+    setParameter("/Case/Domain:rotor/Boundary:inlet", "Kind", "Inlet");
+    createObject("/Case", "Domain", "stator");
+    createObject("/Case", "Solver", "");
+  }
+};
+
+TEST(DynamicTDF, ANewTreeHoldsTheRootAlone) {
+  DynamicTDF const model;
+  Strings out{"before"};
+  EXPECT_TRUE(model.hasObject(""));
+  EXPECT_EQ(model.getObjectName(""), "");
+  EXPECT_EQ(model.getObjectType(""), "");
+  EXPECT_FALSE(model.getChildObjectPaths("", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(DynamicTDF, TheRootDoesNotAnswerToASlash) {
+  EXPECT_TRUE(PumpCase().hasObject(""));
+  EXPECT_FALSE(PumpCase().hasObject("/"));
+}
+
+TEST(DynamicTDF, AnObjectIsFoundUnderItsExactPathOnly) {
+  PumpCase const model;
+  EXPECT_TRUE(model.hasObject("/Case/Domain:rotor"));
+  EXPECT_FALSE(model.hasObject("/Case/Domain:roto"));
+  EXPECT_FALSE(model.hasObject("/Case/Domain"));
+  EXPECT_FALSE(model.hasObject("/Case/Domain:rotor/"));
+  EXPECT_FALSE(model.hasObject("Case"));
+}
+
+TEST(DynamicTDF, TypeAndNameComeFromThePath) {
+  PumpCase const model;
+  EXPECT_EQ(model.getObjectType("/Case/Domain:rotor"), "Domain");
+  EXPECT_EQ(model.getObjectName("/Case/Domain:rotor"), "rotor");
+  EXPECT_EQ(model.getObjectType("/Case/Solver"), "Solver");
+  EXPECT_EQ(model.getObjectName("/Case/Solver"), "Solver");
+}
+
+TEST(DynamicTDF, TypeAndNameOfAnUnknownObjectAreEmpty) {
+  PumpCase const model;
+  EXPECT_EQ(model.getObjectType("/Case/Domain:pump"), "");
+  EXPECT_EQ(model.getObjectName("/Case/Domain:pump"), "");
+}
+
+TEST(DynamicTDF, AParameterIsFoundByPathAndByObjectAndName) {
+  PumpCase const model;
+  EXPECT_TRUE(model.hasParameter("/Case/Domain:rotor/Motion"));
+  EXPECT_TRUE(model.hasParameter("/Case/Domain:rotor", "Motion"));
+  EXPECT_FALSE(model.hasParameter("/Case/Domain:rotor/motion"));
+  EXPECT_FALSE(model.hasParameter("/Case/Domain:rotor", "motion"));
+  EXPECT_FALSE(model.hasParameter("/Case/Domain:pump/Motion"));
+  EXPECT_FALSE(model.hasParameter("/Case/Domain:pump", "Motion"));
+}
+
+TEST(DynamicTDF, AChildObjectIsNoParameter) {
+  EXPECT_FALSE(PumpCase().hasParameter("/Case/Solver"));
+  EXPECT_FALSE(PumpCase().hasParameter("/Case", "Solver"));
+}
+
+TEST(DynamicTDF, AParameterAtTheRootHasTheEmptyObjectPath) {
+  DynamicTDF model;
+  model.setParameter("", "Version", "3");
+  EXPECT_EQ(model.getParameterValue("", "Version"), "3");
+  EXPECT_EQ(model.getParameterValue("/Version"), "3");
+  EXPECT_TRUE(model.hasParameter("/Version"));
+}
+
+TEST(DynamicTDF, AValueIsReadByPathAndByObjectAndName) {
+  PumpCase const model;
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor/Motion"), "Rotating");
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Motion"), "Rotating");
+}
+
+TEST(DynamicTDF, AMissingValueReadsAsEmpty) {
+  PumpCase const model;
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor/Speed"), "");
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Speed"), "");
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:pump/Motion"), "");
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:pump", "Motion"), "");
+}
+
+TEST(DynamicTDF, AParameterPathIsPassedOnToTheFormThatADerivedModelOverrides) {
+  class Doubled : public DynamicTDF {
+   public:
+    using DynamicTDF::getParameterValue;
+    using DynamicTDF::getParamValueAsList;
+    using DynamicTDF::hasParameter;
+    bool hasParameter(std::string const& objPath, std::string const& name) const override {
+      return objPath == "/Case/Domain:x" && name == "Motion";
+    }
+    std::string const& getParameterValue(std::string const& objPath, std::string const& name) const override {
+      seen = objPath + "|" + name;
+      return seen;
+    }
+    bool getParamValueAsList(std::string const& objPath, std::string const& name, Strings& out) const override {
+      out = {objPath, name};
+      return true;
+    }
+    mutable std::string seen;
+  };
+  Doubled const model;
+  Strings out;
+  EXPECT_TRUE(model.hasParameter("/Case/Domain:x/Motion"));
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:x/Motion"), "/Case/Domain:x|Motion");
+  EXPECT_TRUE(model.getParamValueAsList("/Case/Domain:x/Motion", out));
+  EXPECT_EQ(out, (Strings{"/Case/Domain:x", "Motion"}));
+}
+
+TEST(DynamicTDF, AValueIsDividedAtCommasWithEmptyItemsKeptAndNothingTrimmed) {
+  PumpCase const model;
+  Strings out{"before"};
+  EXPECT_TRUE(model.getParamValueAsList("/Case/Domain:rotor", "Materials", out));
+  EXPECT_EQ(out, (Strings{"Water", " Air", "", "Oil"}));
+  out.clear();
+  EXPECT_TRUE(model.getParamValueAsList("/Case/Domain:rotor/Materials", out));
+  EXPECT_EQ(out, (Strings{"Water", " Air", "", "Oil"}));
+}
+
+TEST(DynamicTDF, TheListOfAMissingOrEmptyValueIsEmpty) {
+  PumpCase model;
+  model.setParameter("/Case", "Notes", "");
+  for (auto const& [objPath, name] : std::vector<std::pair<std::string, std::string>>{
+           {"/Case/Domain:pump", "Materials"}, {"/Case/Domain:rotor", "Fluids"}, {"/Case", "Notes"}}) {
+    Strings out{"before"};
+    EXPECT_FALSE(model.getParamValueAsList(objPath, name, out)) << objPath << "/" << name;
+    EXPECT_TRUE(out.empty()) << objPath << "/" << name;
+  }
+}
+
+TEST(DynamicTDF, AListReadAfterAnotherValueWasSetIsThatOfTheNewValue) {
+  PumpCase model;
+  Strings out;
+  model.getParamValueAsList("/Case/Domain:rotor", "Materials", out);
+  model.setParameter("/Case/Domain:rotor", "Materials", "Steam,Ice");
+  model.getParamValueAsList("/Case/Domain:rotor", "Materials", out);
+  EXPECT_EQ(out, (Strings{"Steam", "Ice"}));
+}
+
+TEST(DynamicTDF, AListReadAfterAnAllowedValueParameterWasSetIsThatOfTheNewValue) {
+  DynamicTDF model;
+  Strings out;
+  model.setParameter("/Case", "Models", allowedOf({"a", "b"}), "a,b");
+  model.getParamValueAsList("/Case", "Models", out);
+  model.setParameter("/Case", "Models", allowedOf({"a", "b"}), "b");
+  model.getParamValueAsList("/Case", "Models", out);
+  EXPECT_EQ(out, Strings{"b"});
+}
+
+TEST(DynamicTDF, ParameterNamesComeInByteOrderAndReplaceWhatTheListHeld) {
+  DynamicTDF model;
+  for (char const* name : {"b", "a b", "B", "a", "\xc3\xa4"}) model.setParameter("/Case", name, "1");
+  Strings out{"before"};
+  EXPECT_TRUE(model.getParameterNames("/Case", out));
+  EXPECT_EQ(out, (Strings{"B", "a", "a b", "b", "\xc3\xa4"}));
+}
+
+TEST(DynamicTDF, ParameterNamesOfAnUnknownObjectLeaveTheListAsItWas) {
+  Strings out{"before"};
+  EXPECT_FALSE(PumpCase().getParameterNames("/Case/Domain:pump", out));
+  EXPECT_EQ(out, Strings{"before"});
+}
+
+TEST(DynamicTDF, ParameterNamesOfAnObjectWithoutParametersAreThereAndEmpty) {
+  Strings out{"before"};
+  EXPECT_TRUE(PumpCase().getParameterNames("/Case/Domain:stator", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(DynamicTDF, ChildPathsComeInTheOrderOfCreation) {
+  DynamicTDF model;
+  model.createObject("/Case", "Domain", "z");
+  model.createObject("/Case", "Solver", "");
+  model.setParameter("/Case/Domain:a", "Motion", "Stationary");
+  Strings out{"before"};
+  EXPECT_TRUE(model.getChildObjectPaths("/Case", out));
+  EXPECT_EQ(out, (Strings{"/Case/Domain:z", "/Case/Solver", "/Case/Domain:a"}));
+}
+
+TEST(DynamicTDF, ChildPathsOfTheRootAreTheFirstLevel) {
+  Strings out;
+  EXPECT_TRUE(PumpCase().getChildObjectPaths("", out));
+  EXPECT_EQ(out, Strings{"/Case"});
+}
+
+TEST(DynamicTDF, ChildListingsOfAnUnknownObjectEmptyTheList) {
+  PumpCase const model;
+  Strings out{"before"};
+  EXPECT_FALSE(model.getChildObjectPaths("/Case/Domain:pump", out));
+  EXPECT_TRUE(out.empty());
+  out = {"before"};
+  EXPECT_FALSE(model.getChildObjectNamesByType("/Case/Domain:pump", "Boundary", out));
+  EXPECT_TRUE(out.empty());
+  out = {"before"};
+  EXPECT_FALSE(model.getChildObjectPathsByType("/Case/Domain:pump", "Boundary", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(DynamicTDF, ChildListingsOfAnObjectWithoutChildrenAreFalse) {
+  PumpCase const model;
+  Strings out{"before"};
+  EXPECT_FALSE(model.getChildObjectPaths("/Case/Solver", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(DynamicTDF, ChildrenOfOneTypeAreThoseOfExactlyThisType) {
+  PumpCase model;
+  model.createObject("/Case", "Domain Interface", "rotor side");
+  Strings out{"before"};
+  EXPECT_TRUE(model.getChildObjectNamesByType("/Case", "Domain", out));
+  EXPECT_EQ(out, (Strings{"rotor", "stator"}));
+  EXPECT_TRUE(model.getChildObjectPathsByType("/Case", "Domain", out));
+  EXPECT_EQ(out, (Strings{"/Case/Domain:rotor", "/Case/Domain:stator"}));
+  EXPECT_TRUE(model.getChildObjectNamesByType("/Case", "Solver", out));
+  EXPECT_EQ(out, Strings{"Solver"});
+  EXPECT_FALSE(model.getChildObjectNamesByType("/Case", "Dom", out));
+  EXPECT_TRUE(out.empty());
+  EXPECT_FALSE(model.getChildObjectPathsByType("/Case", "Boundary", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(DynamicTDF, CreatingAnObjectTellsWhetherItIsNew) {
+  DynamicTDF model;
+  EXPECT_TRUE(model.createObject("/Case", "Domain", "rotor"));
+  model.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+  EXPECT_FALSE(model.createObject("/Case", "Domain", "rotor"));
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Motion"), "Rotating");
+}
+
+TEST(DynamicTDF, AnObjectCreatedWithoutANameOrWithItsTypeAsNameIsASingleton) {
+  DynamicTDF model;
+  EXPECT_TRUE(model.createObject("", "Case", ""));
+  EXPECT_TRUE(model.hasObject("/Case"));
+  EXPECT_TRUE(model.createObject("/Case", "Solver", "Solver"));
+  EXPECT_TRUE(model.hasObject("/Case/Solver"));
+  EXPECT_FALSE(model.hasObject("/Case/Solver:Solver"));
+  EXPECT_FALSE(model.createObject("/Case", "Solver", ""));
+}
+
+TEST(DynamicTDF, CreatingAnObjectCreatesAllThatIsMissingAboveIt) {
+  DynamicTDF model;
+  EXPECT_TRUE(model.createObject("/Case/Domain:rotor", "Boundary", "inlet"));
+  EXPECT_EQ(model.getObjectType("/Case"), "Case");
+  EXPECT_EQ(model.getObjectName("/Case/Domain:rotor"), "rotor");
+  EXPECT_EQ(model.getObjectName("/Case/Domain:rotor/Boundary:inlet"), "inlet");
+  Strings out;
+  model.getChildObjectPaths("/Case", out);
+  EXPECT_EQ(out, Strings{"/Case/Domain:rotor"});
+}
+
+TEST(DynamicTDF, SettingAParameterCreatesAllThatIsMissingAboveIt) {
+  DynamicTDF model;
+  model.setParameter("/Case/Domain:rotor/Boundary:inlet", "Kind", "Inlet");
+  EXPECT_TRUE(model.hasObject("/Case"));
+  EXPECT_TRUE(model.hasObject("/Case/Domain:rotor"));
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor/Boundary:inlet/Kind"), "Inlet");
+}
+
+TEST(DynamicTDF, ASlashAsPathSetsTheRoot) {
+  DynamicTDF model;
+  model.setParameter("/", "Version", "3");
+  EXPECT_EQ(model.getParameterValue("", "Version"), "3");
+  EXPECT_FALSE(model.hasObject("/"));
+}
+
+TEST(DynamicTDF, APathThatCannotBeReadThrowsAndCreatesNothing) {
+  for (char const* path : {"Case", "/Case//Domain:a", "/Case/Domain:", "/Case/:a", "/Case/Domain:a:b", "/Case/"}) {
+    DynamicTDF model;
+    EXPECT_THROW(model.setParameter(path, "Motion", "Rotating"), Error) << path;
+    EXPECT_FALSE(model.hasObject("/Case")) << path;
+    EXPECT_TRUE(model.getAddedParameters().empty()) << path;
+  }
+}
+
+TEST(DynamicTDF, AnObjectIsFoundUnderTheLongFormThatItWasCreatedWithAndListedUnderTheShortOne) {
+  DynamicTDF model;
+  model.setParameter("/Case:Case/Domain:rotor", "Motion", "Rotating");
+  EXPECT_TRUE(model.hasObject("/Case:Case/Domain:rotor"));
+  EXPECT_FALSE(model.hasObject("/Case/Domain:rotor"));
+  Strings out;
+  model.getChildObjectPaths("/Case:Case", out);
+  EXPECT_EQ(out, Strings{"/Case/Domain:rotor"});
+}
+
+TEST(DynamicTDF, DeletingAnObjectOfTheLongFormTakesItsChildrenWithIt) {
+  DynamicTDF model;
+  model.setParameter("/Case:Case/Domain:rotor", "Motion", "Rotating");
+  model.setParameter("/Case/Domain:rotor", "Motion", "Stationary");
+  model.deleteObject("/Case:Case");
+  EXPECT_FALSE(model.hasObject("/Case:Case/Domain:rotor"));
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Motion"), "Stationary");
+}
+
+TEST(DynamicTDF, WhiteSpaceAtTheEndsOfAValueIsDropped) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Title", " \t two  words \r\n");
+  EXPECT_EQ(model.getParameterValue("/Case", "Title"), "two  words");
+}
+
+TEST(DynamicTDF, AnEmptyValueIsStored) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Title", "  ");
+  EXPECT_TRUE(model.hasParameter("/Case", "Title"));
+  EXPECT_EQ(model.getParameterValue("/Case", "Title"), "");
+}
+
+TEST(DynamicTDF, AllowedValuesAreKeptWithTheParameterAndNotEnforced) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), " none ");
+  EXPECT_EQ(model.getParameterValue("/Case", "Model"), "none");
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+}
+
+TEST(DynamicTDF, AllowedValuesAreReplacedByTheNextOnes) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowedOf({"SST"}), "SST");
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST"})));
+}
+
+TEST(DynamicTDF, APlainValueOnAnAllowedValueParameterKeepsTheAllowedValues) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", "LES");
+  EXPECT_EQ(model.getParameterValue("/Case", "Model"), "LES");
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowedOf({"DES"}), "DES"));
+}
+
+TEST(DynamicTDF, AParameterSetWithAnEmptyRecordIsOfAllowedValueType) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Model", ParamAllowedValues(), "SST");
+  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowedOf({"SST"}), "SST"));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST"})));
+}
+
+TEST(DynamicTDF, AllowedValuesThatAreNotThereReadAsAnEmptyRecord) {
+  PumpCase const model;
+  ParamAllowedValues const none;
+  EXPECT_TRUE(model.getAllowedValueData("/Case/Domain:pump", "Motion").isEqualTo(none));
+  EXPECT_TRUE(model.getAllowedValueData("/Case/Domain:rotor", "Speed").isEqualTo(none));
+  EXPECT_TRUE(model.getAllowedValueData("/Case/Domain:rotor", "Motion").isEqualTo(none));
+}
+
+TEST(DynamicTDF, AllowedValuesForAnOrdinaryParameterThrowAndLeaveItAsItWas) {
+  PumpCase model;
+  model.resetChanges();
+  try {
+    model.setParameter("/Case", "Flow Regime", allowedOf({"Laminar"}), "Laminar");
+    FAIL() << "nothing was thrown";
+  } catch (physics_dep::invalidParamVal const& error) {
+    EXPECT_EQ(error.exceptionName(), "physical_dependency::invalidParamVal");
+    EXPECT_EQ(error.getClass(), "DynamicTDF::Node::ParamVal");
+    EXPECT_EQ(error.getMethod(), "modifyValue");
+    EXPECT_EQ(static_cast<int>(error.getType()), 4);
+    EXPECT_EQ(error.getMessage(),
+              "Attempt to modify an allowed value range in a parameter that is not already of 'allowed value' type.");
+  }
+  EXPECT_EQ(model.getParameterValue("/Case", "Flow Regime"), "Turbulent");
+  EXPECT_TRUE(model.getModifiedParameters().empty());
+  EXPECT_TRUE(model.getAddedParameters().empty());
+}
+
+TEST(DynamicTDF, AParameterThatWasDeletedMayComeBackAsTheOtherKind) {
+  PumpCase model;
+  model.deleteParameter("/Case", "Flow Regime");
+  EXPECT_NO_THROW(model.setParameter("/Case", "Flow Regime", allowedOf({"Laminar"}), "Laminar"));
+  EXPECT_FALSE(model.getAllowedValueData("/Case", "Flow Regime").isEmpty());
+}
+
+TEST(DynamicTDF, DeletingAnObjectTakesAllBelowItAndNothingElse) {
+  PumpCase model;
+  model.deleteObject("/Case/Domain:rotor");
+  EXPECT_FALSE(model.hasObject("/Case/Domain:rotor"));
+  EXPECT_FALSE(model.hasObject("/Case/Domain:rotor/Boundary:inlet"));
+  EXPECT_FALSE(model.hasParameter("/Case/Domain:rotor/Boundary:inlet/Kind"));
+  Strings out;
+  model.getChildObjectPaths("/Case", out);
+  EXPECT_EQ(out, (Strings{"/Case/Domain:stator", "/Case/Solver"}));
+}
+
+TEST(DynamicTDF, DeletingAChildKeepsTheOrderOfTheOthersWhereverItStood) {
+  for (auto const& [deleted, rest] :
+       std::vector<std::pair<std::string, Strings>>{{"a", {"b", "c"}}, {"b", {"a", "c"}}, {"c", {"a", "b"}}}) {
+    DynamicTDF model;
+    for (char const* name : {"a", "b", "c"}) model.createObject("/Case", "Domain", name);
+    model.deleteObject("/Case/Domain:" + deleted);
+    Strings out;
+    model.getChildObjectNamesByType("/Case", "Domain", out);
+    EXPECT_EQ(out, rest) << deleted;
+    model.createObject("/Case", "Domain", "d");
+    Strings withNew = rest;
+    withNew.emplace_back("d");
+    model.getChildObjectNamesByType("/Case", "Domain", out);
+    EXPECT_EQ(out, withNew) << deleted;
+  }
+}
+
+TEST(DynamicTDF, AnObjectThatComesBackHasNothingOfWhatItHeld) {
+  PumpCase model;
+  model.deleteObject("/Case/Domain:rotor");
+  EXPECT_TRUE(model.createObject("/Case", "Domain", "rotor"));
+  Strings out;
+  EXPECT_TRUE(model.getParameterNames("/Case/Domain:rotor", out));
+  EXPECT_TRUE(out.empty());
+  EXPECT_FALSE(model.getChildObjectPaths("/Case/Domain:rotor", out));
+  model.getChildObjectNamesByType("/Case", "Domain", out);
+  EXPECT_EQ(out, (Strings{"stator", "rotor"}));
+}
+
+TEST(DynamicTDF, DeletingWhatIsNotThereIsIgnored) {
+  PumpCase model;
+  ModelState const before = model.getState("");
+  model.deleteObject("/Case/Domain:pump");
+  model.deleteObjectUnrecorded("/Case/Domain:pump");
+  model.deleteParameter("/Case/Domain:pump", "Motion");
+  model.deleteParameter("/Case/Domain:rotor", "Speed");
+  EXPECT_EQ(model.getState(""), before);
+}
+
+TEST(DynamicTDF, TheRootIsNotDeleted) {
+  PumpCase model;
+  model.resetChanges();
+  ModelState const before = model.getState("");
+  for (char const* path : {"", "/"}) {
+    model.deleteObject(path);
+    model.deleteObjectUnrecorded(path);
+  }
+  EXPECT_EQ(model.getState(""), before);
+  EXPECT_TRUE(model.getDeletedObjects().empty());
+  EXPECT_TRUE(model.getDeletedParameters().empty());
+}
+
+TEST(DynamicTDF, ObjectsAreDeletedOneAfterTheOtherEvenIfOneLiesBelowAnother) {
+  PumpCase model;
+  model.resetChanges();
+  model.deleteObjects({"/Case/Domain:stator", "/Case/Domain:rotor", "/Case/Domain:rotor/Boundary:inlet"});
+  EXPECT_EQ(model.getDeletedObjects(), (Strings{"/Case/Domain:stator", "/Case/Domain:rotor"}));
+  EXPECT_EQ(model.getState(""), (ModelState{{"/Case", {{"Flow Regime", "Turbulent"}}}}));
+}
+
+TEST(DynamicTDF, TheTextThatNamesAnObjectMayGoWithIt) {
+  PumpCase model;
+  model.setParameter("/Case/Domain:rotor", "Owner", "/Case/Domain:rotor");
+  model.resetChanges();
+  model.deleteObject(model.getParameterValue("/Case/Domain:rotor", "Owner"));
+  EXPECT_EQ(model.getDeletedObjects(), Strings{"/Case/Domain:rotor"});
+}
+
+TEST(DynamicTDF, TheLogOfDeletedObjectsMayBeDeletedFromTheTree) {
+  PumpCase model;
+  model.resetChanges();
+  model.deleteObject("/Case/Domain:rotor");
+  model.createObject("/Case", "Domain", "rotor");
+  model.deleteObjects(model.getDeletedObjects());
+  EXPECT_FALSE(model.hasObject("/Case/Domain:rotor"));
+  EXPECT_EQ(model.getDeletedObjects(), (Strings{"/Case/Domain:rotor", "/Case/Domain:rotor"}));
+}
+
+TEST(DynamicTDF, AReferenceToAValueOutlivesEditsElsewhere) {
+  PumpCase model;
+  std::string const& motion = model.getParameterValue("/Case/Domain:rotor", "Motion");
+  for (int i = 0; i < 1000; ++i) {
+    model.setParameter("/Case/Domain:rotor", "P" + std::to_string(i), "1");
+    model.createObject("/Case", "Domain", "extra " + std::to_string(i));
+  }
+  model.deleteObject("/Case/Domain:stator");
+  EXPECT_EQ(&motion, &model.getParameterValue("/Case/Domain:rotor", "Motion"));
+  EXPECT_EQ(motion, "Rotating");
+}
+
+TEST(DynamicTDF, AnObjectIsEmptyWhenNothingAtOrBelowItHoldsAParameter) {
+  DynamicTDF model;
+  model.createObject("/Case/Domain:a/Boundary:x", "Area", "1");
+  model.createObject("/Case/Domain:a", "Boundary", "y");
+  EXPECT_TRUE(model.isObjectEmpty(""));
+  EXPECT_TRUE(model.isObjectEmpty("/Case"));
+  model.setParameter("/Case/Domain:a/Boundary:y", "Kind", "");
+  EXPECT_FALSE(model.isObjectEmpty("/Case"));
+  EXPECT_FALSE(model.isObjectEmpty("/Case/Domain:a"));
+  EXPECT_FALSE(model.isObjectEmpty("/Case/Domain:a/Boundary:y"));
+  EXPECT_TRUE(model.isObjectEmpty("/Case/Domain:a/Boundary:x"));
+}
+
+TEST(DynamicTDF, AnObjectIsEmptyWhateverItsSiblingsHold) {
+  PumpCase const model;
+  EXPECT_TRUE(model.isObjectEmpty("/Case/Domain:stator"));
+  EXPECT_TRUE(model.isObjectEmpty("/Case/Solver"));
+}
+
+TEST(DynamicTDF, AnUnknownObjectIsEmpty) {
+  EXPECT_TRUE(PumpCase().isObjectEmpty("/Case/Domain:pump"));
+}
+
+TEST(DynamicTDF, TheStateLeavesOutObjectsWithoutParameters) {
+  EXPECT_EQ(PumpCase().getState(""),
+            (ModelState{{"/Case", {{"Flow Regime", "Turbulent"}}},
+                        {"/Case/Domain:rotor", {{"Materials", "Water, Air,,Oil"}, {"Motion", "Rotating"}}},
+                        {"/Case/Domain:rotor/Boundary:inlet", {{"Kind", "Inlet"}}}}));
+}
+
+TEST(DynamicTDF, TheStateOfABranchIsTakenOnWholeComponents) {
+  DynamicTDF model;
+  for (char const* path : {"", "/A", "/A B", "/A/C:x", "/A/C:x/D", "/A/C:xy", "/A:n", "/B"})
+    model.setParameter(path, "p", path);
+  auto const pathsOf = [&](char const* root) {
+    Strings paths;
+    for (auto const& entry : model.getState(root)) paths.push_back(entry.first);
+    return paths;
+  };
+  EXPECT_EQ(pathsOf("/A"), (Strings{"/A", "/A/C:x", "/A/C:x/D", "/A/C:xy"}));
+  EXPECT_EQ(pathsOf("/A/C:x"), (Strings{"/A/C:x", "/A/C:x/D"}));
+  EXPECT_EQ(pathsOf("/A/C"), Strings{});
+  EXPECT_EQ(pathsOf("/Z"), Strings{});
+  Strings const all{"", "/A", "/A B", "/A/C:x", "/A/C:x/D", "/A/C:xy", "/A:n", "/B"};
+  EXPECT_EQ(pathsOf(""), all);
+  EXPECT_EQ(pathsOf("/"), all);
+}
+
+TEST(DynamicTDF, AChainOfTenThousandObjectsIsCreatedReadAndDeletedWithoutRecursion) {
+  constexpr int depth = 10000;
+  DynamicTDF model;
+  std::string path;
+  for (int i = 0; i < depth; ++i) path += "/D";
+  model.setParameter(path, "p", "1");
+  EXPECT_FALSE(model.isObjectEmpty(""));
+  EXPECT_EQ(model.getState("").size(), 1U);
+  model.resetChanges();
+  model.deleteObject("/D");
+  EXPECT_FALSE(model.hasObject(path));
+  EXPECT_TRUE(model.isObjectEmpty(""));
+  EXPECT_EQ(model.getDeletedParameters().size(), 1U);
+}
+
+}  // namespace
+}  // namespace tarn
