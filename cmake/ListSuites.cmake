@@ -6,8 +6,8 @@ set(tests "")
 foreach(suite IN LISTS suites)
   string(REGEX REPLACE "^\n?(.*)[.][ \n]$" "\\1" suite "${suite}")
   string(APPEND tests
-    "add_test([==[${suite}]==] [==[${PROGRAM}]==] [==[--gtest_filter=${suite}.*]==] --gtest_brief=1)\n"
-    "set_tests_properties([==[${suite}]==] PROPERTIES LABELS ${LABEL} TIMEOUT 120 "
+    "add_test([==[${LABEL}.${suite}]==] [==[${PROGRAM}]==] [==[--gtest_filter=${suite}.*]==] --gtest_brief=1)\n"
+    "set_tests_properties([==[${LABEL}.${suite}]==] PROPERTIES LABELS ${LABEL} TIMEOUT 120 "
     "FAIL_REGULAR_EXPRESSION [==[ 0 tests from]==])\n")
 endforeach()
 if(tests STREQUAL "")
