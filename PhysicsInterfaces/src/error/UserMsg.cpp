@@ -17,8 +17,9 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t replacedLength = 2;
-// What tokens that arise while replacing may add before it is taken for endless.
-constexpr std::size_t addedLimit = std::size_t{4} << 20;
+// What tokens that arise while replacing may add, in bytes, before replacing is taken for endless. No message for a
+// reader comes near it.
+constexpr std::size_t addedLimit = std::size_t{1} << 18;
 
 std::size_t count(std::string_view text, std::string_view token) {
   std::size_t found = 0;
@@ -58,7 +59,7 @@ std::optional<std::string> replaceAll(std::string_view text, std::string_view to
   std::string const replacement = std::string(value).append(kept);
   if (replacement.find(token) != std::string::npos) return std::nullopt;
   std::size_t allowed = std::string_view::npos;
-  if (mayBeEndless(replacement, token)) allowed = tokens + 16 + addedLimit / replacement.size();
+  if (mayBeEndless(replacement, token)) allowed = tokens + text.size() + addedLimit / replacement.size();
 
   std::string result;
   result.reserve(text.size() + tokens * value.size());
