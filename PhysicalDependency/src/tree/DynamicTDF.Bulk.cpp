@@ -121,7 +121,8 @@ void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
 
 void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode) {
   std::string const& objPath = sourceNode.path();
-  for (auto const& [name, param] : sourceNode.params) {
+  for (auto const& [pooledName, param] : sourceNode.params) {
+    std::string const& name = pooledName.text();
     // The record decides, not the type of the parameter: an allowed value parameter that was set with an empty record
     // reaches the target as a plain value.
     if (param.allowedValues().hasAllowedValues) {
@@ -133,11 +134,11 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode) {
 
   auto sourceParam = sourceNode.params.begin();
   for (auto param = targetNode.params.begin(); param != targetNode.params.end();) {
-    while (sourceParam != sourceNode.params.end() && sourceParam->first < param->first) ++sourceParam;
-    if (sourceParam != sourceNode.params.end() && sourceParam->first == param->first) {
+    while (sourceParam != sourceNode.params.end() && sourceParam->first.text() < param->first.text()) ++sourceParam;
+    if (sourceParam != sourceNode.params.end() && sourceParam->first.text() == param->first.text()) {
       ++param;
     } else {
-      changes_->recordDeleted(objPath, param->first);
+      changes_->recordDeleted(objPath, param->first.text());
       param = targetNode.params.erase(param);
     }
   }

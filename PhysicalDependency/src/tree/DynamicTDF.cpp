@@ -76,7 +76,7 @@ bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::str
   if (node == nullptr) return false;
   out.clear();
   out.reserve(node->params.size());
-  for (auto const& param : node->params) out.push_back(param.first);
+  for (auto const& param : node->params) out.push_back(param.first.text());
   return true;
 }
 
@@ -134,7 +134,7 @@ ModelState DynamicTDF::getState(std::string const& rootPath) const {
     Node const& node = *place->second;
     if (node.params.empty() || !StringUtilities::isPathRootedAt(rootPath, place->first)) continue;
     ObjectState& values = state.try_emplace(state.end(), place->first)->second;
-    for (auto const& [name, param] : node.params) values.try_emplace(values.end(), name, param.value());
+    for (auto const& [name, param] : node.params) values.try_emplace(values.end(), name.text(), param.value());
   }
   return state;
 }
@@ -167,9 +167,11 @@ void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
 void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
   Node* const node = nodes_->find(objPath);
   if (node == nullptr) return;
-  // Taken out first and freed last, since the caller's texts may be the ones that go.
-  auto const taken = node->params.extract(name);
-  if (!taken.empty()) changes_->recordDeleted(objPath, taken.key());
+  auto const place = node->params.find(std::string_view(name));
+  if (place == node->params.end()) return;
+  // Recorded first, since the caller's texts may be of the parameter that goes.
+  changes_->recordDeleted(objPath, name);
+  node->params.erase(place);
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
@@ -224,7 +226,7 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
     while (!node->children.empty()) node = node->children.last();
     bool const isTop = node == top;
     std::string const& recordedPath = isTop ? path : node->path();
-    for (auto const& param : node->params) changes_->recordDeleted(recordedPath, param.first);
+    for (auto const& param : node->params) changes_->recordDeleted(recordedPath, param.first.text());
     Node* const parent = node->parent;
     nodes_->removeLeaf(*node);
     if (isTop) return true;
@@ -236,14 +238,14 @@ void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& n
                                 Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
-  record(node.setParamValue(name, cleaned), objPath, name);
+  record(node.setParamValue(name, cleaned, nodes_->names()), objPath, name);
 }
 
 void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name,
                                 ParamAllowedValues const& allowedValues, std::string const& value, Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
-  record(node.setParamValue(name, allowedValues, cleaned), objPath, name);
+  record(node.setParamValue(name, allowedValues, cleaned, nodes_->names()), objPath, name);
 }
 
 void DynamicTDF::record(SetResult result, std::string const& objPath, std::string const& name) {

@@ -13,7 +13,7 @@
 
 namespace tarn {
 
-DynamicTDF::Node::Node(NodeMap::const_iterator storeEntry, Node* parentNode, std::string_view objType,
+DynamicTDF::Node::Node(NodeMap::const_iterator storeEntry, Node* parentNode, std::string const& objType,
                        std::string_view objName)
     : entry(storeEntry), type(objType), name(objName), parent(parentNode) {
   if (parent == nullptr) return;
@@ -43,21 +43,24 @@ void DynamicTDF::Node::ChildList::remove(Node& child) noexcept {
   child.nextSibling = nullptr;
 }
 
-DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName, std::string_view value) {
+DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName, std::string_view value,
+                                                      NamePool& names) {
   auto const place = params.lower_bound(paramName);
-  if (place != params.end() && place->first == paramName)
+  if (place != params.end() && place->first.text() == paramName) {
     return place->second.setValue(value) ? SetResult::Modified : SetResult::Unchanged;
-  params.emplace_hint(place, paramName, ParamVal(value));
+  }
+  params.emplace_hint(place, PooledName(names.intern(paramName)), ParamVal(value));
   return SetResult::Added;
 }
 
 DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName,
-                                                      ParamAllowedValues const& allowedValues, std::string_view value) {
+                                                      ParamAllowedValues const& allowedValues, std::string_view value,
+                                                      NamePool& names) {
   auto const place = params.lower_bound(paramName);
-  if (place != params.end() && place->first == paramName) {
+  if (place != params.end() && place->first.text() == paramName) {
     return place->second.modifyValue(allowedValues, value) ? SetResult::Modified : SetResult::Unchanged;
   }
-  params.emplace_hint(place, paramName, ParamVal(allowedValues, value));
+  params.emplace_hint(place, PooledName(names.intern(paramName)), ParamVal(allowedValues, value));
   return SetResult::Added;
 }
 
@@ -70,31 +73,32 @@ DynamicTDF::Node const* DynamicTDF::Node::nextBelow(Node const& top) const noexc
 }
 
 ParamAllowedValues const& DynamicTDF::Node::ParamVal::allowedValues() const noexcept {
-  return allowedValues_ ? *allowedValues_ : sharedEmptyAllowedValues();
+  return hasAllowedValues() ? *extras_->allowedValues : sharedEmptyAllowedValues();
 }
 
 std::vector<std::string> const& DynamicTDF::Node::ParamVal::getValueAsList() const {
-  if (!listValue_) listValue_ = std::make_unique<std::vector<std::string>>(StringUtilities::splitValue(value_, ','));
-  return *listValue_;
+  if (!extras_) extras_ = std::make_unique<Extras>();
+  if (!extras_->listValue) extras_->listValue = StringUtilities::splitValue(value_, ',');
+  return *extras_->listValue;
 }
 
 bool DynamicTDF::Node::ParamVal::setValue(std::string_view value) {
   if (value_ == value) return false;
   value_.assign(value);
-  listValue_.reset();
+  if (extras_) extras_->listValue.reset();
   return true;
 }
 
 bool DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedValues, std::string_view value) {
-  if (!allowedValues_) {
+  if (!hasAllowedValues()) {
     throw physics_dep::invalidParamVal(
         "DynamicTDF::Node::ParamVal", "modifyValue",
         UserMsg("Attempt to modify an allowed value range in a parameter that is not already of 'allowed value' type.",
                 nullptr),
         errorType::InvalidState);
   }
-  bool const allowedDiffer = !allowedValues.isEqualTo(*allowedValues_);
-  if (allowedDiffer) *allowedValues_ = allowedValues;
+  bool const allowedDiffer = !allowedValues.isEqualTo(*extras_->allowedValues);
+  if (allowedDiffer) extras_->allowedValues = allowedValues;
   bool const valueDiffers = setValue(value);
   return allowedDiffer || valueDiffers;
 }

@@ -4,12 +4,15 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/ParamAllowedValues.h>
+
+#include "tree/NamePool.h"
 
 namespace tarn {
 
@@ -20,7 +23,7 @@ struct DynamicTDF::Node {
   class ParamVal;
   /// Owns the objects of a tree, by path.
   using NodeMap = std::map<std::string, std::unique_ptr<Node>, std::less<>>;
-  using Params = std::map<std::string, ParamVal, std::less<>>;
+  using Params = std::map<PooledName, ParamVal, PooledName::Less>;
 
   /// The children in the order of their creation. The store owns them.
   class ChildList {
@@ -58,8 +61,8 @@ struct DynamicTDF::Node {
     Node* last_ = nullptr;
   };
 
-  /// `entry` is the place in the store that owns the object.
-  Node(NodeMap::const_iterator entry, Node* parent, std::string_view type, std::string_view name);
+  /// `entry` is the place in the store that owns the object, `type` a text that outlives it.
+  Node(NodeMap::const_iterator entry, Node* parent, std::string const& type, std::string_view name);
 
   /// The path under which the store knows the object.
   [[nodiscard]] std::string const& key() const noexcept { return entry->first; }
@@ -67,16 +70,17 @@ struct DynamicTDF::Node {
   /// The path as composed from the parent's path, the type and, if it differs, the name.
   [[nodiscard]] std::string const& path() const noexcept { return composedPath_ ? *composedPath_ : key(); }
 
-  SetResult setParamValue(std::string const& paramName, std::string_view value);
-  SetResult setParamValue(std::string const& paramName, ParamAllowedValues const& allowedValues,
-                          std::string_view value);
+  /// A new parameter gets its name from `names`.
+  SetResult setParamValue(std::string const& paramName, std::string_view value, NamePool& names);
+  SetResult setParamValue(std::string const& paramName, ParamAllowedValues const& allowedValues, std::string_view value,
+                          NamePool& names);
 
   /// The object that comes next when the subtree of `top` is walked with parents before children and children in their
   /// order. Null behind the last one.
   [[nodiscard]] Node const* nextBelow(Node const& top) const noexcept;
 
   NodeMap::const_iterator const entry;
-  std::string const type;
+  std::string const& type;
   std::string const name;
   Node* const parent;
   Node* nextSibling = nullptr;
@@ -97,10 +101,12 @@ class DynamicTDF::Node::ParamVal {
   explicit ParamVal(std::string_view value) : value_(value) {}
   /// A parameter of allowed value type.
   ParamVal(ParamAllowedValues const& allowedValues, std::string_view value)
-      : value_(value), allowedValues_(std::make_unique<ParamAllowedValues>(allowedValues)) {}
+      : value_(value), extras_(std::make_unique<Extras>(Extras{std::nullopt, allowedValues})) {}
 
   [[nodiscard]] std::string const& value() const noexcept { return value_; }
-  [[nodiscard]] bool hasAllowedValues() const noexcept { return allowedValues_ != nullptr; }
+  [[nodiscard]] bool hasAllowedValues() const noexcept {
+    return extras_ != nullptr && extras_->allowedValues.has_value();
+  }
   /// Of an ordinary parameter, the shared empty record.
   [[nodiscard]] ParamAllowedValues const& allowedValues() const noexcept;
   /// The value divided at commas. Divided once for each value, not once for each question.
@@ -112,11 +118,16 @@ class DynamicTDF::Node::ParamVal {
   bool modifyValue(ParamAllowedValues const& allowedValues, std::string_view value);
 
  private:
+  struct Extras {
+    /// Derived from value_; none when it has not been asked for since value_ was set.
+    std::optional<std::vector<std::string>> listValue;
+    /// None on an ordinary parameter, for its whole life.
+    std::optional<ParamAllowedValues> allowedValues;
+  };
+
   std::string value_;
-  /// Derived from value_; null when it has not been asked for since value_ was set.
-  mutable std::unique_ptr<std::vector<std::string>> listValue_;
-  /// Null on an ordinary parameter, for its whole life.
-  std::unique_ptr<ParamAllowedValues> allowedValues_;
+  /// Null until there is something in it. Mutable for the list, which is made when it is first read.
+  mutable std::unique_ptr<Extras> extras_;
 };
 
 }  // namespace tarn

@@ -4,9 +4,26 @@
 
 #include "tree/DynamicTDFStore.h"
 
+#include <tarn/Error.h>
+#include <tarn/PathUtils.h>
 #include <tarn/TDFPath.h>
 
 namespace tarn {
+
+namespace {
+
+/// What stands behind the first `from` bytes of `path`, which are the path of an object that exists and so need not be
+/// read again. A fault is told of the whole path; only of that is "/" no fault.
+TDFPath readBelow(std::string const& path, std::size_t from) {
+  try {
+    if (path.size() - from > 1) return TDFPath(path.substr(from));
+  } catch (Error const&) {
+    // told below
+  }
+  return TDFPath(path);
+}
+
+}  // namespace
 
 DynamicTDF::NodeStore::NodeStore() {
   root_ = &insert("", nullptr, "", "");
@@ -26,22 +43,19 @@ DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_v
 }
 
 DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path) {
-  TDFPath const parsed(path);
-  std::string_view const full = parsed.getFullPath();
-
-  // What is there already is most often all but the last component, so the way down begins at the nearest ancestor that
-  // exists; all above that one exist with it.
-  auto k = parsed.numComponent();
-  std::size_t end = full.size();
-  Node* current = find(full);
+  // The way down begins at the nearest ancestor that exists; most often all but the last component do.
+  std::string_view known = path;
+  Node* current = find(known);
   while (current == nullptr) {
-    --k;
-    end = full.rfind('/', end - 1);
-    current = find(full.substr(0, end));
+    known = PathUtils::parentOf(known);
+    current = find(known);
   }
-  for (; k < parsed.numComponent(); ++k) {
-    end = full.find('/', end + 1);
-    current = &insert(full.substr(0, end), current, parsed.getType(k), parsed.getName(k));
+
+  TDFPath const missing = readBelow(path, known.size());
+  std::size_t end = known.size();
+  for (unsigned long long k = 0; k < missing.numComponent(); ++k) {
+    end = path.find('/', end + 1);
+    current = &insert(std::string_view(path).substr(0, end), current, missing.getType(k), missing.getName(k));
   }
   return *current;
 }
@@ -55,6 +69,7 @@ void DynamicTDF::NodeStore::removeLeaf(Node& node) {
 void DynamicTDF::NodeStore::reset() {
   index_.clear();
   nodes_.clear();
+  names_.clear();
   root_ = &insert("", nullptr, "", "");
 }
 
@@ -62,7 +77,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::insert(std::string_view path, Node* par
                                                 std::string_view name) {
   // A state comes in the order of this map, so the place to try first is the end.
   auto const place = nodes_.try_emplace(nodes_.end(), std::string(path));
-  place->second = std::make_unique<Node>(place, parent, type, name);
+  place->second = std::make_unique<Node>(place, parent, names_.intern(type), name);
   Node& node = *place->second;
   index_.emplace(place->first, &node);
   if (parent != nullptr) parent->children.append(node);

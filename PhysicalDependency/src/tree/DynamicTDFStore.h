@@ -24,6 +24,9 @@ class DynamicTDF::NodeStore {
   /// All objects in byte order of their paths.
   [[nodiscard]] Node::NodeMap const& nodes() const noexcept { return nodes_; }
 
+  /// The types and parameter names of the tree.
+  [[nodiscard]] NamePool& names() noexcept { return names_; }
+
   /// The object at `path`, made together with what is missing above it. A path without components is the root's. Throws
   /// the `Error` of `TDFPath` when it cannot be read, and then makes nothing.
   Node& create(std::string const& path);
@@ -37,6 +40,8 @@ class DynamicTDF::NodeStore {
  private:
   Node& insert(std::string_view path, Node* parent, std::string_view type, std::string_view name);
 
+  /// Read by all objects, so it goes after them.
+  NamePool names_;
   Node::NodeMap nodes_;
   /// The keys are views of those in nodes_, which stay where they are as long as their entry.
   std::unordered_map<std::string_view, Node*> index_;

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace tarn {
+
+/// One copy of each type and parameter name of a tree. Thousands of objects have the same few, so an object and a
+/// parameter keep a pointer only. Names come from the rules; the pool keeps what it has seen until it goes.
+class NamePool {
+ public:
+  /// The pool's own copy of `name`; it stays where it is as long as the pool.
+  [[nodiscard]] std::string const& intern(std::string_view name) {
+    auto const place = names_.find(name);
+    return place == names_.end() ? *names_.emplace(name).first : *place;
+  }
+
+  void clear() noexcept { names_.clear(); }
+
+ private:
+  struct Hash {
+    using is_transparent = void;
+    [[nodiscard]] std::size_t operator()(std::string_view text) const noexcept {
+      return std::hash<std::string_view>()(text);
+    }
+  };
+  std::unordered_set<std::string, Hash, std::equal_to<>> names_;
+};
+
+/// A name from a pool, as the key of a map in byte order.
+class PooledName {
+ public:
+  explicit PooledName(std::string const& inPool) noexcept : text_(&inPool) {}
+  [[nodiscard]] std::string const& text() const noexcept { return *text_; }
+
+  struct Less {
+    using is_transparent = void;
+    [[nodiscard]] bool operator()(PooledName a, PooledName b) const noexcept {
+      return a.text_ != b.text_ && *a.text_ < *b.text_;
+    }
+    [[nodiscard]] bool operator()(PooledName a, std::string_view b) const noexcept { return *a.text_ < b; }
+    [[nodiscard]] bool operator()(std::string_view a, PooledName b) const noexcept { return a < *b.text_; }
+  };
+
+ private:
+  std::string const* text_;
+};
+
+}  // namespace tarn
