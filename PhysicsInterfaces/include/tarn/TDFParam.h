@@ -51,7 +51,7 @@ class TARN_EXPORT TDFParam {
   [[nodiscard]] static bool valuesEqual(Type type, std::string const& a, std::string const& b);
 
   /// Divides a quantity into `number` and `units`. The pair holds the number and whether `value` was a quantity; when
-  /// it was not, both texts are empty and the number is 0.
+  /// it was not, both texts are empty and the number is 0. A number too large for a float is infinite.
   [[nodiscard]] static std::pair<float, bool> valueAsFloat(std::string const& value, std::string& number,
                                                            std::string& units);
 

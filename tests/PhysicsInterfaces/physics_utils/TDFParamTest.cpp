@@ -216,6 +216,15 @@ TEST(TDFParam, TakesAQuantityApartIntoItsOwnText) {
   EXPECT_EQ(units, "m/s");
 }
 
+TEST(TDFParam, AQuantityTooLargeForAFloatIsUnderstoodAndInfinite) {
+  std::string number;
+  std::string units;
+  std::pair<float, bool> const result = TDFParam::valueAsFloat("-1e300 [Pa]", number, units);
+  EXPECT_TRUE(result.second);
+  EXPECT_EQ(result.first, -std::numeric_limits<float>::infinity());
+  EXPECT_EQ(number, "-1e300");
+}
+
 TEST(TDFParam, ReadsTruthInAnyCase) {
   for (char const* const text : {"true", "TRUE", "True", "yes", "Yes", "on", "ON", "1", " true "}) {
     EXPECT_EQ(TDFParam::asLogical(text), true) << text;
