@@ -11,6 +11,7 @@
 
 namespace tarn {
 
+class ParamValueDef;
 class PhysicsData;
 
 /// When a parameter is available in an object, and what that means. Fill the fields and hand the record to
@@ -38,9 +39,13 @@ class TARN_EXPORT ParamAvail {
   /// Whether the parameter is available in the context; gathers the beta message when it is.
   bool evaluate(TDFContext const& context, EvalContext* evalContext) const;
 
+  /// The value rule that was added with the entry, without a look-up; null when there is none.
+  [[nodiscard]] ParamValueDef const* valueDef() const noexcept { return valueDef_; }
+
  private:
   friend class ObjDependDef;
   PhysicsData const* data_ = nullptr;
+  ParamValueDef const* valueDef_ = nullptr;
 };
 
 }  // namespace tarn

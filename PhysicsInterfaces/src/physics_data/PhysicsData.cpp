@@ -1,0 +1,79 @@
+#include <tarn/PhysicsData.h>
+
+#include <algorithm>
+
+namespace tarn {
+
+namespace {
+
+template <typename Map>
+auto* findIn(Map const& map, std::string const& name) {
+  auto const found = map.find(name);
+  return found == map.end() ? nullptr : found->second.get();
+}
+
+template <typename Map>
+std::vector<std::string> namesOf(Map const& map) {
+  std::vector<std::string> names;
+  names.reserve(map.size());
+  for (auto const& entry : map) names.push_back(entry.first);
+  return names;
+}
+
+}  // namespace
+
+PhysicsData::PhysicsData() : rules_(this) {}
+PhysicsData::~PhysicsData() = default;
+
+ObjDependDef const* PhysicsData::getObjDependDef(std::string const& objectTypePath, bool /*flag*/) const {
+  return findIn(objects_, objectTypePath);
+}
+
+ParamValueDef const* PhysicsData::getParamValueDef(std::string const& objectTypePath, std::string const& paramName,
+                                                   bool /*flag*/) const {
+  auto const* object = findIn(objects_, objectTypePath);
+  return object != nullptr ? object->findValueDef(paramName) : nullptr;
+}
+
+Check const* PhysicsData::getCheck(std::string const& name, bool /*flag*/) const { return findIn(checks_, name); }
+List const* PhysicsData::getList(std::string const& name, bool /*flag*/) const { return findIn(lists_, name); }
+GlobalCheck const* PhysicsData::getGlobalCheck(std::string const& name, bool /*flag*/) const {
+  return findIn(globalChecks_, name);
+}
+
+std::vector<std::string> PhysicsData::getGlobalCheckNames() const { return globalCheckOrder_; }
+std::vector<std::string> PhysicsData::getCheckNames() const { return namesOf(checks_); }
+std::vector<std::string> PhysicsData::getListNames() const { return namesOf(lists_); }
+
+ObjDependDef& PhysicsData::addObject(std::string const& objectTypePath) {
+  auto& slot = objects_[objectTypePath];
+  if (!slot) {
+    slot = std::make_unique<ObjDependDef>(this, objectTypePath);
+    objectOrder_.push_back(slot.get());
+  }
+  return *slot;
+}
+
+bool PhysicsData::addCheck(std::string const& name, std::unique_ptr<Check> check) {
+  return checks_.try_emplace(name, std::move(check)).second;
+}
+
+bool PhysicsData::addList(std::string const& name, std::unique_ptr<List> list) {
+  return lists_.try_emplace(name, std::move(list)).second;
+}
+
+bool PhysicsData::addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check) {
+  if (!globalChecks_.try_emplace(name, std::move(check)).second) return false;
+  globalCheckOrder_.push_back(name);
+  return true;
+}
+
+bool PhysicsData::addQuantityType(std::string const& name, std::vector<std::string> units) {
+  return quantityTypes_.try_emplace(name, std::move(units)).second;
+}
+
+void PhysicsData::addPertinentRoot(std::string const& type) {
+  if (std::find(roots_.begin(), roots_.end(), type) == roots_.end()) roots_.push_back(type);
+}
+
+}  // namespace tarn
