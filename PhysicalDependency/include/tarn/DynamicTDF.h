@@ -61,7 +61,8 @@ class ChangeRecord;
 ///
 /// References. One to a value, an object's name or type, or allowed values stays valid until that parameter or object
 /// is set, deleted, or swept away by `initialise`; edits elsewhere in the tree leave it alone. One to a list of the log
-/// is valid as long as the tree, and shows later events. An argument may itself be such a reference.
+/// is valid as long as the tree, and shows later events. An argument may itself be such a reference,
+/// unless it is to the value that the call overwrites.
 ///
 /// One thread at a time, also for reading: `getParamValueAsList` keeps the items that it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
@@ -185,7 +186,7 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   void doSetParameter(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues,
                       std::string const& value, Node& node);
   void record(SetResult result, std::string const& objPath, std::string const& name);
-  void setParameters(std::string const& topPath, ModelTDF const& model);
+  void setParameters(std::string topPath, ModelTDF const& model);
   void setParameters(std::string const& objPath, ObjectState const& values);
   void copyNodeAndChildren(Node const& sourceTop);
   void copyNodeParameters(Node const& sourceNode, Node& targetNode);

@@ -21,10 +21,10 @@ namespace tarn {
 /// and a blank. Byte order puts `/Case B` between `/Case` and `/Case/Domain`, so a block may be closed and opened
 /// again.
 ///
-/// `TDFChangeFile` reads the text back to the same state, as long as the block form can tell its parts from each other:
-/// types and names of objects hold no "=", a singleton's type, a parameter's name and the first line of a block begin
-/// with none of "#", "/" and "END #", texts have no white space at their ends, and values hold no line end. An object
-/// without parameters is read back if nothing stands below it; otherwise the objects below imply it.
+/// `TDFChangeFile` reads the text back to the same state, as long as its lines can be told from each other: types and
+/// names hold no "=", parameter names no ":"; types and parameter names begin with none of "#", "/" and "END #"; no
+/// text has white space at its ends, and no value holds a line end. An object without parameters is read back if
+/// nothing stands below it; otherwise the objects below imply it.
 ///
 /// Throws the `Error` of `TDFPath` for an object path that it refuses; what stands before that object has then been
 /// written or not. Flushes `stream` once, at the end.

@@ -33,9 +33,10 @@ class DynamicTDF::SkipEmptyScope {
 };
 
 void DynamicTDF::initialise(ModelTDF const* model, std::string const& path, bool skipEmpty) {
-  std::string const top = path;  // the caller's text may be one of this tree's
+  std::string top = path;  // copied, since the caller's text may be one of this tree's
   clear();
-  update(model, top, skipEmpty);
+  SkipEmptyScope const mode(*this, skipEmpty);
+  setParameters(std::move(top), *model);
 }
 
 void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
@@ -56,8 +57,9 @@ void DynamicTDF::update(ModelState::const_iterator begin, ModelState::const_iter
 /// Loads one object and all below it, parents before children and children in the order in which the model lists them.
 /// An object is asked for its children only when its own parameters are set: the model may be a view that reads this
 /// tree.
-void DynamicTDF::setParameters(std::string const& topPath, ModelTDF const& model) {
-  std::vector<std::string> pending{topPath};
+void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
+  std::vector<std::string> pending;
+  pending.push_back(std::move(topPath));
   std::vector<std::string> names;
   std::vector<std::string> children;
   while (!pending.empty()) {
