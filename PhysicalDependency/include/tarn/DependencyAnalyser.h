@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <string>
 
 #include <tarn/ChildAvailInfo.h>
@@ -84,14 +85,15 @@ class PhysicsData;
 ///
 /// What the hooks return:
 ///
-/// | Hook            | `Continue`               | `SkipObject`                           | `Abort` |
-/// |-----------------|--------------------------|----------------------------------------|--------------------------------|
-/// | `onBeginObject` | the object is walked     | no parameters and children are walked; | as `Continue` | | | |
-/// `onEndObject` comes                    |                                | | `onBeginParam`  | the parameter is | as
-/// `Continue`                          | the walk ends: no evaluation,  | |                 | evaluated | | no
-/// `onParamCheck`              | | `onParamCheck`  | the walk goes on         | as `Continue` | the walk ends | |
-/// `onChildCheck`  | the walk goes on         | as `Continue`                          | the walk ends | |
-/// `onEndObject`   | ignored                  | ignored                                | ignored |
+/// | Hook            | `Continue`          | `SkipObject`                       | `Abort`                        |
+/// |-----------------|---------------------|------------------------------------|--------------------------------|
+/// | `onBeginObject` | the object is       | its parameters and children are    | as `Continue`                  |
+/// |                 | walked              | passed over; `onEndObject` comes   |                                |
+/// | `onBeginParam`  | the parameter is    | as `Continue`                      | the walk ends; no evaluation,  |
+/// |                 | evaluated           |                                    | no `onParamCheck`              |
+/// | `onParamCheck`  | the walk goes on    | as `Continue`                      | the walk ends                  |
+/// | `onChildCheck`  | the walk goes on    | as `Continue`                      | the walk ends                  |
+/// | `onEndObject`   | ignored             | ignored                            | ignored                        |
 ///
 /// When a walk is aborted, `analyse` returns as usual; a caller who has to know must have the derived class note it.
 /// What a hook or a rule throws ends the walk and reaches the caller of `analyse`. In both cases no further hook is
@@ -147,14 +149,14 @@ class TARN_EXPORT DependencyAnalyser {
 
  private:
   struct OpenObject;
-  class OpenObjects;
 
-  void checkObject(OpenObjects& open, std::string path, bool required, bool coupled);
+  void checkTree(std::string const& root);
+  void beginObject(std::deque<OpenObject>& open, std::string path, bool required, bool coupled);
   void checkParams(std::string const& path, ObjDependency& dep);
-  bool checkParam(std::string const& path, ObjDependency& dep);
-  bool checkNextChild(OpenObject& object);
-  bool isParamAvailable(std::string const& path, ObjDependency& dep);
-  bool isChildAvailable(std::string const& path, ObjDependency& dep);
+  bool checkParam(std::string const& path, ObjDependency const& dep);
+  void checkChild(OpenObject& object);
+  bool isParamAvailable(std::string const& path, ObjDependency const& dep);
+  bool isChildAvailable(std::string const& path, ObjDependency const& dep);
 
   PhysicsData const* physicsData_;
   // Those of the last walk; null before the first.

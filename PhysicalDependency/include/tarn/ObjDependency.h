@@ -125,9 +125,6 @@ class TARN_EXPORT ObjDependency {
 
  private:
   void initCurrParam(std::pair<ParamAvail const*, bool> entry);
-  ParamAvail const& currParam(char const* question) const;
-  ParamValueDef const& currParamDef(char const* question) const;
-  ChildAvail const& currChild(char const* question) const;
 
   // Constant after construction.
   TDFContext context_;

@@ -16,15 +16,15 @@ namespace tarn {
 ///
 /// What is evaluated when:
 ///
-/// | Asked                                         | Evaluated |
-/// |-----------------------------------------------|--------------------------------------------------------------------|
-/// | `isAvailable`, `getAllowedValues`             | before the hook, once; of an unavailable parameter only as far as
-/// | |                                               | it took to see that | | `getBounds` | at the first question,
-/// then kept                                    | | `getDefault`, both forms                      | at the first
-/// question, then kept: the form that asks first decides  | | `getValueOverride`, both forms                | at every
-/// question                                                   | | `hasDynamicBounds`                            | at
-/// every question: the bounds are asked what they read              | | all others                                    |
-/// nothing                                                             |
+/// | Asked                             | Evaluated                                                            |
+/// |-----------------------------------|----------------------------------------------------------------------|
+/// | `isAvailable`, `getAllowedValues` | once, before the hook; of an unavailable parameter only as far as it |
+/// |                                   | took to see that                                                     |
+/// | `getBounds`                       | at the first question, then kept                                     |
+/// | `getDefault`, both forms          | at the first question, then kept: the form asked first decides       |
+/// | `getValueOverride`, both forms    | at every question                                                    |
+/// | `hasDynamicBounds`                | nothing, but the bounds are asked at every question what they read   |
+/// | all others                        | nothing                                                              |
 ///
 /// What is evaluated during the hook reads the model as it stands at that moment, with what the hook has done to it.
 /// An unavailable parameter answers every question as well, so a hook may learn what it would get. Only a parameter

@@ -1,0 +1,230 @@
+// The walk under the rules. It keeps the objects that are open on a stack of its own, so that the depth of a model
+// cannot exhaust the thread's; each entry of that stack is a rule cursor and the children found for the child entry it
+// stands on.
+//
+// The records that hooks get are thin fronts over the cursor: a question goes to the rules when it is asked, so a hook
+// pays for what it asks and sees the model as it has left it.
+//
+// Everything rests on when the model is read: only right after the hook for the entry in question, because hooks create
+// and delete the very items that the entry is about. Do not hoist a read above its hook.
+#include <tarn/DependencyAnalyser.h>
+
+#include <deque>
+#include <utility>
+#include <vector>
+
+#include <tarn/EvalContext.h>
+#include <tarn/ModelTDF.h>
+#include <tarn/ObjDependency.h>
+#include <tarn/TDFPath.h>
+
+namespace tarn {
+
+namespace {
+
+/// How a hook's `Abort` leaves the walk. The message is for whoever looks at the exception in a debugger.
+struct AbortException {
+  std::string message;
+};
+
+class ObjBeginInfoAdapter final : public ObjBeginInfo {
+ public:
+  ObjBeginInfoAdapter(std::string const& path, ObjDependency const& dep, bool required, bool coupled)
+      : path_(path), dep_(dep), required_(required), coupled_(coupled) {}
+
+  std::string const& getObjPath() const override { return path_; }
+  bool isValid() const override { return dep_.isValid(); }
+  bool isRequired() const override { return required_; }
+  bool isCoupled() const override { return coupled_; }
+
+ private:
+  std::string const& path_;
+  ObjDependency const& dep_;
+  bool required_;
+  bool coupled_;
+};
+
+class ParamAvailInfoAdapter final : public ParamAvailInfo {
+ public:
+  ParamAvailInfoAdapter(std::string const& path, bool available, ObjDependency const& dep,
+                        ParamAllowedValues const& allowed)
+      : path_(path),
+        available_(available),
+        dep_(dep),
+        allowed_(allowed),
+        completeListRequired_(dep.isCompleteListRequired()) {}
+
+  std::string const& getName() const override { return dep_.getParamName(); }
+  std::string const& getObjPath() const override { return path_; }
+  TDFParam::Type getType() const override { return dep_.getParamType(); }
+  bool isListType() const override { return TDFParam::isListType(getType()); }
+  bool isCompleteListRequired() const override { return completeListRequired_; }
+  bool isAvailable() const override { return available_; }
+  bool isRequired() const override { return dep_.isParamRequired(); }
+  bool hasValidationRelaxed() const override { return dep_.hasParamValidationRelaxed(); }
+  bool hasDynamicBounds() const override { return dep_.hasParamDynamicBounds(); }
+  std::pair<std::string, std::string> const& getBounds() const override { return dep_.getParamBounds(); }
+  bool hasDefault() const override { return dep_.hasParamDefault(); }
+  std::string const& getDefault(ParamAllowedValues const& allowed) const override {
+    return dep_.getParamDefault(allowed);
+  }
+  std::string const& getDefault() const override { return dep_.getParamDefault(); }
+  bool hasValueOverride() const override { return dep_.hasParamValueOverride(); }
+  std::pair<bool, std::string> getValueOverride(ParamAllowedValues const& allowed) const override {
+    return dep_.getParamValueOverride(allowed);
+  }
+  std::pair<bool, std::string> getValueOverride() const override { return dep_.getParamValueOverride(); }
+  ParamAllowedValues const& getAllowedValues() const override { return allowed_; }
+
+ private:
+  std::string const& path_;
+  bool available_;
+  ObjDependency const& dep_;
+  ParamAllowedValues const& allowed_;
+  bool completeListRequired_;
+};
+
+class ChildAvailInfoAdapter final : public ChildAvailInfo {
+ public:
+  ChildAvailInfoAdapter(std::string const& path, bool available, ObjDependency const& dep,
+                        ObjDependency::AllowedNameData const& names)
+      : path_(path), available_(available), dep_(dep), names_(names) {}
+
+  std::string const& getType() const override { return dep_.getChildType(); }
+  std::string const& getObjPath() const override { return path_; }
+  bool isAvailable() const override { return available_; }
+  bool isRequired() const override { return dep_.isChildRequired(); }
+  bool isSingleton() const override { return dep_.isChildSingleton(); }
+  bool hasValidationRelaxed() const override { return dep_.hasChildValidationRelaxed(); }
+  bool isCoupled() const override { return dep_.isChildCoupled(); }
+  bool hasAllowedNames() const override { return !isSingleton() && names_.hasAllowedNames; }
+  NameRange getAllowedNames() const override { return {names_.allowedNames.begin(), names_.allowedNames.end()}; }
+  NameRange getDefaultNames() const override { return {names_.defaultNames.begin(), names_.defaultNames.end()}; }
+
+ private:
+  std::string const& path_;
+  bool available_;
+  ObjDependency const& dep_;
+  ObjDependency::AllowedNameData const& names_;
+};
+
+}  // namespace
+
+/// An object whose `onEndObject` is still to come.
+struct DependencyAnalyser::OpenObject {
+  OpenObject(std::string objPath, bool isRequired, EvalContext* evalContext, PhysicsData const* physicsData)
+      : path(std::move(objPath)), required(isRequired), dep(path, evalContext, physicsData) {}
+
+  std::string path;
+  bool required;
+  ObjDependency dep;
+  // The objects found for the child entry that `dep` stands on, of which the first `entered` have been entered.
+  std::vector<std::string> childPaths;
+  std::size_t entered = 0;
+};
+
+DependencyAnalyser::DependencyAnalyser(PhysicsData const* physicsData) noexcept : physicsData_(physicsData) {}
+
+void DependencyAnalyser::analyse(std::string const& path, EvalContext* evalContext) {
+  evalContext_ = evalContext;
+  model_ = evalContext->getDB();
+  try {
+    checkTree(TDFPath(path).getFullPath());
+  } catch (AbortException const&) {
+    // A hook wanted the walk to end, and so it has.
+  }
+}
+
+void DependencyAnalyser::checkTree(std::string const& root) {
+  std::deque<OpenObject> open;  // the innermost last; a deque, since it leaves the others in place when it grows
+  beginObject(open, root, true, false);
+  while (!open.empty()) {
+    OpenObject& object = open.back();
+    if (object.entered < object.childPaths.size()) {
+      std::string& childPath = object.childPaths[object.entered++];
+      beginObject(open, std::move(childPath), object.dep.isChildRequired(), object.dep.isChildCoupled());
+    } else if (!object.dep.isDoneChild()) {
+      object.dep.nextChild();
+      checkChild(object);
+    } else {
+      onEndObject(object.path, object.required);
+      open.pop_back();
+    }
+  }
+}
+
+// Walks the parameters, and does for the first child entry what `checkTree` does for the others. Of an object that is
+// not to be walked both walks remain as they were made, done.
+void DependencyAnalyser::beginObject(std::deque<OpenObject>& open, std::string path, bool required, bool coupled) {
+  OpenObject& object = open.emplace_back(std::move(path), required, evalContext_, physicsData_);
+  ObjBeginInfoAdapter const info(object.path, object.dep, required, coupled);
+  HandlerStatus const status = onBeginObject(&info);
+  if (!object.dep.isValid() || status == SkipObject) return;
+  // In this order: the context rule value found among the parameters selects the children.
+  checkParams(object.path, object.dep);
+  object.dep.firstChild();
+  checkChild(object);
+}
+
+void DependencyAnalyser::checkParams(std::string const& path, ObjDependency& dep) {
+  for (dep.firstParam(); !dep.isDoneParam(); dep.nextParam()) {
+    bool const present = checkParam(path, dep);
+    if (present && dep.isParamContextRule()) {
+      dep.setContextRuleValue(model_->getParameterValue(path, dep.getParamName()));
+    }
+  }
+}
+
+bool DependencyAnalyser::checkParam(std::string const& path, ObjDependency const& dep) {
+  return isParamAvailable(path, dep) && model_->hasParameter(path, dep.getParamName());
+}
+
+bool DependencyAnalyser::isParamAvailable(std::string const& path, ObjDependency const& dep) {
+  if (onBeginParam(path, dep.getParamName()) != Abort) {
+    ParamAllowedValues allowed;
+    bool const available = dep.isParamAvailable(allowed);
+    ParamAvailInfoAdapter const info(path, available, dep, allowed);
+    if (onParamCheck(&info) != Abort) return available;
+  }
+  throw AbortException{"DependencyAnalyser::isParamAvailable - aborting on path" + path +
+                       " on availability analysis of parameter " + dep.getParamName()};
+}
+
+void DependencyAnalyser::checkChild(OpenObject& object) {
+  object.childPaths.clear();
+  object.entered = 0;
+  ObjDependency const& dep = object.dep;
+  if (dep.isDoneChild() || !isChildAvailable(object.path, dep)) return;
+
+  std::string pathOfType = object.path + '/' + dep.getChildType();
+  if (dep.isChildSingleton()) {
+    if (model_->hasObject(pathOfType)) object.childPaths.push_back(std::move(pathOfType));
+  } else if (model_->getChildObjectNamesByType(object.path, dep.getChildType(), object.childPaths)) {
+    pathOfType += ':';
+    for (std::string& name : object.childPaths) name.insert(0, pathOfType);
+  } else {
+    object.childPaths.clear();
+  }
+}
+
+bool DependencyAnalyser::isChildAvailable(std::string const& path, ObjDependency const& dep) {
+  ObjDependency::AllowedNameData names;
+  bool const available = dep.isChildAvailable(names);
+  ChildAvailInfoAdapter const info(path, available, dep, names);
+  if (onChildCheck(&info) != Abort) return available;
+  throw AbortException{"DependencyAnalyser::isChildAvailable - aborting on path" + path +
+                       " on availability analysis of child object " + dep.getChildType()};
+}
+
+bool DependencyAnalyser::isParamValueEqual(std::string const& objPath, std::string const& name,
+                                           std::string const& value) const {
+  ObjDependency dep(objPath, evalContext_, physicsData_);
+  for (dep.firstParam(); !dep.isDoneParam(); dep.nextParam()) {
+    if (dep.getParamName() == name) {
+      return TDFParam::valuesEqual(dep.getParamType(), model_->getParameterValue(objPath, name), value);
+    }
+  }
+  return false;
+}
+
+}  // namespace tarn

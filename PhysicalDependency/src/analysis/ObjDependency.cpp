@@ -1,0 +1,197 @@
+// The rule cursor on one object. The walks are those of the object's rules; what is added here is the liveness that the
+// walk last told, the context rule value that selects what comes, and a memory for the two evaluations that several
+// hooks ask for, default and bounds. Availability and overrides are evaluated at every question.
+#include <tarn/ObjDependency.h>
+
+#include <stdexcept>
+#include <tuple>
+
+#include <tarn/EvalContext.h>
+#include <tarn/PhysicsData.h>
+#include <tarn/TDFPath.h>
+
+namespace tarn {
+
+namespace {
+
+std::string typePathOf(TDFPath const& path) {
+  std::string typePath;
+  typePath.reserve(path.getFullPath().size());
+  for (unsigned long long i = 0; i < path.numComponent(); ++i) {
+    typePath += '/';
+    typePath += path.getType(i);
+  }
+  return typePath;
+}
+
+// The question is the one of the fixed text, which for some is the name of another.
+[[noreturn]] void failInternally(char const* question) {
+  throw std::runtime_error(std::string("ObjDependency::") + question + " - internal error");
+}
+
+template <typename T>
+T const& known(T const* current, char const* question) {
+  if (current == nullptr) failInternally(question);
+  return *current;
+}
+
+}  // namespace
+
+ObjDependency::ObjDependency(std::string const& objPath, EvalContext* evalContext, PhysicsData const* physicsData)
+    : context_(objPath),
+      evalContext_(evalContext),
+      physicsData_(physicsData),
+      objDef_(physicsData->getObjDependDef(typePathOf(TDFPath(objPath)), true)) {}
+
+void ObjDependency::firstParam() {
+  contextRuleValue_.clear();
+  paramCursor_ = PACursor();
+  if (objDef_ != nullptr) initCurrParam(objDef_->firstParamAvail(paramCursor_));
+}
+
+void ObjDependency::nextParam() {
+  if (objDef_ != nullptr) initCurrParam(objDef_->nextParamAvail(paramCursor_, contextRuleValue_));
+}
+
+void ObjDependency::initCurrParam(std::pair<ParamAvail const*, bool> entry) {
+  currParam_ = entry.first;
+  currParamLive_ = entry.second;
+  defaultDone_ = false;
+  boundsDone_ = false;
+  // The same as PhysicsData::getParamValueDef for the object's type path and the name, without the two look-ups.
+  currParamDef_ = currParam_ != nullptr ? currParam_->valueDef() : nullptr;
+}
+
+void ObjDependency::setContextRuleValue(std::string const& value) {
+  if (currParam_ != nullptr) contextRuleValue_ = value;
+}
+
+bool ObjDependency::isParamAvailable(ParamAllowedValues& out) const {
+  if (currParam_ == nullptr || !currParamLive_) return false;
+  if (!currParam_->evaluate(context_, evalContext_)) return false;
+  if (currParamDef_ == nullptr || currParamDef_->allowedValueKind == ParamValueDef::NoAllowedValues) return true;
+  out = currParamDef_->evaluateAllowedValues(physicsData_->getRules(), context_, evalContext_);
+  return currParamDef_->availableWithNoAllowedValues || !out.allowedValues.empty();
+}
+
+std::string const& ObjDependency::getParamName() const {
+  return known(currParam_, "getParamName").name;
+}
+
+bool ObjDependency::isParamRequired() const {
+  return known(currParam_, "isParamRequired").required;
+}
+
+bool ObjDependency::hasParamValidationRelaxed() const {
+  return known(currParam_, "hasParamValidationRelaxed").validationRelaxed;
+}
+
+bool ObjDependency::isParamContextRule() const {
+  return known(currParam_, "isParamContextRule").contextRule;
+}
+
+TDFParam::Type ObjDependency::getParamType() const {
+  return known(currParamDef_, "getParamType").type;
+}
+
+bool ObjDependency::isCompleteListRequired() const {
+  return known(currParamDef_, "isCompleteListRequired").completeListRequired;
+}
+
+bool ObjDependency::hasParamDynamicBounds() const {
+  return known(currParamDef_, "hasParamDynamicBounds").hasVariableBounds();
+}
+
+bool ObjDependency::hasParamDefault() const {
+  return known(currParamDef_, "hasParamDefault").hasDefault();
+}
+
+bool ObjDependency::hasParamValueOverride() const {
+  return known(currParamDef_, "hasParamOverride").hasValueOverride();
+}
+
+std::pair<std::string, std::string> const& ObjDependency::getParamBounds() const {
+  ParamValueDef const& def = known(currParamDef_, "getParamBounds");
+  if (!boundsDone_) {
+    bounds_ = def.evaluateBounds(physicsData_->getRules(), context_, evalContext_);
+    boundsDone_ = true;
+  }
+  return bounds_;
+}
+
+std::string const& ObjDependency::getParamDefault() const {
+  ParamValueDef const& def = known(currParamDef_, "getParamDefault");
+  if (!defaultDone_) {
+    defaultValue_ = def.evaluateDefault(physicsData_->getRules(), context_, evalContext_);
+    defaultDone_ = true;
+  }
+  return defaultValue_;
+}
+
+std::string const& ObjDependency::getParamDefault(ParamAllowedValues const& allowed) const {
+  ParamValueDef const& def = known(currParamDef_, "getParamDefault");
+  if (!defaultDone_) {
+    defaultValue_ = def.evaluateDefault(physicsData_->getRules(), context_, evalContext_, allowed);
+    defaultDone_ = true;
+  }
+  return defaultValue_;
+}
+
+std::pair<bool, std::string> ObjDependency::getParamValueOverride() const {
+  return known(currParamDef_, "getParamValueOverride")
+      .evaluateValueOverride(physicsData_->getRules(), context_, evalContext_);
+}
+
+std::pair<bool, std::string> ObjDependency::getParamValueOverride(ParamAllowedValues const& allowed) const {
+  return known(currParamDef_, "getParamOverride")
+      .evaluateValueOverride(physicsData_->getRules(), context_, evalContext_, allowed);
+}
+
+void ObjDependency::firstChild() {
+  childCursor_ = CACursor();
+  if (objDef_ != nullptr)
+    std::tie(currChild_, currChildLive_) = objDef_->firstChildAvail(childCursor_, contextRuleValue_);
+}
+
+void ObjDependency::nextChild() {
+  if (objDef_ != nullptr) std::tie(currChild_, currChildLive_) = objDef_->nextChildAvail(childCursor_);
+}
+
+bool ObjDependency::isChildAvailable(AllowedNameData& out) const {
+  out.hasAllowedNames = false;
+  out.allowedNames.clear();
+  if (currChild_ == nullptr || !currChildLive_) return false;
+  if (!currChild_->evaluate(context_, evalContext_)) return false;
+  if (currChild_->allowedNamesSource != nullptr) {
+    out.hasAllowedNames = true;
+    currChild_->evaluateAllowedNames(context_, evalContext_, out.allowedNames);
+    return !out.allowedNames.empty();
+  }
+  currChild_->evaluateDefaultNames(context_, evalContext_, out.defaultNames);
+  return true;
+}
+
+std::string const& ObjDependency::getChildType() const {
+  return known(currChild_, "getChildType").type;
+}
+
+bool ObjDependency::isChildRequired() const {
+  return known(currChild_, "isChildRequired").required;
+}
+
+// Shares the text of the question above.
+bool ObjDependency::isChildSingleton() const {
+  return known(currChild_, "isChildRequired").singleton;
+}
+
+bool ObjDependency::isChildCoupled() const {
+  ChildAvail const& child = known(currChild_, "isChildCoupled");
+  return child.coupled || child.allowedNamesSource != nullptr;
+}
+
+// Shares the text of the question about a parameter.
+bool ObjDependency::hasChildValidationRelaxed() const {
+  return known(currChild_, "hasParamValidationRelaxed").validationRelaxed;
+}
+
+}  // namespace tarn
