@@ -358,6 +358,9 @@ TEST(DynamicTDFBulk, MirroringTheTreeOntoItselfDoesNothing) {
   model.copyBranch(&model, "/Gone");
   EXPECT_EQ(model.getState(""), pumpState);
   EXPECT_TRUE(model.getDeletedObjects().empty());
+  model.setParameter("/Solver:Solver", "Steps", "100");
+  model.copyBranch(&model, "/Solver:Solver");
+  EXPECT_FALSE(model.hasObject("/Solver"));
 }
 
 TEST(DynamicTDFBulk, ChildrenThatAreHereKeepTheirPlaceAndNewOnesGoBehindThemInTheOrderOfTheSource) {

@@ -303,6 +303,20 @@ TEST(DynamicTDF, APathThatCannotBeReadThrowsAndCreatesNothing) {
   }
 }
 
+TEST(DynamicTDF, APathThatCannotBeReadThrowsAlsoBelowAnObjectThatExistsAndIsToldAsAWhole) {
+  for (char const* path : {"/Case/Domain:rotor/", "/Case/Domain:rotor//Boundary:a", "/Case/Domain:rotor/Boundary:"}) {
+    PumpCase model;
+    ModelState const before = model.getState("");
+    try {
+      model.setParameter(path, "Kind", "Wall");
+      ADD_FAILURE() << path << " was read";
+    } catch (Error const& error) {
+      EXPECT_NE(error.getMessage().find(path), std::string::npos) << error.getMessage();
+    }
+    EXPECT_EQ(model.getState(""), before) << path;
+  }
+}
+
 TEST(DynamicTDF, AnObjectIsFoundUnderTheLongFormThatItWasCreatedWithAndListedUnderTheShortOne) {
   DynamicTDF model;
   model.setParameter("/Case:Case/Domain:rotor", "Motion", "Rotating");
@@ -317,7 +331,12 @@ TEST(DynamicTDF, DeletingAnObjectOfTheLongFormTakesItsChildrenWithIt) {
   DynamicTDF model;
   model.setParameter("/Case:Case/Domain:rotor", "Motion", "Rotating");
   model.setParameter("/Case/Domain:rotor", "Motion", "Stationary");
+  model.setParameter("/Case:Case", "Title", "pump");
+  model.resetChanges();
   model.deleteObject("/Case:Case");
+  EXPECT_EQ(model.getDeletedParameters(),
+            (std::vector<DynamicTDF::ParamId>{{"/Case/Domain:rotor", "Motion"}, {"/Case:Case", "Title"}}));
+  EXPECT_EQ(model.getDeletedObjects(), Strings{"/Case:Case"});
   EXPECT_FALSE(model.hasObject("/Case:Case/Domain:rotor"));
   EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Motion"), "Stationary");
 }
