@@ -13,6 +13,7 @@
 #include <tarn/Error.h>
 #include <tarn/ModelState.h>
 #include <tarn/TDFChangeFile.h>
+#include <tarn/TDFPath.h>
 #include <tarn/printModelState.h>
 
 namespace {
@@ -32,9 +33,18 @@ bool isPlain(std::string_view text) {
          text.find(": ") == std::string_view::npos && isTrimmed(text);
 }
 
+// True when an object of the path is named as its type: a block opens with the type alone then, as a singleton's does.
+bool hasTypeForName(std::string const& objPath) {
+  tarn::TDFPath const path(objPath);
+  for (unsigned long long i = 0; i < path.size(); ++i) {
+    if (path.getName(i) == path.getType(i) && path.getSubPath(i, 1).find(':') != std::string::npos) return true;
+  }
+  return false;
+}
+
 bool comesBackAsItIs(tarn::ModelState const& state) {
   for (auto const& [path, parameters] : state) {
-    if (path.empty() || !isPlain(path)) return false;
+    if (path.empty() || !isPlain(path) || hasTypeForName(path)) return false;
     for (auto const& [name, value] : parameters) {
       if (name.empty() || !isPlain(name) || name.front() == '/') return false;
       if (!isTrimmed(value) || value.find_first_of("\r\n") != std::string::npos) return false;
