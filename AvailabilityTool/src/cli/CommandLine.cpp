@@ -1,0 +1,91 @@
+// The frame of the program: the subcommands, the help, and the place where every failure ends as a sentence. What a
+// subcommand does, and which options it takes, stands in its own source; to add one is to add its line in
+// `addCommands`.
+#include "cli/CommandLine.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <tarn/Error.h>
+
+#include "cli/Command.h"
+#include "cli/ExitStatus.h"
+#include "cli/Failure.h"
+#include "cli/ListArguments.h"
+#include "cli/Output.h"
+#include "lint/LintCommand.h"
+#include "validate/ValidateCommand.h"
+
+namespace tarn::tool {
+
+namespace {
+
+void addCommands(CLI::App& app, Command& chosen) {
+  addValidateCommand(app, chosen);
+  addLintCommand(app, chosen);
+}
+
+int tellUsage(CLI::App const& app, CLI::ParseError const& error) {
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+    app.exit(error, std::cout, std::cerr);  // help, or the version
+    flushResults(std::cout);
+    return NothingFound;
+  }
+  std::string name = app.get_name();
+  for (CLI::App const* sub : app.get_subcommands()) name += ' ' + sub->get_name();
+  std::cerr << name << ": " << error.what() << "\nRun \"" << name << " --help\" for what it takes.\n";
+  return Failed;
+}
+
+int run(std::vector<std::string> arguments) {
+  CLI::App app("Tells what is physically wrong with the set-up of a simulation, by rules.", "zev");
+  app.set_version_flag("--version", std::string("zev ") + TARN_VERSION, "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.require_subcommand(1);
+  app.footer(
+      "\"zev COMMAND --help\" tells what a command takes.\n"
+      "Exit status: 0 nothing found, 1 findings, 2 wrong usage or something that could not be read.");
+  Command chosen;
+  addCommands(app, chosen);
+
+  try {
+    if (arguments.empty()) {
+      std::cerr << app.help();
+      return Failed;
+    }
+    if (arguments.front() == "validate") arguments = divideListArguments(arguments, validateListOptions());
+    std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them
+    app.parse(std::move(arguments));
+  } catch (CLI::ParseError const& error) {
+    return tellUsage(app, error);
+  }
+  int const status = chosen(std::cout, std::cerr);
+  flushResults(std::cout);
+  return status;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char const* const* argv) noexcept {
+  try {
+    return run(std::vector<std::string>(argv + (argc > 0), argv + argc));
+  } catch (Failure const& failure) {
+    std::cerr << "zev: " << failure.what() << '\n';
+  } catch (Error const& error) {
+    std::cerr << "zev: " << error.getMessage() << '\n';
+  } catch (std::bad_alloc const&) {
+    std::fputs("zev: the memory does not suffice; give smaller or fewer files at a time\n", stderr);
+  } catch (std::exception const& error) {
+    std::cerr << "zev: " << error.what() << '\n';
+  }
+  return Failed;
+}
+
+}  // namespace tarn::tool

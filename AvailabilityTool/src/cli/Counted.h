@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace tarn::tool {
+
+/// "1 model", "2 models": `one` is the singular, to which an "s" is added.
+[[nodiscard]] inline std::string counted(std::size_t count, std::string const& one) {
+  return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
+}
+
+}  // namespace tarn::tool

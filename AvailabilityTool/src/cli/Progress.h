@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+namespace tarn::tool {
+
+/// One line on a terminal that says how far a run over many files is, and that is wiped out at its end. Switched off it
+/// writes nothing.
+class Progress {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// Shows nothing before `patience` has passed, so that a short run leaves the screen alone. `stream` must outlive it.
+  Progress(std::ostream& stream, bool on, std::size_t total, Clock::duration patience = std::chrono::milliseconds(300));
+  ~Progress();
+  Progress(Progress const&) = delete;
+  Progress& operator=(Progress const&) = delete;
+
+  /// The next file is begun: "[3/9] pump.model".
+  void begin(std::string const& name);
+  /// Wipes the line. To be called before anything else is written on the terminal.
+  void hide();
+
+ private:
+  std::ostream& stream_;
+  bool const on_;
+  std::size_t const total_;
+  Clock::time_point const from_;
+  std::size_t count_ = 0;
+  bool shown_ = false;
+};
+
+/// Whether the program's standard error is a terminal.
+[[nodiscard]] bool standardErrorIsTerminal() noexcept;
+
+}  // namespace tarn::tool

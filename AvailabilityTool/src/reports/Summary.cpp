@@ -1,0 +1,53 @@
+// The last line of a run, for a reader who wants to know at a glance whether all is well.
+#include "reports/Summary.h"
+
+#include "cli/Counted.h"
+#include "cli/ExitStatus.h"
+
+namespace tarn::tool {
+
+void Summary::add(Findings const& findings) noexcept {
+  ++models_;
+  if (findings.any()) ++withFindings_;
+  dependency_ += findings.dependency.size();
+  global_ += findings.global.size();
+  unknown_ += findings.unknown.size();
+  values_ += findings.values.size();
+  beta_ += findings.beta.size();
+  passedOver_ += findings.objectsPassedOver;
+}
+
+int Summary::exitStatus() const noexcept {
+  if (failures_ > 0) return Failed;
+  return withFindings_ > 0 ? FindingsMade : NothingFound;
+}
+
+std::string Summary::text() const {
+  std::string text = counted(models_, "model") + " validated";
+  if (withFindings_ == 0) {
+    text += ", nothing found.";
+  } else {
+    text += ", " + std::to_string(withFindings_) + " with findings: ";
+    bool first = true;
+    auto const kind = [&](std::size_t count, char const* name) {
+      if (count == 0) return;
+      if (!first) text += ", ";
+      text += counted(count, name);
+      first = false;
+    };
+    kind(dependency_, "dependency error");
+    kind(global_, "general physics error");
+    kind(unknown_, "unknown name");
+    kind(values_, "value fault");
+    text += '.';
+  }
+  if (beta_ > 0) text += ' ' + counted(beta_, "beta message") + '.';
+  if (passedOver_ > 0) {
+    text += ' ' + counted(passedOver_, "object") + " at the root " +
+            (passedOver_ == 1 ? "is of a type" : "are of types") + " that the rules do not look at.";
+  }
+  if (failures_ > 0) text += ' ' + counted(failures_, "model") + " could not be validated, see above.";
+  return text;
+}
+
+}  // namespace tarn::tool

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "reports/Findings.h"
+
+namespace tarn::tool {
+
+/// Counts what a run over models found.
+class Summary {
+ public:
+  void add(Findings const& findings) noexcept;
+  /// A model could not be judged.
+  void addFailure() noexcept { ++failures_; }
+
+  /// 0, 1 or 2, see `ExitStatus`.
+  [[nodiscard]] int exitStatus() const noexcept;
+
+  /// One line: "3 models, 1 with findings: 2 dependency errors, 1 unknown name." Kinds with no finding are left out.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  std::size_t models_ = 0;
+  std::size_t withFindings_ = 0;
+  std::size_t failures_ = 0;
+  std::size_t dependency_ = 0;
+  std::size_t global_ = 0;
+  std::size_t unknown_ = 0;
+  std::size_t values_ = 0;
+  std::size_t beta_ = 0;
+  std::size_t passedOver_ = 0;
+};
+
+}  // namespace tarn::tool

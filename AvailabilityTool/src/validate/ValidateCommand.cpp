@@ -1,0 +1,186 @@
+// `zev validate`: reads the models one by one, has each judged, and reports at once, so that the findings of a long run
+// come as they are made and one model at a time is in memory. A model that cannot be read is told and does not keep the
+// others from being judged.
+#include "validate/ValidateCommand.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include <tarn/Error.h>
+#include <tarn/PathUtils.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/TDFChangeFile.h>
+#include <tarn/TDFPath.h>
+
+#include "cli/Failure.h"
+#include "cli/Output.h"
+#include "cli/Progress.h"
+#include "cli/RuleFiles.h"
+#include "reports/JsonReport.h"
+#include "reports/Summary.h"
+#include "reports/TextReport.h"
+#include "validate/ModelJudge.h"
+
+namespace tarn::tool {
+
+namespace {
+
+enum class Format { Text, Json };
+
+struct ValidateOptions {
+  std::vector<std::string> rules;
+  std::vector<std::string> models;
+  JudgeOptions judge;
+  Format format = Format::Text;
+};
+
+// The roots in canonical form. A root that the rules can say nothing about is a slip of the caller's, whatever the
+// models hold.
+std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, PhysicsData const& rules) {
+  std::vector<std::string> checked;
+  for (std::string const& root : roots) {
+    TDFPath path;
+    try {
+      path = TDFPath(root);
+    } catch (Error const& error) {
+      throw Failure("--root: " + error.getMessage() + "; give the path of an object, such as /Case");
+    }
+    std::vector<std::string> const& pertinent = rules.getPertinentGlobalCheckRoots();
+    if (path.size() == 0 || std::find(pertinent.begin(), pertinent.end(), path.getType(0)) == pertinent.end()) {
+      throw Failure("--root: the rules do not look at \"" + root +
+                    "\"; give an object of a type among: " + StringUtilities::vectorToString(pertinent, ','));
+    }
+    std::string const typePath = PathUtils::typePathOf(path.getFullPath());
+    if (!rules.getObjDependDef(typePath, false)) {
+      std::vector<std::string> known;
+      for (ObjDependDef const* object : rules.objects()) known.push_back(object->typePath());
+      std::string const match = StringUtilities::nearMatch(typePath, known);
+      throw Failure("--root: the rules know no objects of the type path " + typePath +
+                    (match.empty() ? "; give the path of an object that they know" : "; did you mean " + match + "?"));
+    }
+    if (std::find(checked.begin(), checked.end(), path.getFullPath()) == checked.end()) {
+      checked.push_back(path.getFullPath());
+    }
+  }
+  return checked;
+}
+
+ModelState readModel(std::string const& name) {
+  try {
+    return TDFChangeFile({name}, {}, TDFChangeFile::Strict).toModelState();
+  } catch (ParseError const& error) {
+    throw Failure(error.getMessage() + "; correct the line, the model was not read");
+  } catch (FileError const& error) {
+    std::error_code ignored;
+    throw Failure(error.getMessage() + (std::filesystem::is_directory(name, ignored)
+                                            ? "; give the model files in it, not the folder"
+                                            : "; give the name of a model file that can be read"));
+  }
+}
+
+// Judges one model and reports what was found.
+Findings judgeModel(ModelJudge& judge, std::string const& name) {
+  ModelState model = readModel(name);
+  try {
+    return judge.judge(std::move(model));
+  } catch (Failure const& failure) {
+    throw Failure(name + ": " + failure.what());
+  } catch (Error const& error) {
+    throw Failure(name + ": the validation broke off: " + error.getMessage());
+  } catch (std::bad_alloc const&) {
+    throw Failure(name + ": the memory does not suffice for this model");
+  }
+}
+
+int validate(ValidateOptions const& options, std::ostream& out, std::ostream& err) {
+  if (std::count(options.models.begin(), options.models.end(), "-") > 1) {
+    throw Failure("\"-\" is given twice, but the standard input can be read once; give it once");
+  }
+  std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
+  JudgeOptions judgeOptions = options.judge;
+  judgeOptions.roots = checkedRoots(judgeOptions.roots, *rules);
+  ModelJudge judge(*rules, std::move(judgeOptions));
+
+  Summary summary;
+  Progress progress(err, standardErrorIsTerminal(), options.models.size());
+  for (std::string const& name : options.models) {
+    progress.begin(name);
+    try {
+      Findings const findings = judgeModel(judge, name);
+      summary.add(findings);
+      progress.hide();
+      if (options.format == Format::Json) {
+        writeJsonReport(out, name, findings);
+      } else {
+        writeTextReport(out, name, findings);
+      }
+    } catch (Failure const& failure) {
+      progress.hide();
+      err << "zev: " << failure.what() << '\n';
+      summary.addFailure();
+    }
+    flushResults(out);
+  }
+  err << "zev: " << summary.text() << '\n';
+  return summary.exitStatus();
+}
+
+}  // namespace
+
+void addValidateCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<ValidateOptions>();
+  auto phases = std::make_shared<std::string>("all");
+  auto format = std::make_shared<std::string>("text");
+  CLI::App* command = app.add_subcommand("validate", "Tell what is wrong in models");
+  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+      ->type_name("PATH...")
+      ->allow_extra_args(false)
+      ->required();
+  command
+      ->add_option("--root", options->judge.roots,
+                   "Look only at these objects and below; without it, at all of the types that the rules look at")
+      ->type_name("OBJECT...")
+      ->allow_extra_args(false);
+  command->add_option("--phase", *phases, "What the validator does: the dependency checks, the global ones, or all")
+      ->type_name("dependency|global|all")
+      ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
+  command->add_flag("--only-validator", options->judge.onlyValidator,
+                    "Tell neither names that the rules do not know nor values of the wrong type or out of bounds");
+  command->add_option("--format", *format, "Blocks of text for people, or one line of JSON for each model")
+      ->type_name("text|json")
+      ->check(CLI::IsMember({"text", "json"}).description(""));
+  command->add_option("MODEL", options->models, "Files of model text; - is the standard input")
+      ->type_name("")
+      ->required();
+  command->footer(
+      "Examples: zev validate --rules flow.rules.yaml pump.model fan.model\n"
+      "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.model\n"
+      "Findings go to the standard output, one line that sums them up goes to the standard error.\n"
+      "Behind --rules every further *.yaml, and every folder with *.rules.yaml, belongs to the rules; behind --root\n"
+      "what begins with / and is no file is an object. The last argument is a MODEL when there is no other.\n"
+      "Exit status: 0 nothing found, 1 findings, 2 wrong usage or a file that could not be read.");
+  command->callback([options, phases, format, &chosen] {
+    static std::map<std::string, PhysicsValidator2::ValType> const phaseOf = {
+        {"dependency", PhysicsValidator2::ValDependency},
+        {"global", PhysicsValidator2::ValGlobal},
+        {"all", PhysicsValidator2::ValAll}};
+    options->judge.phases = phaseOf.at(*phases);
+    options->format = *format == "json" ? Format::Json : Format::Text;
+    chosen = [options](std::ostream& out, std::ostream& err) { return validate(*options, out, err); };
+  });
+}
+
+std::vector<ListOption> validateListOptions() {
+  return {{"--rules", looksLikeRules}, {"--root", looksLikeObject}};
+}
+
+}  // namespace tarn::tool
