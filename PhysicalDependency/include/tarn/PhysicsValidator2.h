@@ -114,7 +114,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   /// Prints the model as the rules see it on the standard output, as `printModelState` does.
   void dumpDB() const;
 
-  // The read view and what is below serve the sources of the validator and their tests.
+  // The model as the rules see it; for the validator's own sources and tests, and not to be had from the library.
   class PVModelTDF;
 
  private:
