@@ -17,7 +17,7 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
   result.reserve(arguments.size() + 4);
   ListOption const* open = nullptr;  // the option whose values we are among
   bool first = false;                // its first value comes next
-  bool anyFree = false;
+  bool anyFree = false;              // behind the name of the command
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string const& argument = arguments[i];
     if (argument == "--") {
@@ -38,7 +38,7 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
       // The value of another option counts as free here; all that follows from it is that the last argument is judged
       // by its look alone.
       open = nullptr;
-      anyFree = true;
+      anyFree = anyFree || i > 0;
     }
     result.push_back(argument);
   }

@@ -14,10 +14,11 @@ struct ListOption {
 
 /// Writes the option again before each further value that it takes, so that
 /// `--rules base.rules.yaml site.rules.yaml pump.model` becomes
-/// `--rules base.rules.yaml --rules site.rules.yaml pump.model` and the model is left to be an argument of its own.
+/// `--rules base.rules.yaml --rules site.rules.yaml pump.model`, and the model is left to be an argument of its own.
+/// `arguments` are the name of a command and what stands behind it.
 ///
-/// The first value always belongs to the option. The last argument of all does not unless it is the first, when no
-/// other argument stands free: it is then what the command is about. Everything behind "--" is left alone.
+/// The value right behind the option always belongs to it. Of the further ones, the last argument of all does not when
+/// no other argument stands free: it is then what the command is about. Everything behind "--" is left alone.
 [[nodiscard]] std::vector<std::string> divideListArguments(std::vector<std::string> const& arguments,
                                                            std::vector<ListOption> const& options);
 
