@@ -17,23 +17,32 @@
 namespace tarn::test {
 
 /// Fills a rule database in a few lines. Every mark belongs to the parameter or child named last, and every parameter
-/// and child to the object named last. Entries are in the database at the end of the statement.
+/// and child to the object named last.
 ///
-///     PhysicsData data;
-///     Rules(data)
-///         .object("/Case")
-///         .param("Flow Regime").required().contextRule().allowed({"Laminar", "Turbulent"}).byDefault("Laminar")
-///         .param("Turbulence Intensity").type(TDFParam::Real).inContexts({"Turbulent"}).bounds("0", "1")
-///         .child("Domain").required().allowedNames({"rotor", "stator"})
-///         .child("Solver").singleton()
-///         .object("/Case/Domain")
-///         .param("Motion").allowed({"Stationary", "Rotating"})
-///         .param("Speed").type(TDFParam::Real).availableWhen(when("Motion", "Rotating"));
+///     struct PumpRules : PhysicsData {
+///       PumpRules() {
+///         Rules rules(*this);
+///         rules.object("/Case");
+///         rules.param("Flow Regime").required().contextRule().allowed({"Laminar", "Turbulent"}).byDefault("Laminar");
+///         rules.param("Turbulence Intensity").type(TDFParam::Real).inContexts({"Turbulent"}).bounds("0", "1");
+///         rules.child("Domain").required().allowedNames({"rotor", "stator"});
+///         rules.child("Solver").singleton();
+///         rules.object("/Case/Domain");
+///         rules.param("Motion").allowed({"Stationary", "Rotating"});
+///         rules.param("Speed").type(TDFParam::Real).availableWhen(when("Motion", "Rotating"));
+///       }
+///     };
+///
+/// The entry named last is in the database when the next one is named or the `Rules` goes, so a statement of its own
+/// has done its work at its semicolon:
+///
+///     Rules(data, "/Case/Domain").param("Motion").required().child("Boundary");
 ///
 /// A mark where it does not belong, and a name that the object has already, fail the test.
 class Rules {
  public:
   explicit Rules(PhysicsData& data) : data_(data) {}
+  Rules(PhysicsData& data, std::string const& typePath) : Rules(data) { object(typePath); }
   Rules(Rules const&) = delete;
   Rules& operator=(Rules const&) = delete;
   ~Rules() { finishEntry(); }
