@@ -273,6 +273,43 @@ TEST_F(PhysicsValidator2OnMissingObjects, RulesSeeThePlaceholderForAsLongAsItIsT
               ElementsAre("/Case a", "/Case/Solver solver a", "/Case/Domain:b b a", "/Case/Domain:a a", "/Case a"));
 }
 
+TEST_F(PhysicsValidator2OnMissingObjects, RulesInAPlaceholderSeeWhatItWouldHaveToHold) {
+  Strings seen;
+  requiredSolver();
+  rule("/Case/Solver", Child("Time").singleton().required(), Child("Level").required().names({"fine"}),
+       Child("Optional").singleton(), Child("Unavailable").singleton().required().unavailable(),
+       Child("Last").when([&seen](std::string const& objPath, EvalContext& evalContext) {
+         evalContext.getDB()->getChildObjectPaths(objPath, seen);
+         return true;
+       }));
+  EXPECT_THAT(faults(pump_), IsEmpty());
+  EXPECT_THAT(seen, ElementsAre("/Case/Solver/Time", "/Case/Solver/Level:fine"));
+}
+
+TEST_F(PhysicsValidator2OnMissingObjects, BehindAGroupRulesReadTheModelAloneAgain) {
+  std::string scheme;
+  std::string speed;
+  rule("/Case", Child("Solver").singleton().required(), Child("Domain").required().names({"rotor"}),
+       Child("Output").when([&](std::string const&, EvalContext& evalContext) {
+         scheme = evalContext.getDB()->getParameterValue("/Case/Solver Control", "Scheme");
+         speed = evalContext.getDB()->getParameterValue("/Case/Domain:stator/Motion:rotor", "Speed");
+         return true;
+       }));
+  EXPECT_THAT(faults({{"/Case/Solver Control", {{"Scheme", "Upwind"}}},
+                      {"/Case/Domain:stator/Motion:rotor", {{"Speed", "120"}}}}),
+              ElementsAre("/Case | The object \"/Case\" contains the following object: \"stator\" whose name is not in "
+                          "the set of those allowed: \"rotor\"."));
+  EXPECT_EQ(scheme, "Upwind");
+  EXPECT_EQ(speed, "120");
+}
+
+TEST_F(PhysicsValidator2OnMissingObjects, NamesOfOneGroupAreNothingToTheNext) {
+  rule("/Case", Child("Domain").required().names({"rotor"}), Child("Solver").singleton().required());
+  rule("/Case/Solver", Child("Level").required().names({"fine"}));
+  rule("/Case/Solver/Level", Param("Sweeps"));
+  EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
+}
+
 TEST_F(PhysicsValidator2OnMissingObjects, TheValidatedModelIsLeftAsItWas) {
   requiredSolver();
   rule("/Case/Solver", Child("Time").singleton().required());

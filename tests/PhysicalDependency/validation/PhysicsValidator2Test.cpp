@@ -274,6 +274,12 @@ TEST_F(PhysicsValidator2, AModelThatCannotBeReadIsNotTakenForAKnownOne) {
   EXPECT_THAT(loggedFaults(), ElementsAre(noRegime, strayMotion));
 }
 
+TEST_F(PhysicsValidator2, OfAModelThatCannotBeReadNothingIsLeft) {
+  countedRules();
+  EXPECT_THROW(validate({{"/Case", {{"Motion", "on"}}}, {"/Case//Domain", {}}}), Error);
+  EXPECT_THAT(faults({}), ElementsAre(noRegime));
+}
+
 TEST_F(PhysicsValidator2, TheDumpShowsTheModelAsTheRulesSeeIt) {
   countedRules();
   validate({{"/Case", {{"Motion", "on"}, {"Regime", ""}}},
