@@ -37,36 +37,42 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::FilteredState {
   };
   std::vector<Stretch> stretches;
 
-  /// A line for each parameter, in map order. Objects without parameters give no text.
-  [[nodiscard]] std::string toText() const;
+  /// Makes `text` the text of this state, and returns whether it was another. The text is a line for each parameter, in
+  /// map order; objects without parameters give none.
+  bool updateText(std::string & text) const;
+};
 
- private:
-  template <typename Visit>
-  void forEachParam(Visit visit) const {
-    for (Stretch const& stretch : stretches) {
-      for (auto object = stretch.begin; object != stretch.end; ++object) {
-        for (auto const& [name, value] : object->second) visit(object->first, name, value);
+/// Compares for as long as the two agree and writes only from there on: a large model is most often the same as before.
+bool PhysicsValidator2::FilteredState::updateText(std::string& text) const {
+  std::size_t agreed = 0;
+  bool same = true;
+  auto const put = [&](std::string_view piece) {
+    if (same) {
+      same = text.compare(agreed, piece.size(), piece) == 0;
+      if (same) {
+        agreed += piece.size();
+        return;
+      }
+      text.resize(agreed);
+    }
+    text += piece;
+  };
+  for (Stretch const& stretch : stretches) {
+    for (auto object = stretch.begin; object != stretch.end; ++object) {
+      for (auto const& [name, value] : object->second) {
+        put(object->first);
+        put("/");
+        put(name);
+        put("=");
+        put(value);
+        put("\n");
       }
     }
   }
-};
-
-std::string PhysicsValidator2::FilteredState::toText() const {
-  std::size_t size = 0;
-  forEachParam([&](std::string const& path, std::string const& name, std::string const& value) {
-    size += path.size() + name.size() + value.size() + 3;
-  });
-  std::string text;
-  text.reserve(size);
-  forEachParam([&](std::string const& path, std::string const& name, std::string const& value) {
-    text += path;
-    text += '/';
-    text += name;
-    text += '=';
-    text += value;
-    text += '\n';
-  });
-  return text;
+  if (!same) return true;
+  bool const wasLonger = agreed != text.size();
+  text.resize(agreed);
+  return wasLonger;
 }
 
 /// What lives as long as one run, and what of the validator points at it.
@@ -103,8 +109,9 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
 PhysicsValidator2::PhysicsValidator2(PhysicsData const* rules)
     : DependencyAnalyser(rules),
       rootTypes_(rules->getPertinentGlobalCheckRoots().begin(), rules->getPertinentGlobalCheckRoots().end()),
-      filteredTree_(true),
-      missingTree_(true),
+      // The trees are only ever loaded and read, and a log of a large load costs more than the load.
+      filteredTree_(false),
+      missingTree_(false),
       missingRecord_(std::make_unique<MissingObjRecord>()) {
   for (std::string const& name : rules->getGlobalCheckNames())
     globalChecks_.push_back(rules->getGlobalCheck(name, true));
@@ -175,14 +182,11 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
     getFilteredState(state, filtered);
   }
 
-  std::string text = filtered.toText();
-  if (text == lastStateText_) return;
-
-  lastStateText_ = std::move(text);
-  status_ = ValStatusClean;
-  dependencyChecksDone_ = false;
-  globalChecksDone_ = false;
   try {
+    if (!filtered.updateText(lastStateText_)) return;
+    status_ = ValStatusClean;
+    dependencyChecksDone_ = false;
+    globalChecksDone_ = false;
     logger_->reset();
     loadFilteredTree(filtered);
   } catch (...) {

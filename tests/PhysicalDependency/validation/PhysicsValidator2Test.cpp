@@ -193,6 +193,41 @@ TEST_F(PhysicsValidator2, ValuesAreComparedAsTheyAreGiven) {
   EXPECT_EQ(regimeAsked_, 3);
 }
 
+TEST_F(PhysicsValidator2, AModelThatGrewOrShrankAtItsEndIsAnotherOne) {
+  countedRules();
+  ModelState const model = {{"/Case", {{"Motion", "on"}}}};
+  validate(model);
+  validate({{"/Case", {{"Motion", "on"}, {"Regime", "Laminar"}}}});
+  EXPECT_EQ(regimeAsked_, 2);
+  EXPECT_EQ(validate(model), Validator::ValAllErrors);
+  EXPECT_EQ(regimeAsked_, 3);
+  EXPECT_EQ(validate({}), Validator::ValAllErrors);
+  EXPECT_THAT(loggedFaults(), ElementsAre(noRegime));
+  EXPECT_EQ(regimeAsked_, 4);
+}
+
+TEST_F(PhysicsValidator2, WhatALoggerThrowsReachesTheCallerAndTheModelIsJudgedAnew) {
+  class BrokenLogger final : public BasicPhysicsErrorLogger {
+   public:
+    void reset() override {
+      if (broken) throw std::runtime_error("disk full");
+      BasicPhysicsErrorLogger::reset();
+    }
+    bool broken = false;
+  };
+  countedRules();
+  BrokenLogger logger;
+  validator().setLogger(&logger);
+  ModelState const model = {{"/Case", {{"Motion", "on"}}}};
+  validate(model);
+  logger.broken = true;
+  EXPECT_THROW(validate({{"/Case", {{"Regime", "Laminar"}}}}), std::runtime_error);
+  logger.broken = false;
+  EXPECT_EQ(validate(model), Validator::ValAllErrors);
+  EXPECT_EQ(regimeAsked_, 2);
+  EXPECT_EQ(logger.getDependencyErrors().size(), 2U);
+}
+
 TEST_F(PhysicsValidator2, AFirstModelInWhichNothingCountsIsTakenForAKnownOne) {
   countedRules();
   logger_.logGlobalError(PhysicsErrorMsg("of somebody else"));
