@@ -74,6 +74,10 @@ class TARN_EXPORT PathPattern {
   /// steps to a single object only the last is asked for, by `hasObject`.
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, ModelTDF const& model) const;
 
+  /// What the pattern names when it is used in the context of each object that `base` names, as one pattern seen from
+  /// where `base` is seen. Where `^` cannot be told from the components of `base`, the result names more, never less.
+  [[nodiscard]] PathPattern seenFrom(PathPattern const& base) const;
+
   /// The pattern as text that parses back to it.
   [[nodiscard]] std::string text() const;
 

@@ -14,7 +14,7 @@ enum class Severity { Error, Warning };
 struct TARN_EXPORT Diagnostic {
   /// The file, as it was named to the loader.
   std::string source;
-  /// From 1; the column counts characters, not bytes.
+  /// From 1; the column counts characters, not bytes. Both are 0 when the diagnostic is about the file as a whole.
   std::size_t line = 1;
   std::size_t column = 1;
   Severity severity = Severity::Error;

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <tarn/GlobalCheck.h>
+#include <tarn/RuleExpressions.h>
+
+#include "expression/Expression.h"
+
+// Expressions in the form in which a rule database holds them. Rules that are written alike share one parsed expression.
+
+namespace tarn::rules {
+
+struct Compiled {
+  ExpressionPtr expression;
+  std::string source;
+};
+
+using CompiledPtr = std::shared_ptr<Compiled const>;
+
+template <typename Base>
+class CompiledRule : public Base {
+ public:
+  explicit CompiledRule(CompiledPtr compiled) : compiled_(std::move(compiled)) {}
+
+  void collectReads(RuleReads& reads) const override { compiled_->expression->collectReads(reads, PathPattern()); }
+  [[nodiscard]] std::string sourceText() const override { return compiled_->source; }
+
+ protected:
+  [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
+  [[nodiscard]] static Frame frame(TDFContext const& context, EvalContext* evalContext) {
+    return Frame{*evalContext->getDB(), context, evalContext};
+  }
+
+ private:
+  CompiledPtr compiled_;
+};
+
+class CompiledCondition final : public CompiledRule<Condition> {
+ public:
+  using CompiledRule::CompiledRule;
+  [[nodiscard]] bool evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    return expression().truth(frame(context, evalContext));
+  }
+};
+
+class CompiledText final : public CompiledRule<TextExpression> {
+ public:
+  using CompiledRule::CompiledRule;
+  [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    return expression().text(frame(context, evalContext));
+  }
+};
+
+class CompiledList final : public CompiledRule<ListExpression> {
+ public:
+  using CompiledRule::CompiledRule;
+  [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    return expression().list(frame(context, evalContext));
+  }
+};
+
+/// A condition on the whole model, evaluated at its root, with the text that tells of its failure.
+class CompiledGlobalCheck final : public CompiledRule<GlobalCheck> {
+ public:
+  CompiledGlobalCheck(CompiledPtr condition, std::unique_ptr<TextExpression> message)
+      : CompiledRule(std::move(condition)), message_(std::move(message)) {}
+
+  [[nodiscard]] std::pair<bool, PhysicsErrorMsg> evaluate(EvalContext* evalContext) const override {
+    TDFContext const root{std::string{}};
+    if (expression().truth(frame(root, evalContext))) return {true, PhysicsErrorMsg(std::string{})};
+    return {false, PhysicsErrorMsg(message_->evaluate(root, evalContext))};
+  }
+
+  void collectReads(RuleReads& reads) const override {
+    CompiledRule::collectReads(reads);
+    message_->collectReads(reads);
+  }
+
+ private:
+  std::unique_ptr<TextExpression> message_;
+};
+
+}  // namespace tarn::rules

@@ -1,0 +1,318 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tarn/PathPattern.h>
+#include <tarn/PhysicsData.h>
+
+#include "expression/Expression.h"
+
+// The kinds of node that a parsed expression consists of. What each one means is said in the rule reference; here is how
+// its result is had.
+
+namespace tarn::rules {
+
+class NamedRule;
+
+/// Wraps the costly context-free parts of `expression` that lie as high as possible in `Kept`. Named rules must be bound.
+/// A set of objects is not kept by itself: its paths would be copied out of the cache each time.
+[[nodiscard]] ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
+
+/// A text, number or truth value as written.
+class Literal final : public Expression {
+ public:
+  Literal(Range range, std::string text) : Expression(Kind::Text, range), text_(std::move(text)) {}
+  Literal(Range range, double number) : Expression(Kind::Number, range), number_(number) {}
+  Literal(Range range, bool truth) : Expression(Kind::Truth, range), truth_(truth) {}
+
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+  [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override;
+  [[nodiscard]] Dependence dependence() const override { return {}; }
+  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+
+  [[nodiscard]] std::string const& rawText() const noexcept { return text_; }
+
+ private:
+  std::string text_;
+  double number_ = 0;
+  bool truth_ = false;
+};
+
+/// A list written out. Its items are texts or values.
+class ListLiteral final : public Expression {
+ public:
+  ListLiteral(Range range, std::vector<ExpressionPtr> items);
+
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] std::vector<Expression const*> operands() const override;
+  /// The items, when all are texts written out; else empty.
+  [[nodiscard]] SharedStrings const& fixedItems() const noexcept { return fixed_; }
+
+ private:
+  std::vector<ExpressionPtr> items_;  // empty when all are literals: then the list is
+  SharedStrings fixed_;
+};
+
+/// A list whose items count only while their conditions hold.
+class GuardedList final : public Expression {
+ public:
+  struct Item {
+    ExpressionPtr value;
+    ExpressionPtr when;  // null: always
+  };
+  explicit GuardedList(std::vector<Item> items) : Expression(Kind::List, {}), items_(std::move(items)) {}
+
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] std::vector<Expression const*> operands() const override;
+
+ private:
+  std::vector<Item> items_;
+};
+
+/// `${path/Name}`.
+class ParameterReference final : public Expression {
+ public:
+  ParameterReference(Range range, PathPattern objects, std::string name, PhysicsData const* data)
+      : Expression(Kind::Value, range), objects_(std::move(objects)), name_(std::move(name)), data_(data) {
+    local_ = objects_.start() == PathPattern::Start::Context && objects_.steps().empty();
+    fixed_ = objects_.isSingle() && objects_.isAbsolute() &&
+             objects_.resolve(TDFContext(std::string{}), fixedPath_);
+  }
+
+  [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+  [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+
+  /// The parameter is there, in one of the objects that the path matches.
+  [[nodiscard]] bool exists(Frame const& frame) const;
+  /// The values of all parameters that the path matches and the model holds.
+  [[nodiscard]] std::vector<std::string> values(Frame const& frame) const;
+  /// The type that the rules declare for it, seen from the frame; nothing when they don't.
+  [[nodiscard]] std::optional<TDFParam::Type> declaredType(Frame const& frame) const;
+
+  [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
+  [[nodiscard]] std::string const& name() const noexcept { return name_; }
+
+ private:
+  /// The object, or null when the path leads nowhere. `buffer` keeps the text where it has to be made.
+  [[nodiscard]] std::string const* objectPath(Frame const& frame, std::string& buffer) const;
+
+  PathPattern objects_;
+  std::string name_;
+  PhysicsData const* data_;
+  std::string fixedPath_;
+  bool local_ = false;  // of the context object itself
+  bool fixed_ = false;  // of the object at fixedPath_, whatever the context
+};
+
+/// `{pattern}`.
+class ObjectSet final : public Expression {
+ public:
+  ObjectSet(Range range, PathPattern pattern) : Expression(Kind::Objects, range), pattern_(std::move(pattern)) {}
+
+  [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  /// At least one object matches.
+  [[nodiscard]] bool exists(Frame const& frame) const;
+  [[nodiscard]] PathPattern const& pattern() const noexcept { return pattern_; }
+
+ private:
+  PathPattern pattern_;
+};
+
+/// A node over operands, whose dependence and reads are those of its operands.
+class Operation : public Expression {
+ public:
+  Operation(Kind kind, Range range, std::vector<ExpressionPtr> operands)
+      : Expression(kind, range), operands_(std::move(operands)) {}
+
+  [[nodiscard]] Dependence dependence() const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] std::vector<Expression const*> operands() const override;
+
+ protected:
+  [[nodiscard]] Expression const& operand(std::size_t i) const { return *operands_[i]; }
+  [[nodiscard]] std::size_t size() const noexcept { return operands_.size(); }
+
+ private:
+  friend ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
+  std::vector<ExpressionPtr> operands_;
+};
+
+/// `not`, `and`, `or`, `implies`.
+class Logic final : public Operation {
+ public:
+  enum class Operator { Not, And, Or, Implies };
+  Logic(Operator op, Range range, std::vector<ExpressionPtr> operands)
+      : Operation(Kind::Truth, range, std::move(operands)), operator_(op) {}
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] Operator op() const noexcept { return operator_; }
+
+ private:
+  Operator operator_;
+};
+
+/// `==`, `!=` and the order comparisons.
+class Comparison final : public Operation {
+ public:
+  enum class Operator { Equal, NotEqual, Less, LessEqual, Greater, GreaterEqual };
+  Comparison(Operator op, Range range, std::vector<ExpressionPtr> operands);
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] Operator op() const noexcept { return operator_; }
+  [[nodiscard]] Expression const& left() const { return operand(0); }
+  [[nodiscard]] Expression const& right() const { return operand(1); }
+
+ private:
+  enum class Mode { Truth, Number, Text, Parameters };
+  [[nodiscard]] bool equal(Frame const& frame) const;
+
+  Operator operator_;
+  Mode mode_;
+};
+
+/// `in` and `not in`.
+class Membership final : public Operation {
+ public:
+  Membership(bool negated, Range range, std::vector<ExpressionPtr> operands)
+      : Operation(Kind::Truth, range, std::move(operands)), negated_(negated) {}
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] bool negated() const noexcept { return negated_; }
+  [[nodiscard]] Expression const& item() const { return operand(0); }
+  [[nodiscard]] Expression const& items() const { return operand(1); }
+
+ private:
+  bool negated_;
+};
+
+/// A chain of `+` and `-`, or of `*` and `/`, from the left. From the first term on that makes it a text, it joins.
+class Arithmetic final : public Operation {
+ public:
+  /// `operators[i]` stands before operand `i`; the first is not looked at. `numeric` is the number of leading operands
+  /// that are added up as numbers; the others are joined to that as texts.
+  Arithmetic(Kind kind, Range range, std::vector<ExpressionPtr> operands, std::string operators, std::size_t numeric)
+      : Operation(kind, range, std::move(operands)), operators_(std::move(operators)), numeric_(numeric) {}
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+
+ private:
+  std::string operators_;
+  std::size_t numeric_;
+};
+
+/// Unary `-`.
+class Negation final : public Operation {
+ public:
+  Negation(Range range, std::vector<ExpressionPtr> operands)
+      : Operation(Kind::Number, range, std::move(operands)) {}
+  [[nodiscard]] double number(Frame const& frame) const override { return -operand(0).number(frame); }
+};
+
+/// `if(c, a, b)`: gives its branch in whatever form it is asked for.
+class Choice final : public Operation {
+ public:
+  using Operation::Operation;
+  [[nodiscard]] bool truth(Frame const& frame) const override { return chosen(frame).truth(frame); }
+  [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override { return chosen(frame).logical(frame); }
+  [[nodiscard]] double number(Frame const& frame) const override { return chosen(frame).number(frame); }
+  [[nodiscard]] std::string text(Frame const& frame) const override { return chosen(frame).text(frame); }
+  [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override {
+    return chosen(frame).textIn(frame, buffer);
+  }
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override { return chosen(frame).list(frame); }
+  [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override {
+    return chosen(frame).objects(frame);
+  }
+
+ private:
+  [[nodiscard]] Expression const& chosen(Frame const& frame) const {
+    return operand(0).truth(frame) ? operand(1) : operand(2);
+  }
+};
+
+/// `count`, `any`, `all` and `filter`: a set of objects, and for all but a plain count a condition that is evaluated in
+/// the context of each.
+class Quantifier final : public Operation {
+ public:
+  enum class Operator { Count, Any, All, Filter };
+  Quantifier(Operator op, Range range, std::vector<ExpressionPtr> operands);
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  [[nodiscard]] PathPattern operandBase(std::size_t i, PathPattern const& base) const override;
+
+ private:
+  [[nodiscard]] bool holds(Frame const& frame, std::string const& path) const;
+
+  Operator operator_;
+};
+
+/// A function of plain values: everything that needs no context of its own.
+class FunctionCall final : public Operation {
+ public:
+  enum class Function : std::uint8_t {
+    Exists, Names, Paths, Values, Name, Type, Path, Size, First, Join, Unique, Union, Intersection, Difference,
+    Min, Max, Sum, Abs, Floor, Ceil, Round, Number, Text, Lower, Upper, Trim, StartsWith, EndsWith, Contains
+  };
+  FunctionCall(Function function, Kind kind, Range range, std::vector<ExpressionPtr> operands)
+      : Operation(kind, range, std::move(operands)), function_(function) {}
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] Function function() const noexcept { return function_; }
+
+ private:
+  [[nodiscard]] std::string identity(Frame const& frame) const;
+  [[nodiscard]] double listNumber(Frame const& frame) const;
+  [[nodiscard]] std::vector<std::string> combined(Frame const& frame) const;
+
+  Function function_;
+};
+
+/// `check('name')` and `list('name')`.
+class NamedCall final : public Expression {
+ public:
+  NamedCall(Kind kind, Range range, NamedRule const* rule) : Expression(kind, range), rule_(rule) {}
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+  [[nodiscard]] Dependence dependence() const override;
+  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] NamedRule const& rule() const noexcept { return *rule_; }
+
+ private:
+  NamedRule const* rule_;
+};
+
+/// A part whose result is the same in every context of a walk, and worth keeping in the cache of the evaluation.
+class Kept final : public Operation {
+ public:
+  explicit Kept(ExpressionPtr inner);
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override { return truth(frame); }
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+  [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+
+ private:
+  template <typename Result, typename Evaluate>
+  Result kept(Frame const& frame, Evaluate evaluate) const;
+};
+
+}  // namespace tarn::rules

@@ -1,0 +1,749 @@
+// A parser by recursive descent, one operation for each level of binding. Levels of nesting are counted, so that no input
+// can exhaust the stack, here or in what walks the tree later. Chains of one operator make one node with many operands and
+// count for nothing. A fault of syntax ends the parsing by way of a private exception; faults of kind are gathered.
+
+#include "expression/Parser.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <tarn/StringUtilities.h>
+
+#include "expression/Lexer.h"
+#include "expression/Nodes.h"
+
+namespace tarn::rules {
+
+namespace {
+
+struct SyntaxFault {
+  Range range;
+  std::string message;
+};
+
+/// What an argument may be.
+enum class Argument { Scalar, Text, Number, Condition, List, Objects, Existing, Pattern, RuleName };
+
+using Function = FunctionCall::Function;
+
+struct Signature {
+  std::string_view name;
+  std::size_t least;
+  std::size_t most;
+  std::array<Argument, 3> arguments;  // of more arguments, the last is repeated
+  Kind result;
+  Function function = Function::Exists;  // of those that are plain functions
+  enum class Form { Plain, Quantifier, If, Check, List } form = Form::Plain;
+  Quantifier::Operator quantifier = Quantifier::Operator::Any;
+};
+
+constexpr std::size_t anyNumber = 1000;
+
+using A = Argument;
+using F = Function;
+constexpr auto signatures = std::to_array<Signature>({
+    {"exists", 1, 1, {A::Existing}, Kind::Truth, F::Exists},
+    {"count", 1, 2, {A::Objects, A::Condition}, Kind::Number, F::Exists, Signature::Form::Quantifier,
+     Quantifier::Operator::Count},
+    {"any", 2, 2, {A::Objects, A::Condition}, Kind::Truth, F::Exists, Signature::Form::Quantifier,
+     Quantifier::Operator::Any},
+    {"all", 2, 2, {A::Objects, A::Condition}, Kind::Truth, F::Exists, Signature::Form::Quantifier,
+     Quantifier::Operator::All},
+    {"filter", 2, 2, {A::Objects, A::Condition}, Kind::Objects, F::Exists, Signature::Form::Quantifier,
+     Quantifier::Operator::Filter},
+    {"names", 1, 1, {A::Objects}, Kind::List, F::Names},
+    {"paths", 1, 1, {A::Objects}, Kind::List, F::Paths},
+    {"values", 1, 1, {A::Pattern}, Kind::List, F::Values},
+    {"name", 0, 1, {A::Objects}, Kind::Text, F::Name},
+    {"type", 0, 1, {A::Objects}, Kind::Text, F::Type},
+    {"path", 0, 1, {A::Objects}, Kind::Text, F::Path},
+    {"size", 1, 1, {A::List}, Kind::Number, F::Size},
+    {"first", 1, 1, {A::List}, Kind::Text, F::First},
+    {"join", 2, 2, {A::List, A::Text}, Kind::Text, F::Join},
+    {"unique", 1, 1, {A::List}, Kind::List, F::Unique},
+    {"union", 1, anyNumber, {A::List, A::List, A::List}, Kind::List, F::Union},
+    {"intersection", 2, 2, {A::List, A::List}, Kind::List, F::Intersection},
+    {"difference", 2, 2, {A::List, A::List}, Kind::List, F::Difference},
+    {"min", 1, 1, {A::List}, Kind::Number, F::Min},
+    {"max", 1, 1, {A::List}, Kind::Number, F::Max},
+    {"sum", 1, 1, {A::List}, Kind::Number, F::Sum},
+    {"abs", 1, 1, {A::Number}, Kind::Number, F::Abs},
+    {"floor", 1, 1, {A::Number}, Kind::Number, F::Floor},
+    {"ceil", 1, 1, {A::Number}, Kind::Number, F::Ceil},
+    {"round", 1, 1, {A::Number}, Kind::Number, F::Round},
+    {"number", 1, 1, {A::Scalar}, Kind::Number, F::Number},
+    {"text", 1, 1, {A::Scalar}, Kind::Text, F::Text},
+    {"lower", 1, 1, {A::Text}, Kind::Text, F::Lower},
+    {"upper", 1, 1, {A::Text}, Kind::Text, F::Upper},
+    {"trim", 1, 1, {A::Text}, Kind::Text, F::Trim},
+    {"starts_with", 2, 2, {A::Text, A::Text}, Kind::Truth, F::StartsWith},
+    {"ends_with", 2, 2, {A::Text, A::Text}, Kind::Truth, F::EndsWith},
+    {"contains", 2, 2, {A::Text, A::Text}, Kind::Truth, F::Contains},
+    {"if", 3, 3, {A::Condition, A::Scalar, A::Scalar}, Kind::Value, F::Exists, Signature::Form::If},
+    {"check", 1, 1, {A::RuleName}, Kind::Truth, F::Exists, Signature::Form::Check},
+    {"list", 1, 1, {A::RuleName}, Kind::List, F::Exists, Signature::Form::List},
+});
+
+Signature const* findSignature(std::string_view name) {
+  auto const* const found = std::find_if(signatures.begin(), signatures.end(),
+                                         [&](Signature const& signature) { return signature.name == name; });
+  return found == signatures.end() ? nullptr : found;
+}
+
+std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+std::string orNear(std::string const& near) { return near.empty() ? std::string{} : "; did you mean '" + near + "'?"; }
+
+template <typename Map>
+std::vector<std::string> keysOf(Map const& map) {
+  std::vector<std::string> keys;
+  keys.reserve(map.size());
+  for (auto const& entry : map) keys.push_back(entry.first);
+  return keys;
+}
+
+bool isLiteral(Expression const& expression) { return dynamic_cast<Literal const*>(&expression) != nullptr; }
+
+class Parser {
+ public:
+  Parser(std::string_view text, NamedRules const& named, PhysicsData const* data, ParserLimits const& limits)
+      : text_(text), lexer_(text), named_(named), data_(data), limits_(limits) {}
+
+  ParsedExpression parse(Role role) {
+    ParsedExpression result;
+    try {
+      if (text_.size() > limits_.length) {
+        throw SyntaxFault{{limits_.length, 1},
+                          "the expression is longer than " + std::to_string(limits_.length) + " characters"};
+      }
+      advance();
+      if (token_.kind == TokenKind::End) throw SyntaxFault{{0, text_.size()}, "an expression is missing"};
+      result.expression = implication();
+      if (token_.kind != TokenKind::End) unexpected();
+      requireRole(*result.expression, role);
+    } catch (SyntaxFault& fault) {
+      issues_.push_back({fault.range, std::move(fault.message)});
+    }
+    if (!issues_.empty()) result.expression = nullptr;
+    std::stable_sort(issues_.begin(), issues_.end(),
+                     [](Issue const& a, Issue const& b) { return a.range.offset < b.range.offset; });
+    result.issues = std::move(issues_);
+    result.calls = std::move(calls_);
+    return result;
+  }
+
+ private:
+  /// Counts the levels of nesting for as long as it lives.
+  class Level {
+   public:
+    explicit Level(Parser& parser) : parser_(parser) {
+      if (++parser_.depth_ > parser_.limits_.depth) {
+        throw SyntaxFault{parser_.token_.range, "the expression is nested deeper than " +
+                                                    std::to_string(parser_.limits_.depth) +
+                                                    " levels; move a part of it into a named check"};
+      }
+    }
+    Level(Level const&) = delete;
+    Level& operator=(Level const&) = delete;
+    ~Level() { --parser_.depth_; }
+
+   private:
+    Parser& parser_;
+  };
+
+  void advance() {
+    SyntaxFault fault;
+    last_ = token_.range;
+    if (!lexer_.next(token_, fault.range, fault.message)) throw fault;
+  }
+
+  [[nodiscard]] bool isSymbol(std::string_view symbol) const {
+    return token_.kind == TokenKind::Symbol && token_.text == symbol;
+  }
+  [[nodiscard]] bool isWord(std::string_view word) const {
+    return token_.kind == TokenKind::Word && token_.text == word;
+  }
+
+  [[noreturn]] void unexpected() const {
+    if (token_.kind == TokenKind::End) {
+      throw SyntaxFault{{text_.size(), 1}, "the expression ends where something is missing"};
+    }
+    if (isSymbol(")")) throw SyntaxFault{token_.range, "')' has no '(' before it"};
+    if (token_.kind == TokenKind::Word && findSignature(token_.text) == nullptr) {
+      throw SyntaxFault{token_.range, "an operator is missing before " + inQuotes(token_.text) + operatorHint(token_.text)};
+    }
+    throw SyntaxFault{token_.range, "an operator is missing before this"};
+  }
+
+  [[nodiscard]] static std::string operatorHint(std::string const& word) {
+    auto const lowered = [](std::string text) {
+      for (auto& c : text) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+      }
+      return text;
+    }(word);
+    for (std::string_view const known : {"and", "or", "not", "in", "implies"}) {
+      if (lowered == known) return "; did you mean '" + std::string(known) + "'?";
+    }
+    return {};
+  }
+
+  void expectSymbol(std::string_view symbol, std::string_view purpose) {
+    if (!isSymbol(symbol)) {
+      Range const range = token_.kind == TokenKind::End ? Range{text_.size(), 1} : token_.range;
+      throw SyntaxFault{range, inQuotes(symbol) + " is missing " + std::string(purpose)};
+    }
+    advance();
+  }
+
+  void issue(Range range, std::string message) { issues_.push_back({range, std::move(message)}); }
+
+  [[nodiscard]] Range since(std::size_t offset) const { return {offset, last_.offset + last_.length - offset}; }
+
+  // What an operand must be. Each tells of a fault and lets the parsing go on.
+
+  void requireCondition(Expression const& operand) {
+    if (operand.kind() == Kind::Truth || operand.kind() == Kind::Value) return;
+    std::string message = "a condition is needed here, not " + std::string(kindName(operand.kind()));
+    if (operand.kind() == Kind::Objects) {
+      message += "; write exists(...) or any(...)";
+    } else if (operand.kind() == Kind::List) {
+      message += "; write size(...) > 0, or compare with 'in'";
+    } else {
+      message += "; compare it with something";
+    }
+    issue(operand.range(), std::move(message));
+  }
+
+  void requireNumber(Expression const& operand) {
+    bool const computedText = operand.kind() == Kind::Text && !isLiteral(operand);
+    if (operand.kind() == Kind::Number || operand.kind() == Kind::Value || computedText) return;
+    std::string message = "a number is needed here, not " + std::string(kindName(operand.kind()));
+    if (operand.kind() == Kind::Objects) message += "; write count(...) for how many there are";
+    if (operand.kind() == Kind::List) message += "; write size(...) for how many there are";
+    issue(operand.range(), std::move(message));
+  }
+
+  void requireScalar(Expression const& operand) {
+    if (operand.kind() != Kind::List && operand.kind() != Kind::Objects) return;
+    issue(operand.range(),
+          "a single value is needed here, not " + std::string(kindName(operand.kind())) +
+              (operand.kind() == Kind::Objects ? "; write ${...} for the value of a parameter" : ""));
+  }
+
+  void requireText(Expression const& operand) {
+    if (operand.kind() == Kind::Truth) {
+      issue(operand.range(), "a text is needed here, not a truth value; write text(...)");
+    } else {
+      requireScalar(operand);
+    }
+  }
+
+  void requireList(Expression const& operand) {
+    if (operand.kind() == Kind::List || operand.kind() == Kind::Value) return;
+    std::string message = "a list is needed here, not " + std::string(kindName(operand.kind()));
+    if (operand.kind() == Kind::Objects) message += "; write names(...) or paths(...)";
+    if (operand.kind() == Kind::Text && isLiteral(operand)) {
+      message += "; a list of one is written (" + std::string(text_.substr(operand.range().offset, operand.range().length)) +
+                 ",)";
+    }
+    issue(operand.range(), std::move(message));
+  }
+
+  void requireObjects(Expression const& operand) {
+    if (operand.kind() == Kind::Objects) return;
+    std::string message = "a set of objects is needed here, not " + std::string(kindName(operand.kind()));
+    if (dynamic_cast<ParameterReference const*>(&operand) != nullptr) message += "; write {...} without the '$'";
+    issue(operand.range(), std::move(message));
+  }
+
+  void requireRole(Expression const& expression, Role role) {
+    switch (role) {
+      case Role::Condition:
+        requireCondition(expression);
+        break;
+      case Role::Text:
+        requireScalar(expression);
+        break;
+      case Role::List:
+        requireList(expression);
+        break;
+    }
+  }
+
+  // The levels of binding, weakest first.
+
+  ExpressionPtr implication() {
+    Level const level(*this);
+    std::size_t const begin = token_.range.offset;
+    auto left = disjunction();
+    if (!isWord("implies")) return left;
+    advance();
+    auto right = implication();
+    requireCondition(*left);
+    requireCondition(*right);
+    return std::make_unique<Logic>(Logic::Operator::Implies, since(begin), operands(std::move(left), std::move(right)));
+  }
+
+  ExpressionPtr disjunction() { return chain("or", Logic::Operator::Or, &Parser::conjunction); }
+  ExpressionPtr conjunction() { return chain("and", Logic::Operator::And, &Parser::negation); }
+
+  ExpressionPtr chain(std::string_view word, Logic::Operator op, ExpressionPtr (Parser::*operand)()) {
+    std::size_t const begin = token_.range.offset;
+    auto first = (this->*operand)();
+    if (!isWord(word)) return first;
+    requireCondition(*first);
+    std::vector<ExpressionPtr> all;
+    all.push_back(std::move(first));
+    while (isWord(word)) {
+      advance();
+      all.push_back((this->*operand)());
+      requireCondition(*all.back());
+    }
+    return std::make_unique<Logic>(op, since(begin), std::move(all));
+  }
+
+  ExpressionPtr negation() {
+    if (!isWord("not")) return comparison();
+    Level const level(*this);
+    std::size_t const begin = token_.range.offset;
+    advance();
+    auto inner = negation();
+    requireCondition(*inner);
+    return std::make_unique<Logic>(Logic::Operator::Not, since(begin), operands(std::move(inner)));
+  }
+
+  [[nodiscard]] bool isComparison() const {
+    static constexpr std::array<std::string_view, 6> comparisons = {"==", "!=", "<", "<=", ">", ">="};
+    return token_.kind == TokenKind::Symbol &&
+           std::find(comparisons.begin(), comparisons.end(), token_.text) != comparisons.end();
+  }
+
+  ExpressionPtr comparison() {
+    std::size_t const begin = token_.range.offset;
+    auto left = sum();
+    if (isWord("in") || isWord("not")) return membership(std::move(left), begin);
+    if (!isComparison()) return left;
+
+    static constexpr std::array<std::pair<std::string_view, Comparison::Operator>, 6> operators = {
+        {{"==", Comparison::Operator::Equal},
+         {"!=", Comparison::Operator::NotEqual},
+         {"<", Comparison::Operator::Less},
+         {"<=", Comparison::Operator::LessEqual},
+         {">", Comparison::Operator::Greater},
+         {">=", Comparison::Operator::GreaterEqual}}};
+    auto const op = std::find_if(operators.begin(), operators.end(), [&](auto const& entry) {
+                      return entry.first == token_.text;
+                    })->second;
+    advance();
+    auto right = sum();
+    if (isComparison() || isWord("in")) {
+      throw SyntaxFault{token_.range, "comparisons cannot be chained; join two of them by 'and'"};
+    }
+    if (op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual) {
+      for (auto const* operand : {left.get(), right.get()}) {
+        if (operand->kind() == Kind::List) {
+          issue(operand->range(), "a list cannot be compared; use 'in', or size(difference(a, b)) == 0");
+        } else {
+          requireScalar(*operand);
+        }
+      }
+    } else {
+      requireNumber(*left);
+      requireNumber(*right);
+    }
+    return std::make_unique<Comparison>(op, since(begin), operands(std::move(left), std::move(right)));
+  }
+
+  ExpressionPtr membership(ExpressionPtr item, std::size_t begin) {
+    bool const negated = isWord("not");
+    if (negated) {
+      advance();
+      if (!isWord("in")) throw SyntaxFault{last_, "'not' stands before a condition, or before 'in'"};
+    }
+    advance();
+    auto items = sum();
+    if (isComparison() || isWord("in")) {
+      throw SyntaxFault{token_.range, "comparisons cannot be chained; join two of them by 'and'"};
+    }
+    requireText(*item);
+    requireList(*items);
+    return std::make_unique<Membership>(negated, since(begin), operands(std::move(item), std::move(items)));
+  }
+
+  ExpressionPtr sum() {
+    std::size_t const begin = token_.range.offset;
+    auto first = product();
+    if (!isSymbol("+") && !isSymbol("-")) return first;
+    std::vector<ExpressionPtr> terms;
+    std::string operators = "+";
+    terms.push_back(std::move(first));
+    while (isSymbol("+") || isSymbol("-")) {
+      operators += token_.text[0];
+      advance();
+      terms.push_back(product());
+    }
+
+    // A text on either side of a "+" makes the sum so far a text; from there on everything is joined.
+    std::size_t numeric = terms.size();
+    for (std::size_t i = 1; i < terms.size() && numeric == terms.size(); ++i) {
+      bool const text = operators[i] == '+' && (terms[i]->kind() == Kind::Text || (i == 1 && terms[0]->kind() == Kind::Text));
+      if (text) numeric = i;
+    }
+    for (std::size_t i = 0; i < terms.size(); ++i) {
+      if (numeric < terms.size() && (i >= numeric || numeric == 1)) {
+        requireScalar(*terms[i]);
+        if (operators[i] == '-' && i >= numeric) {
+          issue(terms[i]->range(), "'-' is for numbers, but what stands before it is a text");
+        }
+      } else {
+        requireNumber(*terms[i]);
+      }
+    }
+    Kind const kind = numeric < terms.size() ? Kind::Text : Kind::Number;
+    return std::make_unique<Arithmetic>(kind, since(begin), std::move(terms), std::move(operators), numeric);
+  }
+
+  ExpressionPtr product() {
+    std::size_t const begin = token_.range.offset;
+    auto first = unary();
+    if (!isSymbol("*") && !isSymbol("/")) return first;
+    requireNumber(*first);
+    std::vector<ExpressionPtr> factors;
+    std::string operators = "*";
+    factors.push_back(std::move(first));
+    while (isSymbol("*") || isSymbol("/")) {
+      operators += token_.text[0];
+      advance();
+      factors.push_back(unary());
+      requireNumber(*factors.back());
+    }
+    std::size_t const count = factors.size();
+    return std::make_unique<Arithmetic>(Kind::Number, since(begin), std::move(factors), std::move(operators), count);
+  }
+
+  ExpressionPtr unary() {
+    if (!isSymbol("-")) return primary();
+    Level const level(*this);
+    std::size_t const begin = token_.range.offset;
+    advance();
+    auto inner = unary();
+    requireNumber(*inner);
+    return std::make_unique<Negation>(since(begin), operands(std::move(inner)));
+  }
+
+  ExpressionPtr primary() {
+    Token const token = token_;
+    switch (token.kind) {
+      case TokenKind::Number:
+        advance();
+        return std::make_unique<Literal>(token.range, token.number);
+      case TokenKind::Text:
+        advance();
+        return std::make_unique<Literal>(token.range, token.text);
+      case TokenKind::Parameter:
+        return parameter(false);
+      case TokenKind::Objects:
+        return objects();
+      case TokenKind::Word:
+        return word();
+      case TokenKind::Symbol:
+        if (token.text == "(") return parenthesis();
+        throw SyntaxFault{token.range, token.text == "==" || isComparison()
+                                           ? "there is nothing to compare before " + inQuotes(token.text)
+                                           : "a value is missing before " + inQuotes(token.text)};
+      case TokenKind::End:
+        break;
+    }
+    throw SyntaxFault{{text_.size(), 1}, "the expression ends where a value is missing"};
+  }
+
+  [[nodiscard]] Issue patternIssue(Token const& token, PathPattern::Fault const& fault) const {
+    std::size_t const offset = token.contentOffset + fault.offset;
+    return {{offset, fault.length}, fault.message};
+  }
+
+  ExpressionPtr parameter(bool manyAllowed) {
+    Token const token = token_;
+    advance();
+    PathPattern::Fault fault;
+    std::string name;
+    auto pattern = PathPattern::parseParameter(token.text, name, fault);
+    if (!pattern) {
+      issues_.push_back(patternIssue(token, fault));
+      pattern.emplace();
+    } else if (!pattern->isSingle() && !manyAllowed) {
+      issue(token.range, "this can be the parameter of more than one object; only values(...) and exists(...) take that");
+    }
+    return std::make_unique<ParameterReference>(token.range, std::move(*pattern), std::move(name), data_);
+  }
+
+  ExpressionPtr objects() {
+    Token const token = token_;
+    advance();
+    PathPattern::Fault fault;
+    auto pattern = PathPattern::parse(token.text, fault);
+    if (!pattern) {
+      issues_.push_back(patternIssue(token, fault));
+      pattern.emplace();
+    }
+    return std::make_unique<ObjectSet>(token.range, std::move(*pattern));
+  }
+
+  ExpressionPtr parenthesis() {
+    Level const level(*this);
+    std::size_t const begin = token_.range.offset;
+    advance();
+    if (isSymbol(")")) {
+      advance();
+      return std::make_unique<ListLiteral>(since(begin), std::vector<ExpressionPtr>{});
+    }
+    auto first = implication();
+    if (isSymbol(")")) {
+      advance();
+      return first;
+    }
+    if (!isSymbol(",")) expectSymbol(")", "to close the '(' at the beginning of this part");
+    std::vector<ExpressionPtr> items;
+    items.push_back(std::move(first));
+    while (isSymbol(",")) {
+      advance();
+      if (isSymbol(")")) break;
+      items.push_back(implication());
+    }
+    expectSymbol(")", "at the end of the list");
+    for (auto const& item : items) requireItem(*item);
+    return std::make_unique<ListLiteral>(since(begin), std::move(items));
+  }
+
+  void requireItem(Expression const& item) {
+    if (item.kind() == Kind::Text || item.kind() == Kind::Value) return;
+    std::string message = "a list holds texts, not " + std::string(kindName(item.kind()));
+    if (isLiteral(item)) {
+      message += "; write '" + std::string(text_.substr(item.range().offset, item.range().length)) + "'";
+    } else if (item.kind() == Kind::Number || item.kind() == Kind::Truth) {
+      message += "; write text(...)";
+    }
+    issue(item.range(), std::move(message));
+  }
+
+  ExpressionPtr word() {
+    Token const token = token_;
+    advance();
+    if (token.text == "true" || token.text == "false") {
+      return std::make_unique<Literal>(token.range, token.text == "true");
+    }
+    auto const* signature = findSignature(token.text);
+    if (!isSymbol("(")) {
+      for (std::string_view const reserved : {"not", "and", "or", "implies", "in"}) {
+        if (token.text == reserved) throw SyntaxFault{token.range, "a value is missing before " + inQuotes(token.text)};
+      }
+      if (signature != nullptr) {
+        throw SyntaxFault{token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)"};
+      }
+      throw SyntaxFault{token.range, "unknown name " + inQuotes(token.text) + "; a text stands in quotes, '" + token.text +
+                                         "', and a parameter in ${" + token.text + "}"};
+    }
+    if (signature == nullptr) {
+      issue(token.range, "unknown function " + inQuotes(token.text) +
+                             orNear(StringUtilities::nearMatch(token.text, functionNames())));
+      skipArguments();
+      return std::make_unique<Choice>(Kind::Value, since(token.range.offset), std::vector<ExpressionPtr>{});
+    }
+    return call(token, *signature);
+  }
+
+  /// Reads the arguments of a function that does not exist, for the sake of the faults in them.
+  void skipArguments() {
+    Level const level(*this);
+    advance();
+    if (!isSymbol(")")) {
+      for (;;) {
+        if (token_.kind == TokenKind::Parameter) {
+          (void)parameter(true);
+        } else {
+          (void)implication();
+        }
+        if (!isSymbol(",")) break;
+        advance();
+      }
+    }
+    expectSymbol(")", "at the end of the arguments");
+  }
+
+  ExpressionPtr call(Token const& function, Signature const& signature) {
+    Level const level(*this);
+    std::size_t const issuesBefore = issues_.size();
+    advance();
+    std::vector<ExpressionPtr> arguments;
+    NamedCallTarget target;
+    if (!isSymbol(")")) {
+      for (;;) {
+        auto const kind = signature.arguments[std::min<std::size_t>(arguments.size(), signature.arguments.size() - 1)];
+        arguments.push_back(argument(arguments.size() < signature.most ? kind : Argument::Scalar,
+                                     signature, target, arguments.size() < signature.most));
+        if (!isSymbol(",")) break;
+        advance();
+      }
+    }
+    expectSymbol(")", "at the end of the arguments of " + std::string(signature.name));
+    Range const range = since(function.range.offset);
+    if (arguments.size() < signature.least || arguments.size() > signature.most) {
+      issue(range, std::string(signature.name) + " takes " + countText(signature) + ", not " +
+                       std::to_string(arguments.size()));
+      return std::make_unique<Choice>(signature.result, range, std::vector<ExpressionPtr>{});
+    }
+    if (issues_.size() != issuesBefore && signature.form != Signature::Form::If) {
+      return std::make_unique<Choice>(signature.result, range, std::vector<ExpressionPtr>{});
+    }
+    switch (signature.form) {
+      case Signature::Form::Plain:
+        return std::make_unique<FunctionCall>(signature.function, signature.result, range, std::move(arguments));
+      case Signature::Form::Quantifier:
+        return std::make_unique<Quantifier>(signature.quantifier, range, std::move(arguments));
+      case Signature::Form::If:
+        return choice(range, std::move(arguments));
+      case Signature::Form::Check:
+      case Signature::Form::List:
+        calls_.push_back({target.rule, range});
+        return std::make_unique<NamedCall>(signature.result, range, target.rule);
+    }
+    return nullptr;
+  }
+
+  struct NamedCallTarget {
+    NamedRule const* rule = nullptr;
+  };
+
+  ExpressionPtr argument(Argument kind, Signature const& signature, NamedCallTarget& target, bool wanted) {
+    bool const many = kind == Argument::Existing || kind == Argument::Pattern;
+    if (many && token_.kind == TokenKind::Parameter) return parameter(true);
+    if (kind == Argument::RuleName) return ruleName(signature, target);
+
+    auto value = implication();
+    if (!wanted) return value;
+    switch (kind) {
+      case Argument::Scalar:
+        // The branches of a choice may be anything but of different worlds, which is looked at when both are known.
+        if (signature.form != Signature::Form::If) requireScalar(*value);
+        break;
+      case Argument::Text:
+        requireText(*value);
+        break;
+      case Argument::Number:
+        requireNumber(*value);
+        break;
+      case Argument::Condition:
+        requireCondition(*value);
+        break;
+      case Argument::List:
+        requireList(*value);
+        break;
+      case Argument::Objects:
+        requireObjects(*value);
+        break;
+      case Argument::Existing:
+        if (value->kind() != Kind::Objects) {
+          issue(value->range(), "exists takes a parameter, ${...}, or a set of objects, {...}");
+        }
+        break;
+      case Argument::Pattern:
+        issue(value->range(), "values takes a path to a parameter, ${...}");
+        break;
+      case Argument::RuleName:
+        break;
+    }
+    return value;
+  }
+
+  ExpressionPtr ruleName(Signature const& signature, NamedCallTarget& target) {
+    Token const token = token_;
+    bool const check = signature.form == Signature::Form::Check;
+    if (token.kind != TokenKind::Text) {
+      auto value = implication();
+      issue(value->range(), std::string(signature.name) + " takes the name of a " + std::string(signature.name) +
+                                ", written in quotes");
+      return value;
+    }
+    advance();
+    auto const look = [&](auto const& rules) {
+      auto const found = rules.find(token.text);
+      if (found == rules.end()) {
+        issue(token.range, "there is no " + std::string(signature.name) + " " + inQuotes(token.text) +
+                               orNear(StringUtilities::nearMatch(token.text, keysOf(rules))));
+      } else {
+        target.rule = &found->second->rule();
+      }
+    };
+    if (check) {
+      look(named_.checks);
+    } else {
+      look(named_.lists);
+    }
+    return std::make_unique<Literal>(token.range, token.text);
+  }
+
+  ExpressionPtr choice(Range range, std::vector<ExpressionPtr> arguments) {
+    Kind const a = arguments[1]->kind();
+    Kind const b = arguments[2]->kind();
+    Kind kind = a;
+    if (a != b) {
+      bool const lists = (a == Kind::List && b == Kind::Value) || (a == Kind::Value && b == Kind::List);
+      bool const incompatible = a == Kind::Objects || b == Kind::Objects ||
+                                ((a == Kind::List || b == Kind::List) && !lists);
+      if (incompatible) {
+        issue(range, "the two results of if must go together, but one is " + std::string(kindName(a)) +
+                         " and the other " + std::string(kindName(b)));
+      }
+      kind = lists ? Kind::List : Kind::Value;
+    }
+    return std::make_unique<Choice>(kind, range, std::move(arguments));
+  }
+
+  static std::string countText(Signature const& signature) {
+    auto const plural = [](std::size_t count) {
+      return std::to_string(count) + (count == 1 ? " argument" : " arguments");
+    };
+    if (signature.most == anyNumber) return "at least " + plural(signature.least);
+    if (signature.least == signature.most) return plural(signature.least);
+    return std::to_string(signature.least) + " or " + plural(signature.most);
+  }
+
+  template <typename... Ptr>
+  static std::vector<ExpressionPtr> operands(Ptr... ptr) {
+    std::vector<ExpressionPtr> result;
+    result.reserve(sizeof...(ptr));
+    (result.push_back(std::move(ptr)), ...);
+    return result;
+  }
+
+  std::string_view text_;
+  Lexer lexer_;
+  NamedRules const& named_;
+  PhysicsData const* data_;
+  ParserLimits const& limits_;
+  Token token_;
+  Range last_;
+  std::size_t depth_ = 0;
+  std::vector<Issue> issues_;
+  std::vector<RuleCall> calls_;
+};
+
+}  // namespace
+
+std::vector<std::string> const& functionNames() {
+  static std::vector<std::string> const names = [] {
+    std::vector<std::string> result;
+    for (auto const& signature : signatures) result.emplace_back(signature.name);
+    return result;
+  }();
+  return names;
+}
+
+ParsedExpression parseExpression(std::string_view text, Role role, NamedRules const& named, PhysicsData const* data,
+                                 ParserLimits const& limits) {
+  return Parser(text, named, data, limits).parse(role);
+}
+
+}  // namespace tarn::rules

@@ -1,0 +1,576 @@
+// Warnings: what can be loaded and is still doubtful. Each kind is a small operation over the uses of expressions or over the
+// entries of objects. All of them keep silent where the rules leave room: a warning that is often wrong is not read.
+
+#include "lint/Lint.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <set>
+
+#include <tarn/PathUtils.h>
+#include <tarn/StringUtilities.h>
+
+#include "expression/Nodes.h"
+#include "lint/TypeTree.h"
+
+namespace tarn::rules {
+
+namespace {
+
+std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
+  auto const near = StringUtilities::nearMatch(text, candidates);
+  return near.empty() ? std::string{} : "; did you mean " + inQuotes(near) + "?";
+}
+
+/// A model in which nothing exists, for expressions that read nothing.
+class EmptyModel final : public ModelTDF {
+ public:
+  bool hasObject(std::string const& /*path*/) const override { return false; }
+  bool hasParameter(std::string const& /*paramPath*/) const override { return false; }
+  bool hasParameter(std::string const& /*objPath*/, std::string const& /*name*/) const override { return false; }
+  std::string const& getObjectName(std::string const& /*path*/) const override { return empty_; }
+  std::string const& getObjectType(std::string const& /*path*/) const override { return empty_; }
+  std::string const& getParameterValue(std::string const& /*paramPath*/) const override { return empty_; }
+  std::string const& getParameterValue(std::string const& /*objPath*/, std::string const& /*name*/) const override {
+    return empty_;
+  }
+  bool getParamValueAsList(std::string const& /*paramPath*/, std::vector<std::string>& out) const override {
+    return out.clear(), false;
+  }
+  bool getParamValueAsList(std::string const& /*objPath*/, std::string const& /*name*/,
+                           std::vector<std::string>& out) const override {
+    return out.clear(), false;
+  }
+  bool getParameterNames(std::string const& /*path*/, std::vector<std::string>& /*out*/) const override {
+    return false;
+  }
+  bool getChildObjectPaths(std::string const& /*path*/, std::vector<std::string>& out) const override {
+    return out.clear(), false;
+  }
+  bool getChildObjectNamesByType(std::string const& /*path*/, std::string const& /*type*/,
+                                 std::vector<std::string>& out) const override {
+    return out.clear(), false;
+  }
+  bool getChildObjectPathsByType(std::string const& /*path*/, std::string const& /*type*/,
+                                 std::vector<std::string>& out) const override {
+    return out.clear(), false;
+  }
+
+ private:
+  std::string empty_;
+};
+
+bool readsNothing(Expression const& expression) {
+  RuleReads reads;
+  expression.collectReads(reads, PathPattern());
+  return !reads.readsModel() && !reads.contextIdentity;
+}
+
+/// A text that an expression compares a parameter with, and where it stands.
+struct ComparedValue {
+  ParameterReference const* parameter;
+  PathPattern objects;  // seen from the owner of the rule
+  std::string text;
+  std::optional<double> number;  // when it was written as a number
+  Range range;
+};
+
+class Linter {
+ public:
+  Linter(RuleBuilder const& rules, DiagnosticList& diagnostics)
+      : rules_(rules), data_(rules.data()), types_(data_), diagnostics_(diagnostics) {}
+
+  void run() {
+    for (auto const& use : rules_.uses()) {
+      checkPaths(use);
+      checkComparisons(use);
+      checkCondition(use);
+      checkOrder(use);
+    }
+    for (auto const* object : data_.objects()) {
+      for (auto const& param : object->params()) {
+        if (param->valueDef() != nullptr) checkParameter(*object, *param, *param->valueDef());
+      }
+      for (auto const& child : object->children()) checkChild(*object, *child);
+    }
+    for (auto const& [root, place] : rules_.rootPlaces()) {
+      if (data_.getObjDependDef("/" + root, true) == nullptr) {
+        warn(place, "there are no rules for the root type " + inQuotes(root) + orNear(root, types_.childTypes("")));
+      }
+    }
+  }
+
+ private:
+  void warn(Item const& item, std::string message) {
+    diagnostics_.add(Severity::Warning, *item.source, item.node->place(), item.node->shownLength(), std::move(message));
+  }
+
+  void warn(ExpressionUse const& use, Range range, std::string message) {
+    Place const begin = placeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset);
+    Place const end = placeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset + range.length);
+    std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
+    diagnostics_.add(Severity::Warning, *use.item.source, begin, shown, std::move(message));
+  }
+
+  /// What a pattern of this use can name. A named rule is called from anywhere, so everything is tried as its owner.
+  [[nodiscard]] std::set<std::string> resolve(ExpressionUse const& use, PathPattern const& pattern) const {
+    if (use.named == nullptr || pattern.isAbsolute()) return types_.resolve(pattern, use.typePath);
+    std::set<std::string> all;
+    for (auto const& entry : types_.all()) all.merge(types_.resolve(pattern, entry.first));
+    return all;
+  }
+
+  // A path that no rule knows
+
+  void checkPaths(ExpressionUse const& use) {
+    std::vector<PathUse> paths;
+    use.compiled->expression->collectPaths(paths, PathPattern());
+    for (auto const& path : paths) {
+      auto const named = resolve(use, path.pattern);
+      if (named.empty()) {
+        warn(use, path.range, "no rule knows an object at this path" + nearObject(use, path.pattern));
+        continue;
+      }
+      if (path.parameter.empty()) continue;
+      bool known = false;
+      std::vector<std::string> candidates;
+      for (auto const& typePath : named) {
+        auto const* object = data_.getObjDependDef(typePath, true);
+        if (object == nullptr) {
+          // A child without rules of its own, which is told elsewhere; or the root, which has no parameters.
+          known |= !typePath.empty();
+          continue;
+        }
+        known |= object->findParam(path.parameter) != nullptr;
+        for (auto const& param : object->params()) candidates.push_back(param->name);
+      }
+      if (known) continue;
+      std::string const where =
+          named.size() == 1 && use.named == nullptr && !named.begin()->empty() ? " of " + *named.begin() : std::string{};
+      warn(use, path.range,
+           "no rule knows a parameter " + inQuotes(path.parameter) + where + orNear(path.parameter, candidates));
+    }
+  }
+
+  /// A near match for the first type of the pattern that leads nowhere.
+  [[nodiscard]] std::string nearObject(ExpressionUse const& use, PathPattern const& pattern) const {
+    if (use.named != nullptr && !pattern.isAbsolute()) return {};
+    auto const steps = pattern.steps();
+    std::string text = pattern.isAbsolute() ? "/" : "";
+    if (!pattern.isAbsolute() && pattern.start() != PathPattern::Start::Context) return {};
+    std::set<std::string> current = {pattern.isAbsolute() ? std::string{} : use.typePath};
+    for (auto const& step : steps) {
+      if (step.kind != PathPattern::StepKind::Child && step.kind != PathPattern::StepKind::ChildrenOfType) return {};
+      std::set<std::string> next;
+      std::vector<std::string> candidates;
+      for (auto const& path : current) {
+        for (auto const& type : types_.childTypes(path)) {
+          candidates.push_back(type);
+          if (type == step.type) next.insert(path + "/" + type);
+        }
+      }
+      if (next.empty()) return orNear(step.type, candidates);
+      current = std::move(next);
+    }
+    return {};
+  }
+
+  // A parameter compared with what it can never be
+
+  static void collectCompared(Expression const& expression, PathPattern const& base, std::vector<ComparedValue>& out) {
+    if (auto const* comparison = dynamic_cast<Comparison const*>(&expression)) {
+      auto const op = comparison->op();
+      if (op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual) {
+        addCompared(comparison->left(), comparison->right(), base, out);
+        addCompared(comparison->right(), comparison->left(), base, out);
+      }
+    } else if (auto const* membership = dynamic_cast<Membership const*>(&expression)) {
+      auto const* parameter = dynamic_cast<ParameterReference const*>(&membership->item());
+      auto const* list = dynamic_cast<ListLiteral const*>(&membership->items());
+      if (parameter != nullptr && list != nullptr) {
+        for (auto const& item : list->fixedItems()) {
+          out.push_back({parameter, parameter->objectPattern().seenFrom(base), item, std::nullopt, list->range()});
+        }
+      }
+    }
+    auto const parts = expression.operands();
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      collectCompared(*parts[i], expression.operandBase(i, base), out);
+    }
+  }
+
+  static void addCompared(Expression const& one, Expression const& other, PathPattern const& base,
+                          std::vector<ComparedValue>& out) {
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
+    auto const* literal = dynamic_cast<Literal const*>(&other);
+    if (parameter == nullptr || literal == nullptr || literal->kind() == Kind::Truth) return;
+    ComparedValue value{parameter, parameter->objectPattern().seenFrom(base), literal->rawText(), std::nullopt,
+                        literal->range()};
+    if (literal->kind() == Kind::Number) {
+      EmptyModel const model;
+      TDFContext const root{std::string{}};
+      EvalContext evalContext(&model);
+      value.number = literal->number(Frame{model, root, &evalContext});
+      value.text = numberText(*value.number);
+    }
+    out.push_back(std::move(value));
+  }
+
+  /// Why `def` rules out that its parameter ever equals the value; empty when it may. The empty text is what an absent
+  /// parameter equals, so it is always possible.
+  [[nodiscard]] static std::string impossible(ParamValueDef const& def, ComparedValue const& value) {
+    if (value.text.empty() || TDFParam::isListType(def.type)) return {};
+    bool const fixed = def.allowedValueKind == ParamValueDef::FixedAllowedValues && !def.allowsAnyValue;
+    if (fixed) {
+      auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
+      if (list == nullptr) return {};
+      auto const equals = [&](std::string const& item) {
+        return value.number ? TDFParam::asQuantity(item).has_value() && TDFParam::asQuantity(item)->number == *value.number
+                            : item == value.text;
+      };
+      auto const& items = list->items();
+      bool const listed = std::any_of(items.begin(), items.end(), equals);
+      if (listed && !def.unusedValues.contains(value.text)) return {};
+      return (listed ? " is known but never allowed" : " is not among its allowed values") +
+             (listed ? std::string{} : orNear(value.text, items));
+    }
+    if (def.allowedValueKind != ParamValueDef::NoAllowedValues || value.number) return {};
+    if (def.type == TDFParam::Logical && !TDFParam::asLogical(value.text)) return " is no logical value";
+    if ((def.type == TDFParam::Integer || def.type == TDFParam::Real) && !TDFParam::asQuantity(value.text)) {
+      return " is no number";
+    }
+    return {};
+  }
+
+  /// As above, for everything that the compared parameter can be; empty as soon as one may have the value.
+  [[nodiscard]] std::string impossible(ExpressionUse const& use, ComparedValue const& value) const {
+    std::string reason;
+    for (auto const& typePath : resolve(use, value.objects)) {
+      auto const* def = data_.getParamValueDef(typePath, value.parameter->name(), true);
+      if (def == nullptr) continue;
+      reason = impossible(*def, value);
+      if (reason.empty()) return {};
+    }
+    return reason;
+  }
+
+  void checkComparisons(ExpressionUse const& use) {
+    std::vector<ComparedValue> compared;
+    collectCompared(*use.compiled->expression, PathPattern(), compared);
+    for (auto const& value : compared) {
+      auto const reason = impossible(use, value);
+      if (reason.empty()) continue;
+      warn(use, value.range,
+           "the parameter " + inQuotes(value.parameter->name()) + " can never be " + inQuotes(value.text) + ": it" + reason);
+    }
+  }
+
+  // A condition that can never hold
+
+  /// Whether the condition can never hold, as far as its form tells.
+  [[nodiscard]] static bool neverHolds(Expression const& expression) {
+    if (readsNothing(expression)) return !evaluate(expression);
+    auto const* logic = dynamic_cast<Logic const*>(&expression);
+    if (logic == nullptr) {
+      if (dynamic_cast<Kept const*>(&expression) != nullptr) return neverHolds(*expression.operands().front());
+      auto const* membership = dynamic_cast<Membership const*>(&expression);
+      auto const* list = membership != nullptr ? dynamic_cast<ListLiteral const*>(&membership->items()) : nullptr;
+      return list != nullptr && !membership->negated() && list->operands().empty() && list->fixedItems().empty();
+    }
+    auto const parts = logic->operands();
+    switch (logic->op()) {
+      case Logic::Operator::And:
+        return std::any_of(parts.begin(), parts.end(), [](auto const* part) { return neverHolds(*part); }) ||
+               contradicts(parts);
+      case Logic::Operator::Or:
+        return std::all_of(parts.begin(), parts.end(), [](auto const* part) { return neverHolds(*part); });
+      default:
+        return false;
+    }
+  }
+
+  [[nodiscard]] static bool evaluate(Expression const& expression) {
+    EmptyModel const model;
+    TDFContext const root{std::string{}};
+    EvalContext evalContext(&model);
+    return expression.truth(Frame{model, root, &evalContext});
+  }
+
+  /// Of conditions that must hold together, two want different texts of one parameter.
+  [[nodiscard]] static bool contradicts(std::vector<Expression const*> const& parts) {
+    std::map<std::string, std::set<std::string>> wanted;
+    for (auto const* part : parts) {
+      auto const* comparison = dynamic_cast<Comparison const*>(part);
+      if (comparison == nullptr || comparison->op() != Comparison::Operator::Equal) continue;
+      for (bool const swapped : {false, true}) {
+        auto const& one = swapped ? comparison->right() : comparison->left();
+        auto const& other = swapped ? comparison->left() : comparison->right();
+        auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
+        auto const* literal = dynamic_cast<Literal const*>(&other);
+        if (parameter == nullptr || literal == nullptr || literal->kind() != Kind::Text) continue;
+        auto& texts = wanted[parameter->objectPattern().text() + "\n" + parameter->name()];
+        texts.insert(literal->rawText());
+        if (texts.size() > 1) return true;
+      }
+    }
+    return false;
+  }
+
+  void checkCondition(ExpressionUse const& use) {
+    if (use.role != Role::Condition) return;
+    auto const& expression = *use.compiled->expression;
+    if (neverHolds(expression)) warn(use, expression.range(), "this condition can never hold");
+  }
+
+  // A rule that reads what is decided later in the same walk
+
+  void checkOrder(ExpressionUse const& use) {
+    if (use.typePath.empty()) return;
+    auto const* object = data_.getObjDependDef(use.typePath, true);
+    if (object == nullptr) return;
+    RuleReads reads;
+    use.compiled->expression->collectReads(reads, PathPattern());
+    for (auto const& read : reads.parameters) {
+      auto const named = types_.resolve(read.objects, use.typePath);
+      bool const own = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
+                       named == std::set<std::string>{use.typePath};
+      bool const allLater =
+          !named.empty() && std::all_of(named.begin(), named.end(), [&](std::string const& typePath) {
+            auto const* target = data_.getObjDependDef(typePath, true);
+            if (target == nullptr || target->findParam(read.name) == nullptr) return false;
+            return own ? isLaterParameter(*object, use, read.name) : isLaterObject(use, typePath);
+          });
+      if (!allLater) continue;
+      bool const itself = own && !use.ofChild && use.entry == read.name;
+      warn(use, rangeOf(use, read.name),
+           itself ? "the availability of " + inQuotes(read.name) + " hangs on its own value"
+                  : "the value of " + inQuotes(read.name) +
+                        " is decided later in the same walk, so this reads what it was before the edit");
+    }
+    for (auto const& set : reads.objectSets) {
+      for (auto const& typePath : types_.resolve(set, use.typePath)) {
+        if (!isDecidedByRules(typePath) || !isLaterObject(use, typePath)) continue;
+        warn(use, rangeOf(use, {}),
+             "the objects of type " + inQuotes(PathUtils::lastType(typePath)) +
+                 " are decided later in the same walk, so this sees what was there before the edit");
+        break;
+      }
+    }
+  }
+
+  /// The part of the expression that names the parameter, or a set of objects; else the whole.
+  [[nodiscard]] static Range rangeOf(ExpressionUse const& use, std::string const& parameter) {
+    std::vector<PathUse> paths;
+    use.compiled->expression->collectPaths(paths, PathPattern());
+    for (auto const& path : paths) {
+      if (path.parameter == parameter) return path.range;
+    }
+    return use.compiled->expression->range();
+  }
+
+  template <typename Entries, typename Text>
+  [[nodiscard]] static std::size_t indexOf(Entries const& entries, std::string const& text, Text member) {
+    auto const found =
+        std::find_if(entries.begin(), entries.end(), [&](auto const& entry) { return (*entry).*member == text; });
+    return static_cast<std::size_t>(found - entries.begin());
+  }
+
+  [[nodiscard]] static bool isLaterParameter(ObjDependDef const& object, ExpressionUse const& use,
+                                             std::string const& name) {
+    if (use.ofChild) return false;
+    if (name == use.entry) return use.attribute == "Available";
+    return indexOf(object.params(), name, &ParamAvail::name) > indexOf(object.params(), use.entry, &ParamAvail::name);
+  }
+
+  /// Whether a walk comes to objects of `target` only behind the rule. Where both lie below children of one type, there
+  /// is no telling.
+  [[nodiscard]] bool isLaterObject(ExpressionUse const& use, std::string const& target) const {
+    std::string reader = use.typePath;
+    if (use.ofChild) reader += "/" + use.entry;
+    std::size_t common = 0;
+    std::size_t i = 0;
+    for (; i < reader.size() && i < target.size() && reader[i] == target[i]; ++i) {
+      if (reader[i] == '/') common = i;
+    }
+    bool const readerEnds = i == reader.size();
+    bool const targetEnds = i == target.size();
+    if (readerEnds && (targetEnds || target[i] == '/')) {
+      // The reader's own children, or what the child rule itself decides.
+      return target.size() > use.typePath.size();
+    }
+    if (targetEnds && reader[i] == '/') return false;
+    auto const parent = reader.substr(0, common);
+    if (parent.size() + 1 > target.size()) return false;
+    auto const typeBelow = [&](std::string const& path) {
+      return path.substr(common + 1, path.find('/', common + 1) - common - 1);
+    };
+    auto const* object = data_.getObjDependDef(parent, true);
+    if (object == nullptr) return false;
+    auto const& children = object->children();
+    auto const at = indexOf(children, typeBelow(target), &ChildAvail::type);
+    // A parameter of the parent itself comes before all of its children.
+    if (!use.ofChild && use.typePath == parent) return at < children.size();
+    return at < children.size() && at > indexOf(children, typeBelow(reader), &ChildAvail::type);
+  }
+
+  [[nodiscard]] bool isDecidedByRules(std::string const& typePath) const {
+    auto const* parent = data_.getObjDependDef(std::string(PathUtils::parentOf(typePath)), true);
+    auto const* child = parent != nullptr ? parent->findChild(std::string(PathUtils::lastType(typePath))) : nullptr;
+    return child != nullptr && (child->singleton || child->allowedNamesSource != nullptr);
+  }
+
+  // Entries
+
+  void checkChild(ObjDependDef const& object, ChildAvail const& child) {
+    auto const typePath = object.typePath() + "/" + child.type;
+    auto const& place = rules_.childPlaces().at({object.typePath(), child.type});
+    if (data_.getObjDependDef(typePath, true) == nullptr) {
+      warn(place.name, "there is no entry " + typePath + " under Objects, so nothing in such a child is known");
+    }
+    if (child.singleton && (child.defaultNamesSource || child.allowedNamesSource)) {
+      for (auto const* const attribute : {"Allowed Names", "Default Names"}) {
+        auto const given = place.attributes.find(attribute);
+        if (given != place.attributes.end() && (child.defaultNamesSource || child.allowedNamesSource)) {
+          warn(given->second, std::string(attribute) + " gives names, but a singleton has none");
+        }
+      }
+    }
+  }
+
+  void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {
+    auto const& place = rules_.paramPlaces().at({object.typePath(), param.name});
+    auto const at = [&](std::string_view attribute) {
+      auto const found = place.attributes.find(attribute);
+      return found == place.attributes.end() ? Item{} : found->second;
+    };
+    if (def.allowedValueKind == ParamValueDef::NoAllowedValues) {
+      for (std::string_view const attribute :
+           {"Allowed String List Checks", "Unused Allowed String List", "Subset Allowed String List",
+            "Subset Value List Source", "Allows Any Value", "Available With No Allowed Values",
+            "Fallback To Blank Default", "Complete List Required", "Beta Values"}) {
+        if (auto const item = at(attribute)) {
+          warn(item, std::string(attribute) + " has no effect without allowed values");
+        }
+      }
+    } else if (auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get())) {
+      checkListed(list->items(), def, at("Allowed String List Checks"));
+      checkListed(list->items(), def, at("Beta Values"));
+    }
+    checkBounds(def, at("Lower Bound"), at("Upper Bound"));
+    checkDefault(def, at("Default Value"));
+    if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
+    if (!param.contexts.empty()) checkContext(object, param, at("Context"));
+  }
+
+  /// The keys of a map from allowed values must be allowed values.
+  void checkListed(SharedStrings const& items, ParamValueDef const& def, Item const& map) {
+    if (!map || map.node->kind != YamlNode::Kind::Mapping || def.allowsAnyValue) return;
+    for (std::size_t i = 0; i + 1 < map.node->children.size(); i += 2) {
+      auto const* key = map.node->children[i];
+      if (!items.contains(key->value)) {
+        warn({map.source, key}, inQuotes(key->value) + " is not among the allowed values" + orNear(key->value, items));
+      }
+    }
+  }
+
+  void checkBounds(ParamValueDef const& def, Item const& lowerItem, Item const& upperItem) {
+    auto const check = [&](TextExpression const* bound, Item const& item) {
+      if (bound == nullptr || !item) return;
+      if (!TDFParam::isNumericType(def.type)) {
+        warn(item, "a bound has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
+      } else if (auto const* fixed = dynamic_cast<FixedText const*>(bound)) {
+        if (!TDFParam::asQuantity(fixed->text())) warn(item, inQuotes(fixed->text()) + " is no number");
+      }
+    };
+    check(def.lowerBound.get(), lowerItem);
+    check(def.upperBound.get(), upperItem);
+    auto const* lower = dynamic_cast<FixedText const*>(def.lowerBound.get());
+    auto const* upper = dynamic_cast<FixedText const*>(def.upperBound.get());
+    if (lower == nullptr || upper == nullptr) return;
+    auto const low = TDFParam::asQuantity(lower->text());
+    auto const high = TDFParam::asQuantity(upper->text());
+    if (low && high && low->units == high->units && low->number > high->number) {
+      warn(upperItem, "the upper bound " + upper->text() + " is below the lower bound " + lower->text());
+    }
+  }
+
+  void checkDefault(ParamValueDef const& def, Item const& item) {
+    auto const* fixed = dynamic_cast<FixedText const*>(def.defaultValue.get());
+    if (fixed == nullptr || fixed->text().empty()) return;
+    auto const values = TDFParam::isListType(def.type) ? StringUtilities::stringToVector(fixed->text(), ',')
+                                                       : std::vector<std::string>{fixed->text()};
+    auto const* list = def.allowedValueKind == ParamValueDef::FixedAllowedValues
+                           ? dynamic_cast<FixedList const*>(def.allowedValues.get())
+                           : nullptr;
+    for (auto const& value : values) {
+      if (list != nullptr && list->items().contains(value) && !def.unusedValues.contains(value)) continue;
+      if (list != nullptr && !def.allowsAnyValue) {
+        warn(item, "the default " + inQuotes(value) + " is not among the allowed values" + orNear(value, list->items()));
+        continue;
+      }
+      if (def.allowedValueKind == ParamValueDef::ComputedAllowedValues) continue;
+      checkDefaultText(def, item, value);
+    }
+  }
+
+  void checkDefaultText(ParamValueDef const& def, Item const& item, std::string const& value) {
+    auto const element = TDFParam::elementType(def.type);
+    if (element == TDFParam::Logical && !TDFParam::asLogical(value)) {
+      warn(item, "the default " + inQuotes(value) + " is no logical value");
+    }
+    if (element != TDFParam::Integer && element != TDFParam::Real) return;
+    auto const quantity = TDFParam::asQuantity(value);
+    if (!quantity || (element == TDFParam::Integer && quantity->number != std::trunc(quantity->number))) {
+      warn(item, "the default " + inQuotes(value) + (element == TDFParam::Integer ? " is no whole number" : " is no number"));
+      return;
+    }
+    auto const outside = [&](TextExpression const* bound, bool lower) {
+      auto const* fixed = dynamic_cast<FixedText const*>(bound);
+      auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
+      if (!limit || limit->units != quantity->units) return;
+      if (lower ? quantity->number < limit->number : quantity->number > limit->number) {
+        warn(item, "the default " + inQuotes(value) + (lower ? " is below the lower bound " : " is above the upper bound ") +
+                       fixed->text());
+      }
+    };
+    outside(def.lowerBound.get(), true);
+    outside(def.upperBound.get(), false);
+  }
+
+  void checkQuantityType(ParamValueDef const& def, Item const& item) {
+    if (auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get())) {
+      if (!data_.quantityTypes().contains(fixed->text())) {
+        std::vector<std::string> names;
+        for (auto const& entry : data_.quantityTypes()) names.push_back(entry.first);
+        warn(item, "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" +
+                       orNear(fixed->text(), names));
+      }
+    }
+    if (def.type != TDFParam::Real) {
+      warn(item, "a quantity type has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
+    }
+  }
+
+  void checkContext(ObjDependDef const& object, ParamAvail const& param, Item const& item) {
+    for (auto const& earlier : object.params()) {
+      if (earlier.get() == &param) break;
+      if (earlier->contextRule) return;
+    }
+    if (std::find(param.contexts.begin(), param.contexts.end(), "") != param.contexts.end()) return;
+    warn(item, "no context rule stands before this parameter, so it is never live");
+  }
+
+  RuleBuilder const& rules_;
+  PhysicsData const& data_;
+  TypeTree types_;
+  DiagnosticList& diagnostics_;
+};
+
+}  // namespace
+
+void addWarnings(RuleBuilder const& rules, DiagnosticList& diagnostics) { Linter(rules, diagnostics).run(); }
+
+}  // namespace tarn::rules

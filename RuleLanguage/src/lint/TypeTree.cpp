@@ -1,0 +1,85 @@
+#include "lint/TypeTree.h"
+
+#include <algorithm>
+
+#include <tarn/PathUtils.h>
+
+namespace tarn::rules {
+
+TypeTree::TypeTree(PhysicsData const& data) {
+  children_[""];
+  for (auto const& root : data.getPertinentGlobalCheckRoots()) add("/" + root);
+  for (auto const* object : data.objects()) {
+    add(object->typePath());
+    for (auto const& child : object->children()) add(object->typePath() + "/" + child->type);
+  }
+}
+
+void TypeTree::add(std::string const& typePath) {
+  // From the top, so that each parent lists its children in the order in which the rules name them.
+  for (std::size_t end = typePath.find('/', 1);; end = typePath.find('/', end + 1)) {
+    std::string const path = typePath.substr(0, end);
+    if (children_.try_emplace(path).second) {
+      auto const parent = std::string(PathUtils::parentOf(path));
+      children_[parent].push_back(path.substr(parent.size() + 1));
+    }
+    if (end == std::string::npos) return;
+  }
+}
+
+std::vector<std::string> const& TypeTree::childTypes(std::string const& typePath) const {
+  static std::vector<std::string> const none;
+  auto const found = children_.find(typePath);
+  return found == children_.end() ? none : found->second;
+}
+
+std::set<std::string> TypeTree::resolve(PathPattern const& pattern, std::string const& owner) const {
+  std::set<std::string> current;
+  switch (pattern.start()) {
+    case PathPattern::Start::Root:
+      current.insert("");
+      break;
+    case PathPattern::Start::Context:
+    case PathPattern::Start::Owner:
+      current.insert(owner);
+      break;
+    case PathPattern::Start::Nearest: {
+      std::string_view nearest = owner;
+      while (!nearest.empty() && PathUtils::lastType(nearest) != pattern.startType()) {
+        nearest = PathUtils::parentOf(nearest);
+      }
+      if (nearest.empty()) return {};
+      current.emplace(nearest);
+      break;
+    }
+  }
+  for (auto const& step : pattern.steps()) {
+    std::set<std::string> next;
+    for (auto const& path : current) {
+      switch (step.kind) {
+        case PathPattern::StepKind::Child:
+        case PathPattern::StepKind::ChildrenOfType:
+          if (auto child = path + "/" + step.type; knows(child)) next.insert(std::move(child));
+          break;
+        case PathPattern::StepKind::AnyChild:
+          for (auto const& type : childTypes(path)) next.insert(path + "/" + type);
+          break;
+        case PathPattern::StepKind::AnyDepth:
+          // Everything below a path has it and a "/" for its beginning.
+          next.insert(path);
+          for (auto below = children_.lower_bound(path + "/"); below != children_.end(); ++below) {
+            if (!below->first.starts_with(path + "/")) break;
+            next.insert(below->first);
+          }
+          break;
+        case PathPattern::StepKind::Parent:
+          if (!path.empty()) next.emplace(PathUtils::parentOf(path));
+          break;
+      }
+    }
+    current = std::move(next);
+  }
+  return current;
+}
+
+}  // namespace tarn::rules

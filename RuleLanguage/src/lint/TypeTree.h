@@ -1,0 +1,32 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <tarn/PathPattern.h>
+#include <tarn/PhysicsData.h>
+
+namespace tarn::rules {
+
+/// The object types that a rule database speaks of, as a tree: those with rules, those that are somebody's child, and the
+/// roots. Patterns are resolved over it as they are over a model, only that an object stands for all of its type.
+class TypeTree {
+ public:
+  explicit TypeTree(PhysicsData const& data);
+
+  [[nodiscard]] bool knows(std::string const& typePath) const { return children_.contains(typePath); }
+  [[nodiscard]] std::vector<std::string> const& childTypes(std::string const& typePath) const;
+  [[nodiscard]] std::map<std::string, std::vector<std::string>> const& all() const noexcept { return children_; }
+
+  /// The type paths that `pattern` can name when the owner of the rule is of type path `owner`.
+  [[nodiscard]] std::set<std::string> resolve(PathPattern const& pattern, std::string const& owner) const;
+
+ private:
+  void add(std::string const& typePath);
+
+  std::map<std::string, std::vector<std::string>> children_;  // type path to child types, in the order of the rules
+};
+
+}  // namespace tarn::rules

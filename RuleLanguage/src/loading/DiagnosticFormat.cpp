@@ -1,0 +1,92 @@
+// The one place where a diagnostic becomes text.
+
+#include <algorithm>
+
+#include <tarn/rules/Diagnostic.h>
+#include <tarn/rules/RuleError.h>
+
+#include <ostream>
+
+#include "loading/SourceText.h"
+
+namespace tarn::rules {
+
+namespace {
+
+/// How much of a long line is shown around the place.
+constexpr std::size_t shownBefore = 60;
+constexpr std::size_t shownAtMost = 120;
+
+/// Lines are shown as they are but for characters that would move the caret or the terminal.
+std::string printable(std::string_view text) {
+  std::string result(text);
+  for (auto& c : result) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+  }
+  return result;
+}
+
+void appendPlace(std::string& out, std::string const& source, std::size_t line, std::size_t column,
+                 std::string_view label, std::string const& message, std::string const& sourceLine,
+                 std::size_t length) {
+  out += source;
+  if (line > 0) out += ":" + std::to_string(line) + ":" + std::to_string(column);
+  out += ": ";
+  out += label;
+  out += ": ";
+  out += message;
+  out += '\n';
+  if (line == 0) return;
+
+  std::size_t const total = characterCount(sourceLine);
+  std::size_t const at = std::min(column - 1, total);
+  std::size_t first = 0;
+  std::string lead;
+  if (total > shownAtMost && at > shownBefore) {
+    first = at - shownBefore;
+    lead = "...";
+  }
+  std::size_t const count = std::min(shownAtMost, total - first);
+  std::size_t const begin = characterOffset(sourceLine, first);
+  std::size_t const end = characterOffset(sourceLine, first + count);
+  std::string shown = lead + printable(std::string_view(sourceLine).substr(begin, end - begin));
+  if (first + count < total) shown += "...";
+
+  std::string const number = std::to_string(line);
+  std::string const margin(std::max<std::size_t>(5, number.size()) - number.size(), ' ');
+  out += margin + number + " | " + shown + '\n';
+  std::size_t const marked = std::max<std::size_t>(1, std::min(length, count - std::min(count, at - first)));
+  out += std::string(margin.size() + number.size(), ' ') + " | " + std::string(lead.size() + at - first, ' ') + '^' +
+         std::string(marked - 1, '~') + '\n';
+}
+
+}  // namespace
+
+std::string format(Diagnostic const& diagnostic) {
+  std::string out;
+  appendPlace(out, diagnostic.source, diagnostic.line, diagnostic.column,
+              diagnostic.severity == Severity::Error ? "error" : "warning", diagnostic.message, diagnostic.sourceLine,
+              diagnostic.length);
+  for (auto const& note : diagnostic.notes) {
+    appendPlace(out, note.source, note.line, note.column, "note", note.message, note.sourceLine, note.length);
+  }
+  return out;
+}
+
+std::string format(std::vector<Diagnostic> const& diagnostics) {
+  std::string out;
+  for (auto const& diagnostic : diagnostics) out += format(diagnostic);
+  return out;
+}
+
+RuleError::RuleError(std::vector<Diagnostic> diagnostics)
+    : Error("tarn::rules::RuleError", "RuleLoader", "loadRules", format(diagnostics), errorType::InvalidInput, 0),
+      diagnostics_(std::move(diagnostics)) {}
+
+void RuleError::write(std::ostream& stream) const {
+  std::string text = getMessage();
+  if (!text.empty() && text.back() == '\n') text.pop_back();
+  stream << text;
+}
+
+}  // namespace tarn::rules

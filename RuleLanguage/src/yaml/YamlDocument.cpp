@@ -1,0 +1,322 @@
+// YAML by way of libyaml's events, which are fast and carry exact places. The tree is built with an own stack; an alias shares
+// the node of its anchor, and the weight of nodes is counted as if it were copied, so that a file whose aliases multiply
+// is refused before anything walks it.
+
+#include "yaml/YamlDocument.h"
+
+#include <yaml.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include <tarn/StringUtilities.h>
+
+namespace tarn::rules {
+
+namespace {
+
+class Parser {
+ public:
+  explicit Parser(std::string const& text) : good_(yaml_parser_initialize(&parser_) != 0) {
+    if (!good_) throw std::bad_alloc();
+    yaml_parser_set_input_string(&parser_, reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    yaml_parser_set_encoding(&parser_, YAML_UTF8_ENCODING);
+  }
+  Parser(Parser const&) = delete;
+  Parser& operator=(Parser const&) = delete;
+  ~Parser() { yaml_parser_delete(&parser_); }
+
+  bool next(yaml_event_t& event) { return yaml_parser_parse(&parser_, &event) != 0; }
+  [[nodiscard]] yaml_parser_t const& state() const noexcept { return parser_; }
+
+ private:
+  yaml_parser_t parser_{};
+  bool good_;
+};
+
+class Event {
+ public:
+  Event() = default;
+  Event(Event const&) = delete;
+  Event& operator=(Event const&) = delete;
+  ~Event() { yaml_event_delete(&event_); }
+  yaml_event_t* operator->() noexcept { return &event_; }
+  yaml_event_t& get() noexcept { return event_; }
+
+ private:
+  yaml_event_t event_{};
+};
+
+YamlNode::Style styleOf(yaml_scalar_style_t style) {
+  switch (style) {
+    case YAML_SINGLE_QUOTED_SCALAR_STYLE:
+      return YamlNode::Style::SingleQuoted;
+    case YAML_DOUBLE_QUOTED_SCALAR_STYLE:
+      return YamlNode::Style::DoubleQuoted;
+    case YAML_LITERAL_SCALAR_STYLE:
+      return YamlNode::Style::Literal;
+    case YAML_FOLDED_SCALAR_STYLE:
+      return YamlNode::Style::Folded;
+    default:
+      return YamlNode::Style::Plain;
+  }
+}
+
+Place placeOf(yaml_mark_t const& mark) { return {mark.line + 1, mark.column + 1}; }
+
+/// What the parser's own words most often mean in a rule file.
+std::string hintFor(std::string_view problem) {
+  static constexpr std::array<std::string_view, 5> quoting = {
+      "mapping values are not allowed in this context", "did not find expected key",
+      "did not find expected ',' or '}'", "did not find expected ',' or ']'",
+      "did not find expected <document start>"};
+  if (std::find(quoting.begin(), quoting.end(), problem) != quoting.end()) {
+    return "; check the indentation, and quote as a whole a value that begins with a quote, '{', '[' or '*', or that "
+           "holds ': ' or ' #'";
+  }
+  if (problem == "found character that cannot start any token") {
+    return "; tabs do not indent, and a value that begins with '@', '`' or '%' must be quoted";
+  }
+  if (problem == "found undefined alias") return "; a value that begins with '*' must be quoted";
+  return {};
+}
+
+class Builder {
+ public:
+  Builder(SourceText const& source, YamlDocument::Limits const& limits, DiagnosticList& diagnostics,
+          std::deque<YamlNode>& nodes)
+      : source_(source), limits_(limits), diagnostics_(diagnostics), nodes_(nodes) {}
+
+  YamlNode* build() {
+    Parser parser(source_.text());
+    for (;;) {
+      Event event;
+      if (!parser.next(event.get())) return syntaxError(parser.state());
+      switch (event->type) {
+        case YAML_STREAM_END_EVENT:
+          return root_;
+        case YAML_DOCUMENT_START_EVENT:
+          if (root_ != nullptr) {
+            return fail(placeOf(event->start_mark), 3, "a rule file is one document; remove what follows '---'");
+          }
+          break;
+        case YAML_SCALAR_EVENT:
+          if (!scalar(event.get())) return nullptr;
+          break;
+        case YAML_SEQUENCE_START_EVENT: {
+          auto const& start = event->data.sequence_start;
+          if (!open(event.get(), YamlNode::Kind::Sequence, start.anchor,
+                    start.style == YAML_FLOW_SEQUENCE_STYLE)) {
+            return nullptr;
+          }
+          break;
+        }
+        case YAML_MAPPING_START_EVENT: {
+          auto const& start = event->data.mapping_start;
+          if (!open(event.get(), YamlNode::Kind::Mapping, start.anchor, start.style == YAML_FLOW_MAPPING_STYLE)) {
+            return nullptr;
+          }
+          break;
+        }
+        case YAML_SEQUENCE_END_EVENT:
+        case YAML_MAPPING_END_EVENT:
+          if (!close(event.get())) return nullptr;
+          break;
+        case YAML_ALIAS_EVENT:
+          if (!alias(event.get())) return nullptr;
+          break;
+        default:
+          break;
+      }
+    }
+  }
+
+ private:
+  YamlNode* fail(Place place, std::size_t length, std::string message) {
+    diagnostics_.add(Severity::Error, source_, place, length, std::move(message));
+    return nullptr;
+  }
+
+  YamlNode* syntaxError(yaml_parser_t const& parser) {
+    std::string const problem = parser.problem != nullptr ? parser.problem : "cannot be read";
+    if (parser.error == YAML_READER_ERROR) {
+      return fail(source_.placeOf(parser.problem_offset), 1,
+                  problem + "; a rule file is plain text in UTF-8 without control characters");
+    }
+    std::string message = "this is not YAML: " + problem + hintFor(problem);
+    Place const place = placeOf(parser.problem_mark);
+    diagnostics_.add(Severity::Error, source_, place, 1, std::move(message));
+    if (parser.context != nullptr && parser.context_mark.line != parser.problem_mark.line) {
+      contextNote(parser);
+    }
+    return nullptr;
+  }
+
+  void contextNote(yaml_parser_t const& parser) {
+    // The list has it as its newest entry, and nothing was added since.
+    Diagnostic& last = diagnostics_.newest();
+    DiagnosticList::note(last, source_, placeOf(parser.context_mark), 1, std::string(parser.context) + " that begins here");
+  }
+
+  YamlNode* make(yaml_event_t const& event, YamlNode::Kind kind) {
+    if (nodes_.size() >= limits_.nodes) {
+      return fail(placeOf(event.start_mark), 1,
+                  "the file has more than " + std::to_string(limits_.nodes) + " YAML nodes; divide it");
+    }
+    auto& node = nodes_.emplace_back();
+    node.kind = kind;
+    node.line = static_cast<std::uint32_t>(event.start_mark.line + 1);
+    node.column = static_cast<std::uint32_t>(event.start_mark.column + 1);
+    setEnd(node, event);
+    return &node;
+  }
+
+  static void setEnd(YamlNode& node, yaml_event_t const& event) {
+    node.endLine = static_cast<std::uint32_t>(event.end_mark.line + 1);
+    node.endColumn = static_cast<std::uint32_t>(event.end_mark.column + 1);
+  }
+
+  void remember(yaml_char_t const* anchor, YamlNode* node) {
+    if (anchor != nullptr) anchors_[reinterpret_cast<char const*>(anchor)] = node;
+  }
+
+  /// Hands a finished node to what is open. False when the file grows beyond its limit.
+  bool place(YamlNode* node, Place at) {
+    if (open_.empty()) {
+      root_ = node;
+      return true;
+    }
+    auto& parent = *open_.back();
+    parent.children.push_back(node);
+    parent.weight += node->weight;
+    if (parent.weight <= limits_.nodes) return true;
+    fail(at, 1,
+         "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
+    return false;
+  }
+
+  bool scalar(yaml_event_t const& event) {
+    auto* node = make(event, YamlNode::Kind::Scalar);
+    if (node == nullptr) return false;
+    auto const& scalar = event.data.scalar;
+    node->value.assign(reinterpret_cast<char const*>(scalar.value), scalar.length);
+    node->style = styleOf(scalar.style);
+    remember(scalar.anchor, node);
+    return place(node, node->place());
+  }
+
+  bool open(yaml_event_t const& event, YamlNode::Kind kind, yaml_char_t const* anchor, bool flow) {
+    if (open_.size() >= limits_.depth) {
+      fail(placeOf(event.start_mark), 1,
+           "this is nested deeper than " + std::to_string(limits_.depth) + " levels, which no rule file needs");
+      return false;
+    }
+    auto* node = make(event, kind);
+    if (node == nullptr) return false;
+    node->flow = flow;
+    remember(anchor, node);
+    open_.push_back(node);
+    return true;
+  }
+
+  bool close(yaml_event_t const& event) {
+    auto* node = open_.back();
+    open_.pop_back();
+    setEnd(*node, event);
+    return place(node, node->place());
+  }
+
+  bool alias(yaml_event_t const& event) {
+    auto const* const name = reinterpret_cast<char const*>(event.data.alias.anchor);
+    auto const found = anchors_.find(name);
+    std::size_t const length = std::string_view(name).size() + 1;
+    Place const at = placeOf(event.start_mark);
+    if (found == anchors_.end()) {
+      fail(at, length,
+           "there is no anchor '&" + std::string(name) + "' before this; a value that begins with '*' must be quoted");
+      return false;
+    }
+    if (std::find(open_.begin(), open_.end(), found->second) != open_.end()) {
+      fail(at, length, "the alias lies within what it stands for");
+      return false;
+    }
+    return place(found->second, at);
+  }
+
+  SourceText const& source_;
+  YamlDocument::Limits limits_;
+  DiagnosticList& diagnostics_;
+  std::deque<YamlNode>& nodes_;
+  std::vector<YamlNode*> open_;
+  std::map<std::string, YamlNode*, std::less<>> anchors_;
+  YamlNode* root_ = nullptr;
+};
+
+/// The number of bytes that an escape of a double-quoted scalar takes in the file, and in the text it stands for.
+std::pair<std::size_t, std::size_t> escapeLengths(std::string_view raw, std::string_view value) {
+  std::size_t length = 2;
+  if (raw.size() > 1) {
+    if (raw[1] == 'x') length = 4;
+    if (raw[1] == 'u') length = 6;
+    if (raw[1] == 'U') length = 10;
+  }
+  std::size_t produced = 1;
+  while (produced < value.size() && (static_cast<unsigned char>(value[produced]) & 0xC0) == 0x80) ++produced;
+  return {std::min(length, raw.size()), produced};
+}
+
+}  // namespace
+
+YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics) {
+  root_ = Builder(source, limits, diagnostics, nodes_).build();
+}
+
+Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset) {
+  using Style = YamlNode::Style;
+  std::string_view const value = scalar.value;
+  offset = std::min(offset, value.size());
+  if (scalar.style == Style::Plain && scalar.line == scalar.endLine) {
+    return {scalar.line, scalar.column + characterCount(value.substr(0, offset))};
+  }
+
+  // Walks the file and the text side by side. White space may differ between the two, everything else must agree.
+  std::string_view const file = source.text();
+  std::size_t at = source.offsetOf(scalar.place());
+  if (scalar.style == Style::SingleQuoted || scalar.style == Style::DoubleQuoted) ++at;
+  if (scalar.style == Style::Literal || scalar.style == Style::Folded) {
+    at = source.offsetOf({std::size_t{scalar.line} + 1, 1});
+  }
+  std::size_t done = 0;
+  while (at < file.size()) {
+    char const raw = file[at];
+    char const wanted = done < value.size() ? value[done] : '\0';
+    if (scalar.style == Style::DoubleQuoted && raw == '\\') {
+      if (at + 1 < file.size() && (file[at + 1] == '\n' || file[at + 1] == '\r')) {
+        ++at;
+        continue;
+      }
+      if (done >= offset) break;
+      auto const [taken, produced] = escapeLengths(file.substr(at), value.substr(done));
+      at += taken;
+      done += produced;
+    } else if (raw == wanted && done < value.size()) {
+      if (done >= offset) break;
+      at += scalar.style == Style::SingleQuoted && raw == '\'' ? 2 : 1;
+      ++done;
+    } else if (StringUtilities::isSpace(raw)) {
+      if (done >= offset && offset == value.size()) break;
+      ++at;
+    } else if (StringUtilities::isSpace(wanted) && done < offset) {
+      ++done;
+    } else {
+      break;
+    }
+  }
+  return source.placeOf(at);
+}
+
+}  // namespace tarn::rules
