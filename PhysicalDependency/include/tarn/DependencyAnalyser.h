@@ -102,8 +102,8 @@ class PhysicsData;
 ///
 /// Depth is limited by memory alone: the walk keeps its open objects on the heap and does not recurse. Each takes about
 /// 500 bytes and three copies of its path, and beside that the paths of the siblings that are still to be walked. So a
-/// model of 1,000 levels takes some megabytes of heap, most of them paths, and no more stack than one of a single level.
-/// Its time grows with the square of the depth, since each path is as long as it is deep.
+/// model of 1,000 levels takes some megabytes of heap, most of them paths, and no more stack than one of a single
+/// level. Its time grows with the square of the depth, since each path is as long as it is deep.
 ///
 /// One thread at a time for one analyser. Destroy a derived class as what it is: the destructor here is not virtual.
 class TARN_EXPORT DependencyAnalyser {
