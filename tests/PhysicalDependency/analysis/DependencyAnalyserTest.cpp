@@ -177,7 +177,7 @@ TEST_F(DependencyAnalyserTest, AnObjectWithoutRulesBeginsAndEndsAndNothingBetwee
 
 TEST_F(DependencyAnalyserTest, WhatTheRulesHaveNoEntryForIsNotVisited) {
   Rules(rules_, "/Case").param("Title").child("Domain");
-  Rules(rules_, "/Case/Report");
+  rules_.addObject("/Case/Report");
   model_.set("/Case", "Author", "me");
   model_.add("/Case/Report");
   EXPECT_EQ(eventsOf("/Case"), (Strings{"begin /Case required", "param? /Case|Title", "param /Case|Title",

@@ -95,7 +95,7 @@ std::string textOfFailure(std::function<void()> const& question) {
 // Finding the rules.
 
 TEST_F(ObjDependencyTest, RulesAreFoundByThePathOfTypesWithoutNames) {
-  Rules(data_, "/Case/Domain/Boundary");
+  data_.addObject("/Case/Domain/Boundary");
   EXPECT_TRUE(rulesOf("/Case/Domain:rotor/Boundary:inlet").isValid());
   EXPECT_TRUE(rulesOf("/Case:pump/Domain/Boundary").isValid());
   EXPECT_FALSE(rulesOf("/Case/Domain:rotor").isValid());
@@ -110,7 +110,7 @@ TEST_F(ObjDependencyTest, TheRootHasTheEmptyTypePath) {
 }
 
 TEST_F(ObjDependencyTest, AnObjectThatTheModelLacksHasRulesAllTheSame) {
-  Rules(data_, "/Case/Domain");
+  data_.addObject("/Case/Domain");
   EXPECT_TRUE(rulesOf("/Case/Domain:no such").isValid());
 }
 
@@ -138,7 +138,7 @@ TEST_F(ObjDependencyTest, BothWalksReadAsDoneBeforeTheyBegin) {
 }
 
 TEST_F(ObjDependencyTest, AnObjectWithoutEntriesIsDoneAtTheFirst) {
-  Rules(data_, "/Case/Domain");
+  data_.addObject("/Case/Domain");
   EXPECT_TRUE(rotorOnFirstParam().isDoneParam());
   EXPECT_TRUE(rotorOnFirstChild().isDoneChild());
 }
