@@ -12,6 +12,7 @@
 namespace tarn {
 namespace {
 
+using namespace test;
 using namespace validation_test;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -33,8 +34,8 @@ class PhysicsValidator2OnMissingObjects : public ValidationTest {
  protected:
   ModelState const pump_ = {{"/Case", {{"Title", "Pump"}}}};
 
-  void requiredSolver() { rule("/Case", Child("Solver").singleton().required()); }
-  void requiredDomains(SharedStrings names) { rule("/Case", Child("Domain").required().names(std::move(names))); }
+  void requiredSolver() { rule("/Case").child("Solver").singleton().required(); }
+  void requiredDomains(Strings const& names) { rule("/Case").child("Domain").required().allowedNames(list(names)); }
 
   /// Notes under `what` whether the cache is in use, and gives `result`.
   Decision notingCache(std::string what, bool result) {
@@ -50,25 +51,25 @@ class PhysicsValidator2OnMissingObjects : public ValidationTest {
 
 TEST_F(PhysicsValidator2OnMissingObjects, AnAvailableParameterMakesTheObjectNeededAlsoWhenItIsOptional) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme"));
+  rule("/Case/Solver").param("Scheme");
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, WithoutAnAvailableParameterTheObjectIsNotNeeded) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme").unavailable().required());
+  rule("/Case/Solver").param("Scheme").availableWhen(never()).required();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, ARelaxedParameterDoesNotMakeTheObjectNeeded) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme").relaxed().required(), Param("Order").unavailable());
+  rule("/Case/Solver").param("Scheme").relaxed().required().param("Order").availableWhen(never());
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, WithoutParametersOfItsOwnTheObjectIsNotNeeded) {
   requiredSolver();
-  rule("/Case/Solver", Child("Output").singleton());
+  rule("/Case/Solver").child("Output").singleton();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
@@ -80,7 +81,7 @@ TEST_F(PhysicsValidator2OnMissingObjects, ATypeThatTheRulesDoNotKnowIsNotNeeded)
 
 TEST_F(PhysicsValidator2OnMissingObjects, ValuesAreNotAskedFor) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme").required().allowed({"Upwind"}), Param("Order").required());
+  rule("/Case/Solver").param("Scheme").required().allowed({"Upwind"}).param("Order").required();
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
@@ -88,74 +89,74 @@ TEST_F(PhysicsValidator2OnMissingObjects, ValuesAreNotAskedFor) {
 
 TEST_F(PhysicsValidator2OnMissingObjects, ARequiredObjectBelowMakesTheOuterOneNeededAndIsNotReportedItself) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme").unavailable(), Child("Time").singleton().required());
-  rule("/Case/Solver/Time", Param("Step").required());
+  rule("/Case/Solver").param("Scheme").availableWhen(never()).child("Time").singleton().required();
+  rule("/Case/Solver/Time").param("Step").required();
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, RequiredNamedObjectsBelowASingletonMakeItNeeded) {
   requiredSolver();
-  rule("/Case/Solver", Child("Level").required().names({"fine", "coarse"}));
-  rule("/Case/Solver/Level", Param("Sweeps").when(onlyIn("/Case/Solver/Level:coarse")));
+  rule("/Case/Solver").child("Level").required().allowedNames({"fine", "coarse"});
+  rule("/Case/Solver/Level").param("Sweeps").availableWhen(decided(onlyIn("/Case/Solver/Level:coarse")));
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, ARequiredObjectFarBelowMakesTheOuterOneNeeded) {
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton().required());
-  rule("/Case/Solver/Time", Child("Adaption").singleton().required());
-  rule("/Case/Solver/Time/Adaption", Param("Target"));
+  rule("/Case/Solver").child("Time").singleton().required();
+  rule("/Case/Solver/Time").child("Adaption").singleton().required();
+  rule("/Case/Solver/Time/Adaption").param("Target");
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, AnOptionalObjectBelowDoesNotCount) {
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton());
-  rule("/Case/Solver/Time", Param("Step").required());
+  rule("/Case/Solver").child("Time").singleton();
+  rule("/Case/Solver/Time").param("Step").required();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, AnUnavailableObjectBelowDoesNotCount) {
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton().required().unavailable());
-  rule("/Case/Solver/Time", Param("Step").required());
+  rule("/Case/Solver").child("Time").singleton().required().availableWhen(never());
+  rule("/Case/Solver/Time").param("Step").required();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, ARelaxedRequiredObjectBelowCounts) {
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton().required().relaxed());
-  rule("/Case/Solver/Time", Param("Step"));
+  rule("/Case/Solver").child("Time").singleton().required().relaxed();
+  rule("/Case/Solver/Time").param("Step");
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, RequiredNamedObjectsBelowWithoutAllowedNamesDoNotCount) {
   requiredSolver();
-  rule("/Case/Solver", Child("Level").required());
-  rule("/Case/Solver/Level", Param("Sweeps").required());
+  rule("/Case/Solver").child("Level").required();
+  rule("/Case/Solver/Level").param("Sweeps").required();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, OnceNeededNothingMoreIsPutIntoThePlaceholder) {
   int asked = 0;
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme"), Child("Time").singleton().required());
-  rule("/Case/Solver/Time", Param("Step").when(counting(asked)));
+  rule("/Case/Solver").param("Scheme").child("Time").singleton().required();
+  rule("/Case/Solver/Time").param("Step").availableWhen(decided(counting(asked)));
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
   EXPECT_EQ(asked, 0);
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, BelowANamedPlaceholderASingletonCounts) {
   requiredDomains({"rotor"});
-  rule("/Case/Domain", Child("Motion").singleton().required());
-  rule("/Case/Domain/Motion", Param("Speed"));
+  rule("/Case/Domain").child("Motion").singleton().required();
+  rule("/Case/Domain/Motion").param("Speed");
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("object", "rotor")));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, BelowANamedPlaceholderNamedObjectsAreNotFound) {
   requiredDomains({"rotor"});
-  rule("/Case/Domain", Child("Boundary").required().names({"inlet"}));
-  rule("/Case/Domain/Boundary", Param("Kind").required());
+  rule("/Case/Domain").child("Boundary").required().allowedNames({"inlet"});
+  rule("/Case/Domain/Boundary").param("Kind").required();
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
@@ -163,25 +164,25 @@ TEST_F(PhysicsValidator2OnMissingObjects, BelowANamedPlaceholderNamedObjectsAreN
 
 TEST_F(PhysicsValidator2OnMissingObjects, NamedObjectsAreReportedTogether) {
   requiredDomains({"b", "a"});
-  rule("/Case/Domain", Param("Motion"));
+  rule("/Case/Domain").param("Motion");
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("objects", "a,b")));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, OnlyTheOnesThatAreNeededAreReported) {
   requiredDomains({"a", "b", "c"});
-  rule("/Case/Domain", Param("Motion").when(onlyIn("/Case/Domain:b")));
+  rule("/Case/Domain").param("Motion").availableWhen(decided(onlyIn("/Case/Domain:b")));
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("object", "b")));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, WithTheLastOneNotNeededTheOthersAreStillReported) {
   requiredDomains({"a", "b"});
-  rule("/Case/Domain", Param("Motion").when(onlyIn("/Case/Domain:a")));
+  rule("/Case/Domain").param("Motion").availableWhen(decided(onlyIn("/Case/Domain:a")));
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("object", "a")));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, WithNoneNeededNothingIsSaid) {
   requiredDomains({"a", "b"});
-  rule("/Case/Domain", Param("Motion").unavailable());
+  rule("/Case/Domain").param("Motion").availableWhen(never());
   EXPECT_THAT(faults(pump_), IsEmpty());
 }
 
@@ -192,14 +193,14 @@ TEST_F(PhysicsValidator2OnMissingObjects, NoneIsReportedInFullHoweverMany) {
     names.push_back("d" + std::to_string(i));
     full += (full.empty() ? "" : ",") + names.back();
   }
-  requiredDomains(SharedStrings(names));
-  rule("/Case/Domain", Param("Motion"));
+  requiredDomains(names);
+  rule("/Case/Domain").param("Motion");
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("objects", full)));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, RealObjectsOfTheTypeAreJudgedAfterTheMessageAboutTheAbsentOnes) {
   requiredDomains({"a", "b", "c"});
-  rule("/Case/Domain", Param("Motion").required(), Param("Speed").unavailable());
+  rule("/Case/Domain").param("Motion").required().param("Speed").availableWhen(never());
   EXPECT_THAT(faults({{"/Case/Domain:a", {{"Speed", "1"}}}, {"/Case/Domain:c", {{"Motion", "on"}}}}),
               ElementsAre(noDomain("object", "b"),
                           "/Case/Domain:a | The parameter \"Motion\" should exist in the object \"/Case/Domain:a\" but "
@@ -210,18 +211,19 @@ TEST_F(PhysicsValidator2OnMissingObjects, RealObjectsOfTheTypeAreJudgedAfterTheM
 
 TEST_F(PhysicsValidator2OnMissingObjects, ANameThatEqualsTheTypeIsTriedOutAsWell) {
   requiredDomains({"Domain", "rotor"});
-  rule("/Case/Domain", Param("Motion"));
+  rule("/Case/Domain").param("Motion");
   EXPECT_THAT(faults(pump_), ElementsAre(noDomain("objects", "Domain,rotor")));
 }
 
 // --- Several groups --------------------------------------------------------------------------------------------------
 
 TEST_F(PhysicsValidator2OnMissingObjects, SeveralGroupsOfOneParentAreReportedInTheOrderOfTheRules) {
-  rule("/Case", Child("Solver").singleton().required(), Child("Domain").required().names({"rotor"}),
-       Child("Output").singleton().required());
-  rule("/Case/Solver", Param("Scheme"));
-  rule("/Case/Domain", Param("Motion"));
-  rule("/Case/Output", Param("Interval"));
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").child("Domain").required().allowedNames({"rotor"});
+  rule("/Case").child("Output").singleton().required();
+  rule("/Case/Solver").param("Scheme");
+  rule("/Case/Domain").param("Motion");
+  rule("/Case/Output").param("Interval");
   EXPECT_THAT(faults(pump_),
               ElementsAre(noSolver, noDomain("object", "rotor"),
                           "/Case | There must be an object of type \"Output\" in the object \"/Case\" but it does not "
@@ -229,9 +231,9 @@ TEST_F(PhysicsValidator2OnMissingObjects, SeveralGroupsOfOneParentAreReportedInT
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, EachParentHasItsOwnGroup) {
-  rule("/Case", Child("Domain"));
-  rule("/Case/Domain", Child("Motion").singleton().required());
-  rule("/Case/Domain/Motion", Param("Speed").when([](std::string const& objPath, EvalContext&) {
+  rule("/Case").child("Domain");
+  rule("/Case/Domain").child("Motion").singleton().required();
+  rule("/Case/Domain/Motion").param("Speed").availableWhen(decided([](std::string const& objPath, EvalContext&) {
     return objPath != "/Case/Domain:stator/Motion";
   }));
   EXPECT_THAT(faults({{"/Case/Domain:casing", {{"a", "1"}}}, {"/Case/Domain:rotor", {}}, {"/Case/Domain:stator", {}}}),
@@ -242,10 +244,11 @@ TEST_F(PhysicsValidator2OnMissingObjects, EachParentHasItsOwnGroup) {
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, AGroupThatIsNotNeededDoesNotSilenceTheNext) {
-  rule("/Case", Child("Output").singleton().required(), Child("Solver").singleton().required(),
-       Child("View").unavailable());
-  rule("/Case/Output", Param("Interval").unavailable());
-  rule("/Case/Solver", Param("Scheme"));
+  rule("/Case").child("Output").singleton().required();
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").child("View").availableWhen(never());
+  rule("/Case/Output").param("Interval").availableWhen(never());
+  rule("/Case/Solver").param("Scheme");
   EXPECT_THAT(faults({{"/Case/View:main", {{"Zoom", "2"}}}}),
               ElementsAre(noSolver,
                           "/Case | The object \"View: main\" is present in the object \"/Case\" but it is not "
@@ -264,10 +267,12 @@ TEST_F(PhysicsValidator2OnMissingObjects, RulesSeeThePlaceholderForAsLongAsItIsT
     notes.push_back(note);
     return true;
   };
-  rule("/Case", Param("Regime").when(look), Child("Solver").singleton().required(),
-       Child("Domain").required().names({"b", "a"}), Child("Output").when(look));
-  rule("/Case/Solver", Param("Scheme").when(look));
-  rule("/Case/Domain", Param("Motion").when(look));
+  rule("/Case").param("Regime").availableWhen(decided(look));
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").child("Domain").required().allowedNames({"b", "a"});
+  rule("/Case").child("Output").availableWhen(decided(look));
+  rule("/Case/Solver").param("Scheme").availableWhen(decided(look));
+  rule("/Case/Domain").param("Motion").availableWhen(decided(look));
   faults({{"/Case/Domain:a", {{"Motion", "on"}}}});
   EXPECT_THAT(notes,
               ElementsAre("/Case a", "/Case/Solver solver a", "/Case/Domain:b b a", "/Case/Domain:a a", "/Case a"));
@@ -276,12 +281,16 @@ TEST_F(PhysicsValidator2OnMissingObjects, RulesSeeThePlaceholderForAsLongAsItIsT
 TEST_F(PhysicsValidator2OnMissingObjects, RulesInAPlaceholderSeeWhatItWouldHaveToHold) {
   Strings seen;
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton().required(), Child("Level").required().names({"fine"}),
-       Child("Optional").singleton(), Child("Unavailable").singleton().required().unavailable(),
-       Child("Last").when([&seen](std::string const& objPath, EvalContext& evalContext) {
-         evalContext.getDB()->getChildObjectPaths(objPath, seen);
-         return true;
-       }));
+  rule("/Case/Solver").child("Time").singleton().required();
+  rule("/Case/Solver").child("Level").required().allowedNames({"fine"});
+  rule("/Case/Solver").child("Optional").singleton();
+  rule("/Case/Solver").child("Unavailable").singleton().required().availableWhen(never());
+  rule("/Case/Solver")
+      .child("Last")
+      .availableWhen(decided([&seen](std::string const& objPath, EvalContext& evalContext) {
+        evalContext.getDB()->getChildObjectPaths(objPath, seen);
+        return true;
+      }));
   EXPECT_THAT(faults(pump_), IsEmpty());
   EXPECT_THAT(seen, ElementsAre("/Case/Solver/Time", "/Case/Solver/Level:fine"));
 }
@@ -289,12 +298,13 @@ TEST_F(PhysicsValidator2OnMissingObjects, RulesInAPlaceholderSeeWhatItWouldHaveT
 TEST_F(PhysicsValidator2OnMissingObjects, BehindAGroupRulesReadTheModelAloneAgain) {
   std::string scheme;
   std::string speed;
-  rule("/Case", Child("Solver").singleton().required(), Child("Domain").required().names({"rotor"}),
-       Child("Output").when([&](std::string const&, EvalContext& evalContext) {
-         scheme = evalContext.getDB()->getParameterValue("/Case/Solver Control", "Scheme");
-         speed = evalContext.getDB()->getParameterValue("/Case/Domain:stator/Motion:rotor", "Speed");
-         return true;
-       }));
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").child("Domain").required().allowedNames({"rotor"});
+  rule("/Case").child("Output").availableWhen(decided([&](std::string const&, EvalContext& evalContext) {
+    scheme = evalContext.getDB()->getParameterValue("/Case/Solver Control", "Scheme");
+    speed = evalContext.getDB()->getParameterValue("/Case/Domain:stator/Motion:rotor", "Speed");
+    return true;
+  }));
   EXPECT_THAT(faults({{"/Case/Solver Control", {{"Scheme", "Upwind"}}},
                       {"/Case/Domain:stator/Motion:rotor", {{"Speed", "120"}}}}),
               ElementsAre("/Case | The object \"/Case\" contains the following object: \"stator\" whose name is not in "
@@ -304,16 +314,16 @@ TEST_F(PhysicsValidator2OnMissingObjects, BehindAGroupRulesReadTheModelAloneAgai
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, NamesOfOneGroupAreNothingToTheNext) {
-  rule("/Case", Child("Domain").required().names({"rotor"}), Child("Solver").singleton().required());
-  rule("/Case/Solver", Child("Level").required().names({"fine"}));
-  rule("/Case/Solver/Level", Param("Sweeps"));
+  rule("/Case").child("Domain").required().allowedNames({"rotor"}).child("Solver").singleton().required();
+  rule("/Case/Solver").child("Level").required().allowedNames({"fine"});
+  rule("/Case/Solver/Level").param("Sweeps");
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
 TEST_F(PhysicsValidator2OnMissingObjects, TheValidatedModelIsLeftAsItWas) {
   requiredSolver();
-  rule("/Case/Solver", Child("Time").singleton().required());
-  rule("/Case/Solver/Time", Param("Step"));
+  rule("/Case/Solver").child("Time").singleton().required();
+  rule("/Case/Solver/Time").param("Step");
   Strings children{"before"};
   globalCheck("children", [&children](EvalContext& evalContext) {
     evalContext.getDB()->getChildObjectPaths("/Case", children);
@@ -328,7 +338,7 @@ TEST_F(PhysicsValidator2OnMissingObjects, TheValidatedModelIsLeftAsItWas) {
 
 TEST_F(PhysicsValidator2OnMissingObjects, AnObjectThatHasComeIsJudgedAsARealOne) {
   requiredSolver();
-  rule("/Case/Solver", Param("Scheme").required());
+  rule("/Case/Solver").param("Scheme").required();
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
   EXPECT_THAT(faults({{"/Case", {{"Title", "Pump"}}}, {"/Case/Solver", {{"Scheme", "Upwind"}}}}), IsEmpty());
   EXPECT_THAT(faults({{"/Case", {{"Title", "Fan"}}}, {"/Case/Solver", {}}}),
@@ -339,12 +349,12 @@ TEST_F(PhysicsValidator2OnMissingObjects, AnObjectThatHasComeIsJudgedAsARealOne)
 // --- The cache -------------------------------------------------------------------------------------------------------
 
 TEST_F(PhysicsValidator2OnMissingObjects, TheCacheIsOffInAPlaceholderAndBackOnBehindTheGroup) {
-  rule("/Case", Param("Regime").when(notingCache("Regime", true)),
-       Child("Solver").singleton().required().when(notingCache("Solver", true)),
-       Child("Output").when(notingCache("Output", true)));
-  rule("/Case/Solver", Param("Scheme").when(notingCache("Scheme", false)),
-       Child("Time").singleton().required().when(notingCache("Time", true)));
-  rule("/Case/Solver/Time", Param("Step").when(notingCache("Step", false)));
+  rule("/Case").param("Regime").availableWhen(decided(notingCache("Regime", true)));
+  rule("/Case").child("Solver").singleton().required().availableWhen(decided(notingCache("Solver", true)));
+  rule("/Case").child("Output").availableWhen(decided(notingCache("Output", true)));
+  rule("/Case/Solver").param("Scheme").availableWhen(decided(notingCache("Scheme", false)));
+  rule("/Case/Solver").child("Time").singleton().required().availableWhen(decided(notingCache("Time", true)));
+  rule("/Case/Solver/Time").param("Step").availableWhen(decided(notingCache("Step", false)));
   EXPECT_THAT(faults(pump_), IsEmpty());
   EXPECT_THAT(cacheNotes_,
               ElementsAre("Regime in /Case on", "Solver in /Case on", "Scheme in /Case/Solver off",
@@ -353,7 +363,7 @@ TEST_F(PhysicsValidator2OnMissingObjects, TheCacheIsOffInAPlaceholderAndBackOnBe
 
 TEST_F(PhysicsValidator2OnMissingObjects, TheCacheIsOffForAllPlaceholdersOfAGroupAndOnForRealObjectsBehindThem) {
   requiredDomains({"a", "b", "c"});
-  rule("/Case/Domain", Param("Motion").when(notingCache("Motion", true)));
+  rule("/Case/Domain").param("Motion").availableWhen(decided(notingCache("Motion", true)));
   EXPECT_THAT(faults({{"/Case/Domain:b", {{"Motion", "on"}}}}), ElementsAre(noDomain("objects", "a,c")));
   EXPECT_THAT(cacheNotes_, ElementsAre("Motion in /Case/Domain:a off", "Motion in /Case/Domain:c off",
                                        "Motion in /Case/Domain:b on"));

@@ -20,6 +20,7 @@
 namespace tarn {
 namespace {
 
+using namespace test;
 using namespace validation_test;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -34,7 +35,8 @@ class PhysicsValidator2 : public ValidationTest {
  protected:
   /// A case with one required parameter, one that is never available, and a check that always fails; all are counted.
   void countedRules() {
-    rule("/Case", Param("Regime").required().when(counting(regimeAsked_)), Param("Motion").unavailable());
+    rule("/Case").param("Regime").required().availableWhen(decided(counting(regimeAsked_)));
+    rule("/Case").param("Motion").availableWhen(never());
     globalCheck("inlet", [this](EvalContext&) {
       ++checkAsked_;
       return DecidedGlobalCheck::Result(false, PhysicsErrorMsg("There must be an inlet."));
@@ -71,7 +73,7 @@ TEST_F(PhysicsValidator2, WithoutALoggerWhatWasFoundBeforeStays) {
 }
 
 TEST_F(PhysicsValidator2, AModelInOrderIsClean) {
-  rule("/Case", Param("Regime").required());
+  rule("/Case").param("Regime").required();
   EXPECT_EQ(validate({{"/Case", {{"Regime", "Laminar"}}}}), Validator::ValStatusClean);
   EXPECT_THAT(loggedFaults(), IsEmpty());
 }
@@ -255,7 +257,7 @@ TEST_F(PhysicsValidator2, PertinentRootTypesAreSortedAndHeldOnce) {
 TEST_F(PhysicsValidator2, RulesSeeTheObjectsOfPertinentRootTypesOnly) {
   Strings seen;
   rules_.addPertinentRoot("Library");
-  rule("/Case", Param("Regime").when([&seen](std::string const&, EvalContext& evalContext) {
+  rule("/Case").param("Regime").availableWhen(decided([&seen](std::string const&, EvalContext& evalContext) {
     for (std::string const path :
          {"", "/Case", "/Case/Domain:rotor", "/Case:other", "/Case:other/Domain:rotor", "/Library/Material:Water",
           "/Casein", "/View", "/View/Case", "/View:main/Deep/Case"}) {
@@ -278,14 +280,14 @@ TEST_F(PhysicsValidator2, RulesSeeTheObjectsOfPertinentRootTypesOnly) {
 }
 
 TEST_F(PhysicsValidator2, AnObjectWithoutParametersIsThereForTheRules) {
-  rule("/Case", Child("Output").singleton().unavailable());
+  rule("/Case").child("Output").singleton().availableWhen(never());
   EXPECT_THAT(faults({{"/Case", {{"Regime", "Laminar"}}}, {"/Case/Output", {}}}),
               ElementsAre("/Case | The object \"Output\" is present in the object \"/Case\" but it is not physically "
                           "valid."));
 }
 
 TEST_F(PhysicsValidator2, AParameterWithAnEmptyValueIsNotPresent) {
-  rule("/Case", Param("Regime").required(), Param("Motion").unavailable());
+  rule("/Case").param("Regime").required().param("Motion").availableWhen(never());
   EXPECT_THAT(faults({{"/Case", {{"Regime", ""}, {"Motion", " \t "}}}}), ElementsAre(noRegime));
 }
 
@@ -329,8 +331,8 @@ TEST_F(PhysicsValidator2, TheDumpShowsTheModelAsTheRulesSeeIt) {
 // --- The phases ------------------------------------------------------------------------------------------------------
 
 TEST_F(PhysicsValidator2, TheWalkStartsAtEachRootInTurn) {
-  rule("/Case", Param("Regime").required());
-  rule("/Case/Domain", Param("Motion").required());
+  rule("/Case").param("Regime").required();
+  rule("/Case/Domain").param("Motion").required();
   ModelState const model = {{"/Case", {{"Title", "Pump"}}}, {"/Case/Domain:rotor", {}}};
   validator().validate(Validator::ValAll, model, {"/Case/Domain:rotor", "/Case", "/Case/Domain:rotor"});
   std::string const noMotion =
@@ -340,10 +342,13 @@ TEST_F(PhysicsValidator2, TheWalkStartsAtEachRootInTurn) {
 }
 
 TEST_F(PhysicsValidator2, ErrorsComeInTheOrderOfTheWalk) {
-  rule("/Case", Param("Z Time").required(), Param("A Regime").required(), Child("Solver").singleton(),
-       Child("Domain").names({"rotor", "stator"}), Child("Output").singleton().unavailable());
-  rule("/Case/Solver", Param("Scheme").required());
-  rule("/Case/Domain", Child("Boundary").unavailable(), Param("Motion").required());
+  rule("/Case").param("Z Time").required();
+  rule("/Case").param("A Regime").required();
+  rule("/Case").child("Solver").singleton();
+  rule("/Case").child("Domain").allowedNames({"rotor", "stator"});
+  rule("/Case").child("Output").singleton().availableWhen(never());
+  rule("/Case/Solver").param("Scheme").required();
+  rule("/Case/Domain").child("Boundary").availableWhen(never()).param("Motion").required();
   validate({{"/Case/Output", {{"Interval", "1"}}},
             {"/Case/Domain:rotor", {}},
             {"/Case/Domain:casing/Boundary:inlet", {}},
@@ -393,7 +398,7 @@ TEST_F(PhysicsValidator2, GlobalChecksReadTheFilteredModel) {
 
 TEST_F(PhysicsValidator2, TheCacheServesTheDependencyChecksOnly) {
   std::vector<bool> enabled;
-  rule("/Case", Param("Regime").when([&enabled](std::string const&, EvalContext& evalContext) {
+  rule("/Case").param("Regime").availableWhen(decided([&enabled](std::string const&, EvalContext& evalContext) {
     enabled.push_back(evalContext.getCache()->isEnabled());
     return true;
   }));
@@ -410,7 +415,7 @@ TEST_F(PhysicsValidator2, TheCacheServesTheDependencyChecksOnly) {
 
 TEST_F(PhysicsValidator2, NoResultIsCachedFromOneRunToTheNext) {
   std::vector<bool> found;
-  rule("/Case", Param("Regime").when([this, &found](std::string const&, EvalContext& evalContext) {
+  rule("/Case").param("Regime").availableWhen(decided([this, &found](std::string const&, EvalContext& evalContext) {
     found.push_back(evalContext.getCache()->find(this) != nullptr);
     evalContext.getCache()->store(this, true);
     found.push_back(evalContext.getCache()->find(this) != nullptr);
@@ -459,8 +464,10 @@ TEST_F(PhysicsValidator2, TheEnvironmentSwitchesTheCacheOffRunByRun) {
     enabled.push_back(evalContext.getCache()->isEnabled());
     return true;
   };
-  rule("/Case", Child("Solver").singleton().required(), Param("Regime").when(look), Child("Output").when(look));
-  rule("/Case/Solver", Param("Scheme").when(look));
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").param("Regime").availableWhen(decided(look));
+  rule("/Case").child("Output").availableWhen(decided(look));
+  rule("/Case/Solver").param("Scheme").availableWhen(decided(look));
   {
     DontUseCache const off("1");
     validate({{"/Case", {{"Regime", "Laminar"}}}});
@@ -482,7 +489,8 @@ TEST_F(PhysicsValidator2, TheEnvironmentSwitchesTheCacheOffRunByRun) {
 
 TEST_F(PhysicsValidator2, WhatARuleThrowsReachesTheCallerAndThePhaseIsRepeated) {
   bool broken = true;
-  rule("/Case", Param("Regime").required(), Param("Time").when([&broken](std::string const&, EvalContext&) {
+  rule("/Case").param("Regime").required();
+  rule("/Case").param("Time").availableWhen(decided([&broken](std::string const&, EvalContext&) {
     if (broken) throw std::runtime_error("no such function");
     return true;
   }));
@@ -502,7 +510,7 @@ TEST_F(PhysicsValidator2, WhatARuleThrowsReachesTheCallerAndThePhaseIsRepeated) 
 
 TEST_F(PhysicsValidator2, WhatAGlobalCheckThrowsReachesTheCallerAndTheDependencyPhaseStands) {
   bool broken = true;
-  rule("/Case", Param("Regime").required().when(counting(regimeAsked_)));
+  rule("/Case").param("Regime").required().availableWhen(decided(counting(regimeAsked_)));
   globalCheck("inlet", [&broken](EvalContext&) {
     if (broken) throw std::runtime_error("no such function");
     return DecidedGlobalCheck::Result(false, PhysicsErrorMsg("There must be an inlet."));
@@ -517,13 +525,14 @@ TEST_F(PhysicsValidator2, WhatAGlobalCheckThrowsReachesTheCallerAndTheDependency
 
 TEST_F(PhysicsValidator2, ARunThatBrokeWithinAPlaceholderIsMendedByTheNext) {
   bool broken = true;
-  rule("/Case", Param("Motion").unavailable(), Child("Solver").singleton().required(),
-       Child("Domain").names({"rotor"}).required());
-  rule("/Case/Solver", Param("Scheme").required().when([&broken](std::string const&, EvalContext&) {
+  rule("/Case").param("Motion").availableWhen(never());
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case").child("Domain").allowedNames({"rotor"}).required();
+  rule("/Case/Solver").param("Scheme").required().availableWhen(decided([&broken](std::string const&, EvalContext&) {
     if (broken) throw std::runtime_error("no such function");
     return true;
   }));
-  rule("/Case/Domain", Param("Motion"));
+  rule("/Case/Domain").param("Motion");
   EXPECT_THROW(validate({{"/Case", {{"Motion", "on"}}}}), std::runtime_error);
   broken = false;
   // Had the placeholder been left open, nothing would be said about the parameter, nor about the solver that is there.
@@ -537,8 +546,9 @@ TEST_F(PhysicsValidator2, ARunThatBrokeWithinAPlaceholderIsMendedByTheNext) {
 
 TEST_F(PhysicsValidator2, ABrokenRunOfTheSameModelIsRepeatedFromThePlaceholderOn) {
   bool broken = true;
-  rule("/Case", Child("Solver").singleton().required());
-  rule("/Case/Solver", Param("Scheme"), Param("Order").when([&broken](std::string const&, EvalContext&) {
+  rule("/Case").child("Solver").singleton().required();
+  rule("/Case/Solver").param("Scheme");
+  rule("/Case/Solver").param("Order").availableWhen(decided([&broken](std::string const&, EvalContext&) {
     if (broken) throw std::runtime_error("no such function");
     return false;
   }));

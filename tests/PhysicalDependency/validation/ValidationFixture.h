@@ -1,13 +1,12 @@
 #pragma once
 
-// What the tests of the validator share: rules written in a line, conditions that count and look around, a logger that
+// What the tests of the validator share: conditions and checks that look at the evaluation itself, a logger that
 // remembers everything, and a fixture that validates a case of a pump.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
@@ -23,11 +22,13 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/PhysicsValidator2.h>
 
+#include "support/Rules.h"
+
 namespace tarn::validation_test {
 
 using Strings = std::vector<std::string>;
 
-/// Decides on the availability of an item of the object at `objPath`.
+/// Decides on the availability of an item of the object at `objPath`; sees cache and beta controller as well.
 using Decision = std::function<bool(std::string const& objPath, EvalContext& evalContext)>;
 
 class DecidedCondition final : public Condition {
@@ -51,8 +52,8 @@ class DecidedGlobalCheck final : public GlobalCheck {
   std::function<Result(EvalContext&)> decision_;
 };
 
-inline bool never(std::string const&, EvalContext&) {
-  return false;
+inline std::unique_ptr<Condition> decided(Decision decision) {
+  return std::make_unique<DecidedCondition>(std::move(decision));
 }
 
 /// Counts how often it is asked and says yes.
@@ -62,66 +63,6 @@ inline Decision counting(int& count) {
     return true;
   };
 }
-
-/// A parameter entry with its value rule, filled in a chain: `Param("Regime").required().allowed({"Laminar"})`.
-class Param {
- public:
-  explicit Param(std::string name) { entry_.name = std::move(name); }
-  Param&& required() && { return entry_.required = true, std::move(*this); }
-  Param&& relaxed() && { return entry_.validationRelaxed = true, std::move(*this); }
-  Param&& contextRule() && { return entry_.contextRule = true, std::move(*this); }
-  Param&& when(Decision decision) && {
-    entry_.available = std::make_unique<DecidedCondition>(std::move(decision));
-    return std::move(*this);
-  }
-  Param&& unavailable() && { return std::move(*this).when(never); }
-  Param&& beta(std::string message) && { return entry_.betaMessage = std::move(message), std::move(*this); }
-  Param&& list() && { return values_.type = TDFParam::StringList, std::move(*this); }
-  Param&& allowed(SharedStrings values) && {
-    values_.allowedValueKind = ParamValueDef::FixedAllowedValues;
-    values_.availableWithNoAllowedValues = true;
-    values_.allowedValues = std::make_unique<FixedList>(std::move(values));
-    return std::move(*this);
-  }
-  Param&& subset(SharedStrings values) && {
-    values_.subset = std::make_unique<FixedList>(std::move(values));
-    return std::move(*this);
-  }
-  Param&& anyValue() && { return values_.allowsAnyValue = true, std::move(*this); }
-  Param&& betaValue(std::string const& value, std::string message) && {
-    return values_.betaValues[value] = std::move(message), std::move(*this);
-  }
-
-  void addTo(ObjDependDef& object) && { ASSERT_TRUE(object.addParam(std::move(entry_), std::move(values_))); }
-
- private:
-  ParamAvail entry_;
-  ParamValueDef values_;
-};
-
-/// A child entry; of named objects unless it is made a singleton.
-class Child {
- public:
-  explicit Child(std::string type) { entry_.type = std::move(type); }
-  Child&& required() && { return entry_.required = true, std::move(*this); }
-  Child&& singleton() && { return entry_.singleton = true, std::move(*this); }
-  Child&& relaxed() && { return entry_.validationRelaxed = true, std::move(*this); }
-  Child&& names(SharedStrings names) && {
-    entry_.allowedNamesSource = std::make_unique<FixedList>(std::move(names));
-    return std::move(*this);
-  }
-  Child&& when(Decision decision) && {
-    entry_.available = std::make_unique<DecidedCondition>(std::move(decision));
-    return std::move(*this);
-  }
-  Child&& unavailable() && { return std::move(*this).when(never); }
-  Child&& beta(std::string message) && { return entry_.betaMessage = std::move(message), std::move(*this); }
-
-  void addTo(ObjDependDef& object) && { ASSERT_TRUE(object.addChild(std::move(entry_))); }
-
- private:
-  ChildAvail entry_;
-};
 
 /// Remembers what it is told, levels included, and how often it was reset.
 class RecordingLogger final : public PhysicsErrorLogger {
@@ -156,12 +97,8 @@ class ValidationTest : public testing::Test {
  protected:
   ValidationTest() { rules_.addPertinentRoot("Case"); }
 
-  /// Adds entries to the rules of an object type.
-  template <typename... Entries>
-  void rule(std::string const& typePath, Entries&&... entries) {
-    ObjDependDef& object = rules_.addObject(typePath);
-    (std::forward<Entries>(entries).addTo(object), ...);
-  }
+  /// The rules of an object type, to be filled within the statement.
+  test::Rules rule(std::string const& typePath) { return test::Rules(rules_, typePath); }
 
   void globalCheck(std::string const& name, std::function<DecidedGlobalCheck::Result(EvalContext&)> decision) {
     ASSERT_TRUE(rules_.addGlobalCheck(name, std::make_unique<DecidedGlobalCheck>(std::move(decision))));
