@@ -589,8 +589,11 @@ TEST_F(ObjDependencyTest, ACopyKeepsWhatTheOriginalHasEvaluated) {
   Rules(data_, "/Case/Domain").param("Speed").byDefault(counting(count));
   ObjDependency const original = rotorOnFirstParam();
   EXPECT_EQ(original.getParamDefault(), "1");
-  ObjDependency const copy(original);
+  ObjDependency copy(original);
   EXPECT_EQ(copy.getParamDefault(), "1");
+  copy.firstParam();
+  EXPECT_EQ(copy.getParamDefault(), "2");
+  EXPECT_EQ(original.getParamDefault(), "1");
 }
 
 TEST_F(ObjDependencyContextTest, AnAssignedCursorTakesOverObjectPlaceAndContextRuleValue) {

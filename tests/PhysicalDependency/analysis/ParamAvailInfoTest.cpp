@@ -19,7 +19,6 @@
 namespace tarn {
 namespace {
 
-using test::list;
 using test::listOf;
 using test::MapModel;
 using test::never;

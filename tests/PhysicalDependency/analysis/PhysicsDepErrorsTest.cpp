@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 
@@ -58,10 +59,12 @@ TEST(PhysicsDepErrors, TheOtherTwoAreCaughtAsTheLibrarysError) {
   EXPECT_THROW(throw made<physics_dep::emptyRequiredChild>(), physics_dep::error);
 }
 
-TEST(PhysicsDepErrors, ACopyTellsTheSame) {
-  auto const original = made<physics_dep::invalidParamVal>();
-  physics_dep::invalidParamVal const copy(original);
-  EXPECT_EQ(told(copy), told(original));
+TEST(PhysicsDepErrors, ACopyTellsTheSameAlsoWhenTheOriginalIsGone) {
+  auto original = std::make_unique<physics_dep::invalidParamVal>(made<physics_dep::invalidParamVal>());
+  std::string const before = told(*original);
+  physics_dep::invalidParamVal const copy(*original);
+  original.reset();
+  EXPECT_EQ(told(copy), before);
 }
 
 TEST(PhysicsDepErrors, AnAssignedErrorTellsTheSame) {
