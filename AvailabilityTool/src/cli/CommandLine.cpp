@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include <tarn/Error.h>
+#include <tarn/StringUtilities.h>
 
 #include "cli/Command.h"
 #include "cli/ExitStatus.h"
@@ -44,6 +45,20 @@ int tellUsage(CLI::App const& app, CLI::ParseError const& error) {
   return Failed;
 }
 
+// The parser would only say that some command is needed.
+void requireKnownCommand(CLI::App const& app, std::string const& name) {
+  if (name.starts_with('-')) return;
+  std::vector<std::string> known;
+  for (CLI::App const* command : app.get_subcommands({})) {
+    if (command->get_name() == name) return;
+    known.push_back(command->get_name());
+  }
+  std::string const match = StringUtilities::nearMatch(name, known);
+  throw CLI::ParseError(
+      "there is no command \"" + name + '"' + (match.empty() ? "" : "; did you mean \"" + match + "\"?"),
+      CLI::ExitCodes::InvalidError);
+}
+
 int run(std::vector<std::string> arguments) {
   CLI::App app("Tells what is physically wrong with the set-up of a simulation, by rules.", "zev");
   app.set_version_flag("--version", std::string("zev ") + TARN_VERSION, "Print the version and exit");
@@ -60,6 +75,7 @@ int run(std::vector<std::string> arguments) {
       std::cerr << app.help();
       return Failed;
     }
+    requireKnownCommand(app, arguments.front());
     if (arguments.front() == "validate") arguments = divideListArguments(arguments, validateListOptions());
     std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them
     app.parse(std::move(arguments));

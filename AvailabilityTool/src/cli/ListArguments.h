@@ -13,8 +13,8 @@ struct ListOption {
 };
 
 /// Writes the option again before each further value that it takes, so that
-/// `--rules base.rules.yaml site.rules.yaml pump.model` becomes
-/// `--rules base.rules.yaml --rules site.rules.yaml pump.model`, and the model is left to be an argument of its own.
+/// `--rules base.rules.yaml site.rules.yaml pump.tdf` becomes
+/// `--rules base.rules.yaml --rules site.rules.yaml pump.tdf`, and the model is left to be an argument of its own.
 /// `arguments` are the name of a command and what stands behind it.
 ///
 /// The value right behind the option always belongs to it. Of the further ones, the last argument of all does not when

@@ -16,7 +16,7 @@
 namespace tarn::tool {
 
 void flushResults(std::ostream& out) {
-  errno = 0;
+  if (out) errno = 0;  // else it is of the write that failed before
   out.flush();
   if (out) return;
   int const error = errno;

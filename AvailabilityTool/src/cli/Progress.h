@@ -19,7 +19,7 @@ class Progress {
   Progress(Progress const&) = delete;
   Progress& operator=(Progress const&) = delete;
 
-  /// The next file is begun: "[3/9] pump.model".
+  /// The next file is begun: "[3/9] pump.tdf".
   void begin(std::string const& name);
   /// Wipes the line. To be called before anything else is written on the terminal.
   void hide();

@@ -23,8 +23,10 @@ int Summary::exitStatus() const noexcept {
 }
 
 std::string Summary::text() const {
-  std::string text = counted(models_, "model") + " validated";
-  if (withFindings_ == 0) {
+  std::string text = models_ == 0 ? "no model validated" : counted(models_, "model") + " validated";
+  if (models_ == 0) {
+    text += '.';
+  } else if (withFindings_ == 0) {
     text += ", nothing found.";
   } else {
     text += ", " + std::to_string(withFindings_) + " with findings: ";

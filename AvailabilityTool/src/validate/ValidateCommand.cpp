@@ -78,7 +78,7 @@ ModelState readModel(std::string const& name) {
   try {
     return TDFChangeFile({name}, {}, TDFChangeFile::Strict).toModelState();
   } catch (ParseError const& error) {
-    throw Failure(error.getMessage() + "; correct the line, the model was not read");
+    throw Failure(error.getMessage() + " (nothing of the model was read; correct the line and run again)");
   } catch (FileError const& error) {
     std::error_code ignored;
     throw Failure(error.getMessage() + (std::filesystem::is_directory(name, ignored)
@@ -142,13 +142,13 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   auto format = std::make_shared<std::string>("text");
   CLI::App* command = app.add_subcommand("validate", "Tell what is wrong in models");
   command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
-      ->type_name("PATH...")
+      ->type_name("PATH")
       ->allow_extra_args(false)
       ->required();
   command
       ->add_option("--root", options->judge.roots,
                    "Look only at these objects and below; without it, at all of the types that the rules look at")
-      ->type_name("OBJECT...")
+      ->type_name("OBJECT")
       ->allow_extra_args(false);
   command->add_option("--phase", *phases, "What the validator does: the dependency checks, the global ones, or all")
       ->type_name("dependency|global|all")
@@ -162,8 +162,8 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
       ->type_name("")
       ->required();
   command->footer(
-      "Examples: zev validate --rules flow.rules.yaml pump.model fan.model\n"
-      "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.model\n"
+      "Examples: zev validate --rules flow.rules.yaml pump.tdf fan.tdf\n"
+      "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.tdf\n"
       "Findings go to the standard output, one line that sums them up goes to the standard error.\n"
       "Behind --rules every further *.yaml, and every folder with *.rules.yaml, belongs to the rules; behind --root\n"
       "what begins with / and is no file is an object. The last argument is a MODEL when there is no other.\n"

@@ -18,35 +18,35 @@ std::vector<std::string> divide(std::vector<std::string> const& arguments) {
 }
 
 TEST(ListArguments, TheFirstValueBelongsToTheOptionAndTheRestIsFree) {
-  EXPECT_THAT(divide({"validate", "--rules", "rules", "pump.model", "fan.model"}),
-              ElementsAre("validate", "--rules", "rules", "pump.model", "fan.model"));
+  EXPECT_THAT(divide({"validate", "--rules", "rules", "pump.tdf", "fan.tdf"}),
+              ElementsAre("validate", "--rules", "rules", "pump.tdf", "fan.tdf"));
 }
 
 TEST(ListArguments, FurtherRuleFilesAreGivenTheOptionAgain) {
-  EXPECT_THAT(divide({"validate", "--rules", "a.rules.yaml", "b.rules.yaml", "pump.model"}),
-              ElementsAre("validate", "--rules", "a.rules.yaml", "--rules", "b.rules.yaml", "pump.model"));
+  EXPECT_THAT(divide({"validate", "--rules", "a.rules.yaml", "b.rules.yaml", "pump.tdf"}),
+              ElementsAre("validate", "--rules", "a.rules.yaml", "--rules", "b.rules.yaml", "pump.tdf"));
 }
 
 TEST(ListArguments, FurtherObjectsAreGivenTheOptionAgain) {
-  EXPECT_THAT(divide({"validate", "--root", "/Case/Domain:a", "/Case/Domain:b", "pump.model"}),
-              ElementsAre("validate", "--root", "/Case/Domain:a", "--root", "/Case/Domain:b", "pump.model"));
+  EXPECT_THAT(divide({"validate", "--root", "/Case/Domain:a", "/Case/Domain:b", "pump.tdf"}),
+              ElementsAre("validate", "--root", "/Case/Domain:a", "--root", "/Case/Domain:b", "pump.tdf"));
 }
 
 TEST(ListArguments, TheLastArgumentIsFreeWhenNoOtherIs) {
-  EXPECT_THAT(divide({"validate", "--root", "/Case", "/no/such.model"}),
-              ElementsAre("validate", "--root", "/Case", "/no/such.model"));
+  EXPECT_THAT(divide({"validate", "--root", "/Case", "/no/such.tdf"}),
+              ElementsAre("validate", "--root", "/Case", "/no/such.tdf"));
   EXPECT_THAT(divide({"validate", "--rules", "a.yaml", "b.yaml"}),
               ElementsAre("validate", "--rules", "a.yaml", "b.yaml"));
 }
 
 TEST(ListArguments, WithAModelInFrontTheLastArgumentMayBelongToTheOption) {
-  EXPECT_THAT(divide({"validate", "pump.model", "--rules", "a.yaml", "b.yaml"}),
-              ElementsAre("validate", "pump.model", "--rules", "a.yaml", "--rules", "b.yaml"));
+  EXPECT_THAT(divide({"validate", "pump.tdf", "--rules", "a.yaml", "b.yaml"}),
+              ElementsAre("validate", "pump.tdf", "--rules", "a.yaml", "--rules", "b.yaml"));
 }
 
 TEST(ListArguments, AnotherOptionEndsTheList) {
-  EXPECT_THAT(divide({"validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.model"}),
-              ElementsAre("validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.model"));
+  EXPECT_THAT(divide({"validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.tdf"}),
+              ElementsAre("validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.tdf"));
 }
 
 TEST(ListArguments, BehindTwoHyphensNothingIsDivided) {

@@ -13,10 +13,10 @@ TEST(Progress, ShowsHowFarTheRunIsAndWipesTheLineAtTheEnd) {
   std::ostringstream terminal;
   {
     Progress progress(terminal, true, 2, 0s);
-    progress.begin("pump.model");
-    progress.begin("fan.model");
+    progress.begin("pump.tdf");
+    progress.begin("fan.tdf");
   }
-  EXPECT_EQ(terminal.str(), "\r\033[K[1/2] pump.model\r\033[K[2/2] fan.model\r\033[K");
+  EXPECT_EQ(terminal.str(), "\r\033[K[1/2] pump.tdf\r\033[K[2/2] fan.tdf\r\033[K");
 }
 
 TEST(Progress, ShowsOfALongNameTheEnd) {
@@ -29,7 +29,7 @@ TEST(Progress, ShowsOfALongNameTheEnd) {
 TEST(Progress, CountsFilesThatPassedBeforeItWasShown) {
   std::ostringstream terminal;
   Progress progress(terminal, true, 3, 1h);
-  progress.begin("pump.model");
+  progress.begin("pump.tdf");
   progress.hide();
   EXPECT_EQ(terminal.str(), "");
 }
@@ -37,7 +37,7 @@ TEST(Progress, CountsFilesThatPassedBeforeItWasShown) {
 TEST(Progress, OfOneFileIsNotShown) {
   std::ostringstream terminal;
   Progress progress(terminal, true, 1, 0s);
-  progress.begin("pump.model");
+  progress.begin("pump.tdf");
   EXPECT_EQ(terminal.str(), "");
 }
 
@@ -45,7 +45,7 @@ TEST(Progress, SwitchedOffWritesNothing) {
   std::ostringstream file;
   {
     Progress progress(file, false, 9, 0s);
-    progress.begin("pump.model");
+    progress.begin("pump.tdf");
   }
   EXPECT_EQ(file.str(), "");
 }

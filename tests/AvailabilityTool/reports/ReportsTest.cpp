@@ -22,11 +22,11 @@ Findings oneOfEach() {
 
 std::string textOf(Findings const& findings) {
   std::ostringstream out;
-  writeTextReport(out, "pump.model", findings);
+  writeTextReport(out, "pump.tdf", findings);
   return out.str();
 }
 
-std::string jsonOf(Findings const& findings, std::string const& name = "pump.model") {
+std::string jsonOf(Findings const& findings, std::string const& name = "pump.tdf") {
   std::ostringstream out;
   writeJsonReport(out, name, findings);
   return out.str();
@@ -34,7 +34,7 @@ std::string jsonOf(Findings const& findings, std::string const& name = "pump.mod
 
 TEST(TextReport, GivesFourLinesAFindingUnderTheNameOfTheModel) {
   EXPECT_EQ(textOf(oneOfEach()),
-            "pump.model:\n"
+            "pump.tdf:\n"
             "**Dependency error on path \"/Case\"\n---\nSomething is missing.\n===\n"
             "**General physics errors detected \n---\nThere are outlets but no inlet.\n===\n"
             "**Unknown name on path \"/Case\"\n---\nNo such parameter.\n===\n"
@@ -50,12 +50,12 @@ TEST(TextReport, OfACleanModelIsEmpty) {
 TEST(TextReport, ShowsBetaMessagesOfACleanModel) {
   Findings findings;
   findings.beta = {{"/Case/Combustion", "Not released."}};
-  EXPECT_EQ(textOf(findings), "pump.model:\n**Beta message on path \"/Case/Combustion\"\n---\nNot released.\n===\n");
+  EXPECT_EQ(textOf(findings), "pump.tdf:\n**Beta message on path \"/Case/Combustion\"\n---\nNot released.\n===\n");
 }
 
 TEST(JsonReport, IsOneLineWithItsKeysInOrder) {
   EXPECT_EQ(jsonOf(oneOfEach()),
-            R"({"model":"pump.model","status":3,)"
+            R"({"model":"pump.tdf","status":3,)"
             R"("dependency":[{"path":"/Case","message":"Something is missing."}],)"
             R"("global":["There are outlets but no inlet."],)"
             R"("unknown":[{"path":"/Case","name":"Colour","message":"No such parameter."},)"
@@ -67,7 +67,7 @@ TEST(JsonReport, IsOneLineWithItsKeysInOrder) {
 
 TEST(JsonReport, OfACleanModelHasAllKeys) {
   EXPECT_EQ(jsonOf({}),
-            R"({"model":"pump.model","status":0,"dependency":[],"global":[],"unknown":[],"values":[],"beta":[]})"
+            R"({"model":"pump.tdf","status":0,"dependency":[],"global":[],"unknown":[],"values":[],"beta":[]})"
             "\n");
 }
 
@@ -124,6 +124,14 @@ TEST(Summary, AFailureOutranksFindings) {
   EXPECT_EQ(summary.text(),
             "1 model validated, 1 with findings: 1 dependency error, 1 general physics error, 2 unknown names, 1 value "
             "fault. 1 beta message. 1 model could not be validated, see above.");
+}
+
+TEST(Summary, OfModelsThatCouldNotBeReadPromisesNothing) {
+  Summary summary;
+  summary.addFailure();
+  summary.addFailure();
+  EXPECT_EQ(summary.text(), "no model validated. 2 models could not be validated, see above.");
+  EXPECT_EQ(summary.exitStatus(), 2);
 }
 
 }  // namespace
