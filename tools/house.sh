@@ -60,7 +60,7 @@ build() {
     }
   fi
   if ! (cd "$house" && cmake --build --preset "$preset" -- -k 20) </dev/null 2>&1 | progress "$preset" "$log"; then
-    grep -vE '^\[[0-9]+/[0-9]+\]|^ninja: ' "$log" >&2 || true
+    grep -vE '^\[[0-9]+/[0-9]+\]|^ninja: |^-- ' "$log" >&2 || true
     die "The build failed; its whole output is in $log."
   fi
 }
