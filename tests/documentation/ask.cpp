@@ -26,9 +26,9 @@
 namespace {
 
 std::string shown(std::vector<std::string> const& items) {
-  std::string text = "[";
-  for (std::string const& item : items) text += (text.size() > 1 ? ", " : "") + item;
-  return text + "]";
+  std::string text;
+  for (std::string const& item : items) text += (text.empty() ? "[" : ", ") + item;
+  return (text.empty() ? "[" : text) + "]";
 }
 
 template <typename Range>
@@ -36,7 +36,9 @@ std::vector<std::string> items(Range const& range) {
   return std::vector<std::string>(range.begin(), range.end());
 }
 
-char const* shown(bool truth) { return truth ? "true" : "false"; }
+char const* shown(bool truth) {
+  return truth ? "true" : "false";
+}
 
 using Answers = std::map<std::pair<std::string, std::string>, std::string>;
 
@@ -61,8 +63,7 @@ class Survey final : public tarn::DependencyAnalyser {
     answers[{"complete list required", path}] = shown(info->isCompleteListRequired());
     answers[{"allowed", path}] = allowed.hasAllowedValues ? shown(items(allowed.allowedValues)) : "anything";
     answers[{"any value allowed", path}] = shown(allowed.allowsAnyValue || !allowed.hasAllowedValues);
-    answers[{"on offer", path}] =
-        shown(items(allowed.hasSubset ? allowed.subsetValues : allowed.allowedValues));
+    answers[{"on offer", path}] = shown(items(allowed.hasSubset ? allowed.subsetValues : allowed.allowedValues));
     answers[{"default", path}] = info->getDefault(allowed);
     answers[{"override", path}] = overridden ? value : "none";
     answers[{"lower bound", path}] = info->getBounds().first;

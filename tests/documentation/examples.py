@@ -98,7 +98,7 @@ class Examples:
         return done.stdout.splitlines()
 
     def asked(self, block):
-        questions = [line.split(" => ")[0].rstrip() for line in block.lines]
+        questions = [line.split("=>")[0].rstrip() for line in block.lines]
         answers = self.questions(block, questions)
         width = max(map(len, questions))
         return [f"{q.ljust(width)} => {a}".rstrip() for q, a in zip(questions, answers)]
@@ -107,7 +107,7 @@ class Examples:
         at = re.fullmatch(r"at (\S.*)", block.lines[0])
         if not at:
             self.fault(block, "the first line is not `at PATH`")
-        rows = [re.split(r" +=> ?", line, maxsplit=1) for line in block.lines[1:]]
+        rows = [re.split(r"\s+=>\s?", line, maxsplit=1) for line in block.lines[1:]]
         if any(len(row) != 2 for row in rows):
             self.fault(block, "a line is not `expression => value`")
         kinds, questions = [], []
@@ -206,9 +206,9 @@ def main():
     if given.update:
         for block, real in reversed(replaced):
             indent = " " * block.indent
-            lines[block.first:block.first + len(block.lines)] = [(indent + line).rstrip() for line in real]
+            lines[block.first:block.first + len(block.lines)] = [indent + line if line else "" for line in real]
         given.document.write_text("\n".join(lines), encoding="utf-8")
-    print(f"{given.document.name}: {examples.answered} examples, {differing} blocks differ")
+    print(f"{given.document.name}: {examples.answered} examples, blocks that differ: {differing}")
     sys.exit(0 if examples.answered and not differing or given.update else 1)
 
 
