@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Sees that the rule reference leaves nothing out: complete.py SOURCE_FOLDER
+
+Every key of a rule file, every function, and every sentence of a diagnostic that stands in the sources of the rule
+language has to stand in docs/rule-reference.md, where another test sees that its example is right. Whoever adds one
+adds its example. The sources are searched as text: keys and functions in the tables that begin `{"Name", `, sentences
+in all literals that hold a blank.
+"""
+import pathlib
+import re
+import sys
+
+# What an example cannot show on every machine, or takes a gigabyte to show.
+NOT_SHOWN = {
+    "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
+    "no rule file is named", "the file has more than ", " YAML nodes; divide it",
+    # Of the C++ interface alone.
+    '" is no path pattern: ',
+    # A hint for a message of the YAML library, and messages that are guards against what does not happen.
+    "did not find expected <document start>", "found undefined alias", "the expression ends where something is missing",
+    "'\\' must stand before a character", "... calls ",
+}
+
+TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
+ATTRIBUTE = re.compile(r'inline constexpr std::string_view \w+ = "([^"]+)"')
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
+
+
+def code(path):
+    text = path.read_text(encoding="utf-8")
+    return "\n".join(line for line in text.split("\n") if not re.match(r"\s*(//|#include)", line))
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    reference = (root / "docs/rule-reference.md").read_text(encoding="utf-8")
+    sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
+    sources.append(root / "PhysicsInterfaces/src/physics_checks/PathPattern.cpp")
+    texts = {path: code(path) for path in sources}
+
+    names = set(ATTRIBUTE.findall(code(root / "PhysicsInterfaces/include/tarn/RuleAttributes.h")))
+    sentences = set()
+    for text in texts.values():
+        names.update(TABLE_ROW.findall(text))
+        for literal in LITERAL.findall(text):
+            literal = literal.replace('\\"', '"').replace("\\\\", "\\")
+            if " " in literal.strip() and "\\" not in literal.replace("'\\", ""):
+                sentences.add(literal)
+
+    missing = sorted(name for name in names if f"`{name}" not in reference and f"### {name}\n" not in reference)
+    missing += sorted(sentence for sentence in sentences - NOT_SHOWN if sentence not in reference)
+    for one in missing:
+        print(f"docs/rule-reference.md lacks: {one}")
+    print(f"{len(names)} keys and functions, {len(sentences)} sentences, {len(missing)} missing")
+    sys.exit(1 if missing or len(names) < 70 or len(sentences) < 100 else 0)
+
+
+if __name__ == "__main__":
+    main()
