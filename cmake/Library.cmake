@@ -17,10 +17,6 @@ endfunction()
 function(tarn_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINK;PRIVATE_LINK" ${ARGN})
   set(target TARN${name})
-  if(NOT ARG_SOURCES)
-    file(TOUCH ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
-    set(ARG_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/empty.cpp)
-  endif()
   add_library(${target} SHARED ${ARG_SOURCES})
   add_library(TARN::${name} ALIAS ${target})
   tarn_warnings(${target})
@@ -28,7 +24,8 @@ function(tarn_library name)
   target_include_directories(${target} PRIVATE src)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
-  target_link_options(${target} PRIVATE LINKER:--as-needed LINKER:--version-script=${TARN_EXPORTS_MAP})
+  target_link_options(${target} PRIVATE
+    LINKER:--as-needed LINKER:--version-script=${TARN_EXPORTS_MAP})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${name}
     CXX_VISIBILITY_PRESET hidden
