@@ -1,0 +1,71 @@
+#pragma once
+
+#include <fstream>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include <tarn/Export.h>
+#include <tarn/ModelState.h>
+
+namespace tarn {
+
+class ProvisionalTDF;
+
+/// Prints a `ProvisionalTDF` as text for people: its state, one object or parameter of it, and what the last update
+/// changed. Only reads, through the getters of the state.
+///
+///     ProvTDFLogger printer(&domain, "stdout");
+///     domain.setLogger(&printer);                 // from here on every edit prints itself and what it changed
+///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");
+///     printer.printObjectState("/Case/Domain:rotor");
+///
+/// Text that cannot be written is lost without notice. Each operation ends with the stream flushed.
+class TARN_EXPORT ProvTDFLogger {
+ public:
+  /// A printer of `provisional`, which is not owned and must outlive all printing. "stdout" or "cout" is the standard
+  /// output, "stderr" or "cerr" the standard error; any other text is the name of a file to append to. A file that
+  /// cannot be opened takes all that is printed and keeps nothing.
+  ///
+  /// Prints a header with the active root, and the end of the printer a footer, which does not read the state any more.
+  ProvTDFLogger(ProvisionalTDF const* provisional, std::string const& target);
+  /// Copies print to the same target, and each prints a footer at its end. A file is closed with the last of them.
+  ProvTDFLogger(ProvTDFLogger const&) = default;
+  ProvTDFLogger& operator=(ProvTDFLogger const&) = default;
+  virtual ~ProvTDFLogger();
+
+  /// The text and a line end.
+  void printString(std::string const& text) const;
+
+  /// The active state, or any other, as nested blocks; see `printModelState`.
+  void printState() const;
+  void printState(ModelState const& state) const;
+
+  /// One object: its parameters with their values, the potential parameters with their allowed values, the potential
+  /// objects directly in it. What there is none of is left out. Says so when there is nothing at all.
+  void printObjectState(std::string const& path) const;
+
+  /// One parameter on one line: its value, or that it is potential, with its allowed values or the subset on offer; or
+  /// why there is nothing to show. A parameter of an object that holds no parameters yet counts as one of an absent
+  /// object.
+  void printParamState(std::string const& objPath, std::string const& name, bool subset) const;
+
+  /// The command that asked, and `printParamState` with all allowed values and with the subset, each under a title.
+  void printParamStateWithDecoration(std::string const& command, std::string const& argument,
+                                     std::string const& objPath, std::string const& name) const;
+
+  /// What the last update changed, in ten sections, each of which is there also when it has nothing to tell. Values are
+  /// the present ones.
+  void printUpdates() const;
+
+ private:
+  [[nodiscard]] std::string allowedValuesSuffix(std::string const& objPath, std::string const& name, bool subset) const;
+  void writeParamState(std::string const& objPath, std::string const& name, bool subset) const;
+
+  ProvisionalTDF const* provisional_;
+  std::shared_ptr<std::ofstream> ownedFile_;  // null for a console target
+  std::ostream* out_;
+  std::string activeRoot_;
+};
+
+}  // namespace tarn

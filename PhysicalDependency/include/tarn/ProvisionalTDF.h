@@ -1,0 +1,414 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tarn/DependencyAnalyser.h>
+#include <tarn/DynamicTDF.h>
+#include <tarn/Export.h>
+#include <tarn/ModelState.h>
+
+namespace tarn {
+
+class ActivityDecisions;
+class BoundsTracker;
+class EvalContext;
+class ModelTDF;
+class ModifiedQuantityTracker;
+class NamedObjectProbe;
+class PhysicsData;
+class PotentialUpdateTracker;
+class ProvTDFLogger;
+class ProvisionalTDFDB;
+class QuantityModifier;
+class SubsetSelections;
+enum class ActivityState : int;
+
+/// One object of a model while a user edits it, with everything below it, held to the rules after every edit: what the
+/// rules withdraw disappears, what they require comes with its default, what they offer waits until the user activates
+/// it, and each edit tells exactly what it changed, so that a user interface refreshes only that. The model itself, the
+/// base model, is only read. Made for the author of such a user interface; what follows is the manual.
+///
+/// A worked example. The rules give a domain the required parameter Motion, which is Stationary or Rotating and
+/// Stationary by default; Angular Velocity, required while Motion is Rotating; and a Title, which is optional.
+///
+///     ProvisionalTDF domain(&rules, "/Case/Domain:rotor");
+///     domain.initialise(&model, {});                 // the model has the rotor, without any parameters
+///     domain.getNewlyAvailParams();                  // {("/Case/Domain:rotor", "Motion")}
+///     domain.getAvailPotParams();                    // {("/Case/Domain:rotor", "Title")}
+///
+///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");
+///     domain.getModParams();                         // {("/Case/Domain:rotor", "Motion")}
+///     domain.getNewlyAvailParams();                  // {("/Case/Domain:rotor", "Angular Velocity")}
+///     domain.getEmptyParameters(false);              // {"/Case/Domain:rotor/Angular Velocity"}
+///
+///     domain.activateOptParam("/Case/Domain:rotor", "Title");
+///     domain.getNewlyAvailParams();                  // {("/Case/Domain:rotor", "Title")}
+///     domain.getAvailPotParams();                    // {}
+///
+///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Stationary");
+///     domain.getNewlyUnavailParams();                // {("/Case/Domain:rotor", "Angular Velocity")}
+///     ModelState const result = domain.getActiveTDFState();
+///
+/// ## What to call, in what order
+///
+/// 1. Construct with the rules and the path of the object, the active root.
+/// 2. `setLogger`, if what happens is to be printed.
+/// 3. `initialise`, or `initialiseBasedOn` for a new object that starts as a copy. Until then there is nothing to edit:
+///    edits and `baseUpdate` do nothing, and every getter answers empty.
+/// 4. Edits, in any order and number, and `baseUpdate` whenever the base model has changed. Each is one update, after
+///    which the getters are to be read.
+/// 5. Take over `getActiveTDFState` where the result is wanted. Nothing is ever written to the base model. The state
+/// can
+///    be handed to `initialise` of another object as its guide.
+///
+/// The rules, the modifier, the base model and the logger are not owned and must outlive this object or their
+/// replacement. One thread at a time.
+///
+/// ## What is kept
+///
+/// The *active state* is the legal result, and all that is ever published. It is worked out anew in each update. The
+/// *guide* is the record of what was asked for: the values that the base model held at the start, those handed to
+/// `initialise`, and all that the user has set since. The guide steers and is not itself held to the rules. A value
+/// that the rules refuse stays in it and comes back by itself when they allow it, so nothing that the user entered is
+/// lost. An override of the rules is the one thing that replaces it. *Decisions* are what the user switched on or off.
+/// They hold until they are changed, also while the item does not exist; removing a named object forgets those inside
+/// it.
+///
+/// Required items are in the active state whatever the user says. An optional one, a parameter that is available and
+/// not required or a coupled child object of that kind, is in the active state if it is wanted: a decision settles it,
+/// and without one, whether the guide holds it. If not, it is *potential*: on offer, and listed as such. A child object
+/// that is optional and not coupled is not up to the user here; it is mirrored from the base model.
+///
+/// ## One update
+///
+/// The rules are walked through once from the active root: each object's parameters in the order of the rules, then its
+/// children. There is one pass; it is not repeated until nothing changes. So a rule sees the new values of what comes
+/// before it and the old ones of what comes behind, and rules that look ahead settle with the next edit. Rules read the
+/// active state for the active root and below, and the base model for all else.
+///
+/// Of every parameter that is available:
+///
+/// | wanted or required                               | its value in the active state                          |
+/// |--------------------------------------------------|--------------------------------------------------------|
+/// | an override is in force                          | the override; the guide takes it over                  |
+/// | wanted, the guide has a value that is allowed    | that value                                             |
+/// | wanted, the guide's value or override is refused | the default, if required or switched on; else it is    |
+/// |                                                  | potential                                              |
+/// | switched on, the guide has no value              | the default, or "" when there is none                  |
+/// | required only                                    | the default, or "" when there is none                  |
+///
+/// Of a list, the items that are not allowed are left out; if all allowed values are required, the missing ones are put
+/// behind the user's. Whether some are missing is judged by the number of items alone, so a list that names one value
+/// twice for another may pass. A parameter that the rules withdraw is gone and not potential; its value in the guide
+/// and the decision on it wait.
+///
+/// ## What each getter holds
+///
+/// Everything is about the last update and stays, by reference, valid and unchanged until the next edit or
+/// `baseUpdate`; arguments of an edit may be taken from there. Objects that become present are told by their
+/// parameters: there is no list of new objects.
+///
+/// | Getter                       | after an edit that applied                         | after a refused edit |
+/// |------------------------------|----------------------------------------------------|----------------------|
+/// | `getActiveTDFState`          | the result, without objects that hold no parameter | the same as before   |
+/// | `getNewlyAvailParams`        | what came into the active state                    | empty                |
+/// | `getModParams`               | what has another value or other allowed values     | empty                |
+/// | `getNewlyUnavailParams`      | what left it and is not potential now              | empty                |
+/// | `getDeletedObjects`          | the tops of what was deleted                       | empty                |
+/// | `getModBoundsParams`         | computed bounds that moved                         | empty                |
+/// | `getModQuantParams`          | quantity types that were adjusted anew             | empty                |
+/// | `getEmptyParameters`         | all that have no value                             | empty                |
+/// | `getAvailPotObjects`,        | all that is potential                              | empty                |
+/// | `getAvailPotParams`          |                                                    |                      |
+/// | `getNewlyAvailPotObjects`,   | what was not potential before                      | empty                |
+/// | `getNewlyAvailPotParams`     |                                                    |                      |
+/// | `getNewlyUnavailPotObjects`, | what was potential and is now neither that nor     | all that was         |
+/// | `getNewlyUnavailPotParams`   | present                                            | potential            |
+/// | `getModPotParams`            | what is potential with other allowed values        | empty                |
+/// | `isUserNamedTypeAvailable`   | as found in the update                             | the same as before   |
+///
+/// The first four are a log of events and not of their net effect. What came and went within one update stands in both
+/// lists, and what came and changed in two; a parameter that left and came back stands among the new ones, whether it
+/// was lost or merely potential in between. To bring a copy of the active state up to date: erase what was deleted and
+/// what left, also to become potential (`getNewlyUnavailParams`, `getDeletedObjects`, and those of
+/// `getNewlyAvailPotParams` that `getActiveTDFState` lacks), then set all that is new or modified and present to its
+/// `getParamValue`.
+///
+/// ## Edits that do not apply
+///
+/// An edit outside the active root, of a path that cannot be read, or of an object to which it does not apply is
+/// refused: nothing changes, no walk is made, and the lists tell of nothing, as above. That includes the lists of what
+/// is potential and of what is empty, which only a walk fills: keep your own copy on screen until the next edit that
+/// applies, after which all that is potential is listed as newly available again. A refusal is not reported otherwise.
+///
+/// ## Failures
+///
+/// What a rule, the base model or the modifier throws passes to the caller. The update is then incomplete: what the
+/// walk had done stays, the active state reads as empty and the change lists are of no use. The object remains usable.
+/// The edit is not lost, and the next update completes it; refresh everything from `getActiveTDFState` then.
+///
+/// ## Cost
+///
+/// One update evaluates all rules of the active root and copies its content once; nothing is kept back for a part of
+/// it. The getters compute nothing, except those that return by value. No operation recurses; depth is limited by
+/// memory.
+class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
+ public:
+  /// Object path and name of a parameter.
+  using ParamId = DynamicTDF::ParamId;
+  /// Object path to name of a parameter, sorted by object path.
+  using ParamsByObject = std::multimap<std::string, std::string>;
+
+  /// A state for the object at `p_activeRoot`, "" for a whole model, under these rules. Write an object whose name
+  /// equals its type without the name, as the model itself does.
+  ProvisionalTDF(PhysicsData const* p_data, std::string const& p_activeRoot);
+  /// With a modifier that names the quantity types of real parameters; null for none.
+  ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier, std::string const& p_activeRoot);
+  ProvisionalTDF(ProvisionalTDF const&) = delete;
+  ProvisionalTDF& operator=(ProvisionalTDF const&) = delete;
+  virtual ~ProvisionalTDF();
+
+  /// Has every later operation printed: the command, then what it changed. Null ends it.
+  void setLogger(ProvTDFLogger* p_logger) noexcept { m_logger = p_logger; }
+
+  /// @name The start, and a changed base model
+  /// `p_base` is kept, and must live until the next `baseUpdate` or the end of this object.
+  /// @{
+
+  /// Starts from the object as the base model has it; it need not have it. `p_guideState` overlays its values and may
+  /// name any object at or below the active root. What in it the rules refuse waits in the guide. Values of the base
+  /// model that are blank count as not given; those of `p_guideState` count.
+  ///
+  /// Throws the `Error` of `TDFPath` when the active root, or a path in `p_guideState`, cannot be read. Then nothing
+  /// has started, and it may be called again. A second call starts over with the guide but keeps decisions, remembered
+  /// selections and which default names were dealt with.
+  void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
+
+  /// Starts as a copy of the object at `p_basedOnPath` of the base model, which must be a named object of the same type
+  /// and parent as the active root, and the base model must not hold the active root yet. Of an object that both have,
+  /// the copied parameters stand and those of `p_guideState` are dropped as a whole. Such a new object has nothing in
+  /// the base model to mirror, so its optional children that are not coupled are left out for good, even if the base
+  /// model gets the object later.
+  ///
+  /// In every other case the same as `initialise`.
+  void initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base, ModelState const& p_guideState);
+
+  /// Follows a base model that has changed, or another one, and updates. The guide is not touched: it goes on with the
+  /// values that the base model had at the start, and what the base model changes under the active root shows only in
+  /// mirrored children. Not printed as a command.
+  void baseUpdate(ModelTDF const* p_base);
+  /// @}
+
+  /// @name Edits
+  /// Each is one update; when it applies, it is one walk under the rules. Each prints itself when there is a logger,
+  /// also when it is refused. See above for edits that do not apply.
+  /// @{
+
+  /// Writes a value to the guide. That makes the parameter wanted, and objects above it as well that are optional, but
+  /// for those that the user switched off: then the value waits for `activateOptParam` or `activateOptObject`. "" is a
+  /// value like any other. Whether the rules know the parameter is not asked.
+  void activeSetParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
+
+  /// Switches an optional parameter on. The guide's value comes back, if there is one; otherwise the default, or "".
+  void activateOptParam(std::string const& p_objPath, std::string const& p_name);
+  /// Switches an optional parameter off. Its value stays in the guide, unless it is empty: then it is dropped, so that
+  /// switching on gives the default. A required parameter stays present, with its override or default.
+  void deactivateOptParam(std::string const& p_objPath, std::string const& p_name);
+
+  /// Switches an optional object on or off. What the guide holds inside it stays and comes back with it. A decision on
+  /// an object that the rules do not know is kept, too.
+  void activateOptObject(std::string const& p_path);
+  void deactivateOptObject(std::string const& p_path);
+
+  /// Asks for a named object. It appears where names are the user's choice, and where the type is optional and the
+  /// rules allow that name; of a required type with a closed list of names the rules alone decide. Refused: a path
+  /// whose last component has no name or one that equals its type, and an object that was asked for already.
+  void addNewNamedObject(std::string const& p_path);
+
+  /// Takes a named object out of the guide and forgets the decisions on all paths that begin with the text of `p_path`,
+  /// those of a sibling whose name merely begins with this name included. Refused for an object that the guide does not
+  /// hold: one that stands only by the rules cannot be removed.
+  void removeNamedObject(std::string const& p_path);
+
+  /// Asks for a copy of a present named object under a new name beside it, with all values that are in force, defaults
+  /// and overrides included. Decisions are not copied. Refused: the active root itself, an absent object, a singleton,
+  /// a name that is present already or cannot be one.
+  void duplicateNamedObject(std::string const& p_path, std::string const& p_newName);
+
+  /// Duplicates an object and removes the original: told as a deletion and new parameters, and decisions on the old
+  /// name are forgotten. When the copy could be made but the original stands only by the rules, the edit counts as
+  /// refused; the copy has been asked for all the same and shows up with the next walk.
+  void renameNamedObject(std::string const& p_path, std::string const& p_newName);
+  /// @}
+
+  /// @name The state
+  /// @{
+  [[nodiscard]] std::string getActiveRoot() const { return m_activeRoot; }
+  /// The active state; objects that hold no parameters are not in it.
+  [[nodiscard]] ModelState const& getActiveTDFState() const noexcept { return m_activeState; }
+  /// The value in the active state, "" when the parameter is not there.
+  [[nodiscard]] std::string const& getParamValue(std::string const& p_objPath, std::string const& p_name) const;
+  /// All allowed values of a parameter that is present or potential; empty when it may take any text and when there is
+  /// no such parameter.
+  [[nodiscard]] std::vector<std::string> getAllowedParamValues(std::string const& p_objPath,
+                                                               std::string const& p_name) const;
+  /// The subset of them that is on offer, with what the user once selected outside of it; empty when there is no
+  /// subset. Of a parameter that is only potential always empty: what it will offer is settled when it is activated.
+  [[nodiscard]] std::vector<std::string> getSubsetAllowedParamValues(std::string const& p_objPath,
+                                                                     std::string const& p_name) const;
+  /// The present objects that a path pattern matches, seen from the object at `p_contextPath`; see `PathPattern`.
+  /// Throws an `Error` for a text that is no pattern.
+  [[nodiscard]] std::vector<std::string> getPathExpansion(std::string const& p_path,
+                                                          std::string const& p_contextPath) const;
+  /// The paths of the present parameters that have no value, in the order of the walk, but for those of which the rules
+  /// say that they need none. With `p_typedOnly` only those of type Integer, Real, their lists, and String.
+  [[nodiscard]] std::vector<std::string> const& getEmptyParameters(bool p_typedOnly) const noexcept {
+    return p_typedOnly ? m_emptyTypedParams : m_emptyParams;
+  }
+  /// Whether a first object of a required named type may be added: there is none below `p_parentPath`, and a new one
+  /// would hold or offer something. Logarithmic.
+  [[nodiscard]] bool isUserNamedTypeAvailable(std::string const& p_parentPath, std::string const& p_type) const;
+  /// @}
+
+  /// @name What the last update changed
+  /// See the table above. Parameters stand in the order of events, objects in that of their deletion; of a deleted
+  /// subtree only the top is listed. An object that is required but holds nothing goes without an entry.
+  /// @{
+  [[nodiscard]] std::vector<ParamId> const& getModParams() const noexcept;
+  /// Not freed of what became potential or unavailable later in the same update: ask whether it is present.
+  [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept { return m_newlyAvailParams; }
+  /// Without what became potential, which `getNewlyAvailPotParams` tells.
+  [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept { return m_newlyUnavailParams; }
+  [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
+  /// Path of the parameter to its lower and upper bound. May tell of a parameter in an object named "__%%dummy%%__",
+  /// which is how the library finds out about types that have no object yet; pass over it.
+  [[nodiscard]] std::map<std::string, std::pair<std::string, std::string>> const& getModBoundsParams() const noexcept;
+  /// Path of the parameter to its quantity type.
+  [[nodiscard]] std::map<std::string, std::string> const& getModQuantParams() const noexcept;
+
+  [[nodiscard]] std::vector<std::string> const& getAvailPotObjects() const noexcept;
+  [[nodiscard]] ParamsByObject const& getAvailPotParams() const noexcept;
+  [[nodiscard]] std::vector<std::string> const& getNewlyAvailPotObjects() const noexcept;
+  [[nodiscard]] ParamsByObject const& getNewlyAvailPotParams() const noexcept;
+  [[nodiscard]] std::vector<std::string> const& getNewlyUnavailPotObjects() const noexcept;
+  [[nodiscard]] ParamsByObject const& getNewlyUnavailPotParams() const noexcept;
+  [[nodiscard]] ParamsByObject const& getModPotParams() const noexcept;
+  /// @}
+
+ private:
+  using NameRange = ChildAvailInfo::NameRange;
+
+  ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier, std::string const& p_activeRoot,
+                 bool p_recordGuide);
+
+  // The walk. All but the first always continue.
+  HandlerStatus onBeginObject(ObjBeginInfo const* p_info) override;
+  HandlerStatus onBeginParam(std::string const& p_objPath, std::string const& p_name) override;
+  HandlerStatus onParamCheck(ParamAvailInfo const* p_info) override;
+  HandlerStatus onChildCheck(ChildAvailInfo const* p_info) override;
+  HandlerStatus onEndObject(std::string const& p_path, bool p_required) override;
+
+  // The start: ProvisionalTDF.Initialise.cpp.
+  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState);
+  void initialiseInternal(ModelTDF const* p_base);
+  void attachBase(ModelTDF const* p_base);
+  [[nodiscard]] bool isInitialised() const noexcept { return m_evalContext != nullptr; }
+  void logCommand(std::string const& p_command, std::string const& p_argument) const;
+
+  // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named by whether the guide
+  // (G) wants it and whether it has allowed values (AV). Each returns whether it left the parameter in the active tree
+  // with an empty value.
+  void handleAvailableParam(ParamAvailInfo const* p_info);
+  void handleUnavailableParam(ParamAvailInfo const* p_info);
+  bool handle_G_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_G_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_NoG_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                  ParamAvailInfo const* p_info);
+  bool updateFreeParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
+                       bool p_isOverride, ParamAvailInfo const* p_info);
+  [[nodiscard]] bool isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const;
+  [[nodiscard]] ActivityState getParamActivity(std::string const& p_objPath, std::string const& p_name) const;
+
+  // Children: ProvisionalTDF.Children.cpp.
+  void handleAvailableChild(ChildAvailInfo const* p_info);
+  void handleUnavailableChild(ChildAvailInfo const* p_info);
+  void synchNamesOfGuide(std::string const& p_objPath, std::string const& p_type, NameRange p_defaultNames);
+  void mirrorBaseChildren(std::string const& p_objPath, std::string const& p_type);
+  bool createOrOfferObject(std::string const& p_path, std::string const& p_objPath, std::string const& p_type,
+                           std::string const& p_name);
+  void synchAllowedNamedObjects(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
+  void synchAllowedNamedOptObjs(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
+  void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
+                                    NameRange p_allowed);
+  bool createNamedGuideObject(std::string const& p_path);
+  bool copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
+  bool deleteNamedGuideObject(std::string const& p_path);
+  [[nodiscard]] ActivityState getObjActivity(std::string const& p_objPath) const;
+  [[nodiscard]] bool includeOptionalObject(std::string const& p_path) const;
+
+  // Edits and updates: ProvisionalTDF.Edits.cpp, ProvisionalTDF.Update.cpp.
+  [[nodiscard]] bool isUnderActiveRoot(std::string const& p_path) const noexcept;
+  [[nodiscard]] bool isInsideActiveRoot(std::string const& p_path) const noexcept;
+  void decideOnObject(std::string const& p_path, bool p_on, char const* p_command);
+  void finishEdit(bool p_applies, char const* p_command, std::string const& p_argument);
+  void updateActiveTDF(bool p_analyse);
+  void rememberStartState(bool p_analyse);
+  void extractUpdateInformation();
+  void recoverFromBrokenWalk();
+
+  // One-liners over the collaborators, so that the decisions read as such.
+  void createObject(std::string const& p_objPath, std::string const& p_type, std::string const& p_name);
+  void deleteObject(std::string const& p_path);
+  void deleteParam(std::string const& p_objPath, std::string const& p_name);
+  bool updateParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
+  bool updateParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed,
+                   std::string const& p_value);
+  void updateBounds(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  std::string modifyQuantity(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
+                             ParamAvailInfo const* p_info);
+  void addPotentialObject(std::string const& p_path);
+  void addPotentialParam(std::string const& p_objPath, std::string const& p_name);
+  void addPotentialParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed);
+
+  std::string const m_activeRoot;
+  ProvTDFLogger* m_logger = nullptr;
+
+  // What is known of the start and of the user's intent. Updates add to it, but take nothing away.
+  DynamicTDF m_guideTDF;
+  std::unique_ptr<ActivityDecisions> m_activity;
+  std::unique_ptr<SubsetSelections> m_subsetSelections;
+  /// Parent path, "/" and type of the required named types whose default names were dealt with. Never loses an entry,
+  /// also when the parent goes, so that an object that the user has removed does not come back as a default.
+  std::set<std::string> m_defaultNamesApplied;
+  /// Cleared for good when the object starts as a copy of another one.
+  bool m_hasBaseObject = true;
+
+  // The base model under the active root, and the joint view that rules read. Made anew by baseUpdate.
+  DynamicTDF m_baseTDF;
+  std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
+  std::unique_ptr<EvalContext> m_evalContext;
+
+  // The result, brought up to date by each walk.
+  DynamicTDF m_activeTDF;
+  std::unique_ptr<BoundsTracker> m_boundsTracker;
+  std::unique_ptr<ModifiedQuantityTracker> m_quantityTracker;
+  std::unique_ptr<PotentialUpdateTracker> m_potentialTracker;
+  std::unique_ptr<NamedObjectProbe> m_probe;
+
+  // What the last update published. Cleared when the next one begins.
+  ModelState m_activeState;
+  std::vector<ParamId> m_newlyAvailParams;
+  std::vector<ParamId> m_newlyUnavailParams;
+  std::vector<std::string> m_emptyParams;
+  std::vector<std::string> m_emptyTypedParams;
+  /// Parent path and type. Sorted between updates; kept by an update without a walk.
+  std::vector<std::pair<std::string, std::string>> m_userNamedTypes;
+};
+
+}  // namespace tarn

@@ -1,0 +1,48 @@
+// What the user has switched on and off. Asked for every available parameter of every walk, mostly with no entry to be
+// found, so asking makes no key.
+
+#include "provisional/ActivityDecisions.h"
+
+namespace tarn {
+
+namespace {
+
+template <typename Map, typename Key>
+ActivityState decisionIn(Map const& map, Key const& key) {
+  auto const entry = map.find(key);
+  if (entry == map.end()) return ActivityState::Unset;
+  return entry->second ? ActivityState::SetOn : ActivityState::SetOff;
+}
+
+}  // namespace
+
+ActivityState ActivityDecisions::ofParam(std::string const& objPath, std::string const& name) const {
+  return decisionIn(optParamActivity_, ParamKey{objPath, name});
+}
+
+ActivityState ActivityDecisions::ofObject(std::string const& path) const {
+  return decisionIn(optObjActivity_, path);
+}
+
+void ActivityDecisions::setParam(std::string const& objPath, std::string const& name, bool on) {
+  optParamActivity_.insert_or_assign(ParamKey{objPath, name}.text(), on);
+}
+
+void ActivityDecisions::setObject(std::string const& path, bool on) {
+  optObjActivity_.insert_or_assign(path, on);
+}
+
+void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path) {
+  eraseFromOptActivityMap(path, optParamActivity_);
+  eraseFromOptActivityMap(path, optObjActivity_);
+}
+
+void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map) {
+  // In byte order the keys that begin with a text stand together, from the text itself on.
+  auto const first = map.lower_bound(path);
+  auto last = first;
+  while (last != map.end() && last->first.starts_with(path)) ++last;
+  map.erase(first, last);
+}
+
+}  // namespace tarn

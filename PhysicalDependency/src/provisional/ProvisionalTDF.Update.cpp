@@ -1,0 +1,81 @@
+// The frame of an update: forget what the last one changed, walk, collect what this one changed. What the changes are
+// measured against is in the collaborators: the active tree logs from its last reset on, the trackers remember the walk
+// before.
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include <tarn/BoundsTracker.h>
+#include <tarn/EvalContext.h>
+#include <tarn/ModifiedQuantityTracker.h>
+#include <tarn/OperationTimer.h>
+#include <tarn/PotentialUpdateTracker.h>
+#include <tarn/ProvisionalTDF.h>
+
+#include "provisional/NamedObjectProbe.h"
+
+namespace tarn {
+
+void ProvisionalTDF::updateActiveTDF(bool p_analyse) {
+  OperationTimer timer("ProvisionalTDF::updateActiveTDF");
+  rememberStartState(p_analyse);
+  if (p_analyse) {
+    timer.enterSection("analyse");
+    try {
+      analyse(m_activeRoot, m_evalContext.get());
+    } catch (...) {
+      recoverFromBrokenWalk();
+      throw;
+    }
+  }
+  timer.enterSection("extract updates");
+  extractUpdateInformation();
+}
+
+void ProvisionalTDF::rememberStartState(bool p_analyse) {
+  m_activeState.clear();
+  m_activeTDF.resetChanges();
+  m_potentialTracker->start();
+  m_newlyAvailParams.clear();
+  m_newlyUnavailParams.clear();
+  m_quantityTracker->reset();
+  m_boundsTracker->reset();
+  m_emptyParams.clear();
+  m_emptyTypedParams.clear();
+  m_probe->clearPath();
+  // Only a walk can fill it again.
+  if (p_analyse) m_userNamedTypes.clear();
+}
+
+void ProvisionalTDF::extractUpdateInformation() {
+  m_activeState = m_activeTDF.getState(m_activeRoot);
+  m_potentialTracker->synchWithTDF(&m_activeTDF);
+  // As logged, with what became potential later in the same walk: callers who draw new items as they come find their
+  // order here.
+  m_newlyAvailParams = m_activeTDF.getAddedParameters();
+  m_newlyUnavailParams = m_activeTDF.getDeletedParameters();
+
+  if (!m_newlyUnavailParams.empty()) {
+    // What is on offer now has not been lost.
+    ParamsByObject const& potential = m_potentialTracker->getAddedParams();
+    std::vector<std::pair<std::string_view, std::string_view>> onOffer(potential.begin(), potential.end());
+    std::sort(onOffer.begin(), onOffer.end());
+    std::erase_if(m_newlyUnavailParams, [&onOffer](ParamId const& param) {
+      return std::binary_search(onOffer.begin(), onOffer.end(),
+                                std::pair<std::string_view, std::string_view>(param.first, param.second));
+    });
+  }
+  std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
+}
+
+/// Makes the state usable again after an exception has left a walk where it stood: no probe, recording and quantity
+/// tracker on, the named types in order. What had been found potential is forgotten, for the tracker carries a walk
+/// that was not compared on into the next one, where those items would stand twice.
+void ProvisionalTDF::recoverFromBrokenWalk() {
+  if (m_probe->inTestNamedObject()) m_probe->deleteTestNamedObject();
+  m_potentialTracker->clearObjectReferences(m_activeRoot);
+  std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
+}
+
+}  // namespace tarn

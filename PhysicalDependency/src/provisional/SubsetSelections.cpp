@@ -1,0 +1,53 @@
+// The memory of selected values, and what it does to the subset on offer. Whether a value may be selected has been
+// settled before it comes here.
+
+#include "provisional/SubsetSelections.h"
+
+#include "provisional/ValueLists.h"
+
+namespace tarn {
+
+void SubsetSelections::SubsetSelection::add(std::string const& value) {
+  if (seen.insert(value).second) values.push_back(value);
+}
+
+void SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,
+                                           std::string const& value) {
+  getSubsetSelection(objPath, name).add(value);
+}
+
+void SubsetSelections::rememberSubsetValues(std::string const& objPath, std::string const& name,
+                                            std::vector<std::string> const& values) {
+  if (values.empty()) return;
+  SubsetSelection& selection = getSubsetSelection(objPath, name);
+  for (std::string const& value : values) selection.add(value);
+}
+
+std::vector<std::string> const& SubsetSelections::getSubsetSelectionValues(std::string const& objPath,
+                                                                           std::string const& name) const {
+  static std::vector<std::string> const none;
+  auto const selection = selections_.find(ParamKey{objPath, name});
+  return selection == selections_.end() ? none : selection->second.values;
+}
+
+ParamAllowedValues SubsetSelections::widenAllowedSubset(std::vector<std::string> const& selected,
+                                                        ParamAllowedValues const& allowed) {
+  if (selected.empty() || allowed.allowsAnyValue) return allowed;
+  std::vector<std::string> extra = sortedDifference(selected, allowed.subsetValues);
+  // A selection that the rules have since struck from the full list is not brought back.
+  keepAllowedOnly(allowed.allowedValues, extra);
+  if (extra.empty()) return allowed;
+  std::vector<std::string> subset = allowed.subsetValues;
+  subset.insert(subset.end(), extra.begin(), extra.end());
+  return {allowed.allowedValues, std::move(subset)};
+}
+
+SubsetSelections::SubsetSelection& SubsetSelections::getSubsetSelection(std::string const& objPath,
+                                                                        std::string const& name) {
+  ParamKey const key{objPath, name};
+  auto const place = selections_.lower_bound(key);
+  if (place != selections_.end() && !selections_.key_comp()(key, place->first)) return place->second;
+  return selections_.emplace_hint(place, key.text(), SubsetSelection())->second;
+}
+
+}  // namespace tarn
