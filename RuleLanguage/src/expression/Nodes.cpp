@@ -643,19 +643,6 @@ void NamedCall::collectReads(RuleReads& reads, PathPattern const& base) const {
 
 // Kept
 
-namespace {
-
-std::vector<ExpressionPtr> single(ExpressionPtr expression) {
-  std::vector<ExpressionPtr> result;
-  result.push_back(std::move(expression));
-  return result;
-}
-
-}  // namespace
-
-Kept::Kept(ExpressionPtr inner)
-    : Operation(inner->kind(), inner->range(), single(std::move(inner))) {}
-
 template <typename Result, typename Evaluate>
 Result Kept::kept(Frame const& frame, Evaluate evaluate) const {
   auto* cache = frame.evalContext != nullptr ? frame.evalContext->getCache() : nullptr;
@@ -690,7 +677,13 @@ ExpressionPtr keepContextFreeParts(ExpressionPtr expression) {
   auto const dependence = expression->dependence();
   if (!dependence.costly) return expression;
   bool const canBeKept = expression->kind() != Kind::Objects && expression->kind() != Kind::Value;
-  if (dependence.isContextFree() && canBeKept) return std::make_unique<Kept>(std::move(expression));
+  if (dependence.isContextFree() && canBeKept) {
+    Kind const kind = expression->kind();
+    Range const range = expression->range();
+    std::vector<ExpressionPtr> part;
+    part.push_back(std::move(expression));
+    return std::make_unique<Kept>(kind, range, std::move(part));
+  }
   if (auto* operation = dynamic_cast<Operation*>(expression.get())) {
     for (auto& operand : operation->operands_) operand = keepContextFreeParts(std::move(operand));
   }

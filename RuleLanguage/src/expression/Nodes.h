@@ -303,7 +303,8 @@ class NamedCall final : public Expression {
 /// A part whose result is the same in every context of a walk, and worth keeping in the cache of the evaluation.
 class Kept final : public Operation {
  public:
-  explicit Kept(ExpressionPtr inner);
+  /// `part` holds the one expression that is kept.
+  Kept(Kind kind, Range range, std::vector<ExpressionPtr> part) : Operation(kind, range, std::move(part)) {}
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override { return truth(frame); }
   [[nodiscard]] double number(Frame const& frame) const override;
