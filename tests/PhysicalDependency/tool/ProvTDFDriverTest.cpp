@@ -1,0 +1,337 @@
+// The command loop, driven as a user drives it: lines in, text out, compared whole. What the state printer writes for
+// an edit is its own business; sessions here run without a logger on the state where only the driver's words matter.
+
+#include <tarn/ProvTDFDriver.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include <tarn/DynamicTDF.h>
+#include <tarn/PhysicsData.h>
+#include <tarn/ProvTDFLogger.h>
+#include <tarn/ProvisionalTDF.h>
+
+#include "support/Rules.h"
+
+namespace tarn {
+namespace {
+
+using test::Rules;
+using test::when;
+
+/// A rotor: its motion decides whether it has a speed, and it may have a title and a heat model.
+struct RotorRules : PhysicsData {
+  RotorRules() {
+    addPertinentRoot("Case");
+    Rules rules(*this);
+    rules.object("/Case");
+    rules.child("Domain").coupled();
+    rules.object("/Case/Domain");
+    rules.param("Motion").required().allowed({"Stationary", "Rotating"}).byDefault("Stationary");
+    rules.param("Speed").type(TDFParam::Real).required().availableWhen(when("Motion", "Rotating")).byDefault("1");
+    rules.param("Title");
+    rules.child("Heat").singleton().coupled();
+    rules.child("Boundary").coupled();
+    rules.object("/Case/Domain/Heat");
+    rules.param("Option").required().byDefault("Thermal");
+    rules.object("/Case/Domain/Boundary");
+    rules.param("Kind").required().byDefault("Wall");
+  }
+};
+
+/// A stream buffer put in the place of another for as long as this lives.
+class Redirected {
+ public:
+  Redirected(std::ios& stream, std::streambuf* buffer) : stream_(stream), former_(stream.rdbuf(buffer)) {}
+  Redirected(Redirected const&) = delete;
+  Redirected& operator=(Redirected const&) = delete;
+  ~Redirected() {
+    stream_.rdbuf(former_);
+    stream_.clear();
+  }
+
+ private:
+  std::ios& stream_;
+  std::streambuf* former_;
+};
+
+class ProvTDFDriverTest : public testing::Test {
+ protected:
+  ProvTDFDriverTest() {
+    base_.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+    state_.initialise(&base_, {});
+    // Its header is of no interest here.
+    std::ostringstream header;
+    Redirected const out(std::cout, header.rdbuf());
+    printer_ = std::make_unique<ProvTDFLogger>(&state_, "stdout");
+  }
+  ~ProvTDFDriverTest() override {
+    std::ostringstream footer;
+    Redirected const out(std::cout, footer.rdbuf());
+    printer_.reset();
+  }
+
+  /// What the tool writes for the input.
+  std::string session(std::string const& input, bool quiet = true, bool strict = true) {
+    std::istringstream in(input);
+    std::ostringstream out;
+    Redirected const fromInput(std::cin, in.rdbuf());
+    Redirected const toOutput(std::cout, out.rdbuf());
+    ProvTDFDriver driver(strict, quiet, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+    driver.waitInput();
+    return out.str();
+  }
+
+  /// The name of a file with that content, which goes with the test.
+  std::string file(std::string const& content) {
+    auto const name =
+        testing::TempDir() + "driver-" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".tdf";
+    std::ofstream(name) << content;
+    return name;
+  }
+
+  std::string value(std::string const& name) { return state_.getParamValue("/Case/Domain:rotor", name); }
+
+  RotorRules rules_;
+  DynamicTDF base_;
+  ProvisionalTDF state_{&rules_, "/Case/Domain:rotor"};
+  std::unique_ptr<ProvTDFLogger> printer_;
+};
+
+TEST_F(ProvTDFDriverTest, BannerAndPromptAreWrittenUnlessQuiet) {
+  EXPECT_EQ(session("\nq\n", false),
+            "\n\n"
+            "  --------------------------------------------\n"
+            "  ---- ZEV-Pre Physical Availability Tool ----\n"
+            "  --------------------------------------------\n"
+            "\n"
+            "\n"
+            "ZEV> ZEV> ");
+  EXPECT_EQ(session("\nq\n"), "");
+}
+
+TEST_F(ProvTDFDriverTest, EndOfInputQuitsAndALastLineWithoutLineEndIsLost) {
+  EXPECT_TRUE(session("", false).ends_with("\n\nZEV> "));
+  EXPECT_EQ(session("nonsense"), "");
+}
+
+TEST_F(ProvTDFDriverTest, LinesOfWhiteSpaceDoNothing) {
+  EXPECT_EQ(session("\n  \t \nq\n"), "");
+}
+
+TEST_F(ProvTDFDriverTest, UnknownAndMiscasedCommandsAreTold) {
+  EXPECT_EQ(session("frobnicate /Case\nQ\nq\n"),
+            "Unrecognised command \"frobnicate\".\n"
+            "Unrecognised command \"Q\".\n");
+}
+
+TEST_F(ProvTDFDriverTest, QuitTakesNoArguments) {
+  EXPECT_EQ(session("q x, y\nfoo\nq\nbar\n"),
+            "Unexpected arguments: x,y\n"
+            "Unrecognised command \"foo\".\n");
+}
+
+TEST_F(ProvTDFDriverTest, TooFewArgumentsAreTold) {
+  std::string expected;
+  std::string input;
+  for (std::string const command : {"pp", "po", "ap", "dp", "ao", "do", "no", "ro", "l", "lb", "vf"}) {
+    input += command + "\n";
+    expected += "Insufficient arguments.\n";
+  }
+  EXPECT_EQ(session(input), expected);
+}
+
+TEST_F(ProvTDFDriverTest, TooManyArgumentsAreToldAndTheCommandIsNotRun) {
+  EXPECT_EQ(session("po /Case, a, b\nv x\nps a,b\n"),
+            "Unexpected arguments: a,b\n"
+            "Unexpected arguments: x\n"
+            "Unexpected arguments: b\n");
+}
+
+TEST_F(ProvTDFDriverTest, HelpWithArgumentsTellsOfThemAndHelps) {
+  std::string const help = session("h\n");
+  EXPECT_EQ(session("h x\n"), "Unexpected arguments: x\n" + help);
+  EXPECT_EQ(help.substr(0, 77), "\n  COMMANDS ----------------------------------------------------------------\n");
+  EXPECT_NE(help.find("including optional parameters/named child \n"), std::string::npos);
+  EXPECT_TRUE(help.ends_with("  -------------------------------------------------------------------------\n\n"));
+  EXPECT_EQ(help.find("  no "), std::string::npos);
+  EXPECT_EQ(help.find("  ro "), std::string::npos);
+}
+
+TEST_F(ProvTDFDriverTest, WhatIsNotYetThereSaysSo) {
+  EXPECT_EQ(session("e\ne x,y\nps -b\nps /Case\n"),
+            "Not yet implemented.\n"
+            "Not yet implemented.\n"
+            "This print state option is not yet implemented.\n"
+            "This print state option is not yet implemented.\n");
+}
+
+TEST_F(ProvTDFDriverTest, PrintingTheStateShowsTheActiveBranch) {
+  EXPECT_EQ(session("ps\n"),
+            "\n"
+            "Case: \n"
+            "  Domain: rotor\n"
+            "    Motion = Rotating\n"
+            "    Speed = 1\n"
+            "  END # Domain:rotor\n"
+            "END # Case:\n");
+}
+
+TEST_F(ProvTDFDriverTest, PrintingAParameterShowsAllowedValues) {
+  EXPECT_EQ(session("pp /Case/Domain:rotor/Motion\n"),
+            "COMMAND: printParam /Case/Domain:rotor/Motion\n"
+            "\n"
+            "Allowed Values\n"
+            "--------------\n"
+            "/Case/Domain:rotor/Motion = Rotating [Stationary|Rotating]\n"
+            "\n"
+            "Subset Allowed Values\n"
+            "---------------------\n"
+            "/Case/Domain:rotor/Motion = Rotating\n"
+            "\n");
+}
+
+TEST_F(ProvTDFDriverTest, PrintingAnObjectShowsWhatCanBeActivated) {
+  EXPECT_EQ(session("po /Case/Domain:rotor\n"),
+            "/Case/Domain:rotor : \n"
+            "Parameters:\n"
+            "  Motion = Rotating\n"
+            "  Speed = 1\n"
+            "Inactive available parameters:\n"
+            "  Title\n"
+            "Inactive available child objects:\n"
+            "  /Case/Domain:rotor/Heat\n");
+}
+
+TEST_F(ProvTDFDriverTest, SettingAParameterTakesCommasAndBlanksAsTheyAre) {
+  EXPECT_EQ(session("ap /Case/Domain:rotor/Title\nsp /Case/Domain:rotor/Title=main rotor, left\n"), "");
+  EXPECT_EQ(value("Title"), "main rotor,left");
+  EXPECT_EQ(session("sp /Case/Domain:rotor/Title=\n"), "");
+  EXPECT_EQ(value("Title"), "");
+}
+
+TEST_F(ProvTDFDriverTest, SettingAPotentialParameterIsRefusedUntilItIsActivated) {
+  EXPECT_EQ(session("sp /Case/Domain:rotor/Title=x\n"),
+            "The parameter /Case/Domain:rotor/Title has not yet been 'activated'.\n"
+            "(Use \"ap /Case/Domain:rotor/Title\")\n");
+  EXPECT_EQ(value("Title"), "");
+  EXPECT_EQ(session("ap /Case/Domain:rotor/Title\nsp /Case/Domain:rotor/Title=x\n"), "");
+  EXPECT_EQ(value("Title"), "x");
+}
+
+TEST_F(ProvTDFDriverTest, SettingFromATextThatIsNoChangeIsToldAndRunsAnEditOfNothing) {
+  state_.setLogger(printer_.get());
+  std::string const out = session("sp nonsense\n");
+  state_.setLogger(nullptr);
+  EXPECT_TRUE(out.starts_with("Error processing parameter setting.\n")) << out;
+  EXPECT_NE(out.find("\nCOMMAND: activeSetParam / = \n"), std::string::npos) << out;
+}
+
+TEST_F(ProvTDFDriverTest, WhatIsNotPotentialCannotBeActivated) {
+  EXPECT_EQ(session("ap /Case/Domain:rotor/Motion\nao /Case/Domain:rotor/Boundary:inlet\n"),
+            "Parameter /Case/Domain:rotor/Motion cannot be activated.\n"
+            "It is either physically unavailable, or is not an optional parameter.\n"
+            "Object /Case/Domain:rotor/Boundary:inlet cannot be activated.\n"
+            "It is either physically unavailable, or is not an optional named object with a pre-determined name.\n");
+}
+
+TEST_F(ProvTDFDriverTest, OptionalItemsAreActivatedAndDeactivated) {
+  EXPECT_EQ(session("ap /Case/Domain:rotor/Title\nao /Case/Domain:rotor/Heat\n"), "");
+  EXPECT_EQ(state_.getActiveTDFState().at("/Case/Domain:rotor").count("Title"), 1U);
+  EXPECT_EQ(state_.getActiveTDFState().at("/Case/Domain:rotor/Heat").at("Option"), "Thermal");
+  EXPECT_EQ(session("dp /Case/Domain:rotor/Title\ndo /Case/Domain:rotor/Heat\n"), "");
+  EXPECT_EQ(state_.getActiveTDFState().at("/Case/Domain:rotor").count("Title"), 0U);
+  EXPECT_EQ(state_.getActiveTDFState().count("/Case/Domain:rotor/Heat"), 0U);
+}
+
+TEST_F(ProvTDFDriverTest, NamedObjectsAreAddedAndRemoved) {
+  EXPECT_EQ(session("no /Case/Domain:rotor/Boundary:inlet\n"), "");
+  EXPECT_EQ(state_.getActiveTDFState().at("/Case/Domain:rotor/Boundary:inlet").at("Kind"), "Wall");
+  EXPECT_EQ(session("ro /Case/Domain:rotor/Boundary:inlet\n"), "");
+  EXPECT_EQ(state_.getActiveTDFState().count("/Case/Domain:rotor/Boundary:inlet"), 0U);
+}
+
+TEST_F(ProvTDFDriverTest, APathThatCannotBeParsedLeavesTheLoopRunning) {
+  std::string const out = session("pp no path\nfoo\n");
+  EXPECT_TRUE(out.starts_with("Error processing input.\n")) << out;
+  EXPECT_TRUE(out.ends_with("Unrecognised command \"foo\".\n")) << out;
+}
+
+TEST_F(ProvTDFDriverTest, LoadingAFileMakesANewStateFromItAndTheFirstValueOfAParameterStands) {
+  auto const name = file(
+      "/Case/Domain:rotor/Motion=Stationary\n/Case/Domain:rotor/Motion=Rotating\n/Case/Domain:rotor/Title=loaded\n");
+  std::istringstream in("l " + name + "\n");
+  std::ostringstream out;
+  Redirected const fromInput(std::cin, in.rdbuf());
+  Redirected const toOutput(std::cout, out.rdbuf());
+  ProvTDFDriver driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  driver.waitInput();
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(value("Motion"), "Stationary");
+  EXPECT_EQ(value("Title"), "loaded");
+  state_.baseUpdate(&base_);  // the driver's own model goes with it
+}
+
+TEST_F(ProvTDFDriverTest, AFileThatCannotBeLoadedLeavesTheStateAlone) {
+  auto const before = state_.getActiveTDFState();
+  for (std::string const command : {"l", "lb", "vf"}) {
+    std::string const out = session(command + " /no/such/file\n");
+    EXPECT_TRUE(out.starts_with("Failed to load /no/such/file\n")) << out;
+    EXPECT_NE(out.find("No such file"), std::string::npos) << out;
+  }
+  EXPECT_EQ(state_.getActiveTDFState(), before);
+}
+
+TEST_F(ProvTDFDriverTest, StrictLoadingRefusesAFileThatLenientLoadingTakes) {
+  auto const name = file("/Case/Domain:rotor/Motion=Stationary\nno line of a model\n");
+  EXPECT_TRUE(session("vf " + name + "\n", true, true).starts_with("Failed to load " + name + "\n"));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(session("vf " + name + "\n", true, false), "");
+  EXPECT_NE(testing::internal::GetCapturedStderr().find(":2:"), std::string::npos);
+}
+
+TEST_F(ProvTDFDriverTest, ValidatingASoundStateSaysNothing) {
+  EXPECT_EQ(session("v\n"), "");
+}
+
+TEST_F(ProvTDFDriverTest, ValidatingAFileTellsEachFindingInFourLines) {
+  Rules(rules_).globalCheck(
+      "something turns", [](ModelTDF const&) { return false; }, std::string("Nothing turns."));
+  auto const name = file("/Case/Domain:rotor/Motion=Sideways\n");
+  EXPECT_EQ(session("vf " + name + "\n"),
+            "**Dependency error on path \"/Case/Domain:rotor\"\n"
+            "---\n"
+            "The parameter \"Motion\" in \"/Case/Domain:rotor\" has the value \"Sideways\". This does not match any of "
+            "the allowed values: \"Stationary, Rotating\".\n"
+            "===\n"
+            "**General physics errors detected \n"
+            "---\n"
+            "Nothing turns.\n"
+            "===\n");
+}
+
+TEST_F(ProvTDFDriverTest, ValidatingAnEmptyFileSaysNothing) {
+  EXPECT_EQ(session("vf " + file("") + "\n"), "");
+}
+
+TEST_F(ProvTDFDriverTest, ASecondCallAfterQuittingWritesTheBannerAndReturns) {
+  std::istringstream in("q\nfoo\n");
+  std::ostringstream out;
+  Redirected const fromInput(std::cin, in.rdbuf());
+  Redirected const toOutput(std::cout, out.rdbuf());
+  ProvTDFDriver driver(true, false, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  driver.waitInput();
+  std::string const first = out.str();
+  driver.waitInput();
+  EXPECT_EQ(out.str(), first + first.substr(0, first.size() - 5));
+}
+
+}  // namespace
+}  // namespace tarn
