@@ -304,6 +304,9 @@ TEST_F(DependencyAnalyserContextTest, AParameterThatItsHookDeletesCountsAsAbsent
 /// A model that writes down what it is asked, into the list of a `Recorder`.
 class TalkingModel final : public MapModel {
  public:
+  using MapModel::getParameterValue;
+  using MapModel::hasParameter;
+
   explicit TalkingModel(Strings& events) : events_(events) {}
 
   [[nodiscard]] bool hasObject(std::string const& path) const override {
