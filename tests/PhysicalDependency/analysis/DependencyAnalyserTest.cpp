@@ -307,9 +307,6 @@ class TalkingModel final : public MapModel {
   using MapModel::getParameterValue;
   using MapModel::hasParameter;
 
-  using MapModel::getParameterValue;
-  using MapModel::hasParameter;
-
   explicit TalkingModel(Strings& events) : events_(events) {}
 
   [[nodiscard]] bool hasObject(std::string const& path) const override {
