@@ -12,9 +12,9 @@ namespace tarn {
 /// Gathers the rule authors' beta messages while rules are evaluated, and hands them out item by item.
 ///
 /// A host makes one, attaches it to the rule database (`PhysicsData::attach`) and hands it to the validator
-/// (`PhysicsValidator2::setBetaLoggingController`). The validator asks after each rule and clears the controller then, so
-/// that what one rule gathered is never given with the next. An item's message is kept once, however often its rule is
-/// evaluated.
+/// (`PhysicsValidator2::setBetaLoggingController`). The validator asks after each rule and clears the controller then,
+/// so that what one rule gathered is never given with the next. An item's message is kept once, however often its rule
+/// is evaluated.
 class TARN_EXPORT BetaLoggingController {
  public:
   /// The messages for children of type `type`, for the parameter `name`, and for its value `value`; empty when nothing

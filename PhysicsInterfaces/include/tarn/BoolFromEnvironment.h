@@ -6,8 +6,8 @@
 
 namespace tarn {
 
-/// A switch in the environment. It is on when the variable holds 1, true, yes or on, in any case; anything else, and its
-/// absence, is off. The environment is read at the first question and the answer kept.
+/// A switch in the environment. It is on when the variable holds 1, true, yes or on, in any case; anything else, and
+/// its absence, is off. The environment is read at the first question and the answer kept.
 class TARN_EXPORT BoolFromEnvironment {
  public:
   explicit BoolFromEnvironment(std::string const& variableName);

@@ -9,8 +9,8 @@
 
 namespace tarn {
 
-/// Results of rule expressions that do not depend on the object in whose context they are evaluated. While it is enabled,
-/// such an expression is evaluated once and its result handed out again.
+/// Results of rule expressions that do not depend on the object in whose context they are evaluated. While it is
+/// enabled, such an expression is evaluated once and its result handed out again.
 ///
 /// A cache belongs to one unchanged model: whoever changes the model that the rules read makes a new cache, or disables
 /// it for as long as the model looks different. Results that were stored before a pause are handed out again after it.

@@ -8,8 +8,8 @@
 
 namespace tarn {
 
-/// Receives the measurements that `OperationTimer` and `EvalCache::report` make. Nothing is written anywhere unless a host
-/// sets a sink.
+/// Receives the measurements that `OperationTimer` and `EvalCache::report` make. Nothing is written anywhere unless a
+/// host sets a sink.
 class TARN_EXPORT MeasurementSink {
  public:
   struct Section {
@@ -25,8 +25,8 @@ class TARN_EXPORT MeasurementSink {
   /// An evaluation cache reports how often it could answer, how often not, and how many results it holds.
   virtual void cacheReported(std::size_t hits, std::size_t misses, std::size_t entries) = 0;
 
-  /// Sets the sink of the calling thread; null, the state at the start, drops all measurements. The sink must live until
-  /// it is replaced. It must not throw.
+  /// Sets the sink of the calling thread; null, the state at the start, drops all measurements. The sink must live
+  /// until it is replaced. It must not throw.
   static void set(MeasurementSink* sink) noexcept;
   [[nodiscard]] static MeasurementSink* get() noexcept;
 };

@@ -51,9 +51,9 @@ class TARN_EXPORT ObjDependDef {
   bool addParam(ParamAvail entry);
   bool addChild(ChildAvail entry);
 
-  /// The entries one by one, as a walk visits them. The bool says whether the entry is live: its `contexts` hold the value
-  /// of the last context rule parameter seen, "" when there has been none. An entry that is not live is handed out all
-  /// the same. Null at the end.
+  /// The entries one by one, as a walk visits them. The bool says whether the entry is live: its `contexts` hold the
+  /// value of the last context rule parameter seen, "" when there has been none. An entry that is not live is handed
+  /// out all the same. Null at the end.
   [[nodiscard]] std::pair<ParamAvail const*, bool> firstParamAvail(PACursor& cursor) const;
   [[nodiscard]] std::pair<ParamAvail const*, bool> nextParamAvail(PACursor& cursor,
                                                                   std::string const& contextRuleValue) const;

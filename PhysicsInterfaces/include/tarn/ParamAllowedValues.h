@@ -27,8 +27,8 @@ class TARN_EXPORT ParamAllowedValues {
   /// A record with `hasAllowedValues` and `hasSubset` set and `allowsAnyValue` clear.
   ParamAllowedValues(SharedStrings allowed, SharedStrings subset);
 
-  /// Whether `value` is one of `allowedValues` or, when `askSubset` is set and there is a subset, one of `subsetValues`.
-  /// With `allowsAnyValue` the answer is always true. The comparison is exact.
+  /// Whether `value` is one of `allowedValues` or, when `askSubset` is set and there is a subset, one of
+  /// `subsetValues`. With `allowsAnyValue` the answer is always true. The comparison is exact.
   [[nodiscard]] bool isAllowedValue(std::string const& value, bool askSubset) const;
 
   /// True when `allowedValues` is empty.

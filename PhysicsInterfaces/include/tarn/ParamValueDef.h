@@ -72,8 +72,8 @@ class TARN_EXPORT ParamValueDef {
   /// One of the bounds reads the model. Asks the bounds what they read, so keep the answer where it is asked often.
   [[nodiscard]] bool hasVariableBounds() const;
 
-  /// The allowed values now: those of `allowedValues` without the ones whose check fails and the unused ones, and of the
-  /// subset those that are allowed. With `allowedValueKind` 0 a default-constructed record.
+  /// The allowed values now: those of `allowedValues` without the ones whose check fails and the unused ones, and of
+  /// the subset those that are allowed. With `allowedValueKind` 0 a default-constructed record.
   [[nodiscard]] ParamAllowedValues evaluateAllowedValues(ModelRules const* rules, TDFContext const& context,
                                                          EvalContext* evalContext) const;
 
@@ -81,11 +81,11 @@ class TARN_EXPORT ParamValueDef {
   [[nodiscard]] std::string evaluateDefault(ModelRules const* rules, TDFContext const& context,
                                             EvalContext* evalContext) const;
 
-  /// The default in the light of the allowed values. With none in force (`hasAllowedValues` clear), as above. Otherwise:
-  /// a default that is allowed is given as it stands; of a list type, the items that are allowed, joined by commas. A
-  /// default that is not allowed, a list that loses all its items, or no default at all gives the first value on offer:
-  /// the first of the subset when there is a subset, else of the allowed values, "" when that list is empty, and ""
-  /// with `fallbackToBlankDefault`.
+  /// The default in the light of the allowed values. With none in force (`hasAllowedValues` clear), as above.
+  /// Otherwise: a default that is allowed is given as it stands; of a list type, the items that are allowed, joined by
+  /// commas. A default that is not allowed, a list that loses all its items, or no default at all gives the first value
+  /// on offer: the first of the subset when there is a subset, else of the allowed values, "" when that list is empty,
+  /// and "" with `fallbackToBlankDefault`.
   [[nodiscard]] std::string evaluateDefault(ModelRules const* rules, TDFContext const& context,
                                             EvalContext* evalContext, ParamAllowedValues const& allowed) const;
 

@@ -15,7 +15,8 @@ namespace tarn {
 ///
 ///     Turbulence          the singleton child of that type        ..        the parent
 ///     Boundary:inlet      one named child                         /A/B      from the root of the model
-///     Boundary:*          every child of the type                 ^Domain   the nearest object of that type at or above
+///     Boundary:*          every child of the type                 ^Domain   the nearest object of that type at or
+///     above
 ///     *                   every child                             @         the object that owns the rule
 ///     **                  any number of levels, none included
 ///

@@ -11,9 +11,9 @@ namespace tarn::PathUtils {
 TARN_EXPORT extern std::string const pathSeparator;
 TARN_EXPORT extern std::string const nameSeparator;
 
-/// Three-way order of paths: negative, zero or positive. Goes component by component, each as bytes, the type before the
-/// name and a component without a name before one with. All paths below `p` lie directly behind `p` in this order, with
-/// nothing between them, which byte order does not give: `/A B` would come between `/A` and `/A/B`.
+/// Three-way order of paths: negative, zero or positive. Goes component by component, each as bytes, the type before
+/// the name and a component without a name before one with. All paths below `p` lie directly behind `p` in this order,
+/// with nothing between them, which byte order does not give: `/A B` would come between `/A` and `/A/B`.
 [[nodiscard]] TARN_EXPORT int comparePaths(std::string const& a, std::string const& b) noexcept;
 
 /// Orders paths by `comparePaths`, for sorted containers.

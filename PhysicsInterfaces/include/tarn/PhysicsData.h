@@ -19,12 +19,12 @@ namespace tarn {
 
 /// The rule database: the rules of every object type, named checks and lists, and the checks of a whole model.
 ///
-/// Fill one by the operations at the end, or have it loaded from rule files (`tarn::rules::loadRules`). Once it is filled,
-/// reading it from many threads at once is safe, as long as no `BetaLoggingController` is attached. Every pointer it hands
-/// out stays valid as long as the database and is not the caller's to free.
+/// Fill one by the operations at the end, or have it loaded from rule files (`tarn::rules::loadRules`). Once it is
+/// filled, reading it from many threads at once is safe, as long as no `BetaLoggingController` is attached. Every
+/// pointer it hands out stays valid as long as the database and is not the caller's to free.
 ///
-/// The bool that some look-ups take is for callers that share an interface with other databases; here a look-up is exact
-/// and quiet whatever it is.
+/// The bool that some look-ups take is for callers that share an interface with other databases; here a look-up is
+/// exact and quiet whatever it is.
 class TARN_EXPORT PhysicsData {
  public:
   PhysicsData();

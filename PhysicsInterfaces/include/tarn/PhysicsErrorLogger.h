@@ -10,10 +10,10 @@ namespace tarn {
 /// Where a validator puts what it finds. Derive from it to show findings in your own way; `BasicPhysicsErrorLogger`
 /// keeps them in memory.
 ///
-/// A validator calls `reset` when it is handed another model, then the two log operations in the order in which it finds
-/// things, and asks the two queries once at the end of its phases. A logger must keep what it was told until the next
-/// `reset`: for an unchanged model the validator does not repeat it. What an operation throws ends the validation and
-/// reaches its caller.
+/// A validator calls `reset` when it is handed another model, then the two log operations in the order in which it
+/// finds things, and asks the two queries once at the end of its phases. A logger must keep what it was told until the
+/// next `reset`: for an unchanged model the validator does not repeat it. What an operation throws ends the validation
+/// and reaches its caller.
 class TARN_EXPORT PhysicsErrorLogger {
  public:
   virtual ~PhysicsErrorLogger();

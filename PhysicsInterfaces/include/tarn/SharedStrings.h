@@ -21,8 +21,8 @@ class TARN_EXPORT SharedStrings {
 
   /// The empty list.
   SharedStrings() noexcept = default;
-  SharedStrings(std::vector<std::string> items);                  // NOLINT(google-explicit-constructor)
-  SharedStrings(std::initializer_list<std::string> items);        // NOLINT(google-explicit-constructor)
+  SharedStrings(std::vector<std::string> items);                                  // NOLINT(google-explicit-constructor)
+  SharedStrings(std::initializer_list<std::string> items);                        // NOLINT(google-explicit-constructor)
   operator std::vector<std::string> const&() const noexcept { return vector(); }  // NOLINT(google-explicit-constructor)
 
   /// The items. Valid as long as any copy of this list.

@@ -1,8 +1,8 @@
 // Path patterns: parsing, resolution to one path, expansion over a model.
 //
-// Expansion goes step by step over a list of candidates. A candidate that came out of a listing is known to exist; one that
-// was only written down is asked for at the end, once. Candidates are made distinct wherever a step can bring the same
-// object twice, so that `**/**` stays linear in the size of the model for each step.
+// Expansion goes step by step over a list of candidates. A candidate that came out of a listing is known to exist; one
+// that was only written down is asked for at the end, once. Candidates are made distinct wherever a step can bring the
+// same object twice, so that `**/**` stays linear in the size of the model for each step.
 
 #include <tarn/PathPattern.h>
 
@@ -132,7 +132,9 @@ class Parser {
   PathPattern::Fault& fault_;
 };
 
-bool isBare(Word const& word, std::string_view text) { return !word.escaped && word.text == text; }
+bool isBare(Word const& word, std::string_view text) {
+  return !word.escaped && word.text == text;
+}
 
 bool makeStep(Parser& parser, Parser::Component& component, PathPattern::Step& step) {
   auto& [type, name, named] = component;
@@ -207,8 +209,8 @@ void makeDistinct(std::vector<Candidate>& candidates) {
   candidates = std::move(distinct);
 }
 
-/// Replaces each candidate by itself and everything below it, depth first. What an earlier candidate brought is not walked
-/// again: everything below it has been brought as well.
+/// Replaces each candidate by itself and everything below it, depth first. What an earlier candidate brought is not
+/// walked again: everything below it has been brought as well.
 void descend(std::vector<Candidate>& candidates, ModelTDF const& model) {
   std::vector<Candidate> result;
   std::unordered_set<std::string> seen;
@@ -278,7 +280,8 @@ std::optional<PathPattern> PathPattern::parseParameter(std::string_view text, st
     std::vector<Parser::Component> components;
     bool absolute = false;
     parser.components(components, absolute);
-    if (components.empty()) return parser.fail(0, text.size(), "the path must end in the name of a parameter"), std::nullopt;
+    if (components.empty())
+      return parser.fail(0, text.size(), "the path must end in the name of a parameter"), std::nullopt;
     auto const& last = components.back();
     if (last.named) {
       parser.fail(last.type.offset, last.name.offset + last.name.length - last.type.offset,
@@ -295,9 +298,8 @@ std::optional<PathPattern> PathPattern::parseParameter(std::string_view text, st
 }
 
 void PathPattern::classify() noexcept {
-  single_ = std::all_of(steps_.begin(), steps_.end(), [](Step const& step) {
-    return step.kind == StepKind::Child || step.kind == StepKind::Parent;
-  });
+  single_ = std::all_of(steps_.begin(), steps_.end(),
+                        [](Step const& step) { return step.kind == StepKind::Child || step.kind == StepKind::Parent; });
 }
 
 namespace {

@@ -36,7 +36,9 @@ std::string firstOnOffer(ParamAllowedValues const& allowed) {
 
 }  // namespace
 
-bool ParamValueDef::hasVariableBounds() const { return readsModel(lowerBound.get()) || readsModel(upperBound.get()); }
+bool ParamValueDef::hasVariableBounds() const {
+  return readsModel(lowerBound.get()) || readsModel(upperBound.get());
+}
 
 ParamAllowedValues ParamValueDef::evaluateAllowedValues(ModelRules const* rules, TDFContext const& context,
                                                         EvalContext* evalContext) const {
@@ -96,8 +98,8 @@ std::string ParamValueDef::evaluateDefault(ModelRules const* /*rules*/, TDFConte
   return defaultValue ? defaultValue->evaluate(context, evalContext) : std::string{};
 }
 
-std::string ParamValueDef::evaluateDefault(ModelRules const* rules, TDFContext const& context,
-                                           EvalContext* evalContext, ParamAllowedValues const& allowed) const {
+std::string ParamValueDef::evaluateDefault(ModelRules const* rules, TDFContext const& context, EvalContext* evalContext,
+                                           ParamAllowedValues const& allowed) const {
   if (!allowed.hasAllowedValues) return evaluateDefault(rules, context, evalContext);
 
   auto const* source = firstInForce(defaultChecks, context, evalContext);

@@ -35,15 +35,25 @@ ParamValueDef const* PhysicsData::getParamValueDef(std::string const& objectType
   return object != nullptr ? object->findValueDef(paramName) : nullptr;
 }
 
-Check const* PhysicsData::getCheck(std::string const& name, bool /*flag*/) const { return findIn(checks_, name); }
-List const* PhysicsData::getList(std::string const& name, bool /*flag*/) const { return findIn(lists_, name); }
+Check const* PhysicsData::getCheck(std::string const& name, bool /*flag*/) const {
+  return findIn(checks_, name);
+}
+List const* PhysicsData::getList(std::string const& name, bool /*flag*/) const {
+  return findIn(lists_, name);
+}
 GlobalCheck const* PhysicsData::getGlobalCheck(std::string const& name, bool /*flag*/) const {
   return findIn(globalChecks_, name);
 }
 
-std::vector<std::string> PhysicsData::getGlobalCheckNames() const { return globalCheckOrder_; }
-std::vector<std::string> PhysicsData::getCheckNames() const { return namesOf(checks_); }
-std::vector<std::string> PhysicsData::getListNames() const { return namesOf(lists_); }
+std::vector<std::string> PhysicsData::getGlobalCheckNames() const {
+  return globalCheckOrder_;
+}
+std::vector<std::string> PhysicsData::getCheckNames() const {
+  return namesOf(checks_);
+}
+std::vector<std::string> PhysicsData::getListNames() const {
+  return namesOf(lists_);
+}
 
 ObjDependDef& PhysicsData::addObject(std::string const& objectTypePath) {
   auto& slot = objects_[objectTypePath];

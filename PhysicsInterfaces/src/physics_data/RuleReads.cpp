@@ -5,10 +5,9 @@
 namespace tarn {
 
 bool RuleReads::isContextFree() const noexcept {
-  return !contextIdentity &&
-         std::all_of(parameters.begin(), parameters.end(),
-                     [](Parameter const& read) { return read.objects.isAbsolute(); }) &&
-         std::all_of(objectSets.begin(), objectSets.end(), [](PathPattern const& set) { return set.isAbsolute(); });
+  return !contextIdentity && std::all_of(parameters.begin(), parameters.end(), [](Parameter const& read) {
+    return read.objects.isAbsolute();
+  }) && std::all_of(objectSets.begin(), objectSets.end(), [](PathPattern const& set) { return set.isAbsolute(); });
 }
 
 }  // namespace tarn

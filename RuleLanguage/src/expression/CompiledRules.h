@@ -9,7 +9,8 @@
 
 #include "expression/Expression.h"
 
-// Expressions in the form in which a rule database holds them. Rules that are written alike share one parsed expression.
+// Expressions in the form in which a rule database holds them. Rules that are written alike share one parsed
+// expression.
 
 namespace tarn::rules {
 

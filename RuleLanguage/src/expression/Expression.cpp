@@ -45,7 +45,9 @@ double textNumber(std::string_view text) noexcept {
   return quantity ? quantity->number : std::numeric_limits<double>::quiet_NaN();
 }
 
-bool Expression::truth(Frame const& frame) const { return logical(frame).value_or(false); }
+bool Expression::truth(Frame const& frame) const {
+  return logical(frame).value_or(false);
+}
 
 std::optional<bool> Expression::logical(Frame const& frame) const {
   if (kind_ == Kind::Truth) return truth(frame);
@@ -70,9 +72,13 @@ SharedStrings Expression::list(Frame const& frame) const {
   return StringUtilities::stringToVector(textIn(frame, buffer), ',');
 }
 
-std::vector<std::string> Expression::objects(Frame const& /*frame*/) const { return {}; }
+std::vector<std::string> Expression::objects(Frame const& /*frame*/) const {
+  return {};
+}
 
-std::string const& Expression::textIn(Frame const& frame, std::string& buffer) const { return buffer = text(frame); }
+std::string const& Expression::textIn(Frame const& frame, std::string& buffer) const {
+  return buffer = text(frame);
+}
 
 void Expression::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
   auto const parts = operands();

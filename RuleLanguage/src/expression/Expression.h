@@ -54,10 +54,10 @@ struct Dependence {
   [[nodiscard]] bool isContextFree() const noexcept { return !context && !owner; }
 };
 
-/// A node of a parsed expression. It evaluates itself in the form in which its user wants the result, so that a comparison
-/// of a parameter with a text, for example, looks at the model's own string and makes no copy. What a node cannot give as
-/// such comes from another form by the language's conversions; forms that make no sense for a kind are never asked for,
-/// since the parser refuses such expressions.
+/// A node of a parsed expression. It evaluates itself in the form in which its user wants the result, so that a
+/// comparison of a parameter with a text, for example, looks at the model's own string and makes no copy. What a node
+/// cannot give as such comes from another form by the language's conversions; forms that make no sense for a kind are
+/// never asked for, since the parser refuses such expressions.
 ///
 /// Evaluation never throws of itself. A number that is none is a NaN.
 class Expression {
@@ -103,8 +103,8 @@ class Expression {
 
 using ExpressionPtr = std::unique_ptr<Expression>;
 
-/// The number as the language writes it: without a decimal point when it is whole and below 1e15, else the shortest text
-/// that reads back; "" for not-a-number.
+/// The number as the language writes it: without a decimal point when it is whole and below 1e15, else the shortest
+/// text that reads back; "" for not-a-number.
 [[nodiscard]] std::string numberText(double number);
 /// The number that a text stands for, a quantity's units left aside; NaN when it is none.
 [[nodiscard]] double textNumber(std::string_view text) noexcept;

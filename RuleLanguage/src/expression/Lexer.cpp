@@ -1,5 +1,5 @@
-// Tokens of the expression language. The characters that other languages would use here get a message that says what this
-// one writes.
+// Tokens of the expression language. The characters that other languages would use here get a message that says what
+// this one writes.
 
 #include "expression/Lexer.h"
 
@@ -13,9 +13,15 @@ namespace tarn::rules {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isWordStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isWordPart(char c) { return isWordStart(c) || isDigit(c); }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool isWordStart(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+bool isWordPart(char c) {
+  return isWordStart(c) || isDigit(c);
+}
 
 struct Mistake {
   std::string_view written;
@@ -88,7 +94,8 @@ bool Lexer::number(Token& token, Range& fault, std::string& message) {
   auto const value = TDFParam::asNumber(text_.substr(position_, end - position_));
   if (wordEnd != end || !value) {
     fault = {position_, wordEnd - position_};
-    message = "'" + std::string(text_.substr(position_, wordEnd - position_)) + "' is no number; a text stands in quotes";
+    message =
+        "'" + std::string(text_.substr(position_, wordEnd - position_)) + "' is no number; a text stands in quotes";
     return false;
   }
   token.kind = TokenKind::Number;

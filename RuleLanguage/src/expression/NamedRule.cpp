@@ -14,12 +14,16 @@ bool NamedCheck::evaluate(TDFContext const& context, EvalContext* evalContext) c
   return rule_.expression()->truth(Frame{*evalContext->getDB(), context, evalContext});
 }
 
-void NamedCheck::collectReads(RuleReads& reads) const { rule_.expression()->collectReads(reads, PathPattern()); }
+void NamedCheck::collectReads(RuleReads& reads) const {
+  rule_.expression()->collectReads(reads, PathPattern());
+}
 
 std::vector<std::string> NamedList::evaluate(TDFContext const& context, EvalContext* evalContext) const {
   return rule_.expression()->list(Frame{*evalContext->getDB(), context, evalContext}).vector();
 }
 
-void NamedList::collectReads(RuleReads& reads) const { rule_.expression()->collectReads(reads, PathPattern()); }
+void NamedList::collectReads(RuleReads& reads) const {
+  rule_.expression()->collectReads(reads, PathPattern());
+}
 
 }  // namespace tarn::rules

@@ -1,5 +1,5 @@
-// How the nodes of an expression have their results. Lists keep the order of first appearance; sets of objects are distinct
-// from the start, since patterns expand to distinct paths.
+// How the nodes of an expression have their results. Lists keep the order of first appearance; sets of objects are
+// distinct from the start, since patterns expand to distinct paths.
 
 #include "expression/Nodes.h"
 
@@ -38,8 +38,12 @@ Dependence dependenceOf(PathPattern const& pattern) {
 }
 
 /// Letters of ASCII only: a model's texts are UTF-8, whose other bytes must stay as they are.
-char lowered(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-char raised(char c) noexcept { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char lowered(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+char raised(char c) noexcept {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 /// Collects texts, each once, in order of first appearance.
 class DistinctTexts {
@@ -67,7 +71,9 @@ double Literal::number(Frame const& frame) const {
   return kind() == Kind::Number ? number_ : Expression::number(frame);
 }
 
-std::string Literal::text(Frame const& frame) const { return kind() == Kind::Text ? text_ : Expression::text(frame); }
+std::string Literal::text(Frame const& frame) const {
+  return kind() == Kind::Text ? text_ : Expression::text(frame);
+}
 
 std::string const& Literal::textIn(Frame const& frame, std::string& buffer) const {
   return kind() == Kind::Text ? text_ : Expression::textIn(frame, buffer);
@@ -76,7 +82,9 @@ std::string const& Literal::textIn(Frame const& frame, std::string& buffer) cons
 // ListLiteral
 
 ListLiteral::ListLiteral(Range range, std::vector<ExpressionPtr> items) : Expression(Kind::List, range) {
-  auto const isFixedText = [](ExpressionPtr const& item) { return dynamic_cast<Literal const*>(item.get()) != nullptr; };
+  auto const isFixedText = [](ExpressionPtr const& item) {
+    return dynamic_cast<Literal const*>(item.get()) != nullptr;
+  };
   if (std::all_of(items.begin(), items.end(), isFixedText)) {
     std::vector<std::string> texts;
     texts.reserve(items.size());
@@ -105,7 +113,9 @@ void ListLiteral::collectReads(RuleReads& reads, PathPattern const& base) const 
   for (auto const& item : items_) item->collectReads(reads, base);
 }
 
-std::vector<Expression const*> ListLiteral::operands() const { return pointers(items_); }
+std::vector<Expression const*> ListLiteral::operands() const {
+  return pointers(items_);
+}
 
 // GuardedList
 
@@ -199,7 +209,9 @@ std::optional<TDFParam::Type> ParameterReference::declaredType(Frame const& fram
   return def != nullptr ? std::optional(def->type) : std::nullopt;
 }
 
-Dependence ParameterReference::dependence() const { return dependenceOf(objects_); }
+Dependence ParameterReference::dependence() const {
+  return dependenceOf(objects_);
+}
 
 void ParameterReference::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
   paths.push_back({objects_.seenFrom(base), name_, range()});
@@ -221,7 +233,9 @@ bool ObjectSet::exists(Frame const& frame) const {
   return pattern_.resolve(frame.context, path) && frame.model.hasObject(path);
 }
 
-Dependence ObjectSet::dependence() const { return dependenceOf(pattern_); }
+Dependence ObjectSet::dependence() const {
+  return dependenceOf(pattern_);
+}
 
 void ObjectSet::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
   paths.push_back({pattern_.seenFrom(base), {}, range()});
@@ -243,7 +257,9 @@ void Operation::collectReads(RuleReads& reads, PathPattern const& base) const {
   for (std::size_t i = 0; i < operands_.size(); ++i) operands_[i]->collectReads(reads, operandBase(i, base));
 }
 
-std::vector<Expression const*> Operation::operands() const { return pointers(operands_); }
+std::vector<Expression const*> Operation::operands() const {
+  return pointers(operands_);
+}
 
 // Logic
 
@@ -633,9 +649,13 @@ bool NamedCall::truth(Frame const& frame) const {
   return kind() == Kind::Truth ? rule_->expression()->truth(frame) : Expression::truth(frame);
 }
 
-SharedStrings NamedCall::list(Frame const& frame) const { return rule_->expression()->list(frame); }
+SharedStrings NamedCall::list(Frame const& frame) const {
+  return rule_->expression()->list(frame);
+}
 
-Dependence NamedCall::dependence() const { return rule_->dependence(); }
+Dependence NamedCall::dependence() const {
+  return rule_->dependence();
+}
 
 void NamedCall::collectReads(RuleReads& reads, PathPattern const& base) const {
   rule_->expression()->collectReads(reads, base);

@@ -10,15 +10,15 @@
 
 #include "expression/Expression.h"
 
-// The kinds of node that a parsed expression consists of. What each one means is said in the rule reference; here is how
-// its result is had.
+// The kinds of node that a parsed expression consists of. What each one means is said in the rule reference; here is
+// how its result is had.
 
 namespace tarn::rules {
 
 class NamedRule;
 
-/// Wraps the costly context-free parts of `expression` that lie as high as possible in `Kept`. Named rules must be bound.
-/// A set of objects is not kept by itself: its paths would be copied out of the cache each time.
+/// Wraps the costly context-free parts of `expression` that lie as high as possible in `Kept`. Named rules must be
+/// bound. A set of objects is not kept by itself: its paths would be copied out of the cache each time.
 [[nodiscard]] ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
 
 /// A text, number or truth value as written.
@@ -84,8 +84,7 @@ class ParameterReference final : public Expression {
   ParameterReference(Range range, PathPattern objects, std::string name, PhysicsData const* data)
       : Expression(Kind::Value, range), objects_(std::move(objects)), name_(std::move(name)), data_(data) {
     local_ = objects_.start() == PathPattern::Start::Context && objects_.steps().empty();
-    fixed_ = objects_.isSingle() && objects_.isAbsolute() &&
-             objects_.resolve(TDFContext(std::string{}), fixedPath_);
+    fixed_ = objects_.isSingle() && objects_.isAbsolute() && objects_.resolve(TDFContext(std::string{}), fixedPath_);
   }
 
   [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override;
@@ -216,8 +215,7 @@ class Arithmetic final : public Operation {
 /// Unary `-`.
 class Negation final : public Operation {
  public:
-  Negation(Range range, std::vector<ExpressionPtr> operands)
-      : Operation(Kind::Number, range, std::move(operands)) {}
+  Negation(Range range, std::vector<ExpressionPtr> operands) : Operation(Kind::Number, range, std::move(operands)) {}
   [[nodiscard]] double number(Frame const& frame) const override { return -operand(0).number(frame); }
 };
 
@@ -265,8 +263,35 @@ class Quantifier final : public Operation {
 class FunctionCall final : public Operation {
  public:
   enum class Function : std::uint8_t {
-    Exists, Names, Paths, Values, Name, Type, Path, Size, First, Join, Unique, Union, Intersection, Difference,
-    Min, Max, Sum, Abs, Floor, Ceil, Round, Number, Text, Lower, Upper, Trim, StartsWith, EndsWith, Contains
+    Exists,
+    Names,
+    Paths,
+    Values,
+    Name,
+    Type,
+    Path,
+    Size,
+    First,
+    Join,
+    Unique,
+    Union,
+    Intersection,
+    Difference,
+    Min,
+    Max,
+    Sum,
+    Abs,
+    Floor,
+    Ceil,
+    Round,
+    Number,
+    Text,
+    Lower,
+    Upper,
+    Trim,
+    StartsWith,
+    EndsWith,
+    Contains
   };
   FunctionCall(Function function, Kind kind, Range range, std::vector<ExpressionPtr> operands)
       : Operation(kind, range, std::move(operands)), function_(function) {}

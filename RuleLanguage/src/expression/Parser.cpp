@@ -1,6 +1,7 @@
-// A parser by recursive descent, one operation for each level of binding. Levels of nesting are counted, so that no input
-// can exhaust the stack, here or in what walks the tree later. Chains of one operator make one node with many operands and
-// count for nothing. A fault of syntax ends the parsing by way of a private exception; faults of kind are gathered.
+// A parser by recursive descent, one operation for each level of binding. Levels of nesting are counted, so that no
+// input can exhaust the stack, here or in what walks the tree later. Chains of one operator make one node with many
+// operands and count for nothing. A fault of syntax ends the parsing by way of a private exception; faults of kind are
+// gathered.
 
 #include "expression/Parser.h"
 
@@ -44,13 +45,37 @@ using A = Argument;
 using F = Function;
 constexpr auto signatures = std::to_array<Signature>({
     {"exists", 1, 1, {A::Existing}, Kind::Truth, F::Exists},
-    {"count", 1, 2, {A::Objects, A::Condition}, Kind::Number, F::Exists, Signature::Form::Quantifier,
+    {"count",
+     1,
+     2,
+     {A::Objects, A::Condition},
+     Kind::Number,
+     F::Exists,
+     Signature::Form::Quantifier,
      Quantifier::Operator::Count},
-    {"any", 2, 2, {A::Objects, A::Condition}, Kind::Truth, F::Exists, Signature::Form::Quantifier,
+    {"any",
+     2,
+     2,
+     {A::Objects, A::Condition},
+     Kind::Truth,
+     F::Exists,
+     Signature::Form::Quantifier,
      Quantifier::Operator::Any},
-    {"all", 2, 2, {A::Objects, A::Condition}, Kind::Truth, F::Exists, Signature::Form::Quantifier,
+    {"all",
+     2,
+     2,
+     {A::Objects, A::Condition},
+     Kind::Truth,
+     F::Exists,
+     Signature::Form::Quantifier,
      Quantifier::Operator::All},
-    {"filter", 2, 2, {A::Objects, A::Condition}, Kind::Objects, F::Exists, Signature::Form::Quantifier,
+    {"filter",
+     2,
+     2,
+     {A::Objects, A::Condition},
+     Kind::Objects,
+     F::Exists,
+     Signature::Form::Quantifier,
      Quantifier::Operator::Filter},
     {"names", 1, 1, {A::Objects}, Kind::List, F::Names},
     {"paths", 1, 1, {A::Objects}, Kind::List, F::Paths},
@@ -91,9 +116,13 @@ Signature const* findSignature(std::string_view name) {
   return found == signatures.end() ? nullptr : found;
 }
 
-std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
 
-std::string orNear(std::string const& near) { return near.empty() ? std::string{} : "; did you mean '" + near + "'?"; }
+std::string orNear(std::string const& near) {
+  return near.empty() ? std::string{} : "; did you mean '" + near + "'?";
+}
 
 template <typename Map>
 std::vector<std::string> keysOf(Map const& map) {
@@ -103,7 +132,9 @@ std::vector<std::string> keysOf(Map const& map) {
   return keys;
 }
 
-bool isLiteral(Expression const& expression) { return dynamic_cast<Literal const*>(&expression) != nullptr; }
+bool isLiteral(Expression const& expression) {
+  return dynamic_cast<Literal const*>(&expression) != nullptr;
+}
 
 class Parser {
  public:
@@ -171,7 +202,8 @@ class Parser {
     }
     if (isSymbol(")")) throw SyntaxFault{token_.range, "')' has no '(' before it"};
     if (token_.kind == TokenKind::Word && findSignature(token_.text) == nullptr) {
-      throw SyntaxFault{token_.range, "an operator is missing before " + inQuotes(token_.text) + operatorHint(token_.text)};
+      throw SyntaxFault{token_.range,
+                        "an operator is missing before " + inQuotes(token_.text) + operatorHint(token_.text)};
     }
     throw SyntaxFault{token_.range, "an operator is missing before this"};
   }
@@ -227,9 +259,8 @@ class Parser {
 
   void requireScalar(Expression const& operand) {
     if (operand.kind() != Kind::List && operand.kind() != Kind::Objects) return;
-    issue(operand.range(),
-          "a single value is needed here, not " + std::string(kindName(operand.kind())) +
-              (operand.kind() == Kind::Objects ? "; write ${...} for the value of a parameter" : ""));
+    issue(operand.range(), "a single value is needed here, not " + std::string(kindName(operand.kind())) +
+                               (operand.kind() == Kind::Objects ? "; write ${...} for the value of a parameter" : ""));
   }
 
   void requireText(Expression const& operand) {
@@ -245,8 +276,8 @@ class Parser {
     std::string message = "a list is needed here, not " + std::string(kindName(operand.kind()));
     if (operand.kind() == Kind::Objects) message += "; write names(...) or paths(...)";
     if (operand.kind() == Kind::Text && isLiteral(operand)) {
-      message += "; a list of one is written (" + std::string(text_.substr(operand.range().offset, operand.range().length)) +
-                 ",)";
+      message += "; a list of one is written (" +
+                 std::string(text_.substr(operand.range().offset, operand.range().length)) + ",)";
     }
     issue(operand.range(), std::move(message));
   }
@@ -388,7 +419,8 @@ class Parser {
     // A text on either side of a "+" makes the sum so far a text; from there on everything is joined.
     std::size_t numeric = terms.size();
     for (std::size_t i = 1; i < terms.size() && numeric == terms.size(); ++i) {
-      bool const text = operators[i] == '+' && (terms[i]->kind() == Kind::Text || (i == 1 && terms[0]->kind() == Kind::Text));
+      bool const text =
+          operators[i] == '+' && (terms[i]->kind() == Kind::Text || (i == 1 && terms[0]->kind() == Kind::Text));
       if (text) numeric = i;
     }
     for (std::size_t i = 0; i < terms.size(); ++i) {
@@ -474,7 +506,8 @@ class Parser {
       issues_.push_back(patternIssue(token, fault));
       pattern.emplace();
     } else if (!pattern->isSingle() && !manyAllowed) {
-      issue(token.range, "this can be the parameter of more than one object; only values(...) and exists(...) take that");
+      issue(token.range,
+            "this can be the parameter of more than one object; only values(...) and exists(...) take that");
     }
     return std::make_unique<ParameterReference>(token.range, std::move(*pattern), std::move(name), data_);
   }
@@ -542,8 +575,8 @@ class Parser {
       if (signature != nullptr) {
         throw SyntaxFault{token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)"};
       }
-      throw SyntaxFault{token.range, "unknown name " + inQuotes(token.text) + "; a text stands in quotes, '" + token.text +
-                                         "', and a parameter in ${" + token.text + "}"};
+      throw SyntaxFault{token.range, "unknown name " + inQuotes(token.text) + "; a text stands in quotes, '" +
+                                         token.text + "', and a parameter in ${" + token.text + "}"};
     }
     if (signature == nullptr) {
       issue(token.range, "unknown function " + inQuotes(token.text) +
@@ -581,8 +614,8 @@ class Parser {
     if (!isSymbol(")")) {
       for (;;) {
         auto const kind = signature.arguments[std::min<std::size_t>(arguments.size(), signature.arguments.size() - 1)];
-        arguments.push_back(argument(arguments.size() < signature.most ? kind : Argument::Scalar,
-                                     signature, target, arguments.size() < signature.most));
+        arguments.push_back(argument(arguments.size() < signature.most ? kind : Argument::Scalar, signature, target,
+                                     arguments.size() < signature.most));
         if (!isSymbol(",")) break;
         advance();
       }
@@ -690,8 +723,8 @@ class Parser {
     Kind kind = a;
     if (a != b) {
       bool const lists = (a == Kind::List && b == Kind::Value) || (a == Kind::Value && b == Kind::List);
-      bool const incompatible = a == Kind::Objects || b == Kind::Objects ||
-                                ((a == Kind::List || b == Kind::List) && !lists);
+      bool const incompatible =
+          a == Kind::Objects || b == Kind::Objects || ((a == Kind::List || b == Kind::List) && !lists);
       if (incompatible) {
         issue(range, "the two results of if must go together, but one is " + std::string(kindName(a)) +
                          " and the other " + std::string(kindName(b)));

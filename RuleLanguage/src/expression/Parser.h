@@ -19,7 +19,8 @@ struct Issue {
   std::string message;
 };
 
-/// What an expression is to give. A text is had from numbers and truth values as well; a condition is not had from a text.
+/// What an expression is to give. A text is had from numbers and truth values as well; a condition is not had from a
+/// text.
 enum class Role { Condition, Text, List };
 
 /// The checks and lists that expressions may call.
@@ -40,13 +41,14 @@ struct RuleCall {
 };
 
 struct ParsedExpression {
-  ExpressionPtr expression;    // null when there are issues
-  std::vector<Issue> issues;   // in order of place; a fault of syntax ends the parsing
+  ExpressionPtr expression;   // null when there are issues
+  std::vector<Issue> issues;  // in order of place; a fault of syntax ends the parsing
   std::vector<RuleCall> calls;
 };
 
-/// Parses and checks an expression: syntax, names and arguments, kinds of operands. Named rules are looked up in `named`
-/// and may still be unbound. `data` is the database that the expression will live in, for declared types; it may be null.
+/// Parses and checks an expression: syntax, names and arguments, kinds of operands. Named rules are looked up in
+/// `named` and may still be unbound. `data` is the database that the expression will live in, for declared types; it
+/// may be null.
 [[nodiscard]] ParsedExpression parseExpression(std::string_view text, Role role, NamedRules const& named,
                                                PhysicsData const* data, ParserLimits const& limits);
 

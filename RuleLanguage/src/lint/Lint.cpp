@@ -1,5 +1,6 @@
-// Warnings: what can be loaded and is still doubtful. Each kind is a small operation over the uses of expressions or over the
-// entries of objects. All of them keep silent where the rules leave room: a warning that is often wrong is not read.
+// Warnings: what can be loaded and is still doubtful. Each kind is a small operation over the uses of expressions or
+// over the entries of objects. All of them keep silent where the rules leave room: a warning that is often wrong is not
+// read.
 
 #include "lint/Lint.h"
 
@@ -18,7 +19,9 @@ namespace tarn::rules {
 
 namespace {
 
-std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
 
 std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
   auto const near = StringUtilities::nearMatch(text, candidates);
@@ -148,8 +151,9 @@ class Linter {
         for (auto const& param : object->params()) candidates.push_back(param->name);
       }
       if (known) continue;
-      std::string const where =
-          named.size() == 1 && use.named == nullptr && !named.begin()->empty() ? " of " + *named.begin() : std::string{};
+      std::string const where = named.size() == 1 && use.named == nullptr && !named.begin()->empty()
+                                    ? " of " + *named.begin()
+                                    : std::string{};
       warn(use, path.range,
            "no rule knows a parameter " + inQuotes(path.parameter) + where + orNear(path.parameter, candidates));
     }
@@ -228,8 +232,9 @@ class Linter {
       auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
       if (list == nullptr) return {};
       auto const equals = [&](std::string const& item) {
-        return value.number ? TDFParam::asQuantity(item).has_value() && TDFParam::asQuantity(item)->number == *value.number
-                            : item == value.text;
+        return value.number
+                   ? TDFParam::asQuantity(item).has_value() && TDFParam::asQuantity(item)->number == *value.number
+                   : item == value.text;
       };
       auto const& items = list->items();
       bool const listed = std::any_of(items.begin(), items.end(), equals);
@@ -264,7 +269,8 @@ class Linter {
       auto const reason = impossible(use, value);
       if (reason.empty()) continue;
       warn(use, value.range,
-           "the parameter " + inQuotes(value.parameter->name()) + " can never be " + inQuotes(value.text) + ": it" + reason);
+           "the parameter " + inQuotes(value.parameter->name()) + " can never be " + inQuotes(value.text) + ": it" +
+               reason);
     }
   }
 
@@ -337,12 +343,11 @@ class Linter {
       auto const named = types_.resolve(read.objects, use.typePath);
       bool const own = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
                        named == std::set<std::string>{use.typePath};
-      bool const allLater =
-          !named.empty() && std::all_of(named.begin(), named.end(), [&](std::string const& typePath) {
-            auto const* target = data_.getObjDependDef(typePath, true);
-            if (target == nullptr || target->findParam(read.name) == nullptr) return false;
-            return own ? isLaterParameter(*object, use, read.name) : isLaterObject(use, typePath);
-          });
+      bool const allLater = !named.empty() && std::all_of(named.begin(), named.end(), [&](std::string const& typePath) {
+        auto const* target = data_.getObjDependDef(typePath, true);
+        if (target == nullptr || target->findParam(read.name) == nullptr) return false;
+        return own ? isLaterParameter(*object, use, read.name) : isLaterObject(use, typePath);
+      });
       if (!allLater) continue;
       bool const itself = own && !use.ofChild && use.entry == read.name;
       warn(use, rangeOf(use, read.name),
@@ -508,7 +513,8 @@ class Linter {
     for (auto const& value : values) {
       if (list != nullptr && list->items().contains(value) && !def.unusedValues.contains(value)) continue;
       if (list != nullptr && !def.allowsAnyValue) {
-        warn(item, "the default " + inQuotes(value) + " is not among the allowed values" + orNear(value, list->items()));
+        warn(item,
+             "the default " + inQuotes(value) + " is not among the allowed values" + orNear(value, list->items()));
         continue;
       }
       if (def.allowedValueKind == ParamValueDef::ComputedAllowedValues) continue;
@@ -524,7 +530,8 @@ class Linter {
     if (element != TDFParam::Integer && element != TDFParam::Real) return;
     auto const quantity = TDFParam::asQuantity(value);
     if (!quantity || (element == TDFParam::Integer && quantity->number != std::trunc(quantity->number))) {
-      warn(item, "the default " + inQuotes(value) + (element == TDFParam::Integer ? " is no whole number" : " is no number"));
+      warn(item,
+           "the default " + inQuotes(value) + (element == TDFParam::Integer ? " is no whole number" : " is no number"));
       return;
     }
     auto const outside = [&](TextExpression const* bound, bool lower) {
@@ -532,8 +539,8 @@ class Linter {
       auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
       if (!limit || limit->units != quantity->units) return;
       if (lower ? quantity->number < limit->number : quantity->number > limit->number) {
-        warn(item, "the default " + inQuotes(value) + (lower ? " is below the lower bound " : " is above the upper bound ") +
-                       fixed->text());
+        warn(item, "the default " + inQuotes(value) +
+                       (lower ? " is below the lower bound " : " is above the upper bound ") + fixed->text());
       }
     };
     outside(def.lowerBound.get(), true);
@@ -571,6 +578,8 @@ class Linter {
 
 }  // namespace
 
-void addWarnings(RuleBuilder const& rules, DiagnosticList& diagnostics) { Linter(rules, diagnostics).run(); }
+void addWarnings(RuleBuilder const& rules, DiagnosticList& diagnostics) {
+  Linter(rules, diagnostics).run();
+}
 
 }  // namespace tarn::rules

@@ -10,8 +10,8 @@
 
 namespace tarn::rules {
 
-/// The object types that a rule database speaks of, as a tree: those with rules, those that are somebody's child, and the
-/// roots. Patterns are resolved over it as they are over a model, only that an object stands for all of its type.
+/// The object types that a rule database speaks of, as a tree: those with rules, those that are somebody's child, and
+/// the roots. Patterns are resolved over it as they are over a model, only that an object stands for all of its type.
 class TypeTree {
  public:
   explicit TypeTree(PhysicsData const& data);

@@ -14,8 +14,8 @@ class DiagnosticList {
  public:
   explicit DiagnosticList(std::size_t limit) : limit_(limit) {}
 
-  /// Adds one about `length` characters from `place` in `source`. The returned reference is for adding notes and is valid
-  /// until the next call.
+  /// Adds one about `length` characters from `place` in `source`. The returned reference is for adding notes and is
+  /// valid until the next call.
   Diagnostic& add(Severity severity, SourceText const& source, Place place, std::size_t length, std::string message);
   /// The one that was added last, for adding notes.
   [[nodiscard]] Diagnostic& newest() noexcept { return list_.empty() ? surplus_ : list_.back(); }

@@ -1,6 +1,6 @@
-// From YAML to a rule database. One operation reads one section or one kind of value; each tells of what is wrong at the
-// place where it stands and goes on, so that all faults of all files come out together. The keys of each section stand in
-// one table, from which near matches are suggested.
+// From YAML to a rule database. One operation reads one section or one kind of value; each tells of what is wrong at
+// the place where it stands and goes on, so that all faults of all files come out together. The keys of each section
+// stand in one table, from which near matches are suggested.
 
 #include "loading/RuleBuilder.h"
 
@@ -19,7 +19,9 @@ namespace {
 
 using StringUtilities::isSpace;
 
-std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
 
 std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
   auto const near = StringUtilities::nearMatch(text, candidates);
@@ -52,9 +54,32 @@ constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
 });
 
 enum class ParamKey {
-  Available, Required, ContextRule, Context, ValidationRelaxed, Description, Reason, BetaMessage, BetaValues,
-  Type, AllowedList, ListSource, Checks, Unused, Subset, SubsetSource, AllowsAny, AvailableWithNone, CompleteList,
-  Default, DefaultChecks, FallbackToBlank, OverrideChecks, LowerBound, UpperBound, QuantityType
+  Available,
+  Required,
+  ContextRule,
+  Context,
+  ValidationRelaxed,
+  Description,
+  Reason,
+  BetaMessage,
+  BetaValues,
+  Type,
+  AllowedList,
+  ListSource,
+  Checks,
+  Unused,
+  Subset,
+  SubsetSource,
+  AllowsAny,
+  AvailableWithNone,
+  CompleteList,
+  Default,
+  DefaultChecks,
+  FallbackToBlank,
+  OverrideChecks,
+  LowerBound,
+  UpperBound,
+  QuantityType
 };
 namespace attributes = RuleAttributes;
 constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
@@ -87,8 +112,17 @@ constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
 });
 
 enum class ChildKey {
-  Available, Required, Context, ValidationRelaxed, Description, Reason, BetaMessage,
-  Singleton, Coupled, AllowedNames, DefaultNames
+  Available,
+  Required,
+  Context,
+  ValidationRelaxed,
+  Description,
+  Reason,
+  BetaMessage,
+  Singleton,
+  Coupled,
+  AllowedNames,
+  DefaultNames
 };
 constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Available", ChildKey::Available},
@@ -111,7 +145,8 @@ enum class UnitsKey { Units };
 constexpr auto unitsKeys = std::to_array<Key<UnitsKey>>({{"Units", UnitsKey::Units}});
 
 enum class GlobalKey { Check, Message };
-constexpr auto globalKeys = std::to_array<Key<GlobalKey>>({{"Check", GlobalKey::Check}, {"Message", GlobalKey::Message}});
+constexpr auto globalKeys =
+    std::to_array<Key<GlobalKey>>({{"Check", GlobalKey::Check}, {"Message", GlobalKey::Message}});
 
 template <typename Table>
 std::vector<std::string> keyTexts(Table const& table) {
@@ -146,7 +181,9 @@ bool isExpression(YamlNode const& node) {
 RuleBuilder::RuleBuilder(DiagnosticList& diagnostics, LoadLimits const& limits)
     : diagnostics_(diagnostics), limits_(limits), data_(std::make_unique<PhysicsData>()) {}
 
-void RuleBuilder::addFile(SourceText const& source, YamlNode const& root) { files_.push_back({&source, &root, {}}); }
+void RuleBuilder::addFile(SourceText const& source, YamlNode const& root) {
+  files_.push_back({&source, &root, {}});
+}
 
 void RuleBuilder::build() {
   for (auto& file : files_) readHeader(file);
@@ -534,8 +571,8 @@ void RuleBuilder::bindNamedRules() {
   std::unordered_map<NamedRule const*, PendingBody*> byRule;
   for (auto& pending : bodies_) byRule.emplace(pending.rule, &pending);
 
-  // Depth first with an own stack: a rule is bound when everything that it calls is. A call of a rule that is still open
-  // closes a circle.
+  // Depth first with an own stack: a rule is bound when everything that it calls is. A call of a rule that is still
+  // open closes a circle.
   enum class State { New, Open, Done };
   std::unordered_map<PendingBody const*, State> states;
   struct Step {
@@ -556,8 +593,8 @@ void RuleBuilder::bindNamedRules() {
           states[called] = State::Open;
           stack.push_back({called});
         } else if (states[called] == State::Open) {
-          auto const first = std::find_if(stack.begin(), stack.end(),
-                                          [&](Step const& open) { return open.pending == called; });
+          auto const first =
+              std::find_if(stack.begin(), stack.end(), [&](Step const& open) { return open.pending == called; });
           std::string circle;
           std::size_t shown = 0;
           for (auto open = first; open != stack.end(); ++open, ++shown) {
@@ -570,8 +607,8 @@ void RuleBuilder::bindNamedRules() {
       }
       for (auto const* call : pending.calls) pending.depth = std::max(pending.depth, byRule.at(call)->depth);
       if (++pending.depth > limits_.callDepth) {
-        error(pending.name, "named rules call each other in a chain of more than " +
-                                std::to_string(limits_.callDepth) + " calls");
+        error(pending.name,
+              "named rules call each other in a chain of more than " + std::to_string(limits_.callDepth) + " calls");
         pending.depth = 0;
       }
       if (pending.expression) pending.rule->bind(std::move(pending.expression), std::move(pending.source));
@@ -641,7 +678,8 @@ bool RuleBuilder::isTypePath(Item const& item) {
     auto const type = path.substr(begin, end - begin);
     if (type.empty()) return error(item, "a type in the path is empty"), false;
     if (type.find(':') != std::string_view::npos) {
-      return error(item, "an object type path holds types only, without names: remove the ':' and what follows it"), false;
+      return error(item, "an object type path holds types only, without names: remove the ':' and what follows it"),
+             false;
     }
     if (isSpace(type.front()) || isSpace(type.back())) {
       return error(item, "a type cannot begin or end with a blank"), false;
@@ -684,7 +722,9 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
 
 namespace {
 
-bool holdsSeparator(std::string_view name) { return name.find_first_of("/:") != std::string_view::npos; }
+bool holdsSeparator(std::string_view name) {
+  return name.find_first_of("/:") != std::string_view::npos;
+}
 
 /// Where `name` stands as a key in one of the sections of the object; nothing when it does not.
 Item formerPlace(std::vector<std::pair<std::string, Item>> const& sections, std::string const& typePath,
@@ -789,7 +829,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
         break;
       case ParamKey::BetaValues:
         forEach(value, attribute, [&](Item const& betaValue, Item const& message) {
-          if (auto const given = scalar(message, "a beta message")) def.betaValues.emplace(betaValue.node->value, *given);
+          if (auto const given = scalar(message, "a beta message"))
+            def.betaValues.emplace(betaValue.node->value, *given);
         });
         break;
       case ParamKey::Type:
@@ -803,9 +844,10 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
               types.emplace_back(TDFParam::typeName(static_cast<TDFParam::Type>(i)));
             }
             auto const near = orNear(*given, types);
-            error(value, "unknown parameter type " + inQuotes(given->substr(0, 60)) +
-                             (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
-                                           : near));
+            error(value,
+                  "unknown parameter type " + inQuotes(given->substr(0, 60)) +
+                      (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
+                                    : near));
           }
         }
         break;
@@ -823,7 +865,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
         break;
       case ParamKey::Checks:
         forEach(value, attribute, [&](Item const& checked, Item const& when) {
-          if (auto check = condition(when, attribute)) def.allowedValueChecks.emplace(checked.node->value, std::move(check));
+          if (auto check = condition(when, attribute))
+            def.allowedValueChecks.emplace(checked.node->value, std::move(check));
         });
         break;
       case ParamKey::Unused:

@@ -36,8 +36,8 @@ struct ExpressionUse {
   std::size_t skipped = 0;  // bytes of the scalar before the expression: of "= ..." the "="
   CompiledPtr compiled;
   Role role = Role::Condition;
-  std::string typePath;     // of the object whose rule it is; empty for checks, lists and global checks
-  std::string entry;        // the parameter or child type
+  std::string typePath;  // of the object whose rule it is; empty for checks, lists and global checks
+  std::string entry;     // the parameter or child type
   bool ofChild = false;
   std::string attribute;
   NamedRule const* named = nullptr;  // the named rule whose body it is
@@ -49,8 +49,8 @@ struct EntryPlace {
   std::map<std::string_view, Item> attributes;
 };
 
-/// Builds a rule database from parsed rule files: reads the sections, parses expressions, and tells of everything that is
-/// wrong with the form of the rules. What is doubtful but allowed is not looked at here.
+/// Builds a rule database from parsed rule files: reads the sections, parses expressions, and tells of everything that
+/// is wrong with the form of the rules. What is doubtful but allowed is not looked at here.
 ///
 /// The files are read in two rounds. The first gives every named check and list its place, so that expressions can be
 /// checked against all names whatever the order; the second reads all else.
@@ -70,7 +70,9 @@ class RuleBuilder {
   void keepPlaces() { keepPlaces_ = true; }
   [[nodiscard]] std::vector<ExpressionUse> const& uses() const noexcept { return uses_; }
   [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& paramPlaces() const { return params_; }
-  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& childPlaces() const { return children_; }
+  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& childPlaces() const {
+    return children_;
+  }
   [[nodiscard]] std::map<std::string, Item> const& objectPlaces() const { return objects_; }
   [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
   [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
@@ -159,7 +161,7 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> listNames_;
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
-  std::vector<std::pair<std::string, Item>> sectionsSeen_;  // type path and its Parameters or Children, in order
+  std::vector<std::pair<std::string, Item>> sectionsSeen_;       // type path and its Parameters or Children, in order
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   Owner owner_;

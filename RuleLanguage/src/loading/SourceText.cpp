@@ -6,7 +6,9 @@ namespace tarn::rules {
 
 namespace {
 
-bool continuesCharacter(char c) noexcept { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+bool continuesCharacter(char c) noexcept {
+  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
 
 }  // namespace
 

@@ -1,6 +1,6 @@
-// YAML by way of libyaml's events, which are fast and carry exact places. The tree is built with an own stack; an alias shares
-// the node of its anchor, and the weight of nodes is counted as if it were copied, so that a file whose aliases multiply
-// is refused before anything walks it.
+// YAML by way of libyaml's events, which are fast and carry exact places. The tree is built with an own stack; an alias
+// shares the node of its anchor, and the weight of nodes is counted as if it were copied, so that a file whose aliases
+// multiply is refused before anything walks it.
 
 #include "yaml/YamlDocument.h"
 
@@ -66,14 +66,15 @@ YamlNode::Style styleOf(yaml_scalar_style_t style) {
   }
 }
 
-Place placeOf(yaml_mark_t const& mark) { return {mark.line + 1, mark.column + 1}; }
+Place placeOf(yaml_mark_t const& mark) {
+  return {mark.line + 1, mark.column + 1};
+}
 
 /// What the parser's own words most often mean in a rule file.
 std::string hintFor(std::string_view problem) {
   static constexpr std::array<std::string_view, 5> quoting = {
-      "mapping values are not allowed in this context", "did not find expected key",
-      "did not find expected ',' or '}'", "did not find expected ',' or ']'",
-      "did not find expected <document start>"};
+      "mapping values are not allowed in this context", "did not find expected key", "did not find expected ',' or '}'",
+      "did not find expected ',' or ']'", "did not find expected <document start>"};
   if (std::find(quoting.begin(), quoting.end(), problem) != quoting.end()) {
     return "; check the indentation, and quote as a whole a value that begins with a quote, '{', '[' or '*', or that "
            "holds ': ' or ' #'";
@@ -109,8 +110,7 @@ class Builder {
           break;
         case YAML_SEQUENCE_START_EVENT: {
           auto const& start = event->data.sequence_start;
-          if (!open(event.get(), YamlNode::Kind::Sequence, start.anchor,
-                    start.style == YAML_FLOW_SEQUENCE_STYLE)) {
+          if (!open(event.get(), YamlNode::Kind::Sequence, start.anchor, start.style == YAML_FLOW_SEQUENCE_STYLE)) {
             return nullptr;
           }
           break;
@@ -159,7 +159,8 @@ class Builder {
   void contextNote(yaml_parser_t const& parser) {
     // The list has it as its newest entry, and nothing was added since.
     Diagnostic& last = diagnostics_.newest();
-    DiagnosticList::note(last, source_, placeOf(parser.context_mark), 1, std::string(parser.context) + " that begins here");
+    DiagnosticList::note(last, source_, placeOf(parser.context_mark), 1,
+                         std::string(parser.context) + " that begins here");
   }
 
   YamlNode* make(yaml_event_t const& event, YamlNode::Kind kind) {
@@ -194,8 +195,7 @@ class Builder {
     parent.children.push_back(node);
     parent.weight += node->weight;
     if (parent.weight <= limits_.nodes) return true;
-    fail(at, 1,
-         "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
+    fail(at, 1, "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
     return false;
   }
 

@@ -22,9 +22,9 @@ struct YamlNode {
   std::uint32_t column = 1;
   std::uint32_t endLine = 1;
   std::uint32_t endColumn = 1;
-  std::string value;               // of a scalar, its text as written, whatever it may mean elsewhere
-  std::vector<YamlNode*> children; // of a mapping, key and value in turn
-  std::size_t weight = 1;          // nodes in it, aliases counted as what they stand for
+  std::string value;                // of a scalar, its text as written, whatever it may mean elsewhere
+  std::vector<YamlNode*> children;  // of a mapping, key and value in turn
+  std::size_t weight = 1;           // nodes in it, aliases counted as what they stand for
 
   [[nodiscard]] Place place() const noexcept { return {line, column}; }
   /// The number of characters by which a diagnostic about the node underlines it: to the end of its first line.

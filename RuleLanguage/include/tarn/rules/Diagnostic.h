@@ -21,7 +21,8 @@ struct TARN_EXPORT Diagnostic {
   /// One sentence, with what to write instead where there is a near match or a usual mistake.
   std::string message;
 
-  /// The text of the line, for display, and how many characters of it from `column` the diagnostic is about, at least 1.
+  /// The text of the line, for display, and how many characters of it from `column` the diagnostic is about, at
+  /// least 1.
   std::string sourceLine;
   std::size_t length = 1;
 
