@@ -28,6 +28,7 @@ struct Word {
   std::size_t length = 0;
   bool escaped = false;  // some character of it was escaped, so it is no `*`, `..` or the like
   bool starred = false;  // it holds a "*" of the pattern language
+  bool nearest = false;  // it begins with a "^" of the pattern language
 };
 
 class Parser {
@@ -122,6 +123,8 @@ class Parser {
         }
       } else if (c == '*') {
         out.starred = true;
+      } else if (c == '^' && i == begin) {
+        out.nearest = true;
       }
       out.text += c;
     }
@@ -138,7 +141,7 @@ bool isBare(Word const& word, std::string_view text) {
 
 bool makeStep(Parser& parser, Parser::Component& component, PathPattern::Step& step) {
   auto& [type, name, named] = component;
-  if (!type.escaped && !type.text.empty() && (type.text[0] == '^' || isBare(type, "@"))) {
+  if (type.nearest || isBare(type, "@")) {
     return parser.fail(type, "'" + type.text.substr(0, 1) + "' may stand only at the beginning of a path");
   }
   if (!named) {
@@ -255,7 +258,7 @@ std::optional<PathPattern> PathPattern::parse(std::string_view text, Fault& faul
   } else if (auto const& [type, name, named] = components.front(); isBare(type, "@") && !named) {
     pattern.start_ = Start::Owner;
     first = 1;
-  } else if (!type.escaped && type.text[0] == '^') {
+  } else if (type.nearest) {
     if (named) return parser.fail(name, "'^' takes a type only, without a name"), std::nullopt;
     if (type.text.size() == 1) return parser.fail(type, "'^' needs a type behind it"), std::nullopt;
     if (type.starred) return parser.fail(type, "'^' needs the name of a type behind it"), std::nullopt;
