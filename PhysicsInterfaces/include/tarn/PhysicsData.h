@@ -70,7 +70,7 @@ class TARN_EXPORT PhysicsData {
   bool addCheck(std::string const& name, std::unique_ptr<Check> check);
   bool addList(std::string const& name, std::unique_ptr<List> list);
   bool addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check);
-  bool addQuantityType(std::string const& name, std::vector<std::string> units);
+  bool addQuantityType(std::string const& name, std::vector<std::string> const& units);
   /// A root that is there already is not added again.
   void addPertinentRoot(std::string const& type);
 

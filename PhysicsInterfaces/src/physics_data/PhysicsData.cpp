@@ -78,8 +78,8 @@ bool PhysicsData::addGlobalCheck(std::string const& name, std::unique_ptr<Global
   return true;
 }
 
-bool PhysicsData::addQuantityType(std::string const& name, std::vector<std::string> units) {
-  return quantityTypes_.try_emplace(name, std::move(units)).second;
+bool PhysicsData::addQuantityType(std::string const& name, std::vector<std::string> const& units) {
+  return quantityTypes_.try_emplace(name, units).second;
 }
 
 void PhysicsData::addPertinentRoot(std::string const& type) {

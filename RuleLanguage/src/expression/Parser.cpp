@@ -184,9 +184,10 @@ class Parser {
   };
 
   void advance() {
-    SyntaxFault fault;
+    Range fault;
+    std::string message;
     last_ = token_.range;
-    if (!lexer_.next(token_, fault.range, fault.message)) throw fault;
+    if (!lexer_.next(token_, fault, message)) throw SyntaxFault{fault, std::move(message)};
   }
 
   [[nodiscard]] bool isSymbol(std::string_view symbol) const {
@@ -768,6 +769,7 @@ class Parser {
 std::vector<std::string> const& functionNames() {
   static std::vector<std::string> const names = [] {
     std::vector<std::string> result;
+    result.reserve(signatures.size());
     for (auto const& signature : signatures) result.emplace_back(signature.name);
     return result;
   }();

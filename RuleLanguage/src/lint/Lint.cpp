@@ -162,7 +162,7 @@ class Linter {
   /// A near match for the first type of the pattern that leads nowhere.
   [[nodiscard]] std::string nearObject(ExpressionUse const& use, PathPattern const& pattern) const {
     if (use.named != nullptr && !pattern.isAbsolute()) return {};
-    auto const steps = pattern.steps();
+    auto const& steps = pattern.steps();
     std::string text = pattern.isAbsolute() ? "/" : "";
     if (!pattern.isAbsolute() && pattern.start() != PathPattern::Start::Context) return {};
     std::set<std::string> current = {pattern.isAbsolute() ? std::string{} : use.typePath};

@@ -151,6 +151,7 @@ constexpr auto globalKeys =
 template <typename Table>
 std::vector<std::string> keyTexts(Table const& table) {
   std::vector<std::string> texts;
+  texts.reserve(table.size());
   for (auto const& key : table) texts.emplace_back(key.text);
   return texts;
 }
@@ -649,7 +650,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
         error(value, "a quantity type needs at least one of its units");
         return;
       }
-      data_->addQuantityType(name.node->value, std::move(*units));
+      data_->addQuantityType(name.node->value, *units);
     });
     if (!unitsGiven) error(name, "the quantity type has no 'Units'; write {Units: [...]}");
   });
