@@ -99,6 +99,7 @@ class Linter {
       }
       for (auto const& child : object->children()) checkChild(*object, *child);
     }
+    checkObjects();
     for (auto const& [root, place] : rules_.rootPlaces()) {
       if (data_.getObjDependDef("/" + root, true) == nullptr) {
         warn(place, "there are no rules for the root type " + inQuotes(root) + orNear(root, types_.childTypes("")));
@@ -429,20 +430,43 @@ class Linter {
 
   // Entries
 
+  void checkObjects() {
+    for (auto const& [typePath, place] : rules_.objectPlaces()) {
+      std::string const parentPath(PathUtils::parentOf(typePath));
+      if (parentPath.empty()) continue;
+      auto const* parent = data_.getObjDependDef(parentPath, true);
+      std::string const type(PathUtils::lastType(typePath));
+      if (parent != nullptr && parent->findChild(type) != nullptr) continue;
+      std::vector<std::string> candidates;
+      if (parent != nullptr) {
+        for (auto const& child : parent->children()) candidates.push_back(child->type);
+      }
+      warn(place, "no child rule leads to objects of this type, so nothing of this entry is ever looked at" +
+                      orNear(type, candidates));
+    }
+  }
+
   void checkChild(ObjDependDef const& object, ChildAvail const& child) {
     auto const typePath = object.typePath() + "/" + child.type;
     auto const& place = rules_.childPlaces().at({object.typePath(), child.type});
     if (data_.getObjDependDef(typePath, true) == nullptr) {
       warn(place.name, "there is no entry " + typePath + " under Objects, so nothing in such a child is known");
     }
-    if (child.singleton && (child.defaultNamesSource || child.allowedNamesSource)) {
-      for (auto const* const attribute : {"Allowed Names", "Default Names"}) {
-        auto const given = place.attributes.find(attribute);
-        if (given != place.attributes.end() && (child.defaultNamesSource || child.allowedNamesSource)) {
-          warn(given->second, std::string(attribute) + " gives names, but a singleton has none");
-        }
-      }
+    auto const at = [&](std::string_view attribute) {
+      auto const found = place.attributes.find(attribute);
+      return found == place.attributes.end() ? Item{} : found->second;
+    };
+    auto const allowedNames = at("Allowed Names");
+    auto const defaultNames = at("Default Names");
+    if (child.singleton) {
+      if (allowedNames) warn(allowedNames, "Allowed Names gives names, but a singleton has none");
+      if (defaultNames) warn(defaultNames, "Default Names gives names, but a singleton has none");
+    } else if (defaultNames && allowedNames) {
+      warn(defaultNames, "Default Names has no effect beside Allowed Names");
+    } else if (defaultNames && !child.required) {
+      warn(defaultNames, "Default Names has no effect on a child that is not required");
     }
+    if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
   }
 
   void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {
@@ -467,7 +491,7 @@ class Linter {
     checkBounds(def, at("Lower Bound"), at("Upper Bound"));
     checkDefault(def, at("Default Value"));
     if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
-    if (!param.contexts.empty()) checkContext(object, param, at("Context"));
+    if (!param.contexts.empty()) checkContext(object, &param, param.contexts, at("Context"));
   }
 
   /// The keys of a map from allowed values must be allowed values.
@@ -561,13 +585,32 @@ class Linter {
     }
   }
 
-  void checkContext(ObjDependDef const& object, ParamAvail const& param, Item const& item) {
+  /// `param` is the parameter whose entry has the contexts; null for a child, which comes behind all parameters.
+  void checkContext(ObjDependDef const& object, ParamAvail const* param, std::vector<std::string> const& contexts,
+                    Item const& item) {
+    bool ruled = false;
+    bool open = false;
+    std::vector<std::string> values;
     for (auto const& earlier : object.params()) {
-      if (earlier.get() == &param) break;
-      if (earlier->contextRule) return;
+      if (earlier.get() == param) break;
+      if (!earlier->contextRule || earlier->valueDef() == nullptr) continue;
+      ruled = true;
+      auto const& def = *earlier->valueDef();
+      auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
+      open |= list == nullptr || def.allowsAnyValue || def.allowedValueKind != ParamValueDef::FixedAllowedValues;
+      if (list != nullptr) values.insert(values.end(), list->items().begin(), list->items().end());
     }
-    if (std::find(param.contexts.begin(), param.contexts.end(), "") != param.contexts.end()) return;
-    warn(item, "no context rule stands before this parameter, so it is never live");
+    for (auto const& context : contexts) {
+      if (context.empty()) continue;
+      if (!ruled) {
+        warn(item, param != nullptr ? "no context rule stands before this parameter, so it is never live"
+                                    : "the object has no context rule, so this child is never live");
+        return;
+      }
+      if (!open && std::find(values.begin(), values.end(), context) == values.end()) {
+        warn(item, "no context rule can have the value " + inQuotes(context) + orNear(context, values));
+      }
+    }
   }
 
   RuleBuilder const& rules_;

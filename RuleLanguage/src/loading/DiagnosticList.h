@@ -27,6 +27,7 @@ class DiagnosticList {
                    std::string message);
 
   [[nodiscard]] bool hasErrors() const noexcept { return errors_ > 0; }
+  [[nodiscard]] std::size_t errorCount() const noexcept { return errors_; }
 
   /// All of them, in the order of `files` and of places in them, each once; with warnings only when `warnings` is set.
   /// Beyond the limit the last one says how many errors there were.

@@ -201,6 +201,12 @@ void RuleBuilder::build() {
     read("Objects", &RuleBuilder::readObjects);
     read("Global Checks", &RuleBuilder::readGlobalChecks);
   }
+  for (auto const& later : laterUses_) {
+    owner_ = later.owner;
+    if (auto const expression = compiled(later.item, later.skipped, later.role, later.attribute)) {
+      uses_.back().named = later.named;
+    }
+  }
 }
 
 // Faults
@@ -432,7 +438,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
           for (auto const& call : result.calls) calls->push_back(call.rule);
         }
         // The part is parsed once more for those who look at uses, since the list owns this one.
-        if (keepPlaces_ && result.expression) (void)compiled(part, skipped, role, attribute);
+        if (keepPlaces_ && result.expression) laterUses_.push_back({part, skipped, role, attribute, owner_, nullptr});
         return std::move(result.expression);
       };
       forEachKnown(childItem, "an item of a list", guardKeys, [&](GuardKey key, Item const&, Item const& value) {
@@ -540,14 +546,16 @@ void RuleBuilder::parseNamedBodies() {
       return found != listNames_.end() && found->second.node == pending.name.node;
     }();
     owner_ = {};
-    std::size_t const usesBefore = uses_.size();
+    std::size_t const usesBefore = laterUses_.size();
     auto const takeExpression = [&](std::size_t skipped, Role role) {
       if (!scalar(pending.body, isList ? "a computed list" : "a check")) return;
       auto result = parsed(pending.body, skipped, role);
       pending.expression = std::move(result.expression);
       pending.source = pending.body.node->value.substr(skipped);
       for (auto const& call : result.calls) pending.calls.push_back(call.rule);
-      if (keepPlaces_ && pending.expression) (void)compiled(pending.body, skipped, role, isList ? "Lists" : "Checks");
+      if (keepPlaces_ && pending.expression) {
+        laterUses_.push_back({pending.body, skipped, role, isList ? "Lists" : "Checks", owner_, nullptr});
+      }
     };
     if (!isList) {
       takeExpression(0, Role::Condition);
@@ -564,7 +572,7 @@ void RuleBuilder::parseNamedBodies() {
     } else {
       error(pending.body, "a list is written as [a, b, c], or computed by one expression behind '='");
     }
-    for (std::size_t i = usesBefore; i < uses_.size(); ++i) uses_[i].named = pending.rule;
+    for (std::size_t i = usesBefore; i < laterUses_.size(); ++i) laterUses_[i].named = pending.rule;
   }
 }
 
@@ -606,11 +614,21 @@ void RuleBuilder::bindNamedRules() {
         }
         continue;
       }
-      for (auto const* call : pending.calls) pending.depth = std::max(pending.depth, byRule.at(call)->depth);
+      for (auto const* call : pending.calls) {
+        auto const& called = *byRule.at(call);
+        pending.depth = std::max(pending.depth, called.depth);
+        pending.callCount += 1 + called.callCount;
+      }
+      // What goes beyond a limit is told once: to its callers it counts as nothing.
       if (++pending.depth > limits_.callDepth) {
         error(pending.name,
               "named rules call each other in a chain of more than " + std::to_string(limits_.callDepth) + " calls");
         pending.depth = 0;
+      }
+      if (pending.callCount > limits_.callCount) {
+        error(pending.name, "one evaluation of this rule comes to more than " + std::to_string(limits_.callCount) +
+                                " calls of named rules; state it with fewer");
+        pending.callCount = 0;
       }
       if (pending.expression) pending.rule->bind(std::move(pending.expression), std::move(pending.source));
       states[&pending] = State::Done;

@@ -91,6 +91,16 @@ class RuleBuilder {
     bool ofChild = false;
   };
 
+  /// An expression that another owns, to be parsed once more as a use when all named rules are bound.
+  struct LaterUse {
+    Item item;
+    std::size_t skipped;
+    Role role;
+    std::string_view attribute;
+    Owner owner;
+    NamedRule const* named;
+  };
+
   /// A named rule whose body was parsed and waits for the rules it calls.
   struct PendingBody {
     NamedRule* rule = nullptr;
@@ -100,6 +110,7 @@ class RuleBuilder {
     std::string source;
     std::vector<NamedRule const*> calls;
     std::size_t depth = 0;
+    std::size_t callCount = 0;  // of one evaluation, the calls within what it calls included
   };
 
   // Faults
@@ -165,6 +176,7 @@ class RuleBuilder {
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   Owner owner_;
+  std::vector<LaterUse> laterUses_;
 
   std::vector<ExpressionUse> uses_;
   std::map<std::pair<std::string, std::string>, EntryPlace> params_;

@@ -18,11 +18,12 @@ namespace {
 void addAll(RuleFileSet const& files, LoadLimits const& limits, DiagnosticList& diagnostics,
             std::deque<YamlDocument>& documents, RuleBuilder& builder) {
   for (auto const& source : files.sources) {
+    std::size_t const errorsBefore = diagnostics.errorCount();
     auto const& document =
         documents.emplace_back(source, YamlDocument::Limits{limits.yamlDepth, limits.yamlNodes}, diagnostics);
     if (document.root() != nullptr) {
       builder.addFile(source, *document.root());
-    } else if (!diagnostics.hasErrors() || source.text().find_first_not_of(" \t\r\n") == std::string::npos) {
+    } else if (diagnostics.errorCount() == errorsBefore) {
       diagnostics.add(Severity::Error, source, {1, 1}, 1,
                       "the file holds no rules; it must begin with 'Rule Database: 1'");
     }
