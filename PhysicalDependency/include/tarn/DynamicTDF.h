@@ -23,9 +23,11 @@ class ChangeRecord;
 ///     model.setParameter("/Case/Domain:rotor", "Motion", "Stationary");
 ///     model.getModifiedParameters();                                    // {("/Case/Domain:rotor", "Motion")}
 ///
-/// Objects. Every object is known by its full path, and a look-up by path costs one hash of it, however deep or wide
-/// the tree is. Children stand in the order in which they were created. The root always exists, cannot be deleted, and
-/// answers to the empty path only: "/" is no object. Depth is limited by memory alone; no operation recurses.
+/// Objects. Every object is known by its full path. A look-up by path costs one hash of it and one comparison with it,
+/// however wide the tree is; asking an object for its children of one type costs as much as there are of them. Children
+/// stand in the order in which they were created. The root always exists, cannot be deleted, and answers to the empty
+/// path only: "/" is no object. Depth is limited by memory alone, of which an object takes as much as its own component
+/// needs and not its path; no operation recurses.
 ///
 /// Paths. Whatever creates an object also creates all objects above it that are missing, with the types and names that
 /// the path gives them. A path of which something has to be created must be one that `TDFPath` accepts; else its
@@ -177,9 +179,11 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   struct Node;
   class NodeStore;
   class SkipEmptyScope;
+  class StateWalk;
 
   enum class SetResult : int { Added = 0, Modified = 1, Unchanged = 2 };
 
+  [[nodiscard]] static std::string childPath(std::string const& parentPath, Node const& child);
   Node& findCreateNode(std::string const& path);
   bool deleteNodeAndChildren(std::string const& path);
   void doSetParameter(std::string const& objPath, std::string const& name, std::string const& value, Node& node);
@@ -189,8 +193,8 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   void setParameters(std::string topPath, ModelTDF const& model);
   void setParameters(std::string const& objPath, ObjectState const& values);
   void copyNodeAndChildren(Node const& sourceTop);
-  void copyNodeParameters(Node const& sourceNode, Node& targetNode);
-  void deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode);
+  void copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath);
+  void deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path);
   void clear();
 
   /// Set for the time of a bulk load that asks for it: `doSetParameter` passes over empty values.

@@ -93,36 +93,39 @@ void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {
 /// Mirrors `sourceTop` and all below it. Of each object, its parameters come first, then its children in the order of
 /// the source, and only then go those of its children that the source lacks.
 void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
-  auto const enter = [this](Node const& sourceNode) {
-    Node& targetNode = findCreateNode(sourceNode.path());
-    copyNodeParameters(sourceNode, targetNode);
-    return &targetNode;
+  // The listed path of the object at which the walk is; only the components change on the way.
+  std::string path = sourceTop.path();
+  Node const* sourceNode = &sourceTop;
+  Node* targetNode = &findCreateNode(path);
+  copyNodeParameters(*sourceNode, *targetNode, path);
+  auto const enter = [&](Node const& child, Node& targetParent) {
+    std::size_t const parentSize = path.size();
+    child.appendListedComponent(path);
+    sourceNode = &child;
+    targetNode = &nodes_->findCreateChild(targetParent, std::string_view(path).substr(parentSize));
+    copyNodeParameters(*sourceNode, *targetNode, path);
   };
 
-  Node const* sourceNode = &sourceTop;
-  Node* targetNode = enter(sourceTop);
   for (;;) {
     if (!sourceNode->children.empty()) {
-      sourceNode = sourceNode->children.first();
-      targetNode = enter(*sourceNode);
+      enter(*sourceNode->children.first(), *targetNode);
       continue;
     }
     // Up again, as far as everything is done. The objects of a pair have the same path, so their parents are a pair
     // too.
     for (;;) {
-      deleteObsoleteChildren(*sourceNode, *targetNode);
+      deleteObsoleteChildren(*sourceNode, *targetNode, path);
       if (sourceNode == &sourceTop) return;
+      path.resize(path.rfind('/'));
       if (sourceNode->nextSibling != nullptr) break;
       sourceNode = sourceNode->parent;
       targetNode = targetNode->parent;
     }
-    sourceNode = sourceNode->nextSibling;
-    targetNode = enter(*sourceNode);
+    enter(*sourceNode->nextSibling, *targetNode->parent);
   }
 }
 
-void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode) {
-  std::string const& objPath = sourceNode.path();
+void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath) {
   for (auto const& [pooledName, param] : sourceNode.params) {
     std::string const& name = pooledName.text();
     // The record decides, not the type of the parameter: an allowed value parameter that was set with an empty record
@@ -146,25 +149,26 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode) {
   }
 }
 
-/// Deletes the children here that the source lacks, in byte order of their paths.
-void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode) {
-  auto const sortedPaths = [](Node::ChildList const& children) {
-    std::vector<std::string_view> paths;
-    for (Node const& child : children) paths.push_back(child.path());
-    std::sort(paths.begin(), paths.end());
-    return paths;
-  };
+/// Deletes the children here that the source lacks, in byte order of their paths. `path` is that of both objects.
+void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path) {
   // Most often the two have the same children in the same order.
-  auto const samePath = [](Node const& a, Node const& b) { return a.path() == b.path(); };
+  auto const same = [](Node const& a, Node const& b) { return a.type == b.type && a.name() == b.name(); };
   if (std::equal(sourceNode.children.begin(), sourceNode.children.end(), targetNode.children.begin(),
-                 targetNode.children.end(), samePath)) {
+                 targetNode.children.end(), same)) {
     return;
   }
-  auto const wanted = sortedPaths(sourceNode.children);
-  auto const present = sortedPaths(targetNode.children);
+  auto const sortedComponents = [](Node::ChildList const& children) {
+    std::vector<std::string> components;
+    components.reserve(children.size());
+    for (Node const& child : children) child.appendListedComponent(components.emplace_back());
+    std::sort(components.begin(), components.end());
+    return components;
+  };
+  auto const wanted = sortedComponents(sourceNode.children);
+  auto const present = sortedComponents(targetNode.children);
   std::vector<std::string_view> obsolete;
   std::set_difference(present.begin(), present.end(), wanted.begin(), wanted.end(), std::back_inserter(obsolete));
-  for (std::string_view const path : obsolete) deleteObject(std::string(path));
+  for (std::string_view const component : obsolete) deleteObject(std::string(path).append(component));
 }
 
 void DynamicTDF::clear() {

@@ -1,6 +1,7 @@
 // Reading and single edits of the editable tree, and its change log. A read finds the object in the store and asks it;
-// an edit changes the object and then tells the log. Loading, merging and mirroring stand in DynamicTDF.Bulk.cpp, the
-// store of objects and the objects themselves in the DynamicTDFStore and DynamicTDFNode sources.
+// an edit changes the object and then tells the log. Loading, merging and mirroring stand in DynamicTDF.Bulk.cpp,
+// taking the state in DynamicTDF.State.cpp, the store of objects and the objects themselves in the DynamicTDFStore and
+// DynamicTDFNode sources.
 
 #include <tarn/DynamicTDF.h>
 
@@ -37,7 +38,7 @@ bool DynamicTDF::hasParameter(std::string const& objPath, std::string const& nam
 
 std::string const& DynamicTDF::getObjectName(std::string const& path) const {
   Node const* const node = nodes_->find(path);
-  return node == nullptr ? sharedEmptyString() : node->name;
+  return node == nullptr ? sharedEmptyString() : node->name();
 }
 
 std::string const& DynamicTDF::getObjectType(std::string const& path) const {
@@ -83,7 +84,9 @@ bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::str
 bool DynamicTDF::getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const {
   out.clear();
   if (Node const* const node = nodes_->find(path)) {
-    for (Node const& child : node->children) out.push_back(child.path());
+    std::string const listed = node->listedAsFound ? std::string() : node->path();
+    out.reserve(node->children.size());
+    for (Node const& child : node->children) out.push_back(childPath(node->listedAsFound ? path : listed, child));
   }
   return !out.empty();
 }
@@ -92,9 +95,7 @@ bool DynamicTDF::getChildObjectNamesByType(std::string const& path, std::string 
                                            std::vector<std::string>& out) const {
   out.clear();
   if (Node const* const node = nodes_->find(path)) {
-    for (Node const& child : node->children) {
-      if (child.type == type) out.push_back(child.name);
-    }
+    node->children.visitOfType(type, [&](Node const& child) { out.push_back(child.name()); });
   }
   return !out.empty();
 }
@@ -103,9 +104,9 @@ bool DynamicTDF::getChildObjectPathsByType(std::string const& path, std::string 
                                            std::vector<std::string>& out) const {
   out.clear();
   if (Node const* const node = nodes_->find(path)) {
-    for (Node const& child : node->children) {
-      if (child.type == type) out.push_back(child.path());
-    }
+    std::string const listed = node->listedAsFound ? std::string() : node->path();
+    node->children.visitOfType(
+        type, [&](Node const& child) { out.push_back(childPath(node->listedAsFound ? path : listed, child)); });
   }
   return !out.empty();
 }
@@ -122,21 +123,6 @@ bool DynamicTDF::isObjectEmpty(std::string const& path) const {
     if (!node->params.empty()) return false;
   }
   return true;
-}
-
-ModelState DynamicTDF::getState(std::string const& rootPath) const {
-  ModelState state;
-  bool const whole = rootPath.empty() || rootPath == "/";
-  auto const& nodes = nodes_->nodes();
-  for (auto place = whole ? nodes.begin() : nodes.lower_bound(rootPath); place != nodes.end(); ++place) {
-    // All paths at or below rootPath begin with it, and in byte order those that do stand together.
-    if (!whole && !place->first.starts_with(rootPath)) break;
-    Node const& node = *place->second;
-    if (node.params.empty() || !StringUtilities::isPathRootedAt(rootPath, place->first)) continue;
-    ObjectState& values = state.try_emplace(state.end(), place->first)->second;
-    for (auto const& [name, param] : node.params) values.try_emplace(values.end(), name.text(), param.value());
-  }
-  return state;
 }
 
 bool DynamicTDF::createObject(std::string const& parentPath, std::string const& type, std::string const& name) {
@@ -211,6 +197,15 @@ std::vector<std::string> const& DynamicTDF::getDeletedObjects() const noexcept {
   return changes_->deletedObjects();
 }
 
+/// The path of `child` as listings give it, where `parentPath` is that of its parent.
+std::string DynamicTDF::childPath(std::string const& parentPath, Node const& child) {
+  std::string path;
+  path.reserve(parentPath.size() + child.type.size() + child.writtenName.size() + 2);
+  path.append(parentPath);
+  child.appendListedComponent(path);
+  return path;
+}
+
 DynamicTDF::Node& DynamicTDF::findCreateNode(std::string const& path) {
   Node* const node = nodes_->find(path);
   return node == nullptr ? nodes_->create(path) : *node;
@@ -225,8 +220,10 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
   for (Node* node = top;;) {
     while (!node->children.empty()) node = node->children.last();
     bool const isTop = node == top;
-    std::string const& recordedPath = isTop ? path : node->path();
-    for (auto const& param : node->params) changes_->recordDeleted(recordedPath, param.first.text());
+    if (changes_->isRecording() && !node->params.empty()) {
+      std::string const composed = isTop ? std::string() : node->path();
+      for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.first.text());
+    }
     Node* const parent = node->parent;
     nodes_->removeLeaf(*node);
     if (isTop) return true;

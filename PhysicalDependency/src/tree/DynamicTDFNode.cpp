@@ -1,8 +1,11 @@
-// One object of the editable tree: its links to parent, children and neighbours, and the values of its parameters. Who
-// owns the objects and finds them by path is the store; what is logged is decided by the tree.
+// One object of the editable tree: its component of the path, its links to parent, children and neighbours, and the
+// values of its parameters. Who owns the objects and finds them by path is the store; what is logged is decided by the
+// tree.
 
 #include "tree/DynamicTDFNode.h"
 
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include <tarn/PhysicsDepErrors.h>
@@ -13,34 +16,156 @@
 
 namespace tarn {
 
-DynamicTDF::Node::Node(NodeMap::const_iterator storeEntry, Node* parentNode, std::string const& objType,
-                       std::string_view objName)
-    : entry(storeEntry), type(objType), name(objName), parent(parentNode) {
-  if (parent == nullptr) return;
-  // Nearly every key is the composed path already. Both are made of the same words, but for names that equal their type
-  // and stand in the key only, so comparing the lengths is enough.
-  std::string const& above = parent->path();
-  std::size_t const length = above.size() + 1 + type.size() + (type == name ? 0 : 1 + name.size());
-  if (length == key().size()) return;
-  std::string composed;
-  composed.reserve(length);
-  composed.append(above).append("/").append(type);
-  if (type != name) composed.append(":").append(name);
-  composedPath_ = std::make_unique<std::string const>(std::move(composed));
+namespace {
+
+/// From this many children on they are kept by type. A look-up by type costs about as much as comparing so many.
+constexpr std::size_t manyChildren = 17;
+
+template <class Block>
+bool sameBlock(char const* a, char const* b) noexcept {
+  Block blockA;
+  Block blockB;
+  std::memcpy(&blockA, a, sizeof blockA);
+  std::memcpy(&blockB, b, sizeof blockB);
+  return blockA == blockB;
 }
 
-void DynamicTDF::Node::ChildList::append(Node& child) noexcept {
+/// For texts of a few bytes, as types and names are; a call of a library function for each would take most of the time
+/// of a look-up. The last block of a text overlaps the one before it.
+bool sameBytes(char const* a, char const* b, std::size_t size) noexcept {
+  if (size >= sizeof(std::uint64_t)) {
+    std::size_t const last = size - sizeof(std::uint64_t);
+    for (std::size_t i = 0; i < last; i += sizeof(std::uint64_t)) {
+      if (!sameBlock<std::uint64_t>(a + i, b + i)) return false;
+    }
+    return sameBlock<std::uint64_t>(a + last, b + last);
+  }
+  if (size >= sizeof(std::uint32_t)) {
+    std::size_t const last = size - sizeof(std::uint32_t);
+    return sameBlock<std::uint32_t>(a, b) && sameBlock<std::uint32_t>(a + last, b + last);
+  }
+  for (std::size_t i = 0; i < size; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+DynamicTDF::Node::Node(Node* parentNode, PathHash const& pathHash, std::string const& pooledType,
+                       std::string_view nameInPath)
+    : hash(pathHash),
+      type(pooledType),
+      writtenName(nameInPath),
+      parent(parentNode),
+      listedAsFound(parentNode == nullptr || (parentNode->listedAsFound && nameInPath != pooledType)) {}
+
+/// Takes the object's component off the end of `path`; false when something else stands there.
+bool DynamicTDF::Node::takeComponent(std::string_view& path) const noexcept {
+  std::size_t const nameSize = writtenName.empty() ? 0 : 1 + writtenName.size();
+  std::size_t const size = 1 + type.size() + nameSize;
+  if (path.size() < size) return false;
+  char const* const component = path.data() + (path.size() - size);
+  char const* const behindType = component + 1 + type.size();
+  if (nameSize != 0 && (*behindType != ':' || !sameBytes(behindType + 1, writtenName.data(), writtenName.size()))) {
+    return false;
+  }
+  if (*component != '/' || !sameBytes(component + 1, type.data(), type.size())) return false;
+  path.remove_suffix(size);
+  return true;
+}
+
+bool DynamicTDF::Node::isFoundUnder(std::string_view path) const noexcept {
+  for (Node const* node = this; node->parent != nullptr; node = node->parent) {
+    if (!node->takeComponent(path)) return false;
+  }
+  return path.empty();
+}
+
+bool DynamicTDF::Node::isFoundUnderComponent(std::string_view component) const noexcept {
+  return takeComponent(component) && component.empty();
+}
+
+std::string DynamicTDF::Node::path() const {
+  auto const listsName = [](Node const& node) { return !node.writtenName.empty() && node.writtenName != node.type; };
+  std::size_t size = 0;
+  for (Node const* node = this; node->parent != nullptr; node = node->parent) {
+    size += 1 + node->type.size() + (listsName(*node) ? 1 + node->writtenName.size() : 0);
+  }
+  std::string path(size, '/');
+  auto const putBefore = [&](std::string_view text) {
+    size -= text.size();
+    path.replace(size, text.size(), text);
+  };
+  for (Node const* node = this; node->parent != nullptr; node = node->parent) {
+    if (listsName(*node)) {
+      putBefore(node->writtenName);
+      putBefore(":");
+    }
+    putBefore(node->type);
+    putBefore("/");
+  }
+  return path;
+}
+
+void DynamicTDF::Node::appendFoundComponent(std::string& path) const {
+  path.append(1, '/').append(type);
+  if (!writtenName.empty()) path.append(1, ':').append(writtenName);
+}
+
+void DynamicTDF::Node::appendListedComponent(std::string& path) const {
+  path.append(1, '/').append(type);
+  if (!writtenName.empty() && writtenName != type) path.append(1, ':').append(writtenName);
+}
+
+void DynamicTDF::Node::ChildList::append(Node& child) {
+  // The groups first: should memory run out there, the list is as it was.
+  if (byType_ != nullptr) {
+    appendTo(*byType_, child);
+  } else if (size_ + 1 == manyChildren) {
+    auto groups = std::make_unique<Groups>();
+    for (Node& present : *this) appendTo(*groups, present);
+    appendTo(*groups, child);
+    byType_ = std::move(groups);
+  }
   child.previousSibling = last_;
   child.nextSibling = nullptr;
   (last_ == nullptr ? first_ : last_->nextSibling) = &child;
   last_ = &child;
+  ++size_;
 }
 
 void DynamicTDF::Node::ChildList::remove(Node& child) noexcept {
+  if (byType_ != nullptr) removeFrom(*byType_, child);
   (child.previousSibling == nullptr ? first_ : child.previousSibling->nextSibling) = child.nextSibling;
   (child.nextSibling == nullptr ? last_ : child.nextSibling->previousSibling) = child.previousSibling;
   child.previousSibling = nullptr;
   child.nextSibling = nullptr;
+  --size_;
+}
+
+void DynamicTDF::Node::ChildList::appendTo(Groups& groups, Node& child) {
+  Group& group = groups[child.type];
+  child.previousOfType = group.last;
+  child.nextOfType = nullptr;
+  (group.last == nullptr ? group.first : group.last->nextOfType) = &child;
+  group.last = &child;
+}
+
+void DynamicTDF::Node::ChildList::removeFrom(Groups& groups, Node& child) noexcept {
+  // A child in the middle of its group changes neither end, so the group need not even be looked up.
+  if (child.previousOfType != nullptr && child.nextOfType != nullptr) {
+    child.previousOfType->nextOfType = child.nextOfType;
+    child.nextOfType->previousOfType = child.previousOfType;
+  } else {
+    auto const place = groups.find(child.type);
+    Group& group = place->second;
+    (child.previousOfType == nullptr ? group.first : child.previousOfType->nextOfType) = child.nextOfType;
+    (child.nextOfType == nullptr ? group.last : child.nextOfType->previousOfType) = child.previousOfType;
+    if (group.first == nullptr) groups.erase(place);
+  }
+  child.previousOfType = nullptr;
+  child.nextOfType = nullptr;
 }
 
 DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName, std::string_view value,

@@ -7,25 +7,34 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/ParamAllowedValues.h>
 
 #include "tree/NamePool.h"
+#include "tree/PathHash.h"
 
 namespace tarn {
 
-/// One object of the tree. It is linked to its parent, to its first and last child and to its neighbours among the
-/// children of its parent. So a subtree can be walked in either direction without a stack, however deep it is, and a
-/// child leaves a list of any length in constant time.
+/// One object of the tree. It holds its own component of the path and links: to its parent, to its first and last child
+/// and to its neighbours among the children of its parent. So a subtree can be walked in either direction without a
+/// stack, however deep it is, and a child leaves a list of any length in constant time. A path is put together from the
+/// components upwards when somebody wants it; stored at every object, paths would cost the square of the depth.
+///
+/// An object has its component in two forms. Under the one it is found: as it was written when the object came into
+/// being. Under the other it is listed: the type, and the name if that differs. They are the same but for a name that
+/// was written although it equals the type.
 struct DynamicTDF::Node {
   class ParamVal;
-  /// Owns the objects of a tree, by path.
-  using NodeMap = std::map<std::string, std::unique_ptr<Node>, std::less<>>;
   using Params = std::map<PooledName, ParamVal, PooledName::Less>;
 
   /// The children in the order of their creation. The store owns them.
+  ///
+  /// An object with many children also keeps them by type, each type's in the order of their creation: a walk asks an
+  /// object for every type that the rules know, hundreds of which most objects have no child of. Among few children it
+  /// is as quick to look at each.
   class ChildList {
    public:
     class Iterator {
@@ -51,24 +60,60 @@ struct DynamicTDF::Node {
     [[nodiscard]] Iterator begin() const noexcept { return Iterator(first_); }
     [[nodiscard]] Iterator end() const noexcept { return Iterator(nullptr); }
     [[nodiscard]] bool empty() const noexcept { return first_ == nullptr; }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
     [[nodiscard]] Node* first() const noexcept { return first_; }
     [[nodiscard]] Node* last() const noexcept { return last_; }
-    void append(Node& child) noexcept;
+
+    /// Calls `visit` with each child of exactly this type, in the order of their creation. Costs as much as there are
+    /// of them, but for a constant.
+    template <class Visit>
+    void visitOfType(std::string_view type, Visit visit) const {
+      if (byType_ == nullptr) {
+        for (Node const& child : *this) {
+          if (child.type == type) visit(child);
+        }
+      } else if (auto const place = byType_->find(type); place != byType_->end()) {
+        for (Node const* child = place->second.first; child != nullptr; child = child->nextOfType) visit(*child);
+      }
+    }
+
+    void append(Node& child);
     void remove(Node& child) noexcept;
 
    private:
+    /// The children of one type; there is at least one.
+    struct Group {
+      Node* first = nullptr;
+      Node* last = nullptr;
+    };
+    /// The keys are texts of the pool, in which the types of all children stand.
+    using Groups = std::unordered_map<std::string_view, Group>;
+
+    static void appendTo(Groups& groups, Node& child);
+    static void removeFrom(Groups& groups, Node& child) noexcept;
+
     Node* first_ = nullptr;
     Node* last_ = nullptr;
+    std::size_t size_ = 0;
+    /// Null as long as there have been few children.
+    std::unique_ptr<Groups> byType_;
   };
 
-  /// `entry` is the place in the store that owns the object, `type` a text that outlives it.
-  Node(NodeMap::const_iterator entry, Node* parent, std::string const& type, std::string_view name);
+  /// `pooledType` outlives the object. `writtenName` is the name that stands in the path; empty if none does.
+  Node(Node* parent, PathHash const& hash, std::string const& pooledType, std::string_view writtenName);
 
-  /// The path under which the store knows the object.
-  [[nodiscard]] std::string const& key() const noexcept { return entry->first; }
+  [[nodiscard]] std::string const& name() const noexcept { return writtenName.empty() ? type : writtenName; }
 
-  /// The path as composed from the parent's path, the type and, if it differs, the name.
-  [[nodiscard]] std::string const& path() const noexcept { return composedPath_ ? *composedPath_ : key(); }
+  /// Whether the object is found under `text`, a whole path or the last component of one.
+  [[nodiscard]] bool isFoundUnder(std::string_view path) const noexcept;
+  [[nodiscard]] bool isFoundUnderComponent(std::string_view component) const noexcept;
+
+  /// The path under which the object is listed.
+  [[nodiscard]] std::string path() const;
+
+  /// Adds the component with a leading "/".
+  void appendFoundComponent(std::string& path) const;
+  void appendListedComponent(std::string& path) const;
 
   /// A new parameter gets its name from `names`.
   SetResult setParamValue(std::string const& paramName, std::string_view value, NamePool& names);
@@ -79,18 +124,27 @@ struct DynamicTDF::Node {
   /// order. Null behind the last one.
   [[nodiscard]] Node const* nextBelow(Node const& top) const noexcept;
 
-  NodeMap::const_iterator const entry;
+  /// Of the path under which the object is found.
+  PathHash const hash;
   std::string const& type;
-  std::string const name;
+  std::string const writtenName;
   Node* const parent;
+  /// True when the path under which the object is listed is the one under which it is found.
+  bool const listedAsFound;
+
   Node* nextSibling = nullptr;
   Node* previousSibling = nullptr;
+  /// Among the children of the same type, where the parent keeps them by type.
+  Node* nextOfType = nullptr;
+  Node* previousOfType = nullptr;
   ChildList children;
   Params params;
 
+  /// The store's: the rest of the objects whose hash falls into the same place.
+  std::unique_ptr<Node> nextInBucket;
+
  private:
-  /// Only where the composed path is not the key: an object whose name was written although it equals the type.
-  std::unique_ptr<std::string const> composedPath_;
+  [[nodiscard]] bool takeComponent(std::string_view& path) const noexcept;
 };
 
 /// The value of a parameter. What few parameters have, items that were asked for and allowed values, stands apart, so

@@ -4,6 +4,9 @@
 
 #include "tree/DynamicTDFStore.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <tarn/Error.h>
 #include <tarn/PathUtils.h>
 #include <tarn/TDFPath.h>
@@ -26,16 +29,23 @@ TDFPath readBelow(std::string const& path, std::size_t from) {
 }  // namespace
 
 DynamicTDF::NodeStore::NodeStore() {
-  root_ = &insert("", nullptr, "", "");
+  reset();
 }
 
-DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
-  auto const place = index_.find(path);
-  return place == index_.end() ? nullptr : place->second;
+DynamicTDF::NodeStore::~NodeStore() {
+  clear();
+}
+
+DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const noexcept {
+  PathHash const hash(path);
+  for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
+    if (node->hash == hash && node->isFoundUnder(path)) return node;
+  }
+  return nullptr;
 }
 
 DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_view objPath,
-                                                                   std::string_view name) const {
+                                                                   std::string_view name) const noexcept {
   Node const* const node = find(objPath);
   if (node == nullptr) return nullptr;
   auto const place = node->params.find(name);
@@ -52,36 +62,83 @@ DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path) {
   }
 
   TDFPath const missing = readBelow(path, known.size());
-  std::size_t end = known.size();
+  std::size_t begin = known.size();
   for (unsigned long long k = 0; k < missing.numComponent(); ++k) {
-    end = path.find('/', end + 1);
-    current = &insert(std::string_view(path).substr(0, end), current, missing.getType(k), missing.getName(k));
+    std::size_t const end = std::min(path.find('/', begin + 1), path.size());
+    std::string_view const component = std::string_view(path).substr(begin, end - begin);
+    PathHash hash = current->hash;
+    hash.append(component);
+    current = &insert(current, hash, component);
+    begin = end;
   }
   return *current;
 }
 
-void DynamicTDF::NodeStore::removeLeaf(Node& node) {
+DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::string_view component) {
+  PathHash hash = parent.hash;
+  hash.append(component);
+  for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
+    if (node->hash == hash && node->parent == &parent && node->isFoundUnderComponent(component)) return *node;
+  }
+  return insert(&parent, hash, component);
+}
+
+void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
   node.parent->children.remove(node);
-  index_.erase(node.key());
-  nodes_.erase(node.entry);
+  std::unique_ptr<Node>* place = &buckets_[bucketOf(node.hash)];
+  while (place->get() != &node) place = &(*place)->nextInBucket;
+  *place = std::move(node.nextInBucket);
+  --size_;
 }
 
 void DynamicTDF::NodeStore::reset() {
-  index_.clear();
-  nodes_.clear();
+  clear();
   names_.clear();
-  root_ = &insert("", nullptr, "", "");
+  buckets_.clear();
+  buckets_.resize(1);
+  root_ = &insert(nullptr, PathHash(), "");
 }
 
-DynamicTDF::Node& DynamicTDF::NodeStore::insert(std::string_view path, Node* parent, std::string_view type,
-                                                std::string_view name) {
-  // A state comes in the order of this map, so the place to try first is the end.
-  auto const place = nodes_.try_emplace(nodes_.end(), std::string(path));
-  place->second = std::make_unique<Node>(place, parent, names_.intern(type), name);
-  Node& node = *place->second;
-  index_.emplace(place->first, &node);
-  if (parent != nullptr) parent->children.append(node);
-  return node;
+/// `component` has its leading "/"; of the root it is empty.
+DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& hash, std::string_view component) {
+  std::string_view const words = component.substr(component.empty() ? 0 : 1);
+  std::size_t const colon = words.find(':');
+  std::string_view const name = colon == std::string_view::npos ? std::string_view() : words.substr(colon + 1);
+  if (size_ == buckets_.size()) grow();
+  auto made = std::make_unique<Node>(parent, hash, names_.intern(words.substr(0, colon)), name);
+  if (parent != nullptr) parent->children.append(*made);
+  std::unique_ptr<Node>& bucket = buckets_[bucketOf(hash)];
+  made->nextInBucket = std::move(bucket);
+  bucket = std::move(made);
+  ++size_;
+  return *bucket;
+}
+
+std::size_t DynamicTDF::NodeStore::bucketOf(PathHash const& hash) const noexcept {
+  return hash.value() & (buckets_.size() - 1);
+}
+
+void DynamicTDF::NodeStore::grow() {
+  std::vector<std::unique_ptr<Node>> old(buckets_.size() * 2);
+  old.swap(buckets_);
+  for (std::unique_ptr<Node>& chain : old) {
+    while (chain != nullptr) {
+      std::unique_ptr<Node> node = std::move(chain);
+      chain = std::move(node->nextInBucket);
+      std::unique_ptr<Node>& bucket = buckets_[bucketOf(node->hash)];
+      node->nextInBucket = std::move(bucket);
+      bucket = std::move(node);
+    }
+  }
+}
+
+/// Takes the chains apart one by one: an object that goes with the rest of its chain would call itself for each.
+void DynamicTDF::NodeStore::clear() noexcept {
+  for (std::unique_ptr<Node>& chain : buckets_) {
+    while (chain != nullptr) chain = std::move(chain->nextInBucket);
+  }
+  size_ = 0;
+  root_ = nullptr;
 }
 
 }  // namespace tarn

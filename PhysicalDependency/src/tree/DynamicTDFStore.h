@@ -1,28 +1,31 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "tree/DynamicTDFNode.h"
 
 namespace tarn {
 
-/// Owns the objects of a tree and knows each under its path, twice: in a map in byte order, which is the order of a
-/// state, and in a hash index over the keys of that map, which answers the look-ups. Objects enter and leave through
-/// this class only, and with both at once; so the two hold the same objects, each is linked into its parent's children,
-/// and with a path all paths above it are present.
+/// Owns the objects of a tree and finds each by its path, in a hash index that keeps no path: the hash of an object is
+/// made from that of its parent, and a text is compared with an object from the end upwards, component by component.
+/// Objects enter and leave through this class only, and with the index the children of their parent change; so the two
+/// hold the same objects, and with an object all those above it are present.
 class DynamicTDF::NodeStore {
  public:
   /// The root alone.
   NodeStore();
+  ~NodeStore();
+  NodeStore(NodeStore const&) = delete;
+  NodeStore& operator=(NodeStore const&) = delete;
 
   [[nodiscard]] Node& root() const noexcept { return *root_; }
-  /// Null when there is none; of a parameter, also when there is no such object.
-  [[nodiscard]] Node* find(std::string_view path) const;
-  [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
-  /// All objects in byte order of their paths.
-  [[nodiscard]] Node::NodeMap const& nodes() const noexcept { return nodes_; }
+  /// Null when there is none; of a parameter, also when there is no such object. Allocates nothing.
+  [[nodiscard]] Node* find(std::string_view path) const noexcept;
+  [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const noexcept;
 
   /// The types and parameter names of the tree.
   [[nodiscard]] NamePool& names() noexcept { return names_; }
@@ -31,20 +34,26 @@ class DynamicTDF::NodeStore {
   /// the `Error` of `TDFPath` when it cannot be read, and then makes nothing.
   Node& create(std::string const& path);
 
+  /// The child with this component, which is one that `TDFPath` accepts and has its leading "/"; made if it is missing.
+  Node& findCreateChild(Node& parent, std::string_view component);
+
   /// Removes an object that has no children left and is not the root.
-  void removeLeaf(Node& node);
+  void removeLeaf(Node& node) noexcept;
 
   /// Back to the root alone. Every other object, and the old root, are gone.
   void reset();
 
  private:
-  Node& insert(std::string_view path, Node* parent, std::string_view type, std::string_view name);
+  Node& insert(Node* parent, PathHash const& hash, std::string_view component);
+  [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
+  void grow();
+  void clear() noexcept;
 
   /// Read by all objects, so it goes after them.
   NamePool names_;
-  Node::NodeMap nodes_;
-  /// The keys are views of those in nodes_, which stay where they are as long as their entry.
-  std::unordered_map<std::string_view, Node*> index_;
+  /// As many as a power of two, and at least as many as objects. Each holds a chain, mostly of one.
+  std::vector<std::unique_ptr<Node>> buckets_;
+  std::size_t size_ = 0;
   Node* root_ = nullptr;
 };
 
