@@ -1,0 +1,282 @@
+// Every function of the expression language with its edge cases.
+
+#include "RuleLanguage/ExpressionTable.h"
+
+namespace tarn::rules {
+namespace {
+
+class Functions : public test::ExpressionTable {};
+
+TEST_F(Functions, Exists) {
+  expectTexts({{"exists(${Motion})", "true"},
+               {"exists(${Title})", "true"},
+               {"exists(${Missing})", "false"},
+               {"exists(${Nothing/Motion})", "false"},
+               {"exists(${../../../X})", "false"},
+               {"exists(${Boundary:*/Flow})", "true"},
+               {"exists(${Boundary:*/Pressure})", "false"},
+               {"exists(${Nothing:*/Flow})", "false"},
+               {"exists(${Boundary:shroud/Kind})", "true"},
+               {"exists({Boundary:in})", "true"},
+               {"exists({Boundary:missing})", "false"},
+               {"exists({Boundary:*})", "true"},
+               {"exists({Nothing:*})", "false"},
+               {"exists({^Case})", "true"},
+               {"exists({^Nothing})", "false"},
+               {"exists({../../../..})", "false"},
+               {"exists(filter({Boundary:*}, ${Flow} > 3))", "true"},
+               {"exists(filter({Boundary:*}, ${Flow} > 4))", "false"}});
+}
+
+TEST_F(Functions, ValuesAreThoseOfThePresentParametersTheEmptyOnesIncluded) {
+  expectLists({{"values(${Boundary:*/Kind})", "[Inlet, Outlet, ]"},
+               {"values(${Boundary:*/Flow})", "[4, 3]"},
+               {"values(${/Case/Domain:*/Material})", "[Water, Air]"},
+               {"values(${/Case/**/Kind})", "[Inlet, Outlet, , Inlet]"},
+               {"values(${Boundary:*/Pressure})", "[]"},
+               {"values(${Motion})", "[Rotating]"},
+               {"values(${Title})", "[]"},
+               {"values(${Missing})", "[]"},
+               {"values(${../../../X})", "[]"},
+               {"values(${Fluids})", "[Water, Air ,Oil,Water]"}});
+  expectTexts({{"size(values(${Title}))", "1"},
+               {"size(values(${Missing}))", "0"},
+               {"size(values(${Boundary:*/Kind}))", "3"},
+               {"size(values(${Fluids}))", "1"}});
+}
+
+TEST_F(Functions, NamesAndPathsOfASet) {
+  expectLists(
+      {{"names({Boundary:*})", "[in, out, shroud]"},
+       {"names({/Case/Domain:*/Boundary:*})", "[in, out, shroud, in]"},
+       {"names({Motion Frame})", "[Motion Frame]"},
+       {"names({Nothing:*})", "[]"},
+       {"paths({/Case/Domain:*/Boundary:in})", "[/Case/Domain:rotor/Boundary:in, /Case/Domain:stator/Boundary:in]"},
+       {"paths({Nothing:*})", "[]"}});
+}
+
+TEST_F(Functions, NameTypeAndPathOfTheContextOrOfTheFirstOfASet) {
+  expectTexts({{"name()", "rotor"},
+               {"type()", "Domain"},
+               {"path()", "/Case/Domain:rotor"},
+               {"name({Boundary:*})", "in"},
+               {"type({Boundary:*})", "Boundary"},
+               {"path({Boundary:*})", "/Case/Domain:rotor/Boundary:in"},
+               {"name({Motion Frame})", "Motion Frame"},
+               {"type({Motion Frame})", "Motion Frame"},
+               {"name({Nothing:*})", ""},
+               {"type({Nothing:*})", ""},
+               {"path({Nothing:*})", ""},
+               {"name({Boundary:missing})", ""},
+               {"name({..})", "Case"},
+               {"name({^Case})", "Case"},
+               {"join(names(filter({Boundary:*}, name() != 'in')), '|')", "out|shroud"},
+               {"join(names(filter({Boundary:*}, path() == path({Boundary:x})))  , '|')", ""}});
+}
+
+TEST_F(Functions, Size) {
+  expectTexts({{"size(())", "0"},
+               {"size(('a', 'a'))", "2"},
+               {"size(${Fluids})", "4"},
+               {"size(${Material})", "1"},
+               {"size(${Title})", "0"},
+               {"size(${Missing})", "0"}});
+}
+
+TEST_F(Functions, First) {
+  expectTexts({{"first(('b', 'a'))", "b"},
+               {"first(())", ""},
+               {"first(${Fluids})", "Water"},
+               {"first(${Missing})", ""},
+               {"first(names({Boundary:*}))", "in"}});
+}
+
+TEST_F(Functions, Join) {
+  expectTexts({{"join(('a', 'b', 'c'), ', ')", "a, b, c"},
+               {"join(('a',), ', ')", "a"},
+               {"join((), ', ')", ""},
+               {"join(('a', 'b'), '')", "ab"},
+               {"join(('', ''), '-')", "-"},
+               {"join(${Fluids}, ';')", "Water;Air;Oil;Water"},
+               {"join(('a', 'b'), ${Material})", "aWaterb"},
+               {"join(('a', 'b'), 0)", "a0b"}});
+}
+
+TEST_F(Functions, ListsAsSetsKeepTheOrderOfFirstAppearance) {
+  expectLists({{"unique(('b', 'a', 'b', 'c', 'a'))", "[b, a, c]"},
+               {"unique(())", "[]"},
+               {"unique(${Fluids})", "[Water, Air, Oil]"},
+               {"unique(values(${/Case/Domain:*/Boundary:*/Kind}))", "[Inlet, Outlet, ]"},
+               {"union(('a', 'b'), ('c', 'a'))", "[a, b, c]"},
+               {"union(('b', 'b'))", "[b]"},
+               {"union((), ())", "[]"},
+               {"union(('c',), ('b', 'a'), ('b', 'd'), ${Fluids})", "[c, b, a, d, Water, Air, Oil]"},
+               {"intersection(('c', 'a', 'b', 'a'), ('a', 'b'))", "[a, b]"},
+               {"intersection(('a',), ())", "[]"},
+               {"intersection((), ('a',))", "[]"},
+               {"intersection(${Fluids}, ('Oil', 'Water'))", "[Water, Oil]"},
+               {"difference(('c', 'a', 'b', 'c'), ('a',))", "[c, b]"},
+               {"difference(('a',), ('a',))", "[]"},
+               {"difference(('a', 'a'), ())", "[a]"},
+               {"difference((), ('a',))", "[]"},
+               {"difference(${Fluids}, ${Material})", "[Air, Oil]"}});
+}
+
+TEST_F(Functions, MinMaxAndSum) {
+  expectTexts({{"min(('3', '1', '2'))", "1"},
+               {"max(('3', '1', '2'))", "3"},
+               {"sum(('3', '1', '2'))", "6"},
+               {"min(('7',))", "7"},
+               {"min(${Lengths})", "1"},
+               {"max(${Lengths})", "3"},
+               {"sum(${Lengths})", "6.5"},
+               {"min(('-1', '1e2'))", "-1"},
+               {"sum(values(${Boundary:*/Flow}))", "7"},
+               {"min(())", ""},
+               {"max(())", ""},
+               {"sum(())", "0"},
+               {"sum(${Missing})", "0"},
+               {"min(('1', 'x'))", ""},
+               {"max(('x', '1'))", ""},
+               {"sum(('1', ''))", ""},
+               {"sum(('1e308', '1e308'))", ""},
+               {"min(()) == min(())", "false"},
+               {"sum(('1', 'x')) < 5", "false"}});
+}
+
+TEST_F(Functions, AbsFloorCeilAndRound) {
+  expectTexts({{"abs(-2.5)", "2.5"},
+               {"abs(2.5)", "2.5"},
+               {"abs(${Missing})", ""},
+               {"abs(-${Speed})", "12.5"},
+               {"floor(2.7)", "2"},
+               {"floor(-2.1)", "-3"},
+               {"ceil(2.1)", "3"},
+               {"ceil(-2.7)", "-2"},
+               {"ceil(-0.5)", "0"},
+               {"round(2.4)", "2"},
+               {"round(2.5)", "3"},
+               {"round(-2.5)", "-3"},
+               {"round(-0.4)", "0"},
+               {"round(${Speed})", "13"},
+               {"floor(${Motion})", ""},
+               {"ceil(1/0)", ""},
+               {"round(1e300) == 1e300", "true"}});
+}
+
+TEST_F(Functions, NumberAndText) {
+  expectTexts({{"number('12.50')", "12.5"},
+               {"number(' 7 ')", "7"},
+               {"number('12.5 [m/s]')", "12.5"},
+               {"number('abc')", ""},
+               {"number('')", ""},
+               {"number('1 2')", ""},
+               {"number('0x10')", ""},
+               {"number('inf')", ""},
+               {"number('nan')", ""},
+               {"number('1e999')", ""},
+               {"number(5)", "5"},
+               {"number(true)", ""},
+               {"number(${Speed})", "12.5"},
+               {"number(${Missing})", ""},
+               {"text(1.50)", "1.5"},
+               {"text(true)", "true"},
+               {"text(1 > 2)", "false"},
+               {"text('a')", "a"},
+               {"text(1/0)", ""},
+               {"text(${Speed})", "12.5 [m/s]"},
+               {"text(${Missing})", ""},
+               {"text(1) + 1", "11"},
+               {"text(01.0) == '1'", "true"}});
+  expectLists({{"(text(1), text(true), text(1/0))", "[1, true, ]"}});
+}
+
+TEST_F(Functions, LowerUpperAndTrim) {
+  expectTexts({{"lower('RoTor 1')", "rotor 1"},
+               {"upper('RoTor 1')", "ROTOR 1"},
+               {"lower('')", ""},
+               {"lower('GRÖSSE')", "grÖsse"},
+               {"upper('größe')", "GRößE"},
+               {"lower(${Missing})", ""},
+               {"upper(1e-7)", "1E-07"},
+               {"trim('  a b  ')", "a b"},
+               {"trim('\n a \t')", "a"},
+               {"trim('   ')", ""},
+               {"trim(${Padded})", "Water"},
+               {"trim(5)", "5"}});
+}
+
+TEST_F(Functions, StartsWithEndsWithAndContains) {
+  expectTexts({{"starts_with('rotor', 'ro')", "true"},
+               {"starts_with('rotor', 'Ro')", "false"},
+               {"starts_with('rotor', '')", "true"},
+               {"starts_with('ro', 'rotor')", "false"},
+               {"ends_with('rotor', 'or')", "true"},
+               {"ends_with('rotor', 'ro')", "false"},
+               {"ends_with('', '')", "true"},
+               {"contains('rotor', 'oto')", "true"},
+               {"contains('rotor', 'x')", "false"},
+               {"contains('rotor', '')", "true"},
+               {"contains('', 'x')", "false"},
+               {"contains(${Motion}, 'tat')", "true"},
+               {"contains(${Missing}, 'a')", "false"},
+               {"starts_with(${Missing}, ${Title})", "true"},
+               {"starts_with(125, 12)", "true"}});
+}
+
+TEST_F(Functions, If) {
+  expectTexts({{"if(true, 'a', 'b')", "a"},
+               {"if(false, 'a', 'b')", "b"},
+               {"if(${Periodic}, 1, 2)", "1"},
+               {"if(${Missing}, 1, 2)", "2"},
+               {"if(1 < 2, true, false)", "true"},
+               {"if(true, 'a', 1)", "a"},
+               {"if(false, 'a', 1)", "1"},
+               {"if(true, ${Speed}, 0) * 2", "25"},
+               {"if(false, 'x', 3) + 1", "4"},
+               {"if(true, 'x', 3) + 1", ""},
+               {"if(true, 1 > 2, ${Missing}) == false", "true"},
+               {"if(true, 'yes', 'no') == true", "true"},
+               {"not if(true, ${Heated}, ${Periodic})", "true"},
+               {"if(true, if(false, 1, 2), 3)", "2"},
+               {"if(true, ${Material}, 'x') == 'Water'", "true"},
+               {"if(true, ${Material}, ${Motion}) == ${Material}", "true"},
+               {"if(true, '3.0', '') == 3", "true"},
+               {"size(if(true, ('a', 'b'), ()))", "2"},
+               {"size(if(false, ('a', 'b'), ${Fluids}))", "4"},
+               {"count(if(false, {..}, {Boundary:*}))", "3"}});
+  expectLists({{"if(true, ('a', 'b'), ('c',))", "[a, b]"},
+               {"if(false, ('a', 'b'), ('c',))", "[c]"},
+               {"if(true, ${Fluids}, ())", "[Water, Air, Oil, Water]"}});
+}
+
+TEST_F(Functions, CheckAndList) {
+  sections_ = R"(Checks:
+  rotating: ${Motion} == 'Rotating'
+  same material: ${Material} == ${@/Material}
+  both: check('rotating') and check('same material')
+  has inlet: any({Boundary:*}, ${Kind} == 'Inlet')
+Lists:
+  kinds: = unique(values(${Boundary:*/Kind}))
+  fluids: [Water, Air]
+  guarded: [Steam, {Value: Oil, When: "${Motion} == 'Rotating'"}, {Value: "= ${Material}"}, {Value: Gas, When: "false"}]
+  all: = union(list('fluids'), list('guarded'))
+)";
+  expectTexts({{"check('rotating')", "true"},
+               {"not check(\"rotating\")", "false"},
+               {"check('both')", "true"},
+               {"count({/Case/Domain:*}, check('rotating'))", "1"},
+               {"count({/Case/Domain:*}, check('same material'))", "1"},
+               {"any({/Case/Domain:*}, not check('both'))", "true"},
+               {"all({/Case/Domain:*}, check('has inlet'))", "true"},
+               {"check('rotating') == true", "true"},
+               {"'Inlet' in list('kinds')", "true"},
+               {"join(list('fluids'), '|')", "Water|Air"},
+               {"any({/Case/Domain:stator}, size(list('kinds')) == 1)", "true"},
+               {"join(list('guarded'), '|')", "Steam|Oil|Water"},
+               {"any({/Case/Domain:stator}, join(list('guarded'), '|') == 'Steam|Air')", "true"}});
+  expectLists({{"list('kinds')", "[Inlet, Outlet, ]"}, {"list('all')", "[Water, Air, Steam, Oil]"}});
+}
+
+}  // namespace
+}  // namespace tarn::rules
