@@ -21,7 +21,9 @@
 #include "cli/Failure.h"
 #include "cli/ListArguments.h"
 #include "cli/Output.h"
+#include "console/ConsoleCommand.h"
 #include "lint/LintCommand.h"
+#include "show/ShowCommand.h"
 #include "validate/ValidateCommand.h"
 
 namespace tarn::tool {
@@ -31,6 +33,8 @@ namespace {
 void addCommands(CLI::App& app, Command& chosen) {
   addValidateCommand(app, chosen);
   addLintCommand(app, chosen);
+  addShowCommand(app, chosen);
+  addConsoleCommand(app, chosen);
 }
 
 int tellUsage(CLI::App const& app, CLI::ParseError const& error) {
@@ -59,6 +63,13 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
       CLI::ExitCodes::InvalidError);
 }
 
+/// The options of a command that take more than one value.
+std::vector<ListOption> listOptions(std::string const& command) {
+  if (command == "validate") return validateListOptions();
+  if (command == "show" || command == "console") return {{"--rules", looksLikeRules}};
+  return {};
+}
+
 int run(std::vector<std::string> arguments) {
   CLI::App app("Tells what is physically wrong with the set-up of a simulation, by rules.", "zev");
   app.set_version_flag("--version", std::string("zev ") + TARN_VERSION, "Print the version and exit");
@@ -76,7 +87,7 @@ int run(std::vector<std::string> arguments) {
       return Failed;
     }
     requireKnownCommand(app, arguments.front());
-    if (arguments.front() == "validate") arguments = divideListArguments(arguments, validateListOptions());
+    arguments = divideListArguments(arguments, listOptions(arguments.front()));
     std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them
     app.parse(std::move(arguments));
   } catch (CLI::ParseError const& error) {

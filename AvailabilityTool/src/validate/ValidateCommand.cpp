@@ -4,13 +4,11 @@
 #include "validate/ValidateCommand.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <new>
 #include <ostream>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -22,6 +20,7 @@
 #include <tarn/TDFPath.h>
 
 #include "cli/Failure.h"
+#include "cli/ModelFiles.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
 #include "cli/RuleFiles.h"
@@ -74,22 +73,9 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
   return checked;
 }
 
-ModelState readModel(std::string const& name) {
-  try {
-    return TDFChangeFile({name}, {}, TDFChangeFile::Strict).toModelState();
-  } catch (ParseError const& error) {
-    throw Failure(error.getMessage() + " (nothing of the model was read; correct the line and run again)");
-  } catch (FileError const& error) {
-    std::error_code ignored;
-    throw Failure(error.getMessage() + (std::filesystem::is_directory(name, ignored)
-                                            ? "; give the model files in it, not the folder"
-                                            : "; give the name of a model file that can be read"));
-  }
-}
-
 // Judges one model and reports what was found.
 Findings judgeModel(ModelJudge& judge, std::string const& name) {
-  ModelState model = readModel(name);
+  ModelState model = readModelFile(name, TDFChangeFile::Strict);
   try {
     return judge.judge(std::move(model));
   } catch (Failure const& failure) {

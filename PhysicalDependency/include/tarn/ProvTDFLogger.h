@@ -7,13 +7,14 @@
 
 #include <tarn/Export.h>
 #include <tarn/ModelState.h>
+#include <tarn/ProvTDFPrinter.h>
 
 namespace tarn {
 
 class ProvisionalTDF;
 
-/// Prints a `ProvisionalTDF` as text for people: its state, one object or parameter of it, and what the last update
-/// changed. Only reads, through the getters of the state.
+/// Prints a `ProvisionalTDF` to a target of its own, between a header and a footer: its state, one object or parameter
+/// of it, and what the last update changed.
 ///
 ///     ProvTDFLogger printer(&domain, "stdout");
 ///     domain.setLogger(&printer);                 // from here on every edit prints itself and what it changed
@@ -34,37 +35,24 @@ class TARN_EXPORT ProvTDFLogger {
   ProvTDFLogger& operator=(ProvTDFLogger const&) = default;
   virtual ~ProvTDFLogger();
 
-  /// The text and a line end.
-  void printString(std::string const& text) const;
-
-  /// The active state, or any other, as nested blocks; see `printModelState`.
-  void printState() const;
-  void printState(ModelState const& state) const;
-
-  /// One object: its parameters with their values, the potential parameters with their allowed values, the potential
-  /// objects directly in it. What there is none of is left out. Says so when there is nothing at all.
-  void printObjectState(std::string const& path) const;
-
-  /// One parameter on one line: its value, or that it is potential, with its allowed values or the subset on offer; or
-  /// why there is nothing to show. A parameter of an object that holds no parameters yet counts as one of an absent
-  /// object.
-  void printParamState(std::string const& objPath, std::string const& name, bool subset) const;
-
-  /// The command that asked, and `printParamState` with all allowed values and with the subset, each under a title.
+  /// See `ProvTDFPrinter` for what each writes.
+  void printString(std::string const& text) const { printer_.printString(text); }
+  void printState() const { printer_.printState(); }
+  void printState(ModelState const& state) const { printer_.printState(state); }
+  void printObjectState(std::string const& path) const { printer_.printObjectState(path); }
+  void printParamState(std::string const& objPath, std::string const& name, bool subset) const {
+    printer_.printParamState(objPath, name, subset);
+  }
   void printParamStateWithDecoration(std::string const& command, std::string const& argument,
-                                     std::string const& objPath, std::string const& name) const;
-
-  /// What the last update changed, in ten sections, each of which is there also when it has nothing to tell. Values are
-  /// the present ones.
-  void printUpdates() const;
+                                     std::string const& objPath, std::string const& name) const {
+    printer_.printParamStateWithDecoration(command, argument, objPath, name);
+  }
+  void printUpdates() const { printer_.printUpdates(); }
 
  private:
-  [[nodiscard]] std::string allowedValuesSuffix(std::string const& objPath, std::string const& name, bool subset) const;
-  void writeParamState(std::string const& objPath, std::string const& name, bool subset) const;
-
-  ProvisionalTDF const* provisional_;
   std::shared_ptr<std::ofstream> ownedFile_;  // null for a console target
   std::ostream* out_;
+  ProvTDFPrinter printer_;
   std::string activeRoot_;
 };
 

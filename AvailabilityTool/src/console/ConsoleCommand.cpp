@@ -1,0 +1,85 @@
+// `zev console`: the host of the availability tool. It makes what the loop works on, lets it run, and takes everything
+// down in the opposite order.
+#include "console/ConsoleCommand.h"
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <tarn/ProvTDFDriver.h>
+#include <tarn/ProvTDFLogger.h>
+
+#include "cli/ExitStatus.h"
+#include "cli/ModelFiles.h"
+#include "cli/RuleFiles.h"
+#include "provisional/EditedObject.h"
+
+namespace tarn::tool {
+
+namespace {
+
+struct ConsoleOptions {
+  std::vector<std::string> rules;
+  std::string model;
+  std::string guide;
+  std::string root;
+  std::string basedOn;
+  std::string log = "stdout";
+  std::string validationRoot;
+  bool strict = false;
+  bool quiet = false;
+};
+
+int console(ConsoleOptions const& options, std::ostream& err) {
+  EditedObject object(loadRuleFiles(options.rules, err), options.root);
+  auto const mode = options.strict ? TDFChangeFile::Strict : TDFChangeFile::Lenient;
+  if (!options.model.empty()) object.setModel(readModelFile(options.model, mode));
+  ModelState const guide = options.guide.empty() ? ModelState{} : readModelFile(options.guide, mode);
+
+  ProvTDFLogger printer(&object.state(), options.log);
+  object.state().setLogger(&printer);
+  object.initialise(options.basedOn, guide);
+  ProvTDFDriver driver(options.strict, options.quiet,
+                       options.validationRoot.empty() ? options.root : options.validationRoot, &object.rules(),
+                       &printer, &object.state());
+  driver.waitInput();
+  return NothingFound;
+}
+
+}  // namespace
+
+void addConsoleCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<ConsoleOptions>();
+  CLI::App* command = app.add_subcommand("console", "Edit an object by commands, held legal by the rules");
+  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+      ->type_name("PATH")
+      ->allow_extra_args(false)
+      ->required();
+  command->add_option("--root", options->root, "The object to edit, with everything below it")
+      ->type_name("OBJECT")
+      ->required();
+  command->add_option("--model", options->model, "The model that the object is part of; without it, an empty one")
+      ->type_name("FILE");
+  command->add_option("--guide", options->guide, "Values to begin with, from an earlier edit")->type_name("FILE");
+  command->add_option("--based-on", options->basedOn, "The object that a new one starts as a copy of")
+      ->type_name("OBJECT");
+  command->add_option("--log", options->log, "Where the state and its changes are printed: stdout, stderr, or a file")
+      ->type_name("TARGET");
+  command->add_option("--validation-root", options->validationRoot, "Where validation starts; without it, at the root")
+      ->type_name("OBJECT");
+  command->add_flag("--strict", options->strict,
+                    "Refuse a model file with a malformed line, instead of skipping the line");
+  command->add_flag("--quiet", options->quiet, "Write neither banner nor prompt");
+  command->footer(
+      "The command h tells the commands, q ends the program.\n"
+      "Example: zev console --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
+      "Exit status: 0, or 2 for wrong usage or a file that could not be read.");
+  command->callback([options, &chosen] {
+    chosen = [options](std::ostream& /*out*/, std::ostream& err) { return console(*options, err); };
+  });
+}
+
+}  // namespace tarn::tool

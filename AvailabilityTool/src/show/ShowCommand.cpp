@@ -1,0 +1,110 @@
+// `zev show`: the state that an object has after the first walk under the rules, or a part of it.
+#include "show/ShowCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <tarn/Error.h>
+#include <tarn/PathUtils.h>
+#include <tarn/ProvTDFPrinter.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/TDFPath.h>
+
+#include "cli/ExitStatus.h"
+#include "cli/Failure.h"
+#include "cli/ModelFiles.h"
+#include "cli/RuleFiles.h"
+#include "provisional/EditedObject.h"
+
+namespace tarn::tool {
+
+namespace {
+
+struct ShowOptions {
+  std::vector<std::string> rules;
+  std::string model;
+  std::string root;
+  std::string item;
+};
+
+void requireKnownType(PhysicsData const& rules, std::string const& root) {
+  std::string const typePath = PathUtils::typePathOf(root);
+  if (rules.getObjDependDef(typePath, true) != nullptr) return;
+  std::vector<std::string> known;
+  for (ObjDependDef const* object : rules.objects()) known.push_back(object->typePath());
+  std::string const match = StringUtilities::nearMatch(typePath, known);
+  throw Failure("--root: the rules know no objects of the type path " + typePath +
+                (match.empty() ? "; give the path of an object that they know" : "; did you mean " + match + "?"));
+}
+
+/// Whether the state holds an object at the path, or could: something is there, below it, or potential.
+bool isObject(ProvisionalTDF const& state, std::string const& path) {
+  ModelState const& active = state.getActiveTDFState();
+  auto const found = active.lower_bound(path);
+  if (found != active.end() && PathUtils::isChildPath(path, found->first)) return true;
+  auto const below = active.lower_bound(path + "/");
+  if (below != active.end() && PathUtils::isChildPath(path, below->first)) return true;
+  if (state.getAvailPotParams().contains(path)) return true;
+  auto const& objects = state.getAvailPotObjects();
+  return std::any_of(objects.begin(), objects.end(),
+                     [&](std::string const& object) { return PathUtils::isChildPath(path, object); });
+}
+
+int show(ShowOptions const& options, std::ostream& out, std::ostream& err) {
+  EditedObject object(loadRuleFiles(options.rules, err), options.root);
+  requireKnownType(object.rules(), options.root);
+  object.setModel(readModelFile(options.model, TDFChangeFile::Strict));
+  object.initialise({}, {});
+
+  ProvTDFPrinter const printer(&object.state(), &out);
+  if (options.item.empty()) {
+    printer.printState();
+    return NothingFound;
+  }
+  TDFPath path;
+  try {
+    path = TDFPath(options.item);
+  } catch (Error const& error) {
+    throw Failure(error.getMessage() + "; give the path of an object or of a parameter");
+  }
+  if (path.size() == 0 || !path.isSingleton() || isObject(object.state(), path.getFullPath())) {
+    printer.printObjectState(path.getFullPath());
+  } else {
+    printer.printParamState(path.getParentPath(), path.getLastType(), false);
+  }
+  return NothingFound;
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<ShowOptions>();
+  CLI::App* command = app.add_subcommand("show", "Show what the rules make of an object");
+  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+      ->type_name("PATH")
+      ->allow_extra_args(false)
+      ->required();
+  command->add_option("--model", options->model, "A file of model text; - is the standard input")
+      ->type_name("FILE")
+      ->required();
+  command->add_option("--root", options->root, "The object to show, with everything below it")
+      ->type_name("OBJECT")
+      ->required();
+  command->add_option("ITEM", options->item, "An object or a parameter in it: its values, and what could be activated")
+      ->type_name("");
+  command->footer(
+      "The object is shown as it stands after one walk under the rules: with the defaults of what is required, and\n"
+      "without what is not available. Shown whole, it is model text that can be loaded again.\n"
+      "Example: zev show --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
+      "Exit status: 0, or 2 for wrong usage or a file that could not be read.");
+  command->callback([options, &chosen] {
+    chosen = [options](std::ostream& out, std::ostream& err) { return show(*options, out, err); };
+  });
+}
+
+}  // namespace tarn::tool
