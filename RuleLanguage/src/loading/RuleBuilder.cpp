@@ -365,7 +365,7 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
     if (!result.expression) return nullptr;
     auto compiled = std::make_shared<Compiled>();
     compiled->expression = keepContextFreeParts(std::move(result.expression));
-    compiled->source = text;
+    compiled->source = StringUtilities::trimmed(text);
     known = shared.emplace(text, std::move(compiled)).first;
   }
   noteUse(item, skipped, known->second, role, attribute);
@@ -551,7 +551,7 @@ void RuleBuilder::parseNamedBodies() {
       if (!scalar(pending.body, isList ? "a computed list" : "a check")) return;
       auto result = parsed(pending.body, skipped, role);
       pending.expression = std::move(result.expression);
-      pending.source = pending.body.node->value.substr(skipped);
+      pending.source = StringUtilities::trimmed(std::string_view(pending.body.node->value).substr(skipped));
       for (auto const& call : result.calls) pending.calls.push_back(call.rule);
       if (keepPlaces_ && pending.expression) {
         laterUses_.push_back({pending.body, skipped, role, isList ? "Lists" : "Checks", owner_, nullptr});
