@@ -60,7 +60,6 @@ DynamicTDF::Node::Node(Node* parentNode, PathHash const& pathHash, std::string c
       parent(parentNode),
       listedAsFound(parentNode == nullptr || (parentNode->listedAsFound && nameInPath != pooledType)) {}
 
-/// Takes the object's component off the end of `path`; false when something else stands there.
 bool DynamicTDF::Node::takeComponent(std::string_view& path) const noexcept {
   std::size_t const nameSize = writtenName.empty() ? 0 : 1 + writtenName.size();
   std::size_t const size = 1 + type.size() + nameSize;
@@ -75,14 +74,7 @@ bool DynamicTDF::Node::takeComponent(std::string_view& path) const noexcept {
   return true;
 }
 
-bool DynamicTDF::Node::isFoundUnder(std::string_view path) const noexcept {
-  for (Node const* node = this; node->parent != nullptr; node = node->parent) {
-    if (!node->takeComponent(path)) return false;
-  }
-  return path.empty();
-}
-
-bool DynamicTDF::Node::isFoundUnderComponent(std::string_view component) const noexcept {
+bool DynamicTDF::Node::hasComponent(std::string_view component) const noexcept {
   return takeComponent(component) && component.empty();
 }
 

@@ -104,9 +104,10 @@ struct DynamicTDF::Node {
 
   [[nodiscard]] std::string const& name() const noexcept { return writtenName.empty() ? type : writtenName; }
 
-  /// Whether the object is found under `text`, a whole path or the last component of one.
-  [[nodiscard]] bool isFoundUnder(std::string_view path) const noexcept;
-  [[nodiscard]] bool isFoundUnderComponent(std::string_view component) const noexcept;
+  /// Takes the component under which the object is found, with its leading "/", off the end of `path`. Returns false,
+  /// with nothing taken, when something else stands there.
+  [[nodiscard]] bool takeComponent(std::string_view& path) const noexcept;
+  [[nodiscard]] bool hasComponent(std::string_view component) const noexcept;
 
   /// The path under which the object is listed.
   [[nodiscard]] std::string path() const;
@@ -142,9 +143,6 @@ struct DynamicTDF::Node {
 
   /// The store's: the rest of the objects whose hash falls into the same place.
   std::unique_ptr<Node> nextInBucket;
-
- private:
-  [[nodiscard]] bool takeComponent(std::string_view& path) const noexcept;
 };
 
 /// The value of a parameter. What few parameters have, items that were asked for and allowed values, stands apart, so

@@ -36,16 +36,46 @@ DynamicTDF::NodeStore::~NodeStore() {
   clear();
 }
 
-DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const noexcept {
+DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
   PathHash const hash(path);
   for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
-    if (node->hash == hash && node->isFoundUnder(path)) return node;
+    if (node->hash == hash && isFoundUnder(*node, path)) return node;
   }
   return nullptr;
 }
 
+bool DynamicTDF::NodeStore::isFoundUnder(Node const& node, std::string_view path) const {
+  // A landmark is set some steps above the object, so that it also serves those beside and a little above it.
+  constexpr int stepsToNewLandmark = 8;
+  constexpr int stepsThatAreFew = 2 * stepsToNewLandmark;
+
+  std::string_view left = path;
+  Node const* newLandmark = nullptr;
+  std::size_t newLandmarkSize = 0;
+  int steps = 0;
+  for (Node const* at = &node; at->parent != nullptr; at = at->parent) {
+    if (at == landmark_) {
+      if (left != landmarkPath_) return false;
+      left = {};
+      break;
+    }
+    if (!at->takeComponent(left)) return false;
+    if (++steps == stepsToNewLandmark) {
+      newLandmark = at->parent;
+      newLandmarkSize = left.size();
+    }
+  }
+  if (!left.empty()) return false;
+  if (steps > stepsThatAreFew) {
+    landmark_ = nullptr;
+    landmarkPath_.assign(path.substr(0, newLandmarkSize));
+    landmark_ = newLandmark;
+  }
+  return true;
+}
+
 DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_view objPath,
-                                                                   std::string_view name) const noexcept {
+                                                                   std::string_view name) const {
   Node const* const node = find(objPath);
   if (node == nullptr) return nullptr;
   auto const place = node->params.find(name);
@@ -78,12 +108,13 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
   PathHash hash = parent.hash;
   hash.append(component);
   for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
-    if (node->hash == hash && node->parent == &parent && node->isFoundUnderComponent(component)) return *node;
+    if (node->hash == hash && node->parent == &parent && node->hasComponent(component)) return *node;
   }
   return insert(&parent, hash, component);
 }
 
 void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
+  if (&node == landmark_) landmark_ = nullptr;
   node.parent->children.remove(node);
   std::unique_ptr<Node>* place = &buckets_[bucketOf(node.hash)];
   while (place->get() != &node) place = &(*place)->nextInBucket;
@@ -139,6 +170,7 @@ void DynamicTDF::NodeStore::clear() noexcept {
   }
   size_ = 0;
   root_ = nullptr;
+  landmark_ = nullptr;
 }
 
 }  // namespace tarn

@@ -23,9 +23,9 @@ class DynamicTDF::NodeStore {
   NodeStore& operator=(NodeStore const&) = delete;
 
   [[nodiscard]] Node& root() const noexcept { return *root_; }
-  /// Null when there is none; of a parameter, also when there is no such object. Allocates nothing.
-  [[nodiscard]] Node* find(std::string_view path) const noexcept;
-  [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const noexcept;
+  /// Null when there is none; of a parameter, also when there is no such object.
+  [[nodiscard]] Node* find(std::string_view path) const;
+  [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
 
   /// The types and parameter names of the tree.
   [[nodiscard]] NamePool& names() noexcept { return names_; }
@@ -44,6 +44,7 @@ class DynamicTDF::NodeStore {
   void reset();
 
  private:
+  [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
   Node& insert(Node* parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
   void grow();
@@ -55,6 +56,12 @@ class DynamicTDF::NodeStore {
   std::vector<std::unique_ptr<Node>> buckets_;
   std::size_t size_ = 0;
   Node* root_ = nullptr;
+
+  /// An object with its path, kept by the last look-up that had many components to compare. Questions come in the order
+  /// of a walk, so the next ones most often pass it on the way up and compare the rest at once. Shallow trees have
+  /// none.
+  mutable Node const* landmark_ = nullptr;
+  mutable std::string landmarkPath_;
 };
 
 }  // namespace tarn

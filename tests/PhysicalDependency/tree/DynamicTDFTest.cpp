@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tarn/Error.h>
@@ -250,6 +252,71 @@ TEST(DynamicTDF, ChildrenOfOneTypeAreThoseOfExactlyThisType) {
   EXPECT_TRUE(out.empty());
 }
 
+TEST(DynamicTDF, ChildrenOfOneTypeKeepTheirOrderAlsoAmongManyWhileOthersComeAndGo) {
+  DynamicTDF model;
+  std::vector<std::pair<std::string, std::string>> present;
+  Strings const types{"Domain", "Material", "Monitor", "Expression", "Domain Interface"};
+  auto const check = [&] {
+    for (std::string const& type : types) {
+      Strings names;
+      Strings paths;
+      for (auto const& [presentType, name] : present) {
+        if (presentType != type) continue;
+        names.push_back(name);
+        paths.push_back("/Case/" + type + (name == type ? "" : ":" + name));
+      }
+      Strings out;
+      ASSERT_EQ(model.getChildObjectNamesByType("/Case", type, out), !names.empty()) << type;
+      ASSERT_EQ(out, names) << type;
+      ASSERT_EQ(model.getChildObjectPathsByType("/Case", type, out), !paths.empty()) << type;
+      ASSERT_EQ(out, paths) << type;
+    }
+    Strings out{"before"};
+    ASSERT_FALSE(model.getChildObjectNamesByType("/Case", "Boundary", out));
+    ASSERT_TRUE(out.empty());
+  };
+  auto const create = [&](std::string const& type, std::string const& name) {
+    ASSERT_TRUE(model.createObject("/Case", type, name));
+    present.emplace_back(type, name);
+    check();
+  };
+  auto const erase = [&](std::size_t at) {
+    auto const& [type, name] = present[at];
+    model.deleteObject("/Case/" + type + (name == type ? "" : ":" + name));
+    present.erase(present.begin() + static_cast<std::ptrdiff_t>(at));
+    check();
+  };
+
+  for (int i = 0; i < 40; ++i) create(types[static_cast<std::size_t>(i * i) % 4], std::to_string(i));
+  create("Domain Interface", "Domain Interface");
+  erase(present.size() - 1);
+  create("Domain Interface", "Domain Interface");
+  for (std::size_t at : {0U, 38U, 7U, 7U, 7U, 20U, 0U, 0U, 30U}) erase(at);
+  create("Domain", "0");
+  while (!present.empty()) erase(present.size() / 2);
+  for (int i = 0; i < 20; ++i) create("Monitor", std::to_string(i));
+}
+
+TEST(DynamicTDF, ObjectsAreFoundUnderComponentsOfAnyLengthAndNearlyRightPathsAreNot) {
+  DynamicTDF model;
+  std::string path;
+  for (std::size_t size = 1; size <= 40; ++size) {
+    path += "/" + std::string(size, 'T') + ":" + std::string(41 - size, 'n');
+    ASSERT_TRUE(model.createObject(path, "Leaf", ""));
+    ASSERT_TRUE(model.hasObject(path));
+    ASSERT_TRUE(model.hasObject(path + "/Leaf"));
+    ASSERT_FALSE(model.hasObject(path + "/Lea"));
+    ASSERT_FALSE(model.hasObject(path + "/Leaf:Leaf"));
+    ASSERT_FALSE(model.hasObject(path.substr(1)));
+    ASSERT_EQ(model.getObjectType(path).size(), size);
+  }
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    std::string other = path;
+    other[i] = '*';
+    ASSERT_FALSE(model.hasObject(other)) << other;
+  }
+}
+
 TEST(DynamicTDF, CreatingAnObjectTellsWhetherItIsNew) {
   DynamicTDF model;
   EXPECT_TRUE(model.createObject("/Case", "Domain", "rotor"));
@@ -339,6 +406,28 @@ TEST(DynamicTDF, DeletingAnObjectOfTheLongFormTakesItsChildrenWithIt) {
   EXPECT_EQ(model.getDeletedObjects(), Strings{"/Case:Case"});
   EXPECT_FALSE(model.hasObject("/Case:Case/Domain:rotor"));
   EXPECT_EQ(model.getParameterValue("/Case/Domain:rotor", "Motion"), "Stationary");
+}
+
+TEST(DynamicTDF, TheStateNamesObjectsAsTheyAreFound) {
+  DynamicTDF model;
+  model.setParameter("/Case:Case/Domain:rotor", "Motion", "Rotating");
+  model.setParameter("/Case/Domain:rotor", "Motion", "Stationary");
+  EXPECT_EQ(model.getState(""), (ModelState{{"/Case/Domain:rotor", {{"Motion", "Stationary"}}},
+                                            {"/Case:Case/Domain:rotor", {{"Motion", "Rotating"}}}}));
+  EXPECT_EQ(model.getState("/Case:Case"), (ModelState{{"/Case:Case/Domain:rotor", {{"Motion", "Rotating"}}}}));
+}
+
+TEST(DynamicTDF, AMirrorOfTheLongFormStandsUnderTheShortOne) {
+  DynamicTDF source;
+  source.setParameter("/Case:Case/Solver:Solver", "Steps", "5");
+  DynamicTDF model;
+  model.setParameter("/Case/Solver", "Steps", "4");
+  model.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+  model.resetChanges();
+  model.copyBranch(&source, "/Case:Case");
+  EXPECT_EQ(model.getState(""), (ModelState{{"/Case/Solver", {{"Steps", "5"}}}}));
+  EXPECT_EQ(model.getModifiedParameters(), (std::vector<DynamicTDF::ParamId>{{"/Case/Solver", "Steps"}}));
+  EXPECT_EQ(model.getDeletedObjects(), Strings{"/Case/Domain:rotor"});
 }
 
 TEST(DynamicTDF, WhiteSpaceAtTheEndsOfAValueIsDropped) {
@@ -565,6 +654,56 @@ TEST(DynamicTDF, TheStateOfABranchIsTakenOnWholeComponents) {
   Strings const all{"", "/A", "/A B", "/A/C:x", "/A/C:x/D", "/A/C:xy", "/A:n", "/B"};
   EXPECT_EQ(pathsOf(""), all);
   EXPECT_EQ(pathsOf("/"), all);
+}
+
+TEST(DynamicTDF, TheStateHoldsEveryObjectOnceWhereNamesSortBesideTheSlash) {
+  // A blank, a hyphen and a dot come before "/", a colon and letters behind it.
+  Strings const components{"/A", "/A B", "/A-B", "/A.", "/A:n", "/A:n m", "/AB", "/A:n.m"};
+  Strings paths{""};
+  for (std::string const& first : components) {
+    for (std::string const& second : components) paths.push_back(first + second);
+    paths.push_back(first);
+  }
+  for (int order = 0; order < 2; ++order) {
+    DynamicTDF model;
+    ModelState expected;
+    for (std::string const& path : paths) {
+      model.setParameter(path, "p", path);
+      expected[path]["p"] = path;
+    }
+    EXPECT_EQ(model.getState(""), expected);
+    std::reverse(paths.begin(), paths.end());
+  }
+}
+
+TEST(DynamicTDF, LookUpsInADeepTreeAreRightInWhateverOrderTheyComeAndAlsoAfterDeletion) {
+  DynamicTDF model;
+  Strings chains;
+  for (char const* name : {"a", "b"}) {
+    std::string path = std::string("/Group:") + name;
+    for (int i = 0; i < 100; ++i) {
+      path += "/Group:" + std::to_string(i);
+      model.createObject(path, "Leaf", "");
+      chains.push_back(path);
+    }
+  }
+  for (std::size_t step : {1U, 199U, 7U, 93U}) {
+    for (std::size_t i = 0, at = 0; i < chains.size(); ++i, at = (at + step) % chains.size()) {
+      ASSERT_TRUE(model.hasObject(chains[at])) << chains[at];
+      ASSERT_TRUE(model.hasObject(chains[at] + "/Leaf")) << chains[at];
+      ASSERT_FALSE(model.hasObject(chains[at] + "/Leaf:x")) << chains[at];
+    }
+  }
+  ASSERT_TRUE(model.hasObject(chains[99]));
+  model.deleteObject(chains[50]);
+  for (std::size_t i = 0; i < chains.size(); ++i) {
+    ASSERT_EQ(model.hasObject(chains[i]), i < 50 || i >= 100) << chains[i];
+  }
+  for (std::size_t i = 50; i < 100; ++i) ASSERT_TRUE(model.createObject(chains[i], "Leaf", "")) << chains[i];
+  ASSERT_TRUE(model.hasObject(chains[99] + "/Leaf"));
+  ModelState const nothing;
+  model.initialise(nothing.begin(), nothing.end());
+  ASSERT_FALSE(model.hasObject(chains[99]));
 }
 
 TEST(DynamicTDF, AChainOfTenThousandObjectsIsCreatedReadAndDeletedWithoutRecursion) {
