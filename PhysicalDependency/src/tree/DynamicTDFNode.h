@@ -26,7 +26,7 @@ namespace tarn {
 /// An object has its component in two forms. Under the one it is found: as it was written when the object came into
 /// being. Under the other it is listed: the type, and the name if that differs. They are the same but for a name that
 /// was written although it equals the type.
-struct DynamicTDF::Node {
+struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   class ParamVal;
   using Params = std::map<PooledName, ParamVal, PooledName::Less>;
 
@@ -147,7 +147,7 @@ struct DynamicTDF::Node {
 
 /// The value of a parameter. What few parameters have, items that were asked for and allowed values, stands apart, so
 /// that a plain value costs little more than its text.
-class DynamicTDF::Node::ParamVal {
+class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
  public:
   /// An ordinary parameter.
   explicit ParamVal(std::string_view value) : value_(value) {}

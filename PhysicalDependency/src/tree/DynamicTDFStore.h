@@ -14,7 +14,7 @@ namespace tarn {
 /// made from that of its parent, and a text is compared with an object from the end upwards, component by component.
 /// Objects enter and leave through this class only, and with the index the children of their parent change; so the two
 /// hold the same objects, and with an object all those above it are present.
-class DynamicTDF::NodeStore {
+class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
  public:
   /// The root alone.
   NodeStore();
