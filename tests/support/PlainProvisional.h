@@ -474,6 +474,14 @@ class PlainProvisional {
     }
   }
   void mirror(std::string const& path) {
+    removeWhatTheBaseLacks(path);
+    copyBranch(base_, path, active_);
+  }
+  void removeWhatTheBaseLacks(std::string const& path) {
+    if (!base_.hasObject(path)) {
+      active_.remove(path);
+      return;
+    }
     Strings names;
     active_.getParameterNames(path, names);
     for (std::string const& name : names) {
@@ -481,10 +489,7 @@ class PlainProvisional {
     }
     Strings below;
     active_.getChildObjectPaths(path, below);
-    for (std::string const& object : below) {
-      if (!base_.hasObject(object)) active_.remove(object);
-    }
-    copyBranch(base_, path, active_);
+    for (std::string const& object : below) removeWhatTheBaseLacks(object);
   }
   /// Copies objects and all values that are not blank.
   static void copyBranch(MapModel const& from, std::string const& path, MapModel& to) {

@@ -235,12 +235,19 @@ class RandomCase {
       param.availableWithNoAllowedValues = chance(4);
       param.completeListRequired = chance(4);
       param.fallbackToBlankDefault = profile_.wild && chance(4);
-      // Without a value to fall back on, an optional parameter that is switched on would be saved as an empty one.
-      if (!profile_.wild) param.availableWithNoAllowedValues = false;
     }
     if (chance(2)) param.byDefault = someText(params, place);
     for (std::size_t n = pick(5); n > 3; --n) {
       param.overrides.emplace_back(someCondition(params, place), someText(params, place));
+    }
+    if (!profile_.wild && param.allowed) {
+      // A value that was not asked for and would be refused if it were cannot be saved and asked for again.
+      param.anyValueAllowed = false;
+      param.overrides.clear();
+      param.subset.reset();
+      param.availableWithNoAllowedValues = false;
+      param.completeListRequired = param.completeListRequired && TDFParam::isListType(param.type);
+      if (param.byDefault) param.byDefault = TextSheet{someOf(values()), std::nullopt};
     }
     return param;
   }
