@@ -39,8 +39,7 @@ case $1 in
     ;;
   add_subdirectory)
     cmake -G Ninja -S "$here/add_subdirectory" -B "$2/add_subdirectory" -DCMAKE_CXX_COMPILER="$3" \
-      -DTARN_SOURCE_DIR="$project" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE='-O2 -DNDEBUG' \
-      -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)"
+      -DTARN_SOURCE_DIR="$project" -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)"
     cmake --build "$2/add_subdirectory"
     check_findings "$2/add_subdirectory/check-model"
     ;;
