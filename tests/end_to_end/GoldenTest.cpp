@@ -75,7 +75,7 @@ int openOrFail(fs::path const& file, int flags) {
 }
 
 Outcome run(fs::path const& folder) {
-  std::string scratchName = (fs::temp_directory_path() / "zev-golden-XXXXXX").string();
+  std::string scratchName = (fs::temp_directory_path() / "zev-golden-").string() + std::string(6, 'X');
   if (!::mkdtemp(scratchName.data())) ADD_FAILURE() << "no scratch folder";
   fs::path const scratch = scratchName;
   fs::path const input = fs::exists(folder / "stdin") ? folder / "stdin" : fs::path("/dev/null");
