@@ -125,11 +125,13 @@ std::string orNear(std::string const& near) {
 }
 
 template <typename Map>
-std::vector<std::string> keysOf(Map const& map) {
+std::string nearKey(std::string_view text, Map const& map, std::size_t& budget) {
+  if (map.size() > budget) return {};
+  budget -= map.size();
   std::vector<std::string> keys;
   keys.reserve(map.size());
   for (auto const& entry : map) keys.push_back(entry.first);
-  return keys;
+  return StringUtilities::nearMatch(text, keys);
 }
 
 bool isLiteral(Expression const& expression) {
@@ -705,7 +707,7 @@ class Parser {
       auto const found = rules.find(token.text);
       if (found == rules.end()) {
         issue(token.range, "there is no " + std::string(signature.name) + " " + inQuotes(token.text) +
-                               orNear(StringUtilities::nearMatch(token.text, keysOf(rules))));
+                               orNear(nearKey(token.text, rules, named_.hintBudget)));
       } else {
         target.rule = &found->second->rule();
       }

@@ -27,6 +27,10 @@ enum class Role { Condition, Text, List };
 struct NamedRules {
   std::map<std::string, NamedCheck*, std::less<>> checks;
   std::map<std::string, NamedList*, std::less<>> lists;
+  /// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a
+  /// file with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a
+  /// hint.
+  mutable std::size_t hintBudget = 10'000'000;
 };
 
 struct ParserLimits {

@@ -8,6 +8,10 @@
 #include <cmath>
 #include <optional>
 #include <set>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
@@ -23,10 +27,20 @@ std::string inQuotes(std::string_view text) {
   return "'" + std::string(text) + "'";
 }
 
-std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
-  auto const near = StringUtilities::nearMatch(text, candidates);
-  return near.empty() ? std::string{} : "; did you mean " + inQuotes(near) + "?";
-}
+/// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a file
+/// with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a hint.
+class HintBudget {
+ public:
+  /// Whether `count` names may be looked at; they are, then.
+  bool take(std::size_t count) noexcept {
+    if (count > left_) return false;
+    left_ -= count;
+    return true;
+  }
+
+ private:
+  std::size_t left_ = 10'000'000;
+};
 
 /// A model in which nothing exists, for expressions that read nothing.
 class EmptyModel final : public ModelTDF {
@@ -119,6 +133,12 @@ class Linter {
     diagnostics_.add(Severity::Warning, *use.item.source, begin, shown, std::move(message));
   }
 
+  [[nodiscard]] std::string orNear(std::string_view text, std::vector<std::string> const& candidates) const {
+    if (!hints_.take(candidates.size())) return {};
+    auto const near = StringUtilities::nearMatch(text, candidates);
+    return near.empty() ? std::string{} : "; did you mean " + inQuotes(near) + "?";
+  }
+
   /// What a pattern of this use can name. A named rule is called from anywhere, so everything is tried as its owner.
   [[nodiscard]] std::set<std::string> resolve(ExpressionUse const& use, PathPattern const& pattern) const {
     if (use.named == nullptr || pattern.isAbsolute()) return types_.resolve(pattern, use.typePath);
@@ -139,19 +159,19 @@ class Linter {
         continue;
       }
       if (path.parameter.empty()) continue;
-      bool known = false;
+      bool const known = std::any_of(named.begin(), named.end(), [&](std::string const& typePath) {
+        auto const* object = data_.getObjDependDef(typePath, true);
+        // A child without rules of its own, which is told elsewhere; or the root, which has no parameters.
+        if (object == nullptr) return !typePath.empty();
+        return object->findParam(path.parameter) != nullptr;
+      });
+      if (known) continue;
       std::vector<std::string> candidates;
       for (auto const& typePath : named) {
         auto const* object = data_.getObjDependDef(typePath, true);
-        if (object == nullptr) {
-          // A child without rules of its own, which is told elsewhere; or the root, which has no parameters.
-          known |= !typePath.empty();
-          continue;
-        }
-        known |= object->findParam(path.parameter) != nullptr;
+        if (object == nullptr || !hints_.take(object->params().size())) continue;
         for (auto const& param : object->params()) candidates.push_back(param->name);
       }
-      if (known) continue;
       std::string const where = named.size() == 1 && use.named == nullptr && !named.begin()->empty()
                                     ? " of " + *named.begin()
                                     : std::string{};
@@ -164,20 +184,22 @@ class Linter {
   [[nodiscard]] std::string nearObject(ExpressionUse const& use, PathPattern const& pattern) const {
     if (use.named != nullptr && !pattern.isAbsolute()) return {};
     auto const& steps = pattern.steps();
-    std::string text = pattern.isAbsolute() ? "/" : "";
     if (!pattern.isAbsolute() && pattern.start() != PathPattern::Start::Context) return {};
     std::set<std::string> current = {pattern.isAbsolute() ? std::string{} : use.typePath};
     for (auto const& step : steps) {
       if (step.kind != PathPattern::StepKind::Child && step.kind != PathPattern::StepKind::ChildrenOfType) return {};
       std::set<std::string> next;
-      std::vector<std::string> candidates;
       for (auto const& path : current) {
-        for (auto const& type : types_.childTypes(path)) {
-          candidates.push_back(type);
-          if (type == step.type) next.insert(path + "/" + type);
-        }
+        if (auto child = path + "/" + step.type; types_.knows(child)) next.insert(std::move(child));
       }
-      if (next.empty()) return orNear(step.type, candidates);
+      if (next.empty()) {
+        std::vector<std::string> candidates;
+        for (auto const& path : current) {
+          auto const& types = types_.childTypes(path);
+          if (hints_.take(types.size())) candidates.insert(candidates.end(), types.begin(), types.end());
+        }
+        return orNear(step.type, candidates);
+      }
       current = std::move(next);
     }
     return {};
@@ -226,7 +248,7 @@ class Linter {
 
   /// Why `def` rules out that its parameter ever equals the value; empty when it may. The empty text is what an absent
   /// parameter equals, so it is always possible.
-  [[nodiscard]] static std::string impossible(ParamValueDef const& def, ComparedValue const& value) {
+  [[nodiscard]] std::string impossible(ParamValueDef const& def, ComparedValue const& value) const {
     if (value.text.empty() || TDFParam::isListType(def.type)) return {};
     bool const fixed = def.allowedValueKind == ParamValueDef::FixedAllowedValues && !def.allowsAnyValue;
     if (fixed) {
@@ -377,18 +399,39 @@ class Linter {
     return use.compiled->expression->range();
   }
 
-  template <typename Entries, typename Text>
-  [[nodiscard]] static std::size_t indexOf(Entries const& entries, std::string const& text, Text member) {
-    auto const found =
-        std::find_if(entries.begin(), entries.end(), [&](auto const& entry) { return (*entry).*member == text; });
-    return static_cast<std::size_t>(found - entries.begin());
+  /// Where the entries of an object stand in its lists. Made once for each object: rules are compared with each other,
+  /// and an object may have a hundred thousand.
+  struct Positions {
+    std::unordered_map<std::string_view, std::size_t> params;
+    std::unordered_map<std::string_view, std::size_t> children;
+    std::vector<std::size_t> contextRules;  // those of `params` that are
+  };
+
+  [[nodiscard]] Positions const& positionsOf(ObjDependDef const& object) const {
+    auto const [known, isNew] = positions_.try_emplace(&object);
+    auto& positions = known->second;
+    if (!isNew) return positions;
+    for (auto const& param : object.params()) {
+      if (param->contextRule) positions.contextRules.push_back(positions.params.size());
+      positions.params.emplace(param->name, positions.params.size());
+    }
+    for (auto const& child : object.children()) positions.children.emplace(child->type, positions.children.size());
+    return positions;
   }
 
-  [[nodiscard]] static bool isLaterParameter(ObjDependDef const& object, ExpressionUse const& use,
-                                             std::string const& name) {
+  /// The position, or one behind the last.
+  [[nodiscard]] static std::size_t indexIn(std::unordered_map<std::string_view, std::size_t> const& positions,
+                                           std::string_view name) {
+    auto const found = positions.find(name);
+    return found == positions.end() ? positions.size() : found->second;
+  }
+
+  [[nodiscard]] bool isLaterParameter(ObjDependDef const& object, ExpressionUse const& use,
+                                      std::string const& name) const {
     if (use.ofChild) return false;
     if (name == use.entry) return use.attribute == "Available";
-    return indexOf(object.params(), name, &ParamAvail::name) > indexOf(object.params(), use.entry, &ParamAvail::name);
+    auto const& positions = positionsOf(object).params;
+    return indexIn(positions, name) > indexIn(positions, use.entry);
   }
 
   /// Whether a walk comes to objects of `target` only behind the rule. Where both lie below children of one type, there
@@ -415,11 +458,11 @@ class Linter {
     };
     auto const* object = data_.getObjDependDef(parent, true);
     if (object == nullptr) return false;
-    auto const& children = object->children();
-    auto const at = indexOf(children, typeBelow(target), &ChildAvail::type);
+    auto const& children = positionsOf(*object).children;
+    auto const at = indexIn(children, typeBelow(target));
     // A parameter of the parent itself comes before all of its children.
     if (!use.ofChild && use.typePath == parent) return at < children.size();
-    return at < children.size() && at > indexOf(children, typeBelow(reader), &ChildAvail::type);
+    return at < children.size() && at > indexIn(children, typeBelow(reader));
   }
 
   [[nodiscard]] bool isDecidedByRules(std::string const& typePath) const {
@@ -438,7 +481,7 @@ class Linter {
       std::string const type(PathUtils::lastType(typePath));
       if (parent != nullptr && parent->findChild(type) != nullptr) continue;
       std::vector<std::string> candidates;
-      if (parent != nullptr) {
+      if (parent != nullptr && hints_.take(parent->children().size())) {
         for (auto const& child : parent->children()) candidates.push_back(child->type);
       }
       warn(place, "no child rule leads to objects of this type, so nothing of this entry is ever looked at" +
@@ -591,11 +634,12 @@ class Linter {
     bool ruled = false;
     bool open = false;
     std::vector<std::string> values;
-    for (auto const& earlier : object.params()) {
-      if (earlier.get() == param) break;
-      if (!earlier->contextRule || earlier->valueDef() == nullptr) continue;
+    for (std::size_t const position : positionsOf(object).contextRules) {
+      auto const& earlier = *object.params()[position];
+      if (param != nullptr && position >= indexIn(positionsOf(object).params, param->name)) break;
+      if (earlier.valueDef() == nullptr) continue;
       ruled = true;
-      auto const& def = *earlier->valueDef();
+      auto const& def = *earlier.valueDef();
       auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
       open |= list == nullptr || def.allowsAnyValue || def.allowedValueKind != ParamValueDef::FixedAllowedValues;
       if (list != nullptr) values.insert(values.end(), list->items().begin(), list->items().end());
@@ -616,6 +660,8 @@ class Linter {
   RuleBuilder const& rules_;
   PhysicsData const& data_;
   TypeTree types_;
+  mutable HintBudget hints_;
+  mutable std::unordered_map<ObjDependDef const*, Positions> positions_;
   DiagnosticList& diagnostics_;
 };
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t shownBefore = 60;
 constexpr std::size_t shownAtMost = 120;
 
-/// Lines are shown as they are but for characters that would move the caret or the terminal.
+/// The text with blanks for the characters that would move the caret or the terminal.
 std::string printable(std::string_view text) {
   std::string result(text);
   for (auto& c : result) {
@@ -26,20 +26,20 @@ std::string printable(std::string_view text) {
   return result;
 }
 
-void appendPlace(std::string& out, std::string const& source, std::size_t line, std::size_t column,
-                 std::string_view label, std::string const& message, std::string const& sourceLine,
-                 std::size_t length) {
-  out += source;
-  if (line > 0) out += ":" + std::to_string(line) + ":" + std::to_string(column);
+/// Appends a diagnostic or one of its notes.
+template <typename Shown>
+void appendPlace(std::string& out, Shown const& one, std::string_view label) {
+  out += printable(one.source);
+  if (one.line > 0) out += ":" + std::to_string(one.line) + ":" + std::to_string(one.column);
   out += ": ";
   out += label;
   out += ": ";
-  out += message;
+  out += printable(one.message);
   out += '\n';
-  if (line == 0) return;
+  if (one.line == 0) return;
 
-  std::size_t const total = characterCount(sourceLine);
-  std::size_t const at = std::min(column - 1, total);
+  std::size_t const total = characterCount(one.sourceLine);
+  std::size_t const at = std::min(one.column - one.sourceColumn, total);
   std::size_t first = 0;
   std::string lead;
   if (total > shownAtMost && at > shownBefore) {
@@ -47,15 +47,15 @@ void appendPlace(std::string& out, std::string const& source, std::size_t line, 
     lead = "...";
   }
   std::size_t const count = std::min(shownAtMost, total - first);
-  std::size_t const begin = characterOffset(sourceLine, first);
-  std::size_t const end = characterOffset(sourceLine, first + count);
-  std::string shown = lead + printable(std::string_view(sourceLine).substr(begin, end - begin));
+  std::size_t const begin = characterOffset(one.sourceLine, first);
+  std::size_t const end = characterOffset(one.sourceLine, first + count);
+  std::string shown = lead + printable(std::string_view(one.sourceLine).substr(begin, end - begin));
   if (first + count < total) shown += "...";
 
-  std::string const number = std::to_string(line);
+  std::string const number = std::to_string(one.line);
   std::string const margin(std::max<std::size_t>(5, number.size()) - number.size(), ' ');
   out += margin + number + " | " + shown + '\n';
-  std::size_t const marked = std::max<std::size_t>(1, std::min(length, count - std::min(count, at - first)));
+  std::size_t const marked = std::max<std::size_t>(1, std::min(one.length, count - std::min(count, at - first)));
   out += std::string(margin.size() + number.size(), ' ') + " | " + std::string(lead.size() + at - first, ' ') + '^' +
          std::string(marked - 1, '~') + '\n';
 }
@@ -64,12 +64,8 @@ void appendPlace(std::string& out, std::string const& source, std::size_t line, 
 
 std::string format(Diagnostic const& diagnostic) {
   std::string out;
-  appendPlace(out, diagnostic.source, diagnostic.line, diagnostic.column,
-              diagnostic.severity == Severity::Error ? "error" : "warning", diagnostic.message, diagnostic.sourceLine,
-              diagnostic.length);
-  for (auto const& note : diagnostic.notes) {
-    appendPlace(out, note.source, note.line, note.column, "note", note.message, note.sourceLine, note.length);
-  }
+  appendPlace(out, diagnostic, diagnostic.severity == Severity::Error ? "error" : "warning");
+  for (auto const& note : diagnostic.notes) appendPlace(out, note, "note");
   return out;
 }
 

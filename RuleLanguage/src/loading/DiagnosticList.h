@@ -27,6 +27,8 @@ class DiagnosticList {
                    std::string message);
 
   [[nodiscard]] bool hasErrors() const noexcept { return errors_ > 0; }
+  /// No more errors are kept, only counted: their places need not be looked for.
+  [[nodiscard]] bool isFull() const noexcept { return errors_ >= limit_; }
   [[nodiscard]] std::size_t errorCount() const noexcept { return errors_; }
 
   /// All of them, in the order of `files` and of places in them, each once; with warnings only when `warnings` is set.

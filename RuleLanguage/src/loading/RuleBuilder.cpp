@@ -161,6 +161,11 @@ bool isNothing(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Scalar && node.style == YamlNode::Style::Plain && node.value.empty();
 }
 
+/// Whether keys can be missed in `node`. Of what is no map at all only that is told.
+bool canHoldKeys(YamlNode const& node) {
+  return node.kind == YamlNode::Kind::Mapping || isNothing(node);
+}
+
 std::string_view kindText(YamlNode const& node) {
   switch (node.kind) {
     case YamlNode::Kind::Scalar:
@@ -217,6 +222,7 @@ Diagnostic& RuleBuilder::error(Item const& item, std::string message) {
 }
 
 Diagnostic& RuleBuilder::errorAt(Item const& item, std::size_t offset, std::size_t length, std::string message) {
+  if (diagnostics_.isFull()) return error(item, std::move(message));
   Place const begin = placeInScalar(*item.source, *item.node, offset);
   Place const end = placeInScalar(*item.source, *item.node, offset + length);
   std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
@@ -272,7 +278,7 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
     std::string message = "a list of texts is needed here, not " + std::string(kindText(*item.node));
     if (!otherwise.empty() && isExpression(*item.node)) {
       message += "; " + std::string(otherwise);
-    } else if (item.node->kind == YamlNode::Kind::Scalar) {
+    } else if (item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node)) {
       message += "; a list of one is written [" + item.node->value.substr(0, 60) + "]";
     }
     error(item, std::move(message));
@@ -431,6 +437,9 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     };
     if (child->kind == YamlNode::Kind::Scalar) {
       guarded.value = fixedText(childItem);
+    } else if (child->kind == YamlNode::Kind::Sequence) {
+      error(childItem, "an item of this list is a single text, not a list");
+      good = false;
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         auto result = parsed(part, skipped, role);
@@ -641,13 +650,13 @@ void RuleBuilder::bindNamedRules() {
 
 void RuleBuilder::readRoots(Item const& section) {
   if (isNothing(*section.node)) return;
-  auto const types = texts(section, false);
-  if (!types) return;
-  for (std::size_t i = 0; i < types->size(); ++i) {
-    Item const item{section.source, section.node->children[i]};
-    if (!isName(item, "a root type")) continue;
-    data_->addPertinentRoot((*types)[i]);
-    if (keepPlaces_) roots_.emplace_back((*types)[i], item);
+  (void)texts(section, false);
+  if (section.node->kind != YamlNode::Kind::Sequence) return;
+  for (auto const* child : section.node->children) {
+    Item const item{section.source, child};
+    if (child->kind != YamlNode::Kind::Scalar || !isName(item, "a root type")) continue;
+    data_->addPertinentRoot(child->value);
+    if (keepPlaces_) roots_.emplace_back(child->value, item);
   }
 }
 
@@ -670,7 +679,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       }
       data_->addQuantityType(name.node->value, *units);
     });
-    if (!unitsGiven) error(name, "the quantity type has no 'Units'; write {Units: [...]}");
+    if (!unitsGiven && canHoldKeys(*body.node)) error(name, "the quantity type has no 'Units'; write {Units: [...]}");
   });
 }
 
@@ -728,12 +737,12 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
       case ObjectKey::Parameters:
         forEach(value, "Parameters",
                 [&](Item const& entry, Item const& attributes) { readParameter(object, entry, attributes); });
-        sectionsSeen_.emplace_back(name.node->value, value);
+        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
         break;
       case ObjectKey::Children:
         forEach(value, "Children",
                 [&](Item const& entry, Item const& attributes) { readChild(object, entry, attributes); });
-        sectionsSeen_.emplace_back(name.node->value, value);
+        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
         break;
     }
   });
@@ -745,20 +754,24 @@ bool holdsSeparator(std::string_view name) {
   return name.find_first_of("/:") != std::string_view::npos;
 }
 
-/// Where `name` stands as a key in one of the sections of the object; nothing when it does not.
-Item formerPlace(std::vector<std::pair<std::string, Item>> const& sections, std::string const& typePath,
-                 std::string const& name) {
-  for (auto const& [path, section] : sections) {
-    if (path != typePath || section.node->kind != YamlNode::Kind::Mapping) continue;
-    auto const& children = section.node->children;
+}  // namespace
+
+Item RuleBuilder::formerPlace(std::string const& typePath, bool ofChild, std::string const& name) {
+  auto const keyOf = [](std::string const& path, bool child, std::string_view entry) {
+    return (path + (child ? "\nc" : "\np")).append(entry);
+  };
+  for (; sectionsIndexed_ < sectionsSeen_.size(); ++sectionsIndexed_) {
+    auto const& seen = sectionsSeen_[sectionsIndexed_];
+    if (seen.section.node->kind != YamlNode::Kind::Mapping) continue;
+    auto const& children = seen.section.node->children;
     for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
-      if (children[i]->value == name) return {section.source, children[i]};
+      formerPlaces_.try_emplace(keyOf(seen.typePath, seen.ofChildren, children[i]->value),
+                                Item{seen.section.source, children[i]});
     }
   }
-  return {};
+  auto const found = formerPlaces_.find(keyOf(typePath, ofChild, name));
+  return found == formerPlaces_.end() ? Item{} : found->second;
 }
-
-}  // namespace
 
 std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& item, std::string_view attribute) {
   std::vector<ParamValueDef::GuardedText> result;
@@ -807,6 +820,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   ParamValueDef def;
   entry.name = name.node->value;
   Item type;
+  bool typeKnown = false;
   Item fixedList;
   Item listSource;
   Item subset;
@@ -857,6 +871,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
         if (auto const given = scalar(value, attribute)) {
           if (auto const known = TDFParam::typeFromName(*given)) {
             def.type = *known;
+            typeKnown = true;
           } else {
             std::vector<std::string> types;
             for (int i = TDFParam::Integer; i <= TDFParam::StringList; ++i) {
@@ -935,19 +950,19 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     }
   });
 
-  if (!type) error(name, "the parameter has no 'Parameter Type'");
+  if (!type && canHoldKeys(*body.node)) error(name, "the parameter has no 'Parameter Type'");
   if (fixedList && listSource) {
     twice(listSource, fixedList, "the allowed values are given twice: keep the fixed list or the Value List Source");
   }
   if (subset && subsetSource) {
     twice(subsetSource, subset, "the subset is given twice: keep the fixed one or the Subset Value List Source");
   }
-  if (def.completeListRequired && type && !TDFParam::isListType(def.type)) {
+  if (def.completeListRequired && typeKnown && !TDFParam::isListType(def.type)) {
     error(completeList, "Complete List Required is for list types, but the parameter is of type " +
                             std::string(TDFParam::typeName(def.type)));
   }
   if (!object.addParam(std::move(entry), std::move(def))) {
-    twice(name, formerPlace(sectionsSeen_, object.typePath(), name.node->value),
+    twice(name, formerPlace(object.typePath(), false, name.node->value),
           "the object has a parameter " + inQuotes(name.node->value) + " already");
     return;
   }
@@ -1009,7 +1024,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
     }
   });
   if (!object.addChild(std::move(entry))) {
-    twice(name, formerPlace(sectionsSeen_, object.typePath(), name.node->value),
+    twice(name, formerPlace(object.typePath(), true, name.node->value),
           "the object has a child type " + inQuotes(name.node->value) + " already");
     return;
   }
@@ -1040,8 +1055,8 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
         text = textOrExpression(value, "Message");
       }
     });
-    if (!check) error(name, "the global check has no 'Check'");
-    if (!message) error(name, "the global check has no 'Message'");
+    if (!check && canHoldKeys(*body.node)) error(name, "the global check has no 'Check'");
+    if (!message && canHoldKeys(*body.node)) error(name, "the global check has no 'Message'");
     if (condition && text) {
       data_->addGlobalCheck(name.node->value,
                             std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text)));

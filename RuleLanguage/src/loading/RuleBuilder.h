@@ -113,6 +113,13 @@ class RuleBuilder {
     std::size_t callCount = 0;  // of one evaluation, the calls within what it calls included
   };
 
+  /// A `Parameters` or `Children` section that was read.
+  struct SeenSection {
+    std::string typePath;
+    bool ofChildren;
+    Item section;
+  };
+
   // Faults
   Diagnostic& error(Item const& item, std::string message);
   Diagnostic& errorAt(Item const& item, std::size_t offset, std::size_t length, std::string message);
@@ -158,6 +165,8 @@ class RuleBuilder {
   void readChild(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
   void readGlobalChecks(Item const& section);
+  /// Where an entry stands in the sections of its object that were read before; nothing when it does not.
+  [[nodiscard]] Item formerPlace(std::string const& typePath, bool ofChild, std::string const& name);
   [[nodiscard]] bool isTypePath(Item const& item);
   [[nodiscard]] bool isName(Item const& item, std::string_view what);
 
@@ -172,7 +181,10 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> listNames_;
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
-  std::vector<std::pair<std::string, Item>> sectionsSeen_;       // type path and its Parameters or Children, in order
+  std::vector<SeenSection> sectionsSeen_;  // in order
+  // Where the entries of `sectionsSeen_` stand; filled as far as `sectionsIndexed_` when a place is first asked for.
+  std::unordered_map<std::string, Item> formerPlaces_;
+  std::size_t sectionsIndexed_ = 0;
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   Owner owner_;

@@ -10,6 +10,23 @@ bool continuesCharacter(char c) noexcept {
   return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
+/// The bytes of the line end at `at`; 0 where there is none. Beside carriage return and line feed the YAML library ends
+/// lines at three characters of Unicode, and places must agree with it.
+std::size_t lineEndLength(std::string_view text, std::size_t at) noexcept {
+  switch (text[at]) {
+    case '\n':
+      return 1;
+    case '\r':
+      return text.substr(at).starts_with("\r\n") ? 2 : 1;
+    case '\xC2':
+      return text.substr(at).starts_with("\xC2\x85") ? 2 : 0;
+    case '\xE2':
+      return text.substr(at).starts_with("\xE2\x80\xA8") || text.substr(at).starts_with("\xE2\x80\xA9") ? 3 : 0;
+    default:
+      return 0;
+  }
+}
+
 }  // namespace
 
 std::size_t characterCount(std::string_view text) noexcept {
@@ -29,19 +46,28 @@ std::size_t characterOffset(std::string_view text, std::size_t count) noexcept {
 SourceText::SourceText(std::string name, std::string text) : name_(std::move(name)), text_(std::move(text)) {
   if (text_.starts_with("\xEF\xBB\xBF")) text_.erase(0, 3);
   lineStarts_.push_back(0);
-  for (std::size_t i = 0; i < text_.size(); ++i) {
-    if (text_[i] == '\n' || (text_[i] == '\r' && (i + 1 == text_.size() || text_[i + 1] != '\n'))) {
-      lineStarts_.push_back(i + 1);
-    }
+  for (std::size_t i = 0; i < text_.size();) {
+    std::size_t const length = lineEndLength(text_, i);
+    i += std::max<std::size_t>(length, 1);
+    if (length > 0) lineStarts_.push_back(i);
   }
 }
 
 std::string_view SourceText::line(std::size_t number) const noexcept {
   if (number == 0 || number > lineStarts_.size()) return {};
   std::size_t const begin = lineStarts_[number - 1];
-  std::size_t end = number < lineStarts_.size() ? lineStarts_[number] : text_.size();
-  while (end > begin && (text_[end - 1] == '\n' || text_[end - 1] == '\r')) --end;
-  return std::string_view(text_).substr(begin, end - begin);
+  std::size_t const end = number < lineStarts_.size() ? lineStarts_[number] : text_.size();
+  auto line = std::string_view(text_).substr(begin, end - begin);
+  if (number == lineStarts_.size()) return line;
+  // What ends the line is all that is left of it behind the place where it ends.
+  for (std::size_t const length : {1, 2, 3}) {
+    if (line.size() >= length && lineEndLength(line, line.size() - length) == length) {
+      line.remove_suffix(length);
+      if (length == 1 && line.ends_with('\r')) line.remove_suffix(1);
+      break;
+    }
+  }
+  return line;
 }
 
 Place SourceText::placeOf(std::size_t offset) const noexcept {

@@ -22,8 +22,9 @@ struct TARN_EXPORT Diagnostic {
   std::string message;
 
   /// The text of the line, for display, and how many characters of it from `column` the diagnostic is about, at
-  /// least 1.
+  /// least 1. Of a very long line only the part around `column` is kept; `sourceColumn` is where that begins.
   std::string sourceLine;
+  std::size_t sourceColumn = 1;
   std::size_t length = 1;
 
   /// A further place that belongs to it: where a name was given first, for example.
@@ -33,6 +34,7 @@ struct TARN_EXPORT Diagnostic {
     std::size_t column = 1;
     std::string message;
     std::string sourceLine;
+    std::size_t sourceColumn = 1;
     std::size_t length = 1;
   };
   std::vector<Note> notes;
