@@ -131,20 +131,20 @@ TEST(UserMsg, EqualsTheStepByStepVersionForAllShortTextsAndValues) {
   int endless = 0;
   for (std::string const& text : textsUpTo(5, "%1-")) {
     if (text.find("%1") == std::string::npos) continue;
-    for (std::string const& value : textsUpTo(4, "%1-")) {
+    for (std::string const& value : textsUpTo(3, "%1-")) {
       std::string const result = filled(text, {value});
       std::optional<std::string> const expected = naive(text, "%1", value);
       ASSERT_EQ(result, expected ? *expected : once(text, "%1", value)) << "text " << text << ", value " << value;
       ++(expected ? ended : endless);
     }
   }
-  EXPECT_GT(ended, 5000);
-  EXPECT_GT(endless, 1000);
+  EXPECT_GT(ended, 2000);
+  EXPECT_GT(endless, 200);
 }
 
 TEST(UserMsg, EqualsTheStepByStepVersionForTheTenthToken) {
   tarn::test::CapturedCerr const quiet;
-  for (std::string const& text : textsUpTo(6, "%10")) {
+  for (std::string const& text : textsUpTo(5, "%10")) {
     if (text.find("%10") == std::string::npos) continue;
     for (std::string const& value : textsUpTo(3, "%10")) {
       // The ninth value brings the text in, since an earlier one would have its tokens filled.
