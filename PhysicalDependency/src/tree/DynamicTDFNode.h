@@ -67,12 +67,12 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     /// Calls `visit` with each child of exactly this type, in the order of their creation. Costs as much as there are
     /// of them, but for a constant.
     template <class Visit>
-    void visitOfType(std::string_view type, Visit visit) const {
+    void visitOfType(std::string_view wanted, Visit visit) const {
       if (byType_ == nullptr) {
         for (Node const& child : *this) {
-          if (child.type == type) visit(child);
+          if (child.type == wanted) visit(child);
         }
-      } else if (auto const place = byType_->find(type); place != byType_->end()) {
+      } else if (auto const place = byType_->find(wanted); place != byType_->end()) {
         for (Node const* child = place->second.first; child != nullptr; child = child->nextOfType) visit(*child);
       }
     }
