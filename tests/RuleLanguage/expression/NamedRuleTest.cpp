@@ -241,7 +241,7 @@ class RandomCondition {
   }
 
  private:
-  unsigned pick(int count) { return random_() % static_cast<unsigned>(count); }
+  std::size_t pick(int count) { return random_() % static_cast<std::size_t>(count); }
   std::string pickOf(std::vector<std::string> const& options) {
     return options[pick(static_cast<int>(options.size()))];
   }
