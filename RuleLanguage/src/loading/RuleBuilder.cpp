@@ -438,7 +438,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     if (child->kind == YamlNode::Kind::Scalar) {
       guarded.value = fixedText(childItem);
     } else if (child->kind == YamlNode::Kind::Sequence) {
-      error(childItem, "an item of this list is a single text, not a list");
+      error(childItem, "an item of this list is a single text, not " + std::string(kindText(*child)));
       good = false;
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
