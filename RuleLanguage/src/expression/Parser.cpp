@@ -201,7 +201,7 @@ class Parser {
 
   [[noreturn]] void unexpected() const {
     if (token_.kind == TokenKind::End) {
-      throw SyntaxFault{{text_.size(), 1}, "the expression ends where something is missing"};
+      throw SyntaxFault{end(), "the expression ends where something is missing"};
     }
     if (isSymbol(")")) throw SyntaxFault{token_.range, "')' has no '(' before it"};
     if (token_.kind == TokenKind::Word && findSignature(token_.text) == nullptr) {
@@ -226,13 +226,16 @@ class Parser {
 
   void expectSymbol(std::string_view symbol, std::string_view purpose) {
     if (!isSymbol(symbol)) {
-      Range const range = token_.kind == TokenKind::End ? Range{text_.size(), 1} : token_.range;
+      Range const range = token_.kind == TokenKind::End ? end() : token_.range;
       throw SyntaxFault{range, inQuotes(symbol) + " is missing " + std::string(purpose)};
     }
     advance();
   }
 
   void issue(Range range, std::string message) { issues_.push_back({range, std::move(message)}); }
+
+  /// Where something is missing at the end: behind the last token.
+  [[nodiscard]] Range end() const { return {last_.offset + last_.length, 1}; }
 
   [[nodiscard]] Range since(std::size_t offset) const { return {offset, last_.offset + last_.length - offset}; }
 
@@ -491,7 +494,7 @@ class Parser {
       case TokenKind::End:
         break;
     }
-    throw SyntaxFault{{text_.size(), 1}, "the expression ends where a value is missing"};
+    throw SyntaxFault{end(), "the expression ends where a value is missing"};
   }
 
   [[nodiscard]] Issue patternIssue(Token const& token, PathPattern::Fault const& fault) const {

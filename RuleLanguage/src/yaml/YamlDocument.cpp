@@ -269,6 +269,18 @@ std::pair<std::size_t, std::size_t> escapeLengths(std::string_view raw, std::str
   return {std::min(length, raw.size()), produced};
 }
 
+/// Where a scalar itself begins: behind an anchor and a tag, with which its node does.
+std::size_t behindProperties(std::string_view file, std::size_t at) {
+  auto const skip = [&](bool blanks) {
+    while (at < file.size() && StringUtilities::isSpace(file[at]) == blanks) ++at;
+  };
+  while (at < file.size() && (file[at] == '&' || file[at] == '!')) {
+    skip(false);
+    skip(true);
+  }
+  return at;
+}
+
 }  // namespace
 
 YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics) {
@@ -279,16 +291,16 @@ Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_
   using Style = YamlNode::Style;
   std::string_view const value = scalar.value;
   offset = std::min(offset, value.size());
+  std::string_view const file = source.text();
+  std::size_t at = behindProperties(file, source.offsetOf(scalar.place()));
   if (scalar.style == Style::Plain && scalar.line == scalar.endLine) {
-    return {scalar.line, scalar.column + characterCount(value.substr(0, offset))};
+    return source.placeOf(at + offset);
   }
 
   // Walks the file and the text side by side. White space may differ between the two, everything else must agree.
-  std::string_view const file = source.text();
-  std::size_t at = source.offsetOf(scalar.place());
   if (scalar.style == Style::SingleQuoted || scalar.style == Style::DoubleQuoted) ++at;
   if (scalar.style == Style::Literal || scalar.style == Style::Folded) {
-    at = source.offsetOf({std::size_t{scalar.line} + 1, 1});
+    at = source.offsetOf({source.placeOf(at).line + 1, 1});
   }
   std::size_t done = 0;
   while (at < file.size()) {
