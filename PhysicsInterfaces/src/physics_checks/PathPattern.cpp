@@ -386,6 +386,8 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
     }
   }
 
+  // A model that holds an object in both forms, /Case/Dom and /Case/Dom:Dom, lists one path twice.
+  if (candidates.size() > 1) makeDistinct(candidates);
   result.reserve(candidates.size());
   for (auto& candidate : candidates) {
     if (candidate.known || model.hasObject(candidate.path)) result.push_back(std::move(candidate.path));
