@@ -30,7 +30,7 @@ struct NamedRules {
   /// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a
   /// file with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a
   /// hint.
-  mutable std::size_t hintBudget = 10'000'000;
+  mutable std::size_t hintBudget = 2'000'000;
 };
 
 struct ParserLimits {

@@ -581,7 +581,7 @@ TEST(YamlDocument, NestingIsLimitedInFlowAndInBlockForm) {
   EXPECT_EQ(errorsOf("Rule Database: 1\nLists: {a: [[" + repeated("[", 60) + repeated("]", 60) + "]]}\n"),
             "flow.rules.yaml:2:13: error: an item of this list is a single text, not a list\n"
             "    2 | Lists: {a: [[" +
-                repeated("[", 60) + repeated("]", 45) +
+                repeated("[", 60) + repeated("]", 47) +
                 "...\n"
                 "      |             ^" +
                 repeated("~", 107) + "\n");
