@@ -277,7 +277,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
 
   /// @name What the last update changed
   /// See the table above. Parameters stand in the order of events, objects in that of their deletion; of a deleted
-  /// subtree only the top is listed. An object that is required but holds nothing goes without an entry.
+  /// subtree only the top is listed. An object that is required but holds nothing goes without an entry. One of a type
+  /// that its parent asks for, but for which there are no rules, comes and goes with every walk and is listed each
+  /// time.
   /// @{
   [[nodiscard]] std::vector<ParamId> const& getModParams() const noexcept;
   /// Not freed of what became potential or unavailable later in the same update: ask whether it is present.

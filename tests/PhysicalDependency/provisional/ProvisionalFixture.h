@@ -28,12 +28,13 @@ class FlowModifier final : public QuantityModifier {
   int getQuantityType(ModelTDF const* /*model*/, std::string const& /*objPath*/, std::string const& name,
                       std::string& quantityType) const override {
     quantityType = type;
-    return name == "Inflow" ? 1 : 0;
+    return adjusts && name == "Inflow" ? 1 : 0;
   }
   std::string getQuantityUnits(std::string const& quantityType, std::string const& /*units*/) const override {
     return quantityType == "Mass Flow" ? "kg/s" : "m^3/s";
   }
 
+  bool adjusts = true;
   std::string type = "Mass Flow";
 };
 

@@ -202,6 +202,15 @@ TEST_F(ProvisionalChildrenTest, MirroredChildrenFollowTheBaseModel) {
   EXPECT_EQ(state().getNewlyAvailParams(), (Pairs{{wall, "Kind"}}));
 }
 
+TEST_F(ProvisionalChildrenTest, BlankValuesOfTheBaseModelAreNotMirrored) {
+  rotorRules().child("Boundary");
+  base_.set(inlet, "Kind", "  ");
+  base_.set(inlet, "Label", "main");
+  start();
+  ModelState const expected{{inlet, {{"Label", "main"}}}};
+  EXPECT_EQ(state().getActiveTDFState(), expected);
+}
+
 TEST_F(ProvisionalChildrenTest, TheGuideHasNoSayOverMirroredChildren) {
   rotorRules().child("Boundary");
   base_.set(inlet, "Kind", "Mass Flow");
@@ -351,6 +360,17 @@ TEST_F(ProvisionalOptionalNamesTest, ANameThatIsNoLongerAllowedIsDeletedAndNotPo
   EXPECT_EQ(objects(), Strings());
   EXPECT_EQ(potential(), (Strings{wall}));
   EXPECT_EQ(state().getDeletedObjects(), (Strings{inlet, outlet}));
+}
+
+TEST_F(ProvisionalChildrenTest, PotentialNamesCountWhereItIsSeenThatAnObjectIsNotAllowed) {
+  rotorRules().child("Boundary").allowedNames(list([](TDFContext const& at, ModelTDF const& model) {
+    bool const on = model.getParameterValue(at.objPath(), "Control") == "on";
+    return on ? SharedStrings{"inlet", "outlet"} : SharedStrings{"inlet", "wall"};
+  }));
+  start({{inlet, {}}, {wall, {}}});
+  set("Control", "on");  // two objects and two names, of which one is not there
+  EXPECT_EQ(objects(), (Strings{inlet}));
+  EXPECT_EQ(potential(), (Strings{outlet}));
 }
 
 TEST_F(ProvisionalOptionalNamesTest, APotentialNameThatIsNoLongerAllowedIsTold) {

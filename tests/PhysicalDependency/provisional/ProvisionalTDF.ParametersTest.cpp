@@ -164,6 +164,14 @@ TEST_F(ProvisionalParametersTest, OfAFreeParameterTheOverrideStandsAndIsTakenInt
   EXPECT_EQ(value("Inflow"), "2 [m^3/s]");  // of the guide, rewritten again
 }
 
+TEST_F(ProvisionalParametersTest, TheGuideTakesTheOverrideOfAFreeParameterOverAsItWasAdjusted) {
+  rotorRules().param("Inflow").type(TDFParam::Real).overriddenWhen(overriding(), "2 [m^3/s]");
+  start({{rotor, {{"Inflow", "1 [kg/s]"}, {"Control", "override"}}}});
+  modifier_.adjusts = false;
+  set("Control", "");
+  EXPECT_EQ(value("Inflow"), "2 [kg/s]");
+}
+
 TEST_F(ProvisionalParametersTest, AFreeValueOfTheGuideStandsWithTheUnitsOfItsQuantity) {
   rotorRules().param("Inflow").type(TDFParam::Real).byDefault("7");
   start({{rotor, {{"Inflow", "1 [m^3/s]"}}}});
