@@ -5,12 +5,13 @@
 // that is coupled has those of them that are wanted, and the others are potential. One that is not coupled is no part
 // of the edit: it is mirrored whole from the base model and not entered.
 
+#include <tarn/ProvisionalTDF.h>
+
 #include <string_view>
 #include <utility>
 
 #include <tarn/PathUtils.h>
 #include <tarn/PotentialUpdateTracker.h>
-#include <tarn/ProvisionalTDF.h>
 #include <tarn/TDFPath.h>
 
 #include "provisional/ActivityDecisions.h"

@@ -2,8 +2,9 @@
 // updated; whether the rules make something of it shows in the result. An edit that does not apply is updated without a
 // walk: its lists then tell of nothing, which is all that its caller learns.
 
-#include <tarn/Error.h>
 #include <tarn/ProvisionalTDF.h>
+
+#include <tarn/Error.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFPath.h>
 

@@ -1,12 +1,13 @@
 // The start of the provisional state, and what it does when its base model changes. The start fills the guide; from
 // then on the base model only feeds the rules and the children that are mirrored.
 
+#include <tarn/ProvisionalTDF.h>
+
 #include <utility>
 
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
 #include <tarn/ProvTDFLogger.h>
-#include <tarn/ProvisionalTDF.h>
 #include <tarn/ProvisionalTDFDB.h>
 #include <tarn/TDFPath.h>
 

@@ -5,13 +5,14 @@
 // The guide is read and not written, but for overrides of the rules: those are taken into it, so that the value stands
 // when the override no longer holds. Quantity types and bounds are a matter of parameters without allowed values only.
 
+#include <tarn/ProvisionalTDF.h>
+
 #include <algorithm>
 #include <utility>
 
 #include <tarn/BoundsTracker.h>
 #include <tarn/ModifiedQuantityTracker.h>
 #include <tarn/PotentialUpdateTracker.h>
-#include <tarn/ProvisionalTDF.h>
 #include <tarn/ProvisionalTDFDB.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TARNAssertImpl.h>

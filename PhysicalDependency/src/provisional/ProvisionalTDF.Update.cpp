@@ -2,6 +2,8 @@
 // measured against is in the collaborators: the active tree logs from its last reset on, the trackers remember the walk
 // before.
 
+#include <tarn/ProvisionalTDF.h>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -11,7 +13,6 @@
 #include <tarn/ModifiedQuantityTracker.h>
 #include <tarn/OperationTimer.h>
 #include <tarn/PotentialUpdateTracker.h>
-#include <tarn/ProvisionalTDF.h>
 
 #include "provisional/NamedObjectProbe.h"
 
