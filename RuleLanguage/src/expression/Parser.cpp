@@ -163,6 +163,7 @@ class Parser {
                      [](Issue const& a, Issue const& b) { return a.range.offset < b.range.offset; });
     result.issues = std::move(issues_);
     result.calls = std::move(calls_);
+    result.depth = deepest_;
     return result;
   }
 
@@ -171,7 +172,8 @@ class Parser {
   class Level {
    public:
     explicit Level(Parser& parser) : parser_(parser) {
-      if (++parser_.depth_ > parser_.limits_.depth) {
+      parser_.deepest_ = std::max(parser_.deepest_, ++parser_.depth_);
+      if (parser_.depth_ > parser_.limits_.depth) {
         throw SyntaxFault{parser_.token_.range, "the expression is nested deeper than " +
                                                     std::to_string(parser_.limits_.depth) +
                                                     " levels; move a part of it into a named check"};
@@ -765,6 +767,7 @@ class Parser {
   Token token_;
   Range last_;
   std::size_t depth_ = 0;
+  std::size_t deepest_ = 0;
   std::vector<Issue> issues_;
   std::vector<RuleCall> calls_;
 };

@@ -48,6 +48,7 @@ struct ParsedExpression {
   ExpressionPtr expression;   // null when there are issues
   std::vector<Issue> issues;  // in order of place; a fault of syntax ends the parsing
   std::vector<RuleCall> calls;
+  std::size_t depth = 0;  // levels of nesting, called rules left aside
 };
 
 /// Parses and checks an expression: syntax, names and arguments, kinds of operands. Named rules are looked up in

@@ -419,8 +419,7 @@ std::unique_ptr<ListExpression> RuleBuilder::sharedFixedList(std::vector<std::st
 }
 
 ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attribute,
-                                        std::optional<std::vector<std::string>>& fixed,
-                                        std::vector<NamedRule const*>* calls) {
+                                        std::optional<std::vector<std::string>>& fixed, PendingBody* named) {
   auto const& children = item.node->children;
   auto const isGuarded = [](YamlNode const* child) { return child->kind == YamlNode::Kind::Mapping; };
   if (std::none_of(children.begin(), children.end(), isGuarded)) {
@@ -443,8 +442,9 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         auto result = parsed(part, skipped, role);
-        if (calls != nullptr) {
-          for (auto const& call : result.calls) calls->push_back(call.rule);
+        if (named != nullptr) {
+          for (auto const& call : result.calls) named->calls.push_back(call.rule);
+          named->nesting = std::max(named->nesting, result.depth);
         }
         // The part is parsed once more for those who look at uses, since the list owns this one.
         if (keepPlaces_ && result.expression) laterUses_.push_back({part, skipped, role, attribute, owner_, nullptr});
@@ -562,6 +562,7 @@ void RuleBuilder::parseNamedBodies() {
       pending.expression = std::move(result.expression);
       pending.source = StringUtilities::trimmed(std::string_view(pending.body.node->value).substr(skipped));
       for (auto const& call : result.calls) pending.calls.push_back(call.rule);
+      pending.nesting = result.depth;
       if (keepPlaces_ && pending.expression) {
         laterUses_.push_back({pending.body, skipped, role, isList ? "Lists" : "Checks", owner_, nullptr});
       }
@@ -572,7 +573,7 @@ void RuleBuilder::parseNamedBodies() {
       takeExpression(1, Role::List);
     } else if (pending.body.node->kind == YamlNode::Kind::Sequence) {
       std::optional<std::vector<std::string>> fixed;
-      pending.expression = guardedItems(pending.body, "Lists", fixed, &pending.calls);
+      pending.expression = guardedItems(pending.body, "Lists", fixed, &pending);
       if (fixed) {
         std::vector<ExpressionPtr> items;
         for (auto& text : *fixed) items.push_back(std::make_unique<Literal>(Range{}, std::move(text)));
@@ -623,8 +624,10 @@ void RuleBuilder::bindNamedRules() {
         }
         continue;
       }
+      std::size_t nestingBelow = 0;
       for (auto const* call : pending.calls) {
         auto const& called = *byRule.at(call);
+        nestingBelow = std::max(nestingBelow, called.nesting);
         pending.depth = std::max(pending.depth, called.depth);
         pending.callCount += 1 + called.callCount;
       }
@@ -633,6 +636,12 @@ void RuleBuilder::bindNamedRules() {
         error(pending.name,
               "named rules call each other in a chain of more than " + std::to_string(limits_.callDepth) + " calls");
         pending.depth = 0;
+      }
+      pending.nesting += nestingBelow;
+      if (pending.nesting > limits_.nestingDepth) {
+        error(pending.name, "together with what it calls this rule is nested deeper than " +
+                                std::to_string(limits_.nestingDepth) + " levels; state it flatter");
+        pending.nesting = 0;
       }
       if (pending.callCount > limits_.callCount) {
         error(pending.name, "one evaluation of this rule comes to more than " + std::to_string(limits_.callCount) +

@@ -109,7 +109,8 @@ class RuleBuilder {
     ExpressionPtr expression;
     std::string source;
     std::vector<NamedRule const*> calls;
-    std::size_t depth = 0;
+    std::size_t nesting = 0;    // levels of nesting, of what it calls included once bound
+    std::size_t depth = 0;      // of the longest chain of calls
     std::size_t callCount = 0;  // of one evaluation, the calls within what it calls included
   };
 
@@ -146,8 +147,7 @@ class RuleBuilder {
   [[nodiscard]] std::unique_ptr<ListExpression> listOrExpression(Item const& item, std::string_view attribute);
   /// The items of a list of which some may be `{Value, When}`; null for a list of plain texts, which goes to `fixed`.
   [[nodiscard]] ExpressionPtr guardedItems(Item const& item, std::string_view attribute,
-                                           std::optional<std::vector<std::string>>& fixed,
-                                           std::vector<NamedRule const*>* calls);
+                                           std::optional<std::vector<std::string>>& fixed, PendingBody* named);
   [[nodiscard]] std::unique_ptr<ListExpression> sharedFixedList(std::vector<std::string> items);
   void noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
                std::string_view attribute);

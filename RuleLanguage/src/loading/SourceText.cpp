@@ -60,7 +60,7 @@ std::string_view SourceText::line(std::size_t number) const noexcept {
   auto line = std::string_view(text_).substr(begin, end - begin);
   if (number == lineStarts_.size()) return line;
   // What ends the line is all that is left of it behind the place where it ends.
-  for (std::size_t const length : {1, 2, 3}) {
+  for (std::size_t length = 1; length <= 3; ++length) {
     if (line.size() >= length && lineEndLength(line, line.size() - length) == length) {
       line.remove_suffix(length);
       if (length == 1 && line.ends_with('\r')) line.remove_suffix(1);

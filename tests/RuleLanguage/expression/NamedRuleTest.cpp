@@ -132,17 +132,38 @@ TEST_F(NamedRules, LintingRulesThatDoubleTheirCallsTakesNoTime) {
               IsEmpty());
 }
 
-TEST_F(NamedRules, TheDeepestNestingThatIsAllowedIsEvaluatedWithoutHarm) {
+/// Checks that call each other in a chain, each with its call inside that many quantifiers, so of twice as many levels
+/// and one.
+std::string nestedChecks(int count, int quantifiers) {
   std::string file = "Rule Database: 1\nChecks:\n";
-  for (int i = 0; i < 100; ++i) {
-    std::string condition =
-        i == 0 ? "${/Case/Domain:rotor/Motion} == 'Rotating'" : "check('level " + std::to_string(i - 1) + "')";
-    for (int nesting = 0; nesting < 90; ++nesting) condition = "any({@}, " + condition + ")";
+  for (int i = 0; i < count; ++i) {
+    std::string condition = i == 0 ? "${Motion} == 'Rotating'" : "check('level " + std::to_string(i - 1) + "')";
+    for (int nesting = 0; nesting < quantifiers; ++nesting) condition = "any({@}, " + condition + ")";
     file += "  level " + std::to_string(i) + ": " + condition + "\n";
   }
-  auto const data = parseRules(file);
+  return file;
+}
 
-  EXPECT_TRUE(holds(*data, "level 99", "/Case/Domain:rotor"));
+TEST_F(NamedRules, TheDeepestNestingThatIsAllowedIsEvaluatedWithoutHarm) {
+  auto const data = parseRules(nestedChecks(10, 49));
+
+  EXPECT_TRUE(holds(*data, "level 9", "/Case/Domain:rotor"));
+  EXPECT_FALSE(holds(*data, "level 9", "/Case/Domain:stator"));
+}
+
+TEST_F(NamedRules, NestingThatAddsUpOverCallsIsLimited) {
+  EXPECT_THAT(
+      test::errorsOf(nestedChecks(20, 49)),
+      HasSubstr("error: together with what it calls this rule is nested deeper than 1000 levels; state it flatter\n"));
+  LoadLimits limits;
+  limits.nestingDepth = 6;
+  EXPECT_EQ(test::errorsOf("Rule Database: 1\nChecks:\n  a: not not true\n  b: not check('a')\n", limits), "");
+  EXPECT_EQ(
+      test::errorsOf("Rule Database: 1\nChecks:\n  a: not not true\n  b: not not check('a')\n", limits),
+      "flow.rules.yaml:4:3: error: together with what it calls this rule is nested deeper than 6 levels; state it "
+      "flatter\n"
+      "    4 |   b: not not check('a')\n"
+      "      |   ^\n");
 }
 
 TEST_F(NamedRules, CirclesAreRefusedWithTheNamesInThem) {

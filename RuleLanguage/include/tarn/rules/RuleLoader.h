@@ -25,6 +25,9 @@ struct LoadLimits {
   std::size_t expressionDepth = 200;
   /// Named checks and lists that call each other in a chain.
   std::size_t callDepth = 100;
+  /// Levels of nesting in a named check or list, those of what it calls added to its own: what an evaluation takes of
+  /// the stack.
+  std::size_t nestingDepth = 1000;
   /// Calls of named checks and lists that one evaluation can come to, the calls within what is called included.
   std::size_t callCount = 10'000;
   /// Errors that are kept. Where there are more, the last one says so.
