@@ -100,21 +100,23 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   };
 
   /// `pooledType` outlives the object. `writtenName` is the name that stands in the path; empty if none does.
-  Node(Node* parent, PathHash const& hash, std::string const& pooledType, std::string_view writtenName);
+  Node(Node * parent, PathHash const& hash, std::string const& pooledType, std::string_view writtenName);
 
-  [[nodiscard]] std::string const& name() const noexcept { return writtenName.empty() ? type : writtenName; }
+  [[nodiscard]] std::string const& name() const noexcept {
+    return writtenName.empty() ? type : writtenName;
+  }
 
   /// Takes the component under which the object is found, with its leading "/", off the end of `path`. Returns false,
   /// with nothing taken, when something else stands there.
-  [[nodiscard]] bool takeComponent(std::string_view& path) const noexcept;
+  [[nodiscard]] bool takeComponent(std::string_view & path) const noexcept;
   [[nodiscard]] bool hasComponent(std::string_view component) const noexcept;
 
   /// The path under which the object is listed.
   [[nodiscard]] std::string path() const;
 
   /// Adds the component with a leading "/".
-  void appendFoundComponent(std::string& path) const;
-  void appendListedComponent(std::string& path) const;
+  void appendFoundComponent(std::string & path) const;
+  void appendListedComponent(std::string & path) const;
 
   /// A new parameter gets its name from `names`.
   SetResult setParamValue(std::string const& paramName, std::string_view value, NamePool& names);
@@ -155,7 +157,9 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
   ParamVal(ParamAllowedValues const& allowedValues, std::string_view value)
       : value_(value), extras_(std::make_unique<Extras>(Extras{std::nullopt, allowedValues})) {}
 
-  [[nodiscard]] std::string const& value() const noexcept { return value_; }
+  [[nodiscard]] std::string const& value() const noexcept {
+    return value_;
+  }
   [[nodiscard]] bool hasAllowedValues() const noexcept {
     return extras_ != nullptr && extras_->allowedValues.has_value();
   }

@@ -22,30 +22,34 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   NodeStore(NodeStore const&) = delete;
   NodeStore& operator=(NodeStore const&) = delete;
 
-  [[nodiscard]] Node& root() const noexcept { return *root_; }
+  [[nodiscard]] Node& root() const noexcept {
+    return *root_;
+  }
   /// Null when there is none; of a parameter, also when there is no such object.
   [[nodiscard]] Node* find(std::string_view path) const;
   [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
 
   /// The types and parameter names of the tree.
-  [[nodiscard]] NamePool& names() noexcept { return names_; }
+  [[nodiscard]] NamePool& names() noexcept {
+    return names_;
+  }
 
   /// The object at `path`, made together with what is missing above it. A path without components is the root's. Throws
   /// the `Error` of `TDFPath` when it cannot be read, and then makes nothing.
   Node& create(std::string const& path);
 
   /// The child with this component, which is one that `TDFPath` accepts and has its leading "/"; made if it is missing.
-  Node& findCreateChild(Node& parent, std::string_view component);
+  Node& findCreateChild(Node & parent, std::string_view component);
 
   /// Removes an object that has no children left and is not the root.
-  void removeLeaf(Node& node) noexcept;
+  void removeLeaf(Node & node) noexcept;
 
   /// Back to the root alone. Every other object, and the old root, are gone.
   void reset();
 
  private:
   [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
-  Node& insert(Node* parent, PathHash const& hash, std::string_view component);
+  Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
   void grow();
   void clear() noexcept;
