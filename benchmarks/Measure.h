@@ -1,0 +1,49 @@
+#pragma once
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <ctime>
+#include <string>
+#include <vector>
+
+namespace tarn::benchmarks {
+
+/// Processor time of this process in milliseconds. Other work on the machine takes none of it, unlike time on the wall.
+[[nodiscard]] inline double cpuMilliseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+}
+
+/// Bytes that the heap has handed out, with what it needs itself to manage them.
+[[nodiscard]] inline double heapBytes() {
+  struct mallinfo2 const info = mallinfo2();
+  return static_cast<double>(info.uordblks) + static_cast<double>(info.hblkhd);
+}
+
+[[nodiscard]] inline double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  std::size_t const middle = values.size() / 2;
+  return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+/// The median of what `once` returns: the milliseconds that it wants counted. It is called until it has taken `budget`
+/// milliseconds or was called `most` times, but five times at least.
+template <class Once>
+[[nodiscard]] double medianOf(Once once, double budget, std::size_t most = 2000) {
+  std::vector<double> times;
+  double const start = cpuMilliseconds();
+  while (times.size() < 5 || (times.size() < most && cpuMilliseconds() - start < budget)) times.push_back(once());
+  return median(std::move(times));
+}
+
+/// The milliseconds that `work` takes.
+template <class Work>
+[[nodiscard]] double timed(Work work) {
+  double const start = cpuMilliseconds();
+  work();
+  return cpuMilliseconds() - start;
+}
+
+}  // namespace tarn::benchmarks
