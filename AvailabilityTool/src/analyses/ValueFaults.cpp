@@ -67,6 +67,7 @@ std::vector<ValueFault> ValueFaults::find(std::vector<std::string> const& roots,
 }
 
 ValueFaults::HandlerStatus ValueFaults::onBeginObject(ObjBeginInfo const*) {
+  limitParams(ParamScope::Present);
   return Continue;
 }
 ValueFaults::HandlerStatus ValueFaults::onBeginParam(std::string const&, std::string const&) {

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <string>
+#include <vector>
 
 #include <tarn/ChildAvailInfo.h>
 #include <tarn/Export.h>
@@ -68,10 +69,10 @@ class PhysicsData;
 ///    walked whole, in the order of the model, before the next entry is looked at.
 /// 5. `onEndObject`.
 ///
-/// So the hook for an entry comes once for every entry of the rules, whether or not the entry is available and the
-/// model holds such an item, and never for an item of the model that the rules have no entry for. The entry alone
-/// decides how children are addressed: one of a singleton never finds named children, and any other addresses a child
-/// that has no name by its type, `/Case/Domain:Domain`.
+/// So, unless `limitParams` narrows it, the hook for an entry comes once for every entry of the rules, whether or not
+/// the entry is available and the model holds such an item, and never for an item of the model that the rules have no
+/// entry for. The entry alone decides how children are addressed: one of a singleton never finds named children, and
+/// any other addresses a child that has no name by its type, `/Case/Domain:Domain`.
 ///
 /// Hooks may change the model that is being walked. The order above is what makes it work: what a hook creates or
 /// deletes for its entry is seen when the model is asked right after it, and what is evaluated later reads the model as
@@ -142,6 +143,22 @@ class TARN_EXPORT DependencyAnalyser {
   virtual HandlerStatus onEndObject(std::string const& objPath, bool required) = 0;
   /// @}
 
+  /// Of which parameter entries of an object the hooks come.
+  enum class ParamScope {
+    All,
+    /// Those of parameters that the model holds or that are required.
+    PresentOrRequired,
+    /// Those of parameters that the model holds.
+    Present
+  };
+
+  /// Called from `onBeginObject`: narrows the parameter walk of the object that begins, for an analyser to which other
+  /// entries make no difference. Where the rules have more than a few dozen entries, those others are passed over
+  /// without being evaluated, so that an object with thousands of entries costs no more than the parameters it holds;
+  /// a few are walked whole, which is as quick. What the model holds is asked right behind the hook; hooks that create
+  /// parameters have no use for this. Without a call, and for each further object, the scope is `All`.
+  void limitParams(ParamScope scope) noexcept { paramScope_ = scope; }
+
   /// Whether the parameter has this value in the model of the last walk, compared as values of its type: "1.0" equals
   /// "1" for a Real. A parameter that the model lacks has the value "". False when the rules have no such parameter for
   /// the object, also if the model has. Calls no hook and evaluates nothing. For use during and after a walk, while the
@@ -164,6 +181,10 @@ class TARN_EXPORT DependencyAnalyser {
   // Those of the last walk; null before the first.
   ModelTDF const* model_ = nullptr;
   EvalContext* evalContext_ = nullptr;
+
+  // Of the object that begins.
+  ParamScope paramScope_ = ParamScope::All;
+  std::vector<std::string> presentParams_;
 };
 
 }  // namespace tarn

@@ -63,6 +63,13 @@ class TARN_EXPORT ObjDependency {
   /// @{
   void firstParam();
   void nextParam();
+  /// How many entries there are, live or not.
+  [[nodiscard]] std::size_t numParams() const noexcept { return objDef_ == nullptr ? 0 : objDef_->params().size(); }
+  /// Makes the parameter walk, from the next `firstParam` on, stop only at the entries of these names and, if so
+  /// wanted, at those of required parameters; still each once and in the order of the rules. Names without an entry are
+  /// passed over. Rules may have thousands of entries for an object that holds a dozen parameters: with the names that
+  /// the object holds, the walk costs as much as there are of those.
+  void limitParams(std::vector<std::string> const& names, bool andRequired);
   [[nodiscard]] bool isDoneParam() const noexcept { return currParam_ == nullptr; }
 
   /// Says which value the context rule parameter has that the cursor stands on. The entries behind it are selected by
@@ -124,6 +131,7 @@ class TARN_EXPORT ObjDependency {
   /// @}
 
  private:
+  [[nodiscard]] std::pair<ParamAvail const*, bool> nextOfLimited();
   void initCurrParam(std::pair<ParamAvail const*, bool> entry);
 
   // Constant after construction.
@@ -131,6 +139,11 @@ class TARN_EXPORT ObjDependency {
   EvalContext* evalContext_;
   PhysicsData const* physicsData_;
   ObjDependDef const* objDef_;  // null when the rules do not know the object's type path
+
+  // Where the parameter walk stops, as places among the entries; everywhere unless limited_.
+  bool limited_ = false;
+  std::vector<std::size_t> stops_;
+  std::size_t stopsPassed_ = 0;
 
   // Where the walks stand.
   ParamValueDef const* currParamDef_ = nullptr;

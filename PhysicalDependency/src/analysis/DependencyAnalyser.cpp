@@ -158,8 +158,15 @@ void DependencyAnalyser::checkTree(std::string const& root) {
 void DependencyAnalyser::beginObject(std::deque<OpenObject>& open, std::string path, bool required, bool coupled) {
   OpenObject& object = open.emplace_back(std::move(path), required, evalContext_, physicsData_);
   ObjBeginInfoAdapter const info(object.path, object.dep, required, coupled);
+  paramScope_ = ParamScope::All;
   HandlerStatus const status = onBeginObject(&info);
   if (!object.dep.isValid() || status == SkipObject) return;
+  constexpr std::size_t fewEntries = 32;
+  if (paramScope_ != ParamScope::All && object.dep.numParams() > fewEntries) {
+    presentParams_.clear();
+    model_->getParameterNames(object.path, presentParams_);
+    object.dep.limitParams(presentParams_, paramScope_ == ParamScope::PresentOrRequired);
+  }
   // In this order: the context rule value found among the parameters selects the children.
   checkParams(object.path, object.dep);
   object.dep.firstChild();

@@ -3,6 +3,7 @@
 // hooks ask for, default and bounds. Availability and overrides are evaluated at every question.
 #include <tarn/ObjDependency.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <tuple>
 
@@ -46,11 +47,32 @@ ObjDependency::ObjDependency(std::string const& objPath, EvalContext* evalContex
 void ObjDependency::firstParam() {
   contextRuleValue_.clear();
   paramCursor_ = PACursor();
-  if (objDef_ != nullptr) initCurrParam(objDef_->firstParamAvail(paramCursor_));
+  stopsPassed_ = 0;
+  if (objDef_ != nullptr) initCurrParam(limited_ ? nextOfLimited() : objDef_->firstParamAvail(paramCursor_));
 }
 
 void ObjDependency::nextParam() {
-  if (objDef_ != nullptr) initCurrParam(objDef_->nextParamAvail(paramCursor_, contextRuleValue_));
+  if (objDef_ == nullptr) return;
+  initCurrParam(limited_ ? nextOfLimited() : objDef_->nextParamAvail(paramCursor_, contextRuleValue_));
+}
+
+void ObjDependency::limitParams(std::vector<std::string> const& names, bool andRequired) {
+  if (objDef_ == nullptr) return;
+  limited_ = true;
+  stops_.clear();
+  stops_.reserve(names.size() + (andRequired ? objDef_->requiredParams().size() : 0));
+  for (std::string const& name : names) {
+    std::size_t const place = objDef_->placeOfParam(name);
+    if (place != ObjDependDef::noPlace) stops_.push_back(place);
+  }
+  if (andRequired) stops_.insert(stops_.end(), objDef_->requiredParams().begin(), objDef_->requiredParams().end());
+  std::sort(stops_.begin(), stops_.end());
+  stops_.erase(std::unique(stops_.begin(), stops_.end()), stops_.end());
+}
+
+std::pair<ParamAvail const*, bool> ObjDependency::nextOfLimited() {
+  if (stopsPassed_ == stops_.size()) return {nullptr, false};
+  return objDef_->paramAvailAt(stops_[stopsPassed_++], contextRuleValue_);
 }
 
 void ObjDependency::initCurrParam(std::pair<ParamAvail const*, bool> entry) {

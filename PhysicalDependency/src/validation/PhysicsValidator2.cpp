@@ -250,6 +250,9 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginObject(ObjBeginInfo c
     missingMode_ = MissingProbing;
     if (useEvalCache_) evalCache_->enable(false);
   }
+  // Of what is absent and not required there is nothing to say. Only in a placeholder everything is absent, and there
+  // the question is whether anything would be available.
+  if (missingMode_ == MissingOff) limitParams(ParamScope::PresentOrRequired);
   return Continue;
 }
 

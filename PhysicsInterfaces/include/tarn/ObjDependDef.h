@@ -1,9 +1,9 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,7 +32,8 @@ class TARN_EXPORT CACursor {
 };
 
 /// The rules of one object type: its parameters and its child types, in the order in which a walk visits them.
-/// Made by `PhysicsData::addObject`. Entries stay where they are as long as the `PhysicsData`.
+/// Made by `PhysicsData::addObject`. Entries stay where they are as long as the `PhysicsData`; their names, and whether
+/// they are required, stay what they were when the entry was added.
 class TARN_EXPORT ObjDependDef {
  public:
   ObjDependDef(PhysicsData const* data, std::string typePath);
@@ -65,23 +66,32 @@ class TARN_EXPORT ObjDependDef {
   [[nodiscard]] std::vector<std::unique_ptr<ParamAvail>> const& params() const noexcept { return params_; }
   [[nodiscard]] std::vector<std::unique_ptr<ChildAvail>> const& children() const noexcept { return children_; }
 
-  /// The entry of that name or type, or null. Logarithmic in the number of entries.
-  [[nodiscard]] ParamAvail const* findParam(std::string const& name) const;
-  [[nodiscard]] ChildAvail const* findChild(std::string const& type) const;
+  /// The entry at that place of `params`, and whether it is live, as a walk that comes to it with this context rule
+  /// value gets them.
+  [[nodiscard]] std::pair<ParamAvail const*, bool> paramAvailAt(std::size_t place,
+                                                                std::string const& contextRuleValue) const;
+  /// Where in `params` the entry of that name stands, or `noPlace`. One look-up by hash.
+  [[nodiscard]] std::size_t placeOfParam(std::string_view name) const;
+  static constexpr std::size_t noPlace = static_cast<std::size_t>(-1);
+  /// The places in `params` of the entries that were added as required, ascending.
+  [[nodiscard]] std::vector<std::size_t> const& requiredParams() const noexcept { return requiredParams_; }
+
+  /// The entry of that name or type, or null. One look-up by hash.
+  [[nodiscard]] ParamAvail const* findParam(std::string_view name) const;
+  [[nodiscard]] ChildAvail const* findChild(std::string_view type) const;
   /// The value rule of the parameter, or null.
-  [[nodiscard]] ParamValueDef const* findValueDef(std::string const& name) const;
+  [[nodiscard]] ParamValueDef const* findValueDef(std::string_view name) const;
 
  private:
   PhysicsData const* data_;
   std::string typePath_;
   std::vector<std::unique_ptr<ParamAvail>> params_;
   std::vector<std::unique_ptr<ChildAvail>> children_;
-  struct Values {
-    ParamAvail const* entry;
-    std::unique_ptr<ParamValueDef> def;
-  };
-  std::map<std::string, Values, std::less<>> byName_;
-  std::map<std::string, ChildAvail const*, std::less<>> byType_;
+  std::vector<std::unique_ptr<ParamValueDef>> valueDefs_;
+  std::vector<std::size_t> requiredParams_;
+  // Places by name. The keys are the names of the entries themselves.
+  std::unordered_map<std::string_view, std::size_t> byName_;
+  std::unordered_map<std::string_view, std::size_t> byType_;
 };
 
 }  // namespace tarn

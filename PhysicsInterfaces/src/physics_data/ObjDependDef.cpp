@@ -19,11 +19,10 @@ ObjDependDef::~ObjDependDef() = default;
 
 bool ObjDependDef::addParam(ParamAvail entry, ParamValueDef valueDef) {
   if (!addParam(std::move(entry))) return false;
-  auto& added = *params_.back();
-  auto& values = byName_.find(added.name)->second;
-  values.def = std::make_unique<ParamValueDef>(std::move(valueDef));
-  values.def->paramName_ = added.name;
-  added.valueDef_ = values.def.get();
+  ParamAvail& added = *params_.back();
+  valueDefs_.push_back(std::make_unique<ParamValueDef>(std::move(valueDef)));
+  valueDefs_.back()->paramName_ = added.name;
+  added.valueDef_ = valueDefs_.back().get();
   return true;
 }
 
@@ -32,8 +31,10 @@ bool ObjDependDef::addParam(ParamAvail entry) {
   auto owned = std::make_unique<ParamAvail>(std::move(entry));
   owned->data_ = data_;
   owned->valueDef_ = nullptr;
-  byName_.emplace(owned->name, Values{owned.get(), nullptr});
   params_.push_back(std::move(owned));
+  ParamAvail const& added = *params_.back();
+  byName_.emplace(added.name, params_.size() - 1);
+  if (added.required) requiredParams_.push_back(params_.size() - 1);
   return true;
 }
 
@@ -41,8 +42,8 @@ bool ObjDependDef::addChild(ChildAvail entry) {
   if (byType_.contains(entry.type)) return false;
   auto owned = std::make_unique<ChildAvail>(std::move(entry));
   owned->data_ = data_;
-  byType_.emplace(owned->type, owned.get());
   children_.push_back(std::move(owned));
+  byType_.emplace(children_.back()->type, children_.size() - 1);
   return true;
 }
 
@@ -54,8 +55,7 @@ std::pair<ParamAvail const*, bool> ObjDependDef::firstParamAvail(PACursor& curso
 std::pair<ParamAvail const*, bool> ObjDependDef::nextParamAvail(PACursor& cursor,
                                                                 std::string const& contextRuleValue) const {
   if (cursor.next_ >= params_.size()) return {nullptr, false};
-  auto const& entry = *params_[cursor.next_++];
-  return {&entry, isLive(entry.contexts, contextRuleValue)};
+  return paramAvailAt(cursor.next_++, contextRuleValue);
 }
 
 std::pair<ChildAvail const*, bool> ObjDependDef::firstChildAvail(CACursor& cursor,
@@ -71,19 +71,30 @@ std::pair<ChildAvail const*, bool> ObjDependDef::nextChildAvail(CACursor& cursor
   return {&entry, isLive(entry.contexts, cursor.context_)};
 }
 
-ParamAvail const* ObjDependDef::findParam(std::string const& name) const {
-  auto const found = byName_.find(name);
-  return found == byName_.end() ? nullptr : found->second.entry;
+std::pair<ParamAvail const*, bool> ObjDependDef::paramAvailAt(std::size_t place,
+                                                              std::string const& contextRuleValue) const {
+  ParamAvail const& entry = *params_[place];
+  return {&entry, isLive(entry.contexts, contextRuleValue)};
 }
 
-ChildAvail const* ObjDependDef::findChild(std::string const& type) const {
+std::size_t ObjDependDef::placeOfParam(std::string_view name) const {
+  auto const found = byName_.find(name);
+  return found == byName_.end() ? noPlace : found->second;
+}
+
+ParamAvail const* ObjDependDef::findParam(std::string_view name) const {
+  auto const found = byName_.find(name);
+  return found == byName_.end() ? nullptr : params_[found->second].get();
+}
+
+ChildAvail const* ObjDependDef::findChild(std::string_view type) const {
   auto const found = byType_.find(type);
-  return found == byType_.end() ? nullptr : found->second;
+  return found == byType_.end() ? nullptr : children_[found->second].get();
 }
 
-ParamValueDef const* ObjDependDef::findValueDef(std::string const& name) const {
-  auto const found = byName_.find(name);
-  return found == byName_.end() ? nullptr : found->second.def.get();
+ParamValueDef const* ObjDependDef::findValueDef(std::string_view name) const {
+  ParamAvail const* const entry = findParam(name);
+  return entry == nullptr ? nullptr : entry->valueDef();
 }
 
 }  // namespace tarn

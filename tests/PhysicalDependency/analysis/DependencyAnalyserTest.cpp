@@ -43,6 +43,8 @@ class Recorder final : public DependencyAnalyser {
   explicit Recorder(PhysicsData const* rules) : DependencyAnalyser(rules) {}
 
   using DependencyAnalyser::isParamValueEqual;
+  using DependencyAnalyser::limitParams;
+  using DependencyAnalyser::ParamScope;
 
   Strings events;
   std::map<std::string, std::function<Status()>> at;
@@ -226,6 +228,49 @@ TEST_F(DependencyAnalyserTest, RequiredAndCoupledAreThoseOfTheEntryThroughWhichT
                      "end /Case/Material:b", "child /Case|Region", "begin /Case/Region:c unknown coupled",
                      "end /Case/Region:c", "child /Case|Solver", "begin /Case/Solver unknown required coupled",
                      "end /Case/Solver required", "end /Case required"}));
+}
+
+// Scope.
+
+/// A schedule, of which the rules know a title, a kind, and 100 fields.
+class DependencyAnalyserScopeTest : public DependencyAnalyserTest {
+ protected:
+  DependencyAnalyserScopeTest() {
+    Rules rules(rules_, "/Schedule");
+    rules.param("Title").required().param("Kind").contextRule();
+    for (int i = 1; i <= 100; ++i) rules.param("Field " + std::to_string(i)).inContexts({"Fields"});
+    rules.param("Limits").required().child("Day");
+    Rules(rules_, "/Schedule/Day").param("Hour").param("Minute");
+  }
+
+  Strings walkedWith(Recorder::ParamScope scope) {
+    at("begin /Schedule", [this, scope] { analyser_.limitParams(scope); });
+    Strings walked;
+    for (std::string const& event : eventsOf("/Schedule")) {
+      if (event.starts_with("param /")) walked.push_back(event.substr(event.find('|') + 1));
+    }
+    return walked;
+  }
+};
+
+TEST_F(DependencyAnalyserScopeTest, OnlyParametersThatTheModelHoldsAreWalkedIfNothingElseMatters) {
+  model_ = MapModel{{"/Schedule", {{"Field 70", "Until: 24:00"}, {"Field 8", "0.5"}, {"Kind", "Fields"}, {"X", "1"}}}};
+  EXPECT_EQ(walkedWith(Recorder::ParamScope::Present), (Strings{"Kind", "Field 8", "Field 70"}));
+}
+
+TEST_F(DependencyAnalyserScopeTest, RequiredParametersAreWalkedAlsoWhenTheModelLacksThem) {
+  model_ = MapModel{{"/Schedule", {{"Field 70", "Until: 24:00"}, {"Limits", "Fraction"}}}};
+  EXPECT_EQ(walkedWith(Recorder::ParamScope::PresentOrRequired), (Strings{"Title", "Field 70 unavailable", "Limits"}));
+}
+
+TEST_F(DependencyAnalyserScopeTest, TheScopeIsOfTheObjectThatBegins) {
+  model_ = MapModel{{"/Schedule", {}}, {"/Schedule/Day:monday", {}}};
+  EXPECT_EQ(walkedWith(Recorder::ParamScope::Present), (Strings{"Hour", "Minute"}));
+}
+
+TEST_F(DependencyAnalyserScopeTest, AWalkOfEverythingIsTheRule) {
+  model_ = MapModel{{"/Schedule", {}}};
+  EXPECT_EQ(walkedWith(Recorder::ParamScope::All).size(), 103U);
 }
 
 // Context rules.

@@ -170,6 +170,51 @@ TEST_F(ObjDependencyTest, TheWalksDoNotMoveEachOther) {
   EXPECT_EQ(rules.getChildType(), "Boundary");
 }
 
+TEST_F(ObjDependencyTest, ALimitedWalkStopsAtTheNamedEntriesOnceEachInTheOrderOfTheRules) {
+  Rules(data_, "/Case/Domain").param("Motion").param("Axis").required().param("Buoyancy").param("Speed");
+  ObjDependency rules = rotor();
+  rules.limitParams({"Speed", "Colour", "Motion", "Speed"}, false);
+  EXPECT_EQ(walkParams(rules), (Strings{"Motion+", "Speed+"}));
+  EXPECT_EQ(rules.numParams(), 4U);
+}
+
+TEST_F(ObjDependencyTest, ALimitedWalkStopsAtRequiredEntriesIfSoWanted) {
+  Rules(data_, "/Case/Domain").param("Motion").required().param("Axis").param("Buoyancy").required().param("Speed");
+  ObjDependency rules = rotor();
+  rules.limitParams({"Speed", "Motion"}, true);
+  EXPECT_EQ(walkParams(rules), (Strings{"Motion+", "Buoyancy+", "Speed+"}));
+  rules.limitParams({}, false);
+  EXPECT_EQ(walkParams(rules), Strings());
+}
+
+TEST_F(ObjDependencyTest, InALimitedWalkTheContextRuleSelectsAsEver) {
+  Rules(data_, "/Case/Domain")
+      .param("Motion")
+      .contextRule()
+      .param("Axis")
+      .param("Speed")
+      .inContexts({"Rotating"})
+      .param("Depth")
+      .inContexts({"Stationary"});
+  ObjDependency cursor = rotor();
+  cursor.limitParams({"Depth", "Speed", "Motion"}, false);
+  cursor.firstParam();
+  cursor.setContextRuleValue("Rotating");
+  Strings seen;
+  for (cursor.nextParam(); !cursor.isDoneParam(); cursor.nextParam()) {
+    ParamAllowedValues allowed;
+    seen.push_back(cursor.getParamName() + (cursor.isParamAvailable(allowed) ? "+" : ""));
+  }
+  EXPECT_EQ(seen, (Strings{"Speed+", "Depth"}));
+}
+
+TEST_F(ObjDependencyTest, ALimitOnAnObjectWithoutRulesChangesNothing) {
+  ObjDependency rules = rotor();
+  rules.limitParams({"Motion"}, true);
+  EXPECT_EQ(walkParams(rules), Strings());
+  EXPECT_EQ(rules.numParams(), 0U);
+}
+
 TEST_F(ObjDependencyTest, GoingOnBehindTheEndStaysThere) {
   Rules(data_, "/Case/Domain").param("Motion").child("Wall");
   ObjDependency rules = rotorOnFirstParam();
