@@ -262,9 +262,9 @@ std::vector<CaseEdit> editsOf(CaseWorkload const& workload, Editing editing) {
   std::size_t const all = workload.parameters();
   std::size_t const domains = workload.domains();
   std::size_t const rough = workload.count("Wall Model", "NoSlip");
-  std::size_t const required = 2 * domains + workload.count("Kind", "Inlet");  // of what only a turbulent case has
+  std::size_t const only = 2 * domains + workload.count("Kind", "Inlet") + rough;  // what only a turbulent case has
   std::string const inlet = workload.inletOf(domains / 2);
-  // A plain system has lost, from the second edit on, whether the inlet is supersonic; from the fourth on, all
+  // A plain system has lost, from the second edit on, whether the inlet is supersonic; with the last one, all
   // roughnesses.
   std::size_t const one = guided ? 0 : 1;
   std::size_t const lost = guided ? 0 : 1 + rough;
@@ -272,9 +272,9 @@ std::vector<CaseEdit> editsOf(CaseWorkload const& workload, Editing editing) {
   return {
       {"inlet to wall", inlet, "Kind", "Wall", {all - 2, 1, 3, 0, 1}},
       {"wall to inlet", inlet, "Kind", "Inlet", {all - one, 3 - one, 1, 0, one}},
-      {"laminar", root, "Flow Regime", "Laminar", {all - one - required - rough, 0, required + rough, 0, one}},
-      {"turbulent", root, "Flow Regime", "Turbulent", {all - lost, required + (guided ? rough : 0), 0, 0, lost}},
-      {"steady", root, "Time Dependence", "Steady", {all - lost - domains, 0, domains, models, lost}},
+      {"steady", root, "Time Dependence", "Steady", {all - one - domains, 0, domains, models, one}},
+      {"laminar", root, "Flow Regime", "Laminar", {all - one - domains - only, 0, only, 0, one}},
+      {"turbulent", root, "Flow Regime", "Turbulent", {all - lost - domains, guided ? only : only - rough, 0, 0, lost}},
   };
 }
 

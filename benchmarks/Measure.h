@@ -46,4 +46,24 @@ template <class Work>
   return cpuMilliseconds() - start;
 }
 
+/// The median of what one call of `work` takes, in milliseconds, for work that may be too short for the clock: it is
+/// called in batches of a millisecond or more. A batch has an even number of calls, so that work which does something
+/// and undoes it with the next call always counts both.
+template <class Work>
+[[nodiscard]] double medianOfBatches(Work work, double budget = 400) {
+  double const first = timed([&] {
+    work();
+    work();
+  });
+  std::size_t const pairs = std::max<std::size_t>(1, static_cast<std::size_t>(1 / std::max(first, 1e-5)));
+  return medianOf(
+      [&] {
+        return timed([&] {
+                 for (std::size_t i = 0; i < 2 * pairs; ++i) work();
+               }) /
+               static_cast<double>(2 * pairs);
+      },
+      budget);
+}
+
 }  // namespace tarn::benchmarks
