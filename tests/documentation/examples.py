@@ -19,12 +19,16 @@ of a fenced block says what it is:
     yaml file=NAME, text file=NAME
                       a file of this content, for the commands that follow. The lines of a second block of the same
                       name replace the first.
-    console           commands behind `$ `, and what they print. `zev` is found wherever it has been built.
+    console           commands behind `$ `, and what they print. `zev` is found wherever it has been built. Lines
+                      behind `ZEV> ` are typed into the command above them, and stand where a terminal shows them.
+                      A line `...` stands for one or more lines that are left out.
 
 `cpp`, `cmake` and `text form` are not run. Any other block is an error, so that nothing goes untested by a slip. With
---update the shown output is replaced by the real one; review it as you would review code.
+--update the shown output is replaced by the real one; review it as you would review code. A block with lines left out
+is for you to edit.
 """
 import argparse
+import itertools
 import os
 import pathlib
 import re
@@ -33,6 +37,8 @@ import sys
 import tempfile
 
 FENCE = re.compile(r"^( *)```(.*)$")
+PROMPT = "ZEV> "
+LEFT_OUT = "..."
 
 
 class Block:
@@ -58,6 +64,21 @@ def read_blocks(lines):
     if opened is not None:
         sys.exit(f"line {opened[2]}: the block is not closed")
     return blocks
+
+
+def as_on_a_terminal(output, typed):
+    """What a program printed, with what was typed behind its prompts."""
+    before, *answers = output.split(PROMPT)
+    return before + "".join(f"{PROMPT}{text}\n{answer}"
+                            for text, answer in itertools.zip_longest(typed, answers, fillvalue=""))
+
+
+def shows(block, real):
+    """Whether a block shows these lines, all of them but those that a console block leaves out."""
+    if block.kind != "console" or LEFT_OUT not in block.lines:
+        return block.lines == real
+    pattern = "".join(r"(?:.*\n)+?" if line == LEFT_OUT else re.escape(line) + r"\n" for line in block.lines)
+    return re.fullmatch(pattern, "".join(line + "\n" for line in real)) is not None
 
 
 class Examples:
@@ -134,12 +155,14 @@ class Examples:
 
     def console(self, block):
         shown = []
-        for line in block.lines:
+        for number, line in enumerate(block.lines):
             if not line.startswith("$ "):
                 continue
-            done = self.run(line[2:] + " 2>&1")
+            below = itertools.takewhile(lambda text: not text.startswith("$ "), block.lines[number + 1:])
+            typed = [text[len(PROMPT):] for text in below if text.startswith(PROMPT)]
+            done = self.run(line[2:] + " 2>&1", "".join(text + "\n" for text in typed) if typed else None)
             self.answered += 1
-            shown += [line, *done.stdout.splitlines()]
+            shown += [line, *(as_on_a_terminal(done.stdout, typed) if typed else done.stdout).splitlines()]
         return shown
 
     def real(self, block):
@@ -196,10 +219,11 @@ def main():
         examples = Examples(os.path.abspath(given.zev), os.path.abspath(given.ask), given.folder or fresh)
         for block in read_blocks(lines):
             real = examples.real(block)
-            if real is None or real == block.lines:
+            if real is None or shows(block, real):
                 continue
             differing += 1
-            replaced.append((block, real))
+            if LEFT_OUT not in block.lines:
+                replaced.append((block, real))
             print(f"{given.document}:{block.first}: shown:", *block.lines, "but it is:", *real, "", sep="\n")
         examples.end_of_rules()
 
@@ -209,7 +233,8 @@ def main():
             lines[block.first:block.first + len(block.lines)] = [indent + line if line else "" for line in real]
         given.document.write_text("\n".join(lines), encoding="utf-8")
     print(f"{given.document.name}: {examples.answered} examples, blocks that differ: {differing}")
-    sys.exit(0 if examples.answered and not differing or given.update else 1)
+    open_ends = differing - len(replaced) if given.update else differing
+    sys.exit(0 if examples.answered and not open_ends else 1)
 
 
 if __name__ == "__main__":
