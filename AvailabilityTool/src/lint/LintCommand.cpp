@@ -54,8 +54,11 @@ void addLintCommand(CLI::App& app, Command& chosen) {
       ->type_name("PATH")
       ->required();
   command->footer(
-      "Errors keep the rules from being loaded; warnings are passed over by all other commands.\n"
-      "Example: zev lint --rules flow.rules.yaml\n"
+      "All files together make one rule database; of a folder all *.rules.yaml are taken, in order of their names.\n"
+      "Each error and warning is told with its file, line and column, and with what to write instead. Errors keep\n"
+      "the rules from being loaded; warnings are passed over by all other commands.\n"
+      "Examples: zev lint --rules flow.rules.yaml\n"
+      "          zev lint --rules rules/\n"
       "Exit status: 0 nothing found, 1 errors or warnings, 2 a file could not be read.");
   command->callback([options, &chosen] {
     chosen = [options](std::ostream& out, std::ostream& err) { return lint(*options, out, err); };

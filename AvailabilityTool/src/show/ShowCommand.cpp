@@ -95,12 +95,16 @@ void addShowCommand(CLI::App& app, Command& chosen) {
   command->add_option("--root", options->root, "The object to show, with everything below it")
       ->type_name("OBJECT")
       ->required();
-  command->add_option("ITEM", options->item, "An object or a parameter in it: its values, and what could be activated")
+  command
+      ->add_option("ITEM", options->item, "The path of an object or a parameter at or below the root: show only that")
       ->type_name("");
   command->footer(
       "The object is shown as it stands after one walk under the rules: with the defaults of what is required, and\n"
-      "without what is not available. Shown whole, it is model text that can be loaded again.\n"
-      "Example: zev show --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
+      "without what is not available. Shown whole, it is model text that can be loaded again. Of an ITEM that is an\n"
+      "object its parameters are shown, and what \"zev console\" could activate in it; of a parameter its value, and\n"
+      "the values that are allowed.\n"
+      "Examples: zev show --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
+      "          zev show --rules rules/ --model pump.tdf --root /Case /Case/Domain:rotor/Material\n"
       "Exit status: 0, or 2 for wrong usage or a file that could not be read.");
   command->callback([options, &chosen] {
     chosen = [options](std::ostream& out, std::ostream& err) { return show(*options, out, err); };

@@ -133,21 +133,26 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
       ->required();
   command
       ->add_option("--root", options->judge.roots,
-                   "Look only at these objects and below; without it, at all of the types that the rules look at")
+                   "Look only at these objects and below; without it, at all that the rules look at")
       ->type_name("OBJECT")
       ->allow_extra_args(false);
-  command->add_option("--phase", *phases, "What the validator does: the dependency checks, the global ones, or all")
+  command
+      ->add_option("--phase", *phases,
+                   "What to check: dependency, each object by itself; global, the model as a whole; without it, all")
       ->type_name("dependency|global|all")
       ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
   command->add_flag("--only-validator", options->judge.onlyValidator,
                     "Tell neither names that the rules do not know nor values of the wrong type or out of bounds");
-  command->add_option("--format", *format, "Blocks of text for people, or one line of JSON for each model")
+  command->add_option("--format", *format, "text, blocks for people, or json, a line for each model; without it, text")
       ->type_name("text|json")
       ->check(CLI::IsMember({"text", "json"}).description(""));
   command->add_option("MODEL", options->models, "Files of model text; - is the standard input")
       ->type_name("")
       ->required();
   command->footer(
+      "A model is text, a line for each parameter, or nested blocks as \"zev show\" prints them:\n"
+      "          /Case/Domain:rotor/Material=Water\n"
+      "One with a malformed line gets no verdict: the line is told instead.\n"
       "Examples: zev validate --rules flow.rules.yaml pump.tdf fan.tdf\n"
       "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.tdf\n"
       "Findings go to the standard output, one line that sums them up goes to the standard error.\n"
