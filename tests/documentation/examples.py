@@ -91,8 +91,12 @@ class Examples:
         self.environment["PATH"] = f"{os.path.dirname(zev)}:{os.environ['PATH']}"
 
     def run(self, command, text=None):
-        done = subprocess.run(command, input=text, cwd=self.folder, env=self.environment, text=True, timeout=120,
-                              shell=isinstance(command, str), stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        # The program `timeout` ends all that a command has started, where subprocess would end the shell alone.
+        words = ["/bin/sh", "-c", command] if isinstance(command, str) else command
+        done = subprocess.run(["timeout", "120", *words], input=text, cwd=self.folder, env=self.environment, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        if done.returncode == 124:
+            sys.exit(f"{words[-1]}: has not ended in two minutes")
         return done
 
     def fault(self, block, message):
