@@ -59,8 +59,8 @@ class PhysicsData;
 /// 1. Its rules are looked up by its type path. The model is not read. An object need not exist to be walked.
 /// 2. `onBeginObject`. For an object without rules, or after `SkipObject`, 5. is next.
 /// 3. For each parameter entry of the rules, in their order: `onBeginParam`; the condition and then the allowed values
-///    are evaluated; `onParamCheck`; if the parameter is available, the model is asked whether it has it; if it has,
-///    and the entry is a context rule, its value is read and selects the entries behind it, and in the end the child
+///    are evaluated; `onParamCheck`; if the parameter is available and the entry is a context rule, the model is asked
+///    whether it has it; if it has, its value is read and selects the entries behind it, and in the end the child
 ///    entries. An empty value counts. A context rule parameter that is unavailable or absent leaves the value before it
 ///    in force.
 /// 4. For each child entry, in their order: the condition and then the names are evaluated; `onChildCheck`; if the type
@@ -170,9 +170,9 @@ class TARN_EXPORT DependencyAnalyser {
   struct OpenObject;
 
   void checkTree(std::string const& root);
-  void beginObject(std::deque<OpenObject>& open, std::string path, bool required, bool coupled);
+  void enterChild(std::deque<OpenObject>& open);
+  void beginObject(OpenObject& object, bool coupled);
   void checkParams(std::string const& path, ObjDependency& dep);
-  bool checkParam(std::string const& path, ObjDependency const& dep);
   void checkChild(OpenObject& object);
   bool isParamAvailable(std::string const& path, ObjDependency const& dep);
   bool isChildAvailable(std::string const& path, ObjDependency const& dep);

@@ -61,10 +61,10 @@ class ChangeRecord;
 /// While recording is off the lists do not change at all: nothing is added, and neither `resetChanges` nor `initialise`
 /// empties them. So a reader that finds entries after switching recording off reads those of the batch before.
 ///
-/// References. One to a value, an object's name or type, or allowed values stays valid until that parameter or object
-/// is set, deleted, or swept away by `initialise`; edits elsewhere in the tree leave it alone. One to a list of the log
-/// is valid as long as the tree, and shows later events. An argument may itself be such a reference,
-/// unless it is to the value that the call overwrites.
+/// References. One to a value or to allowed values stays valid until that parameter is set, a parameter of its object
+/// comes or goes, or `initialise` sweeps the tree; one to an object's name or type until that object goes. Edits
+/// elsewhere in the tree leave them alone. One to a list of the log is valid as long as the tree, and shows later
+/// events. An argument may itself be such a reference, unless it is to the value that the call overwrites.
 ///
 /// One thread at a time, also for reading: `getParamValueAsList` keeps the items that it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
@@ -100,6 +100,9 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
   /// @}
+
+  /// The value, or null when there is no such parameter: `hasParameter` and `getParameterValue` in one look-up.
+  [[nodiscard]] std::string const* findParameterValue(std::string const& objPath, std::string const& name) const;
 
   /// The allowed values that the parameter was last set with. Of a parameter that is missing or not of allowed value
   /// type, an empty record.
@@ -181,15 +184,14 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   class SkipEmptyScope;
   class StateWalk;
 
-  enum class SetResult : int { Added = 0, Modified = 1, Unchanged = 2 };
-
   [[nodiscard]] static std::string childPath(std::string const& parentPath, Node const& child);
   Node& findCreateNode(std::string const& path);
   bool deleteNodeAndChildren(std::string const& path);
   void doSetParameter(std::string const& objPath, std::string const& name, std::string const& value, Node& node);
   void doSetParameter(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues,
                       std::string const& value, Node& node);
-  void record(SetResult result, std::string const& objPath, std::string const& name);
+  template <class... Initial>
+  void addParameter(std::string const& objPath, std::string const& name, Node& node, Initial const&... initial);
   void setParameters(std::string topPath, ModelTDF const& model);
   void setParameters(std::string const& objPath, ObjectState const& values);
   void copyNodeAndChildren(Node const& sourceTop);

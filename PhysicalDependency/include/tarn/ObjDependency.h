@@ -55,6 +55,16 @@ class TARN_EXPORT ObjDependency {
   /// `TDFPath` when that is no path. Both pointers must not be null.
   ObjDependency(std::string const& objPath, EvalContext* evalContext, PhysicsData const* physicsData);
 
+  /// The same for a caller who has found the rules: those for the type path of `objPath`, or null when there are none.
+  /// Neither is checked, which saves what most of the other constructor's time goes into.
+  ObjDependency(std::string objPath, ObjDependDef const* rules, EvalContext* evalContext,
+                PhysicsData const* physicsData)
+      : context_(std::move(objPath)), evalContext_(evalContext), physicsData_(physicsData), objDef_(rules) {}
+
+  [[nodiscard]] std::string const& getObjPath() const noexcept { return context_.objPath(); }
+  /// The rules for the object's type path, or null.
+  [[nodiscard]] ObjDependDef const* getRules() const noexcept { return objDef_; }
+
   /// Whether there are rules for the object's type path: `/Case/Domain` for `/Case/Domain:rotor`.
   [[nodiscard]] bool isValid() const noexcept { return objDef_ != nullptr; }
 

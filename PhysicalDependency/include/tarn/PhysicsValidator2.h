@@ -143,7 +143,8 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
 
   HandlerStatus checkAvailableParam(ParamAvailInfo const* info);
   HandlerStatus checkUnavailableParam(ParamAvailInfo const* info);
-  void checkAllowedValues(std::string const& objPath, std::string const& name, ParamAvailInfo const* info);
+  void checkAllowedValues(std::string const& objPath, std::string const& name, std::string const& value,
+                          ParamAvailInfo const* info);
 
   HandlerStatus checkAvailableChild(ChildAvailInfo const* info);
   HandlerStatus checkUnavailableChild(ChildAvailInfo const* info);

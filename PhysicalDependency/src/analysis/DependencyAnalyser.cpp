@@ -10,17 +10,24 @@
 #include <tarn/DependencyAnalyser.h>
 
 #include <deque>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
 #include <tarn/ObjDependency.h>
+#include <tarn/PhysicsData.h>
 #include <tarn/TDFPath.h>
 
 namespace tarn {
 
 namespace {
+
+/// Whether the text can stand in a path as it is, as a type or as a name.
+bool isPlainWord(std::string_view text) noexcept {
+  return !text.empty() && text.find_first_of("/:") == std::string_view::npos;
+}
 
 /// How a hook's `Abort` leaves the walk. The message is for whoever looks at the exception in a debugger.
 struct AbortException {
@@ -112,15 +119,33 @@ class ChildAvailInfoAdapter final : public ChildAvailInfo {
 
 /// An object whose `onEndObject` is still to come.
 struct DependencyAnalyser::OpenObject {
-  OpenObject(std::string objPath, bool isRequired, EvalContext* evalContext, PhysicsData const* physicsData)
-      : path(std::move(objPath)), required(isRequired), dep(path, evalContext, physicsData) {}
+  /// Behind `isRequired` stands what a cursor on the object is made from.
+  template <class... CursorParts>
+  explicit OpenObject(bool isRequired, CursorParts&&... parts)
+      : required(isRequired), dep(std::forward<CursorParts>(parts)...) {}
 
-  std::string path;
+  [[nodiscard]] std::string const& path() const noexcept { return dep.getObjPath(); }
+
+  /// The path of the child that is entered next.
+  [[nodiscard]] std::string nextChildPath() const {
+    std::string const& name = childNames[entered];
+    std::string const& type = dep.getChildType();
+    std::string childPath;
+    childPath.reserve(path().size() + type.size() + name.size() + 2);
+    childPath.append(path()).append(1, '/').append(type);
+    if (!dep.isChildSingleton()) childPath.append(1, ':').append(name);
+    return childPath;
+  }
+
   bool required;
   ObjDependency dep;
-  // The objects found for the child entry that `dep` stands on, of which the first `entered` have been entered.
-  std::vector<std::string> childPaths;
+  // The objects found for the child entry that `dep` stands on, of which the first `entered` have been entered. The
+  // name of a singleton is not looked at.
+  std::vector<std::string> childNames;
   std::size_t entered = 0;
+  // Their rules, if the type is a word that can stand in a path; then so are the paths of those whose names are.
+  bool hasPlainChildType = false;
+  ObjDependDef const* childRules = nullptr;
 };
 
 DependencyAnalyser::DependencyAnalyser(PhysicsData const* physicsData) noexcept : physicsData_(physicsData) {}
@@ -137,53 +162,63 @@ void DependencyAnalyser::analyse(std::string const& path, EvalContext* evalConte
 
 void DependencyAnalyser::checkTree(std::string const& root) {
   std::deque<OpenObject> open;  // the innermost last; a deque, since it leaves the others in place when it grows
-  beginObject(open, root, true, false);
+  open.emplace_back(true, root, evalContext_, physicsData_);
+  beginObject(open.back(), false);
   while (!open.empty()) {
     OpenObject& object = open.back();
-    if (object.entered < object.childPaths.size()) {
-      std::string& childPath = object.childPaths[object.entered++];
-      beginObject(open, std::move(childPath), object.dep.isChildRequired(), object.dep.isChildCoupled());
+    if (object.entered < object.childNames.size()) {
+      enterChild(open);
     } else if (!object.dep.isDoneChild()) {
       object.dep.nextChild();
       checkChild(object);
     } else {
-      onEndObject(object.path, object.required);
+      onEndObject(object.path(), object.required);
       open.pop_back();
     }
   }
 }
 
+void DependencyAnalyser::enterChild(std::deque<OpenObject>& open) {
+  OpenObject& parent = open.back();
+  bool const required = parent.dep.isChildRequired();
+  bool const coupled = parent.dep.isChildCoupled();
+  bool const isPath =
+      parent.hasPlainChildType && (parent.dep.isChildSingleton() || isPlainWord(parent.childNames[parent.entered]));
+  if (isPath) {
+    open.emplace_back(required, parent.nextChildPath(), parent.childRules, evalContext_, physicsData_);
+  } else {
+    open.emplace_back(required, parent.nextChildPath(), evalContext_, physicsData_);
+  }
+  ++parent.entered;
+  beginObject(open.back(), coupled);
+}
+
 // Walks the parameters, and does for the first child entry what `checkTree` does for the others. Of an object that is
 // not to be walked both walks remain as they were made, done.
-void DependencyAnalyser::beginObject(std::deque<OpenObject>& open, std::string path, bool required, bool coupled) {
-  OpenObject& object = open.emplace_back(std::move(path), required, evalContext_, physicsData_);
-  ObjBeginInfoAdapter const info(object.path, object.dep, required, coupled);
+void DependencyAnalyser::beginObject(OpenObject& object, bool coupled) {
+  ObjBeginInfoAdapter const info(object.path(), object.dep, object.required, coupled);
   paramScope_ = ParamScope::All;
   HandlerStatus const status = onBeginObject(&info);
   if (!object.dep.isValid() || status == SkipObject) return;
   constexpr std::size_t fewEntries = 32;
   if (paramScope_ != ParamScope::All && object.dep.numParams() > fewEntries) {
     presentParams_.clear();
-    model_->getParameterNames(object.path, presentParams_);
+    model_->getParameterNames(object.path(), presentParams_);
     object.dep.limitParams(presentParams_, paramScope_ == ParamScope::PresentOrRequired);
   }
   // In this order: the context rule value found among the parameters selects the children.
-  checkParams(object.path, object.dep);
+  checkParams(object.path(), object.dep);
   object.dep.firstChild();
   checkChild(object);
 }
 
 void DependencyAnalyser::checkParams(std::string const& path, ObjDependency& dep) {
   for (dep.firstParam(); !dep.isDoneParam(); dep.nextParam()) {
-    bool const present = checkParam(path, dep);
-    if (present && dep.isParamContextRule()) {
-      dep.setContextRuleValue(model_->getParameterValue(path, dep.getParamName()));
-    }
+    bool const available = isParamAvailable(path, dep);
+    // Only of a context rule it matters whether the model has the parameter.
+    if (!available || !dep.isParamContextRule() || !model_->hasParameter(path, dep.getParamName())) continue;
+    dep.setContextRuleValue(model_->getParameterValue(path, dep.getParamName()));
   }
-}
-
-bool DependencyAnalyser::checkParam(std::string const& path, ObjDependency const& dep) {
-  return isParamAvailable(path, dep) && model_->hasParameter(path, dep.getParamName());
 }
 
 bool DependencyAnalyser::isParamAvailable(std::string const& path, ObjDependency const& dep) {
@@ -198,19 +233,22 @@ bool DependencyAnalyser::isParamAvailable(std::string const& path, ObjDependency
 }
 
 void DependencyAnalyser::checkChild(OpenObject& object) {
-  object.childPaths.clear();
+  object.childNames.clear();
   object.entered = 0;
   ObjDependency const& dep = object.dep;
-  if (dep.isDoneChild() || !isChildAvailable(object.path, dep)) return;
+  if (dep.isDoneChild() || !isChildAvailable(object.path(), dep)) return;
 
-  std::string pathOfType = object.path + '/' + dep.getChildType();
+  std::string const& type = dep.getChildType();
   if (dep.isChildSingleton()) {
-    if (model_->hasObject(pathOfType)) object.childPaths.push_back(std::move(pathOfType));
-  } else if (model_->getChildObjectNamesByType(object.path, dep.getChildType(), object.childPaths)) {
-    pathOfType += ':';
-    for (std::string& name : object.childPaths) name.insert(0, pathOfType);
-  } else {
-    object.childPaths.clear();
+    object.childNames.emplace_back();
+    if (!model_->hasObject(object.nextChildPath())) object.childNames.clear();
+  } else if (!model_->getChildObjectNamesByType(object.path(), type, object.childNames)) {
+    object.childNames.clear();
+  }
+  if (object.childNames.empty()) return;
+  object.hasPlainChildType = isPlainWord(type);
+  if (object.hasPlainChildType) {
+    object.childRules = physicsData_->getObjDependDef(dep.getRules()->typePath() + '/' + type, true);
   }
 }
 

@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include <tarn/EvalContext.h>
+#include <tarn/PathUtils.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/TDFPath.h>
 
@@ -15,14 +16,9 @@ namespace tarn {
 
 namespace {
 
-std::string typePathOf(TDFPath const& path) {
-  std::string typePath;
-  typePath.reserve(path.getFullPath().size());
-  for (unsigned long long i = 0; i < path.numComponent(); ++i) {
-    typePath += '/';
-    typePath += path.getType(i);
-  }
-  return typePath;
+/// The path is read to see that it is one.
+ObjDependDef const* rulesFor(std::string const& objPath, PhysicsData const& physicsData) {
+  return physicsData.getObjDependDef(PathUtils::typePathOf(TDFPath(objPath).getFullPath()), true);
 }
 
 // The question is the one of the fixed text, which for some is the name of another.
@@ -42,7 +38,7 @@ ObjDependency::ObjDependency(std::string const& objPath, EvalContext* evalContex
     : context_(objPath),
       evalContext_(evalContext),
       physicsData_(physicsData),
-      objDef_(physicsData->getObjDependDef(typePathOf(TDFPath(objPath)), true)) {}
+      objDef_(rulesFor(objPath, *physicsData)) {}
 
 void ObjDependency::firstParam() {
   contextRuleValue_.clear();

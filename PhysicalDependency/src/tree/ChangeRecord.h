@@ -19,6 +19,10 @@ class ChangeRecord {
   [[nodiscard]] bool isRecording() const noexcept { return recording_; }
 
   void recordAdded(std::string_view objPath, std::string_view name) { append(addedParams_, objPath, name); }
+  /// Undoes the last `recordAdded`.
+  void takeBackAdded() noexcept {
+    if (recording_) addedParams_.pop_back();
+  }
   void recordModified(std::string_view objPath, std::string_view name) { append(modifiedParams_, objPath, name); }
   void recordDeleted(std::string_view objPath, std::string_view name) { append(deletedParams_, objPath, name); }
   void recordDeletedObject(std::string path) {

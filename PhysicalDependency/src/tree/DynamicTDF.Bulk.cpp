@@ -78,6 +78,7 @@ void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
 
 void DynamicTDF::setParameters(std::string const& objPath, ObjectState const& values) {
   Node& node = findCreateNode(objPath);
+  if (node.params.empty()) node.params.reserve(values.size());
   for (auto const& [name, value] : values) doSetParameter(objPath, name, value, node);
 }
 
@@ -126,8 +127,9 @@ void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
 }
 
 void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath) {
-  for (auto const& [pooledName, param] : sourceNode.params) {
-    std::string const& name = pooledName.text();
+  for (auto const& entry : sourceNode.params) {
+    std::string const& name = entry.name();
+    Node::ParamVal const& param = entry.value;
     // The record decides, not the type of the parameter: an allowed value parameter that was set with an empty record
     // reaches the target as a plain value.
     if (param.allowedValues().hasAllowedValues) {
@@ -139,11 +141,11 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, st
 
   auto sourceParam = sourceNode.params.begin();
   for (auto param = targetNode.params.begin(); param != targetNode.params.end();) {
-    while (sourceParam != sourceNode.params.end() && sourceParam->first.text() < param->first.text()) ++sourceParam;
-    if (sourceParam != sourceNode.params.end() && sourceParam->first.text() == param->first.text()) {
+    while (sourceParam != sourceNode.params.end() && sourceParam->name() < param->name()) ++sourceParam;
+    if (sourceParam != sourceNode.params.end() && sourceParam->name() == param->name()) {
       ++param;
     } else {
-      changes_->recordDeleted(objPath, param->first.text());
+      changes_->recordDeleted(objPath, param->name());
       param = targetNode.params.erase(param);
     }
   }

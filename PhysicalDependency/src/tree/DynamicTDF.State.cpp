@@ -49,7 +49,7 @@ class DynamicTDF::StateWalk {
   void take(Node const& node) {
     if (node.params.empty()) return;
     ObjectState& values = state_.try_emplace(state_.end(), path_)->second;
-    for (auto const& [name, param] : node.params) values.try_emplace(values.end(), name.text(), param.value());
+    for (auto const& param : node.params) values.try_emplace(values.end(), param.name(), param.value.value());
   }
 
   /// Puts the children of the object of path_ on the stack, the one that comes first on top.

@@ -58,6 +58,11 @@ std::string const& DynamicTDF::getParameterValue(std::string const& objPath, std
   return param == nullptr ? sharedEmptyString() : param->value();
 }
 
+std::string const* DynamicTDF::findParameterValue(std::string const& objPath, std::string const& name) const {
+  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  return param == nullptr ? nullptr : &param->value();
+}
+
 bool DynamicTDF::getParamValueAsList(std::string const& paramPath, std::vector<std::string>& out) const {
   std::string objPath;
   std::string name;
@@ -77,7 +82,7 @@ bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::str
   if (node == nullptr) return false;
   out.clear();
   out.reserve(node->params.size());
-  for (auto const& param : node->params) out.push_back(param.first.text());
+  for (auto const& param : node->params) out.push_back(param.name());
   return true;
 }
 
@@ -153,11 +158,10 @@ void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
 void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
   Node* const node = nodes_->find(objPath);
   if (node == nullptr) return;
-  auto const place = node->params.find(std::string_view(name));
-  if (place == node->params.end()) return;
+  if (node->params.find(name) == nullptr) return;
   // Recorded first, since the caller's texts may be of the parameter that goes.
   changes_->recordDeleted(objPath, name);
-  node->params.erase(place);
+  node->params.erase(name);
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
@@ -211,6 +215,22 @@ DynamicTDF::Node& DynamicTDF::findCreateNode(std::string const& path) {
   return node == nullptr ? nodes_->create(path) : *node;
 }
 
+/// Adds a parameter that is not there.
+template <class... Initial>
+void DynamicTDF::addParameter(std::string const& objPath, std::string const& name, Node& node,
+                              Initial const&... initial) {
+  Node::ParamVal param(initial...);
+  std::string const& pooled = nodes_->names().intern(name);
+  // Recorded first, since the caller's texts may be values of this object, which move when it gets another.
+  changes_->recordAdded(objPath, pooled);
+  try {
+    node.params.insert(pooled, std::move(param));
+  } catch (...) {
+    changes_->takeBackAdded();
+    throw;
+  }
+}
+
 /// Deletes the object at `path` with everything below it, and returns whether there was one.
 bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
   Node* const top = nodes_->find(path);
@@ -222,7 +242,7 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
     bool const isTop = node == top;
     if (changes_->isRecording() && !node->params.empty()) {
       std::string const composed = isTop ? std::string() : node->path();
-      for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.first.text());
+      for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.name());
     }
     Node* const parent = node->parent;
     nodes_->removeLeaf(*node);
@@ -235,19 +255,22 @@ void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& n
                                 Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
-  record(node.setParamValue(name, cleaned, nodes_->names()), objPath, name);
+  if (Node::ParamVal* const param = node.params.find(name)) {
+    if (param->setValue(cleaned)) changes_->recordModified(objPath, name);
+  } else {
+    addParameter(objPath, name, node, cleaned);
+  }
 }
 
 void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name,
                                 ParamAllowedValues const& allowedValues, std::string const& value, Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
-  record(node.setParamValue(name, allowedValues, cleaned, nodes_->names()), objPath, name);
-}
-
-void DynamicTDF::record(SetResult result, std::string const& objPath, std::string const& name) {
-  if (result == SetResult::Added) changes_->recordAdded(objPath, name);
-  if (result == SetResult::Modified) changes_->recordModified(objPath, name);
+  if (Node::ParamVal* const param = node.params.find(name)) {
+    if (param->modifyValue(allowedValues, cleaned)) changes_->recordModified(objPath, name);
+  } else {
+    addParameter(objPath, name, node, allowedValues, cleaned);
+  }
 }
 
 }  // namespace tarn

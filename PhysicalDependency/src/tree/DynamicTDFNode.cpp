@@ -160,27 +160,6 @@ void DynamicTDF::Node::ChildList::removeFrom(Groups& groups, Node& child) noexce
   child.nextOfType = nullptr;
 }
 
-DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName, std::string_view value,
-                                                      NamePool& names) {
-  auto const place = params.lower_bound(paramName);
-  if (place != params.end() && place->first.text() == paramName) {
-    return place->second.setValue(value) ? SetResult::Modified : SetResult::Unchanged;
-  }
-  params.emplace_hint(place, PooledName(names.intern(paramName)), ParamVal(value));
-  return SetResult::Added;
-}
-
-DynamicTDF::SetResult DynamicTDF::Node::setParamValue(std::string const& paramName,
-                                                      ParamAllowedValues const& allowedValues, std::string_view value,
-                                                      NamePool& names) {
-  auto const place = params.lower_bound(paramName);
-  if (place != params.end() && place->first.text() == paramName) {
-    return place->second.modifyValue(allowedValues, value) ? SetResult::Modified : SetResult::Unchanged;
-  }
-  params.emplace_hint(place, PooledName(names.intern(paramName)), ParamVal(allowedValues, value));
-  return SetResult::Added;
-}
-
 DynamicTDF::Node const* DynamicTDF::Node::nextBelow(Node const& top) const noexcept {
   if (!children.empty()) return children.first();
   for (Node const* node = this; node != &top; node = node->parent) {

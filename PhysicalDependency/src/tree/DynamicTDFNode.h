@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include <tarn/ParamAllowedValues.h>
 
 #include "tree/NamePool.h"
+#include "tree/NameTable.h"
 #include "tree/PathHash.h"
 
 namespace tarn {
@@ -28,7 +28,7 @@ namespace tarn {
 /// was written although it equals the type.
 struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   class ParamVal;
-  using Params = std::map<PooledName, ParamVal, PooledName::Less>;
+  using Params = NameTable<ParamVal>;
 
   /// The children in the order of their creation. The store owns them.
   ///
@@ -117,11 +117,6 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   /// Adds the component with a leading "/".
   void appendFoundComponent(std::string & path) const;
   void appendListedComponent(std::string & path) const;
-
-  /// A new parameter gets its name from `names`.
-  SetResult setParamValue(std::string const& paramName, std::string_view value, NamePool& names);
-  SetResult setParamValue(std::string const& paramName, ParamAllowedValues const& allowedValues, std::string_view value,
-                          NamePool& names);
 
   /// The object that comes next when the subtree of `top` is walked with parents before children and children in their
   /// order. Null behind the last one.

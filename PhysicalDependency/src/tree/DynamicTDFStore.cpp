@@ -37,6 +37,21 @@ DynamicTDF::NodeStore::~NodeStore() {
 }
 
 DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
+  for (Found const& found : found_) {
+    if (found.node != nullptr && found.path == path) return found.node;
+  }
+  Node* const node = search(path);
+  if (node != nullptr) {
+    Found& found = found_[nextFound_];
+    nextFound_ = (nextFound_ + 1) % found_.size();
+    found.node = nullptr;  // should the memory for the path run out
+    found.path.assign(path);
+    found.node = node;
+  }
+  return node;
+}
+
+DynamicTDF::Node* DynamicTDF::NodeStore::search(std::string_view path) const {
   PathHash const hash(path);
   for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
     if (node->hash == hash && isFoundUnder(*node, path)) return node;
@@ -77,9 +92,7 @@ bool DynamicTDF::NodeStore::isFoundUnder(Node const& node, std::string_view path
 DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_view objPath,
                                                                    std::string_view name) const {
   Node const* const node = find(objPath);
-  if (node == nullptr) return nullptr;
-  auto const place = node->params.find(name);
-  return place == node->params.end() ? nullptr : &place->second;
+  return node == nullptr ? nullptr : node->params.find(name);
 }
 
 DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path) {
@@ -114,7 +127,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
 }
 
 void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
-  if (&node == landmark_) landmark_ = nullptr;
+  forget(node);
   node.parent->children.remove(node);
   std::unique_ptr<Node>* place = &buckets_[bucketOf(node.hash)];
   while (place->get() != &node) place = &(*place)->nextInBucket;
@@ -171,6 +184,15 @@ void DynamicTDF::NodeStore::clear() noexcept {
   size_ = 0;
   root_ = nullptr;
   landmark_ = nullptr;
+  for (Found& found : found_) found.node = nullptr;
+}
+
+/// The object goes, and with it what was kept of look-ups that ended there.
+void DynamicTDF::NodeStore::forget(Node const& node) const noexcept {
+  if (&node == landmark_) landmark_ = nullptr;
+  for (Found& found : found_) {
+    if (found.node == &node) found.node = nullptr;
+  }
 }
 
 }  // namespace tarn

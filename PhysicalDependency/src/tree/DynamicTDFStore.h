@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -48,6 +49,8 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   void reset();
 
  private:
+  [[nodiscard]] Node* search(std::string_view path) const;
+  void forget(Node const& node) const noexcept;
   [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
@@ -60,6 +63,15 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   std::vector<std::unique_ptr<Node>> buckets_;
   std::size_t size_ = 0;
   Node* root_ = nullptr;
+
+  /// What was found last. Walks and rules ask for the same few objects again and again: the object at hand, its parent,
+  /// the one that holds the choices. A comparison of texts is all that it costs.
+  struct Found {
+    std::string path;
+    Node* node = nullptr;
+  };
+  mutable std::array<Found, 4> found_;
+  mutable std::size_t nextFound_ = 0;
 
   /// An object with its path, kept by the last look-up that had many components to compare. Questions come in the order
   /// of a walk, so the next ones most often pass it on the way up and compare the rest at once. Shallow trees have

@@ -29,23 +29,4 @@ class NamePool {
   std::unordered_set<std::string, Hash, std::equal_to<>> names_;
 };
 
-/// A name from a pool, as the key of a map in byte order.
-class PooledName {
- public:
-  explicit PooledName(std::string const& inPool) noexcept : text_(&inPool) {}
-  [[nodiscard]] std::string const& text() const noexcept { return *text_; }
-
-  struct Less {
-    using is_transparent = void;
-    [[nodiscard]] bool operator()(PooledName a, PooledName b) const noexcept {
-      return a.text_ != b.text_ && *a.text_ < *b.text_;
-    }
-    [[nodiscard]] bool operator()(PooledName a, std::string_view b) const noexcept { return *a.text_ < b; }
-    [[nodiscard]] bool operator()(std::string_view a, PooledName b) const noexcept { return a < *b.text_; }
-  };
-
- private:
-  std::string const* text_;
-};
-
 }  // namespace tarn

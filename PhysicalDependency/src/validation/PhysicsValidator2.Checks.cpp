@@ -22,12 +22,11 @@ using namespace ValidationMessages;
 PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
-  bool const required = info->isRequired();
-  if (filteredTree_.hasParameter(objPath, name)) {
+  if (std::string const* const value = filteredTree_.findParameterValue(objPath, name)) {
     logIfParamBetaMessage(objPath, name);
     ParamAllowedValues const& allowed = info->getAllowedValues();
-    if (allowed.hasAllowedValues && !allowed.allowsAnyValue) checkAllowedValues(objPath, name, info);
-  } else if (required) {
+    if (allowed.hasAllowedValues && !allowed.allowsAnyValue) checkAllowedValues(objPath, name, *value, info);
+  } else if (info->isRequired()) {
     logError(objPath, formatMissingParam(objPath, name));
   }
   return Continue;
@@ -42,10 +41,9 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::checkUnavailableParam(ParamA
 
 /// Values are compared as texts, to the character, and a subset in force does not narrow what is allowed.
 void PhysicsValidator2::checkAllowedValues(std::string const& objPath, std::string const& name,
-                                           ParamAvailInfo const* info) {
+                                           std::string const& value, ParamAvailInfo const* info) {
   SharedStrings const& allowed = info->getAllowedValues().allowedValues;
   if (!info->isListType()) {
-    std::string const& value = filteredTree_.getParameterValue(objPath, name);
     if (allowed.contains(value)) {
       logIfParamValueBetaMessage(objPath, name, value);
     } else {

@@ -199,6 +199,11 @@ struct Candidate {
   bool known;  // the model listed it
 };
 
+bool lacksName(std::string const& path) noexcept {
+  std::size_t const mark = path.find_last_of("/:");
+  return mark == std::string::npos || path[mark] == '/';
+}
+
 void makeDistinct(std::vector<Candidate>& candidates) {
   std::unordered_set<std::string_view> seen;
   std::vector<Candidate> distinct;
@@ -350,6 +355,7 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
   if (!startPath(*this, context, candidates[0].path)) return result;
   candidates[0].known = false;
 
+  bool mayRepeat = false;
   std::vector<std::string> found;
   for (auto const& step : steps_) {
     switch (step.kind) {
@@ -375,6 +381,8 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
           } else {
             model.getChildObjectPathsByType(candidate.path, step.type, found);
           }
+          // A model that holds an object in both forms, /Case/Dom and /Case/Dom:Dom, lists one path twice.
+          mayRepeat = mayRepeat || std::count_if(found.begin(), found.end(), lacksName) > 1;
           for (auto& path : found) next.push_back({std::move(path), true});
         }
         candidates = std::move(next);
@@ -386,8 +394,7 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
     }
   }
 
-  // A model that holds an object in both forms, /Case/Dom and /Case/Dom:Dom, lists one path twice.
-  if (candidates.size() > 1) makeDistinct(candidates);
+  if (mayRepeat) makeDistinct(candidates);
   result.reserve(candidates.size());
   for (auto& candidate : candidates) {
     if (candidate.known || model.hasObject(candidate.path)) result.push_back(std::move(candidate.path));

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -600,12 +601,66 @@ TEST(DynamicTDF, AReferenceToAValueOutlivesEditsElsewhere) {
   PumpCase model;
   std::string const& motion = model.getParameterValue("/Case/Domain:rotor", "Motion");
   for (int i = 0; i < 1000; ++i) {
-    model.setParameter("/Case/Domain:rotor", "P" + std::to_string(i), "1");
+    model.setParameter("/Case/Domain:stator", "P" + std::to_string(i), "1");
     model.createObject("/Case", "Domain", "extra " + std::to_string(i));
   }
   model.deleteObject("/Case/Domain:stator");
   EXPECT_EQ(&motion, &model.getParameterValue("/Case/Domain:rotor", "Motion"));
   EXPECT_EQ(motion, "Rotating");
+}
+
+TEST(DynamicTDF, AnArgumentMayBeAValueOfTheObjectThatGetsAnotherParameter) {
+  DynamicTDF model;
+  model.setParameter("/Case", "Self", "/Case");
+  model.setParameter("/Case", "Next", "A parameter whose name is a value of the same object");
+  model.resetChanges();
+  model.setParameter(model.getParameterValue("/Case", "Self"), model.getParameterValue("/Case", "Next"),
+                     model.getParameterValue("/Case", "Next"));
+  std::string const next = "A parameter whose name is a value of the same object";
+  EXPECT_EQ(model.getParameterValue("/Case", next), next);
+  EXPECT_EQ(model.getAddedParameters(), (std::vector<DynamicTDF::ParamId>{{"/Case", next}}));
+}
+
+TEST(DynamicTDF, ThousandsOfParametersOfAnObjectStandInOrderThroughAllEdits) {
+  DynamicTDF model;
+  ObjectState expected;
+  std::mt19937 random(7);
+  for (int edit = 0; edit < 20000; ++edit) {
+    std::string const name = "Field " + std::to_string(random() % 3000);
+    // Mostly additions at first, later mostly deletions, down to none.
+    if (random() % 20000 < static_cast<unsigned>(edit)) {
+      model.deleteParameter("/Schedule", name);
+      expected.erase(name);
+    } else {
+      model.setParameter("/Schedule", name, std::to_string(edit));
+      expected[name] = std::to_string(edit);
+    }
+    std::string const* const value = model.findParameterValue("/Schedule", name);
+    ASSERT_EQ(value != nullptr, expected.contains(name));
+    if (edit % 1000 == 0) {
+      ASSERT_EQ(model.getState("").at("/Schedule"), expected);
+    }
+  }
+  for (auto const& [name, value] : expected) ASSERT_EQ(*model.findParameterValue("/Schedule", name), value);
+
+  DynamicTDF few;
+  few.setParameter("/Schedule", "Field 17", "kept");
+  model.copyBranch(&few, "/Schedule");
+  EXPECT_EQ(model.getState("").at("/Schedule"), (ObjectState{{"Field 17", "kept"}}));
+  model.deleteParameter("/Schedule", "Field 17");
+  EXPECT_TRUE(model.isObjectEmpty("/Schedule"));
+}
+
+TEST(DynamicTDF, WhatIsLookedUpOftenIsGoneWhenItIsDeleted) {
+  PumpCase model;
+  std::string const rotor = "/Case/Domain:rotor";
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(model.hasParameter(rotor, "Motion"));
+  model.deleteObject(rotor);
+  EXPECT_FALSE(model.hasObject(rotor));
+  EXPECT_EQ(model.findParameterValue(rotor, "Motion"), nullptr);
+  model.createObject("/Case", "Domain", "rotor");
+  EXPECT_TRUE(model.hasObject(rotor));
+  EXPECT_FALSE(model.hasParameter(rotor, "Motion"));
 }
 
 TEST(DynamicTDF, AnObjectIsEmptyWhenNothingAtOrBelowItHoldsAParameter) {

@@ -1,0 +1,173 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tarn {
+
+/// Values under names that live elsewhere, in byte order of the names.
+///
+/// Most objects have a handful of parameters, and a few have a hundred thousand. So the entries stand side by side in
+/// chunks of limited size: of a small table there is one, which costs nothing beside its entries, and in a large one an
+/// insertion moves no more than a chunk. A reference to a value is valid until an entry of the table comes or goes.
+template <class Value>
+class NameTable {
+ public:
+  class Entry {
+   public:
+    Entry(std::string const& pooledName, Value&& initial) : value(std::move(initial)), name_(&pooledName) {}
+    [[nodiscard]] std::string const& name() const noexcept { return *name_; }
+
+    Value value;
+
+   private:
+    std::string const* name_;
+  };
+
+  class Iterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using difference_type = std::ptrdiff_t;
+    using value_type = Entry;
+    using pointer = Entry const*;
+    using reference = Entry const&;
+
+    [[nodiscard]] Entry const& operator*() const noexcept { return table_->chunk(chunk_)[place_]; }
+    [[nodiscard]] Entry const* operator->() const noexcept { return &**this; }
+    Iterator& operator++() noexcept {
+      if (++place_ == table_->chunk(chunk_).size()) {
+        ++chunk_;
+        place_ = 0;
+      }
+      return *this;
+    }
+    friend bool operator==(Iterator const& a, Iterator const& b) noexcept = default;
+
+   private:
+    friend class NameTable;
+    Iterator(NameTable const* table, std::size_t chunk, std::size_t place) noexcept
+        : table_(table), chunk_(chunk), place_(place) {}
+
+    NameTable const* table_;
+    std::size_t chunk_;
+    std::size_t place_;
+  };
+
+  [[nodiscard]] bool empty() const noexcept { return first_.empty(); }
+  [[nodiscard]] std::size_t size() const noexcept {
+    std::size_t size = first_.size();
+    for (Chunk const& chunk : others_) size += chunk.size();
+    return size;
+  }
+  [[nodiscard]] Iterator begin() const noexcept { return empty() ? end() : Iterator(this, 0, 0); }
+  [[nodiscard]] Iterator end() const noexcept { return Iterator(this, others_.size() + 1, 0); }
+
+  /// Null when there is none.
+  [[nodiscard]] Value* find(std::string_view name) noexcept {
+    // Among a few, most differ in size already, and none has to be put in order.
+    constexpr std::size_t few = 12;
+    if (first_.size() <= few && others_.empty()) {
+      for (Entry& entry : first_) {
+        if (entry.name() == name) return &entry.value;
+      }
+      return nullptr;
+    }
+    Chunk& chunk = chunkOf(name);
+    auto const place = placeIn(chunk, name);
+    return place != chunk.end() && place->name() == name ? &place->value : nullptr;
+  }
+  [[nodiscard]] Value const* find(std::string_view name) const noexcept {
+    return const_cast<NameTable*>(this)->find(name);
+  }
+
+  /// Adds an entry that is not there yet. `pooledName` outlives the table.
+  void insert(std::string const& pooledName, Value&& value) {
+    Chunk& chunk = chunkOf(pooledName);
+    if (chunk.size() == chunkLimit) {
+      split(chunk);
+      insert(pooledName, std::move(value));
+      return;
+    }
+    chunk.emplace(placeIn(chunk, pooledName), pooledName, std::move(value));
+  }
+
+  /// Makes room for `count` entries at once, where so many are known to come into an empty table.
+  void reserve(std::size_t count) { first_.reserve(std::min(count, chunkLimit)); }
+
+  /// Returns whether there was such an entry.
+  bool erase(std::string_view name) noexcept {
+    Chunk& chunk = chunkOf(name);
+    auto const place = placeIn(chunk, name);
+    if (place == chunk.end() || place->name() != name) return false;
+    chunk.erase(place);
+    dropIfEmpty(chunk);
+    return true;
+  }
+  /// Returns the place behind the one that goes.
+  Iterator erase(Iterator place) noexcept {
+    Chunk& own = chunk(place.chunk_);
+    own.erase(own.begin() + static_cast<std::ptrdiff_t>(place.place_));
+    if (place.place_ < own.size()) return place;
+    bool const isLast = place.chunk_ == others_.size();
+    bool const drops = own.empty() && !others_.empty();
+    dropIfEmpty(own);
+    if (isLast) return end();
+    return Iterator(this, drops ? place.chunk_ : place.chunk_ + 1, 0);
+  }
+
+ private:
+  using Chunk = std::vector<Entry>;
+  static constexpr std::size_t chunkLimit = 128;
+
+  [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : others_[i - 1]; }
+  [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : others_[i - 1]; }
+
+  /// The chunk in which an entry of that name stands or would stand.
+  [[nodiscard]] Chunk& chunkOf(std::string_view name) noexcept {
+    auto const behind = std::upper_bound(others_.begin(), others_.end(), name,
+                                         [](std::string_view a, Chunk const& b) { return a < b.front().name(); });
+    return behind == others_.begin() ? first_ : *std::prev(behind);
+  }
+
+  [[nodiscard]] static typename Chunk::iterator placeIn(Chunk& chunk, std::string_view name) noexcept {
+    // Loading comes in order.
+    if (chunk.empty() || chunk.back().name() < name) return chunk.end();
+    return std::lower_bound(chunk.begin(), chunk.end(), name,
+                            [](Entry const& a, std::string_view b) { return a.name() < b; });
+  }
+
+  /// In two, of which the lower one stays where it is. Names that come in order leave full chunks behind.
+  void split(Chunk& full) {
+    std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_.data()) + 1;
+    std::size_t const kept = number == others_.size() ? chunkLimit - 1 : chunkLimit / 2;
+    Chunk upper;
+    upper.reserve(chunkLimit);
+    others_.insert(others_.begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
+    Chunk& lower = chunk(number);
+    Chunk& added = chunk(number + 1);
+    added.insert(added.end(), std::make_move_iterator(lower.begin() + static_cast<std::ptrdiff_t>(kept)),
+                 std::make_move_iterator(lower.end()));
+    lower.erase(lower.begin() + static_cast<std::ptrdiff_t>(kept), lower.end());
+  }
+
+  void dropIfEmpty(Chunk& chunk) noexcept {
+    if (!chunk.empty() || others_.empty()) return;
+    if (&chunk == &first_) {
+      first_ = std::move(others_.front());
+      others_.erase(others_.begin());
+    } else {
+      others_.erase(others_.begin() + (&chunk - others_.data()));
+    }
+  }
+
+  // In order. None is empty, but for the first one of an empty table.
+  Chunk first_;
+  std::vector<Chunk> others_;
+};
+
+}  // namespace tarn
