@@ -2,9 +2,13 @@
 // down in the opposite order.
 #include "console/ConsoleCommand.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -13,8 +17,10 @@
 #include <tarn/ProvTDFLogger.h>
 
 #include "cli/ExitStatus.h"
+#include "cli/Failure.h"
 #include "cli/ModelFiles.h"
 #include "cli/RuleFiles.h"
+#include "console/TerminalInput.h"
 #include "provisional/EditedObject.h"
 
 namespace tarn::tool {
@@ -33,7 +39,15 @@ struct ConsoleOptions {
   bool quiet = false;
 };
 
+/// An input that fails, and does not end, would keep the loop waiting for its end.
+void requireReadableInput() {
+  if (::read(STDIN_FILENO, nullptr, 0) == 0) return;
+  throw Failure("the standard input cannot be read: " + std::generic_category().message(errno) +
+                "; give it a terminal, a file of commands, or /dev/null");
+}
+
 int console(ConsoleOptions const& options, std::ostream& err) {
+  requireReadableInput();
   EditedObject object(loadRuleFiles(options.rules, err), options.root);
   auto const mode = options.strict ? TDFChangeFile::Strict : TDFChangeFile::Lenient;
   if (!options.model.empty()) object.setModel(readModelFile(options.model, mode));
@@ -45,6 +59,7 @@ int console(ConsoleOptions const& options, std::ostream& err) {
   ProvTDFDriver driver(options.strict, options.quiet,
                        options.validationRoot.empty() ? options.root : options.validationRoot, &object.rules(),
                        &printer, &object.state());
+  auto const terminal = TerminalInput::open(object.state());
   driver.waitInput();
   return NothingFound;
 }

@@ -1,0 +1,221 @@
+// Divides a line as the loop of the console does and finds what its last part could become.
+//
+// A path is completed by levels: the text up to the last "/" says where to look, the rest is how a component begins.
+// While there is one component only, and it is on the way to something and not that itself, the next level is entered.
+#include "console/LineCompleter.h"
+
+#include <algorithm>
+#include <array>
+
+#include <tarn/ProvisionalTDF.h>
+#include <tarn/StringUtilities.h>
+
+#include "console/Candidates.h"
+
+namespace tarn::tool {
+
+namespace {
+
+enum class Argument { None, PresentParameter, Setting, PotentialParameter, PotentialObject, PresentObject, File };
+
+struct KnownCommand {
+  std::string_view name;
+  Argument argument;
+};
+
+constexpr std::array<KnownCommand, 17> knownCommands = {{
+    {"ao", Argument::PotentialObject},
+    {"ap", Argument::PotentialParameter},
+    {"do", Argument::PresentObject},
+    {"dp", Argument::PresentParameter},
+    {"e", Argument::None},
+    {"h", Argument::None},
+    {"l", Argument::File},
+    {"lb", Argument::File},
+    {"no", Argument::PresentObject},
+    {"po", Argument::PresentObject},
+    {"pp", Argument::PresentParameter},
+    {"ps", Argument::PresentObject},
+    {"q", Argument::None},
+    {"ro", Argument::PresentObject},
+    {"sp", Argument::Setting},
+    {"v", Argument::None},
+    {"vf", Argument::File},
+}};
+
+/// A value longer than this is not brought into the line: nobody edits it there.
+constexpr std::size_t longestValue = 1000;
+
+bool isContinuation(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+/// The first keys are the smallest and the greatest, so they differ where any two do.
+std::string commonStart(Candidates const& candidates) {
+  std::string const& first = candidates.begin()->first;
+  std::string const& last = candidates.rbegin()->first;
+  auto common = static_cast<std::size_t>(std::mismatch(first.begin(), first.end(), last.begin(), last.end()).first -
+                                         first.begin());
+  while (common > 0 && common < first.size() && isContinuation(first[common])) --common;  // no half character
+  return first.substr(0, common);
+}
+
+void name(Candidates const& candidates, Completion& completion) {
+  completion.total = candidates.size();
+  for (auto const& [component, candidate] : candidates) {
+    if (completion.choices.size() == Completion::maxChoices) break;
+    completion.choices.push_back(component + (candidate.deeper && !candidate.whole ? "/" : ""));
+  }
+}
+
+/// A candidate is dropped unless the loop hands it to the command as it stands.
+bool arrivesWhole(std::string const& argument) {
+  return StringUtilities::stringToVector(argument, ',') == std::vector{argument};
+}
+/// The same for a path in front of "=": its parts are joined again, and it ends at the first "=".
+bool arrivesJoined(std::string const& path) {
+  std::string const text = path + '=';
+  return StringUtilities::vectorToString(StringUtilities::stringToVector(text, ','), ',') == text &&
+         path.find('=') == std::string::npos;
+}
+
+bool isTypeable(std::string const& text) {
+  return std::none_of(text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
+}
+
+/// Completes `typed` through `level`; `end` is put behind what is complete. `arrives` tells whether the loop passes a
+/// text on as it stands.
+template <typename Level>
+Completion completePath(std::string const& typed, Level const& level, bool (*arrives)(std::string const&),
+                        std::string_view end) {
+  auto const slash = typed.rfind('/') + 1;  // 0 when there is none
+  std::string folder = typed.substr(0, slash);
+  std::string start = typed.substr(slash);
+  Completion completion;
+  for (;;) {
+    Candidates found = level(folder, start);
+    std::erase_if(found, [&](auto const& entry) {
+      return !isTypeable(entry.first) || !arrives(folder + entry.first + (entry.second.whole ? "" : "/"));
+    });
+    name(found, completion);
+    if (found.empty()) return completion;
+
+    std::string const common = commonStart(found);
+    completion.insert += common.substr(start.size());
+    if (found.size() > 1) return completion;
+
+    Candidate const only = found.begin()->second;
+    if (only.whole) {
+      // What can be taken as it is, is entered only when it stands there already.
+      bool const enter = only.deeper && completion.insert.empty();
+      completion.insert += enter ? "/" : end;
+      return completion;
+    }
+    completion.insert += '/';
+    folder += common + '/';
+    start.clear();
+  }
+}
+
+/// `completePath` for the paths of a model, which begin with "/".
+template <typename Level>
+Completion completeModelPath(std::string const& typed, Level const& level, bool (*arrives)(std::string const&),
+                             std::string_view end) {
+  if (!typed.empty()) return typed.starts_with('/') ? completePath(typed, level, arrives, end) : Completion{};
+  Completion completion = completePath("/", level, arrives, end);
+  if (completion.total > 0) completion.insert.insert(0, 1, '/');
+  return completion;
+}
+
+Completion completeWord(std::vector<std::string> const& words, std::string_view typed) {
+  Candidates found;
+  for (std::string const& word : words) {
+    if (word.starts_with(typed) && isTypeable(word)) found[word].whole = true;
+  }
+  Completion completion;
+  name(found, completion);
+  if (!found.empty()) completion.insert = commonStart(found).substr(typed.size());
+  return completion;
+}
+
+std::string_view withoutLeadingBlanks(std::string_view text) {
+  auto const begin = std::find_if_not(text.begin(), text.end(), StringUtilities::isSpace);
+  return text.substr(static_cast<std::size_t>(begin - text.begin()));
+}
+
+}  // namespace
+
+std::vector<std::string> LineCompleter::commands() {
+  std::vector<std::string> names;
+  names.reserve(knownCommands.size());
+  for (KnownCommand const& command : knownCommands) names.emplace_back(command.name);
+  return names;
+}
+
+Completion LineCompleter::complete(std::string_view line, std::size_t cursor) const {
+  std::string_view const text = withoutLeadingBlanks(line.substr(0, cursor));
+  auto const blank = std::find_if(text.begin(), text.end(), StringUtilities::isSpace);
+  if (blank != text.end()) {
+    auto const length = static_cast<std::size_t>(blank - text.begin());
+    return completeArgument(text.substr(0, length), std::string(withoutLeadingBlanks(text.substr(length))));
+  }
+  Completion completion = completeWord(commands(), text);
+  if (completion.total == 1) {
+    auto const* const only = std::find_if(knownCommands.begin(), knownCommands.end(), [&](KnownCommand const& command) {
+      return command.name == completion.choices.front();
+    });
+    if (only->argument != Argument::None) completion.insert += ' ';
+  }
+  return completion;
+}
+
+Completion LineCompleter::completeArgument(std::string_view command, std::string const& argument) const {
+  auto const* const known = std::find_if(knownCommands.begin(), knownCommands.end(),
+                                         [&](KnownCommand const& candidate) { return candidate.name == command; });
+  if (known == knownCommands.end()) return {};
+  auto const of = [this](Candidates (*source)(ProvisionalTDF const&, std::string const&, std::string const&)) {
+    return
+        [this, source](std::string const& folder, std::string const& start) { return source(state_, folder, start); };
+  };
+  switch (known->argument) {
+    case Argument::None:
+      return {};
+    case Argument::PresentParameter:
+      return completeModelPath(argument, of(presentParameters), arrivesWhole, "");
+    case Argument::PotentialParameter:
+      return completeModelPath(argument, of(potentialParameters), arrivesWhole, "");
+    case Argument::PotentialObject:
+      return completeModelPath(argument, of(potentialObjects), arrivesWhole, "");
+    case Argument::PresentObject:
+      return completeModelPath(argument, of(presentObjects), arrivesWhole, "");
+    case Argument::File:
+      return completePath(argument, files, arrivesWhole, "");
+    case Argument::Setting:
+      if (auto const equals = argument.find('='); equals != std::string::npos) {
+        return completeValue(argument.substr(0, equals),
+                             withoutLeadingBlanks(std::string_view(argument).substr(equals + 1)));
+      }
+      return completeModelPath(argument, of(presentParameters), arrivesJoined, "=");
+  }
+  return {};
+}
+
+Completion LineCompleter::completeValue(std::string const& paramPath, std::string_view value) const {
+  std::string object;
+  std::string parameter;
+  StringUtilities::splitPathName(StringUtilities::removeWhitespace(paramPath), &object, &parameter);
+  std::vector<std::string> allowed = state_.getSubsetAllowedParamValues(object, parameter);
+  if (allowed.empty()) allowed = state_.getAllowedParamValues(object, parameter);
+  if (allowed.empty()) {
+    std::string const& present = state_.getParamValue(object, parameter);
+    if (present.empty() || present.size() > longestValue) return {};
+    return completeWord({present}, value);
+  }
+  Completion completion = completeWord(allowed, value);
+  // An allowed value may hold a comma, so the text is taken for a list only when it is not the beginning of a value.
+  auto const comma = value.rfind(',');
+  if (completion.total > 0 || comma == std::string_view::npos) return completion;
+  return completeWord(allowed, withoutLeadingBlanks(value.substr(comma + 1)));
+}
+
+}  // namespace tarn::tool
