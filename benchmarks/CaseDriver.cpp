@@ -116,13 +116,6 @@ void print(std::string const& what, double value) {
   std::cout << what << '\t' << value << std::endl;
 }
 
-std::size_t number(std::string const& text) {
-  std::size_t read = 0;
-  unsigned long const value = std::stoul(text, &read);
-  if (read != text.size() || value == 0) throw std::invalid_argument(text);
-  return value;
-}
-
 int run(std::vector<std::string> const& arguments) {
   if (arguments.size() == 1 && arguments[0] == "list") {
     for (Operation const& operation : operations()) std::cout << operation.name << '\n';
@@ -142,7 +135,7 @@ int run(std::vector<std::string> const& arguments) {
     return 2;
   }
 
-  CaseWorkload const workload(number(arguments[0]));
+  CaseWorkload const workload(countIn(arguments[0]));
   auto const rules = loadCaseRules();
   if (arguments.size() == 1) checkCounts(workload, rules.get());
   bool known = arguments.size() == 1;
@@ -152,7 +145,7 @@ int run(std::vector<std::string> const& arguments) {
     } else if (arguments[1] == operation.name) {
       known = true;
       Run const once = operation.prepare(workload, rules.get());
-      std::vector<double> times(arguments.size() == 3 ? number(arguments[2]) : 20);
+      std::vector<double> times(arguments.size() == 3 ? countIn(arguments[2]) : 20);
       for (double& time : times) time = once();
       print(operation.name, median(times));
     }

@@ -128,6 +128,13 @@ void checkCounts(CaseWorkload const& workload, PhysicsData const* rules) {
   require(inletless.findings().empty() && inletless.globalFindings().size() == 1, workload,
           "the case without inlets does not break one rule of the case as a whole");
 
+  for (Mistake const& mistake : workload.mistakes()) {
+    RepeatedValidation validation(rules, workload.with(mistake));
+    validation.validateChanged();
+    // The validator leaves bounds to others.
+    require(validation.findings().empty() == mistake.isOfBounds, workload, "wrongly judged is " + mistake.what);
+  }
+
   RepeatedEditing editing(rules, workload, workload.valid());
   for (CaseEdit const& edit : editsOf(workload, Editing::Guided)) {
     EditCounts found = editing.edit(edit.object, edit.parameter, edit.value);

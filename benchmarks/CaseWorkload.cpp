@@ -203,6 +203,47 @@ void CaseWorkload::addFaults() {
   std::sort(findings_.begin(), findings_.end());
 }
 
+std::vector<Mistake> CaseWorkload::mistakes() const {
+  std::string const domain = domainPath(0);
+  std::string const inlet = boundaryPath(0, 0);
+  std::string const outlet = boundaryPath(0, 1);
+  std::string const turbulence = domain + "/Turbulence";
+  std::vector<Mistake> result = {
+      {"an unknown turbulence model", turbulence, "Model", "Inviscid"},
+      {"an intensity out of bounds", turbulence, "Intensity", "1.5", true},
+      {"no turbulence", turbulence, "", {}},
+      {"no material", domain, "Material", {}},
+      {"a velocity of an outlet", outlet, "Velocity", "2"},
+      {"an inlet without temperature", inlet, "Temperature", {}},
+      {"a wall made an inlet", boundaryPath(0, 2), "Kind", "Inlet"},
+      {"the angular velocity of what stands still", domain, "Motion", "Stationary"},
+      {"the gravity of what does not float", domain, "Buoyant", "false"},
+      {"the viscous work of thermal heat", domain + "/Heat", "Option", "Thermal"},
+      {"heat that is not solved", root, "Energy Equation", "false"},
+      {"turbulence of a laminar case", root, "Flow Regime", "Laminar"},
+      {"time steps of a steady case", root, "Time Dependence", "Steady"},
+  };
+  for (auto const& [path, values] : valid_) {
+    auto const model = values.find("Wall Model");
+    if (model == values.end() || model->second != "FreeSlip") continue;
+    result.push_back({"the roughness of a smooth wall", path, "Roughness", "0.1"});
+    break;
+  }
+  return result;
+}
+
+ModelState CaseWorkload::with(Mistake const& mistake) const {
+  ModelState state = valid_;
+  if (mistake.parameter.empty()) {
+    state.erase(mistake.object);
+  } else if (mistake.value) {
+    state[mistake.object][mistake.parameter] = *mistake.value;
+  } else {
+    state[mistake.object].erase(mistake.parameter);
+  }
+  return state;
+}
+
 ModelState CaseWorkload::bare() const {
   ModelState state = valid_;
   std::erase_if(state, [](auto const& object) {

@@ -1,12 +1,22 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <tarn/ModelState.h>
 
 namespace tarn::benchmarks {
+
+/// A single mistake in a case.
+struct Mistake {
+  std::string what;
+  std::string object;
+  std::string parameter;             // empty: the object is missing
+  std::optional<std::string> value;  // none: the parameter is missing
+  bool isOfBounds = false;           // judged by those who look at bounds
+};
 
 /// What the benchmarks measure with: a turbulent, transient case with heat, of as many fluid domains as asked for, each
 /// with turbulence, heat and five boundaries, under the rules of `case.rules.yaml`. About 34 parameters and 8 objects a
@@ -35,6 +45,10 @@ class CaseWorkload {
   [[nodiscard]] ModelState const& faulty() const noexcept { return faulty_; }
   /// What is to be found in it: the paths of the objects that the findings are about, one for each finding, sorted.
   [[nodiscard]] std::vector<std::string> const& findings() const noexcept { return findings_; }
+
+  /// One mistake for each kind of rule, to be made one at a time, for systems that tell only the first.
+  [[nodiscard]] std::vector<Mistake> mistakes() const;
+  [[nodiscard]] ModelState with(Mistake const& mistake) const;
 
   /// The objects of the case without any parameters, as when a user has only named them.
   [[nodiscard]] ModelState bare() const;

@@ -3,7 +3,9 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <charconv>
 #include <ctime>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -36,6 +38,16 @@ template <class Once>
   double const start = cpuMilliseconds();
   while (times.size() < 5 || (times.size() < most && cpuMilliseconds() - start < budget)) times.push_back(once());
   return median(std::move(times));
+}
+
+/// The number that a program is told how large or how often. Throws an error that quotes a text which is none.
+[[nodiscard]] inline std::size_t countIn(std::string const& text) {
+  std::size_t count = 0;
+  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error != std::errc() || end != text.data() + text.size() || count == 0) {
+    throw std::invalid_argument("'" + text + "' is no number from 1 upwards");
+  }
+  return count;
 }
 
 /// The milliseconds that `work` takes.

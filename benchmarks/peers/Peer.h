@@ -36,7 +36,7 @@ template <class Measure>
 int runPeer(int argc, char** argv, Measure measure) {
   try {
     if (argc != 2) throw std::invalid_argument("the number of domains is wanted, and nothing else");
-    measure(CaseWorkload(std::stoul(argv[1])));
+    measure(CaseWorkload(countIn(argv[1])));
     return 0;
   } catch (std::exception const& error) {
     std::cerr << argv[0] << ": " << error.what() << '\n';

@@ -331,6 +331,9 @@ void checkCounts(CaseWorkload const& workload) {
   requireSame(objects.size(), workload.findings().size(), "findings in the faulty case");
   if (objects != workload.findings()) throw std::runtime_error("the findings are about other objects");
   requireSame(validate(storeOf(workload.withoutInlets())).size(), 1, "findings without inlets");
+  for (Mistake const& mistake : workload.mistakes()) {
+    requireSame(validate(storeOf(workload.with(mistake))).empty(), false, "passes with " + mistake.what);
+  }
 
   Store store = storeOf(workload.valid());
   for (CaseEdit const& edit : editsOf(workload, Editing::Plain)) {

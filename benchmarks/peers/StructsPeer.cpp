@@ -434,6 +434,10 @@ void checkCounts(CaseWorkload const& workload) {
   validate(caseOf(workload.withoutInlets(), domains), verdict);
   requireSame(verdict.count, 0, "findings about objects without inlets");
   requireSame(verdict.flowIsPossible, false, "a possible flow without inlets");
+  for (Mistake const& mistake : workload.mistakes()) {
+    validate(caseOf(workload.with(mistake), domains), verdict);
+    requireSame(verdict.count == 0, false, "passes with " + mistake.what);
+  }
 
   Case all = caseOf(workload.valid(), domains);
   Changes changes;
