@@ -7,10 +7,10 @@
 //
 // Prints `operation <tab> milliseconds of processor time`, the median of many runs, one a line. The program ends with
 // an error when anything is not what the case says, so that no time of wrong work is ever printed.
-#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>

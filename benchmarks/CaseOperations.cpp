@@ -1,3 +1,6 @@
+// What is done with the case is done here in the way of a host, for all programs that measure it: findings are kept by
+// the logger of the library, edits are followed by the reading of every getter. What must come of it is the workload's
+// to say.
 #include "CaseOperations.h"
 
 #include <algorithm>

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <tarn/BasicPhysicsErrorLogger.h>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <stdexcept>
