@@ -105,6 +105,8 @@ std::optional<std::string> LineEditor::read(std::string const& prompt) {
       dropped_ = false;
       decoding_ = {};
       el_resize(edit_.get());  // the window may have changed since the last line
+      // Before the prompt is shown: who answers it at once must not find the terminal as it is for others.
+      el_set(edit_.get(), EL_PREP_TERM, 1);
       int count = 0;
       if (char const* const typed = el_gets(edit_.get(), &count); typed != nullptr && count > 0) line = typed;
     } while (dropped_);
