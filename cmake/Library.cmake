@@ -24,8 +24,10 @@ function(tarn_library name)
   target_include_directories(${target} PRIVATE src)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+  # Nobody replaces a function of a library by one of the same name: so its functions may call each other directly.
+  target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt)
   target_link_options(${target} PRIVATE
-    LINKER:--as-needed LINKER:--version-script=${TARN_EXPORTS_MAP})
+    LINKER:-Bsymbolic-functions LINKER:--as-needed LINKER:--version-script=${TARN_EXPORTS_MAP})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${name}
     CXX_VISIBILITY_PRESET hidden

@@ -69,6 +69,11 @@ class ChangeRecord;
 /// One thread at a time, also for reading: `getParamValueAsList` keeps the items that it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
  public:
+  /// A part of a state.
+  struct StateRange {
+    ModelState::const_iterator begin;
+    ModelState::const_iterator end;
+  };
   /// The object path and the name of a parameter.
   using ParamId = std::pair<std::string, std::string>;
 
@@ -116,6 +121,11 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// whatever stands below them, so a tree that is rebuilt from a state has only the objects that its paths imply.
   [[nodiscard]] ModelState getState(std::string const& rootPath) const;
 
+  /// Makes `state` what `getState` would give for the same root now. It must be what that gave when the log was last
+  /// empty, and recording must have been on ever since for all changes that are not undone. Costs as much as the log is
+  /// long, and no more than `getState`.
+  void refreshState(ModelState& state, std::string const& rootPath) const;
+
   /// Creates an object. With an empty `name`, or one that equals `type`, it is a singleton. Returns false, with nothing
   /// changed, when it exists already. Never logged.
   bool createObject(std::string const& parentPath, std::string const& type, std::string const& name);
@@ -153,6 +163,10 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// @{
   void initialise(ModelTDF const* model, std::string const& path, bool skipEmpty = false);
   void initialise(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty = false);
+  /// The same from several parts of states, one behind the other. A tree that does not record, and still has the
+  /// objects of its last such load, is not built anew for the same objects: only what differs in their parameters
+  /// changes.
+  void initialise(std::vector<StateRange> const& parts, bool skipEmpty = false);
   void update(ModelTDF const* model, std::string const& path, bool skipEmpty = false);
   void update(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty = false);
   /// @}
@@ -193,7 +207,10 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   template <class... Initial>
   void addParameter(std::string const& objPath, std::string const& name, Node& node, Initial const&... initial);
   void setParameters(std::string topPath, ModelTDF const& model);
-  void setParameters(std::string const& objPath, ObjectState const& values);
+  Node& setParameters(std::string const& objPath, ObjectState const& values);
+  void refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
+                        std::string const& name) const;
+  bool refill(std::vector<StateRange> const& parts, bool skipEmpty);
   void copyNodeAndChildren(Node const& sourceTop);
   void copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath);
   void deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path);

@@ -283,7 +283,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// @{
   [[nodiscard]] std::vector<ParamId> const& getModParams() const noexcept;
   /// Not freed of what became potential or unavailable later in the same update: ask whether it is present.
-  [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept { return m_newlyAvailParams; }
+  [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept;
   /// Without what became potential, which `getNewlyAvailPotParams` tells.
   [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept { return m_newlyUnavailParams; }
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
@@ -304,9 +304,6 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
 
  private:
   using NameRange = ChildAvailInfo::NameRange;
-
-  ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier, std::string const& p_activeRoot,
-                 bool p_recordGuide);
 
   // The walk. All but the first always continue.
   HandlerStatus onBeginObject(ObjBeginInfo const* p_info) override;
@@ -403,9 +400,10 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   std::unique_ptr<PotentialUpdateTracker> m_potentialTracker;
   std::unique_ptr<NamedObjectProbe> m_probe;
 
-  // What the last update published. Cleared when the next one begins.
+  // What the last update published. All but the state is cleared when the next one begins; the state is brought up to
+  // date from the log of the active tree, unless the last update broke off.
   ModelState m_activeState;
-  std::vector<ParamId> m_newlyAvailParams;
+  bool m_isStateCurrent = false;
   std::vector<ParamId> m_newlyUnavailParams;
   std::vector<std::string> m_emptyParams;
   std::vector<std::string> m_emptyTypedParams;

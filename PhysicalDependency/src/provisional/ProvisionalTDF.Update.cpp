@@ -35,10 +35,8 @@ void ProvisionalTDF::updateActiveTDF(bool p_analyse) {
 }
 
 void ProvisionalTDF::rememberStartState(bool p_analyse) {
-  m_activeState.clear();
   m_activeTDF.resetChanges();
   m_potentialTracker->start();
-  m_newlyAvailParams.clear();
   m_newlyUnavailParams.clear();
   m_quantityTracker->reset();
   m_boundsTracker->reset();
@@ -50,11 +48,15 @@ void ProvisionalTDF::rememberStartState(bool p_analyse) {
 }
 
 void ProvisionalTDF::extractUpdateInformation() {
-  m_activeState = m_activeTDF.getState(m_activeRoot);
+  // Not while it is being changed.
+  bool const wasStateCurrent = std::exchange(m_isStateCurrent, false);
+  if (wasStateCurrent) {
+    m_activeTDF.refreshState(m_activeState, m_activeRoot);
+  } else {
+    m_activeState = m_activeTDF.getState(m_activeRoot);
+  }
+  m_isStateCurrent = true;
   m_potentialTracker->synchWithTDF(&m_activeTDF);
-  // As logged, with what became potential later in the same walk: callers who draw new items as they come find their
-  // order here.
-  m_newlyAvailParams = m_activeTDF.getAddedParameters();
   m_newlyUnavailParams = m_activeTDF.getDeletedParameters();
 
   if (!m_newlyUnavailParams.empty()) {
@@ -76,6 +78,8 @@ void ProvisionalTDF::extractUpdateInformation() {
 void ProvisionalTDF::recoverFromBrokenWalk() {
   if (m_probe->inTestNamedObject()) m_probe->deleteTestNamedObject();
   m_potentialTracker->clearObjectReferences(m_activeRoot);
+  m_activeState.clear();
+  m_isStateCurrent = false;
   std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
 }
 

@@ -35,20 +35,17 @@ std::string canonicalRoot(std::string const& path) {
 }  // namespace
 
 ProvisionalTDF::ProvisionalTDF(PhysicsData const* p_data, std::string const& p_activeRoot)
-    : ProvisionalTDF(p_data, nullptr, p_activeRoot, false) {}
+    : ProvisionalTDF(p_data, nullptr, p_activeRoot) {}
 
 ProvisionalTDF::ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier,
                                std::string const& p_activeRoot)
-    : ProvisionalTDF(p_data, p_modifier, p_activeRoot, true) {}
-
-ProvisionalTDF::ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier,
-                               std::string const& p_activeRoot, bool p_recordGuide)
     : DependencyAnalyser(p_data),
       m_activeRoot(canonicalRoot(p_activeRoot)),
-      m_guideTDF(p_recordGuide),
+      // Of guide and base nobody reads a log, which would grow with every edit.
+      m_guideTDF(false),
       m_activity(std::make_unique<ActivityDecisions>()),
       m_subsetSelections(std::make_unique<SubsetSelections>()),
-      m_baseTDF(true),
+      m_baseTDF(false),
       m_activeTDF(true),
       m_boundsTracker(std::make_unique<BoundsTracker>()),
       m_quantityTracker(std::make_unique<ModifiedQuantityTracker>(p_modifier)),
@@ -89,6 +86,12 @@ bool ProvisionalTDF::isUserNamedTypeAvailable(std::string const& p_parentPath, s
 
 std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getModParams() const noexcept {
   return m_activeTDF.getModifiedParameters();
+}
+
+/// As logged, with what became potential later in the same walk: callers who draw new items as they come find their
+/// order here.
+std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getNewlyAvailParams() const noexcept {
+  return m_activeTDF.getAddedParameters();
 }
 
 std::vector<std::string> const& ProvisionalTDF::getDeletedObjects() const noexcept {

@@ -31,10 +31,10 @@ class ChangeRecord {
 
   void clear() noexcept {
     if (!recording_) return;
-    addedParams_.clear();
-    deletedParams_.clear();
-    modifiedParams_.clear();
-    deletedObjects_.clear();
+    empty(addedParams_);
+    empty(deletedParams_);
+    empty(modifiedParams_);
+    empty(deletedObjects_);
   }
 
   [[nodiscard]] std::vector<ParamId> const& addedParams() const noexcept { return addedParams_; }
@@ -43,6 +43,17 @@ class ChangeRecord {
   [[nodiscard]] std::vector<std::string> const& deletedObjects() const noexcept { return deletedObjects_; }
 
  private:
+  /// The first batch holds a whole model; the room that it took is not kept for the small ones behind it.
+  template <class Entry>
+  static void empty(std::vector<Entry>& list) noexcept {
+    constexpr std::size_t much = 4096;
+    if (list.capacity() > much) {
+      std::vector<Entry>().swap(list);
+    } else {
+      list.clear();
+    }
+  }
+
   void append(std::vector<ParamId>& list, std::string_view objPath, std::string_view name) {
     if (recording_) list.emplace_back(objPath, name);
   }

@@ -40,8 +40,20 @@ void DynamicTDF::initialise(ModelTDF const* model, std::string const& path, bool
 }
 
 void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
+  initialise(std::vector<StateRange>{{begin, end}}, skipEmpty);
+}
+
+void DynamicTDF::initialise(std::vector<StateRange> const& parts, bool skipEmpty) {
+  if (!changes_->isRecording() && refill(parts, skipEmpty)) return;
   clear();
-  update(begin, end, skipEmpty);
+  SkipEmptyScope const mode(*this, skipEmpty);
+  std::vector<Node*> loaded;
+  for (StateRange const& part : parts) {
+    for (auto object = part.begin; object != part.end; ++object) {
+      loaded.push_back(&setParameters(object->first, object->second));
+    }
+  }
+  if (!changes_->isRecording()) nodes_->rememberLoad(std::move(loaded));
 }
 
 void DynamicTDF::update(ModelTDF const* model, std::string const& path, bool skipEmpty) {
@@ -69,6 +81,7 @@ void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
     names.clear();
     model.getParameterNames(objPath, names);
     Node& node = findCreateNode(objPath);
+    if (node.params.empty()) node.params.reserve(names.size());
     for (std::string const& name : names) doSetParameter(objPath, name, model.getParameterValue(objPath, name), node);
 
     model.getChildObjectPaths(objPath, children);
@@ -76,10 +89,26 @@ void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
   }
 }
 
-void DynamicTDF::setParameters(std::string const& objPath, ObjectState const& values) {
+DynamicTDF::Node& DynamicTDF::setParameters(std::string const& objPath, ObjectState const& values) {
   Node& node = findCreateNode(objPath);
   if (node.params.empty()) node.params.reserve(values.size());
   for (auto const& [name, value] : values) doSetParameter(objPath, name, value, node);
+  return node;
+}
+
+/// Puts new values in place if the objects are those of the last load, in the same order; then the tree is as if it had
+/// been loaded anew. Returns false when it has to be: with what was put in place by then nothing is lost.
+bool DynamicTDF::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
+  std::vector<Node*> const& loaded = nodes_->lastLoad();
+  if (loaded.empty()) return false;
+  auto node = loaded.begin();
+  for (StateRange const& part : parts) {
+    for (auto object = part.begin; object != part.end; ++object, ++node) {
+      if (node == loaded.end() || !nodes_->isFoundUnder(**node, object->first)) return false;
+      if (!(*node)->refill(object->second, skipEmpty, nodes_->names())) return false;
+    }
+  }
+  return node == loaded.end();
 }
 
 void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {

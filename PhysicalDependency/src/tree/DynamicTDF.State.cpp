@@ -6,11 +6,14 @@
 
 #include <tarn/DynamicTDF.h>
 
+#include <tarn/StringUtilities.h>
+
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
 
+#include "tree/ChangeRecord.h"
 #include "tree/DynamicTDFNode.h"
 #include "tree/DynamicTDFStore.h"
 
@@ -102,6 +105,33 @@ ModelState DynamicTDF::getState(std::string const& rootPath) const {
   // With a path all those above it are in the tree, so there is nothing below an object that is not there.
   Node const* const top = rootPath == "/" ? &nodes_->root() : nodes_->find(rootPath);
   return top == nullptr ? ModelState() : StateWalk(*top, top == &nodes_->root() ? std::string() : rootPath).release();
+}
+
+void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) const {
+  auto const& added = changes_->addedParams();
+  auto const& modified = changes_->modifiedParams();
+  auto const& deleted = changes_->deletedParams();
+  // Each entry of the log costs a look-up. The log of an object that is found under another path than it is listed
+  // under may tell of it by either.
+  std::size_t const changes = added.size() + modified.size() + deleted.size();
+  if (changes > nodes_->size() / 2 || nodes_->hasOtherwiseListed()) {
+    state = getState(rootPath);
+    return;
+  }
+  for (auto const* const list : {&added, &modified, &deleted}) {
+    for (auto const& [objPath, name] : *list) refreshParameter(state, rootPath, objPath, name);
+  }
+}
+
+void DynamicTDF::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
+                                  std::string const& name) const {
+  if (!StringUtilities::isPathRootedAt(rootPath, objPath)) return;
+  if (std::string const* const value = findParameterValue(objPath, name)) {
+    state[objPath].insert_or_assign(name, *value);
+  } else if (auto const object = state.find(objPath); object != state.end()) {
+    object->second.erase(name);
+    if (object->second.empty()) state.erase(object);
+  }
 }
 
 }  // namespace tarn

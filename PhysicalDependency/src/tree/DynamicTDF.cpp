@@ -220,6 +220,7 @@ template <class... Initial>
 void DynamicTDF::addParameter(std::string const& objPath, std::string const& name, Node& node,
                               Initial const&... initial) {
   Node::ParamVal param(initial...);
+  nodes_->forgetLoad();
   std::string const& pooled = nodes_->names().intern(name);
   // Recorded first, since the caller's texts may be values of this object, which move when it gets another.
   changes_->recordAdded(objPath, pooled);

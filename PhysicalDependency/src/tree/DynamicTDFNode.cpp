@@ -4,8 +4,6 @@
 
 #include "tree/DynamicTDFNode.h"
 
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
 #include <tarn/PhysicsDepErrors.h>
@@ -13,6 +11,7 @@
 #include <tarn/UserMsg.h>
 
 #include "tree/SharedEmpty.h"
+#include "tree/ShortTexts.h"
 
 namespace tarn {
 
@@ -20,35 +19,6 @@ namespace {
 
 /// From this many children on they are kept by type. A look-up by type costs about as much as comparing so many.
 constexpr std::size_t manyChildren = 17;
-
-template <class Block>
-bool sameBlock(char const* a, char const* b) noexcept {
-  Block blockA;
-  Block blockB;
-  std::memcpy(&blockA, a, sizeof blockA);
-  std::memcpy(&blockB, b, sizeof blockB);
-  return blockA == blockB;
-}
-
-/// For texts of a few bytes, as types and names are; a call of a library function for each would take most of the time
-/// of a look-up. The last block of a text overlaps the one before it.
-bool sameBytes(char const* a, char const* b, std::size_t size) noexcept {
-  if (size >= sizeof(std::uint64_t)) {
-    std::size_t const last = size - sizeof(std::uint64_t);
-    for (std::size_t i = 0; i < last; i += sizeof(std::uint64_t)) {
-      if (!sameBlock<std::uint64_t>(a + i, b + i)) return false;
-    }
-    return sameBlock<std::uint64_t>(a + last, b + last);
-  }
-  if (size >= sizeof(std::uint32_t)) {
-    std::size_t const last = size - sizeof(std::uint32_t);
-    return sameBlock<std::uint32_t>(a, b) && sameBlock<std::uint32_t>(a + last, b + last);
-  }
-  for (std::size_t i = 0; i < size; ++i) {
-    if (a[i] != b[i]) return false;
-  }
-  return true;
-}
 
 }  // namespace
 
@@ -158,6 +128,30 @@ void DynamicTDF::Node::ChildList::removeFrom(Groups& groups, Node& child) noexce
   }
   child.previousOfType = nullptr;
   child.nextOfType = nullptr;
+}
+
+bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePool& names) {
+  auto present = params.begin();
+  for (auto value = values.begin(); value != values.end(); ++value) {
+    std::string_view const cleaned = StringUtilities::trimmed(value->second);
+    if (skipEmpty && cleaned.empty()) continue;
+    if (present == params.end() || !sameText(present->name(), value->first)) {
+      // Other parameters than before; that is rare, so they are all made anew.
+      params = Params();
+      params.reserve(values.size());
+      for (auto const& [name, text] : values) {
+        std::string_view const clean = StringUtilities::trimmed(text);
+        if (!skipEmpty || !clean.empty()) params.insert(names.intern(name), ParamVal(clean));
+      }
+      return true;
+    }
+    ParamVal& param = params.valueAt(present);
+    if (param.hasAllowedValues()) return false;
+    param.setValue(cleaned);
+    ++present;
+  }
+  while (present != params.end()) present = params.erase(present);
+  return true;
 }
 
 DynamicTDF::Node const* DynamicTDF::Node::nextBelow(Node const& top) const noexcept {

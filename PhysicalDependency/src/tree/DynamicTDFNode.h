@@ -118,6 +118,10 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   void appendFoundComponent(std::string & path) const;
   void appendListedComponent(std::string & path) const;
 
+  /// Makes the parameters those of `values`, all ordinary and with white space at their ends dropped; empty ones are
+  /// left out if that is wanted. Returns false, with any of it done, when a parameter of allowed value type is met.
+  bool refill(ObjectState const& values, bool skipEmpty, NamePool& names);
+
   /// The object that comes next when the subtree of `top` is walked with parents before children and children in their
   /// order. Null behind the last one.
   [[nodiscard]] Node const* nextBelow(Node const& top) const noexcept;

@@ -5,11 +5,15 @@
 #include "tree/DynamicTDFStore.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include <tarn/Error.h>
 #include <tarn/PathUtils.h>
 #include <tarn/TDFPath.h>
+
+#include "tree/ShortTexts.h"
 
 namespace tarn {
 
@@ -36,14 +40,18 @@ DynamicTDF::NodeStore::~NodeStore() {
   clear();
 }
 
+std::size_t DynamicTDF::NodeStore::foundPlace(std::string_view path) noexcept {
+  constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15U;
+  std::uint64_t end = 0;
+  if (path.size() >= sizeof end) std::memcpy(&end, path.data() + path.size() - sizeof end, sizeof end);
+  return static_cast<std::size_t>((end ^ path.size()) * multiplier >> (64U - foundBits));
+}
+
 DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
-  for (Found const& found : found_) {
-    if (found.node != nullptr && found.path == path) return found.node;
-  }
+  Found& found = found_[foundPlace(path)];
+  if (sameText(found.path, path) && found.node != nullptr) return found.node;
   Node* const node = search(path);
   if (node != nullptr) {
-    Found& found = found_[nextFound_];
-    nextFound_ = (nextFound_ + 1) % found_.size();
     found.node = nullptr;  // should the memory for the path run out
     found.path.assign(path);
     found.node = node;
@@ -128,6 +136,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
 
 void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
   forget(node);
+  forgetLoad();
   node.parent->children.remove(node);
   std::unique_ptr<Node>* place = &buckets_[bucketOf(node.hash)];
   while (place->get() != &node) place = &(*place)->nextInBucket;
@@ -149,8 +158,10 @@ DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& ha
   std::size_t const colon = words.find(':');
   std::string_view const name = colon == std::string_view::npos ? std::string_view() : words.substr(colon + 1);
   if (size_ == buckets_.size()) grow();
+  forgetLoad();
   auto made = std::make_unique<Node>(parent, hash, names_.intern(words.substr(0, colon)), name);
   if (parent != nullptr) parent->children.append(*made);
+  if (!made->listedAsFound) hasOtherwiseListed_ = true;
   std::unique_ptr<Node>& bucket = buckets_[bucketOf(hash)];
   made->nextInBucket = std::move(bucket);
   bucket = std::move(made);
@@ -182,6 +193,8 @@ void DynamicTDF::NodeStore::clear() noexcept {
     while (chain != nullptr) chain = std::move(chain->nextInBucket);
   }
   size_ = 0;
+  hasOtherwiseListed_ = false;
+  forgetLoad();
   root_ = nullptr;
   landmark_ = nullptr;
   for (Found& found : found_) found.node = nullptr;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tree/DynamicTDFNode.h"
@@ -30,6 +31,15 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   [[nodiscard]] Node* find(std::string_view path) const;
   [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
 
+  /// How many objects there are, the root included.
+  [[nodiscard]] std::size_t size() const noexcept {
+    return size_;
+  }
+  /// Whether there was an object, since the last reset, that is listed under another path than it is found under.
+  [[nodiscard]] bool hasOtherwiseListed() const noexcept {
+    return hasOtherwiseListed_;
+  }
+
   /// The types and parameter names of the tree.
   [[nodiscard]] NamePool& names() noexcept {
     return names_;
@@ -45,13 +55,28 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// Removes an object that has no children left and is not the root.
   void removeLeaf(Node & node) noexcept;
 
+  /// Whether the object is the one that `find` gives for the path.
+  [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
+
+  /// The objects of a load that made the whole tree, in its order. None once an object or a parameter has come or an
+  /// object has gone: then the tree is not what was loaded any more, but for values.
+  [[nodiscard]] std::vector<Node*> const& lastLoad() const noexcept {
+    return lastLoad_;
+  }
+  void rememberLoad(std::vector<Node*> objects) noexcept {
+    lastLoad_ = std::move(objects);
+  }
+  void forgetLoad() noexcept {
+    lastLoad_.clear();
+  }
+
   /// Back to the root alone. Every other object, and the old root, are gone.
   void reset();
 
  private:
+  [[nodiscard]] static std::size_t foundPlace(std::string_view path) noexcept;
   [[nodiscard]] Node* search(std::string_view path) const;
   void forget(Node const& node) const noexcept;
-  [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
   void grow();
@@ -62,16 +87,19 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// As many as a power of two, and at least as many as objects. Each holds a chain, mostly of one.
   std::vector<std::unique_ptr<Node>> buckets_;
   std::size_t size_ = 0;
+  bool hasOtherwiseListed_ = false;
+  std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;
 
-  /// What was found last. Walks and rules ask for the same few objects again and again: the object at hand, its parent,
-  /// the one that holds the choices. A comparison of texts is all that it costs.
+  /// What was found lately, each at the place that the end of its path gives. Walks and rules ask for the same few
+  /// objects again and again: the object at hand, its parent and neighbours, the one that holds the choices. That costs
+  /// one comparison of texts.
   struct Found {
     std::string path;
     Node* node = nullptr;
   };
-  mutable std::array<Found, 4> found_;
-  mutable std::size_t nextFound_ = 0;
+  static constexpr unsigned foundBits = 6;
+  mutable std::array<Found, 1U << foundBits> found_;
 
   /// An object with its path, kept by the last look-up that had many components to compare. Questions come in the order
   /// of a walk, so the next ones most often pass it on the way up and compare the rest at once. Shallow trees have

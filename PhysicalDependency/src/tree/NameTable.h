@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "tree/ShortTexts.h"
+
 namespace tarn {
 
 /// Values under names that live elsewhere, in byte order of the names.
@@ -73,7 +75,7 @@ class NameTable {
     constexpr std::size_t few = 12;
     if (first_.size() <= few && others_.empty()) {
       for (Entry& entry : first_) {
-        if (entry.name() == name) return &entry.value;
+        if (sameText(entry.name(), name)) return &entry.value;
       }
       return nullptr;
     }
@@ -85,6 +87,8 @@ class NameTable {
     return const_cast<NameTable*>(this)->find(name);
   }
 
+  [[nodiscard]] Value& valueAt(Iterator place) noexcept { return chunk(place.chunk_)[place.place_].value; }
+
   /// Adds an entry that is not there yet. `pooledName` outlives the table.
   void insert(std::string const& pooledName, Value&& value) {
     Chunk& chunk = chunkOf(pooledName);
@@ -93,6 +97,8 @@ class NameTable {
       insert(pooledName, std::move(value));
       return;
     }
+    // In small steps: there are a great many small tables, and few of them grow large.
+    if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + std::max<std::size_t>(3, chunk.size() / 2));
     chunk.emplace(placeIn(chunk, pooledName), pooledName, std::move(value));
   }
 

@@ -31,11 +31,7 @@ namespace tarn {
 /// The part of a state that counts, as the stretches of the caller's map that it consists of: one for each root type,
 /// so that a large model is neither copied nor gone through entry by entry again.
 struct [[gnu::visibility("hidden")]] PhysicsValidator2::FilteredState {
-  struct Stretch {
-    ModelState::const_iterator begin;
-    ModelState::const_iterator end;
-  };
-  std::vector<Stretch> stretches;
+  std::vector<DynamicTDF::StateRange> stretches;
 
   /// Makes `text` the text of this state, and returns whether it was another. The text is a line for each parameter, in
   /// map order; objects without parameters give none.
@@ -44,34 +40,35 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::FilteredState {
 
 /// Compares for as long as the two agree and writes only from there on: a large model is most often the same as before.
 bool PhysicsValidator2::FilteredState::updateText(std::string& text) const {
-  std::size_t agreed = 0;
+  std::string_view left = text;  // behind what agrees
   bool same = true;
-  auto const put = [&](std::string_view piece) {
-    if (same) {
-      same = text.compare(agreed, piece.size(), piece) == 0;
-      if (same) {
-        agreed += piece.size();
-        return;
-      }
-      text.resize(agreed);
-    }
-    text += piece;
+  auto const take = [&left](std::string_view piece) {
+    if (!left.starts_with(piece)) return false;
+    left.remove_prefix(piece.size());
+    return true;
   };
-  for (Stretch const& stretch : stretches) {
+  auto const takeByte = [&left](char byte) {
+    if (left.empty() || left.front() != byte) return false;
+    left.remove_prefix(1);
+    return true;
+  };
+  for (DynamicTDF::StateRange const& stretch : stretches) {
     for (auto object = stretch.begin; object != stretch.end; ++object) {
+      std::string const& path = object->first;
       for (auto const& [name, value] : object->second) {
-        put(object->first);
-        put("/");
-        put(name);
-        put("=");
-        put(value);
-        put("\n");
+        if (same) {
+          std::size_t const agreed = text.size() - left.size();
+          same = take(path) && takeByte('/') && take(name) && takeByte('=') && take(value) && takeByte('\n');
+          if (same) continue;
+          text.resize(agreed);
+        }
+        text.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
       }
     }
   }
   if (!same) return true;
-  bool const wasLonger = agreed != text.size();
-  text.resize(agreed);
+  bool const wasLonger = !left.empty();
+  text.resize(text.size() - left.size());
   return wasLonger;
 }
 
@@ -220,9 +217,7 @@ void PhysicsValidator2::getFilteredState(ModelState const& in, FilteredState& ou
 /// parameter, though its line stands in the text.
 void PhysicsValidator2::loadFilteredTree(FilteredState const& state) {
   constexpr bool skipEmpty = true;
-  ModelState const none;
-  filteredTree_.initialise(none.begin(), none.end(), skipEmpty);
-  for (auto const& [begin, end] : state.stretches) filteredTree_.update(begin, end, skipEmpty);
+  filteredTree_.initialise(state.stretches, skipEmpty);
 }
 
 void PhysicsValidator2::setEvaluationCache(EvalCache* cache) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -74,6 +75,12 @@ class TARN_EXPORT PathPattern {
   /// `getChildObjectPathsByType`, `*` and `**` by `getChildObjectPaths`, depth first with parents before children; of
   /// steps to a single object only the last is asked for, by `hasObject`.
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, ModelTDF const& model) const;
+
+  /// Asks about the objects that `expand` gives, in their order, until `holds` does; returns whether it did. What lies
+  /// behind is not looked for, so the question whether there is one such object is cheap where the first one is. An
+  /// object may be asked about twice when the model lists it twice.
+  bool findIf(TDFContext const& context, ModelTDF const& model,
+              std::function<bool(std::string const& path)> const& holds) const;
 
   /// What the pattern names when it is used in the context of each object that `base` names, as one pattern seen from
   /// where `base` is seen. Where `^` cannot be told from the components of `base`, the result names more, never less.

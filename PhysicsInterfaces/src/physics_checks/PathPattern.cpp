@@ -402,6 +402,54 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
   return result;
 }
 
+bool PathPattern::findIf(TDFContext const& context, ModelTDF const& model,
+                         std::function<bool(std::string const& path)> const& holds) const {
+  auto const goesDown = [](Step const& step) {
+    return step.kind == StepKind::Child || step.kind == StepKind::ChildrenOfType || step.kind == StepKind::AnyChild;
+  };
+  if (!std::all_of(steps_.begin(), steps_.end(), goesDown)) {
+    auto const paths = expand(context, model);
+    return std::any_of(paths.begin(), paths.end(), holds);
+  }
+
+  /// Objects that have taken the steps before `step`, the next one last.
+  struct Level {
+    std::size_t step;
+    bool known;
+    std::vector<std::string> paths;
+  };
+  std::vector<Level> levels(1, Level{0, false, std::vector<std::string>(1)});
+  if (!startPath(*this, context, levels[0].paths[0])) return false;
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (level.paths.empty()) {
+      levels.pop_back();
+      continue;
+    }
+    std::string path = std::move(level.paths.back());
+    level.paths.pop_back();
+    std::size_t step = level.step;
+    bool known = level.known;
+    for (; step < steps_.size() && steps_[step].kind == StepKind::Child; ++step) {
+      append(path, steps_[step]);
+      known = false;
+    }
+    if (step == steps_.size()) {
+      if ((known || model.hasObject(path)) && holds(path)) return true;
+      continue;
+    }
+    std::vector<std::string> found;
+    if (steps_[step].kind == StepKind::AnyChild) {
+      model.getChildObjectPaths(path, found);
+    } else {
+      model.getChildObjectPathsByType(path, steps_[step].type, found);
+    }
+    std::reverse(found.begin(), found.end());
+    levels.push_back({step + 1, true, std::move(found)});
+  }
+  return false;
+}
+
 PathPattern PathPattern::seenFrom(PathPattern const& base) const {
   if (start_ == Start::Root || start_ == Start::Owner) return *this;
   PathPattern result = base;

@@ -2,6 +2,7 @@
 
 #include "expression/Expression.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -74,6 +75,11 @@ SharedStrings Expression::list(Frame const& frame) const {
 
 std::vector<std::string> Expression::objects(Frame const& /*frame*/) const {
   return {};
+}
+
+bool Expression::anyObject(Frame const& frame, ObjectQuestion const& holds) const {
+  auto const paths = objects(frame);
+  return std::any_of(paths.begin(), paths.end(), holds);
 }
 
 std::string const& Expression::textIn(Frame const& frame, std::string& buffer) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,6 +55,9 @@ struct Dependence {
   [[nodiscard]] bool isContextFree() const noexcept { return !context && !owner; }
 };
 
+/// Something that an object is asked.
+using ObjectQuestion = std::function<bool(std::string const& path)>;
+
 /// A node of a parsed expression. It evaluates itself in the form in which its user wants the result, so that a
 /// comparison of a parameter with a text, for example, looks at the model's own string and makes no copy. What a node
 /// cannot give as such comes from another form by the language's conversions; forms that make no sense for a kind are
@@ -78,6 +82,9 @@ class Expression {
   [[nodiscard]] virtual std::string text(Frame const& frame) const;
   [[nodiscard]] virtual SharedStrings list(Frame const& frame) const;
   [[nodiscard]] virtual std::vector<std::string> objects(Frame const& frame) const;
+
+  /// Whether `holds` does for one of the objects. They are asked about in their order and no further than needed.
+  [[nodiscard]] virtual bool anyObject(Frame const& frame, ObjectQuestion const& holds) const;
 
   /// The text form without a copy where the text is at hand, else made in `buffer`. Valid until the model changes or
   /// `buffer` does.

@@ -227,8 +227,12 @@ std::vector<std::string> ObjectSet::objects(Frame const& frame) const {
   return pattern_.expand(frame.context, frame.model);
 }
 
+bool ObjectSet::anyObject(Frame const& frame, ObjectQuestion const& holds) const {
+  return pattern_.findIf(frame.context, frame.model, holds);
+}
+
 bool ObjectSet::exists(Frame const& frame) const {
-  if (!pattern_.isSingle()) return !objects(frame).empty();
+  if (!pattern_.isSingle()) return anyObject(frame, [](std::string const&) { return true; });
   std::string path;
   return pattern_.resolve(frame.context, path) && frame.model.hasObject(path);
 }
@@ -411,10 +415,8 @@ bool Quantifier::holds(Frame const& frame, std::string const& path) const {
 
 bool Quantifier::truth(Frame const& frame) const {
   if (kind() != Kind::Truth) return Expression::truth(frame);
-  auto const paths = operand(0).objects(frame);
-  auto const holdsFor = [&](std::string const& path) { return holds(frame, path); };
-  return operator_ == Operator::Any ? std::any_of(paths.begin(), paths.end(), holdsFor)
-                                    : std::all_of(paths.begin(), paths.end(), holdsFor);
+  bool const wanted = operator_ == Operator::Any;
+  return operand(0).anyObject(frame, [&](std::string const& path) { return holds(frame, path) == wanted; }) == wanted;
 }
 
 double Quantifier::number(Frame const& frame) const {
@@ -429,6 +431,10 @@ std::vector<std::string> Quantifier::objects(Frame const& frame) const {
   auto paths = operand(0).objects(frame);
   std::erase_if(paths, [&](std::string const& path) { return !holds(frame, path); });
   return paths;
+}
+
+bool Quantifier::anyObject(Frame const& frame, ObjectQuestion const& asked) const {
+  return operand(0).anyObject(frame, [&](std::string const& path) { return holds(frame, path) && asked(path); });
 }
 
 Dependence Quantifier::dependence() const {
@@ -479,7 +485,7 @@ bool FunctionCall::truth(Frame const& frame) const {
     case Function::Exists:
       if (auto const* parameter = dynamic_cast<ParameterReference const*>(&operand(0))) return parameter->exists(frame);
       if (auto const* set = dynamic_cast<ObjectSet const*>(&operand(0))) return set->exists(frame);
-      return !operand(0).objects(frame).empty();
+      return operand(0).anyObject(frame, [](std::string const&) { return true; });
     case Function::StartsWith:
       return operand(0).textIn(frame, buffer).starts_with(operand(1).textIn(frame, otherBuffer));
     case Function::EndsWith:

@@ -122,6 +122,7 @@ class ObjectSet final : public Expression {
   ObjectSet(Range range, PathPattern pattern) : Expression(Kind::Objects, range), pattern_(std::move(pattern)) {}
 
   [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
+  [[nodiscard]] bool anyObject(Frame const& frame, ObjectQuestion const& holds) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
@@ -250,6 +251,7 @@ class Quantifier final : public Operation {
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
+  [[nodiscard]] bool anyObject(Frame const& frame, ObjectQuestion const& holds) const override;
   [[nodiscard]] Dependence dependence() const override;
   [[nodiscard]] PathPattern operandBase(std::size_t i, PathPattern const& base) const override;
 

@@ -243,6 +243,100 @@ TEST(DynamicTDFLaws, AMirrorOfTheWholeTreeEqualsItAndASecondOneIsNoEvent) {
   }
 }
 
+/// A state of a few objects, most of them in every state, so that states that follow each other are often alike.
+ModelState randomState(std::mt19937& random) {
+  ModelState state;
+  for (std::string const path :
+       {"/Case", "/Case A", "/Case/Domain:a", "/Case/Domain:a/Wall", "/Case/Domain:b", "/Log"}) {
+    if (random() % 8 == 0) continue;
+    ObjectState& values = state[path];
+    for (std::string const name : {"Gravity", "Motion", "Title"}) {
+      if (random() % 6 != 0) values[name] = random() % 5 == 0 ? " " : std::to_string(random() % 3);
+    }
+  }
+  return state;
+}
+
+Strings listing(DynamicTDF const& tree, std::string const& path = "") {
+  Strings all{path};
+  Strings children;
+  tree.getChildObjectPaths(path, children);
+  for (std::string const& child : children) {
+    Strings const below = listing(tree, child);
+    all.insert(all.end(), below.begin(), below.end());
+  }
+  return all;
+}
+
+TEST(DynamicTDFLaws, ATreeThatIsLoadedAgainAndAgainIsAsOneLoadedOnce) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    std::mt19937 random(seed);
+    DynamicTDF often(false);
+    for (int load = 0; load < 50; ++load) {
+      ModelState const state = randomState(random);
+      auto const middle = std::next(state.begin(), static_cast<std::ptrdiff_t>(state.size() / 2));
+      bool const skipEmpty = random() % 2 == 0;
+      std::vector<DynamicTDF::StateRange> const parts{{state.begin(), middle}, {middle, state.end()}};
+      often.initialise(parts, skipEmpty);
+      DynamicTDF once(false);
+      once.initialise(state.begin(), state.end(), skipEmpty);
+      ASSERT_EQ(often.getState(""), once.getState("")) << "seed " << seed << ", load " << load;
+      ASSERT_EQ(listing(often), listing(once)) << "seed " << seed << ", load " << load;
+      // What happens to it in between shows in no later load.
+      if (random() % 3 == 0) often.setParameter("/Case/Domain:a", "Extra", "1");
+      if (random() % 3 == 0) often.setParameter("/Log", "Title", "by hand");
+      if (random() % 5 == 0) often.deleteParameter("/Case", "Motion");
+      if (random() % 5 == 0) often.createObject("/Case", "Solver", "");
+      if (random() % 5 == 0) often.deleteObject("/Case/Domain:a");
+    }
+  }
+}
+
+TEST(DynamicTDFLaws, AParameterOfAllowedValueTypeIsAnOrdinaryOneAfterALoad) {
+  DynamicTDF tree(false);
+  ModelState const state{{"/Case", {{"Motion", "Rotating"}}}};
+  tree.initialise(state.begin(), state.end());
+  tree.deleteParameter("/Case", "Motion");
+  ParamAllowedValues allowed;
+  allowed.hasAllowedValues = true;
+  tree.setParameter("/Case", "Motion", allowed, "Rotating");
+  tree.initialise(state.begin(), state.end());
+  EXPECT_FALSE(tree.getAllowedValueData("/Case", "Motion").hasAllowedValues);
+}
+
+TEST(DynamicTDFLaws, AStateIsRefreshedFromTheLogToWhatTheTreeHolds) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    std::mt19937 random(seed);
+    DynamicTDF tree;
+    for (int i = 0; i < 40; ++i) tree.setParameter("/Case/Domain:x" + std::to_string(i), "Motion", "Stationary");
+    std::string const root = seed % 3 == 0 ? "/Case/Domain:a" : "/Case";
+    tree.resetChanges();
+    ModelState state = tree.getState(root);
+    for (int batch = 0; batch < 40; ++batch) {
+      tree.resetChanges();
+      for (auto edits = random() % 6; edits > 0; --edits) {
+        std::string const domain = std::string("/Case/Domain:") + "ab"[random() % 2];
+        std::string const wall = domain + (seed % 5 == 0 ? "/Wall:Wall" : "/Wall");
+        switch (random() % 5) {
+          case 0:
+            tree.deleteObject(random() % 2 ? domain : wall);
+            break;
+          case 1:
+            tree.deleteParameter(domain, "Motion");
+            break;
+          case 2:
+            tree.setParameter(wall, "Area", std::to_string(random() % 2));
+            break;
+          default:
+            tree.setParameter(domain, random() % 2 ? "Motion" : "Title", std::to_string(random() % 3));
+        }
+      }
+      tree.refreshState(state, root);
+      ASSERT_EQ(state, tree.getState(root)) << "seed " << seed << ", batch " << batch;
+    }
+  }
+}
+
 TEST(DynamicTDFLaws, AStateLoadsToATreeOfThatState) {
   for (unsigned seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));

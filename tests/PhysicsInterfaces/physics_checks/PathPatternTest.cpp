@@ -1,5 +1,6 @@
 #include <tarn/PathPattern.h>
 
+#include <algorithm>
 #include <map>
 
 #include <gmock/gmock.h>
@@ -29,7 +30,15 @@ MapModel const& pump() {
 
 std::vector<std::string> expand(std::string const& pattern, std::string const& context = "",
                                 std::string const& owner = "") {
-  return PathPattern(pattern).expand(TDFContext(context, owner), pump());
+  auto const found = PathPattern(pattern).expand(TDFContext(context, owner), pump());
+  // Asked one by one, the objects are the same.
+  std::vector<std::string> asked;
+  EXPECT_FALSE(PathPattern(pattern).findIf(TDFContext(context, owner), pump(), [&](std::string const& path) {
+    if (std::find(asked.begin(), asked.end(), path) == asked.end()) asked.push_back(path);
+    return false;
+  })) << pattern;
+  EXPECT_EQ(asked, found) << pattern;
+  return found;
 }
 
 /// The path that a single pattern resolves to; "none" when there is none.
@@ -235,6 +244,19 @@ TEST(PathPattern, APathThatEndsInNoNameIsNoParameter) {
     EXPECT_EQ(std::to_string(fault.offset) + "+" + std::to_string(fault.length) + ": " + fault.message, expected)
         << text;
   }
+}
+
+TEST(PathPattern, ObjectsAreAskedAboutNoFurtherThanNeeded) {
+  std::vector<std::string> asked;
+  auto const isRotor = [&](std::string const& path) {
+    asked.push_back(path);
+    return path == "/Case/Domain:rotor";
+  };
+  EXPECT_TRUE(PathPattern("/Case/Domain:*").findIf(TDFContext(""), pump(), isRotor));
+  EXPECT_EQ(asked.back(), "/Case/Domain:rotor");
+  auto const all = expand("/Case/Domain:*");
+  EXPECT_TRUE(std::equal(asked.begin(), asked.end(), all.begin()));
+  EXPECT_FALSE(PathPattern("/Case/Boundary:*").findIf(TDFContext(""), pump(), isRotor));
 }
 
 // Resolving
