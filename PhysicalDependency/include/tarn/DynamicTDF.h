@@ -192,6 +192,9 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
   /// @}
 
+  // For the library's own sources, and not to be had from it.
+  class StateLoad;
+
  private:
   struct Node;
   class NodeStore;

@@ -124,7 +124,8 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   enum MissingMode : std::int32_t { MissingOff = 0, MissingProbing = 1, MissingConfirmed = 2 };
 
   class Run;
-  struct FilteredState;
+  class Filter;
+  class StateText;
 
   HandlerStatus onBeginObject(ObjBeginInfo const* info) override;
   HandlerStatus onBeginParam(std::string const& objPath, std::string const& name) override;
@@ -135,8 +136,8 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   ValStatus doValidate(ValType type, ModelState const& state, std::vector<std::string> const& roots,
                        bool useStateAsGiven);
   void reset(ModelState const& state, bool useStateAsGiven);
-  void getFilteredState(ModelState const& in, FilteredState& out) const;
-  void loadFilteredTree(FilteredState const& state);
+  bool takeState(ModelState const& state, bool useStateAsGiven);
+  void loadFilteredTree(ModelState const& state, bool useStateAsGiven);
   void evaluateGlobalChecks(EvalContext* evalContext);
   void setEvaluationCache(EvalCache* cache);
   void unsetEvaluationCache() noexcept;

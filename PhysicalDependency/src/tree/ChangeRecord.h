@@ -43,10 +43,11 @@ class ChangeRecord {
   [[nodiscard]] std::vector<std::string> const& deletedObjects() const noexcept { return deletedObjects_; }
 
  private:
+  static constexpr std::size_t much = 4096;
+
   /// The first batch holds a whole model; the room that it took is not kept for the small ones behind it.
   template <class Entry>
   static void empty(std::vector<Entry>& list) noexcept {
-    constexpr std::size_t much = 4096;
     if (list.capacity() > much) {
       std::vector<Entry>().swap(list);
     } else {
@@ -55,7 +56,10 @@ class ChangeRecord {
   }
 
   void append(std::vector<ParamId>& list, std::string_view objPath, std::string_view name) {
-    if (recording_) list.emplace_back(objPath, name);
+    if (!recording_) return;
+    // Less than doubled when it is long: the log of a whole model stays as long as nothing else is edited.
+    if (list.size() == list.capacity() && list.size() >= much) list.reserve(list.size() + list.size() / 8);
+    list.emplace_back(objPath, name);
   }
 
   bool recording_;

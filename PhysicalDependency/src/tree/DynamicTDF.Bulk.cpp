@@ -13,6 +13,7 @@
 
 #include "tree/ChangeRecord.h"
 #include "tree/DynamicTDFNode.h"
+#include "tree/DynamicTDFStateLoad.h"
 #include "tree/DynamicTDFStore.h"
 
 namespace tarn {
@@ -96,19 +97,15 @@ DynamicTDF::Node& DynamicTDF::setParameters(std::string const& objPath, ObjectSt
   return node;
 }
 
-/// Puts new values in place if the objects are those of the last load, in the same order; then the tree is as if it had
-/// been loaded anew. Returns false when it has to be: with what was put in place by then nothing is lost.
+/// Returns false when the tree has to be loaded anew.
 bool DynamicTDF::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
-  std::vector<Node*> const& loaded = nodes_->lastLoad();
-  if (loaded.empty()) return false;
-  auto node = loaded.begin();
+  StateLoad load(*this, skipEmpty);
   for (StateRange const& part : parts) {
-    for (auto object = part.begin; object != part.end; ++object, ++node) {
-      if (node == loaded.end() || !nodes_->isFoundUnder(**node, object->first)) return false;
-      if (!(*node)->refill(object->second, skipEmpty, nodes_->names())) return false;
+    for (auto object = part.begin; object != part.end; ++object) {
+      if (!load.take(object->first, object->second)) return false;
     }
   }
-  return node == loaded.end();
+  return load.isComplete();
 }
 
 void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {

@@ -168,7 +168,9 @@ ParamAllowedValues const& DynamicTDF::Node::ParamVal::allowedValues() const noex
 
 std::vector<std::string> const& DynamicTDF::Node::ParamVal::getValueAsList() const {
   if (!extras_) extras_ = std::make_unique<Extras>();
-  if (!extras_->listValue) extras_->listValue = StringUtilities::splitValue(value_, ',');
+  if (!extras_->listValue) {
+    extras_->listValue = std::make_unique<std::vector<std::string>>(StringUtilities::splitValue(value_, ','));
+  }
   return *extras_->listValue;
 }
 

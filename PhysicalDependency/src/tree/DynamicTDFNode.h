@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -94,9 +95,9 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
 
     Node* first_ = nullptr;
     Node* last_ = nullptr;
-    std::size_t size_ = 0;
     /// Null as long as there have been few children.
     std::unique_ptr<Groups> byType_;
+    std::uint32_t size_ = 0;
   };
 
   /// `pooledType` outlives the object. `writtenName` is the name that stands in the path; empty if none does.
@@ -131,15 +132,16 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   std::string const& type;
   std::string const writtenName;
   Node* const parent;
-  /// True when the path under which the object is listed is the one under which it is found.
-  bool const listedAsFound;
 
   Node* nextSibling = nullptr;
   Node* previousSibling = nullptr;
   /// Among the children of the same type, where the parent keeps them by type.
   Node* nextOfType = nullptr;
   Node* previousOfType = nullptr;
-  ChildList children;
+  [[no_unique_address]] ChildList children;
+  /// True when the path under which the object is listed is the one under which it is found. It stands where the list
+  /// leaves room: a model has an object for every few parameters.
+  bool const listedAsFound;
   Params params;
 
   /// The store's: the rest of the objects whose hash falls into the same place.
@@ -154,7 +156,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
   explicit ParamVal(std::string_view value) : value_(value) {}
   /// A parameter of allowed value type.
   ParamVal(ParamAllowedValues const& allowedValues, std::string_view value)
-      : value_(value), extras_(std::make_unique<Extras>(Extras{std::nullopt, allowedValues})) {}
+      : value_(value), extras_(std::make_unique<Extras>(Extras{nullptr, allowedValues})) {}
 
   [[nodiscard]] std::string const& value() const noexcept {
     return value_;
@@ -175,7 +177,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
  private:
   struct Extras {
     /// Derived from value_; none when it has not been asked for since value_ was set.
-    std::optional<std::vector<std::string>> listValue;
+    std::unique_ptr<std::vector<std::string>> listValue;
     /// None on an ordinary parameter, for its whole life.
     std::optional<ParamAllowedValues> allowedValues;
   };

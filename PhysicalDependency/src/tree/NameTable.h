@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -63,17 +64,19 @@ class NameTable {
   [[nodiscard]] bool empty() const noexcept { return first_.empty(); }
   [[nodiscard]] std::size_t size() const noexcept {
     std::size_t size = first_.size();
-    for (Chunk const& chunk : others_) size += chunk.size();
+    if (others_ != nullptr) {
+      for (Chunk const& chunk : *others_) size += chunk.size();
+    }
     return size;
   }
   [[nodiscard]] Iterator begin() const noexcept { return empty() ? end() : Iterator(this, 0, 0); }
-  [[nodiscard]] Iterator end() const noexcept { return Iterator(this, others_.size() + 1, 0); }
+  [[nodiscard]] Iterator end() const noexcept { return Iterator(this, chunkCount(), 0); }
 
   /// Null when there is none.
   [[nodiscard]] Value* find(std::string_view name) noexcept {
     // Among a few, most differ in size already, and none has to be put in order.
     constexpr std::size_t few = 12;
-    if (first_.size() <= few && others_.empty()) {
+    if (first_.size() <= few && others_ == nullptr) {
       for (Entry& entry : first_) {
         if (sameText(entry.name(), name)) return &entry.value;
       }
@@ -98,7 +101,7 @@ class NameTable {
       return;
     }
     // In small steps: there are a great many small tables, and few of them grow large.
-    if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + std::max<std::size_t>(3, chunk.size() / 2));
+    if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + std::max<std::size_t>(2, chunk.size() / 2));
     chunk.emplace(placeIn(chunk, pooledName), pooledName, std::move(value));
   }
 
@@ -119,8 +122,8 @@ class NameTable {
     Chunk& own = chunk(place.chunk_);
     own.erase(own.begin() + static_cast<std::ptrdiff_t>(place.place_));
     if (place.place_ < own.size()) return place;
-    bool const isLast = place.chunk_ == others_.size();
-    bool const drops = own.empty() && !others_.empty();
+    bool const isLast = place.chunk_ + 1 == chunkCount();
+    bool const drops = own.empty() && others_ != nullptr;
     dropIfEmpty(own);
     if (isLast) return end();
     return Iterator(this, drops ? place.chunk_ : place.chunk_ + 1, 0);
@@ -130,14 +133,16 @@ class NameTable {
   using Chunk = std::vector<Entry>;
   static constexpr std::size_t chunkLimit = 128;
 
-  [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : others_[i - 1]; }
-  [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : others_[i - 1]; }
+  [[nodiscard]] std::size_t chunkCount() const noexcept { return others_ == nullptr ? 1 : 1 + others_->size(); }
+  [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
+  [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
 
   /// The chunk in which an entry of that name stands or would stand.
   [[nodiscard]] Chunk& chunkOf(std::string_view name) noexcept {
-    auto const behind = std::upper_bound(others_.begin(), others_.end(), name,
+    if (others_ == nullptr) return first_;
+    auto const behind = std::upper_bound(others_->begin(), others_->end(), name,
                                          [](std::string_view a, Chunk const& b) { return a < b.front().name(); });
-    return behind == others_.begin() ? first_ : *std::prev(behind);
+    return behind == others_->begin() ? first_ : *std::prev(behind);
   }
 
   [[nodiscard]] static typename Chunk::iterator placeIn(Chunk& chunk, std::string_view name) noexcept {
@@ -149,11 +154,12 @@ class NameTable {
 
   /// In two, of which the lower one stays where it is. Names that come in order leave full chunks behind.
   void split(Chunk& full) {
-    std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_.data()) + 1;
-    std::size_t const kept = number == others_.size() ? chunkLimit - 1 : chunkLimit / 2;
+    if (others_ == nullptr) others_ = std::make_unique<std::vector<Chunk>>();
+    std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_->data()) + 1;
+    std::size_t const kept = number == others_->size() ? chunkLimit - 1 : chunkLimit / 2;
     Chunk upper;
     upper.reserve(chunkLimit);
-    others_.insert(others_.begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
+    others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
     Chunk& lower = chunk(number);
     Chunk& added = chunk(number + 1);
     added.insert(added.end(), std::make_move_iterator(lower.begin() + static_cast<std::ptrdiff_t>(kept)),
@@ -162,18 +168,20 @@ class NameTable {
   }
 
   void dropIfEmpty(Chunk& chunk) noexcept {
-    if (!chunk.empty() || others_.empty()) return;
+    if (!chunk.empty() || others_ == nullptr) return;
     if (&chunk == &first_) {
-      first_ = std::move(others_.front());
-      others_.erase(others_.begin());
+      first_ = std::move(others_->front());
+      others_->erase(others_->begin());
     } else {
-      others_.erase(others_.begin() + (&chunk - others_.data()));
+      others_->erase(others_->begin() + (&chunk - others_->data()));
     }
+    if (others_->empty()) others_.reset();
   }
 
   // In order. None is empty, but for the first one of an empty table.
   Chunk first_;
-  std::vector<Chunk> others_;
+  /// Null as long as one is enough.
+  std::unique_ptr<std::vector<Chunk>> others_;
 };
 
 }  // namespace tarn

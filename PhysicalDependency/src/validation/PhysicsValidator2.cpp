@@ -9,7 +9,9 @@
 
 #include <tarn/PhysicsValidator2.h>
 
+#include <algorithm>
 #include <iostream>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -23,54 +25,95 @@
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/printModelState.h>
 
+#include "tree/DynamicTDFStateLoad.h"
+#include "tree/ShortTexts.h"
 #include "validation/MissingObjRecord.h"
 #include "validation/PVModelTDF.h"
 
 namespace tarn {
 
-/// The part of a state that counts, as the stretches of the caller's map that it consists of: one for each root type,
-/// so that a large model is neither copied nor gone through entry by entry again.
-struct [[gnu::visibility("hidden")]] PhysicsValidator2::FilteredState {
-  std::vector<DynamicTDF::StateRange> stretches;
+namespace {
 
-  /// Makes `text` the text of this state, and returns whether it was another. The text is a line for each parameter, in
-  /// map order; objects without parameters give none.
-  bool updateText(std::string & text) const;
+constexpr bool skipEmptyValues = true;
+
+}  // namespace
+
+/// Which objects of a state count: those of a root type, or all. States are in the order of paths, so objects of one
+/// type at the root mostly stand together, and the last answer is the next one.
+class [[gnu::visibility("hidden")]] PhysicsValidator2::Filter {
+ public:
+  Filter(std::set<std::string, std::less<>> const& rootTypes, bool takesAll) noexcept
+      : rootTypes_(rootTypes), takesAll_(takesAll) {}
+
+  [[nodiscard]] bool counts(std::string_view path) {
+    if (takesAll_) return true;
+    if (root_.empty() || !path.starts_with(root_) || (path.size() > root_.size() && !endsType(path[root_.size()]))) {
+      std::size_t const typeEnd = std::min(path.find_first_of("/:", 1), path.size());
+      // Throws for the empty path: it has no leading "/".
+      counts_ = rootTypes_.contains(path.substr(1, typeEnd - 1));
+      root_ = path.substr(0, typeEnd);
+    }
+    return counts_;
+  }
+
+ private:
+  [[nodiscard]] static bool endsType(char c) noexcept {
+    return c == '/' || c == ':';
+  }
+
+  std::set<std::string, std::less<>> const& rootTypes_;
+  bool takesAll_;
+  /// The beginning of the last path, up to the end of the type at the root.
+  std::string_view root_;
+  bool counts_ = false;
 };
 
-/// Compares for as long as the two agree and writes only from there on: a large model is most often the same as before.
-bool PhysicsValidator2::FilteredState::updateText(std::string& text) const {
-  std::string_view left = text;  // behind what agrees
-  bool same = true;
-  auto const take = [&left](std::string_view piece) {
-    if (!left.starts_with(piece)) return false;
-    left.remove_prefix(piece.size());
-    return true;
-  };
-  auto const takeByte = [&left](char byte) {
-    if (left.empty() || left.front() != byte) return false;
-    left.remove_prefix(1);
-    return true;
-  };
-  for (DynamicTDF::StateRange const& stretch : stretches) {
-    for (auto object = stretch.begin; object != stretch.end; ++object) {
-      std::string const& path = object->first;
-      for (auto const& [name, value] : object->second) {
-        if (same) {
-          std::size_t const agreed = text.size() - left.size();
-          same = take(path) && takeByte('/') && take(name) && takeByte('=') && take(value) && takeByte('\n');
-          if (same) continue;
-          text.resize(agreed);
-        }
-        text.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
+/// The text of a state, as it is compared with that of the state before: a line for each parameter, in map order.
+/// Objects without parameters give none. Compares for as long as the two agree and writes only from there on: a large
+/// model is most often nearly the same as before.
+class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
+ public:
+  explicit StateText(std::string & text) noexcept : text_(text), left_(text) {}
+
+  /// Returns whether everything so far is as it was.
+  bool add(std::string_view path, ObjectState const& values) {
+    for (auto const& [name, value] : values) {
+      if (agrees_) {
+        std::size_t const agreed = text_.size() - left_.size();
+        agrees_ = take(path) && take('/') && take(name) && take('=') && take(value) && take('\n');
+        if (agrees_) continue;
+        text_.resize(agreed);
       }
+      text_.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
     }
+    return agrees_;
   }
-  if (!same) return true;
-  bool const wasLonger = !left.empty();
-  text.resize(text.size() - left.size());
-  return wasLonger;
-}
+
+  /// To be called behind the last object. Returns whether the text is as it was.
+  bool finish() {
+    if (!agrees_) return false;
+    bool const wasLonger = !left_.empty();
+    text_.resize(text_.size() - left_.size());
+    return !wasLonger;
+  }
+
+ private:
+  bool take(std::string_view piece) noexcept {
+    if (left_.size() < piece.size() || !sameBytes(left_.data(), piece.data(), piece.size())) return false;
+    left_.remove_prefix(piece.size());
+    return true;
+  }
+  bool take(char byte) noexcept {
+    if (left_.empty() || left_.front() != byte) return false;
+    left_.remove_prefix(1);
+    return true;
+  }
+
+  std::string& text_;
+  /// What lies behind the part that agrees.
+  std::string_view left_;
+  bool agrees_ = true;
+};
 
 /// What lives as long as one run, and what of the validator points at it.
 class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
@@ -172,52 +215,65 @@ void PhysicsValidator2::evaluateGlobalChecks(EvalContext* evalContext) {
 }
 
 void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
-  FilteredState filtered;
-  if (useStateAsGiven) {
-    filtered.stretches.push_back({state.begin(), state.end()});
-  } else {
-    getFilteredState(state, filtered);
-  }
-
+  // Before anything is changed.
+  if (!useStateAsGiven && state.contains(""))
+    throw std::out_of_range("the model holds parameters of no object: give them the path of one");
   try {
-    if (!filtered.updateText(lastStateText_)) return;
+    if (!takeState(state, useStateAsGiven)) return;
     status_ = ValStatusClean;
     dependencyChecksDone_ = false;
     globalChecksDone_ = false;
     logger_->reset();
-    loadFilteredTree(filtered);
   } catch (...) {
     // Half a model must not be taken for the whole one by the next call.
     lastStateText_.clear();
-    loadFilteredTree({});
+    filteredTree_.initialise(std::vector<DynamicTDF::StateRange>(), skipEmptyValues);
     throw;
   }
 }
 
-void PhysicsValidator2::getFilteredState(ModelState const& in, FilteredState& out) const {
-  out.stretches.clear();
+/// Makes text and tree those of the part of `state` that counts, in one go over it, and returns whether the text was
+/// another. A value that is empty once it is cleaned does not enter the tree: for the rules and the checks there is no
+/// such parameter, though its line stands in the text.
+bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven) {
+  Filter filter(rootTypes_, useStateAsGiven);
+  StateText text(lastStateText_);
+  // As long as all that counts is as it was, so is the tree, and it need not even be looked at; but an object without
+  // parameters is in the tree only.
+  DynamicTDF::StateLoad load(filteredTree_, skipEmptyValues);
+  bool hasSameObjects = true;
+  for (auto const& [path, values] : state) {
+    if (!filter.counts(path)) continue;
+    bool const agrees = text.add(path, values);
+    if (!hasSameObjects) continue;
+    if (!agrees) {
+      hasSameObjects = load.take(path, values);
+    } else if (values.empty()) {
+      hasSameObjects = load.keep(path);
+    } else {
+      load.keepNext();
+    }
+  }
+  if (text.finish()) return false;
+  if (!hasSameObjects || !load.isComplete()) loadFilteredTree(state, useStateAsGiven);
+  return true;
+}
+
+void PhysicsValidator2::loadFilteredTree(ModelState const& state, bool useStateAsGiven) {
+  Filter filter(rootTypes_, useStateAsGiven);
+  std::vector<DynamicTDF::StateRange> stretches;
   bool within = false;
-  for (auto object = in.begin(); object != in.end(); ++object) {
-    std::string_view const path = object->first;
-    std::size_t const typeEnd = path.find_first_of("/:", 1);
-    // Throws for the empty path: it has no leading "/".
-    std::string_view const rootType = path.substr(1, typeEnd == std::string_view::npos ? typeEnd : typeEnd - 1);
-    if (!rootTypes_.contains(rootType)) {
+  for (auto object = state.begin(); object != state.end(); ++object) {
+    if (!filter.counts(object->first)) {
       within = false;
     } else if (within) {
-      out.stretches.back().end = std::next(object);
+      stretches.back().end = std::next(object);
     } else {
-      out.stretches.push_back({object, std::next(object)});
+      stretches.push_back({object, std::next(object)});
       within = true;
     }
   }
-}
-
-/// A value that is empty once it is cleaned does not enter the tree: for the rules and the checks there is no such
-/// parameter, though its line stands in the text.
-void PhysicsValidator2::loadFilteredTree(FilteredState const& state) {
-  constexpr bool skipEmpty = true;
-  filteredTree_.initialise(state.stretches, skipEmpty);
+  filteredTree_.initialise(stretches, skipEmptyValues);
 }
 
 void PhysicsValidator2::setEvaluationCache(EvalCache* cache) {
