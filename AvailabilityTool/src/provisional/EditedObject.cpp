@@ -1,21 +1,14 @@
 #include "provisional/EditedObject.h"
 
-#include <tarn/Error.h>
-#include <tarn/TDFPath.h>
-
-#include "cli/Failure.h"
+#include "cli/PathArgument.h"
 
 namespace tarn::tool {
 
 namespace {
 
 std::string const& checkedRoot(std::string const& root) {
-  try {
-    if (TDFPath(root).size() > 0) return root;
-  } catch (Error const& error) {
-    throw Failure("--root: " + error.getMessage() + "; give the path of an object, such as /Case");
-  }
-  throw Failure("--root: \"" + root + "\" names no object; give the path of one, such as /Case");
+  (void)objectArgument("--root", root);
+  return root;
 }
 
 }  // namespace

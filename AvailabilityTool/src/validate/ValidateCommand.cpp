@@ -17,11 +17,11 @@
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFChangeFile.h>
-#include <tarn/TDFPath.h>
 
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
 #include "cli/Output.h"
+#include "cli/PathArgument.h"
 #include "cli/Progress.h"
 #include "cli/RuleFiles.h"
 #include "reports/JsonReport.h"
@@ -47,12 +47,7 @@ struct ValidateOptions {
 std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, PhysicsData const& rules) {
   std::vector<std::string> checked;
   for (std::string const& root : roots) {
-    TDFPath path;
-    try {
-      path = TDFPath(root);
-    } catch (Error const& error) {
-      throw Failure("--root: " + error.getMessage() + "; give the path of an object, such as /Case");
-    }
+    TDFPath const path = pathArgument("--root", root);
     std::vector<std::string> const& pertinent = rules.getPertinentGlobalCheckRoots();
     if (path.size() == 0 || std::find(pertinent.begin(), pertinent.end(), path.getType(0)) == pertinent.end()) {
       throw Failure("--root: the rules do not look at \"" + root +
