@@ -210,7 +210,10 @@ std::optional<TDFParam::Type> ParameterReference::declaredType(Frame const& fram
 }
 
 Dependence ParameterReference::dependence() const {
-  return dependenceOf(objects_);
+  Dependence result = dependenceOf(objects_);
+  // What is chosen for the whole model is asked for in every object, and dearer to look up than to remember.
+  result.costly |= result.isContextFree();
+  return result;
 }
 
 void ParameterReference::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
