@@ -9,8 +9,6 @@
 #include <array>
 #include <utility>
 
-#include <tarn/StringUtilities.h>
-
 #include "expression/Lexer.h"
 #include "expression/Nodes.h"
 
@@ -116,22 +114,13 @@ Signature const* findSignature(std::string_view name) {
   return found == signatures.end() ? nullptr : found;
 }
 
-std::string inQuotes(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
-
-std::string orNear(std::string const& near) {
-  return near.empty() ? std::string{} : "; did you mean '" + near + "'?";
-}
-
 template <typename Map>
-std::string nearKey(std::string_view text, Map const& map, std::size_t& budget) {
-  if (map.size() > budget) return {};
-  budget -= map.size();
+std::string orNearKey(std::string_view text, Map const& map, HintBudget& hints) {
+  if (!hints.take(map.size())) return {};
   std::vector<std::string> keys;
   keys.reserve(map.size());
   for (auto const& entry : map) keys.push_back(entry.first);
-  return StringUtilities::nearMatch(text, keys);
+  return orNear(text, keys);
 }
 
 bool isLiteral(Expression const& expression) {
@@ -221,7 +210,7 @@ class Parser {
       return text;
     }(word);
     for (std::string_view const known : {"and", "or", "not", "in", "implies"}) {
-      if (lowered == known) return "; did you mean '" + std::string(known) + "'?";
+      if (lowered == known) return didYouMean(known);
     }
     return {};
   }
@@ -587,8 +576,7 @@ class Parser {
                                          token.text + "', and a parameter in ${" + token.text + "}"};
     }
     if (signature == nullptr) {
-      issue(token.range, "unknown function " + inQuotes(token.text) +
-                             orNear(StringUtilities::nearMatch(token.text, functionNames())));
+      issue(token.range, "unknown function " + inQuotes(token.text) + orNear(token.text, functionNames()));
       skipArguments();
       return std::make_unique<Choice>(Kind::Value, since(token.range.offset), std::vector<ExpressionPtr>{});
     }
@@ -712,7 +700,7 @@ class Parser {
       auto const found = rules.find(token.text);
       if (found == rules.end()) {
         issue(token.range, "there is no " + std::string(signature.name) + " " + inQuotes(token.text) +
-                               orNear(nearKey(token.text, rules, named_.hintBudget)));
+                               orNearKey(token.text, rules, named_.hints));
       } else {
         target.rule = &found->second->rule();
       }

@@ -10,6 +10,7 @@
 
 #include "expression/Expression.h"
 #include "expression/NamedRule.h"
+#include "expression/NearMatch.h"
 
 namespace tarn::rules {
 
@@ -27,10 +28,7 @@ enum class Role { Condition, Text, List };
 struct NamedRules {
   std::map<std::string, NamedCheck*, std::less<>> checks;
   std::map<std::string, NamedList*, std::less<>> lists;
-  /// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a
-  /// file with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a
-  /// hint.
-  mutable std::size_t hintBudget = 2'000'000;
+  mutable HintBudget hints;
 };
 
 struct ParserLimits {

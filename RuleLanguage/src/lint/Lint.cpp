@@ -16,31 +16,13 @@
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 
+#include "expression/NearMatch.h"
 #include "expression/Nodes.h"
 #include "lint/TypeTree.h"
 
 namespace tarn::rules {
 
 namespace {
-
-std::string inQuotes(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
-
-/// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a file
-/// with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a hint.
-class HintBudget {
- public:
-  /// Whether `count` names may be looked at; they are, then.
-  bool take(std::size_t count) noexcept {
-    if (count > left_) return false;
-    left_ -= count;
-    return true;
-  }
-
- private:
-  std::size_t left_ = 2'000'000;
-};
 
 /// A model in which nothing exists, for expressions that read nothing.
 class EmptyModel final : public ModelTDF {
@@ -116,7 +98,8 @@ class Linter {
     checkObjects();
     for (auto const& [root, place] : rules_.rootPlaces()) {
       if (data_.getObjDependDef("/" + root, true) == nullptr) {
-        warn(place, "there are no rules for the root type " + inQuotes(root) + orNear(root, types_.childTypes("")));
+        warn(place,
+             "there are no rules for the root type " + inQuotes(root) + hints_.orNear(root, types_.childTypes("")));
       }
     }
   }
@@ -131,12 +114,6 @@ class Linter {
     Place const end = placeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset + range.length);
     std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
     diagnostics_.add(Severity::Warning, *use.item.source, begin, shown, std::move(message));
-  }
-
-  [[nodiscard]] std::string orNear(std::string_view text, std::vector<std::string> const& candidates) const {
-    if (!hints_.take(candidates.size())) return {};
-    auto const near = StringUtilities::nearMatch(text, candidates);
-    return near.empty() ? std::string{} : "; did you mean " + inQuotes(near) + "?";
   }
 
   /// What a pattern of this use can name. A named rule is called from anywhere, so everything is tried as its owner.
@@ -176,7 +153,7 @@ class Linter {
                                     ? " of " + *named.begin()
                                     : std::string{};
       warn(use, path.range,
-           "no rule knows a parameter " + inQuotes(path.parameter) + where + orNear(path.parameter, candidates));
+           "no rule knows a parameter " + inQuotes(path.parameter) + where + hints_.orNear(path.parameter, candidates));
     }
   }
 
@@ -198,7 +175,7 @@ class Linter {
           auto const& types = types_.childTypes(path);
           if (hints_.take(types.size())) candidates.insert(candidates.end(), types.begin(), types.end());
         }
-        return orNear(step.type, candidates);
+        return hints_.orNear(step.type, candidates);
       }
       current = std::move(next);
     }
@@ -262,7 +239,7 @@ class Linter {
       if (def.unusedValues.contains(value.text)) return " is known but never allowed";
       auto const& items = list->items();
       if (std::any_of(items.begin(), items.end(), equals)) return {};
-      return " is not among its allowed values" + orNear(value.text, items);
+      return " is not among its allowed values" + hints_.orNear(value.text, items);
     }
     if (def.allowedValueKind != ParamValueDef::NoAllowedValues || value.number) return {};
     if (def.type == TDFParam::Logical && !TDFParam::asLogical(value.text)) return " is no logical value";
@@ -484,7 +461,7 @@ class Linter {
         for (auto const& child : parent->children()) candidates.push_back(child->type);
       }
       warn(place, "no child rule leads to objects of this type, so nothing of this entry is ever looked at" +
-                      orNear(type, candidates));
+                      hints_.orNear(type, candidates));
     }
   }
 
@@ -542,7 +519,8 @@ class Linter {
     for (std::size_t i = 0; i + 1 < map.node->children.size(); i += 2) {
       auto const* key = map.node->children[i];
       if (!items.contains(key->value)) {
-        warn({map.source, key}, inQuotes(key->value) + " is not among the allowed values" + orNear(key->value, items));
+        warn({map.source, key},
+             inQuotes(key->value) + " is not among the allowed values" + hints_.orNear(key->value, items));
       }
     }
   }
@@ -579,8 +557,8 @@ class Linter {
     for (auto const& value : values) {
       if (list != nullptr && list->items().contains(value) && !def.unusedValues.contains(value)) continue;
       if (list != nullptr && !def.allowsAnyValue) {
-        warn(item,
-             "the default " + inQuotes(value) + " is not among the allowed values" + orNear(value, list->items()));
+        warn(item, "the default " + inQuotes(value) + " is not among the allowed values" +
+                       hints_.orNear(value, list->items()));
         continue;
       }
       if (def.allowedValueKind == ParamValueDef::ComputedAllowedValues) continue;
@@ -619,7 +597,7 @@ class Linter {
         std::vector<std::string> names;
         for (auto const& entry : data_.quantityTypes()) names.push_back(entry.first);
         warn(item, "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" +
-                       orNear(fixed->text(), names));
+                       hints_.orNear(fixed->text(), names));
       }
     }
     if (def.type != TDFParam::Real) {
@@ -651,7 +629,7 @@ class Linter {
         return;
       }
       if (!open && std::find(values.begin(), values.end(), context) == values.end()) {
-        warn(item, "no context rule can have the value " + inQuotes(context) + orNear(context, values));
+        warn(item, "no context rule can have the value " + inQuotes(context) + hints_.orNear(context, values));
       }
     }
   }

@@ -11,6 +11,7 @@
 #include <tarn/RuleAttributes.h>
 #include <tarn/StringUtilities.h>
 
+#include "expression/NearMatch.h"
 #include "expression/Nodes.h"
 
 namespace tarn::rules {
@@ -18,15 +19,6 @@ namespace tarn::rules {
 namespace {
 
 using StringUtilities::isSpace;
-
-std::string inQuotes(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
-
-std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
-  auto const near = StringUtilities::nearMatch(text, candidates);
-  return near.empty() ? std::string{} : "; did you mean " + inQuotes(near) + "?";
-}
 
 /// A key of a section, and what it is to whoever reads the section.
 template <typename Id>

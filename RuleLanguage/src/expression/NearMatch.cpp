@@ -1,0 +1,30 @@
+#include "expression/NearMatch.h"
+
+#include <tarn/StringUtilities.h>
+
+namespace tarn::rules {
+
+std::string inQuotes(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
+std::string didYouMean(std::string_view name) {
+  return "; did you mean " + inQuotes(name) + "?";
+}
+
+std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
+  auto const near = StringUtilities::nearMatch(text, candidates);
+  return near.empty() ? std::string{} : didYouMean(near);
+}
+
+bool HintBudget::take(std::size_t count) noexcept {
+  if (count > left_) return false;
+  left_ -= count;
+  return true;
+}
+
+std::string HintBudget::orNear(std::string_view text, std::vector<std::string> const& candidates) {
+  return take(candidates.size()) ? rules::orNear(text, candidates) : std::string{};
+}
+
+}  // namespace tarn::rules
