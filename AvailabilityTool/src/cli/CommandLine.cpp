@@ -102,6 +102,7 @@ int run(std::vector<std::string> arguments) {
 
 int runCommandLine(int argc, char const* const* argv) noexcept {
   try {
+    WriteErrors const errors(std::cout);
     return run(std::vector<std::string>(argv + (argc > 0), argv + argc));
   } catch (Failure const& failure) {
     std::cerr << "zev: " << failure.what() << '\n';

@@ -15,12 +15,49 @@
 
 namespace tarn::tool {
 
+WriteErrors::WriteErrors(std::ostream& out) : out_(out), below_(out.rdbuf()) {
+  out_.rdbuf(this);
+}
+
+WriteErrors::~WriteErrors() {
+  out_.rdbuf(below_);
+}
+
+// Each write begins with no error, so that one that fails without an error is not given that of something before it.
+
+std::streamsize WriteErrors::xsputn(char const* text, std::streamsize count) {
+  errno = 0;
+  std::streamsize const written = below_->sputn(text, count);
+  if (written != count) keepWhy();
+  return written;
+}
+
+WriteErrors::int_type WriteErrors::overflow(int_type c) {
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  errno = 0;
+  int_type const written = below_->sputc(traits_type::to_char_type(c));
+  if (traits_type::eq_int_type(written, traits_type::eof())) keepWhy();
+  return written;
+}
+
+int WriteErrors::sync() {
+  errno = 0;
+  int const result = below_->pubsync();
+  if (result == -1) keepWhy();
+  return result;
+}
+
+void WriteErrors::keepWhy() {
+  if (!failed_) first_ = errno;
+  failed_ = true;
+}
+
 void flushResults(std::ostream& out) {
-  if (out) errno = 0;  // else it is of the write that failed before
   out.flush();
   if (out) return;
-  int const error = errno;
-  std::string const why = error ? ": " + std::generic_category().message(error) : "";
+  auto const* const errors = dynamic_cast<WriteErrors const*>(out.rdbuf());
+  std::string const why =
+      errors != nullptr && errors->first() != 0 ? ": " + std::generic_category().message(errors->first()) : "";
   throw Failure("the standard output cannot be written" + why +
                 "; let its reader read to the end, or write to a file on a disk that has room");
 }

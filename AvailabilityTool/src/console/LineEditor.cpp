@@ -45,10 +45,7 @@ void LineEditor::Closer::operator()(History* lines) const noexcept {
 }
 
 bool LineEditor::isPossible() noexcept {
-  int const errorBefore = errno;  // of a write that failed: the end of the program is to tell the cause of that
-  bool const isTerminal = ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1;
-  errno = errorBefore;
-  if (!isTerminal) return false;
+  if (::isatty(STDIN_FILENO) != 1 || ::isatty(STDOUT_FILENO) != 1) return false;
   char const* const terminal = std::getenv("TERM");
   return terminal != nullptr && *terminal != '\0' && std::strcmp(terminal, "dumb") != 0;
 }
