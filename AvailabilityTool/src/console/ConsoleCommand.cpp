@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -19,6 +21,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
+#include "cli/PathArgument.h"
 #include "cli/RuleFiles.h"
 #include "console/TerminalInput.h"
 #include "provisional/EditedObject.h"
@@ -46,8 +49,34 @@ void requireReadableInput() {
                 "; give it a terminal, a file of commands, or /dev/null");
 }
 
+/// The commands come from the standard input: a model read from it would take them, and leave none.
+void requireFile(std::string const& option, std::string const& name) {
+  if (name != "-") return;
+  throw Failure(option + ": a model cannot come from the standard input, as the commands do; give the name of a file");
+}
+
+/// The printer loses what it cannot write and says nothing, which a user would find out after the work was done.
+void requireWritableLog(std::string const& target) {
+  for (char const* const stream : {"stdout", "cout", "stderr", "cerr"}) {
+    if (target == stream) return;
+  }
+  std::error_code unknown;
+  // Who reads from a pipe would take an end of this trial for the end of the log.
+  if (std::filesystem::is_fifo(target, unknown)) return;
+  errno = 0;
+  std::ofstream const trial(target, std::ios::app);
+  if (trial) return;
+  std::string const why = errno != 0 ? ": " + std::generic_category().message(errno) : "";
+  throw Failure("--log: cannot open \"" + target + '"' + why +
+                "; give stdout, stderr, or the name of a file that can be written");
+}
+
 int console(ConsoleOptions const& options, std::ostream& err) {
+  requireFile("--model", options.model);
+  requireFile("--guide", options.guide);
+  if (!options.validationRoot.empty()) (void)objectArgument("--validation-root", options.validationRoot);
   requireReadableInput();
+  requireWritableLog(options.log);
   EditedObject object(loadRuleFiles(options.rules, err), options.root);
   auto const mode = options.strict ? TDFChangeFile::Strict : TDFChangeFile::Lenient;
   if (!options.model.empty()) object.setModel(readModelFile(options.model, mode));
@@ -79,17 +108,28 @@ void addConsoleCommand(CLI::App& app, Command& chosen) {
   command->add_option("--model", options->model, "The model that the object is part of; without it, an empty one")
       ->type_name("FILE");
   command->add_option("--guide", options->guide, "Values to begin with, from an earlier edit")->type_name("FILE");
-  command->add_option("--based-on", options->basedOn, "The object that a new one starts as a copy of")
+  command
+      ->add_option(
+          "--based-on", options->basedOn,
+          "Begin a new object, which the model lacks, as a copy of this one in it, of the same type and parent")
       ->type_name("OBJECT");
-  command->add_option("--log", options->log, "Where the state and its changes are printed: stdout, stderr, or a file")
+  command
+      ->add_option(
+          "--log", options->log,
+          "Where the object and its changes go: stdout, which is the default, stderr, or a file, which is added to")
       ->type_name("TARGET");
-  command->add_option("--validation-root", options->validationRoot, "Where validation starts; without it, at the root")
+  command
+      ->add_option("--validation-root", options->validationRoot,
+                   "The object that v and vf judge, with everything below it; without it, that of --root")
       ->type_name("OBJECT");
   command->add_flag("--strict", options->strict,
                     "Refuse a model file with a malformed line, instead of skipping the line");
   command->add_flag("--quiet", options->quiet, "Write neither banner nor prompt");
   command->footer(
-      "The command h tells the commands, q ends the program.\n"
+      "The command h tells the commands, q ends the program. Two more that h does not tell: \"no OBJECT\" adds an\n"
+      "object with a name of your own, \"ro OBJECT\" removes one.\n"
+      "No model is written. What the command ps prints is model text that can be loaded again: keep it from what was\n"
+      "printed, as from a --log. \"zev show\" prints the same of a model without an edit.\n"
       "Example: zev console --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
       "Exit status: 0, or 2 for wrong usage or a file that could not be read.");
   command->callback([options, &chosen] {
