@@ -68,33 +68,35 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Filter {
   bool counts_ = false;
 };
 
-/// The text of a state, as it is compared with that of the state before: a line for each parameter, in map order.
-/// Objects without parameters give none. Compares for as long as the two agree and writes only from there on: a large
-/// model is most often nearly the same as before.
+/// The text of a state, a line for each parameter, in map order; objects without parameters give none. It is made in
+/// the place of the text of the state before and compared with it on the way: a large model is most often the same, or
+/// one of a few other lines.
 class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
  public:
-  explicit StateText(std::string & text) noexcept : text_(text), left_(text) {}
+  explicit StateText(std::string & text) noexcept : text_(text), left_(text), movesAllowed_(2 * text.size()) {}
 
-  /// Returns whether everything so far is as it was.
+  /// Returns whether the lines of the object are those that stood there, and were all that it had.
   bool add(std::string_view path, ObjectState const& values) {
+    bool agrees = true;
     for (auto const& [name, value] : values) {
-      if (agrees_) {
-        std::size_t const agreed = text_.size() - left_.size();
-        agrees_ = take(path) && take('/') && take(name) && take('=') && take(value) && take('\n');
-        if (agrees_) continue;
-        text_.resize(agreed);
-      }
-      text_.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
+      std::string_view const before = left_;
+      if (take(path) && take('/') && take(name) && take('=') && take(value) && take('\n')) continue;
+      agrees = false;
+      left_ = before;
+      put(path, name, value);
     }
-    return agrees_;
+    return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
   }
 
-  /// To be called behind the last object. Returns whether the text is as it was.
+  [[nodiscard]] bool differs() const noexcept {
+    return differs_;
+  }
+
+  /// To be called behind the last object. Returns whether the text is another.
   bool finish() {
-    if (!agrees_) return false;
-    bool const wasLonger = !left_.empty();
+    if (left_.empty()) return differs_;
     text_.resize(text_.size() - left_.size());
-    return !wasLonger;
+    return true;
   }
 
  private:
@@ -109,10 +111,32 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
     return true;
   }
 
+  /// Puts a line in the place of the one that stands there, so that what lies behind may agree again. Where lines of
+  /// other sizes have moved the rest often enough, it is given up instead.
+  void put(std::string_view path, std::string_view name, std::string_view value) {
+    differs_ = true;
+    std::size_t const start = text_.size() - left_.size();
+    std::size_t const newSize = path.size() + name.size() + value.size() + 3;
+    std::size_t const oldSize = std::min(left_.find('\n'), left_.size() - 1) + 1;
+    if (left_.empty() || (newSize != oldSize && left_.size() > movesAllowed_)) {
+      text_.resize(start);
+      text_.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
+      left_ = {};
+      return;
+    }
+    if (newSize != oldSize) movesAllowed_ -= left_.size();
+    line_.assign(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
+    text_.replace(start, oldSize, line_);
+    left_ = std::string_view(text_).substr(start + newSize);
+  }
+
   std::string& text_;
-  /// What lies behind the part that agrees.
+  /// What has not been looked at. Before it stands the text of what has been added.
   std::string_view left_;
-  bool agrees_ = true;
+  /// In bytes; a few times the text, so that all of it stays linear.
+  std::size_t movesAllowed_;
+  bool differs_ = false;
+  std::string line_;
 };
 
 /// What lives as long as one run, and what of the validator points at it.
@@ -238,23 +262,24 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
 bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven) {
   Filter filter(rootTypes_, useStateAsGiven);
   StateText text(lastStateText_);
-  // As long as all that counts is as it was, so is the tree, and it need not even be looked at; but an object without
-  // parameters is in the tree only.
+  // An object whose lines are as they were is in the tree as it was. As long as that held for all, it is even known
+  // which object of the tree is the next one. Of an object without parameters only the tree tells.
   DynamicTDF::StateLoad load(filteredTree_, skipEmptyValues);
   bool hasSameObjects = true;
   for (auto const& [path, values] : state) {
     if (!filter.counts(path)) continue;
-    bool const agrees = text.add(path, values);
+    bool const differedBefore = text.differs();
+    bool const agrees = text.add(path, values) && !values.empty();
     if (!hasSameObjects) continue;
     if (!agrees) {
       hasSameObjects = load.take(path, values);
-    } else if (values.empty()) {
+    } else if (differedBefore) {
       hasSameObjects = load.keep(path);
     } else {
       load.keepNext();
     }
   }
-  if (text.finish()) return false;
+  if (!text.finish()) return false;
   if (!hasSameObjects || !load.isComplete()) loadFilteredTree(state, useStateAsGiven);
   return true;
 }

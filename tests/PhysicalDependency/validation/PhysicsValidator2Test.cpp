@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -99,6 +100,48 @@ TEST_F(PhysicsValidator2, TheSameModelIsJudgedOnce) {
   EXPECT_EQ(checkAsked_, 1);
   EXPECT_THAT(loggedFaults(), ElementsAre(noRegime, strayMotion));
   EXPECT_THAT(logger_.getGlobalErrors(), ElementsAre("There must be an inlet."));
+}
+
+/// A model of a few objects, most of which are in every model, so that models which follow each other are often alike.
+ModelState randomModel(std::mt19937& random) {
+  ModelState model;
+  for (std::string const path :
+       {"/Case", "/Case A", "/Case/Domain:a", "/Case/Domain:a/Wall", "/Case/Domain:ab", "/Log"}) {
+    if (random() % 8 == 0) continue;
+    ObjectState& values = model[path];
+    for (std::string const name : {"Gravity", "Motion", "Title"}) {
+      if (random() % 6 != 0) values[name] = std::vector<std::string>{"1", "2", " ", "10\n/Case/Motion=1"}[random() % 4];
+    }
+  }
+  return model;
+}
+
+TEST_F(PhysicsValidator2, AValidatorThatHasSeenOtherModelsReadsTheNextOneAsAFreshOneDoes) {
+  rule("/Case").param("Motion");
+  auto const read = [this](Validator& validator, ModelState const& model) {
+    validator.setLogger(&logger_);
+    validator.validate(Validator::ValAll, model, {"/Case"});
+    testing::internal::CaptureStdout();
+    validator.dumpDB();
+    return testing::internal::GetCapturedStdout();
+  };
+  for (unsigned seed = 1; seed <= 30; ++seed) {
+    std::mt19937 random(seed);
+    Validator often(&rules_);
+    ModelState model = randomModel(random);
+    for (int call = 0; call < 60; ++call) {
+      // Other models, and those that differ in one parameter.
+      if (random() % 4 == 0) model = randomModel(random);
+      ObjectState& values = std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()))->second;
+      if (!values.empty() && random() % 2 == 0) {
+        values.erase(std::next(values.begin(), static_cast<std::ptrdiff_t>(random() % values.size())));
+      } else {
+        values["Title"] = std::to_string(random() % 200);
+      }
+      Validator fresh(&rules_);
+      ASSERT_EQ(read(often, model), read(fresh, model)) << "seed " << seed << ", call " << call;
+    }
+  }
 }
 
 TEST_F(PhysicsValidator2, AFurtherPhaseOfTheSameModelRunsAlone) {
