@@ -63,8 +63,7 @@ enum class ActivityState : int;
 /// 4. Edits, in any order and number, and `baseUpdate` whenever the base model has changed. Each is one update, after
 ///    which the getters are to be read.
 /// 5. Take over `getActiveTDFState` where the result is wanted. Nothing is ever written to the base model. The state
-/// can
-///    be handed to `initialise` of another object as its guide.
+///    can be handed to `initialise` of another object as its guide.
 ///
 /// The rules, the modifier, the base model and the logger are not owned and must outlive this object or their
 /// replacement. One thread at a time.
@@ -154,9 +153,9 @@ enum class ActivityState : int;
 ///
 /// ## Cost
 ///
-/// One update evaluates all rules of the active root and copies its content once; nothing is kept back for a part of
-/// it. The getters compute nothing, except those that return by value. No operation recurses; depth is limited by
-/// memory.
+/// One update evaluates all rules of the active root; nothing is kept back for a part of it. What it hands out is
+/// brought up to date by what changed, and made anew only when much did. The getters compute nothing, except those that
+/// return by value. No operation recurses; depth is limited by memory.
 class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
  public:
   /// Object path and name of a parameter.
