@@ -4,13 +4,14 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tarn/ModelState.h>
 
 #include "support/RuleSheet.h"
 
-/// Random rules, models and edits for the object `/Case/Domain:rotor`, all out of one seed.
+/// Random rules, models and edits for the object `/Case/Domain:rotor`, all out of one seed, or out of bytes.
 ///
 ///     RandomCase random(seed);
 ///     PhysicsData rules;
@@ -74,6 +75,25 @@ void apply(RandomEdit const& edit, State& state) {
   }
 }
 
+/// The numbers that a case is made of: those of a seed, or one for each byte and, when the bytes are used up, those of
+/// a fixed seed. So one byte more or less changes what is made of it and of what follows, not what came before.
+class RandomNumbers {
+ public:
+  explicit RandomNumbers(std::uint32_t seed) : rest_(seed) {}
+  explicit RandomNumbers(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)), rest_(1) {}
+
+  std::uint32_t operator()() {
+    if (next_ < bytes_.size()) return bytes_[next_++];
+    return static_cast<std::uint32_t>(rest_());
+  }
+  [[nodiscard]] bool hasBytes() const { return next_ < bytes_.size(); }
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+  std::size_t next_ = 0;
+  std::mt19937 rest_;  // its sequence is fixed by the standard
+};
+
 /// How wild a case is.
 struct RandomProfile {
   /// Rules look at parameters that stand behind them, so that one walk need not settle a state; there are default
@@ -84,12 +104,19 @@ struct RandomProfile {
 
 class RandomCase {
  public:
-  explicit RandomCase(std::uint32_t seed, RandomProfile profile = {}) : random_(seed), profile_(profile) {
+  explicit RandomCase(std::uint32_t seed, RandomProfile profile = {}) : RandomCase(RandomNumbers(seed), profile) {}
+  explicit RandomCase(RandomNumbers numbers, RandomProfile profile = {})
+      : random_(std::move(numbers)), profile_(profile) {
     addObject("/Case/Domain", 0);
     base["/Case"] = someValues({"Motion", "Fluid", "Level"});
     fillBranch(base, profile_.wild);
     if (chance(2)) fillBranch(guide, true);
   }
+
+  /// Where the edits come from when it is not where the rules came from.
+  void continueWith(RandomNumbers numbers) { random_ = std::move(numbers); }
+  /// Whether there are bytes left to make an edit of.
+  [[nodiscard]] bool hasBytes() const { return random_.hasBytes(); }
 
   RandomEdit nextEdit() {
     RandomEdit edit;
@@ -303,7 +330,7 @@ class RandomCase {
     return false;
   }
 
-  std::mt19937 random_;  // its sequence is fixed by the standard
+  RandomNumbers random_;
   RandomProfile profile_;
 };
 
