@@ -124,7 +124,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   enum MissingMode : std::int32_t { MissingOff = 0, MissingProbing = 1, MissingConfirmed = 2 };
 
   class Run;
-  class Filter;
+  class RootFilter;
   class StateText;
 
   HandlerStatus onBeginObject(ObjBeginInfo const* info) override;

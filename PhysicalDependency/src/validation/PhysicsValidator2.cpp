@@ -9,7 +9,6 @@
 
 #include <tarn/PhysicsValidator2.h>
 
-#include <algorithm>
 #include <iostream>
 #include <stdexcept>
 #include <string_view>
@@ -26,9 +25,10 @@
 #include <tarn/printModelState.h>
 
 #include "tree/DynamicTDFStateLoad.h"
-#include "tree/ShortTexts.h"
 #include "validation/MissingObjRecord.h"
 #include "validation/PVModelTDF.h"
+#include "validation/RootFilter.h"
+#include "validation/StateText.h"
 
 namespace tarn {
 
@@ -37,107 +37,6 @@ namespace {
 constexpr bool skipEmptyValues = true;
 
 }  // namespace
-
-/// Which objects of a state count: those of a root type, or all. States are in the order of paths, so objects of one
-/// type at the root mostly stand together, and the last answer is the next one.
-class [[gnu::visibility("hidden")]] PhysicsValidator2::Filter {
- public:
-  Filter(std::set<std::string, std::less<>> const& rootTypes, bool takesAll) noexcept
-      : rootTypes_(rootTypes), takesAll_(takesAll) {}
-
-  [[nodiscard]] bool counts(std::string_view path) {
-    if (takesAll_) return true;
-    if (root_.empty() || !path.starts_with(root_) || (path.size() > root_.size() && !endsType(path[root_.size()]))) {
-      std::size_t const typeEnd = std::min(path.find_first_of("/:", 1), path.size());
-      // Throws for the empty path: it has no leading "/".
-      counts_ = rootTypes_.contains(path.substr(1, typeEnd - 1));
-      root_ = path.substr(0, typeEnd);
-    }
-    return counts_;
-  }
-
- private:
-  [[nodiscard]] static bool endsType(char c) noexcept {
-    return c == '/' || c == ':';
-  }
-
-  std::set<std::string, std::less<>> const& rootTypes_;
-  bool takesAll_;
-  /// The beginning of the last path, up to the end of the type at the root.
-  std::string_view root_;
-  bool counts_ = false;
-};
-
-/// The text of a state, a line for each parameter, in map order; objects without parameters give none. It is made in
-/// the place of the text of the state before and compared with it on the way: a large model is most often the same, or
-/// one of a few other lines.
-class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
- public:
-  explicit StateText(std::string & text) noexcept : text_(text), left_(text), movesAllowed_(2 * text.size()) {}
-
-  /// Returns whether the lines of the object are those that stood there, and were all that it had.
-  bool add(std::string_view path, ObjectState const& values) {
-    bool agrees = true;
-    for (auto const& [name, value] : values) {
-      std::string_view const before = left_;
-      if (take(path) && take('/') && take(name) && take('=') && take(value) && take('\n')) continue;
-      agrees = false;
-      left_ = before;
-      put(path, name, value);
-    }
-    return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
-  }
-
-  [[nodiscard]] bool differs() const noexcept {
-    return differs_;
-  }
-
-  /// To be called behind the last object. Returns whether the text is another.
-  bool finish() {
-    if (left_.empty()) return differs_;
-    text_.resize(text_.size() - left_.size());
-    return true;
-  }
-
- private:
-  bool take(std::string_view piece) noexcept {
-    if (left_.size() < piece.size() || !sameBytes(left_.data(), piece.data(), piece.size())) return false;
-    left_.remove_prefix(piece.size());
-    return true;
-  }
-  bool take(char byte) noexcept {
-    if (left_.empty() || left_.front() != byte) return false;
-    left_.remove_prefix(1);
-    return true;
-  }
-
-  /// Puts a line in the place of the one that stands there, so that what lies behind may agree again. Where lines of
-  /// other sizes have moved the rest often enough, it is given up instead.
-  void put(std::string_view path, std::string_view name, std::string_view value) {
-    differs_ = true;
-    std::size_t const start = text_.size() - left_.size();
-    std::size_t const newSize = path.size() + name.size() + value.size() + 3;
-    std::size_t const oldSize = std::min(left_.find('\n'), left_.size() - 1) + 1;
-    if (left_.empty() || (newSize != oldSize && left_.size() > movesAllowed_)) {
-      text_.resize(start);
-      text_.append(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
-      left_ = {};
-      return;
-    }
-    if (newSize != oldSize) movesAllowed_ -= left_.size();
-    line_.assign(path).append(1, '/').append(name).append(1, '=').append(value).append(1, '\n');
-    text_.replace(start, oldSize, line_);
-    left_ = std::string_view(text_).substr(start + newSize);
-  }
-
-  std::string& text_;
-  /// What has not been looked at. Before it stands the text of what has been added.
-  std::string_view left_;
-  /// In bytes; a few times the text, so that all of it stays linear.
-  std::size_t movesAllowed_;
-  bool differs_ = false;
-  std::string line_;
-};
 
 /// What lives as long as one run, and what of the validator points at it.
 class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
@@ -260,7 +159,7 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
 /// another. A value that is empty once it is cleaned does not enter the tree: for the rules and the checks there is no
 /// such parameter, though its line stands in the text.
 bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven) {
-  Filter filter(rootTypes_, useStateAsGiven);
+  RootFilter filter(rootTypes_, useStateAsGiven);
   StateText text(lastStateText_);
   // An object whose lines are as they were is in the tree as it was. As long as that held for all, it is even known
   // which object of the tree is the next one. Of an object without parameters only the tree tells.
@@ -285,7 +184,7 @@ bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven)
 }
 
 void PhysicsValidator2::loadFilteredTree(ModelState const& state, bool useStateAsGiven) {
-  Filter filter(rootTypes_, useStateAsGiven);
+  RootFilter filter(rootTypes_, useStateAsGiven);
   std::vector<DynamicTDF::StateRange> stretches;
   bool within = false;
   for (auto object = state.begin(); object != state.end(); ++object) {
