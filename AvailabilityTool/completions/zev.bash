@@ -26,11 +26,12 @@ _zev() {
       return
       ;;
     --root | --based-on | --validation-root) return ;; # objects, which stand in a model
+    -j | --jobs) return ;;                             # a number
   esac
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
-    validate) options+=' --rules --root --phase --only-validator --format' ;;
+    validate) options+=' --rules --root --phase --only-validator --format -j --jobs' ;;
     lint) options+=' --rules' ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;

@@ -94,7 +94,8 @@ TEST_F(BashCompletion, OffersTheStreamsAsTargetOfTheLog) {
   EXPECT_THAT(complete({"console", "--log", "std"}), UnorderedElementsAre("stdout", "stderr"));
 }
 
-TEST_F(BashCompletion, OffersNothingForAnObjectNorBehindAnUnknownCommand) {
+TEST_F(BashCompletion, OffersNothingForAnObjectOrANumberNorBehindAnUnknownCommand) {
+  EXPECT_THAT(complete({"validate", "-j", ""}), IsEmpty());
   EXPECT_THAT(complete({"show", "--root", "/"}), IsEmpty());
   EXPECT_THAT(complete({"prove", "-"}), IsEmpty());
 }

@@ -1,11 +1,12 @@
 // Brings the validator and the tool's own analyses together on one model. Each is made afresh for a model, so that
-// nothing that one remembers of a model can reach the next.
+// nothing that one remembers of a model can reach the next, nor that on another thread.
 #include "validate/ModelJudge.h"
 
 #include <algorithm>
 #include <set>
 #include <string_view>
 
+#include <tarn/BetaLoggingController.h>
 #include <tarn/DynamicTDF.h>
 #include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
@@ -32,23 +33,11 @@ bool holdsObject(ModelState const& model, std::string const& path) {
   return below != model.end() && below->first.starts_with(path + '/');
 }
 
-// Beta messages are gathered while the controller is attached.
-class Attachment {
- public:
-  Attachment(PhysicsData& rules, BetaLoggingController& controller) : rules_(rules) { rules_.attach(&controller); }
-  ~Attachment() { rules_.attach(nullptr); }
-  Attachment(Attachment const&) = delete;
-  Attachment& operator=(Attachment const&) = delete;
-
- private:
-  PhysicsData& rules_;
-};
-
 }  // namespace
 
-ModelJudge::ModelJudge(PhysicsData& rules, JudgeOptions options) : rules_(rules), options_(std::move(options)) {}
+ModelJudge::ModelJudge(PhysicsData const& rules, JudgeOptions options) : rules_(rules), options_(std::move(options)) {}
 
-Findings ModelJudge::judge(ModelState model) {
+Findings ModelJudge::judge(ModelState model) const {
   Findings findings;
   std::vector<std::string> const roots = rootsIn(model);
   if (!options_.onlyValidator) {
@@ -82,17 +71,16 @@ std::vector<std::string> ModelJudge::rootsIn(ModelState const& model) const {
   return {tops.begin(), tops.end()};
 }
 
-void ModelJudge::validate(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) {
+void ModelJudge::validate(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) const {
   FindingsLogger logger(findings);
-  Attachment const attachment(rules_, beta_);
+  BetaLoggingController beta;
   PhysicsValidator2 validator(&rules_);
   validator.setLogger(&logger);
-  validator.setBetaLoggingController(&beta_);
+  validator.setBetaLoggingController(&beta);
   findings.status = validator.validate(options_.phases, model, roots);
-  beta_.clearMessages();
 }
 
-void ModelJudge::judgeValues(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) {
+void ModelJudge::judgeValues(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) const {
   // The model as the validator has it: pertinent objects only, and no parameters without a value.
   DynamicTDF tree(false);
   for (auto begin = model.begin(); begin != model.end();) {

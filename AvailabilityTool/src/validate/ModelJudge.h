@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include <tarn/BetaLoggingController.h>
 #include <tarn/ModelState.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/PhysicsValidator2.h>
@@ -21,25 +20,24 @@ struct JudgeOptions {
   bool onlyValidator = false;
 };
 
-/// Judges one model after the other under the same rules.
+/// Judges models under the same rules, also several at once on threads of their own.
 class ModelJudge {
  public:
-  /// `rules` must outlive the judge. While a model is validated, a controller for beta messages is attached to them.
-  ModelJudge(PhysicsData& rules, JudgeOptions options);
+  /// `rules` must outlive the judge, with no controller attached to them: that would gather for all threads.
+  ModelJudge(PhysicsData const& rules, JudgeOptions options);
 
   /// All that is found in `model`. Throws a `Failure` when one of the roots asked for is not in the model, and passes
   /// on what a rule throws.
-  [[nodiscard]] Findings judge(ModelState model);
+  [[nodiscard]] Findings judge(ModelState model) const;
 
  private:
   [[nodiscard]] std::vector<std::string> rootsIn(ModelState const& model) const;
-  void validate(ModelState const& model, std::vector<std::string> const& roots, Findings& findings);
-  void judgeValues(ModelState const& model, std::vector<std::string> const& roots, Findings& findings);
+  void validate(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) const;
+  void judgeValues(ModelState const& model, std::vector<std::string> const& roots, Findings& findings) const;
   [[nodiscard]] bool isPertinent(std::string const& path) const;
 
-  PhysicsData& rules_;
+  PhysicsData const& rules_;
   JudgeOptions const options_;
-  BetaLoggingController beta_;
 };
 
 }  // namespace tarn::tool

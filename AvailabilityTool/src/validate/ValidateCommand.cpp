@@ -1,6 +1,7 @@
-// `zev validate`: reads the models one by one, has each judged, and reports at once, so that the findings of a long run
-// come as they are made and one model at a time is in memory. A model that cannot be read is told and does not keep the
-// others from being judged.
+// `zev validate`: has each model read and judged on one of several threads, and reports in the order of the models from
+// one thread, as soon as the findings of the next one are there: what a long run finds comes as it is made, only the
+// models that are being judged are in memory, and nobody can tell from the output how many threads there were. A model
+// that cannot be read is told and does not keep the others from being judged.
 #include "validate/ValidateCommand.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <new>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -20,6 +22,7 @@
 
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
+#include "cli/OrderedResults.h"
 #include "cli/Output.h"
 #include "cli/PathArgument.h"
 #include "cli/Progress.h"
@@ -40,6 +43,7 @@ struct ValidateOptions {
   std::vector<std::string> models;
   JudgeOptions judge;
   Format format = Format::Text;
+  std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
 // The roots in canonical form. A root that the rules can say nothing about is a slip of the caller's, whatever the
@@ -68,8 +72,8 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
   return checked;
 }
 
-// Judges one model and reports what was found.
-Findings judgeModel(ModelJudge& judge, std::string const& name) {
+// Reads one model and judges it.
+Findings judgeModel(ModelJudge const& judge, std::string const& name) {
   ModelState model = readModelFile(name, TDFChangeFile::Strict);
   try {
     return judge.judge(std::move(model));
@@ -89,14 +93,16 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
   std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
   JudgeOptions judgeOptions = options.judge;
   judgeOptions.roots = checkedRoots(judgeOptions.roots, *rules);
-  ModelJudge judge(*rules, std::move(judgeOptions));
+  ModelJudge const judge(*rules, std::move(judgeOptions));
 
+  OrderedResults<Findings> results(options.models.size(), options.jobs,
+                                   [&](std::size_t i) { return judgeModel(judge, options.models[i]); });
   Summary summary;
   Progress progress(err, standardErrorIsTerminal(), options.models.size());
   for (std::string const& name : options.models) {
     progress.begin(name);
     try {
-      Findings const findings = judgeModel(judge, name);
+      Findings const findings = results.next();
       summary.add(findings);
       progress.hide();
       if (options.format == Format::Json) {
@@ -141,6 +147,10 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   command->add_option("--format", *format, "text, blocks for people, or json, a line for each model; without it, text")
       ->type_name("text|json")
       ->check(CLI::IsMember({"text", "json"}).description(""));
+  command
+      ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; without it, as many as there are cores")
+      ->type_name("N")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));
   command->add_option("MODEL", options->models, "Files of model text; - is the standard input")
       ->type_name("")
       ->required();

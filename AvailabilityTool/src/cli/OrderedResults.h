@@ -1,0 +1,106 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace tarn::tool {
+
+/// Makes results on several threads and hands them out in the order of their numbers, whichever is ready first. So what
+/// is written of them is the same however many threads there are.
+///
+///     OrderedResults<Findings> results(models.size(), 4, [&](std::size_t i) { return judge(models[i]); });
+///     for (std::string const& model : models) report(model, results.next());
+///
+/// Not more than a few results a thread are made ahead of the one that is asked for, so memory does not grow with their
+/// number. With one thread, or for one result, each is made by `next` itself when it is asked for.
+template <typename Result>
+class OrderedResults {
+ public:
+  /// `make` is called once for each number below `count`, with several at a time, and must bear that.
+  OrderedResults(std::size_t count, std::size_t threads, std::function<Result(std::size_t)> make)
+      : count_(count), make_(std::move(make)) {
+    if (threads > count) threads = count;
+    if (threads < 2) return;
+    places_.resize(threads * ahead);
+    threads_.reserve(threads);
+    try {
+      while (threads_.size() < threads) threads_.emplace_back([this] { work(); });
+    } catch (std::system_error const&) {  // the machine has no more threads to give: fewer do it as well, if slower
+    }
+  }
+
+  /// Waits for the results that are being made, and drops what was not asked for.
+  ~OrderedResults() {
+    {
+      std::lock_guard const lock(mutex_);
+      begun_ = count_;
+    }
+    room_.notify_all();
+    for (std::thread& thread : threads_) thread.join();
+  }
+  OrderedResults(OrderedResults const&) = delete;
+  OrderedResults& operator=(OrderedResults const&) = delete;
+
+  /// The next result, or what was thrown when it was to be made; the one behind it can be had all the same. To be
+  /// called `count` times at most, by one thread.
+  [[nodiscard]] Result next() {
+    if (threads_.empty()) return make_(taken_++);
+    std::unique_lock lock(mutex_);
+    Place& place = places_[taken_ % places_.size()];
+    ready_.wait(lock, [&] { return place.isMade(); });
+    Place made = std::exchange(place, {});
+    ++taken_;
+    lock.unlock();
+    room_.notify_all();
+    if (made.error) std::rethrow_exception(made.error);
+    return std::move(*made.result);
+  }
+
+ private:
+  static constexpr std::size_t ahead = 4;  // a small number evens out results of unequal cost
+
+  struct Place {
+    std::optional<Result> result;
+    std::exception_ptr error;
+    [[nodiscard]] bool isMade() const noexcept { return result.has_value() || error; }
+  };
+
+  void work() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+      room_.wait(lock, [&] { return begun_ == count_ || begun_ < taken_ + places_.size(); });
+      if (begun_ == count_) return;
+      std::size_t const i = begun_++;
+      lock.unlock();
+      Place made;
+      try {
+        made.result.emplace(make_(i));
+      } catch (...) {
+        made.error = std::current_exception();
+      }
+      lock.lock();
+      places_[i % places_.size()] = std::move(made);
+      ready_.notify_one();
+    }
+  }
+
+  std::size_t const count_;
+  std::function<Result(std::size_t)> const make_;
+  std::mutex mutex_;
+  std::condition_variable ready_;
+  std::condition_variable room_;
+  std::vector<Place> places_;  // of result i at i modulo their number
+  std::size_t begun_ = 0;
+  std::size_t taken_ = 0;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace tarn::tool
