@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
+#include <ctime>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -425,7 +425,7 @@ TEST(TDFChangeFile, AnObjectWithoutParametersHasAnEmptyMapUnlessItHasAnEntry) {
 
 TEST(TDFChangeFile, ReadsLargeValuesAndManyFaultsInLinearTime) {
   std::string const large(10'000'000, 'x');
-  auto const start = std::chrono::steady_clock::now();
+  std::clock_t const start = std::clock();
   EXPECT_EQ(read("/Case/A=" + large), "/Case|A|" + large + '\n');
   EXPECT_EQ(strictFault(large),
             "<text 1>:1:1: neither \"=\" nor \":\" in the line; write name = value, Type: name or END # Type:name");
@@ -435,7 +435,7 @@ TEST(TDFChangeFile, ReadsLargeValuesAndManyFaultsInLinearTime) {
   for (int i = 0; i < 200000; ++i) junk += "a: b:c\n";
   EXPECT_GT(readLenient(openings).errors.size(), 200000U);
   EXPECT_GT(readLenient(junk).errors.size(), 200000U);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+  EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 60) << "seconds of the processor";
 }
 
 TEST(TDFChangeFile, NeverFailsForRandomTextInLenientMode) {
