@@ -1,0 +1,68 @@
+// The numbers on the page about limits against those that the program goes by.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <tarn/PathPattern.h>
+#include <tarn/TDFChangeFile.h>
+#include <tarn/rules/RuleLoader.h>
+
+#include "console/Completion.h"
+#include "console/HistoryFile.h"
+
+namespace tarn::tool {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::IsEmpty;
+using testing::Not;
+
+/// What the page says of each row about `name`.
+std::vector<std::size_t> told(std::string const& name) {
+  std::ifstream page(TARN_SOURCE_DIR "/docs/limits.md");
+  std::vector<std::size_t> numbers;
+  for (std::string line; std::getline(page, line);) {
+    std::istringstream row(line);
+    std::string cell, most, place;
+    std::getline(row, cell, '|') && std::getline(row, cell, '|') && std::getline(row, most, '|') &&
+        std::getline(row, place, '|');
+    if (place != " `" + name + "` ") continue;
+    most.erase(std::remove(most.begin(), most.end(), ','), most.end());
+    numbers.push_back(std::stoul(most));
+  }
+  return numbers;
+}
+
+auto is(std::size_t number) {
+  return AllOf(Not(IsEmpty()), Each(number));
+}
+
+TEST(LimitsPage, TellsTheLimitsOfRuleFiles) {
+  rules::LoadLimits const limits;
+  EXPECT_THAT(told("fileSize"), is(limits.fileSize));
+  EXPECT_THAT(told("yamlDepth"), is(limits.yamlDepth));
+  EXPECT_THAT(told("yamlNodes"), is(limits.yamlNodes));
+  EXPECT_THAT(told("expressionLength"), is(limits.expressionLength));
+  EXPECT_THAT(told("expressionDepth"), is(limits.expressionDepth));
+  EXPECT_THAT(told("callDepth"), is(limits.callDepth));
+  EXPECT_THAT(told("nestingDepth"), is(limits.nestingDepth));
+  EXPECT_THAT(told("callCount"), is(limits.callCount));
+  EXPECT_THAT(told("errors"), is(limits.errors));
+}
+
+TEST(LimitsPage, TellsTheLimitsOfPathsAndOfTheConsole) {
+  EXPECT_THAT(told("TDFChangeFile::maxComponents"), is(TDFChangeFile::maxComponents));
+  EXPECT_THAT(told("PathPattern::maxSteps"), is(PathPattern::maxSteps));
+  EXPECT_THAT(told("HistoryFile::maxLines"), is(HistoryFile::maxLines));
+  EXPECT_THAT(told("Completion::maxChoices"), is(Completion::maxChoices));
+}
+
+}  // namespace
+}  // namespace tarn::tool
