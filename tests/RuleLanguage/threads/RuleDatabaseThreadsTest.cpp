@@ -257,20 +257,22 @@ TEST(RuleDatabaseThreads, RuleFilesOfAWholeCaseServeFourThreadsAsWellAsOne) {
 }
 
 TEST(RuleDatabaseThreads, EightThreadsMayBeTheFirstToSearchALongList) {
-  std::vector<Job> const jobs(8, [](PhysicsData const& rules) {
-    ParamValueDef const* const alloy = rules.getParamValueDef("/Case/Pipe", "Alloy", true);
-    DynamicTDF const none(false);
-    EvalContext evaluation(&none);
-    SharedStrings const alloys = alloy->allowedValues->evaluate(TDFContext("/Case/Pipe:feed"), &evaluation);
-    Transcript said;
-    for (char const* const asked : {"P195GH", "1.4571", "Lead"}) {
-      said.push_back(std::string(asked) + (alloys.contains(asked) ? " is listed" : " is not listed"));
-    }
-    return said;
-  });
-
   for (int round = 0; round < rounds; ++round) {
     auto const rules = parseRules(heatingRules);
+    // Handing the list on puts threads in order, and would hide what they do to it at once.
+    std::latch haveList(8);
+    std::vector<Job> const jobs(8, [&haveList](PhysicsData const& shared) {
+      ParamValueDef const* const alloy = shared.getParamValueDef("/Case/Pipe", "Alloy", true);
+      DynamicTDF const none(false);
+      EvalContext evaluation(&none);
+      SharedStrings const alloys = alloy->allowedValues->evaluate(TDFContext("/Case/Pipe:feed"), &evaluation);
+      haveList.arrive_and_wait();
+      Transcript said;
+      for (char const* const asked : {"P195GH", "1.4571", "Lead"}) {
+        said.push_back(std::string(asked) + (alloys.contains(asked) ? " is listed" : " is not listed"));
+      }
+      return said;
+    });
     EXPECT_THAT(onThreads(jobs, *rules),
                 testing::Each(ElementsAre("P195GH is listed", "1.4571 is listed", "Lead is not listed")));
   }
