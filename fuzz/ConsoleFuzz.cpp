@@ -5,13 +5,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,10 +23,13 @@
 
 #include "fuzz/support/Laws.h"
 #include "support/EditLaws.h"
+#include "support/Redirected.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
 
 using tarn::fuzz::require;
+using tarn::test::Redirected;
 
 constexpr char const* rules = R"yaml(Rule Database: 1
 Pertinent Roots: [Case]
@@ -120,28 +120,16 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 3> models = 
 class ModelFolder {
  public:
   ModelFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "console-fuzz-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-      std::cerr << "cannot make a folder for the model files: " << name << '\n';
-      std::exit(EXIT_FAILURE);
-    }
-    path_ = name;
-    for (auto const& [file, text] : models) std::ofstream(path_ / file) << text;
-  }
-  ModelFolder(ModelFolder const&) = delete;
-  ModelFolder& operator=(ModelFolder const&) = delete;
-  ~ModelFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    for (auto const& [file, text] : models) std::ofstream(folder_.path() / file) << text;
   }
   /// Where a command looks for a file of that name. Without separators no name leads out of the folder.
   [[nodiscard]] std::string operator[](std::string name) const {
     std::erase(name, '/');
-    return (path_ / name).string();
+    return (folder_.path() / name).string();
   }
 
  private:
-  std::filesystem::path path_;
+  tarn::test::TemporaryFolder folder_{"console-fuzz"};
 };
 
 /// What is typed, with the files of the commands that take one put into the folder.
@@ -159,22 +147,6 @@ std::string confined(std::string_view typed, ModelFolder const& folder) {
   }
   return lines;
 }
-
-/// Puts a stream buffer in the place of another for as long as this lives.
-class Redirected {
- public:
-  Redirected(std::ios& stream, std::streambuf* buffer) : stream_(stream), former_(stream.rdbuf(buffer)) {}
-  Redirected(Redirected const&) = delete;
-  Redirected& operator=(Redirected const&) = delete;
-  ~Redirected() {
-    stream_.rdbuf(former_);
-    stream_.clear();
-  }
-
- private:
-  std::ios& stream_;
-  std::streambuf* former_;
-};
 
 /// All that is printed for the lines. What is broken of the laws of the state is put into `broken`.
 std::string dialogue(tarn::PhysicsData const& data, std::string const& lines, bool strict, std::string& broken) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "end_to_end/Shell.h"
+#include "support/TemporaryFolder.h"
 
 namespace tarn::test {
 namespace {
@@ -24,13 +25,10 @@ using Strings = std::vector<std::string>;
 class BashCompletion : public testing::Test {
  protected:
   BashCompletion() {
-    std::string name = (fs::temp_directory_path() / "zev-completion-").string() + std::string(6, 'X');
-    folder_ = ::mkdtemp(name.data());
     fs::create_directory(folder_ / "rules");
     for (std::string const file : {"pump.tdf", "old pump.tdf", "flow.rules.yaml"})
       std::ofstream(folder_ / file) << '\n';
   }
-  ~BashCompletion() override { fs::remove_all(folder_); }
 
   /// What the last of `words` may become.
   Strings complete(Strings const& words) const {
@@ -45,7 +43,8 @@ class BashCompletion : public testing::Test {
     return found;
   }
 
-  fs::path folder_;
+  TemporaryFolder temporary_{"zev-completion"};
+  fs::path const folder_ = temporary_.path();
 };
 
 TEST_F(BashCompletion, IsRegisteredForTheProgram) {

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "end_to_end/Terminal.h"
+#include "support/TemporaryFolder.h"
 
 namespace tarn::test {
 namespace {
@@ -21,12 +22,6 @@ using testing::Not;
 
 class ConsoleOnATerminal : public testing::Test {
  protected:
-  ConsoleOnATerminal() {
-    std::string name = (fs::temp_directory_path() / "zev-terminal-").string() + std::string(6, 'X');
-    home_ = ::mkdtemp(name.data());
-  }
-  ~ConsoleOnATerminal() override { fs::remove_all(home_); }
-
   /// A console that edits the channel of the example case, with what it prints of the state put into a file.
   std::vector<std::string> arguments(std::vector<std::string> const& further = {}) const {
     std::vector<std::string> all = {TARN_ZEV,  "console",          "--rules", "rules",
@@ -56,7 +51,8 @@ class ConsoleOnATerminal : public testing::Test {
     return last;
   }
 
-  fs::path home_;
+  TemporaryFolder temporary_{"zev-terminal"};
+  fs::path const home_ = temporary_.path();
 };
 
 std::string unrecognised(std::string const& word) {

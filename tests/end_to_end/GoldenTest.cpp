@@ -21,6 +21,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TemporaryFolder.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -75,15 +77,15 @@ int openOrFail(fs::path const& file, int flags) {
 }
 
 Outcome run(fs::path const& folder) {
-  std::string scratchName = (fs::temp_directory_path() / "zev-golden-").string() + std::string(6, 'X');
-  if (!::mkdtemp(scratchName.data())) ADD_FAILURE() << "no scratch folder";
-  fs::path const scratch = scratchName;
+  tarn::test::TemporaryFolder const scratchFolder("zev-golden");
+  fs::path const& scratch = scratchFolder.path();
   fs::path const input = fs::exists(folder / "stdin") ? folder / "stdin" : fs::path("/dev/null");
 
   std::string const command = contentOf(folder / "command");
   // Nothing of the caller's surroundings gets in, so that a case comes out alike everywhere.
   std::string const path = "PATH=" + fs::path(TARN_ZEV).parent_path().string() + ":/usr/bin:/bin";
-  std::string const scratchVariable = "SCRATCH=" + scratchName;  // a folder of its own, for what a case has to make
+  std::string const scratchVariable =
+      "SCRATCH=" + scratch.string();  // a folder of its own, for what a case has to make
   char const* const environment[] = {path.c_str(), scratchVariable.c_str(), "LC_ALL=C.UTF-8", nullptr};
   char const* const argv[] = {"/usr/bin/timeout", "--signal=KILL", "60", "/bin/sh", "-c", command.c_str(), nullptr};
 
@@ -100,7 +102,6 @@ Outcome run(fs::path const& folder) {
   outcome.exit = (WIFEXITED(status) ? std::to_string(WEXITSTATUS(status))
                                     : "killed by signal " + std::to_string(WTERMSIG(status))) +
                  '\n';
-  fs::remove_all(scratch);
   return outcome;
 }
 

@@ -66,7 +66,7 @@ class ChangeRecord;
 /// elsewhere in the tree leave them alone. One to a list of the log is valid as long as the tree, and shows later
 /// events. An argument may itself be such a reference, unless it is to the value that the call overwrites.
 ///
-/// One thread at a time, also for reading: `getParamValueAsList` keeps the items that it found.
+/// One thread at a time, also for reading: a look-up remembers what it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
  public:
   /// A part of a state.

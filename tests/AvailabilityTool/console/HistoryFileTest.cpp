@@ -8,6 +8,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "support/TemporaryFolder.h"
+
 namespace tarn::tool {
 namespace {
 
@@ -32,12 +34,6 @@ TEST(HistoryFile, PassesOverAStateFolderThatIsNoFullPath) {
 
 class HistoryFileTest : public testing::Test {
  protected:
-  HistoryFileTest() {
-    std::string name = (fs::temp_directory_path() / "zev-history-").string() + std::string(6, 'X');
-    folder_ = ::mkdtemp(name.data());
-  }
-  ~HistoryFileTest() override { fs::remove_all(folder_); }
-
   static fs::perms permissionsOf(fs::path const& path) { return fs::status(path).permissions(); }
   void write(std::string const& content) const { std::ofstream(path()) << content; }
   std::string content() const {
@@ -46,7 +42,8 @@ class HistoryFileTest : public testing::Test {
   }
   fs::path path() const { return folder_ / "history"; }
 
-  fs::path folder_;
+  test::TemporaryFolder temporary_{"zev-history"};
+  fs::path const folder_ = temporary_.path();
 };
 
 TEST_F(HistoryFileTest, GivesTheLinesOfEarlierRunsOldestFirst) {

@@ -16,7 +16,9 @@
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvisionalTDF.h>
 
+#include "support/Redirected.h"
 #include "support/Rules.h"
+#include "support/TemporaryFolder.h"
 
 namespace tarn::tool {
 namespace {
@@ -240,11 +242,11 @@ TEST(LineCompleter, KnowsTheCommandsThatTheLoopKnowsAndNoOthers) {
   ProvTDFLogger logger(&state, "/dev/null");
   std::istringstream in(lines);
   std::ostringstream out;
-  std::streambuf* const inBefore = std::cin.rdbuf(in.rdbuf());
-  std::streambuf* const outBefore = std::cout.rdbuf(out.rdbuf());
-  ProvTDFDriver(false, true, "/Case", &rules, &logger, &state).waitInput();
-  std::cin.rdbuf(inBefore);
-  std::cout.rdbuf(outBefore);
+  {
+    test::Redirected const input(std::cin, in.rdbuf());
+    test::Redirected const output(std::cout, out.rdbuf());
+    ProvTDFDriver(false, true, "/Case", &rules, &logger, &state).waitInput();
+  }
 
   std::erase_if(words, [&](std::string const& word) {
     return out.str().find("Unrecognised command \"" + word + "\".") != std::string::npos;
@@ -256,17 +258,15 @@ TEST(LineCompleter, KnowsTheCommandsThatTheLoopKnowsAndNoOthers) {
 class FileCompletion : public LineCompleterTest {
  protected:
   FileCompletion() {
-    std::string name = (std::filesystem::temp_directory_path() / "zev-complete-").string() + std::string(6, 'X');
-    folder_ = ::mkdtemp(name.data());
     std::filesystem::create_directory(folder_ / "cases of 2024");
     for (std::string const file :
          {"pump.tdf", "pumps.tdf", "fan, old.tdf", ".hidden", "cases of 2024/motor.tdf", "a\tb"}) {
       std::ofstream(folder_ / file) << '\n';
     }
   }
-  ~FileCompletion() override { std::filesystem::remove_all(folder_); }
 
-  std::filesystem::path folder_;
+  test::TemporaryFolder temporary_{"zev-complete"};
+  std::filesystem::path const folder_ = temporary_.path();
 };
 
 TEST_F(FileCompletion, IsOfferedAfterTheCommandsThatLoadAndValidate) {

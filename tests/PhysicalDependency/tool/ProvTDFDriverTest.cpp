@@ -18,11 +18,13 @@
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvisionalTDF.h>
 
+#include "support/Redirected.h"
 #include "support/Rules.h"
 
 namespace tarn {
 namespace {
 
+using test::Redirected;
 using test::Rules;
 using test::when;
 
@@ -44,22 +46,6 @@ struct RotorRules : PhysicsData {
     rules.object("/Case/Domain/Boundary");
     rules.param("Kind").required().byDefault("Wall");
   }
-};
-
-/// A stream buffer put in the place of another for as long as this lives.
-class Redirected {
- public:
-  Redirected(std::ios& stream, std::streambuf* buffer) : stream_(stream), former_(stream.rdbuf(buffer)) {}
-  Redirected(Redirected const&) = delete;
-  Redirected& operator=(Redirected const&) = delete;
-  ~Redirected() {
-    stream_.rdbuf(former_);
-    stream_.clear();
-  }
-
- private:
-  std::ios& stream_;
-  std::streambuf* former_;
 };
 
 class ProvTDFDriverTest : public testing::Test {
