@@ -4,6 +4,7 @@
 #include "cli/CommandLine.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -98,9 +99,8 @@ int run(std::vector<std::string> arguments) {
   return status;
 }
 
-}  // namespace
-
-int runCommandLine(int argc, char const* const* argv) noexcept {
+/// As `run`, with every failure told.
+int runAndTell(int argc, char const* const* argv) {
   try {
     WriteErrors const errors(std::cout);
     return run(std::vector<std::string>(argv + (argc > 0), argv + argc));
@@ -114,6 +114,20 @@ int runCommandLine(int argc, char const* const* argv) noexcept {
     std::cerr << "zev: " << error.what() << '\n';
   }
   return Failed;
+}
+
+/// Whether messages were lost that somebody wanted to have: whoever closes the standard error does not.
+bool areLost(WriteErrors const& messages) {
+  std::cerr.flush();
+  return !std::cerr && messages.first() != EBADF;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char const* const* argv) noexcept {
+  WriteErrors const messages(std::cerr);
+  int const status = runAndTell(argc, argv);
+  return areLost(messages) ? Failed : status;
 }
 
 }  // namespace tarn::tool

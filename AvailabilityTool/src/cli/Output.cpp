@@ -1,5 +1,5 @@
-// What can go wrong with the standard streams. Without these steps a closed pipe would end the process by a signal, and
-// with standard output closed its descriptor would be given to a model file.
+// What can go wrong with the standard streams. Without these steps a closed pipe, or a file that may not grow any more,
+// would end the process by a signal, and with standard output closed its descriptor would be given to a model file.
 #include "cli/Output.h"
 
 #include <fcntl.h>
@@ -52,23 +52,24 @@ void WriteErrors::keepWhy() {
   failed_ = true;
 }
 
+std::string becauseOf(int error) {
+  return error != 0 ? ": " + std::generic_category().message(error) : "";
+}
+
 void flushResults(std::ostream& out) {
   out.flush();
   if (out) return;
   auto const* const errors = dynamic_cast<WriteErrors const*>(out.rdbuf());
-  std::string const why =
-      errors != nullptr && errors->first() != 0 ? ": " + std::generic_category().message(errors->first()) : "";
-  throw Failure("the standard output cannot be written" + why +
+  throw Failure("the standard output cannot be written" + becauseOf(errors != nullptr ? errors->first() : 0) +
                 "; let its reader read to the end, or write to a file on a disk that has room");
 }
 
 void prepareStandardStreams() noexcept {
-  std::signal(SIGPIPE, SIG_IGN);
+  for (int const signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
   for (int const descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
-    // The lowest free descriptor is the one that was found closed. Output opened for reading only fails on writing.
-    int const opened = ::open("/dev/null", descriptor == STDERR_FILENO ? O_WRONLY : O_RDONLY);
-    if (opened == -1) return;
+    // The lowest free descriptor is the one that was found closed. Opened for reading only, it fails on writing.
+    if (::open("/dev/null", O_RDONLY) == -1) return;
   }
   std::ios_base::sync_with_stdio(false);
 }

@@ -2,6 +2,7 @@
 
 #include <ostream>
 #include <streambuf>
+#include <string>
 
 namespace tarn::tool {
 
@@ -36,12 +37,16 @@ class WriteErrors : public std::streambuf {
   int first_ = 0;
 };
 
+/// What to put behind a sentence that says that something failed: ": " and the text of the `errno`; nothing for 0.
+[[nodiscard]] std::string becauseOf(int error);
+
 /// Sees to it that what was written to `out` has arrived. Throws a `Failure` when it has not: the reader is gone, the
 /// disk is full. Which it was is told of a stream that `WriteErrors` watches.
 void flushResults(std::ostream& out);
 
-/// Prepares the process for writing: a reader that goes away becomes a write that fails, and a standard stream that the
-/// caller has closed does not turn into the first file that is opened.
+/// Prepares the process for writing: a reader that goes away, and a file that has reached the size that it may have,
+/// become a write that fails; and a standard stream that the caller has closed does not turn into the first file that
+/// is opened: nothing can be read from it, and to write to it fails with EBADF.
 void prepareStandardStreams() noexcept;
 
 }  // namespace tarn::tool

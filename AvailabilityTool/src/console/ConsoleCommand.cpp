@@ -5,12 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
+#include <iostream>
 #include <memory>
 #include <ostream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -21,8 +19,11 @@
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
+#include "cli/Output.h"
 #include "cli/PathArgument.h"
 #include "cli/RuleFiles.h"
+#include "console/CommandInput.h"
+#include "console/LogTarget.h"
 #include "console/TerminalInput.h"
 #include "provisional/EditedObject.h"
 
@@ -42,11 +43,14 @@ struct ConsoleOptions {
   bool quiet = false;
 };
 
-/// An input that fails, and does not end, would keep the loop waiting for its end.
+std::string whyInputFailed(int error) {
+  return "the standard input cannot be read" + becauseOf(error) +
+         "; give it a terminal, a file of commands, or /dev/null";
+}
+
+/// Before anything is begun that would be for nothing.
 void requireReadableInput() {
-  if (::read(STDIN_FILENO, nullptr, 0) == 0) return;
-  throw Failure("the standard input cannot be read: " + std::generic_category().message(errno) +
-                "; give it a terminal, a file of commands, or /dev/null");
+  if (::read(STDIN_FILENO, nullptr, 0) != 0) throw Failure(whyInputFailed(errno));
 }
 
 /// The commands come from the standard input: a model read from it would take them, and leave none.
@@ -55,20 +59,19 @@ void requireFile(std::string const& option, std::string const& name) {
   throw Failure(option + ": a model cannot come from the standard input, as the commands do; give the name of a file");
 }
 
-/// The printer loses what it cannot write and says nothing, which a user would find out after the work was done.
-void requireWritableLog(std::string const& target) {
-  for (char const* const stream : {"stdout", "cout", "stderr", "cerr"}) {
-    if (target == stream) return;
-  }
-  std::error_code unknown;
-  // Who reads from a pipe would take an end of this trial for the end of the log.
-  if (std::filesystem::is_fifo(target, unknown)) return;
-  errno = 0;
-  std::ofstream const trial(target, std::ios::app);
-  if (trial) return;
-  std::string const why = errno != 0 ? ": " + std::generic_category().message(errno) : "";
-  throw Failure("--log: cannot open \"" + target + '"' + why +
-                "; give stdout, stderr, or the name of a file that can be written");
+/// Lets the user give commands until the end, and returns the exit status. Output that nobody can get any more ends it
+/// as well. A disk that is full does not: the edits would be lost with the log.
+int runLoop(ConsoleOptions const& options, EditedObject& object, ProvTDFLogger& printer, LogTarget& log,
+            std::ostream& err) {
+  ProvTDFDriver driver(options.strict, options.quiet,
+                       options.validationRoot.empty() ? options.root : options.validationRoot, &object.rules(),
+                       &printer, &object.state());
+  auto const terminal = TerminalInput::open(object.state());
+  CommandInput const input(std::cin, [&] { return log.takesMore(err) && std::cout.good(); });
+  driver.waitInput();
+  if (!input.hasFailed()) return NothingFound;
+  err << "zev: " << whyInputFailed(input.error()) << '\n';
+  return Failed;
 }
 
 int console(ConsoleOptions const& options, std::ostream& err) {
@@ -76,21 +79,21 @@ int console(ConsoleOptions const& options, std::ostream& err) {
   requireFile("--guide", options.guide);
   if (!options.validationRoot.empty()) (void)objectArgument("--validation-root", options.validationRoot);
   requireReadableInput();
-  requireWritableLog(options.log);
+  LogTarget log(options.log);
   EditedObject object(loadRuleFiles(options.rules, err), options.root);
   auto const mode = options.strict ? TDFChangeFile::Strict : TDFChangeFile::Lenient;
   if (!options.model.empty()) object.setModel(readModelFile(options.model, mode));
   ModelState const guide = options.guide.empty() ? ModelState{} : readModelFile(options.guide, mode);
 
-  ProvTDFLogger printer(&object.state(), options.log);
-  object.state().setLogger(&printer);
-  object.initialise(options.basedOn, guide);
-  ProvTDFDriver driver(options.strict, options.quiet,
-                       options.validationRoot.empty() ? options.root : options.validationRoot, &object.rules(),
-                       &printer, &object.state());
-  auto const terminal = TerminalInput::open(object.state());
-  driver.waitInput();
-  return NothingFound;
+  int status = NothingFound;
+  {
+    ProvTDFLogger printer(&object.state(), log.stream());
+    object.state().setLogger(&printer);
+    object.initialise(options.basedOn, guide);
+    status = runLoop(options, object, printer, log, err);
+    object.state().setLogger(nullptr);
+  }
+  return log.finish(err) ? status : Failed;
 }
 
 }  // namespace

@@ -122,11 +122,13 @@ void HistoryFile::add(std::string const& line) const {
     fs::create_directories(folder, error);
     fs::permissions(folder, fs::perms::owner_all, error);
   }
-  OpenFile const file(path_, O_WRONLY | O_CREAT | O_APPEND);
+  OpenFile const file(path_, O_RDWR | O_CREAT | O_APPEND);
   if (!file.isUsable()) return;
   if (::fchmod(file.descriptor(), ownerOnly) != 0) return;  // somebody else's file is left alone
-  // In one write: the lines of two consoles do not run into each other.
-  (void)writeAll(file.descriptor(), line + '\n');
+  // In one write, and on a line of its own: the lines of two consoles do not run into each other, nor into one that a
+  // full disk has cut short.
+  std::string const last = file.size() == 0 ? "\n" : contentFrom(file, file.size() - 1);
+  (void)writeAll(file.descriptor(), (last == "\n" ? "" : "\n") + line + '\n');
 }
 
 void HistoryFile::replace(std::vector<std::string> const& lines) const {

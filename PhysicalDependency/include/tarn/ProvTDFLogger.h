@@ -30,6 +30,9 @@ class TARN_EXPORT ProvTDFLogger {
   ///
   /// Prints a header with the active root, and the end of the printer a footer, which does not read the state any more.
   ProvTDFLogger(ProvisionalTDF const* provisional, std::string const& target);
+  /// The same on a stream of the caller's, which must outlive the printer and all its copies. For those who want to
+  /// know whether all was written: the stream can tell, behind the footer too.
+  ProvTDFLogger(ProvisionalTDF const* provisional, std::ostream& out);
   /// Copies print to the same target, and each prints a footer at its end. A file is closed with the last of them.
   ProvTDFLogger(ProvTDFLogger const&) = default;
   ProvTDFLogger& operator=(ProvTDFLogger const&) = default;
@@ -50,7 +53,7 @@ class TARN_EXPORT ProvTDFLogger {
   void printUpdates() const { printer_.printUpdates(); }
 
  private:
-  std::shared_ptr<std::ofstream> ownedFile_;  // null for a console target
+  std::shared_ptr<std::ofstream> ownedFile_;  // null for a console target and for a stream of the caller's
   std::ostream* out_;
   ProvTDFPrinter printer_;
   std::string activeRoot_;

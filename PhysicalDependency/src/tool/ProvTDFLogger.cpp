@@ -21,6 +21,10 @@ bool isConsole(std::string const& target) {
   return console(target) != nullptr;
 }
 
+void writeHeader(std::ostream& out, std::string const& activeRoot) {
+  out << "# BEGIN PROVISIONAL TDF LOGGING ( Active TDF Root = " << activeRoot << " )\n\n" << std::flush;
+}
+
 }  // namespace
 
 ProvTDFLogger::ProvTDFLogger(ProvisionalTDF const* provisional, std::string const& target)
@@ -28,7 +32,12 @@ ProvTDFLogger::ProvTDFLogger(ProvisionalTDF const* provisional, std::string cons
       out_(ownedFile_ ? ownedFile_.get() : console(target)),
       printer_(provisional, out_),
       activeRoot_(provisional->getActiveRoot()) {
-  *out_ << "# BEGIN PROVISIONAL TDF LOGGING ( Active TDF Root = " << activeRoot_ << " )\n\n" << std::flush;
+  writeHeader(*out_, activeRoot_);
+}
+
+ProvTDFLogger::ProvTDFLogger(ProvisionalTDF const* provisional, std::ostream& out)
+    : out_(&out), printer_(provisional, out_), activeRoot_(provisional->getActiveRoot()) {
+  writeHeader(*out_, activeRoot_);
 }
 
 ProvTDFLogger::~ProvTDFLogger() {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <ios>
 #include <iostream>
 #include <limits>
 #include <memory>
@@ -56,11 +57,18 @@ std::string readToEnd(Take take) {
 }
 
 std::string readStandardInput() {
+  bool failed = false;
   errno = 0;
-  std::string text = readToEnd([](char* buffer, std::size_t size) {
-    return static_cast<std::size_t>(std::cin.rdbuf()->sgetn(buffer, static_cast<std::streamsize>(size)));
-  });
-  if (std::ferror(stdin)) failToRead("read", "the standard input", errno ? errno : EIO);
+  std::string text;
+  try {
+    text = readToEnd([](char* buffer, std::size_t size) {
+      return static_cast<std::size_t>(std::cin.rdbuf()->sgetn(buffer, static_cast<std::streamsize>(size)));
+    });
+    failed = std::ferror(stdin) != 0;
+  } catch (std::ios_base::failure const&) {  // from a stream that does not share the buffer of C
+    failed = true;
+  }
+  if (failed) failToRead("read", "the standard input", errno ? errno : EIO);
   return text;
 }
 

@@ -110,6 +110,13 @@ TEST_F(HistoryFileTest, OfAHugeFileTheEndIsRead) {
   EXPECT_EQ(content(), "ps\nq\n");
 }
 
+TEST_F(HistoryFileTest, ALineThatAFullDiskHasCutShortStandsAlone) {
+  write("ps\nsp /Case/Domain:ro");
+  HistoryFile(path()).add("v");
+  HistoryFile(path()).add("q");
+  EXPECT_EQ(content(), "ps\nsp /Case/Domain:ro\nv\nq\n");
+}
+
 TEST_F(HistoryFileTest, WhereNothingCanBeWrittenThereIsNoHistoryAndNoComplaint) {
   write("a file, where a folder is wanted");
   HistoryFile const history(path() / "zev" / "history");

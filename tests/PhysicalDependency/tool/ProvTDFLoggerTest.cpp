@@ -77,6 +77,17 @@ class ProvTDFLoggerTest : public test::ProvisionalTest {
 
 // Targets.
 
+TEST_F(ProvTDFLoggerTest, AStreamOfTheCallersGetsAllToTheFooter) {
+  start();
+  std::ostringstream out;
+  {
+    ProvTDFLogger const printer(&state(), out);
+    printer.printString("done");
+    EXPECT_EQ(out.str(), header + "done\n");
+  }
+  EXPECT_EQ(out.str(), header + "done\n" + footer);
+}
+
 TEST_F(ProvTDFLoggerTest, TheStandardStreamsAreChosenByTheirNames) {
   start();
   for (std::string const target : {"stdout", "cout"}) {

@@ -6,16 +6,21 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <ios>
+#include <iostream>
 #include <random>
 #include <sstream>
+#include <streambuf>
 
 #include <tarn/Error.h>
 
 #include "PhysicsInterfaces/CapturedCerr.h"
+#include "support/Redirected.h"
 
 namespace tarn {
 namespace {
@@ -203,6 +208,23 @@ TEST(TDFChangeFile, AFileThatCannotBeReadThrowsInBothModes) {
     EXPECT_EQ(fileFault("", mode), "cannot open \"\": No such file or directory");
   }
   std::filesystem::remove(directory);
+}
+
+/// An input that fails, in the way in which a file stream does.
+class BrokenInput : public std::streambuf {
+ protected:
+  std::streamsize xsgetn(char* /*buffer*/, std::streamsize /*size*/) override {
+    errno = EIO;
+    throw std::ios_base::failure("error reading the file");
+  }
+};
+
+TEST(TDFChangeFile, AStandardInputThatCannotBeReadThrowsInBothModes) {
+  BrokenInput input;
+  tarn::test::Redirected const in(std::cin, &input);
+  for (auto const mode : {TDFChangeFile::Lenient, TDFChangeFile::Strict}) {
+    EXPECT_EQ(fileFault("-", mode), "cannot read the standard input: Input/output error");
+  }
 }
 
 TEST(TDFChangeFile, TellsTheNameOfTheFileWithAFault) {
