@@ -39,6 +39,7 @@ UnknownNames::Result UnknownNames::find(ModelState const& model, std::vector<std
   typePath_.clear();
   levels_.clear();
   unknownObjects_.clear();
+  near_ = {};
   result_ = {};
 
   EvalContext context(nullptr);  // nothing is evaluated
@@ -171,6 +172,8 @@ std::string UnknownNames::NearNames::find(ObjDependDef const* rules, std::string
   } else if (empty) {
     for (auto const& entry : rules->children()) names->second.push_back(entry->type);
   }
+  if (names->second.size() > left_) return {};
+  left_ -= names->second.size();
   return answer->second = StringUtilities::nearMatch(name, names->second);
 }
 

@@ -64,12 +64,15 @@ class UnknownNames final : private DependencyAnalyser {
     bool known;
   };
 
-  // The names that an object's rules hold, gathered when a near match is asked for, and the answers given.
+  // The names that an object's rules hold, gathered when a near match is asked for, and the answers given. So many
+  // names are looked at and no more: a model of ten thousand unknown names under a type of ten thousand parameters
+  // would be searched for ever. The later ones do without a suggestion.
   class NearNames {
    public:
     std::string find(ObjDependDef const* rules, std::string const& name, bool ofParameter);
 
    private:
+    std::size_t left_ = 500'000;
     using Key = std::pair<ObjDependDef const*, bool>;
     std::map<Key, std::vector<std::string>> names_;
     std::map<std::pair<Key, std::string>, std::string> answers_;

@@ -29,7 +29,7 @@ class HintBudget {
   [[nodiscard]] std::string orNear(std::string_view text, std::vector<std::string> const& candidates);
 
  private:
-  std::size_t left_ = 2'000'000;
+  std::size_t left_ = 500'000;
 };
 
 }  // namespace tarn::rules

@@ -75,6 +75,22 @@ TEST_F(UnknownNamesTest, AParameterLikeNoOtherIsToldWithoutASuggestion) {
             "The rules know no parameter \"Colour\" in the object \"/Case\".");
 }
 
+TEST_F(UnknownNamesTest, OfVeryManyUnknownNamesTheLastAreToldWithoutASuggestion) {
+  PhysicsData rules;
+  rules.addPertinentRoot("Case");
+  ObjDependDef& flowCase = rules.addObject("/Case");
+  ObjectState misspelt;
+  for (int i = 10'000; i < 11'000; ++i) {
+    flowCase.addParam(parameter("Probe " + std::to_string(i)), valueOfType(TDFParam::String));
+    misspelt["Porbe " + std::to_string(i)] = "1";
+  }
+  std::vector<UnknownName> const names = UnknownNames(rules).find({{"/Case", misspelt}}, {}).names;
+  ASSERT_EQ(names.size(), 1000u);
+  EXPECT_EQ(names.front().message,
+            "The rules know no parameter \"Porbe 10000\" in the object \"/Case\"; did you mean \"Probe 10000\"?");
+  EXPECT_EQ(names.back().message, "The rules know no parameter \"Porbe 10999\" in the object \"/Case\".");
+}
+
 TEST_F(UnknownNamesTest, AnUnknownParameterWithoutAValueIsTold) {
   EXPECT_THAT(placesOf(find({{"/Case", {{"Colour", ""}}}})), ElementsAre("/Case|Colour"));
 }

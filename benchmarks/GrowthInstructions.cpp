@@ -1,0 +1,575 @@
+// Feeds the libraries input that somebody made to be a burden, in three sizes, so that the processor's instructions can
+// be counted and be seen to grow as the input does. Run by `tools/instructions --growth`, which judges the counts.
+//
+//     GrowthInstructions               each kind of input, counted when it runs under callgrind
+//     GrowthInstructions --quadratic   only one kind, whose work grows with the square of its size
+//     GrowthInstructions KIND          only that one, for a profiler
+//
+// Of each kind there are counted a size of next to nothing, the size in the table and twice that. They are chosen so
+// that a square shows, and as small as that allows.
+#include <valgrind/callgrind.h>
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tarn/DynamicTDF.h>
+#include <tarn/ProvTDFDriver.h>
+#include <tarn/ProvTDFLogger.h>
+#include <tarn/ProvTDFPrinter.h>
+#include <tarn/ProvisionalTDF.h>
+#include <tarn/TDFChangeFile.h>
+#include <tarn/rules/RuleLoader.h>
+
+#include "reports/JsonReport.h"
+#include "reports/TextReport.h"
+#include "support/Redirected.h"
+#include "validate/ModelJudge.h"
+
+namespace {
+
+using namespace tarn;
+
+using Work = std::function<void()>;
+
+struct Kind {
+  char const* name;
+  std::size_t size;
+  /// What is to be done with an input of a size; making the input is not counted.
+  std::function<Work(std::size_t)> prepare;
+};
+
+void require(bool holds, char const* what) {
+  if (!holds) throw std::logic_error(what);
+}
+
+// ------------------------------------------------------------------------------------------------------------- texts
+
+std::string number(std::size_t i) {
+  std::string const digits = std::to_string(i);
+  return std::string(7 - digits.size(), '0') + digits;
+}
+
+/// `piece(i)` for each number below `count`, one after the other.
+template <typename Piece>
+std::string repeated(std::size_t count, Piece const& piece) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += piece(i);
+  return text;
+}
+
+/// "a, b, c" of as many numbered names.
+std::string listed(std::size_t count, std::string const& name) {
+  return repeated(count, [&](std::size_t i) { return (i == 0 ? "" : ", ") + name + number(i); });
+}
+
+std::string const header = "Rule Database: 1\nPertinent Roots: [Case]\n";
+
+/// Rules of one object, with `parameters` as the lines of its parameters.
+std::string caseWith(std::string const& parameters) {
+  return header + "Objects:\n  /Case:\n    Parameters:\n      Title: {Parameter Type: String}\n" + parameters;
+}
+
+std::string parameter(std::string const& name, std::string const& attributes) {
+  return "      " + name + ": {" + attributes + "}\n";
+}
+
+/// A domain and its boundaries, as little of them as judging takes.
+std::string const flowRules = header + R"yaml(
+Objects:
+  /Case:
+    Parameters:
+      Flow Regime: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Laminar, Turbulent], Default Value: Laminar}
+      Regions: {Parameter Type: String List}
+    Children:
+      Domain: {}
+  /Case/Domain:
+    Parameters:
+      Motion: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Resting, Rotating], Default Value: Resting}
+      Angular Velocity: {Available: "${Motion} == 'Rotating'", Required: yes, Parameter Type: Real, Lower Bound: '0 [rad/s]'}
+      Partner: {Parameter Type: String, Value List Source: "names({/Case/Domain:*})"}
+    Children:
+      Boundary: {}
+      Turbulence: {Available: "${^Case/Flow Regime} == 'Turbulent'", Required: yes, Singleton: yes, Coupled: yes}
+  /Case/Domain/Boundary:
+    Parameters:
+      Location: {Required: yes, Parameter Type: String}
+  /Case/Domain/Turbulence:
+    Parameters:
+      Model: {Required: yes, Parameter Type: String, Ordered Allowed String List: [SST, LES], Default Value: SST}
+Global Checks:
+  somewhere:
+    Check: not any({/Case/**/Boundary:*}, ${Location} == 'nowhere')
+    Message: A boundary is nowhere.
+)yaml";
+
+// -------------------------------------------------------------------------------------------------------------- works
+
+/// Loading rules that are sound.
+Work load(std::string text) {
+  return [text = std::move(text)] { require(rules::parseRules(text) != nullptr, "no rules"); };
+}
+
+/// All that is to be told of rules, sound or not.
+Work lint(std::string text, bool expectsNothing = false) {
+  return [text = std::move(text), expectsNothing] {
+    rules::LintResult const result = rules::lintText(text);
+    if (result.diagnostics.empty() != expectsNothing) {
+      throw std::logic_error("rules are not as sound as they should be: " + rules::format(result.diagnostics));
+    }
+  };
+}
+
+/// Reading a model and all that `zev validate` finds and writes of it.
+Work judge(std::string const& ruleText, std::string model) {
+  std::shared_ptr<PhysicsData const> const rules = rules::parseRules(ruleText);
+  return [rules, model = std::move(model)] {
+    tool::Findings const findings =
+        tool::ModelJudge(*rules, {}).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
+    std::ostringstream out;
+    tool::writeTextReport(out, "model.tdf", findings);
+    tool::writeJsonReport(out, "model.tdf", findings);
+  };
+}
+
+/// Reading a model, and an edited object that begins with it and is printed.
+Work edit(std::string const& ruleText, std::string model) {
+  std::shared_ptr<PhysicsData const> const rules = rules::parseRules(ruleText);
+  return [rules, model = std::move(model)] {
+    ModelState const given = TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState();
+    DynamicTDF base(false);
+    base.initialise(given.begin(), given.end(), false);
+    ProvisionalTDF state(rules.get(), nullptr, "/Case");
+    state.initialise(&base, {});
+    std::ostringstream out;
+    ProvTDFPrinter const printer(&state, &out);
+    printer.printState();
+    printer.printUpdates();
+    require(!out.str().empty(), "nothing is printed");
+  };
+}
+
+/// Model text that has faults, which are told one by one.
+Work readLeniently(std::string model) {
+  return [model = std::move(model)] {
+    std::ostringstream told;
+    test::Redirected const errors(std::cerr, told.rdbuf());
+    (void)TDFChangeFile({}, {model}, TDFChangeFile::Lenient).toModelState();
+    require(!told.str().empty(), "no fault is told");
+  };
+}
+
+/// What the console makes of these lines.
+Work command(std::string lines) {
+  std::shared_ptr<PhysicsData const> const rules = rules::parseRules(flowRules);
+  return [rules, lines = std::move(lines)] {
+    DynamicTDF const base(false);
+    ProvisionalTDF state(rules.get(), nullptr, "/Case");
+    state.initialise(&base, {});
+    std::istringstream in(lines);
+    std::ostringstream out;
+    test::Redirected const input(std::cin, in.rdbuf());
+    test::Redirected const output(std::cout, out.rdbuf());
+    ProvTDFLogger printer(&state, "stdout");
+    state.setLogger(&printer);
+    ProvTDFDriver(true, true, "/Case", rules.get(), &printer, &state).waitInput();
+    state.setLogger(nullptr);
+  };
+}
+
+// -------------------------------------------------------------------------------------------------------------- kinds
+
+std::vector<Kind> kindsOfRules() {
+  auto const times = [](std::size_t n, std::string const& text) {
+    return repeated(n, [&](std::size_t) { return text; });
+  };
+  return {
+      {"YAML nested in flow form, refused", 4'000,
+       [=](std::size_t n) { return lint(header + "Objects: " + std::string(n, '[') + '\n'); }},
+      {"YAML nested in block form, refused", 4'000,
+       [=](std::size_t n) { return lint(header + "Objects:\n  " + times(n, "- ") + "a\n"); }},
+      {"YAML that is nothing but openings", 20'000,
+       [=](std::size_t n) { return lint(header + times(n, "? ") + '\n'); }},
+      {"aliases of a long list", 40,
+       [=](std::size_t n) {
+         return load(caseWith(
+             parameter("Base", "Parameter Type: String, Ordered Allowed String List: &all [" + listed(50, "m") + "]") +
+             repeated(n, [](std::size_t i) {
+               return parameter("P" + number(i), "Parameter Type: String, Ordered Allowed String List: *all");
+             })));
+       }},
+      {"aliases that multiply, refused", 30,
+       [=](std::size_t n) {
+         return lint(header + "x0: &x0 [a, b]\n" + repeated(n, [](std::size_t i) {
+                       std::string const last = "*x" + std::to_string(i);
+                       std::string const next = "x" + std::to_string(i + 1);
+                       return next + ": &" + next + " [" + last + ", " + last + "]\n";
+                     }));
+       }},
+      {"a long comment", 30'000, [=](std::size_t n) { return load(caseWith("# " + std::string(n, 'x') + '\n')); }},
+      {"a long text in quotes", 3'000,
+       [=](std::size_t n) {
+         return load(caseWith(parameter("P", "Parameter Type: String, Description: \"" + times(n, "\\u00e4 ") + '"')));
+       }},
+      {"keys that are given again and again", 150,
+       [=](std::size_t n) { return lint(caseWith(times(n, parameter("Speed", "Parameter Type: Real")))); }},
+      {"keys that do not exist", 150,
+       [=](std::size_t n) {
+         return lint(
+             caseWith(repeated(n, [](std::size_t i) { return parameter("P" + number(i), "Paramter Tipe: 1"); })));
+       }},
+      {"a long allowed list", 600,
+       [=](std::size_t n) {
+         return lint(caseWith(parameter("Material", "Parameter Type: String, Ordered Allowed String List: [" +
+                                                        listed(n, "Steel ") + "], Default Value: Steel 0000000")),
+                     true);
+       }},
+      {"an allowed list with a check for each value", 100,
+       [=](std::size_t n) {
+         return lint(
+             caseWith("      Material:\n        Parameter Type: String\n        Ordered Allowed String List: [" +
+                      listed(n, "Steel ") + "]\n        Allowed String List Checks:\n" +
+                      repeated(n,
+                               [](std::size_t i) {
+                                 return "          Steel " + number(i) + ": ${Title} == '" + number(i) + "'\n";
+                               })),
+             true);
+       }},
+      {"many object types", 60,
+       [=](std::size_t n) {
+         std::string text = caseWith("    Children:\n");
+         text += repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; });
+         text += repeated(n, [](std::size_t i) {
+           return "  /Case/T" + number(i) + ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
+         });
+         return lint(text, true);
+       }},
+      {"object types far down", 20,
+       [=](std::size_t n) {
+         std::string const path = "/Case" + times(100, "/T");
+         return lint(header + "Objects:\n" + repeated(n, [&](std::size_t i) {
+                       return "  " + path + number(i) + ":\n    Description: far down\n";
+                     }));
+       }},
+      {"a type of many parameters that read each other", 80,
+       [=](std::size_t n) {
+         return lint(caseWith(repeated(n,
+                                       [](std::size_t i) {
+                                         return parameter("P" + number(i),
+                                                          "Parameter Type: String, Default Value: \"= ${" +
+                                                              (i == 0 ? "Title" : "P" + number(i - 1)) + "}\"");
+                                       })),
+                     true);
+       }},
+      // So many that the search for the names that were meant is given up within the smaller one already.
+      {"reads of parameters that do not exist", 750,
+       [=](std::size_t n) {
+         return lint(caseWith(repeated(n, [](std::size_t i) {
+           return parameter("P" + number(i), "Parameter Type: Real, Default Value: \"= ${Slip " + number(i) + "}\"");
+         })));
+       }},
+      {"calls of checks that do not exist", 750,
+       [=](std::size_t n) {
+         return lint(header + "Checks:\n" + repeated(n, [](std::size_t i) {
+                       return "  c" + number(i) + ": check('slip " + number(i) + "')\n";
+                     }));
+       }},
+      {"a long expression", 400,
+       [=](std::size_t n) {
+         return load(caseWith(parameter(
+             "P", "Parameter Type: Real, Available: \"${Title} == 'x'" + times(n, " or ${Title} == 'y'") + '"')));
+       }},
+      {"a long list in an expression", 500,
+       [=](std::size_t n) {
+         return load(caseWith(
+             parameter("P", "Parameter Type: Real, Available: \"${Title} in ('x'" + times(n, ", 'yyyy'") + ")\"")));
+       }},
+      {"an expression of nothing but signs", 8'000,
+       [=](std::size_t n) {
+         return lint(caseWith(parameter("P", "Parameter Type: Real, Available: \"1 " + std::string(n, '-') + '"')));
+       }},
+      {"expressions nested up to the limit", 48,
+       [=](std::size_t n) {
+         std::string const nested = std::string(n, '(') + "${Title} == 'x'" + std::string(n, ')');
+         return load(caseWith(repeated(20, [&](std::size_t i) {
+           return parameter("P" + number(i), "Parameter Type: Real, Available: \"" + nested + '"');
+         })));
+       }},
+      {"expressions nested beyond the limit", 4'000,
+       [=](std::size_t n) {
+         return lint(caseWith(parameter("P", "Parameter Type: Real, Available: \"" + std::string(n, '(') + '"')));
+       }},
+      {"a path in a rule up to the limit", 490,
+       [=](std::size_t n) {
+         std::string const path = times(n, "../");
+         return load(caseWith(repeated(20, [&](std::size_t i) {
+           return parameter("P" + number(i), "Parameter Type: Real, Available: \"exists({" + path + "A})\"");
+         })));
+       }},
+      {"chains of named checks up to the limit", 48,
+       [=](std::size_t n) {
+         return load(header + "Checks:\n" + repeated(3, [&](std::size_t chain) {
+                       std::string const name = "c" + number(chain) + "x";
+                       return "  " + name + "0: ${Title} == 'x'\n" + repeated(n, [&](std::size_t i) {
+                                return "  " + name + std::to_string(i + 1) + ": check('" + name + std::to_string(i) +
+                                       "')\n";
+                              });
+                     }));
+       }},
+      {"a circle of named checks, refused", 80,
+       [=](std::size_t n) {
+         return lint(header + "Checks:\n" + repeated(n, [&](std::size_t i) {
+                       return "  c" + number(i) + ": check('c" + number((i + 1) % n) + "')\n";
+                     }));
+       }},
+      {"named checks that each call many", 30,
+       [=](std::size_t n) {
+         // As many calls as there are characters: each of the callers calls all of the called.
+         return load(header + "Checks:\n" +
+                     repeated(20, [](std::size_t i) { return "  called" + number(i) + ": ${Title} == 'x'\n"; }) +
+                     repeated(n, [](std::size_t i) {
+                       return "  c" + number(i) + ": \"true" +
+                              repeated(20, [](std::size_t j) { return " and check('called" + number(j) + "')"; }) +
+                              "\"\n";
+                     }));
+       }},
+      {"many global checks", 60,
+       [=](std::size_t n) {
+         return load(header + "Global Checks:\n" + repeated(n, [](std::size_t i) {
+                       return "  g" + number(i) + ": {Check: \"exists({/Case})\", Message: There is no case.}\n";
+                     }));
+       }},
+      {"many contexts of one parameter", 250,
+       [=](std::size_t n) {
+         return load(
+             caseWith(parameter("Kind", "Context Rule: yes, Parameter Type: String, Ordered Allowed String List: [" +
+                                            listed(n, "k") + "]") +
+                      parameter("Speed", "Context: [" + listed(n, "k") + "], Parameter Type: Real")));
+       }},
+  };
+}
+
+std::vector<Kind> kindsOfModels() {
+  auto const domains = [](std::size_t n, std::string const& prefix) {
+    return "/Case/Flow Regime=Laminar\n" +
+           repeated(n, [&](std::size_t i) { return "/Case/Domain:" + prefix + number(i) + "/Motion=Resting\n"; });
+  };
+  return {
+      {"many objects in one parent", 80, [=](std::size_t n) { return judge(flowRules, domains(n, "d")); }},
+      {"many objects, read as blocks", 80,
+       [=](std::size_t n) {
+         return judge(flowRules, "Case:\n  Flow Regime = Laminar\n" + repeated(n, [](std::size_t i) {
+                                   return "  Domain: d" + number(i) + "\n    Motion = Resting\n  END # Domain:d" +
+                                          number(i) + '\n';
+                                 }) + "END # Case:\n");
+       }},
+      {"many objects, edited", 100, [=](std::size_t n) { return edit(flowRules, domains(n, "d")); }},
+      {"names that begin alike for a long way", 50,
+       [=](std::size_t n) { return judge(flowRules, domains(n, std::string(200, 'd'))); }},
+      {"names that begin alike for a long way, edited", 50,
+       [=](std::size_t n) { return edit(flowRules, domains(n, std::string(200, 'd'))); }},
+      {"names that are the beginnings of others", 100,
+       [=](std::size_t n) {
+         // In groups, so that the text grows with the number of objects and not with its square.
+         return judge(flowRules, "/Case/Flow Regime=Laminar\n" + repeated(n, [](std::size_t i) {
+                                   return "/Case/Domain:" + number(i / 20) + std::string(i % 20, 'x') +
+                                          "/Motion=Resting\n";
+                                 }));
+       }},
+      {"many boundaries of one domain", 100,
+       [=](std::size_t n) {
+         return judge(flowRules, domains(1, "d") + repeated(n, [](std::size_t i) {
+                                   return "/Case/Domain:d0000000/Boundary:b" + number(i) + "/Location=inlet\n";
+                                 }));
+       }},
+      {"required objects that are missing", 50,
+       [=](std::size_t n) { return judge(flowRules, "/Case/Flow Regime=Turbulent\n" + domains(n, "d").substr(26)); }},
+      {"values that are not allowed", 60,
+       [=](std::size_t n) {
+         return judge(flowRules, "/Case/Flow Regime=Laminar\n" + repeated(n, [](std::size_t i) {
+                                   return "/Case/Domain:d" + number(i) + "/Motion=Flying\n";
+                                 }));
+       }},
+      {"objects that the rules do not know", 60,
+       [=](std::size_t n) {
+         return judge(flowRules, domains(1, "d") + repeated(n, [](std::size_t i) {
+                                   return "/Case/Domian" + number(i) + ":d/Motion=Resting\n";
+                                 }));
+       }},
+      {"parameters that the rules do not know", 750,  // as above, beyond where it is given up
+       [=](std::size_t n) {
+         return judge(
+             caseWith(repeated(n, [](std::size_t i) { return parameter("P" + number(i), "Parameter Type: Real"); })),
+             repeated(n, [](std::size_t i) { return "/Case/Slip " + number(i) + "=1\n"; }));
+       }},
+      {"a parameter given again and again", 2'000,
+       [=](std::size_t n) {
+         return judge(flowRules, domains(1, "d") + repeated(n, [](std::size_t) {
+                                   return "/Case/Domain:d0000000/Motion=Rotating\n";
+                                 }));
+       }},
+      {"an object opened again and again", 1'000,
+       [=](std::size_t n) {
+         return judge(flowRules, "Case:\nFlow Regime = Laminar\n" + repeated(n, [](std::size_t) {
+                                   return "Domain: d\nMotion = Resting\nEND # Domain:d\n";
+                                 }) + "END # Case:\n");
+       }},
+      // A path of a depth holds as many objects, and their paths together have its square of characters.
+      {"objects far down", 20,
+       [=](std::size_t n) {
+         return judge(flowRules, repeated(n, [](std::size_t i) {
+                        std::string path = "/Case/Domain:" + number(i);
+                        for (int depth = 0; depth < 50; ++depth) path += "/Part";
+                        return path + "/Motion=Resting\n";
+                      }));
+       }},
+      {"many parameters far down", 500,
+       [=](std::size_t n) {
+         return judge(flowRules, "Case:\n" + repeated(300, [](std::size_t) { return "A: x\n"; }) +
+                                     repeated(n, [](std::size_t i) { return "P" + number(i) + " = 1\n"; }) +
+                                     repeated(300, [](std::size_t) { return "END # A:x\n"; }) + "END # Case:\n");
+       }},
+      {"a long value", 50'000,
+       [=](std::size_t n) { return judge(flowRules, "/Case/Flow Regime=" + std::string(n, 'x') + '\n'); }},
+      {"a long value, edited", 400'000,
+       [=](std::size_t n) { return edit(flowRules, "/Case/Regions=" + std::string(n, 'x') + '\n'); }},
+      {"a long list as a value", 60'000,
+       [=](std::size_t n) {
+         return judge(flowRules, "/Case/Flow Regime=Laminar\n/Case/Regions=" + listed(n, "r") + '\n');
+       }},
+      {"a long list held against a long allowed list", 500,
+       [=](std::size_t n) {
+         return judge(caseWith(parameter("Regions", "Parameter Type: String List, Ordered Allowed String List: [" +
+                                                        listed(n, "r") + "]")),
+                      "/Case/Regions=" + listed(n, "r") + ", " + listed(n, "s") + '\n');
+       }},
+      {"a long complete list held against the whole of it", 800,
+       [=](std::size_t n) {
+         return judge(caseWith(parameter("Regions",
+                                         "Parameter Type: String List, Complete List Required: yes, Ordered "
+                                         "Allowed String List: [" +
+                                             listed(n, "r") + "]")),
+                      "/Case/Regions=" + listed(n, "r") + '\n');
+       }},
+      {"a long list held against a long allowed list, edited", 1'000,
+       [=](std::size_t n) {
+         return edit(caseWith(parameter("Regions", "Parameter Type: String List, Ordered Allowed String List: [" +
+                                                       listed(n, "r") + "]")),
+                     "/Case/Regions=" + listed(n, "r") + ", " + listed(n, "s") + '\n');
+       }},
+      {"a long list that is named again and again", 60'000,
+       [=](std::size_t n) {
+         return judge(flowRules, "/Case/Regions=" + repeated(n, [](std::size_t) { return "same, "; }) + "same\n");
+       }},
+      {"a type of many parameters, all there", 200,
+       [=](std::size_t n) {
+         return judge(
+             caseWith(repeated(n, [](std::size_t i) { return parameter("P" + number(i), "Parameter Type: Real"); })),
+             repeated(n, [](std::size_t i) { return "/Case/P" + number(i) + "=1\n"; }));
+       }},
+      {"a type of many parameters, all missing", 100,
+       [=](std::size_t n) {
+         return judge(
+             caseWith(repeated(
+                 n, [](std::size_t i) { return parameter("P" + number(i), "Required: yes, Parameter Type: Real"); })),
+             "/Case/Title=none\n");
+       }},
+      {"a type of many parameters, edited", 300,
+       [=](std::size_t n) {
+         return edit(caseWith(repeated(n,
+                                       [](std::size_t i) {
+                                         return parameter("P" + number(i),
+                                                          "Required: yes, Parameter Type: Real, Default Value: 1");
+                                       })),
+                     "/Case/Title=none\n");
+       }},
+      {"a type of many optional parameters, edited", 400,
+       [=](std::size_t n) {
+         return edit(
+             caseWith(repeated(n, [](std::size_t i) { return parameter("P" + number(i), "Parameter Type: Real"); })),
+             "/Case/Title=none\n");
+       }},
+      {"calls of named checks that double from level to level", 2'000,
+       [=](std::size_t n) {
+         std::string text = header + "Checks:\n  c0: ${Title} == 'x'\n";
+         std::size_t level = 0;
+         for (std::size_t calls = 1; calls < n; calls *= 2, ++level) {
+           std::string const last = "check('c" + std::to_string(level) + "')";
+           text += "  c" + std::to_string(level + 1) + ": " + last + " or " + last + "\n";
+         }
+         return judge(text + "Objects:\n  /Case:\n    Parameters:\n      Title: {Parameter Type: String, Available: " +
+                          "check('c" + std::to_string(level) + "')}\n",
+                      "/Case/Title=y\n");
+       }},
+      {"lines that are faulty", 600,
+       [=](std::size_t n) {
+         return readLeniently(repeated(n, [](std::size_t i) { return "no line " + number(i) + '\n'; }));
+       }},
+      {"blocks that are never closed", 450,
+       [=](std::size_t n) { return readLeniently(repeated(n, [](std::size_t) { return "A:\n"; })); }},
+      {"blocks beyond the limit", 1'000,
+       [=](std::size_t n) { return readLeniently(repeated(n + 1000, [](std::size_t) { return "A:\n"; })); }},
+      {"ends of blocks that are not open", 200,
+       [=](std::size_t n) {
+         return readLeniently(repeated(n, [](std::size_t i) { return "A:\nEND # B" + number(i) + ":\n"; }));
+       }},
+      {"lines of the console", 60,
+       [=](std::size_t n) {
+         return command(repeated(n, [](std::size_t) { return "pp /Case/Flow Regime\nunknown\nsp\nh\n"; }));
+       }},
+      {"a long line of the console", 20'000,
+       [=](std::size_t n) {
+         return command("unknown " + std::string(n, ',') + "\nsp /Case/Flow Regime=" + std::string(n, 'x') + '\n');
+       }},
+  };
+}
+
+/// What the check of growth is to find.
+std::vector<Kind> quadratic() {
+  return {{"a square", 1'000, [](std::size_t n) -> Work {
+             return [n] {
+               std::size_t volatile sum = 0;
+               for (std::size_t i = 0; i < n * n; ++i) sum = sum + i;
+             };
+           }}};
+}
+
+void count(Kind const& kind) {
+  bool isFirst = true;
+  for (std::size_t const size : {std::size_t{2}, kind.size, 2 * kind.size}) {
+    Work const work = kind.prepare(size);
+    if (isFirst) work();  // what happens only once in the life of a program
+    isFirst = false;
+    std::string const name = std::string(kind.name) + ": " + std::to_string(size);
+    CALLGRIND_TOGGLE_COLLECT;
+    work();
+    CALLGRIND_TOGGLE_COLLECT;
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  char const* current = "";
+  try {
+    std::vector<Kind> kinds = kindsOfRules();
+    for (Kind& kind : kindsOfModels()) kinds.push_back(std::move(kind));
+    if (argc == 2 && argv[1] == std::string_view("--quadratic")) kinds = quadratic();
+    for (Kind const& kind : kinds) {
+      current = kind.name;
+      if (argc < 2 || argv[1][0] == '-' || argv[1] == std::string_view(kind.name)) count(kind);
+    }
+    return 0;
+  } catch (std::exception const& error) {
+    std::cerr << "GrowthInstructions: " << current << ": " << error.what() << '\n';
+    return 2;
+  }
+}
