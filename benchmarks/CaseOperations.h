@@ -24,14 +24,20 @@ namespace tarn::benchmarks {
 [[nodiscard]] EditCounts readAllGetters(ProvisionalTDF const& state, std::string const& editedObject,
                                         std::string const& editedParameter);
 
-/// A validator that gets to see one model after another.
+/// A copy that lies in memory as a state does that was read or built, object by object. The plain copy of a map does
+/// not, and is slower to go through.
+[[nodiscard]] ModelState inOrder(ModelState const& model);
+
+/// A validator that is asked about one model again and again.
 class RepeatedValidation {
  public:
   RepeatedValidation(PhysicsData const* rules, ModelState const& model);
+  RepeatedValidation(RepeatedValidation const&) = delete;
+  RepeatedValidation& operator=(RepeatedValidation const&) = delete;
 
-  /// Validates a model that differs from the last one in one value.
+  /// Changes one value of the model, a remark that no rule reads, and validates it.
   void validateChanged();
-  /// Validates the model of the last call once more.
+  /// Validates the model as it was in the last call.
   void validateUnchanged();
 
   /// The paths of the objects that the last call found something about, one for each finding, sorted.
@@ -41,8 +47,8 @@ class RepeatedValidation {
  private:
   BasicPhysicsErrorLogger logger_;
   PhysicsValidator2 validator_;
-  ModelState models_[2];
-  std::size_t last_ = 0;
+  ModelState model_;
+  std::string& notes_;
 };
 
 /// The whole case as a user edits it.

@@ -193,6 +193,7 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// @}
 
   // For the library's own sources, and not to be had from it.
+  class ObjectAt;
   class StateLoad;
 
  private:

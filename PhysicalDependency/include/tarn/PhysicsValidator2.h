@@ -185,6 +185,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
 
   // The run under way; null and false between runs.
   PVModelTDF* currentView_ = nullptr;
+  DynamicTDF::ObjectAt* currentObject_ = nullptr;  // the one of which parameters are checked
   EvalCache* evalCache_ = nullptr;
   bool useEvalCache_ = false;
 

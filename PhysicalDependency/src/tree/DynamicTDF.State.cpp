@@ -111,10 +111,11 @@ void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) co
   auto const& added = changes_->addedParams();
   auto const& modified = changes_->modifiedParams();
   auto const& deleted = changes_->deletedParams();
-  // Each entry of the log costs a look-up. The log of an object that is found under another path than it is listed
-  // under may tell of it by either.
+  // Each entry of the log costs a look-up in tree and state, which is several times what a parameter costs in a state
+  // that is made anew; objects have a handful of parameters. The log of an object that is found under another path than
+  // it is listed under may tell of it by either.
   std::size_t const changes = added.size() + modified.size() + deleted.size();
-  if (changes > nodes_->size() / 2 || nodes_->hasOtherwiseListed()) {
+  if (changes > nodes_->size() * 2 || nodes_->hasOtherwiseListed()) {
     state = getState(rootPath);
     return;
   }

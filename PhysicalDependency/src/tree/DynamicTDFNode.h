@@ -129,6 +129,9 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
 
   /// Of the path under which the object is found.
   PathHash const hash;
+  /// The store's: the rest of the objects whose hash falls into the same place. Beside the hash, since who goes along
+  /// them reads no more of most than the two.
+  std::unique_ptr<Node> nextInBucket;
   std::string const& type;
   std::string const writtenName;
   Node* const parent;
@@ -143,9 +146,6 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   /// leaves room: a model has an object for every few parameters.
   bool const listedAsFound;
   Params params;
-
-  /// The store's: the rest of the objects whose hash falls into the same place.
-  std::unique_ptr<Node> nextInBucket;
 };
 
 /// The value of a parameter. What few parameters have, items that were asked for and allowed values, stands apart, so

@@ -60,9 +60,22 @@ DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
 }
 
 DynamicTDF::Node* DynamicTDF::NodeStore::search(std::string_view path) const {
+  if (Node* const node = searchAround(path)) return lastSearched_ = node;
   PathHash const hash(path);
   for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
-    if (node->hash == hash && isFoundUnder(*node, path)) return node;
+    if (node->hash == hash && isFoundUnder(*node, path)) return lastSearched_ = node;
+  }
+  return nullptr;
+}
+
+/// Looks where a walk goes on from the object that was searched for last. In a large tree that saves what is dear: the
+/// places of the index, and the objects that share them, are in no cache.
+DynamicTDF::Node* DynamicTDF::NodeStore::searchAround(std::string_view path) const {
+  if (lastSearched_ == nullptr) return nullptr;
+  Node const* const parent = lastSearched_->parent;
+  for (Node* const node : {lastSearched_->nextSibling, lastSearched_->children.first(),
+                           parent == nullptr ? nullptr : parent->nextSibling}) {
+    if (node != nullptr && isFoundUnder(*node, path)) return node;
   }
   return nullptr;
 }
@@ -197,12 +210,14 @@ void DynamicTDF::NodeStore::clear() noexcept {
   forgetLoad();
   root_ = nullptr;
   landmark_ = nullptr;
+  lastSearched_ = nullptr;
   for (Found& found : found_) found.node = nullptr;
 }
 
 /// The object goes, and with it what was kept of look-ups that ended there.
 void DynamicTDF::NodeStore::forget(Node const& node) const noexcept {
   if (&node == landmark_) landmark_ = nullptr;
+  if (&node == lastSearched_) lastSearched_ = nullptr;
   for (Found& found : found_) {
     if (found.node == &node) found.node = nullptr;
   }

@@ -76,6 +76,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
  private:
   [[nodiscard]] static std::size_t foundPlace(std::string_view path) noexcept;
   [[nodiscard]] Node* search(std::string_view path) const;
+  [[nodiscard]] Node* searchAround(std::string_view path) const;
   void forget(Node const& node) const noexcept;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
@@ -100,6 +101,8 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   };
   static constexpr unsigned foundBits = 6;
   mutable std::array<Found, 1U << foundBits> found_;
+  /// What was found last that was in none of those places.
+  mutable Node* lastSearched_ = nullptr;
 
   /// An object with its path, kept by the last look-up that had many components to compare. Questions come in the order
   /// of a walk, so the next ones most often pass it on the way up and compare the rest at once. Shallow trees have

@@ -13,6 +13,7 @@
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/StringUtilities.h>
 
+#include "tree/DynamicTDFObjectAt.h"
 #include "validation/ValidationMessages.h"
 
 namespace tarn {
@@ -22,7 +23,7 @@ using namespace ValidationMessages;
 PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
-  if (std::string const* const value = filteredTree_.findParameterValue(objPath, name)) {
+  if (std::string const* const value = currentObject_->findValue(name)) {
     logIfParamBetaMessage(objPath, name);
     ParamAllowedValues const& allowed = info->getAllowedValues();
     if (allowed.hasAllowedValues && !allowed.allowsAnyValue) checkAllowedValues(objPath, name, *value, info);
@@ -35,7 +36,7 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableParam(ParamAva
 PhysicsValidator2::HandlerStatus PhysicsValidator2::checkUnavailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
-  if (filteredTree_.hasParameter(objPath, name)) logError(objPath, formatInvalidParam(objPath, name));
+  if (currentObject_->findValue(name) != nullptr) logError(objPath, formatInvalidParam(objPath, name));
   return Continue;
 }
 

@@ -24,6 +24,7 @@
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/printModelState.h>
 
+#include "tree/DynamicTDFObjectAt.h"
 #include "tree/DynamicTDFStateLoad.h"
 #include "validation/MissingObjRecord.h"
 #include "validation/PVModelTDF.h"
@@ -42,14 +43,19 @@ constexpr bool skipEmptyValues = true;
 class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
  public:
   explicit Run(PhysicsValidator2 & validator)
-      : validator_(validator), view_(&validator.filteredTree_), context_(&view_, &cache_) {
+      : validator_(validator),
+        view_(&validator.filteredTree_),
+        object_(validator.filteredTree_),
+        context_(&view_, &cache_) {
     validator_.currentView_ = &view_;
+    validator_.currentObject_ = &object_;
     validator_.setEvaluationCache(&cache_);
     // Messages must reach the controller that is asked for them, whatever is attached to the database.
     context_.setBetaLoggingController(validator_.betaController_);
   }
   ~Run() {
     validator_.unsetEvaluationCache();
+    validator_.currentObject_ = nullptr;
     validator_.currentView_ = nullptr;
   }
   Run(Run const&) = delete;
@@ -65,6 +71,7 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
  private:
   PhysicsValidator2& validator_;
   PVModelTDF view_;
+  DynamicTDF::ObjectAt object_;
   EvalCache cache_;
   EvalContext context_;
 };
@@ -161,19 +168,22 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
 bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven) {
   RootFilter filter(rootTypes_, useStateAsGiven);
   StateText text(lastStateText_);
-  // An object whose lines are as they were is in the tree as it was. As long as that held for all, it is even known
-  // which object of the tree is the next one. Of an object without parameters only the tree tells.
+  // An object whose lines are as they were is in the tree as it was. It is even known which object of the tree the next
+  // such one is, when both have been found at the same object and no line differed since. Of an object without
+  // parameters only the tree tells.
   DynamicTDF::StateLoad load(filteredTree_, skipEmptyValues);
   bool hasSameObjects = true;
+  bool standAtSameObject = true;
   for (auto const& [path, values] : state) {
     if (!filter.counts(path)) continue;
-    bool const differedBefore = text.differs();
     bool const agrees = text.add(path, values) && !values.empty();
     if (!hasSameObjects) continue;
     if (!agrees) {
       hasSameObjects = load.take(path, values);
-    } else if (differedBefore) {
+      standAtSameObject = false;
+    } else if (!standAtSameObject) {
       hasSameObjects = load.keep(path);
+      standAtSameObject = hasSameObjects;
     } else {
       load.keepNext();
     }
@@ -225,9 +235,12 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginObject(ObjBeginInfo c
     missingMode_ = MissingProbing;
     if (useEvalCache_) evalCache_->enable(false);
   }
-  // Of what is absent and not required there is nothing to say. Only in a placeholder everything is absent, and there
-  // the question is whether anything would be available.
-  if (missingMode_ == MissingOff) limitParams(ParamScope::PresentOrRequired);
+  if (missingMode_ == MissingOff) {
+    // Of what is absent and not required there is nothing to say. Only in a placeholder everything is absent, and there
+    // the question is whether anything would be available.
+    limitParams(ParamScope::PresentOrRequired);
+    currentObject_->moveTo(info->getObjPath());
+  }
   return Continue;
 }
 

@@ -32,10 +32,6 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
     return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
   }
 
-  [[nodiscard]] bool differs() const noexcept {
-    return differs_;
-  }
-
   /// To be called behind the last object. Returns whether the text is another.
   bool finish() {
     if (left_.empty()) return differs_;
