@@ -138,6 +138,13 @@ TEST_F(ProvisionalInitialiseTest, AnActiveRootMayBeASingleton) {
   EXPECT_EQ(value("Steps", "/Case/Solver"), "100");
 }
 
+TEST_F(ProvisionalInitialiseTest, AnActiveRootAtTheTopOfTheTreeIsThereForTheRulesOfTheFirstWalk) {
+  auto const caseIsThere = [](TDFContext const& /*at*/, ModelTDF const& model) { return model.hasObject("/Case"); };
+  Rules(rules_, "/Case").param("Title").required().byDefault("Pump").availableWhen(when(caseIsThere));
+  startAt("/Case");
+  EXPECT_EQ(value("Title", "/Case"), "Pump");
+}
+
 TEST_F(ProvisionalInitialiseTest, AnActiveRootThatTheRulesDoNotKnowIsDeletedAndTheStateStaysUsable) {
   start({{rotor, {{"Motion", "Rotating"}}}});
   EXPECT_EQ(state().getActiveTDFState(), ModelState());

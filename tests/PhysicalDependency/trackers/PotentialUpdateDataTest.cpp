@@ -198,6 +198,13 @@ TEST(PotentialUpdateData, APathThatNothingRefersToChangesNothing) {
   EXPECT_TRUE(data.hasObjPotentialChildren(""));
 }
 
+TEST(PotentialUpdateData, AParameterOfTheRootIsFoundAsLongAsNothingWasRemoved) {
+  PotentialUpdateData data;
+  data.addParam("", "Version");
+  data.clearObjectReferences("/Case");
+  EXPECT_TRUE(data.hasObjPotentialChildren(""));
+}
+
 TEST(PotentialUpdateData, AParameterOfTheRootIsNotFoundFromTheRootAnyMoreOnceSomethingWasRemoved) {
   PotentialUpdateData data;
   data.addParam("", "Version");
@@ -217,14 +224,19 @@ TEST(PotentialUpdateData, TheRootAsAnObjectsParentIsFoundAfterARemoval) {
   EXPECT_TRUE(data.hasObjPotentialChildren(""));
 }
 
-TEST(PotentialUpdateData, WithTheRootGoesEverything) {
-  PotentialUpdateData data;
-  data.addParam("", "Version");
-  data.addObject("/Case/Solver");
-  data.clearObjectReferences("");
-  EXPECT_EQ(data.getObjects(), Strings());
-  EXPECT_EQ(paramsOf(data), Pairs());
-  EXPECT_FALSE(data.hasObjPotentialChildren(""));
+TEST(PotentialUpdateData, WithTheRootGoesEverythingHoweverItIsWritten) {
+  for (std::string const root : {"", "/"}) {
+    PotentialUpdateData data;
+    data.addParam("", "Version", allowed({"1", "2"}));
+    data.addObject("/Case/Solver");
+    data.addParam("/Case/Domain:rotor", "Fluid", allowed({"Water", "Air"}));
+    data.clearObjectReferences(root);
+    EXPECT_EQ(data.getObjects(), Strings());
+    EXPECT_EQ(paramsOf(data), Pairs());
+    EXPECT_FALSE(data.hasObjPotentialChildren(""));
+    EXPECT_TRUE(data.getAllowedValueData("", "Version").isEmpty());
+    EXPECT_TRUE(data.getAllowedValueData("/Case/Domain:rotor", "Fluid").isEmpty());
+  }
 }
 
 TEST(PotentialUpdateData, ACopyIsIndependent) {

@@ -128,6 +128,16 @@ TEST(MissingObjRecord, ClearClosesTheGroup) {
   EXPECT_THAT(record.getReportedNames(), IsEmpty());
 }
 
+TEST(MissingObjRecord, APathThatIsAskedAboutWhileNoGroupIsOpenIsNotRemembered) {
+  MissingObjRecord record = openDomains();
+  ASSERT_TRUE(record.matches("/Case/Domain:rotor"));
+  record.clear();
+  EXPECT_FALSE(record.matches("/Case/Domain:stator"));
+  record.beginNamed("/Case", "Domain", {"stator", "rotor"});
+  record.finishObject(true);
+  EXPECT_THAT(record.getReportedNames(), ElementsAre("rotor"));
+}
+
 TEST(MissingObjRecord, ANewGroupKnowsNothingOfTheOneBefore) {
   MissingObjRecord record = openDomains();
   ASSERT_TRUE(record.matches("/Case/Domain:rotor"));

@@ -144,6 +144,21 @@ TEST_F(PhysicsValidator2, AValidatorThatHasSeenOtherModelsReadsTheNextOneAsAFres
   }
 }
 
+TEST_F(PhysicsValidator2, OfAChangedModelAParameterWithASlashInItsNameIsNotTakenForTheObjectBelowThatWasThere) {
+  rule("/Case").child("Housing").singleton();
+  rule("/Case").child("Pump").singleton();
+  rule("/Case/Pump").child("Rotor").singleton().required();
+  rule("/Case/Pump/Rotor").param("Speed");
+  EXPECT_EQ(validate({{"/Case/Housing", {{"Wall", "thin"}}}, {"/Case/Pump/Rotor", {{"Speed", "50"}}}}),
+            Validator::ValStatusClean);
+  // In the text by which models are compared both are "/Case/Pump/Rotor/Speed=50".
+  EXPECT_EQ(validate({{"/Case/Housing", {{"Wall", "thick"}}}, {"/Case/Pump", {{"Rotor/Speed", "50"}}}}),
+            Validator::ValDependencyErrors);
+  EXPECT_THAT(loggedFaults(),
+              ElementsAre("/Case/Pump | There must be an object of type \"Rotor\" in the object \"/Case/Pump\" but it "
+                          "does not exist."));
+}
+
 TEST_F(PhysicsValidator2, AFurtherPhaseOfTheSameModelRunsAlone) {
   countedRules();
   ModelState const model = {{"/Case", {{"Motion", "on"}}}};
