@@ -218,6 +218,25 @@ TEST_F(DependencyAnalyserTest, ANamedEntryAddressesAChildWithoutANameByItsType) 
                      "end /Case/Domain:Domain", "end /Case required"}));
 }
 
+TEST_F(DependencyAnalyserTest, AChildTypeOfTwoComponentsIsWalkedUnderTheRulesOfItsWholePath) {
+  Rules(rules_, "/Case").child("Output/Monitor").singleton();
+  Rules(rules_, "/Case/Output/Monitor").param("Kind");
+  model_.add("/Case/Output/Monitor");
+  EXPECT_EQ(eventsOf("/Case"),
+            (Strings{"begin /Case required", "child /Case|Output/Monitor", "begin /Case/Output/Monitor",
+                     "param? /Case/Output/Monitor|Kind", "param /Case/Output/Monitor|Kind", "end /Case/Output/Monitor",
+                     "end /Case required"}));
+}
+
+TEST_F(DependencyAnalyserTest, AChildWhoseNameCannotStandInAPathIsRefusedWhenTheWalkComesToIt) {
+  Rules(rules_, "/Case").child("Domain");
+  model_.add("/Case/Domain:rotor");
+  model_.add("/Case/Domain:");
+  EXPECT_THROW((void)eventsOf("/Case"), Error);
+  EXPECT_EQ(analyser_.events, (Strings{"begin /Case required", "child /Case|Domain", "begin /Case/Domain:rotor unknown",
+                                       "end /Case/Domain:rotor"}));
+}
+
 TEST_F(DependencyAnalyserTest, RequiredAndCoupledAreThoseOfTheEntryThroughWhichTheWalkCame) {
   Rules(rules_, "/Case").child("Domain").required().child("Material").coupled();
   Rules(rules_, "/Case").child("Region").allowedNames({"all"}).child("Solver").singleton().required().coupled();

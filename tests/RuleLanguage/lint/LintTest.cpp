@@ -343,6 +343,28 @@ flow.rules.yaml:17:59: warning: no rule knows an object at this path
 )text");
 }
 
+TEST(Lint, APathThroughAnyChildIsKnownWhenOneOfThemHasTheRest) {
+  EXPECT_EQ(linted(R"yaml(Rule Database: 1
+Pertinent Roots: [Case]
+Objects:
+  /Case:
+    Parameters:
+      Title: {Parameter Type: String, Available: "exists({*/Boundary:*})"}
+      Notes: {Parameter Type: String, Available: "exists({*/Wall:*})"}
+    Children:
+      Domain: {}
+      Solver: {Singleton: yes}
+  /Case/Domain:
+    Children: {Boundary: {}}
+  /Case/Domain/Boundary: {}
+  /Case/Solver: {}
+)yaml"),
+            R"text(flow.rules.yaml:7:58: warning: no rule knows an object at this path
+    7 |       Notes: {Parameter Type: String, Available: "exists({*/Wall:*})"}
+      |                                                          ^~~~~~~~~~
+)text");
+}
+
 TEST(Lint, ValuesThatAParameterCanNeverHave) {
   EXPECT_EQ(
       linted(R"yaml(Rule Database: 1
