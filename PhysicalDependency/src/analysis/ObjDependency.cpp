@@ -42,7 +42,6 @@ ObjDependency::ObjDependency(std::string const& objPath, EvalContext* evalContex
 
 void ObjDependency::firstParam() {
   contextRuleValue_.clear();
-  paramCursor_ = PACursor();
   stopsPassed_ = 0;
   if (objDef_ != nullptr) initCurrParam(limited_ ? nextOfLimited() : objDef_->firstParamAvail(paramCursor_));
 }
@@ -166,7 +165,6 @@ std::pair<bool, std::string> ObjDependency::getParamValueOverride(ParamAllowedVa
 }
 
 void ObjDependency::firstChild() {
-  childCursor_ = CACursor();
   if (objDef_ != nullptr)
     std::tie(currChild_, currChildLive_) = objDef_->firstChildAvail(childCursor_, contextRuleValue_);
 }
