@@ -485,7 +485,37 @@ class Linter {
     } else if (defaultNames && !child.required) {
       warn(defaultNames, "Default Names has no effect on a child that is not required");
     }
+    if (!child.singleton) {
+      checkNames(child, allowedNames);
+      checkNames(child, defaultNames);
+    }
     if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
+  }
+
+  /// The names that a list gives as texts must be such that an object can have them, and keep them in a file: where a
+  /// required one cannot be, no walk gets past it.
+  void checkNames(ChildAvail const& child, Item const& list) {
+    if (!list || list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* node : list.node->children) {
+      bool const isGuarded = node->kind == YamlNode::Kind::Mapping;
+      for (std::size_t i = 0; isGuarded && i + 1 < node->children.size(); i += 2) {
+        if (node->children[i]->value == "Value") {
+          node = node->children[i + 1];
+          break;
+        }
+      }
+      if (node->kind != YamlNode::Kind::Scalar) continue;
+      std::string const& name = node->value;
+      if (isGuarded && name.starts_with('=')) continue;  // computed
+      if (name.empty()) {
+        warn({list.source, node}, "no object can have this name: the empty text is none");
+      } else if (name.find_first_of("/:") != std::string::npos) {
+        warn({list.source, node}, "no object can have the name " + inQuotes(name) + ": names hold neither '/' nor ':'");
+      } else if (name == child.type) {
+        warn({list.source, node}, "an object of the type " + inQuotes(name) +
+                                      " with this name is printed, and read again, as one without a name");
+      }
+    }
   }
 
   void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {

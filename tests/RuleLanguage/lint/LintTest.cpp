@@ -243,6 +243,48 @@ Objects:
 )text");
 }
 
+TEST(Lint, NamesThatNoObjectCanHaveOrKeep) {
+  EXPECT_EQ(linted(R"yaml(Rule Database: 1
+Objects:
+  /Case:
+    Parameters:
+      Inlets: {Parameter Type: String List}
+    Children:
+      Inlet: {Required: yes, Allowed Names: [main, '', hot/cold, 'hot:1', Inlet]}
+      Outlet: {Allowed Names: [{Value: hot/cold, When: "${Inlets} != ''"}, {Value: "= 'a' + '/b'"}, {Value: Outlet}]}
+      Wall: {Required: yes, Default Names: [Wall, wall]}
+      Fan: {Required: yes, Allowed Names: "= ${Inlets}"}
+      Solver: {Required: yes, Singleton: yes}
+  /Case/Inlet: {}
+  /Case/Outlet: {}
+  /Case/Wall: {}
+  /Case/Fan: {}
+  /Case/Solver: {}
+)yaml"),
+            R"text(flow.rules.yaml:7:52: warning: no object can have this name: the empty text is none
+    7 |       Inlet: {Required: yes, Allowed Names: [main, '', hot/cold, 'hot:1', Inlet]}
+      |                                                    ^~
+flow.rules.yaml:7:56: warning: no object can have the name 'hot/cold': names hold neither '/' nor ':'
+    7 |       Inlet: {Required: yes, Allowed Names: [main, '', hot/cold, 'hot:1', Inlet]}
+      |                                                        ^~~~~~~~
+flow.rules.yaml:7:66: warning: no object can have the name 'hot:1': names hold neither '/' nor ':'
+    7 |       Inlet: {Required: yes, Allowed Names: [main, '', hot/cold, 'hot:1', Inlet]}
+      |                                                                  ^~~~~~~
+flow.rules.yaml:7:75: warning: an object of the type 'Inlet' with this name is printed, and read again, as one without a name
+    7 |       Inlet: {Required: yes, Allowed Names: [main, '', hot/cold, 'hot:1', Inlet]}
+      |                                                                           ^~~~~
+flow.rules.yaml:8:40: warning: no object can have the name 'hot/cold': names hold neither '/' nor ':'
+    8 |       Outlet: {Allowed Names: [{Value: hot/cold, When: "${Inlets} != ''"}, {Value: "= 'a' + '/b'"}, {Value: Outlet}]}
+      |                                        ^~~~~~~~
+flow.rules.yaml:8:109: warning: an object of the type 'Outlet' with this name is printed, and read again, as one without a name
+    8 |       Outlet: {Allowed Names: [{Value: hot/cold, When: "${Inlets} != ''"}, {Value: "= 'a' + '/b'"}, {Value: Outlet}]}
+      |                                                                                                             ^~~~~~
+flow.rules.yaml:9:45: warning: an object of the type 'Wall' with this name is printed, and read again, as one without a name
+    9 |       Wall: {Required: yes, Default Names: [Wall, wall]}
+      |                                             ^~~~
+)text");
+}
+
 TEST(Lint, ChildrenWithoutRulesAndNamesWithoutEffect) {
   EXPECT_EQ(
       linted(R"yaml(Rule Database: 1
