@@ -138,6 +138,15 @@ TEST(MissingObjRecord, APathThatIsAskedAboutWhileNoGroupIsOpenIsNotRemembered) {
   EXPECT_THAT(record.getReportedNames(), ElementsAre("rotor"));
 }
 
+TEST(MissingObjRecord, WhatIsFinishedWhileNoGroupIsOpenIsNotReported) {
+  MissingObjRecord record = openDomains();
+  ASSERT_TRUE(record.matches("/Case/Domain:rotor"));
+  record.clear();
+  record.finishObject(true);
+  EXPECT_FALSE(record.hasReported());
+  EXPECT_THAT(record.getReportedNames(), IsEmpty());
+}
+
 TEST(MissingObjRecord, ANewGroupKnowsNothingOfTheOneBefore) {
   MissingObjRecord record = openDomains();
   ASSERT_TRUE(record.matches("/Case/Domain:rotor"));

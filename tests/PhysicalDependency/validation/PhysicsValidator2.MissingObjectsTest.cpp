@@ -55,6 +55,13 @@ TEST_F(PhysicsValidator2OnMissingObjects, AnAvailableParameterMakesTheObjectNeed
   EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
 }
 
+TEST_F(PhysicsValidator2OnMissingObjects, OneOptionalParameterAmongAHundredMakesTheObjectNeeded) {
+  requiredSolver();
+  for (int i = 1; i < 100; ++i) rule("/Case/Solver").param("Scheme " + std::to_string(i)).availableWhen(never());
+  rule("/Case/Solver").param("Order");
+  EXPECT_THAT(faults(pump_), ElementsAre(noSolver));
+}
+
 TEST_F(PhysicsValidator2OnMissingObjects, WithoutAnAvailableParameterTheObjectIsNotNeeded) {
   requiredSolver();
   rule("/Case/Solver").param("Scheme").availableWhen(never()).required();
