@@ -170,6 +170,33 @@ TEST_F(ProvTDFDriverTest, PrintingTheStateShowsTheActiveBranch) {
             "END # Case:\n");
 }
 
+TEST_F(ProvTDFDriverTest, AProgramPrintsTheStateWithoutACommand) {
+  std::string const asCommand = session("ps\n");
+  ProvTDFDriver const driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  std::ostringstream out;
+  Redirected const toOutput(std::cout, out.rdbuf());
+  driver.printState();
+  EXPECT_EQ(out.str(), asCommand);
+}
+
+TEST_F(ProvTDFDriverTest, ACopyKeepsTheModelThatItsOriginalLoaded) {
+  std::istringstream in("l " + file("/Case/Domain:rotor/Title=loaded\n") + "\nq\n");
+  std::ostringstream out;
+  Redirected const fromInput(std::cin, in.rdbuf());
+  Redirected const toOutput(std::cout, out.rdbuf());
+  auto original = std::make_unique<ProvTDFDriver>(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  auto copy = std::make_unique<ProvTDFDriver>(*original);
+  original->waitInput();
+  *copy = *original;  // now with the model
+  original.reset();
+  EXPECT_EQ(value("Title"), "loaded");
+
+  state_.activeSetParam("/Case/Domain:rotor", "Title", "edited");
+  EXPECT_EQ(value("Title"), "edited");
+  EXPECT_EQ(out.str(), "");
+  state_.baseUpdate(&base_);  // the model goes with the copy
+}
+
 TEST_F(ProvTDFDriverTest, PrintingAParameterShowsAllowedValues) {
   EXPECT_EQ(session("pp /Case/Domain:rotor/Motion\n"),
             "COMMAND: printParam /Case/Domain:rotor/Motion\n"
