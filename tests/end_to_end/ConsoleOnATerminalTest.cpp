@@ -306,6 +306,8 @@ TEST_F(ConsoleOnATerminal, AWindowThatShrinksUnderALongLineLeavesTheLineAlone) {
   }
   terminal->type("\r");
   terminal->waitFor(unrecognised(line));
+  terminal->type("q\r");
+  EXPECT_EQ(terminal->waitForEnd(), 0);
 }
 
 TEST_F(ConsoleOnATerminal, ALineOfAMillionCharactersIsTaken) {
