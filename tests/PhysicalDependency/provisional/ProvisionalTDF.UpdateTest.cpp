@@ -49,6 +49,21 @@ TEST_F(ProvisionalUpdateTest, AParameterThatBecomesPotentialIsNotLost) {
   EXPECT_EQ(state().getNewlyUnavailParams(), Pairs());
 }
 
+TEST_F(ProvisionalUpdateTest, SeveralParametersThatBecomePotentialAtOnceAreNotLostWhateverTheirOrderInTheRules) {
+  auto const gases = [](TDFContext const& at, ModelTDF const& model) {
+    return model.getParameterValue(at.objPath(), "Motion") == "Rotating" ? SharedStrings{"Steam"}
+                                                                         : SharedStrings{"Air"};
+  };
+  Rules(rules_, "/Case/Domain").param("Motion").allowed({"Rotating", "Stationary"});
+  for (std::string const name : {"Suction", "Leakage", "Delivery"}) {
+    Rules(rules_, "/Case/Domain").param(name).allowed(test::list(gases));
+  }
+  start({{rotor, {{"Motion", "Rotating"}, {"Suction", "Steam"}, {"Leakage", "Steam"}, {"Delivery", "Steam"}}}});
+  set("Motion", "Stationary");
+  EXPECT_EQ(newlyPotentialParams(), (Pairs{{rotor, "Suction"}, {rotor, "Leakage"}, {rotor, "Delivery"}}));
+  EXPECT_EQ(state().getNewlyUnavailParams(), Pairs());
+}
+
 TEST_F(ProvisionalUpdateTest, OnlyTheParametersThatAreNotOnOfferAreLost) {
   Rules(rules_, "/Case/Domain").param("Motion").allowed({"Rotating", "Stationary"});
   Rules(rules_, "/Case/Domain")
