@@ -258,6 +258,18 @@ TEST_F(PVModelTDF, ASingletonAtTheEndOfAPathMarksThePlaceOfThePlaceholders) {
   EXPECT_THAT(childPaths("/Case"), ElementsAre("/Case/Domain:casing", "/Case/put", "/Case/Output"));
 }
 
+TEST_F(PVModelTDF, AnObjectWhoseTypeBeginsWithTheMissingTypeDoesNotMarkThePlaceOfThePlaceholders) {
+  DynamicTDF model;
+  model.setParameter("/DomainGroup:all", "Models", "Heat");
+  model.setParameter("/Domain:casing", "Models", "Heat");
+  View view(&model);
+  missing_.createObject("", "Domain", "rotor");
+  view.setMissing("", "Domain", &missing_);
+  Strings out;
+  EXPECT_TRUE(view.getChildObjectPaths("", out));
+  EXPECT_THAT(out, ElementsAre("/DomainGroup:all", "/Domain:rotor", "/Domain:casing"));
+}
+
 TEST_F(PVModelTDF, OnlyTheFirstPlaceWithTheTypeInAPathCounts) {
   DynamicTDF model;
   model.setParameter("/Domain:a/Domain:b", "Models", "Heat");
