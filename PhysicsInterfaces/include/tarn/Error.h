@@ -20,7 +20,8 @@ class TARN_EXPORT Error : public std::exception {
   ~Error() override;
 
   [[nodiscard]] virtual errorType getType() const;
-  /// Writes the whole error to `stream`, with no line end behind it.
+  /// Writes the whole error to `stream`, with no line end behind it: the composed text. Of an error in what a user
+  /// wrote that is the message.
   virtual void write(std::ostream& stream) const;
   /// The class and the method that failed, as given when the error was made.
   [[nodiscard]] virtual std::string getClass() const;
@@ -54,6 +55,9 @@ class TARN_EXPORT Error : public std::exception {
 class TARN_EXPORT ParseError : public Error {
  public:
   ParseError(std::string const& className, std::string const& method, std::string const& message);
+  /// Writes the message alone. It is about the user's text, and names the place in that; the place in the program would
+  /// only stand before it.
+  void write(std::ostream& stream) const override;
 };
 
 /// An index outside what it counts: the fourth component of a path of three.
@@ -66,6 +70,8 @@ class TARN_EXPORT RangeError : public Error {
 class TARN_EXPORT FileError : public Error {
  public:
   FileError(std::string const& className, std::string const& method, std::string const& message);
+  /// Writes the message alone, which names the file.
+  void write(std::ostream& stream) const override;
 };
 
 /// A failed assertion: a fault of the program, not of its input.

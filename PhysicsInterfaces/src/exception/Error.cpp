@@ -55,11 +55,19 @@ std::string Error::getMessage() const {
 ParseError::ParseError(std::string const& className, std::string const& method, std::string const& message)
     : Error("tarn::ParseError", className, method, message, errorType::InvalidInput, 0) {}
 
+void ParseError::write(std::ostream& stream) const {
+  stream << getMessage();
+}
+
 RangeError::RangeError(std::string const& className, std::string const& method, std::string const& message)
     : Error("tarn::RangeError", className, method, message, errorType::InvalidState, 0) {}
 
 FileError::FileError(std::string const& className, std::string const& method, std::string const& message)
     : Error("tarn::FileError", className, method, message, errorType::InputOutput, 0) {}
+
+void FileError::write(std::ostream& stream) const {
+  stream << getMessage();
+}
 
 AssertionError::AssertionError(std::string const& condition, std::string const& file, int line)
     : Error("tarn::AssertionError", "", "",

@@ -48,6 +48,20 @@ TEST(Error, WritesTheComposedTextWithoutALineEnd) {
   EXPECT_EQ(stream.str(), "family::fault in DynamicTDF::setParameter: no such object");
 }
 
+TEST(Error, WritesOfWhatAUserWroteWronglyTheMessageAlone) {
+  auto const written = [](Error const& error) {
+    std::ostringstream stream;
+    error.write(stream);
+    return stream.str();
+  };
+  ParseError const unreadable("TDFChangeFile", "TDFChangeFile", "pipe.tdf:2:1: no \"=\" in the line");
+  EXPECT_EQ(written(unreadable), "pipe.tdf:2:1: no \"=\" in the line");
+  EXPECT_EQ(unreadable.errorMessage(),
+            "tarn::ParseError in TDFChangeFile::TDFChangeFile: pipe.tdf:2:1: no \"=\" in the line");
+  EXPECT_EQ(written(FileError("TDFChangeFile", "TDFChangeFile", "pipe.tdf: no such file")), "pipe.tdf: no such file");
+  EXPECT_EQ(written(RangeError("TDFPath", "component", "4 of 3")), "tarn::RangeError in TDFPath::component: 4 of 3");
+}
+
 TEST(Error, IsSeenByHandlersOfStandardExceptions) {
   std::string what;
   try {
