@@ -1,0 +1,448 @@
+// What the rules say of the types of objects, of their parameters and of their children.
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+
+#include <tarn/RuleAttributes.h>
+#include <tarn/StringUtilities.h>
+
+#include "expression/NearMatch.h"
+#include "loading/RuleBuilder.h"
+#include "loading/RuleSections.h"
+
+namespace tarn::rules {
+
+namespace {
+
+using StringUtilities::isSpace;
+
+enum class ObjectKey { Description, Parameters, Children };
+constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
+    {"Description", ObjectKey::Description},
+    {"Parameters", ObjectKey::Parameters},
+    {"Children", ObjectKey::Children},
+});
+
+enum class ParamKey {
+  Available,
+  Required,
+  ContextRule,
+  Context,
+  ValidationRelaxed,
+  Description,
+  Reason,
+  BetaMessage,
+  BetaValues,
+  Type,
+  AllowedList,
+  ListSource,
+  Checks,
+  Unused,
+  Subset,
+  SubsetSource,
+  AllowsAny,
+  AvailableWithNone,
+  CompleteList,
+  Default,
+  DefaultChecks,
+  FallbackToBlank,
+  OverrideChecks,
+  LowerBound,
+  UpperBound,
+  QuantityType
+};
+namespace attributes = RuleAttributes;
+constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
+    {"Available", ParamKey::Available},
+    {"Required", ParamKey::Required},
+    {"Context Rule", ParamKey::ContextRule},
+    {"Context", ParamKey::Context},
+    {"Validation Relaxed", ParamKey::ValidationRelaxed},
+    {"Description", ParamKey::Description},
+    {"Reason", ParamKey::Reason},
+    {"Beta Message", ParamKey::BetaMessage},
+    {"Beta Values", ParamKey::BetaValues},
+    {attributes::parameterType, ParamKey::Type},
+    {attributes::orderedAllowedStringList, ParamKey::AllowedList},
+    {attributes::valueListSource, ParamKey::ListSource},
+    {attributes::allowedStringListChecks, ParamKey::Checks},
+    {attributes::unusedAllowedStringList, ParamKey::Unused},
+    {attributes::subsetAllowedStringList, ParamKey::Subset},
+    {attributes::subsetValueListSource, ParamKey::SubsetSource},
+    {"Allows Any Value", ParamKey::AllowsAny},
+    {attributes::availableWithNoAllowedValues, ParamKey::AvailableWithNone},
+    {attributes::completeListRequired, ParamKey::CompleteList},
+    {attributes::defaultValue, ParamKey::Default},
+    {attributes::defaultValueCheckList, ParamKey::DefaultChecks},
+    {attributes::fallbackToBlankDefault, ParamKey::FallbackToBlank},
+    {attributes::valueOverrideCheckList, ParamKey::OverrideChecks},
+    {attributes::lowerBound, ParamKey::LowerBound},
+    {attributes::upperBound, ParamKey::UpperBound},
+    {attributes::quantityType, ParamKey::QuantityType},
+});
+
+enum class ChildKey {
+  Available,
+  Required,
+  Context,
+  ValidationRelaxed,
+  Description,
+  Reason,
+  BetaMessage,
+  Singleton,
+  Coupled,
+  AllowedNames,
+  DefaultNames
+};
+constexpr auto childKeys = std::to_array<Key<ChildKey>>({
+    {"Available", ChildKey::Available},
+    {"Required", ChildKey::Required},
+    {"Context", ChildKey::Context},
+    {"Validation Relaxed", ChildKey::ValidationRelaxed},
+    {"Description", ChildKey::Description},
+    {"Reason", ChildKey::Reason},
+    {"Beta Message", ChildKey::BetaMessage},
+    {"Singleton", ChildKey::Singleton},
+    {"Coupled", ChildKey::Coupled},
+    {"Allowed Names", ChildKey::AllowedNames},
+    {"Default Names", ChildKey::DefaultNames},
+});
+
+bool holdsSeparator(std::string_view name) {
+  return name.find_first_of("/:") != std::string_view::npos;
+}
+
+}  // namespace
+
+bool RuleBuilder::isTypePath(Item const& item) {
+  std::string_view const path = item.node->value;
+  if (!path.starts_with('/')) {
+    error(item, "an object type path begins with '/': /" + std::string(path.substr(0, 100)));
+    return false;
+  }
+  std::size_t begin = 1;
+  for (;;) {
+    std::size_t const end = std::min(path.find('/', begin), path.size());
+    auto const type = path.substr(begin, end - begin);
+    if (type.empty()) return error(item, "a type in the path is empty"), false;
+    if (type.find(':') != std::string_view::npos) {
+      return error(item, "an object type path holds types only, without names: remove the ':' and what follows it"),
+             false;
+    }
+    if (isSpace(type.front()) || isSpace(type.back())) {
+      return error(item, "a type cannot begin or end with a blank"), false;
+    }
+    if (end == path.size()) return true;
+    begin = end + 1;
+  }
+}
+
+void RuleBuilder::readObjects(Item const& section) {
+  forEach(section, "Objects", [&](Item const& name, Item const& body) {
+    if (isTypePath(name)) readObject(name, body);
+  });
+}
+
+void RuleBuilder::readObject(Item const& name, Item const& body) {
+  auto& object = data_->addObject(name.node->value);
+  if (keepPlaces_) objects_.try_emplace(name.node->value, name);
+  owner_ = {name.node->value, {}, false};
+  forEachKnown(body, "an object", objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
+    switch (key) {
+      case ObjectKey::Description:
+        if (auto const text = scalar(value, "Description"); text && object.description.empty()) {
+          object.description = *text;
+        }
+        break;
+      case ObjectKey::Parameters:
+        forEach(value, "Parameters",
+                [&](Item const& entry, Item const& attributes) { readParameter(object, entry, attributes); });
+        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
+        break;
+      case ObjectKey::Children:
+        forEach(value, "Children",
+                [&](Item const& entry, Item const& attributes) { readChild(object, entry, attributes); });
+        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
+        break;
+    }
+  });
+}
+
+Item RuleBuilder::formerPlace(std::string const& typePath, bool ofChild, std::string const& name) {
+  auto const keyOf = [](std::string const& path, bool child, std::string_view entry) {
+    return (path + (child ? "\nc" : "\np")).append(entry);
+  };
+  for (; sectionsIndexed_ < sectionsSeen_.size(); ++sectionsIndexed_) {
+    auto const& seen = sectionsSeen_[sectionsIndexed_];
+    if (seen.section.node->kind != YamlNode::Kind::Mapping) continue;
+    auto const& children = seen.section.node->children;
+    for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
+      formerPlaces_.try_emplace(keyOf(seen.typePath, seen.ofChildren, children[i]->value),
+                                Item{seen.section.source, children[i]});
+    }
+  }
+  auto const found = formerPlaces_.find(keyOf(typePath, ofChild, name));
+  return found == formerPlaces_.end() ? Item{} : found->second;
+}
+
+std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& item, std::string_view attribute) {
+  std::vector<ParamValueDef::GuardedText> result;
+  if (item.node->kind != YamlNode::Kind::Sequence) {
+    if (!isNothing(*item.node)) {
+      error(item, std::string(attribute) + " is a list of {When: condition, Value: value}, not " +
+                      std::string(kindText(*item.node)));
+    }
+    return result;
+  }
+  for (auto const* child : item.node->children) {
+    Item const entry{item.source, child};
+    if (child->kind != YamlNode::Kind::Mapping) {
+      error(entry, "an item here is {When: condition, Value: value}, not " + std::string(kindText(*child)));
+      continue;
+    }
+    ParamValueDef::GuardedText guarded;
+    bool whenGiven = false;
+    bool valueGiven = false;
+    forEachKnown(entry, "an item of " + std::string(attribute), guardKeys,
+                 [&](GuardKey key, Item const&, Item const& value) {
+                   if (key == GuardKey::When) {
+                     whenGiven = true;
+                     guarded.when = condition(value, attribute);
+                   } else {
+                     valueGiven = true;
+                     guarded.value = textOrExpression(value, attribute);
+                   }
+                 });
+    if (!whenGiven) error(entry, "the item has no 'When'; the value without a condition is the default value");
+    if (!valueGiven) error(entry, "the item has no 'Value'");
+    if (guarded.when && guarded.value) result.push_back(std::move(guarded));
+  }
+  return result;
+}
+
+void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item const& body) {
+  if (!isName(name, "the name of a parameter")) return;
+  if (holdsSeparator(name.node->value)) {
+    error(name, "the name of a parameter cannot hold '/' or ':'");
+    return;
+  }
+  owner_ = {object.typePath(), name.node->value, false};
+
+  ParamAvail entry;
+  ParamValueDef def;
+  entry.name = name.node->value;
+  Item type;
+  bool typeKnown = false;
+  Item fixedList;
+  Item listSource;
+  Item subset;
+  Item subsetSource;
+  Item completeList;
+  EntryPlace place;
+  place.name = name;
+
+  auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
+    if (auto const given = scalar(value, attribute)) target = *given;
+  };
+  forEachKnown(body, "a parameter", paramKeys, [&](ParamKey key, Item const& keyItem, Item const& value) {
+    std::string_view const attribute = keyItem.node->value;
+    if (keepPlaces_) place.attributes.emplace(attribute, value);
+    switch (key) {
+      case ParamKey::Available:
+        entry.available = condition(value, attribute);
+        break;
+      case ParamKey::Required:
+        yesNo(value, entry.required);
+        break;
+      case ParamKey::ContextRule:
+        yesNo(value, entry.contextRule);
+        break;
+      case ParamKey::Context:
+        if (auto contexts = texts(value, true)) entry.contexts = std::move(*contexts);
+        break;
+      case ParamKey::ValidationRelaxed:
+        yesNo(value, entry.validationRelaxed);
+        break;
+      case ParamKey::Description:
+        text(value, attribute, entry.description);
+        break;
+      case ParamKey::Reason:
+        text(value, attribute, entry.reason);
+        break;
+      case ParamKey::BetaMessage:
+        text(value, attribute, entry.betaMessage);
+        break;
+      case ParamKey::BetaValues:
+        forEach(value, attribute, [&](Item const& betaValue, Item const& message) {
+          if (auto const given = scalar(message, "a beta message"))
+            def.betaValues.emplace(betaValue.node->value, *given);
+        });
+        break;
+      case ParamKey::Type:
+        type = value;
+        if (auto const given = scalar(value, attribute)) {
+          if (auto const known = TDFParam::typeFromName(*given)) {
+            def.type = *known;
+            typeKnown = true;
+          } else {
+            std::vector<std::string> types;
+            for (int i = TDFParam::Integer; i <= TDFParam::StringList; ++i) {
+              types.emplace_back(TDFParam::typeName(static_cast<TDFParam::Type>(i)));
+            }
+            auto const near = orNear(*given, types);
+            error(value,
+                  "unknown parameter type " + inQuotes(given->substr(0, 60)) +
+                      (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
+                                    : near));
+          }
+        }
+        break;
+      case ParamKey::AllowedList:
+        fixedList = value;
+        if (auto items = texts(value, false, "a computed list stands in Value List Source, without the '='")) {
+          def.allowedValues = sharedFixedList(std::move(*items));
+          def.allowedValueKind = ParamValueDef::FixedAllowedValues;
+        }
+        break;
+      case ParamKey::ListSource:
+        listSource = value;
+        def.allowedValues = listExpression(value, attribute);
+        def.allowedValueKind = ParamValueDef::ComputedAllowedValues;
+        break;
+      case ParamKey::Checks:
+        forEach(value, attribute, [&](Item const& checked, Item const& when) {
+          if (auto check = condition(when, attribute))
+            def.allowedValueChecks.emplace(checked.node->value, std::move(check));
+        });
+        break;
+      case ParamKey::Unused:
+        if (auto items = texts(value, false)) def.unusedValues = std::move(*items);
+        break;
+      case ParamKey::Subset:
+        subset = value;
+        if (auto items = texts(value, false, "a computed subset stands in Subset Value List Source, without the '='")) {
+          def.subset = sharedFixedList(std::move(*items));
+        }
+        break;
+      case ParamKey::SubsetSource:
+        subsetSource = value;
+        def.subset = listExpression(value, attribute);
+        break;
+      case ParamKey::AllowsAny:
+        yesNo(value, def.allowsAnyValue);
+        break;
+      case ParamKey::AvailableWithNone:
+        yesNo(value, def.availableWithNoAllowedValues);
+        break;
+      case ParamKey::CompleteList:
+        completeList = value;
+        yesNo(value, def.completeListRequired);
+        break;
+      case ParamKey::Default:
+        def.defaultValue = textOrExpression(value, attribute);
+        break;
+      case ParamKey::DefaultChecks:
+        def.defaultChecks = guardedTexts(value, attribute);
+        break;
+      case ParamKey::FallbackToBlank:
+        yesNo(value, def.fallbackToBlankDefault);
+        break;
+      case ParamKey::OverrideChecks:
+        def.overrideChecks = guardedTexts(value, attribute);
+        break;
+      case ParamKey::LowerBound:
+        def.lowerBound = textOrExpression(value, attribute);
+        break;
+      case ParamKey::UpperBound:
+        def.upperBound = textOrExpression(value, attribute);
+        break;
+      case ParamKey::QuantityType:
+        def.quantityType = textOrExpression(value, attribute);
+        break;
+    }
+  });
+
+  if (!type && canHoldKeys(*body.node)) error(name, "the parameter has no 'Parameter Type'");
+  if (fixedList && listSource) {
+    twice(listSource, fixedList, "the allowed values are given twice: keep the fixed list or the Value List Source");
+  }
+  if (subset && subsetSource) {
+    twice(subsetSource, subset, "the subset is given twice: keep the fixed one or the Subset Value List Source");
+  }
+  if (def.completeListRequired && typeKnown && !TDFParam::isListType(def.type)) {
+    error(completeList, "Complete List Required is for list types, but the parameter is of type " +
+                            std::string(TDFParam::typeName(def.type)));
+  }
+  if (!object.addParam(std::move(entry), std::move(def))) {
+    twice(name, formerPlace(object.typePath(), false, name.node->value),
+          "the object has a parameter " + inQuotes(name.node->value) + " already");
+    return;
+  }
+  if (keepPlaces_) params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+}
+
+void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& body) {
+  if (!isName(name, "a child type")) return;
+  if (holdsSeparator(name.node->value)) {
+    error(name, "a child type cannot hold '/' or ':'; deeper objects have entries of their own under Objects");
+    return;
+  }
+  owner_ = {object.typePath(), name.node->value, true};
+
+  ChildAvail entry;
+  entry.type = name.node->value;
+  EntryPlace place;
+  place.name = name;
+  auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
+    if (auto const given = scalar(value, attribute)) target = *given;
+  };
+  forEachKnown(body, "a child", childKeys, [&](ChildKey key, Item const& keyItem, Item const& value) {
+    std::string_view const attribute = keyItem.node->value;
+    if (keepPlaces_) place.attributes.emplace(attribute, value);
+    switch (key) {
+      case ChildKey::Available:
+        entry.available = condition(value, attribute);
+        break;
+      case ChildKey::Required:
+        yesNo(value, entry.required);
+        break;
+      case ChildKey::Context:
+        if (auto contexts = texts(value, true)) entry.contexts = std::move(*contexts);
+        break;
+      case ChildKey::ValidationRelaxed:
+        yesNo(value, entry.validationRelaxed);
+        break;
+      case ChildKey::Description:
+        text(value, attribute, entry.description);
+        break;
+      case ChildKey::Reason:
+        text(value, attribute, entry.reason);
+        break;
+      case ChildKey::BetaMessage:
+        text(value, attribute, entry.betaMessage);
+        break;
+      case ChildKey::Singleton:
+        yesNo(value, entry.singleton);
+        break;
+      case ChildKey::Coupled:
+        yesNo(value, entry.coupled);
+        break;
+      case ChildKey::AllowedNames:
+        entry.allowedNamesSource = listOrExpression(value, attribute);
+        break;
+      case ChildKey::DefaultNames:
+        entry.defaultNamesSource = listOrExpression(value, attribute);
+        break;
+    }
+  });
+  if (!object.addChild(std::move(entry))) {
+    twice(name, formerPlace(object.typePath(), true, name.node->value),
+          "the object has a child type " + inQuotes(name.node->value) + " already");
+    return;
+  }
+  if (keepPlaces_) children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+}
+
+}  // namespace tarn::rules

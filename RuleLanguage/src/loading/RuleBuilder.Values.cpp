@@ -1,0 +1,235 @@
+// The kinds of values that attributes have: single values, lists of texts, expressions, and lists whose items hang on
+// conditions. What is written alike in many places is parsed once and shared.
+
+#include <algorithm>
+#include <utility>
+
+#include <tarn/StringUtilities.h>
+
+#include "expression/NearMatch.h"
+#include "expression/Nodes.h"
+#include "loading/RuleBuilder.h"
+#include "loading/RuleSections.h"
+
+namespace tarn::rules {
+
+using StringUtilities::isSpace;
+
+std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::string_view what) {
+  if (item.node->kind == YamlNode::Kind::Scalar) return item.node->value;
+  std::string message = std::string(what) + " is a single value, not " + std::string(kindText(*item.node));
+  if (item.node->flow && item.node->kind == YamlNode::Kind::Mapping) {
+    message += "; an expression that begins with '{' must be quoted as a whole";
+  }
+  error(item, std::move(message));
+  return std::nullopt;
+}
+
+void RuleBuilder::yesNo(Item const& item, bool& value) {
+  auto const text = scalar(item, "yes or no");
+  if (!text) return;
+  std::string lowered(*text);
+  for (auto& c : lowered) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  for (std::string_view const yes : {"yes", "true", "on"}) {
+    if (lowered == yes) {
+      value = true;
+      return;
+    }
+  }
+  for (std::string_view const no : {"no", "false", "off"}) {
+    if (lowered == no) {
+      value = false;
+      return;
+    }
+  }
+  error(item, "yes or no is needed here, not " + inQuotes(text->substr(0, 60)));
+}
+
+std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, bool oneAllowed,
+                                                           std::string_view otherwise) {
+  if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};
+  if (item.node->kind != YamlNode::Kind::Sequence) {
+    std::string message = "a list of texts is needed here, not " + std::string(kindText(*item.node));
+    if (!otherwise.empty() && isExpression(*item.node)) {
+      message += "; " + std::string(otherwise);
+    } else if (item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node)) {
+      message += "; a list of one is written [" + item.node->value.substr(0, 60) + "]";
+    }
+    error(item, std::move(message));
+    return std::nullopt;
+  }
+  std::vector<std::string> result;
+  result.reserve(item.node->children.size());
+  bool good = true;
+  for (auto const* child : item.node->children) {
+    if (child->kind == YamlNode::Kind::Scalar) {
+      result.push_back(child->value);
+    } else {
+      error({item.source, child}, "an item of this list is a single text, not " + std::string(kindText(*child)));
+      good = false;
+    }
+  }
+  if (!good) return std::nullopt;
+  return result;
+}
+
+bool RuleBuilder::isMapping(Item const& item, std::string_view what) {
+  if (item.node->kind == YamlNode::Kind::Mapping) return true;
+  if (!isNothing(*item.node)) {
+    error(item, std::string(what) + " is a map, not " + std::string(kindText(*item.node)));
+  }
+  return false;
+}
+
+bool RuleBuilder::isName(Item const& item, std::string_view what) {
+  std::string_view const name = item.node->value;
+  if (name.empty()) return error(item, std::string(what) + " cannot be empty"), false;
+  if (isSpace(name.front()) || isSpace(name.back())) {
+    return error(item, std::string(what) + " cannot begin or end with a blank"), false;
+  }
+  return true;
+}
+
+ParsedExpression RuleBuilder::parsed(Item const& item, std::size_t skipped, Role role) {
+  ParserLimits const limits{limits_.expressionLength, limits_.expressionDepth};
+  auto result = parseExpression(std::string_view(item.node->value).substr(skipped), role, named_, data_.get(), limits);
+  for (auto const& issue : result.issues) {
+    errorAt(item, skipped + issue.range.offset, issue.range.length, issue.message);
+  }
+  return result;
+}
+
+CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role role, std::string_view attribute) {
+  if (!scalar(item, "an expression")) return nullptr;
+  auto& shared = shared_[static_cast<std::size_t>(role)];
+  auto const text = std::string_view(item.node->value).substr(skipped);
+  auto known = shared.find(text);
+  if (known == shared.end()) {
+    auto result = parsed(item, skipped, role);
+    if (!result.expression) return nullptr;
+    auto compiled = std::make_shared<Compiled>();
+    compiled->expression = keepContextFreeParts(std::move(result.expression));
+    compiled->source = StringUtilities::trimmed(text);
+    known = shared.emplace(text, std::move(compiled)).first;
+  }
+  noteUse(item, skipped, known->second, role, attribute);
+  return known->second;
+}
+
+void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
+                          std::string_view attribute) {
+  if (!keepPlaces_) return;
+  ExpressionUse use;
+  use.item = item;
+  use.skipped = skipped;
+  use.compiled = compiled;
+  use.role = role;
+  use.typePath = owner_.typePath;
+  use.entry = owner_.entry;
+  use.ofChild = owner_.ofChild;
+  use.attribute = attribute;
+  uses_.push_back(std::move(use));
+}
+
+std::unique_ptr<Condition> RuleBuilder::condition(Item const& item, std::string_view attribute) {
+  auto expression = compiled(item, 0, Role::Condition, attribute);
+  return expression ? std::make_unique<CompiledCondition>(std::move(expression)) : nullptr;
+}
+
+std::unique_ptr<TextExpression> RuleBuilder::textOrExpression(Item const& item, std::string_view attribute) {
+  if (!scalar(item, attribute)) return nullptr;
+  if (!isExpression(*item.node)) return std::make_unique<FixedText>(item.node->value);
+  auto expression = compiled(item, 1, Role::Text, attribute);
+  return expression ? std::make_unique<CompiledText>(std::move(expression)) : nullptr;
+}
+
+std::unique_ptr<ListExpression> RuleBuilder::listExpression(Item const& item, std::string_view attribute) {
+  auto expression = compiled(item, 0, Role::List, attribute);
+  return expression ? std::make_unique<CompiledList>(std::move(expression)) : nullptr;
+}
+
+std::unique_ptr<ListExpression> RuleBuilder::sharedFixedList(std::vector<std::string> items) {
+  std::string key;
+  for (auto const& item : items) key.append(std::to_string(item.size())).append(":").append(item);
+  auto const [known, isNew] = sharedLists_.try_emplace(std::move(key));
+  if (isNew) known->second = std::move(items);
+  return std::make_unique<FixedList>(known->second);
+}
+
+ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attribute,
+                                        std::optional<std::vector<std::string>>& fixed, PendingBody* named) {
+  auto const& children = item.node->children;
+  auto const isGuarded = [](YamlNode const* child) { return child->kind == YamlNode::Kind::Mapping; };
+  if (std::none_of(children.begin(), children.end(), isGuarded)) {
+    fixed = texts(item, false);
+    return nullptr;
+  }
+  std::vector<GuardedList::Item> items;
+  bool good = true;
+  for (auto const* child : children) {
+    Item const childItem{item.source, child};
+    GuardedList::Item guarded;
+    auto const fixedText = [&](Item const& value) {
+      return std::make_unique<Literal>(Range{0, value.node->value.size()}, value.node->value);
+    };
+    if (child->kind == YamlNode::Kind::Scalar) {
+      guarded.value = fixedText(childItem);
+    } else if (child->kind == YamlNode::Kind::Sequence) {
+      error(childItem, "an item of this list is a single text, not " + std::string(kindText(*child)));
+      good = false;
+    } else {
+      auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
+        auto result = parsed(part, skipped, role);
+        if (named != nullptr) {
+          for (auto const& call : result.calls) named->calls.push_back(call.rule);
+          named->nesting = std::max(named->nesting, result.depth);
+        }
+        // The part is parsed once more for those who look at uses, since the list owns this one.
+        if (keepPlaces_ && result.expression) laterUses_.push_back({part, skipped, role, attribute, owner_, nullptr});
+        return std::move(result.expression);
+      };
+      forEachKnown(childItem, "an item of a list", guardKeys, [&](GuardKey key, Item const&, Item const& value) {
+        if (!scalar(value, "an item of a list")) {
+          good = false;
+        } else if (key == GuardKey::When) {
+          guarded.when = parse(value, 0, Role::Condition);
+          good &= guarded.when != nullptr;
+        } else if (isExpression(*value.node)) {
+          guarded.value = parse(value, 1, Role::Text);
+          good &= guarded.value != nullptr;
+        } else {
+          guarded.value = fixedText(value);
+        }
+      });
+      if (good && !guarded.value) {
+        error(childItem, "the item has no 'Value'");
+        good = false;
+      }
+    }
+    items.push_back(std::move(guarded));
+  }
+  if (!good) return nullptr;
+  return std::make_unique<GuardedList>(std::move(items));
+}
+
+std::unique_ptr<ListExpression> RuleBuilder::listOrExpression(Item const& item, std::string_view attribute) {
+  if (item.node->kind != YamlNode::Kind::Sequence) {
+    if (isExpression(*item.node)) {
+      auto expression = compiled(item, 1, Role::List, attribute);
+      return expression ? std::make_unique<CompiledList>(std::move(expression)) : nullptr;
+    }
+    (void)texts(item, false);
+    return nullptr;
+  }
+  std::optional<std::vector<std::string>> fixed;
+  if (auto guarded = guardedItems(item, attribute, fixed, nullptr)) {
+    auto compiledList = std::make_shared<Compiled>();
+    compiledList->expression = keepContextFreeParts(std::move(guarded));
+    return std::make_unique<CompiledList>(std::move(compiledList));
+  }
+  return fixed ? sharedFixedList(std::move(*fixed)) : nullptr;
+}
+
+}  // namespace tarn::rules

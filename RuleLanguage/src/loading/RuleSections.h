@@ -1,0 +1,107 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+#include <vector>
+
+#include "expression/NearMatch.h"
+#include "loading/RuleBuilder.h"
+#include "yaml/YamlDocument.h"
+
+// Reading a map of a rule file: which keys there are stands in a table, from which near matches are suggested.
+
+namespace tarn::rules {
+
+/// A key of a section, and what it is to whoever reads the section.
+template <typename Id>
+struct Key {
+  std::string_view text;
+  Id id;
+};
+
+enum class GuardKey { When, Value };
+constexpr auto guardKeys = std::to_array<Key<GuardKey>>({{"When", GuardKey::When}, {"Value", GuardKey::Value}});
+
+template <typename Table>
+std::vector<std::string> keyTexts(Table const& table) {
+  std::vector<std::string> texts;
+  texts.reserve(table.size());
+  for (auto const& key : table) texts.emplace_back(key.text);
+  return texts;
+}
+
+/// A plain scalar with nothing in it stands for a section that is left empty.
+inline bool isNothing(YamlNode const& node) {
+  return node.kind == YamlNode::Kind::Scalar && node.style == YamlNode::Style::Plain && node.value.empty();
+}
+
+/// Whether keys can be missed in `node`. Of what is no map at all only that is told.
+inline bool canHoldKeys(YamlNode const& node) {
+  return node.kind == YamlNode::Kind::Mapping || isNothing(node);
+}
+
+inline std::string_view kindText(YamlNode const& node) {
+  switch (node.kind) {
+    case YamlNode::Kind::Scalar:
+      return "a single value";
+    case YamlNode::Kind::Sequence:
+      return "a list";
+    case YamlNode::Kind::Mapping:
+      return "a map";
+  }
+  return "";
+}
+
+inline bool isExpression(YamlNode const& node) {
+  return node.kind == YamlNode::Kind::Scalar && node.value.starts_with('=');
+}
+
+template <typename Each>
+void RuleBuilder::forEach(Item const& item, std::string_view what, Each each) {
+  if (!isMapping(item, what)) return;
+  auto const& children = item.node->children;
+  std::unordered_map<std::string_view, YamlNode const*> seen;
+  seen.reserve(children.size() / 2);
+  for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
+    Item const key{item.source, children[i]};
+    if (!scalar(key, "a key")) continue;
+    auto const [former, isNew] = seen.try_emplace(key.node->value, key.node);
+    if (isNew) {
+      each(key, Item{item.source, children[i + 1]});
+    } else {
+      twice(key, {item.source, former->second}, inQuotes(key.node->value) + " is given twice");
+    }
+  }
+}
+
+template <typename Table, typename Each>
+void RuleBuilder::forEachKnown(Item const& item, std::string_view what, Table const& table, Each each) {
+  if (!isMapping(item, what)) return;
+  auto const& children = item.node->children;
+  std::array<YamlNode const*, std::tuple_size_v<Table>> seen{};
+  for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
+    Item const key{item.source, children[i]};
+    if (!scalar(key, "a key")) continue;
+    auto const known =
+        std::find_if(table.begin(), table.end(), [&](auto const& entry) { return entry.text == key.node->value; });
+    if (known == table.end()) {
+      error(key, "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
+                     orNear(key.node->value, keyTexts(table)));
+      continue;
+    }
+    auto& former = seen[static_cast<std::size_t>(known - table.begin())];
+    if (former != nullptr) {
+      twice(key, {item.source, former}, inQuotes(key.node->value) + " is given twice");
+      continue;
+    }
+    former = key.node;
+    each(known->id, key, Item{item.source, children[i + 1]});
+  }
+}
+
+}  // namespace tarn::rules
