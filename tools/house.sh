@@ -81,3 +81,13 @@ progress() {
   done >"$2"
   if [[ -n $told && -t 2 ]]; then printf '\r\033[K' >&2; fi
 }
+
+# run_tests PRESET [OPTION...]: runs the tests of a build. The log holds all; shown are failures in full, suites that took
+# more than five seconds, and the verdict.
+run_tests() {
+  local preset=$1
+  shift
+  (cd "$house" && ctest --preset "$preset" -j "$(nproc)" "$@") </dev/null 2>&1 |
+    tee "$house/build/$preset/test.log" |
+    awk '!/^ +Start +[0-9]+: / && !(/ Passed +[0-9.]+ sec$/ && $(NF - 1) < 5) && !/^$/ && !/^Internal ctest/'
+}
