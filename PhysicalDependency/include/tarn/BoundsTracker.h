@@ -30,6 +30,13 @@ class TARN_EXPORT BoundsTracker {
   /// Begins a batch: forgets the updates, but not what was seen last.
   void reset() noexcept { updatedBounds_.clear(); }
 
+  /// Forgets also what was seen last, so that the next sighting of each parameter is one as if it were the first. For a
+  /// batch that broke off, whose updates nobody has read.
+  void forget() noexcept {
+    updatedBounds_.clear();
+    knownBounds_.clear();
+  }
+
   /// The parameters, by their paths, whose bounds differed from what was seen before them in this batch, with the
   /// bounds that they were first seen to have changed to. If bounds move twice in one batch, the first move stands
   /// here, though the second is what the next batch is compared with: a reader who wants the present bounds asks the
@@ -46,7 +53,7 @@ class TARN_EXPORT BoundsTracker {
   bool enabled_ = true;
   // Of the batch.
   std::map<std::string, Bounds> updatedBounds_;
-  // Only grows.
+  // Only grows, but for `forget`.
   std::map<std::string, Bounds> knownBounds_;
 };
 

@@ -99,7 +99,7 @@ class PhysicsData;
 /// When a walk is aborted, `analyse` returns as usual; a caller who has to know must have the derived class note it.
 /// What a hook or a rule throws ends the walk and reaches the caller of `analyse`. In both cases no further hook is
 /// called, `onEndObject` for the objects still open included: prepare for that if you keep a stack of them. The
-/// analyser is ready for the next walk all the same.
+/// analyser keeps nothing of such a walk, nor of one without memory, and is ready for the next all the same.
 ///
 /// Depth is limited by memory alone: the walk keeps its open objects on the heap and does not recurse. Each takes about
 /// 500 bytes and three copies of its path, and beside that the paths of the siblings that are still to be walked. So a

@@ -66,6 +66,11 @@ class ChangeRecord;
 /// elsewhere in the tree leave them alone. One to a list of the log is valid as long as the tree, and shows later
 /// events. An argument may itself be such a reference, unless it is to the value that the call overwrites.
 ///
+/// Without memory. An operation on one object or parameter has been done and logged, or `std::bad_alloc` is thrown and
+/// nothing is changed or logged. Of a subtree to be deleted and of what is loaded or mirrored a part may then be done,
+/// and the log tells exactly that part; the same operation again does the rest. Reading fails only where it fills a
+/// list or makes a state, or divides a parameter path; deleting does not fail while recording is off.
+///
 /// One thread at a time, also for reading: a look-up remembers what it found.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
  public:
@@ -80,6 +85,8 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// A tree that holds the root and nothing else.
   explicit DynamicTDF(bool recordUpdates = true);
   ~DynamicTDF() override;
+  /// Exchanges all objects and the log, and whether it records. References go along.
+  void swap(DynamicTDF& other) noexcept;
   DynamicTDF(DynamicTDF const&) = delete;
   DynamicTDF& operator=(DynamicTDF const&) = delete;
 
@@ -208,6 +215,10 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   void doSetParameter(std::string const& objPath, std::string const& name, std::string const& value, Node& node);
   void doSetParameter(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues,
                       std::string const& value, Node& node);
+  template <class Change>
+  void changeObject(std::string const& path, Change const& change);
+  template <class Change>
+  void recordingModified(std::string const& objPath, std::string const& name, Change const& change);
   template <class... Initial>
   void addParameter(std::string const& objPath, std::string const& name, Node& node, Initial const&... initial);
   void setParameters(std::string topPath, ModelTDF const& model);

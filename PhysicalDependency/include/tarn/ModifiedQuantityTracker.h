@@ -31,6 +31,13 @@ class TARN_EXPORT ModifiedQuantityTracker {
   /// Begins a batch: forgets which parameters were adjusted, but not the quantity types that they had.
   void reset() noexcept { modifiedParams_.clear(); }
 
+  /// Forgets also the quantity types that parameters had, so that the next one of each is new. For a batch that broke
+  /// off, whose changes nobody has read.
+  void forget() noexcept {
+    modifiedParams_.clear();
+    knownQuantities_.clear();
+  }
+
   /// The parameters, by their paths, whose quantity type was new or another one in this batch, with the first such
   /// type; a second change in the same batch does not show, though the next batch is compared with it. One that keeps
   /// its type is not here, although its value is rewritten each time. Valid as long as the tracker; changes with every
@@ -50,7 +57,7 @@ class TARN_EXPORT ModifiedQuantityTracker {
 
   QuantityModifier const* modifier_;
   bool enabled_ = true;
-  // Only grows.
+  // Only grows, but for `forget`.
   std::map<std::string, std::string> knownQuantities_;
   // Of the batch.
   std::map<std::string, std::string> modifiedParams_;

@@ -94,8 +94,9 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   ///
   /// Faults of the model are never thrown. `std::out_of_range` is thrown for a state that holds the empty path, with
   /// nothing changed, and the `Error` of `TDFPath` for a path that cannot be read. What a rule or the logger throws
-  /// reaches the caller; the phase then counts as not run, so the next call for the same model repeats it, behind the
-  /// messages that the logger has from the broken one.
+  /// reaches the caller, and so does `std::bad_alloc`; the phase then counts as not run, so the next call for the same
+  /// model repeats it, behind the messages that the logger has from the broken one. For another model, and when the
+  /// model itself could not be taken in, the next call begins anew. Nothing of a broken run is taken for a verdict.
   ///
   /// Linear in the size of the model to compare it; a model that is known already costs nothing beyond that.
   ValStatus validate(ValType type, ModelState const& state, std::vector<std::string> const& roots);
@@ -136,7 +137,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   ValStatus doValidate(ValType type, ModelState const& state, std::vector<std::string> const& roots,
                        bool useStateAsGiven);
   void reset(ModelState const& state, bool useStateAsGiven);
-  bool takeState(ModelState const& state, bool useStateAsGiven);
+  bool takeState(ModelState const& state, bool useStateAsGiven, bool isKnown);
   void loadFilteredTree(ModelState const& state, bool useStateAsGiven);
   void evaluateGlobalChecks(EvalContext* evalContext);
   void setEvaluationCache(EvalCache* cache);
@@ -166,7 +167,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   void logIfParamValueBetaMessage(std::string const& objPath, std::string const& name, std::string const& value);
   void logIfObjBetaMessage(std::string const& objPath, std::string const& type);
   void logIfObjBetaMessage(std::string const& objPath, std::string const& type, std::vector<std::string> const& names);
-  void clearBetaMessages();
+  void clearBetaMessages() noexcept;
 
   // Constant after construction.
   std::set<std::string, std::less<>> rootTypes_;
@@ -179,6 +180,8 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   // What is known of the model last validated.
   std::string lastStateText_;
   DynamicTDF filteredTree_;
+  /// Text and tree are those of one model, and the logger was reset for it. Not so after a failure on the way there.
+  bool isStateKnown_ = true;
   ValStatus status_ = ValStatusClean;
   bool dependencyChecksDone_ = false;
   bool globalChecksDone_ = false;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -147,9 +148,20 @@ enum class ActivityState : int;
 ///
 /// ## Failures
 ///
-/// What a rule, the base model or the modifier throws passes to the caller. The update is then incomplete: what the
-/// walk had done stays, the active state reads as empty and the change lists are of no use. The object remains usable.
-/// The edit is not lost, and the next update completes it; refresh everything from `getActiveTDFState` then.
+/// What a rule, the base model or the modifier throws passes to the caller, and so does `std::bad_alloc`. The object
+/// remains usable, and so do guide and decisions: an edit has been made or it has not, and there is never half of one.
+///
+/// - If it has not been made, the active state is as before. Make the edit again.
+/// - If it has been made, its update is incomplete: the active state reads as empty and the change lists are of no use.
+///   The edit is not lost. The next one completes the update, whatever it is, and so does `baseUpdate`; the same edit
+///   once more does no harm. A refused one tries, and says nothing if it fails: then the active state tells how far the
+///   update came. `duplicateNamedObject` and `renameNamedObject` copy nothing from an incomplete update: they complete
+///   it first, or throw. Refresh everything from the getters then; all bounds and quantity types are told anew.
+///
+/// `initialise`, `initialiseBasedOn` and `baseUpdate` have begun, like an edit, or have changed nothing. The one edit
+/// that may be made in part is a duplicate under the name of an object that waits in the guide: of that some values may
+/// be replaced, and the same edit again replaces the rest. What the logger throws passes as well; the edit is complete
+/// then, and only its account is not.
 ///
 /// ## Cost
 ///
@@ -184,8 +196,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// model that are blank count as not given; those of `p_guideState` count.
   ///
   /// Throws the `Error` of `TDFPath` when the active root, or a path in `p_guideState`, cannot be read. Then nothing
-  /// has started, and it may be called again. A second call starts over with the guide but keeps decisions, remembered
-  /// selections and which default names were dealt with.
+  /// has started, or what had started before goes on as it was, and it may be called again. A second call starts over
+  /// with the guide but keeps decisions, remembered selections and which default names were dealt with.
   void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
 
   /// Starts as a copy of the object at `p_basedOnPath` of the base model, which must be a named object of the same type
@@ -312,11 +324,12 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   HandlerStatus onEndObject(std::string const& p_path, bool p_required) override;
 
   // The start: ProvisionalTDF.Initialise.cpp.
-  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState);
-  void initialiseInternal(ModelTDF const* p_base);
-  void attachBase(ModelTDF const* p_base);
+  struct Attachment;
+  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState, DynamicTDF& p_guide) const;
+  void initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject);
+  void attach(Attachment& p_attachment) noexcept;
   [[nodiscard]] bool isInitialised() const noexcept { return m_evalContext != nullptr; }
-  void logCommand(std::string const& p_command, std::string const& p_argument) const;
+  void logCommand(std::string_view p_command, std::string_view p_argument) const;
 
   // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named by whether the guide
   // (G) wants it and whether it has allowed values (AV). Each returns whether it left the parameter in the active tree
@@ -345,6 +358,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
                                     NameRange p_allowed);
   bool createNamedGuideObject(std::string const& p_path);
+  void createDefaultGuideObjects(std::string const& p_prefix, std::vector<std::string> const& p_names);
   bool copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
   bool deleteNamedGuideObject(std::string const& p_path);
   [[nodiscard]] ActivityState getObjActivity(std::string const& p_objPath) const;
@@ -358,7 +372,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   void updateActiveTDF(bool p_analyse);
   void rememberStartState(bool p_analyse);
   void extractUpdateInformation();
-  void recoverFromBrokenWalk();
+  void completeBrokenUpdate();
+  void recoverFromBrokenUpdate() noexcept;
+  void forgetBoundsAndQuantities() noexcept;
 
   // One-liners over the collaborators, so that the decisions read as such.
   void createObject(std::string const& p_objPath, std::string const& p_type, std::string const& p_name);
@@ -384,6 +400,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Parent path, "/" and type of the required named types whose default names were dealt with. Never loses an entry,
   /// also when the parent goes, so that an object that the user has removed does not come back as a default.
   std::set<std::string> m_defaultNamesApplied;
+  /// Those of them that were dealt with since the last update that did not break off.
+  std::vector<std::string> m_defaultNamesOfUpdate;
   /// Cleared for good when the object starts as a copy of another one.
   bool m_hasBaseObject = true;
 
@@ -403,6 +421,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   // date from the log of the active tree, unless the last update broke off.
   ModelState m_activeState;
   bool m_isStateCurrent = false;
+  /// The last update broke off, so the active tree is not the result of a walk.
+  bool m_isWalkDue = false;
   std::vector<ParamId> m_newlyUnavailParams;
   std::vector<std::string> m_emptyParams;
   std::vector<std::string> m_emptyTypedParams;

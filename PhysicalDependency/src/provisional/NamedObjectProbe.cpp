@@ -24,13 +24,15 @@ void NamedObjectProbe::createTestNamedObject(std::string const& objPath, std::st
 }
 
 void NamedObjectProbe::deleteTestNamedObject() {
+  activeTDF_.stopRecordingUpdates();  // still off, unless this has failed before
   // Before recording starts again, since also an unrecorded deletion logs the parameters that go.
   activeTDF_.deleteObjectUnrecorded(testNamedObjectPath_);
-  // Overrides and default objects that its walk wrote.
-  guideTDF_.deleteObject(testNamedObjectPath_);
-  potentialTracker_.clearObjectReferences(testNamedObjectPath_);
   activeTDF_.startRecordingUpdates();
   quantityTracker_.enable(true);
+  // Overrides and default objects that its walk wrote.
+  guideTDF_.deleteObject(testNamedObjectPath_);
+  // Last, since it alone can fail, and then only where it finds something.
+  potentialTracker_.clearObjectReferences(testNamedObjectPath_);
   clearPath();
 }
 

@@ -33,6 +33,7 @@ class NamedObjectProbe {
   }
 
   void createTestNamedObject(std::string const& objPath, std::string const& type);
+  /// If it fails it may be called again, and cannot fail while there are no potential items.
   void deleteTestNamedObject();
 
   /// Forgets where the probe is, and nothing else.

@@ -121,11 +121,15 @@ void ProvisionalTDF::synchNamesOfGuide(std::string const& p_objPath, std::string
   std::vector<std::string> names;
   m_guideTDF.getChildObjectNamesByType(p_objPath, p_type, names);
   if (p_defaultNames.first != p_defaultNames.second) {
-    bool const isFirstTime = m_defaultNamesApplied.insert(singletonPath(p_objPath, p_type)).second;
-    if (isFirstTime && names.empty()) {
-      names.assign(p_defaultNames.first, p_defaultNames.second);
-      std::string const prefix = namedPrefix(p_objPath, p_type);
-      for (std::string const& name : names) createNamedGuideObject(prefix + name);
+    std::string key = singletonPath(p_objPath, p_type);
+    if (!m_defaultNamesApplied.contains(key)) {
+      if (names.empty()) {
+        names.assign(p_defaultNames.first, p_defaultNames.second);
+        createDefaultGuideObjects(namedPrefix(p_objPath, p_type), names);
+      }
+      // Not before they are there: a walk that breaks off must not be the one time at which they come.
+      m_defaultNamesOfUpdate.push_back(key);
+      m_defaultNamesApplied.insert(std::move(key));
     }
   }
   synchAllowedNamedObjects(p_objPath, p_type, {names.begin(), names.end()});
@@ -205,6 +209,20 @@ bool ProvisionalTDF::createNamedGuideObject(std::string const& p_path) {
   return m_guideTDF.createObject(std::string(PathUtils::parentOf(p_path)), type, name);
 }
 
+/// All of them or, if one fails, none: some of them would be taken for a choice of the user.
+void ProvisionalTDF::createDefaultGuideObjects(std::string const& p_prefix, std::vector<std::string> const& p_names) {
+  std::vector<std::string> paths;
+  paths.reserve(p_names.size());
+  for (std::string const& name : p_names) paths.push_back(p_prefix + name);
+  std::size_t made = 0;
+  try {
+    for (; made < paths.size(); ++made) createNamedGuideObject(paths[made]);
+  } catch (...) {
+    while (made > 0) m_guideTDF.deleteObject(paths[--made]);
+    throw;
+  }
+}
+
 bool ProvisionalTDF::deleteNamedGuideObject(std::string const& p_path) {
   if (beginOfName(p_path) == std::string::npos || !m_guideTDF.hasObject(p_path)) return false;
   m_guideTDF.deleteObject(p_path);
@@ -227,7 +245,17 @@ bool ProvisionalTDF::copyNamedGuideObject(std::string const& p_path, std::string
   ModelState original;
   dumpModelState(m_activeTDF, p_path, original);
   ModelState const state = withLeadingPathReplaced(std::move(original), p_path, copy.getFullPath());
-  m_guideTDF.update(state.begin(), state.end(), false);
+  // The highest object that is made on the way.
+  std::string made;
+  for (std::string path = copy.getFullPath(); !m_guideTDF.hasObject(path); path = PathUtils::parentOf(path)) {
+    made = path;
+  }
+  try {
+    m_guideTDF.update(state.begin(), state.end(), false);
+  } catch (...) {
+    m_guideTDF.deleteObject(made);  // half a copy would be taken for the whole
+    throw;
+  }
   return true;
 }
 

@@ -49,6 +49,7 @@ void ProvisionalTDF::deactivateOptParam(std::string const& p_objPath, std::strin
   std::string const argument = p_objPath + "/" + p_name;
   bool const applies = isUnderActiveRoot(p_objPath);
   if (applies) {
+    // The decision first, since it alone can fail.
     m_activity->setParam(p_objPath, p_name, false);
     // An empty value is no answer worth keeping: without it, switching on again gives the default.
     if (m_guideTDF.getParameterValue(p_objPath, p_name).empty()) m_guideTDF.deleteParameter(p_objPath, p_name);
@@ -89,17 +90,20 @@ void ProvisionalTDF::removeNamedObject(std::string const& p_path) {
 void ProvisionalTDF::duplicateNamedObject(std::string const& p_path, std::string const& p_newName) {
   if (!isInitialised()) return;
   std::string const argument = p_path + "->" + p_newName;
-  bool const applies = isInsideActiveRoot(p_path) && copyNamedGuideObject(p_path, p_newName);
+  bool const isInside = isInsideActiveRoot(p_path);
+  if (isInside) completeBrokenUpdate();
+  bool const applies = isInside && copyNamedGuideObject(p_path, p_newName);
   finishEdit(applies, "duplicateNamedObject", argument);
 }
 
 void ProvisionalTDF::renameNamedObject(std::string const& p_path, std::string const& p_newName) {
   if (!isInitialised()) return;
   std::string const argument = p_path + "->" + p_newName;
+  bool const isInside = isInsideActiveRoot(p_path);
+  if (isInside) completeBrokenUpdate();
   // An object that stands only by the rules can be copied and not be removed. The copy then waits for the next walk,
   // and the caller finds both objects after it.
-  bool const applies =
-      isInsideActiveRoot(p_path) && copyNamedGuideObject(p_path, p_newName) && deleteNamedGuideObject(p_path);
+  bool const applies = isInside && copyNamedGuideObject(p_path, p_newName) && deleteNamedGuideObject(p_path);
   finishEdit(applies, "renameNamedObject", argument);
 }
 
@@ -114,6 +118,13 @@ bool ProvisionalTDF::isInsideActiveRoot(std::string const& p_path) const noexcep
 /// The argument is made before the edit's change of intent: callers hand in texts that they were given by reference,
 /// and which the update sweeps away.
 void ProvisionalTDF::finishEdit(bool p_applies, char const* p_command, std::string const& p_argument) {
+  if (!p_applies) {
+    try {
+      completeBrokenUpdate();
+    } catch (...) {
+      // It is still due. Of that the caller knows since the edit that broke off, and this one changes nothing.
+    }
+  }
   updateActiveTDF(p_applies);
   // Behind the update, so that the summary shows what this edit did.
   logCommand(p_command, p_argument);

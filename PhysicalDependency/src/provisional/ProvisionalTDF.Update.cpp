@@ -19,19 +19,31 @@
 namespace tarn {
 
 void ProvisionalTDF::updateActiveTDF(bool p_analyse) {
-  OperationTimer timer("ProvisionalTDF::updateActiveTDF");
-  rememberStartState(p_analyse);
-  if (p_analyse) {
-    timer.enterSection("analyse");
-    try {
+  try {
+    OperationTimer timer("ProvisionalTDF::updateActiveTDF");
+    rememberStartState(p_analyse);
+    if (p_analyse) {
+      timer.enterSection("analyse");
       analyse(m_activeRoot, m_evalContext.get());
-    } catch (...) {
-      recoverFromBrokenWalk();
-      throw;
     }
+    timer.enterSection("extract updates");
+    extractUpdateInformation();
+  } catch (...) {
+    recoverFromBrokenUpdate();
+    throw;
   }
-  timer.enterSection("extract updates");
-  extractUpdateInformation();
+  if (!p_analyse) return;
+  m_isWalkDue = false;
+  m_defaultNamesOfUpdate.clear();
+}
+
+/// Ahead of an update without a walk, which would else publish what a broken one has left in the active tree, and of
+/// edits that copy from there.
+void ProvisionalTDF::completeBrokenUpdate() {
+  if (!m_isWalkDue) return;
+  updateActiveTDF(true);
+  // Nobody reads what this update tells. So the edit tells it once more.
+  forgetBoundsAndQuantities();
 }
 
 void ProvisionalTDF::rememberStartState(bool p_analyse) {
@@ -72,15 +84,27 @@ void ProvisionalTDF::extractUpdateInformation() {
   std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
 }
 
-/// Makes the state usable again after an exception has left a walk where it stood: no probe, recording and quantity
+/// Makes the state usable again after an exception has left an update where it stood: no probe, recording and quantity
 /// tracker on, the named types in order. What had been found potential is forgotten, for the tracker carries a walk
-/// that was not compared on into the next one, where those items would stand twice.
-void ProvisionalTDF::recoverFromBrokenWalk() {
+/// that was not compared on into the next one, where those items would stand twice; forgotten first, so that there is
+/// nothing left for the probe to do that needs memory. Bounds and quantity types are forgotten because the lists that
+/// would have told of them are not read.
+void ProvisionalTDF::recoverFromBrokenUpdate() noexcept {
+  m_potentialTracker->clearObjectReferences(std::string());
   if (m_probe->inTestNamedObject()) m_probe->deleteTestNamedObject();
-  m_potentialTracker->clearObjectReferences(m_activeRoot);
+  forgetBoundsAndQuantities();
   m_activeState.clear();
   m_isStateCurrent = false;
+  m_isWalkDue = true;
+  m_newlyUnavailParams.clear();
+  m_emptyParams.clear();
+  m_emptyTypedParams.clear();
   std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
+}
+
+void ProvisionalTDF::forgetBoundsAndQuantities() noexcept {
+  m_boundsTracker->forget();
+  m_quantityTracker->forget();
 }
 
 }  // namespace tarn

@@ -8,7 +8,14 @@
 namespace tarn {
 
 void SubsetSelections::SubsetSelection::add(std::string const& value) {
-  if (seen.insert(value).second) values.push_back(value);
+  auto const [place, isNew] = seen.insert(value);
+  if (!isNew) return;
+  try {
+    values.push_back(value);
+  } catch (...) {
+    seen.erase(place);  // else it would be taken for remembered
+    throw;
+  }
 }
 
 void SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,

@@ -41,7 +41,11 @@ ProvTDFLogger::ProvTDFLogger(ProvisionalTDF const* provisional, std::ostream& ou
 }
 
 ProvTDFLogger::~ProvTDFLogger() {
-  *out_ << "\n# END PROVISIONAL TDF LOGGING ( Active TDF Root = " << activeRoot_ << " )\n" << std::flush;
+  try {
+    *out_ << "\n# END PROVISIONAL TDF LOGGING ( Active TDF Root = " << activeRoot_ << " )\n" << std::flush;
+  } catch (...) {
+    // Nothing may leave a destructor. A host whose stream throws finds it in the stream's state.
+  }
 }
 
 }  // namespace tarn

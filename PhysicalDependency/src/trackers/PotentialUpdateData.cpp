@@ -59,6 +59,7 @@ void PotentialUpdateData::clear() {
 
 void PotentialUpdateData::clearObjectReferences(std::string const& path) {
   if (path.empty() || path == PathUtils::pathSeparator) return clear();
+  if (parents_.empty()) return;  // as everything else is then
 
   // What belongs to an object at or below the path has its parent there as well, but for the object of the path itself.
   std::string const parent(PathUtils::parentOf(path));

@@ -53,6 +53,7 @@ void PotentialUpdateTracker::clearObjectReferences(std::string const& path) {
 
 void PotentialUpdateTracker::synchWithTDF(DynamicTDF const* model) {
   if (state_ != State::Collecting) return;
+  clear();  // of what a comparison has left that broke off
   synchParams(*model);
   synchObjects(*model);
   state_ = State::Synched;

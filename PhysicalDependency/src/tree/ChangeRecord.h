@@ -24,7 +24,21 @@ class ChangeRecord {
     if (recording_) addedParams_.pop_back();
   }
   void recordModified(std::string_view objPath, std::string_view name) { append(modifiedParams_, objPath, name); }
+  /// Undoes the last `recordModified`.
+  void takeBackModified() noexcept {
+    if (recording_) modifiedParams_.pop_back();
+  }
   void recordDeleted(std::string_view objPath, std::string_view name) { append(deletedParams_, objPath, name); }
+  /// Undoes the latest calls of `recordDeleted`, so that `count` deletions are left.
+  void takeBackDeleted(std::size_t count) noexcept {
+    while (deletedParams_.size() > count) deletedParams_.pop_back();
+  }
+  /// Makes the next `recordDeletedObject` one that cannot fail.
+  void makeRoomForDeletedObject() {
+    if (recording_ && deletedObjects_.size() == deletedObjects_.capacity()) {
+      deletedObjects_.reserve(deletedObjects_.size() + deletedObjects_.size() / 2 + 1);
+    }
+  }
   void recordDeletedObject(std::string path) {
     if (recording_) deletedObjects_.push_back(std::move(path));
   }

@@ -21,6 +21,11 @@ DynamicTDF::DynamicTDF(bool recordUpdates)
 
 DynamicTDF::~DynamicTDF() = default;
 
+void DynamicTDF::swap(DynamicTDF& other) noexcept {
+  nodes_.swap(other.nodes_);
+  changes_.swap(other.changes_);
+}
+
 bool DynamicTDF::hasObject(std::string const& path) const {
   return nodes_->find(path) != nullptr;
 }
@@ -141,8 +146,13 @@ bool DynamicTDF::createObject(std::string const& parentPath, std::string const& 
 }
 
 void DynamicTDF::deleteObject(std::string const& path) {
+  if (!changes_->isRecording()) {
+    deleteNodeAndChildren(path);
+    return;
+  }
   // The caller's text may be one that goes with the object, a parameter that names its own object for example.
   std::string top = path;
+  changes_->makeRoomForDeletedObject();
   if (deleteNodeAndChildren(top)) changes_->recordDeletedObject(std::move(top));
 }
 
@@ -152,7 +162,11 @@ void DynamicTDF::deleteObjects(std::vector<std::string> const& paths) {
 }
 
 void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
-  deleteNodeAndChildren(std::string(path));
+  if (changes_->isRecording()) {
+    deleteNodeAndChildren(std::string(path));
+  } else {
+    deleteNodeAndChildren(path);
+  }
 }
 
 void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
@@ -165,12 +179,12 @@ void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& 
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
-  doSetParameter(objPath, name, value, findCreateNode(objPath));
+  changeObject(objPath, [&](Node& node) { doSetParameter(objPath, name, value, node); });
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name,
                               ParamAllowedValues const& allowedValues, std::string const& value) {
-  doSetParameter(objPath, name, allowedValues, value, findCreateNode(objPath));
+  changeObject(objPath, [&](Node& node) { doSetParameter(objPath, name, allowedValues, value, node); });
 }
 
 void DynamicTDF::startRecordingUpdates() {
@@ -215,6 +229,20 @@ DynamicTDF::Node& DynamicTDF::findCreateNode(std::string const& path) {
   return node == nullptr ? nodes_->create(path) : *node;
 }
 
+/// Has one object changed, which is made if it is missing, and goes again if the change fails.
+template <class Change>
+void DynamicTDF::changeObject(std::string const& path, Change const& change) {
+  if (Node* const node = nodes_->find(path)) return change(*node);
+  Node* present = nullptr;
+  Node& made = nodes_->create(path, &present);
+  try {
+    change(made);
+  } catch (...) {
+    nodes_->removeUpTo(*present, made);
+    throw;
+  }
+}
+
 /// Adds a parameter that is not there.
 template <class... Initial>
 void DynamicTDF::addParameter(std::string const& objPath, std::string const& name, Node& node,
@@ -232,7 +260,8 @@ void DynamicTDF::addParameter(std::string const& objPath, std::string const& nam
   }
 }
 
-/// Deletes the object at `path` with everything below it, and returns whether there was one.
+/// Deletes the object at `path` with everything below it, and returns whether there was one. While nothing is recorded
+/// it cannot fail, and the text may go with the object.
 bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
   Node* const top = nodes_->find(path);
   if (top == nullptr || top == &nodes_->root()) return false;
@@ -243,7 +272,13 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
     bool const isTop = node == top;
     if (changes_->isRecording() && !node->params.empty()) {
       std::string const composed = isTop ? std::string() : node->path();
-      for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.name());
+      std::size_t const logged = changes_->deletedParams().size();
+      try {
+        for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.name());
+      } catch (...) {
+        changes_->takeBackDeleted(logged);  // this object is still there
+        throw;
+      }
     }
     Node* const parent = node->parent;
     nodes_->removeLeaf(*node);
@@ -252,12 +287,26 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
   }
 }
 
+/// Makes a change to a value together with its entry in the log, both or neither.
+template <class Change>
+void DynamicTDF::recordingModified(std::string const& objPath, std::string const& name, Change const& change) {
+  changes_->recordModified(objPath, name);
+  try {
+    change();
+  } catch (...) {
+    changes_->takeBackModified();
+    throw;
+  }
+}
+
 void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name, std::string const& value,
                                 Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
-    if (param->setValue(cleaned)) changes_->recordModified(objPath, name);
+    if (param->value() != cleaned) {
+      recordingModified(objPath, name, [&] { param->setValue(cleaned); });
+    }
   } else {
     addParameter(objPath, name, node, cleaned);
   }
@@ -268,7 +317,9 @@ void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& n
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
-    if (param->modifyValue(allowedValues, cleaned)) changes_->recordModified(objPath, name);
+    if (!param->hasAllowedValues() || param->value() != cleaned || !param->allowedValues().isEqualTo(allowedValues)) {
+      recordingModified(objPath, name, [&] { param->modifyValue(allowedValues, cleaned); });
+    }
   } else {
     addParameter(objPath, name, node, allowedValues, cleaned);
   }

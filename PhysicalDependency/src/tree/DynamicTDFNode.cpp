@@ -190,8 +190,9 @@ bool DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedVa
         errorType::InvalidState);
   }
   bool const allowedDiffer = !allowedValues.isEqualTo(*extras_->allowedValues);
-  if (allowedDiffer) extras_->allowedValues = allowedValues;
   bool const valueDiffers = setValue(value);
+  // Last, since it cannot fail: copies share their lists.
+  if (allowedDiffer) extras_->allowedValues = allowedValues;
   return allowedDiffer || valueDiffers;
 }
 

@@ -13,11 +13,23 @@
 #include <tarn/PathUtils.h>
 #include <tarn/TDFPath.h>
 
+#include "tree/SharedEmpty.h"
 #include "tree/ShortTexts.h"
 
 namespace tarn {
 
 namespace {
+
+/// Puts `text` into `place`, and returns whether there was the memory. What look-ups keep only makes the next one
+/// quicker, so without memory they keep nothing, and find what there is all the same: reading a tree does not fail.
+bool keepText(std::string& place, std::string_view text) noexcept {
+  try {
+    place.assign(text);
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
 
 /// What stands behind the first `from` bytes of `path`, which are the path of an object that exists and so need not be
 /// read again. A fault is told of the whole path; only of that is "/" no fault.
@@ -52,9 +64,8 @@ DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
   if (sameText(found.path, path) && found.node != nullptr) return found.node;
   Node* const node = search(path);
   if (node != nullptr) {
-    found.node = nullptr;  // should the memory for the path run out
-    found.path.assign(path);
-    found.node = node;
+    found.node = nullptr;
+    if (keepText(found.path, path)) found.node = node;
   }
   return node;
 }
@@ -104,8 +115,7 @@ bool DynamicTDF::NodeStore::isFoundUnder(Node const& node, std::string_view path
   if (!left.empty()) return false;
   if (steps > stepsThatAreFew) {
     landmark_ = nullptr;
-    landmarkPath_.assign(path.substr(0, newLandmarkSize));
-    landmark_ = newLandmark;
+    if (keepText(landmarkPath_, path.substr(0, newLandmarkSize))) landmark_ = newLandmark;
   }
   return true;
 }
@@ -116,7 +126,7 @@ DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_v
   return node == nullptr ? nullptr : node->params.find(name);
 }
 
-DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path) {
+DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path, Node** present) {
   // The way down begins at the nearest ancestor that exists; most often all but the last component do.
   std::string_view known = path;
   Node* current = find(known);
@@ -127,15 +137,30 @@ DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path) {
 
   TDFPath const missing = readBelow(path, known.size());
   std::size_t begin = known.size();
-  for (unsigned long long k = 0; k < missing.numComponent(); ++k) {
-    std::size_t const end = std::min(path.find('/', begin + 1), path.size());
-    std::string_view const component = std::string_view(path).substr(begin, end - begin);
-    PathHash hash = current->hash;
-    hash.append(component);
-    current = &insert(current, hash, component);
-    begin = end;
+  Node* const top = current;
+  if (present != nullptr) *present = top;
+  try {
+    for (unsigned long long k = 0; k < missing.numComponent(); ++k) {
+      std::size_t const end = std::min(path.find('/', begin + 1), path.size());
+      std::string_view const component = std::string_view(path).substr(begin, end - begin);
+      PathHash hash = current->hash;
+      hash.append(component);
+      current = &insert(current, hash, component);
+      begin = end;
+    }
+  } catch (...) {
+    removeUpTo(*top, *current);
+    throw;
   }
   return *current;
+}
+
+void DynamicTDF::NodeStore::removeUpTo(Node const& kept, Node& made) noexcept {
+  for (Node* node = &made; node != &kept;) {
+    Node* const parent = node->parent;
+    removeLeaf(*node);
+    node = parent;
+  }
 }
 
 DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::string_view component) {
@@ -158,22 +183,25 @@ void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
 }
 
 void DynamicTDF::NodeStore::reset() {
+  // Made before anything goes: without memory the objects stay as they are.
+  std::vector<std::unique_ptr<Node>> buckets(1);
+  buckets.front() = std::make_unique<Node>(nullptr, PathHash(), sharedEmptyString(), "");
   clear();
   names_.clear();
-  buckets_.clear();
-  buckets_.resize(1);
-  root_ = &insert(nullptr, PathHash(), "");
+  buckets_.swap(buckets);
+  root_ = buckets_.front().get();
+  size_ = 1;
 }
 
-/// `component` has its leading "/"; of the root it is empty.
+/// `component` has its leading "/".
 DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& hash, std::string_view component) {
-  std::string_view const words = component.substr(component.empty() ? 0 : 1);
+  std::string_view const words = component.substr(1);
   std::size_t const colon = words.find(':');
   std::string_view const name = colon == std::string_view::npos ? std::string_view() : words.substr(colon + 1);
   if (size_ == buckets_.size()) grow();
   forgetLoad();
   auto made = std::make_unique<Node>(parent, hash, names_.intern(words.substr(0, colon)), name);
-  if (parent != nullptr) parent->children.append(*made);
+  parent->children.append(*made);
   if (!made->listedAsFound) hasOtherwiseListed_ = true;
   std::unique_ptr<Node>& bucket = buckets_[bucketOf(hash)];
   made->nextInBucket = std::move(bucket);

@@ -27,7 +27,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   [[nodiscard]] Node& root() const noexcept {
     return *root_;
   }
-  /// Null when there is none; of a parameter, also when there is no such object.
+  /// Null when there is none; of a parameter, also when there is no such object. Neither fails.
   [[nodiscard]] Node* find(std::string_view path) const;
   [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
 
@@ -46,14 +46,17 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   }
 
   /// The object at `path`, made together with what is missing above it. A path without components is the root's. Throws
-  /// the `Error` of `TDFPath` when it cannot be read, and then makes nothing.
-  Node& create(std::string const& path);
+  /// the `Error` of `TDFPath` when it cannot be read, and then, as also without memory, makes nothing. `present`, if
+  /// given, becomes the lowest object of the path that there was.
+  Node& create(std::string const& path, Node** present = nullptr);
 
   /// The child with this component, which is one that `TDFPath` accepts and has its leading "/"; made if it is missing.
   Node& findCreateChild(Node & parent, std::string_view component);
 
   /// Removes an object that has no children left and is not the root.
   void removeLeaf(Node & node) noexcept;
+  /// Removes `made` and the objects above it up to `kept`, which stays. None of them has another child.
+  void removeUpTo(Node const& kept, Node& made) noexcept;
 
   /// Whether the object is the one that `find` gives for the path.
   [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
@@ -70,7 +73,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     lastLoad_.clear();
   }
 
-  /// Back to the root alone. Every other object, and the old root, are gone.
+  /// Back to the root alone. Every other object, and the old root, are gone. Without memory, nothing is.
   void reset();
 
  private:

@@ -154,12 +154,18 @@ class NameTable {
 
   /// In two, of which the lower one stays where it is. Names that come in order leave full chunks behind.
   void split(Chunk& full) {
-    if (others_ == nullptr) others_ = std::make_unique<std::vector<Chunk>>();
     std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_->data()) + 1;
-    std::size_t const kept = number == others_->size() ? chunkLimit - 1 : chunkLimit / 2;
+    std::size_t const kept = number + 1 == chunkCount() ? chunkLimit - 1 : chunkLimit / 2;
     Chunk upper;
     upper.reserve(chunkLimit);
-    others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
+    if (others_ == nullptr) {
+      // Never empty, also should memory run out here.
+      auto others = std::make_unique<std::vector<Chunk>>();
+      others->push_back(std::move(upper));
+      others_ = std::move(others);
+    } else {
+      others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
+    }
     Chunk& lower = chunk(number);
     Chunk& added = chunk(number + 1);
     added.insert(added.end(), std::make_move_iterator(lower.begin() + static_cast<std::ptrdiff_t>(kept)),

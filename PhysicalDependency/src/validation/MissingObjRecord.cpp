@@ -8,20 +8,20 @@
 namespace tarn {
 
 void MissingObjRecord::beginSingleton(std::string const& objPath, std::string const& type) {
+  active_ = true;
   isSingleton_ = true;
   objPath_ = objPath;
   type_ = type;
   pending_.insert(type);
-  active_ = true;
 }
 
 void MissingObjRecord::beginNamed(std::string const& objPath, std::string const& type,
                                   std::vector<std::string> const& names) {
+  active_ = true;
   isSingleton_ = false;
   objPath_ = objPath;
   type_ = type;
   pending_.insert(names.begin(), names.end());
-  active_ = true;
 }
 
 bool MissingObjRecord::matches(std::string_view path) {

@@ -15,7 +15,8 @@ namespace tarn {
 ///     record.finishObject(true);              // and it is needed
 class MissingObjRecord {
  public:
-  /// Opens a group. What an earlier group left behind must have been cleared.
+  /// Opens a group. What an earlier group left behind must have been cleared. Should it fail, the group is open, and to
+  /// be cleared as well.
   void beginSingleton(std::string const& objPath, std::string const& type);
   void beginNamed(std::string const& objPath, std::string const& type, std::vector<std::string> const& names);
 
@@ -26,6 +27,7 @@ class MissingObjRecord {
   /// Finishes the object that the latest `matches` was asked about; `confirmed` says that it is needed.
   void finishObject(bool confirmed);
 
+  [[nodiscard]] bool isOpen() const noexcept { return active_; }
   [[nodiscard]] bool hasPending() const noexcept { return active_ && !pending_.empty(); }
   [[nodiscard]] bool hasReported() const noexcept { return active_ && !reported_.empty(); }
   /// The names that proved to be needed, sorted; of a singleton, its type. Empty while no group is open.

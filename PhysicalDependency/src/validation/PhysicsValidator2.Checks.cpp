@@ -150,7 +150,7 @@ void PhysicsValidator2::logIfObjBetaMessage(std::string const& objPath, std::str
   for (std::string const& name : names) logBetaMessage(objPath, type + ":" + name, messages);
 }
 
-void PhysicsValidator2::clearBetaMessages() {
+void PhysicsValidator2::clearBetaMessages() noexcept {
   if (betaController_ != nullptr) betaController_->clearMessages();
 }
 

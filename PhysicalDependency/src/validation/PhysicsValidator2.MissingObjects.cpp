@@ -22,17 +22,18 @@
 namespace tarn {
 
 void PhysicsValidator2::beginMissingSingleton(std::string const& objPath, std::string const& type) {
+  // The record first: should the rest fail, it shows that there is a group to be closed.
+  missingRecord_->beginSingleton(objPath, type);
   currentView_->setMissing(objPath, type, &missingTree_);
   missingTree_.createObject(objPath, type, "");
-  missingRecord_->beginSingleton(objPath, type);
 }
 
 void PhysicsValidator2::beginMissingNamedObjs(std::string const& objPath, std::string const& type,
                                               std::vector<std::string> const& names) {
+  missingRecord_->beginNamed(objPath, type, names);
   currentView_->setMissing(objPath, type, &missingTree_);
   for (std::string const& name : names) currentView_->addMissingName(name);
   for (std::string const& name : names) missingTree_.createObject(objPath, type, name);
-  missingRecord_->beginNamed(objPath, type, names);
 }
 
 /// One available parameter is enough, required or not: the user has something to set there.
@@ -82,8 +83,8 @@ void PhysicsValidator2::logMissingObjError() {
                                                         objPath, type, missingRecord_->getReportedNames()));
 }
 
+/// The record last, so that it is done once more if it fails.
 void PhysicsValidator2::resetMissingObjMode() {
-  if (missingMode_ == MissingOff) return;
   ModelState const none;
   missingTree_.initialise(none.begin(), none.end(), false);
   currentView_->clearMissing();

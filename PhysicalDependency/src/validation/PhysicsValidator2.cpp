@@ -47,9 +47,9 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
         view_(&validator.filteredTree_),
         object_(validator.filteredTree_),
         context_(&view_, &cache_) {
+    validator_.setEvaluationCache(&cache_);
     validator_.currentView_ = &view_;
     validator_.currentObject_ = &object_;
-    validator_.setEvaluationCache(&cache_);
     // Messages must reach the controller that is asked for them, whatever is attached to the database.
     context_.setBetaLoggingController(validator_.betaController_);
   }
@@ -57,6 +57,8 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
     validator_.unsetEvaluationCache();
     validator_.currentObject_ = nullptr;
     validator_.currentView_ = nullptr;
+    // What a rule gathered that failed is not the next run's.
+    validator_.clearBetaMessages();
   }
   Run(Run const&) = delete;
   Run& operator=(Run const&) = delete;
@@ -108,15 +110,15 @@ std::vector<std::string> PhysicsValidator2::getPertinentRootLevelTypes() const {
 }
 
 void PhysicsValidator2::dumpDB() const {
-  printModelState(filteredTree_.getState(""), std::cout);
+  printModelState(isStateKnown_ ? filteredTree_.getState("") : ModelState(), std::cout);
 }
 
 PhysicsValidator2::ValStatus PhysicsValidator2::doValidate(ValType type, ModelState const& state,
                                                            std::vector<std::string> const& roots,
                                                            bool useStateAsGiven) {
   Run run(*this);
-  // After a run that an exception ended within a placeholder, its group is still open.
-  resetMissingObjMode();
+  // After a run that an exception ended in the treatment of absent objects, their group is still open.
+  if (missingRecord_->isOpen()) resetMissingObjMode();
   reset(state, useStateAsGiven);
 
   if ((type & ValDependency) != 0 && !dependencyChecksDone_) {
@@ -148,31 +150,31 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
   // Before anything is changed.
   if (!useStateAsGiven && state.contains(""))
     throw std::out_of_range("the model holds parameters of no object: give them the path of one");
-  try {
-    if (!takeState(state, useStateAsGiven)) return;
-    status_ = ValStatusClean;
-    dependencyChecksDone_ = false;
-    globalChecksDone_ = false;
-    logger_->reset();
-  } catch (...) {
-    // Half a model must not be taken for the whole one by the next call.
-    lastStateText_.clear();
-    filteredTree_.initialise(std::vector<DynamicTDF::StateRange>(), skipEmptyValues);
-    throw;
+  // Half a model must not be taken for the whole one by the next call.
+  if (!takeState(state, useStateAsGiven, std::exchange(isStateKnown_, false))) {
+    isStateKnown_ = true;
+    return;
   }
+  status_ = ValStatusClean;
+  dependencyChecksDone_ = false;
+  globalChecksDone_ = false;
+  logger_->reset();
+  isStateKnown_ = true;
 }
 
 /// Makes text and tree those of the part of `state` that counts, in one go over it, and returns whether the text was
 /// another. A value that is empty once it is cleaned does not enter the tree: for the rules and the checks there is no
-/// such parameter, though its line stands in the text.
-bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven) {
+/// such parameter, though its line stands in the text. Unless `isKnown`, text and tree are not those of one state, and
+/// every text is another.
+bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven, bool isKnown) {
+  if (!isKnown) lastStateText_.clear();
   RootFilter filter(rootTypes_, useStateAsGiven);
   StateText text(lastStateText_);
   // An object whose lines are as they were is in the tree as it was. It is even known which object of the tree the next
   // such one is, when both have been found at the same object and no line differed since. Of an object without
   // parameters only the tree tells.
   DynamicTDF::StateLoad load(filteredTree_, skipEmptyValues);
-  bool hasSameObjects = true;
+  bool hasSameObjects = isKnown;
   bool standAtSameObject = true;
   for (auto const& [path, values] : state) {
     if (!filter.counts(path)) continue;
@@ -188,7 +190,7 @@ bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven)
       load.keepNext();
     }
   }
-  if (!text.finish()) return false;
+  if (!text.finish() && isKnown) return false;
   if (!hasSameObjects || !load.isComplete()) loadFilteredTree(state, useStateAsGiven);
   return true;
 }

@@ -47,6 +47,7 @@ class TARN_EXPORT ObjDependDef {
   [[nodiscard]] std::string const& typePath() const noexcept { return typePath_; }
 
   /// Adds an entry behind the others. Returns false, and changes nothing, when the object has an entry of that name.
+  /// Without memory, nothing is added.
   bool addParam(ParamAvail entry, ParamValueDef valueDef);
   /// Adds an entry without a value rule; what asks for its values then throws. For tests of that case.
   bool addParam(ParamAvail entry);

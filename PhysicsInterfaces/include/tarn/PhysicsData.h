@@ -62,7 +62,7 @@ class TARN_EXPORT PhysicsData {
   void attach(BetaLoggingController* controller) noexcept { beta_ = controller; }
   [[nodiscard]] BetaLoggingController* attachedController() const noexcept { return beta_; }
 
-  // Filling.
+  // Filling. Without memory, nothing is added.
 
   /// The rules of that type, made when they are not there yet. `objectTypePath` begins with "/".
   ObjDependDef& addObject(std::string const& objectTypePath);

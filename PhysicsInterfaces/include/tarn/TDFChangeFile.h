@@ -57,7 +57,7 @@ class TARN_EXPORT TDFChangeFile {
   /// input, which messages call "<stdin>"; the texts of `extra` are called "<text 1>", "<text 2>" and so on. Throws a
   /// `FileError` that names the file when one cannot be opened or not be read to its end, in both modes, and in strict
   /// mode a `ParseError` whose message is the text `file:line:column: reason` alone. Lines and columns count from 1,
-  /// columns in characters. Linear in the length of the text.
+  /// columns in characters. Linear in the length of the text. `std::bad_alloc` is never told as a fault of a line.
   TDFChangeFile(std::vector<std::string> const& files, std::vector<std::string> const& extra, InputMode mode);
 
   [[nodiscard]] const_iterator begin() const noexcept { return items_.begin(); }

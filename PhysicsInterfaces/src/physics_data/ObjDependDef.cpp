@@ -18,12 +18,20 @@ ObjDependDef::ObjDependDef(PhysicsData const* data, std::string typePath)
 ObjDependDef::~ObjDependDef() = default;
 
 bool ObjDependDef::addParam(ParamAvail entry, ParamValueDef valueDef) {
-  if (!addParam(std::move(entry))) return false;
-  ParamAvail& added = *params_.back();
-  valueDefs_.push_back(std::make_unique<ParamValueDef>(std::move(valueDef)));
-  valueDefs_.back()->paramName_ = added.name;
-  added.valueDef_ = valueDefs_.back().get();
-  return true;
+  auto owned = std::make_unique<ParamValueDef>(std::move(valueDef));
+  owned->paramName_ = entry.name;
+  valueDefs_.push_back(std::move(owned));
+  try {
+    if (addParam(std::move(entry))) {
+      params_.back()->valueDef_ = valueDefs_.back().get();
+      return true;
+    }
+  } catch (...) {
+    valueDefs_.pop_back();
+    throw;
+  }
+  valueDefs_.pop_back();
+  return false;
 }
 
 bool ObjDependDef::addParam(ParamAvail entry) {
@@ -31,10 +39,18 @@ bool ObjDependDef::addParam(ParamAvail entry) {
   auto owned = std::make_unique<ParamAvail>(std::move(entry));
   owned->data_ = data_;
   owned->valueDef_ = nullptr;
+  // Of the lists, what cannot be taken back comes last.
+  std::size_t const place = params_.size();
   params_.push_back(std::move(owned));
   ParamAvail const& added = *params_.back();
-  byName_.emplace(added.name, params_.size() - 1);
-  if (added.required) requiredParams_.push_back(params_.size() - 1);
+  try {
+    if (added.required) requiredParams_.push_back(place);
+    byName_.emplace(added.name, place);
+  } catch (...) {
+    if (!requiredParams_.empty() && requiredParams_.back() == place) requiredParams_.pop_back();
+    params_.pop_back();
+    throw;
+  }
   return true;
 }
 
@@ -43,7 +59,12 @@ bool ObjDependDef::addChild(ChildAvail entry) {
   auto owned = std::make_unique<ChildAvail>(std::move(entry));
   owned->data_ = data_;
   children_.push_back(std::move(owned));
-  byType_.emplace(children_.back()->type, children_.size() - 1);
+  try {
+    byType_.emplace(children_.back()->type, children_.size() - 1);
+  } catch (...) {
+    children_.pop_back();
+    throw;
+  }
   return true;
 }
 

@@ -1,6 +1,7 @@
 #include <tarn/PhysicsData.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn {
 
@@ -56,12 +57,16 @@ std::vector<std::string> PhysicsData::getListNames() const {
 }
 
 ObjDependDef& PhysicsData::addObject(std::string const& objectTypePath) {
-  auto& slot = objects_[objectTypePath];
-  if (!slot) {
-    slot = std::make_unique<ObjDependDef>(this, objectTypePath);
-    objectOrder_.push_back(slot.get());
+  auto const found = objects_.find(objectTypePath);
+  if (found != objects_.end()) return *found->second;
+  auto made = std::make_unique<ObjDependDef>(this, objectTypePath);
+  objectOrder_.push_back(made.get());
+  try {
+    return *objects_.emplace(objectTypePath, std::move(made)).first->second;
+  } catch (...) {
+    objectOrder_.pop_back();
+    throw;
   }
-  return *slot;
 }
 
 bool PhysicsData::addCheck(std::string const& name, std::unique_ptr<Check> check) {
@@ -73,8 +78,14 @@ bool PhysicsData::addList(std::string const& name, std::unique_ptr<List> list) {
 }
 
 bool PhysicsData::addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check) {
-  if (!globalChecks_.try_emplace(name, std::move(check)).second) return false;
+  if (globalChecks_.contains(name)) return false;
   globalCheckOrder_.push_back(name);
+  try {
+    globalChecks_.emplace(name, std::move(check));
+  } catch (...) {
+    globalCheckOrder_.pop_back();
+    throw;
+  }
   return true;
 }
 

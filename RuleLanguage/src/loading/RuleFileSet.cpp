@@ -1,9 +1,13 @@
 #include "loading/RuleFileSet.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <string_view>
 #include <system_error>
 
 namespace tarn::rules {
@@ -25,6 +29,24 @@ std::string readFile(fs::path const& path, std::size_t maxFileSize, std::string&
   }
   if (stream.bad()) return errno != 0 ? std::strerror(errno) : "it cannot be read to its end";
   return {};
+}
+
+/// The rule files of a folder. On failure the reason comes back.
+///
+/// Not by a directory iterator: that of g++ 12 puts paths together where nothing may be thrown, and without memory ends
+/// the program.
+std::string listRuleFiles(fs::path const& path, std::vector<fs::path>& found) {
+  struct Closer {
+    void operator()(DIR* folder) const noexcept { ::closedir(folder); }
+  };
+  std::unique_ptr<DIR, Closer> const folder(::opendir(path.c_str()));
+  if (folder == nullptr) return std::strerror(errno);
+  for (;;) {
+    errno = 0;
+    dirent const* const entry = ::readdir(folder.get());
+    if (entry == nullptr) return errno != 0 ? std::strerror(errno) : std::string();
+    if (std::string_view(entry->d_name).ends_with(".rules.yaml")) found.push_back(path / entry->d_name);
+  }
 }
 
 }  // namespace
@@ -54,12 +76,10 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
       continue;
     }
     std::vector<fs::path> found;
-    for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
-      if (entry->path().filename().string().ends_with(".rules.yaml")) found.push_back(entry->path());
-    }
+    std::string const reason = listRuleFiles(path, found);
     names.push_back(path.string());
-    if (error) {
-      refuse(path.string(), error.message());
+    if (!reason.empty()) {
+      refuse(path.string(), reason);
     } else if (found.empty()) {
       diagnostics.addAboutFile(path.string(), "the folder holds no rule files; their names end in .rules.yaml");
       unreadable = true;

@@ -10,6 +10,7 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -30,7 +31,12 @@ class Parser {
   Parser& operator=(Parser const&) = delete;
   ~Parser() { yaml_parser_delete(&parser_); }
 
-  bool next(yaml_event_t& event) { return yaml_parser_parse(&parser_, &event) != 0; }
+  bool next(yaml_event_t& event) {
+    if (yaml_parser_parse(&parser_, &event) != 0) return true;
+    // No fault of the file.
+    if (parser_.error == YAML_MEMORY_ERROR) throw std::bad_alloc();
+    return false;
+  }
   [[nodiscard]] yaml_parser_t const& state() const noexcept { return parser_; }
 
  private:

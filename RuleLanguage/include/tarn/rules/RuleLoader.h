@@ -38,7 +38,8 @@ struct LoadLimits {
 /// order of their names. An object may be continued in a later file, its entries appended.
 ///
 /// Throws a `RuleError` that holds all errors of all files, a file that cannot be read being one of them; warnings are
-/// passed over. Nothing is half loaded. Linear in the size of the files.
+/// passed over. Nothing is half loaded, and a want of memory is `std::bad_alloc` and no error of a file. Linear in the
+/// size of the files.
 [[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> loadRules(
     std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits = {});
 
