@@ -172,6 +172,15 @@ TEST_F(ProvisionalEditsTest, AddingIsRefusedWhereThereIsNoNewNameToAdd) {
   EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor + "/:a"); }));
 }
 
+TEST_F(ProvisionalEditsTest, WithNoNameInThePathNothingIsAddedAndNothingRemoved) {
+  Rules(rules_, "/Case").child("Solver").singleton().coupled();
+  Rules(rules_, "/Case/Solver").param("Steps").required().byDefault("100").param("Order");
+  startAt("/Case", {{"/Case/Solver", {}}});
+  EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject("/Case/Output"); }));
+  EXPECT_TRUE(isRefused([](auto& state) { state.removeNamedObject("/Case/Solver"); }));
+  EXPECT_EQ(value("Steps", "/Case/Solver"), "100");
+}
+
 TEST_F(ProvisionalEditsTest, AnObjectOfARequiredTypeWithAClosedListOfNamesIsAcceptedWithoutEffect) {
   Rules(rules_, "/Case/Domain").child("Stage").required().allowedNames({"first"});
   Rules(rules_, "/Case/Domain/Stage").param("Blades").required();

@@ -286,6 +286,20 @@ TEST_F(ProvisionalBasedOnTest, ASingletonIsAPlainStart) {
   EXPECT_TRUE(mirrorsTheBaseModel());
 }
 
+TEST_F(ProvisionalBasedOnTest, OneWithANameAndOneWithoutAreAPlainStartAlsoIfTheyAreOfOneType) {
+  Rules(rules_, "/Case/Solver").param("Steps").child("Note");
+  Rules(rules_, "/Case/Solver/Note").param("Text");
+  for (auto const& [original, root] :
+       Pairs{{"/Case/Solver:fine", "/Case/Solver"}, {"/Case/Solver", "/Case/Solver:fine"}}) {
+    base_.set(original, "Steps", "5");
+    startBasedOn(original, {}, root);
+    EXPECT_EQ(result(), ModelState()) << root;
+    EXPECT_TRUE(mirrorsTheBaseModel()) << root;
+    base_.remove(original);
+    base_.remove(root);
+  }
+}
+
 // A changed base model.
 
 TEST_F(ProvisionalInitialiseTest, ABaseUpdateLeavesTheGuideWithTheValuesOfTheStart) {
