@@ -358,7 +358,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
                                     NameRange p_allowed);
   bool createNamedGuideObject(std::string const& p_path);
-  void createDefaultGuideObjects(std::string const& p_prefix, std::vector<std::string> const& p_names);
+  void createDefaultGuideObjects(std::string const& p_key, std::vector<std::string> const& p_names);
   bool copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
   bool deleteNamedGuideObject(std::string const& p_path);
   [[nodiscard]] ActivityState getObjActivity(std::string const& p_objPath) const;

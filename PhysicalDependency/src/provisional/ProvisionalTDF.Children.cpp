@@ -7,6 +7,7 @@
 
 #include <tarn/ProvisionalTDF.h>
 
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -121,15 +122,14 @@ void ProvisionalTDF::synchNamesOfGuide(std::string const& p_objPath, std::string
   std::vector<std::string> names;
   m_guideTDF.getChildObjectNamesByType(p_objPath, p_type, names);
   if (p_defaultNames.first != p_defaultNames.second) {
-    std::string key = singletonPath(p_objPath, p_type);
+    std::string const key = singletonPath(p_objPath, p_type);
     if (!m_defaultNamesApplied.contains(key)) {
-      if (names.empty()) {
-        names.assign(p_defaultNames.first, p_defaultNames.second);
-        createDefaultGuideObjects(namedPrefix(p_objPath, p_type), names);
-      }
-      // Not before they are there: a walk that breaks off must not be the one time at which they come.
+      bool const areUsed = names.empty();
+      if (areUsed) names.assign(p_defaultNames.first, p_defaultNames.second);
       m_defaultNamesOfUpdate.push_back(key);
-      m_defaultNamesApplied.insert(std::move(key));
+      // Ahead of the objects: a default that no object can be called ends one walk, and not every one from then on.
+      m_defaultNamesApplied.insert(key);
+      if (areUsed) createDefaultGuideObjects(key, names);
     }
   }
   synchAllowedNamedObjects(p_objPath, p_type, {names.begin(), names.end()});
@@ -209,16 +209,18 @@ bool ProvisionalTDF::createNamedGuideObject(std::string const& p_path) {
   return m_guideTDF.createObject(std::string(PathUtils::parentOf(p_path)), type, name);
 }
 
-/// All of them or, if one fails, none: some of them would be taken for a choice of the user.
-void ProvisionalTDF::createDefaultGuideObjects(std::string const& p_prefix, std::vector<std::string> const& p_names) {
+/// Of the type of `p_key`. Without memory none of them is made, and they are still to come: some of them would be taken
+/// for a choice of the user.
+void ProvisionalTDF::createDefaultGuideObjects(std::string const& p_key, std::vector<std::string> const& p_names) {
   std::vector<std::string> paths;
-  paths.reserve(p_names.size());
-  for (std::string const& name : p_names) paths.push_back(p_prefix + name);
   std::size_t made = 0;
   try {
+    paths.reserve(p_names.size());
+    for (std::string const& name : p_names) paths.push_back(p_key + PathUtils::nameSeparator + name);
     for (; made < paths.size(); ++made) createNamedGuideObject(paths[made]);
-  } catch (...) {
+  } catch (std::bad_alloc const&) {
     while (made > 0) m_guideTDF.deleteObject(paths[--made]);
+    m_defaultNamesApplied.erase(p_key);
     throw;
   }
 }

@@ -1,6 +1,7 @@
 // Which child objects there are: each kind of child entry, the default names, the mirrored children, the probe of a
 // type that has no object yet, and what edits of named objects do.
 
+#include <tarn/Error.h>
 #include <tarn/ProvisionalTDF.h>
 
 #include <gtest/gtest.h>
@@ -162,6 +163,13 @@ TEST_F(ProvisionalChildrenTest, DefaultNamesAreUsedOnceForAParentEvenIfItIsRemov
   EXPECT_EQ(objects(), (Strings{inlet, inlet + "/Patch:all"}));
   state().removeNamedObject(inlet);
   state().addNewNamedObject(inlet);
+  EXPECT_EQ(objects(), (Strings{inlet}));
+}
+
+TEST_F(ProvisionalChildrenTest, ADefaultNameThatNoObjectCanHaveEndsOneWalkAndNoMore) {
+  rotorRules().child("Boundary").required().defaultNames({"inlet", "outlet: 2", "wall"});
+  EXPECT_THROW(start(), Error);
+  walkAgain();
   EXPECT_EQ(objects(), (Strings{inlet}));
 }
 
