@@ -353,6 +353,66 @@ std::vector<Kind> kindsOfRules() {
                                             listed(n, "k") + "]") +
                       parameter("Speed", "Context: [" + listed(n, "k") + "], Parameter Type: Real")));
        }},
+      {"many parameters in many contexts", 100,
+       [=](std::size_t n) {
+         return lint(
+             caseWith(parameter("Kind", "Context Rule: yes, Parameter Type: String, Ordered Allowed String List: [" +
+                                            listed(n, "k") + "]") +
+                      repeated(n,
+                               [](std::size_t i) {
+                                 return parameter("P" + number(i), "Context: k" + number(i) + ", Parameter Type: Real");
+                               })),
+             true);
+       }},
+      {"many named checks over many object types", 60,
+       [=](std::size_t n) {
+         return lint(
+             header + "Checks:\n" +
+                 repeated(n, [](std::size_t i) { return "  c" + number(i) + ": ${Name} == '" + number(i) + "'\n"; }) +
+                 "Objects:\n  /Case:\n    Children:\n" +
+                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; }) +
+                 repeated(n,
+                          [](std::size_t i) {
+                            return "  /Case/T" + number(i) +
+                                   ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
+                          }),
+             true);
+       }},
+      {"many paths through all objects over many object types", 60,
+       [=](std::size_t n) {
+         return lint(
+             header + "Checks:\n" +
+                 repeated(
+                     n, [](std::size_t i) { return "  c" + number(i) + ": exists({/Case/**/T" + number(i) + "})\n"; }) +
+                 "Objects:\n  /Case:\n    Children:\n" +
+                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {Singleton: yes}\n"; }) +
+                 repeated(n,
+                          [](std::size_t i) {
+                            return "  /Case/T" + number(i) +
+                                   ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
+                          }),
+             true);
+       }},
+      {"many slips in one line of a rule file", 100,
+       [=](std::size_t n) {
+         return lint(header + "Objects: {/Case: {Parameters: {" +
+                     repeated(n, [](std::size_t i) { return "P" + number(i) + ": {Slip: 1}, "; }) + "}}}\n");
+       }},
+      {"many slips in one expression", 100,
+       [=](std::size_t n) {
+         return lint(caseWith(parameter("P", "Parameter Type: Real, Available: \"true" + repeated(n, [](std::size_t i) {
+                                               return " and ${Slip " + number(i) + "} == 'x'";
+                                             }) + '"')));
+       }},
+      {"many values by condition", 100,
+       [=](std::size_t n) {
+         return lint(caseWith("      Speed:\n        Parameter Type: Real\n        Value Override Check List:\n" +
+                              repeated(n,
+                                       [](std::size_t i) {
+                                         return "          - {When: \"${Title} == '" + number(i) + "'\", Value: 1}\n";
+                                       })),
+                     true);
+       }},
   };
 }
 

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -110,18 +112,31 @@ class Linter {
   }
 
   void warn(ExpressionUse const& use, Range range, std::string message) {
-    Place const begin = placeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset);
-    Place const end = placeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset + range.length);
+    std::size_t const offset = use.skipped + range.offset;
+    Place const begin = placeInScalar(*use.item.source, *use.item.node, offset, &walk_);
+    Place const end = placeInScalar(*use.item.source, *use.item.node, offset + range.length, &walk_);
     std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
     diagnostics_.add(Severity::Warning, *use.item.source, begin, shown, std::move(message));
   }
 
+  using TypePaths = std::shared_ptr<std::set<std::string> const>;
+
   /// What a pattern of this use can name. A named rule is called from anywhere, so everything is tried as its owner.
-  [[nodiscard]] std::set<std::string> resolve(ExpressionUse const& use, PathPattern const& pattern) const {
-    if (use.named == nullptr || pattern.isAbsolute()) return types_.resolve(pattern, use.typePath);
+  /// What does not hang on the owner is kept: many rules ask for the same.
+  [[nodiscard]] TypePaths resolve(ExpressionUse const& use, PathPattern const& pattern) const {
+    if (use.named == nullptr && !pattern.isAbsolute()) {
+      return std::make_shared<std::set<std::string> const>(types_.resolve(pattern, use.typePath));
+    }
+    auto& kept = resolved_[pattern.text()];
+    if (kept) return kept;
     std::set<std::string> all;
-    for (auto const& entry : types_.all()) all.merge(types_.resolve(pattern, entry.first));
-    return all;
+    if (pattern.isAbsolute()) {
+      all = types_.resolve(pattern, {});
+    } else {
+      for (auto const& entry : types_.all()) all.merge(types_.resolve(pattern, entry.first));
+    }
+    kept = std::make_shared<std::set<std::string> const>(std::move(all));
+    return kept;
   }
 
   // A path that no rule knows
@@ -130,7 +145,8 @@ class Linter {
     std::vector<PathUse> paths;
     use.compiled->expression->collectPaths(paths, PathPattern());
     for (auto const& path : paths) {
-      auto const named = resolve(use, path.pattern);
+      auto const resolved = resolve(use, path.pattern);
+      auto const& named = *resolved;
       if (named.empty()) {
         warn(use, path.range, "no rule knows an object at this path" + nearObject(use, path.pattern));
         continue;
@@ -252,7 +268,8 @@ class Linter {
   /// As above, for everything that the compared parameter can be; empty as soon as one may have the value.
   [[nodiscard]] std::string impossible(ExpressionUse const& use, ComparedValue const& value) const {
     std::string reason;
-    for (auto const& typePath : resolve(use, value.objects)) {
+    auto const resolved = resolve(use, value.objects);
+    for (auto const& typePath : *resolved) {
       auto const* def = data_.getParamValueDef(typePath, value.parameter->name(), true);
       if (def == nullptr) continue;
       reason = impossible(*def, value);
@@ -338,6 +355,11 @@ class Linter {
     if (object == nullptr) return;
     RuleReads reads;
     use.compiled->expression->collectReads(reads, PathPattern());
+    auto const ranges = rangesOf(use);
+    auto const rangeOf = [&](std::string const& parameter) {
+      auto const found = ranges.find(parameter);
+      return found == ranges.end() ? use.compiled->expression->range() : found->second;
+    };
     for (auto const& read : reads.parameters) {
       auto const named = types_.resolve(read.objects, use.typePath);
       bool const own = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
@@ -349,7 +371,7 @@ class Linter {
       });
       if (!allLater) continue;
       bool const itself = own && !use.ofChild && use.entry == read.name;
-      warn(use, rangeOf(use, read.name),
+      warn(use, rangeOf(read.name),
            itself ? "the availability of " + inQuotes(read.name) + " hangs on its own value"
                   : "the value of " + inQuotes(read.name) +
                         " is decided later in the same walk, so this reads what it was before the edit");
@@ -357,7 +379,7 @@ class Linter {
     for (auto const& set : reads.objectSets) {
       for (auto const& typePath : types_.resolve(set, use.typePath)) {
         if (!isDecidedByRules(typePath) || !isLaterObject(use, typePath)) continue;
-        warn(use, rangeOf(use, {}),
+        warn(use, rangeOf({}),
              "the objects of type " + inQuotes(PathUtils::lastType(typePath)) +
                  " are decided later in the same walk, so this sees what was there before the edit");
         break;
@@ -365,14 +387,13 @@ class Linter {
     }
   }
 
-  /// The part of the expression that names the parameter, or a set of objects; else the whole.
-  [[nodiscard]] static Range rangeOf(ExpressionUse const& use, std::string const& parameter) {
+  /// The first parts of the expression that name each parameter, and, for the empty text, a set of objects.
+  [[nodiscard]] static std::map<std::string, Range> rangesOf(ExpressionUse const& use) {
     std::vector<PathUse> paths;
     use.compiled->expression->collectPaths(paths, PathPattern());
-    for (auto const& path : paths) {
-      if (path.parameter == parameter) return path.range;
-    }
-    return use.compiled->expression->range();
+    std::map<std::string, Range> ranges;
+    for (auto const& path : paths) ranges.try_emplace(path.parameter, path.range);
+    return ranges;
   }
 
   /// Where the entries of an object stand in its lists. Made once for each object: rules are compared with each other,
@@ -380,7 +401,10 @@ class Linter {
   struct Positions {
     std::unordered_map<std::string_view, std::size_t> params;
     std::unordered_map<std::string_view, std::size_t> children;
-    std::vector<std::size_t> contextRules;  // those of `params` that are
+    std::vector<std::size_t> contextRules;                       // those of `params` that are
+    std::unordered_map<std::string_view, std::size_t> contexts;  // a value of theirs, and the first that can have it
+    std::size_t firstContextRule = std::string::npos;
+    std::size_t firstOpenContextRule = std::string::npos;  // that can have values which are not known here
   };
 
   [[nodiscard]] Positions const& positionsOf(ObjDependDef const& object) const {
@@ -392,6 +416,17 @@ class Linter {
       positions.params.emplace(param->name, positions.params.size());
     }
     for (auto const& child : object.children()) positions.children.emplace(child->type, positions.children.size());
+    for (std::size_t const position : positions.contextRules) {
+      auto const* def = object.params()[position]->valueDef();
+      if (def == nullptr) continue;
+      positions.firstContextRule = std::min(positions.firstContextRule, position);
+      auto const* list = dynamic_cast<FixedList const*>(def->allowedValues.get());
+      if (list == nullptr || def->allowsAnyValue || def->allowedValueKind != ParamValueDef::FixedAllowedValues) {
+        positions.firstOpenContextRule = std::min(positions.firstOpenContextRule, position);
+      }
+      if (list == nullptr) continue;
+      for (auto const& value : list->items()) positions.contexts.try_emplace(value, position);
+    }
     return positions;
   }
 
@@ -638,30 +673,33 @@ class Linter {
   /// `param` is the parameter whose entry has the contexts; null for a child, which comes behind all parameters.
   void checkContext(ObjDependDef const& object, ParamAvail const* param, std::vector<std::string> const& contexts,
                     Item const& item) {
-    bool ruled = false;
-    bool open = false;
-    std::vector<std::string> values;
-    for (std::size_t const position : positionsOf(object).contextRules) {
-      auto const& earlier = *object.params()[position];
-      if (param != nullptr && position >= indexIn(positionsOf(object).params, param->name)) break;
-      if (earlier.valueDef() == nullptr) continue;
-      ruled = true;
-      auto const& def = *earlier.valueDef();
-      auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
-      open |= list == nullptr || def.allowsAnyValue || def.allowedValueKind != ParamValueDef::FixedAllowedValues;
-      if (list != nullptr) values.insert(values.end(), list->items().begin(), list->items().end());
-    }
+    auto const& positions = positionsOf(object);
+    // Of a parameter only the context rules before it count.
+    std::size_t const end = param != nullptr ? indexIn(positions.params, param->name) : object.params().size();
     for (auto const& context : contexts) {
       if (context.empty()) continue;
-      if (!ruled) {
+      if (positions.firstContextRule >= end) {
         warn(item, param != nullptr ? "no context rule stands before this parameter, so it is never live"
                                     : "the object has no context rule, so this child is never live");
         return;
       }
-      if (!open && std::find(values.begin(), values.end(), context) == values.end()) {
-        warn(item, "no context rule can have the value " + inQuotes(context) + hints_.orNear(context, values));
-      }
+      if (positions.firstOpenContextRule < end) continue;
+      auto const found = positions.contexts.find(context);
+      if (found != positions.contexts.end() && found->second < end) continue;
+      warn(item, "no context rule can have the value " + inQuotes(context) + nearContext(object, end, context));
     }
+  }
+
+  [[nodiscard]] std::string nearContext(ObjDependDef const& object, std::size_t end, std::string const& context) const {
+    std::vector<std::string> values;
+    for (std::size_t const position : positionsOf(object).contextRules) {
+      if (position >= end) break;
+      auto const* def = object.params()[position]->valueDef();
+      auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
+      if (list == nullptr || !hints_.take(list->items().size())) continue;
+      values.insert(values.end(), list->items().begin(), list->items().end());
+    }
+    return hints_.orNear(context, values);
   }
 
   RuleBuilder const& rules_;
@@ -669,6 +707,8 @@ class Linter {
   TypeTree types_;
   mutable HintBudget hints_;
   mutable std::unordered_map<ObjDependDef const*, Positions> positions_;
+  mutable std::unordered_map<std::string, TypePaths> resolved_;
+  ScalarWalk walk_;
   DiagnosticList& diagnostics_;
 };
 

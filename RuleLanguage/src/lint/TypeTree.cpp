@@ -22,6 +22,7 @@ void TypeTree::add(std::string const& typePath) {
     if (children_.try_emplace(path).second) {
       auto const parent = std::string(PathUtils::parentOf(path));
       children_[parent].push_back(path.substr(parent.size() + 1));
+      byType_[children_[parent].back()].push_back(path);
     }
     if (end == std::string::npos) return;
   }
@@ -31,6 +32,18 @@ std::vector<std::string> const& TypeTree::childTypes(std::string const& typePath
   static std::vector<std::string> const none;
   auto const found = children_.find(typePath);
   return found == children_.end() ? none : found->second;
+}
+
+std::set<std::string> TypeTree::atAnyDepth(std::set<std::string> const& tops, std::string const& type) const {
+  std::set<std::string> found;
+  auto const candidates = byType_.find(type);
+  if (candidates == byType_.end()) return found;
+  for (auto const& path : candidates->second) {
+    std::string top(PathUtils::parentOf(path));
+    while (!top.empty() && !tops.contains(top)) top.resize(PathUtils::parentOf(top).size());
+    if (tops.contains(top)) found.insert(path);
+  }
+  return found;
 }
 
 std::set<std::string> TypeTree::resolve(PathPattern const& pattern, std::string const& owner) const {
@@ -53,7 +66,16 @@ std::set<std::string> TypeTree::resolve(PathPattern const& pattern, std::string 
       break;
     }
   }
-  for (auto const& step : pattern.steps()) {
+  auto const& steps = pattern.steps();
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    auto const& step = steps[i];
+    // The usual form, without a look at everything that is below.
+    if (step.kind == PathPattern::StepKind::AnyDepth && i + 1 < steps.size() &&
+        (steps[i + 1].kind == PathPattern::StepKind::Child ||
+         steps[i + 1].kind == PathPattern::StepKind::ChildrenOfType)) {
+      current = atAnyDepth(current, steps[++i].type);
+      continue;
+    }
     std::set<std::string> next;
     for (auto const& path : current) {
       switch (step.kind) {

@@ -25,8 +25,11 @@ class TypeTree {
 
  private:
   void add(std::string const& typePath);
+  /// The type paths that end in `type` and lie somewhere below one of `tops`.
+  [[nodiscard]] std::set<std::string> atAnyDepth(std::set<std::string> const& tops, std::string const& type) const;
 
   std::map<std::string, std::vector<std::string>> children_;  // type path to child types, in the order of the rules
+  std::map<std::string, std::vector<std::string>> byType_;    // last type to the type paths that end in it
 };
 
 }  // namespace tarn::rules

@@ -22,7 +22,7 @@ void keepLine(Shown& shown, SourceText const& source, Place place) {
   if (line.size() > keptWhole) {
     if (place.column > keptAround) {
       shown.sourceColumn = place.column - keptAround;
-      line.remove_prefix(characterOffset(line, shown.sourceColumn - 1));
+      line.remove_prefix(source.offsetOf({place.line, shown.sourceColumn}) - source.offsetOf({place.line, 1}));
     }
     line = line.substr(0, characterOffset(line, 2 * keptAround));
   }

@@ -27,6 +27,8 @@ std::size_t lineEndLength(std::string_view text, std::size_t at) noexcept {
   }
 }
 
+constexpr std::size_t block = 1024;
+
 }  // namespace
 
 std::size_t characterCount(std::string_view text) noexcept {
@@ -51,6 +53,16 @@ SourceText::SourceText(std::string name, std::string text) : name_(std::move(nam
     i += std::max<std::size_t>(length, 1);
     if (length > 0) lineStarts_.push_back(i);
   }
+  std::size_t count = 0;
+  for (std::size_t i = 0; i <= text_.size(); i += block) {
+    counted_.push_back(count);
+    count += characterCount(std::string_view(text_).substr(i, block));
+  }
+}
+
+std::size_t SourceText::charactersBefore(std::size_t offset) const noexcept {
+  std::size_t const begin = offset - offset % block;
+  return counted_[offset / block] + characterCount(std::string_view(text_).substr(begin, offset - begin));
 }
 
 std::string_view SourceText::line(std::size_t number) const noexcept {
@@ -74,14 +86,21 @@ Place SourceText::placeOf(std::size_t offset) const noexcept {
   offset = std::min(offset, text_.size());
   auto const next = std::upper_bound(lineStarts_.begin(), lineStarts_.end(), offset);
   auto const number = static_cast<std::size_t>(next - lineStarts_.begin());
-  std::size_t const begin = lineStarts_[number - 1];
-  return {number, characterCount(std::string_view(text_).substr(begin, offset - begin)) + 1};
+  return {number, charactersBefore(offset) - charactersBefore(lineStarts_[number - 1]) + 1};
 }
 
 std::size_t SourceText::offsetOf(Place place) const noexcept {
   if (place.line == 0) return 0;
   if (place.line > lineStarts_.size()) return text_.size();
-  return lineStarts_[place.line - 1] + characterOffset(line(place.line), place.column - 1);
+  std::size_t const lineBegin = lineStarts_[place.line - 1];
+  std::size_t const wanted = charactersBefore(lineBegin) + place.column - 1;
+  // The last block before which there are not more characters, unless the line begins within it.
+  auto const behind = std::upper_bound(counted_.begin(), counted_.end(), wanted);
+  std::size_t const blockBegin = static_cast<std::size_t>(behind - counted_.begin() - 1) * block;
+  std::size_t const from = std::max(lineBegin, blockBegin);
+  std::size_t const lineEnd = lineBegin + line(place.line).size();
+  if (from >= lineEnd) return lineEnd;
+  return from + characterOffset(std::string_view(text_).substr(from, lineEnd - from), wanted - charactersBefore(from));
 }
 
 }  // namespace tarn::rules

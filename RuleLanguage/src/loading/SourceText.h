@@ -26,14 +26,17 @@ class SourceText {
 
   /// A line without its end; empty beyond the last.
   [[nodiscard]] std::string_view line(std::size_t number) const noexcept;
-  /// The place of a byte, and the byte of a place.
+  /// The place of a byte, and the byte of a place. Neither takes longer in a line of megabytes.
   [[nodiscard]] Place placeOf(std::size_t offset) const noexcept;
   [[nodiscard]] std::size_t offsetOf(Place place) const noexcept;
 
  private:
+  [[nodiscard]] std::size_t charactersBefore(std::size_t offset) const noexcept;
+
   std::string name_;
   std::string text_;
   std::vector<std::size_t> lineStarts_;
+  std::vector<std::size_t> counted_;  // the characters before each block of so many bytes
 };
 
 /// The number of characters in `text`, and the byte at which character `count` begins.

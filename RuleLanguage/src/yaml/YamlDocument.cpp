@@ -293,7 +293,7 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
   root_ = Builder(source, limits, diagnostics, nodes_).build();
 }
 
-Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset) {
+Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset, ScalarWalk* walk) {
   using Style = YamlNode::Style;
   std::string_view const value = scalar.value;
   offset = std::min(offset, value.size());
@@ -309,6 +309,10 @@ Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_
     at = source.offsetOf({source.placeOf(at).line + 1, 1});
   }
   std::size_t done = 0;
+  if (walk != nullptr && walk->scalar == &scalar && walk->offset <= offset) {
+    at = walk->at;
+    done = walk->done;
+  }
   while (at < file.size()) {
     char const raw = file[at];
     char const wanted = done < value.size() ? value[done] : '\0';
@@ -334,6 +338,7 @@ Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_
       break;
     }
   }
+  if (walk != nullptr) *walk = {&scalar, offset, at, done};
   return source.placeOf(at);
 }
 

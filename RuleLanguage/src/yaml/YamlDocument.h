@@ -51,7 +51,18 @@ class YamlDocument {
   YamlNode* root_ = nullptr;
 };
 
+/// How far the search for a place in a scalar has come, for the next one that is further on in the same.
+struct ScalarWalk {
+  YamlNode const* scalar = nullptr;
+  std::size_t offset = 0;
+  std::size_t at = 0;    // in the source
+  std::size_t done = 0;  // in the text of the scalar
+};
+
 /// The place in `source` of byte `offset` of the scalar's text: quoting, escapes and folded lines are seen through.
-[[nodiscard]] Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset);
+/// Linear in the offset, or where the last search of `walk` was in the same scalar and not further on, in what lies
+/// between.
+[[nodiscard]] Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset,
+                                  ScalarWalk* walk = nullptr);
 
 }  // namespace tarn::rules

@@ -1,6 +1,11 @@
 // Every warning of the linter, word for word, and that sound rules give none; the golden texts were read line by line
 // when they were taken.
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
+
 #include "RuleLanguage/ExpressionTable.h"
 
 namespace tarn::rules {
@@ -241,6 +246,46 @@ Objects:
     6 |       Speed: {Parameter Type: Real, Context: [Rotating, Restin]}
       |                                              ^~~~~~~~~~~~~~~~~~
 )text");
+}
+
+/// The column, counted in characters, of each place in the last line of a text where `what` stands.
+std::vector<std::size_t> columnsOf(std::string const& text, std::string const& what) {
+  std::vector<std::size_t> columns;
+  std::size_t column = 1;
+  for (std::size_t at = text.rfind('\n') + 1; at < text.size(); ++at) {
+    if (text.compare(at, what.size(), what) == 0) columns.push_back(column);
+    if ((static_cast<unsigned char>(text[at]) & 0xC0U) != 0x80) ++column;
+  }
+  return columns;
+}
+
+/// The columns that are told, each seen to be that of `what` in the part of the line that is shown.
+std::vector<std::size_t> toldColumns(std::string const& text, std::string const& what) {
+  std::vector<std::size_t> columns;
+  for (Diagnostic const& one : lintText(text, "flow.rules.yaml").diagnostics) {
+    columns.push_back(one.column);
+    auto const shown = columnsOf(one.sourceLine, what);
+    EXPECT_NE(std::find(shown.begin(), shown.end(), one.column - one.sourceColumn + 1), shown.end()) << format(one);
+  }
+  return columns;
+}
+
+TEST(Lint, PlacesInALineOfThousandsOfCharactersAreToldRight) {
+  std::string text = "Rule Database: 1\nObjects: {/Case: {Parameters: {Größe: {Parameter Type: Real}";
+  for (int i = 1000; i < 1400; ++i) text += ", Größe " + std::to_string(i) + ": {Parameter Type: Real, Slip: '€'}";
+  text += "}}}";
+  auto const columns = columnsOf(text, "Slip");
+  ASSERT_EQ(columns.size(), 400U);
+  EXPECT_EQ(toldColumns(text, "Slip"), columns);
+}
+
+TEST(Lint, PlacesInALongQuotedExpressionAreToldRight) {
+  std::string text = "Rule Database: 1\nObjects: {/Case: {Parameters: {P: {Parameter Type: Real, Available: \"true";
+  for (int i = 1000; i < 1200; ++i) text += " and ${Größe " + std::to_string(i) + "} != '\\u20ac'";
+  text += "\"}}}}";
+  auto const columns = columnsOf(text, "${");
+  ASSERT_EQ(columns.size(), 200U);
+  EXPECT_EQ(toldColumns(text, "${"), columns);
 }
 
 TEST(Lint, NamesThatNoObjectCanHaveOrKeep) {
