@@ -102,6 +102,15 @@ TEST_F(PhysicsValidator2, TheSameModelIsJudgedOnce) {
   EXPECT_THAT(logger_.getGlobalErrors(), ElementsAre("There must be an inlet."));
 }
 
+TEST_F(PhysicsValidator2, AModelOfWhichJustAsManyBytesAreLeftAsAPathHasIsKnownAgain) {
+  countedRules();
+  ModelState const model = {{"/Case/Domain", {{"A", "1"}}}, {"/Case/Z", {{"B", "1"}}}};
+  ASSERT_EQ(std::string("/Case/Domain").size(), std::string("/Case/Z/B=1\n").size());
+  validate(model);
+  validate(model);
+  EXPECT_EQ(regimeAsked_, 1);
+}
+
 /// A model of a few objects, most of which are in every model, so that models which follow each other are often alike.
 ModelState randomModel(std::mt19937& random) {
   ModelState model;
