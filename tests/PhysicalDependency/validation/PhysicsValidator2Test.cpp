@@ -111,6 +111,17 @@ TEST_F(PhysicsValidator2, AModelOfWhichJustAsManyBytesAreLeftAsAPathHasIsKnownAg
   EXPECT_EQ(regimeAsked_, 1);
 }
 
+TEST_F(PhysicsValidator2, AModelThatLostItsEndIsKnownAgain) {
+  countedRules();
+  ModelState const whole = {{"/Case", {{"Motion", "on"}}}, {"/Case/Domain:rotor", {{"Title", "Impeller"}}}};
+  ModelState const shorter = {{"/Case", {{"Motion", "on"}}}};
+  validate(whole);
+  validate(shorter);
+  EXPECT_EQ(regimeAsked_, 2);
+  validate(shorter);
+  EXPECT_EQ(regimeAsked_, 2);
+}
+
 /// A model of a few objects, most of which are in every model, so that models which follow each other are often alike.
 ModelState randomModel(std::mt19937& random) {
   ModelState model;
