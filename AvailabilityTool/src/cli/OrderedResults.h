@@ -6,7 +6,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -33,7 +32,7 @@ class OrderedResults {
     threads_.reserve(threads);
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { work(); });
-    } catch (std::system_error const&) {  // the machine has no more threads to give: fewer do it as well, if slower
+    } catch (std::exception const&) {  // no more threads, or no memory for one: fewer do it as well, if slower
     }
   }
 

@@ -174,14 +174,13 @@ std::vector<std::string> const& DynamicTDF::Node::ParamVal::getValueAsList() con
   return *extras_->listValue;
 }
 
-bool DynamicTDF::Node::ParamVal::setValue(std::string_view value) {
-  if (value_ == value) return false;
+void DynamicTDF::Node::ParamVal::setValue(std::string_view value) {
+  if (value_ == value) return;
   value_.assign(value);
   if (extras_) extras_->listValue.reset();
-  return true;
 }
 
-bool DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedValues, std::string_view value) {
+void DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedValues, std::string_view value) {
   if (!hasAllowedValues()) {
     throw physics_dep::invalidParamVal(
         "DynamicTDF::Node::ParamVal", "modifyValue",
@@ -189,11 +188,9 @@ bool DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedVa
                 nullptr),
         errorType::InvalidState);
   }
-  bool const allowedDiffer = !allowedValues.isEqualTo(*extras_->allowedValues);
-  bool const valueDiffers = setValue(value);
+  setValue(value);
   // Last, since it cannot fail: copies share their lists.
-  if (allowedDiffer) extras_->allowedValues = allowedValues;
-  return allowedDiffer || valueDiffers;
+  extras_->allowedValues = allowedValues;
 }
 
 }  // namespace tarn

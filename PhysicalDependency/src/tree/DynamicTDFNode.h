@@ -169,10 +169,10 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
   /// The value divided at commas. Divided once for each value, not once for each question.
   [[nodiscard]] std::vector<std::string> const& getValueAsList() const;
 
-  /// Returns whether the value differed. Allowed values stay as they are.
-  bool setValue(std::string_view value);
-  /// Returns whether value or allowed values differed. Throws on an ordinary parameter and then changes nothing.
-  bool modifyValue(ParamAllowedValues const& allowedValues, std::string_view value);
+  /// Allowed values stay as they are.
+  void setValue(std::string_view value);
+  /// Throws on an ordinary parameter and then changes nothing.
+  void modifyValue(ParamAllowedValues const& allowedValues, std::string_view value);
 
  private:
   struct Extras {

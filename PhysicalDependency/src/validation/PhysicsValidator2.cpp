@@ -185,7 +185,7 @@ bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven,
       standAtSameObject = false;
     } else if (!standAtSameObject) {
       hasSameObjects = load.keep(path);
-      standAtSameObject = hasSameObjects;
+      standAtSameObject = true;
     } else {
       load.keepNext();
     }

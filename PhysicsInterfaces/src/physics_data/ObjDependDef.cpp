@@ -6,7 +6,7 @@ namespace tarn {
 
 namespace {
 
-inline bool isLive(std::vector<std::string> const& contexts, std::string const& contextRuleValue) {
+bool isLive(std::vector<std::string> const& contexts, std::string const& contextRuleValue) {
   return contexts.empty() || std::find(contexts.begin(), contexts.end(), contextRuleValue) != contexts.end();
 }
 
