@@ -35,7 +35,7 @@ def main():
     root = pathlib.Path(sys.argv[1])
     reference = (root / "docs/rule-reference.md").read_text(encoding="utf-8")
     sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
-    sources.append(root / "PhysicsInterfaces/src/physics_checks/PathPattern.cpp")
+    sources.append(root / "PhysicsInterfaces/src/paths/PathPattern.cpp")
     texts = {path: code(path) for path in sources}
 
     names = set(ATTRIBUTE.findall(code(root / "PhysicsInterfaces/include/tarn/RuleAttributes.h")))

@@ -22,8 +22,8 @@
 
 #include <tarn/Error.h>
 
-#include "utilities/ModelTextLine.h"
-#include "utilities/PathSyntax.h"
+#include "model/ModelTextLine.h"
+#include "paths/PathSyntax.h"
 
 namespace tarn {
 

@@ -1,6 +1,6 @@
 #include <tarn/ChildAvail.h>
 
-#include "physics_data/BetaGathering.h"
+#include "rules/BetaGathering.h"
 
 namespace tarn {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "utilities/PathSyntax.h"
+#include "paths/PathSyntax.h"
 
 namespace tarn {
 

@@ -1,6 +1,6 @@
 // The grammar of a single line of model text. Which blocks are open is not known here, so a path is not checked either:
 // the reader has mostly seen it in the line before.
-#include "utilities/ModelTextLine.h"
+#include "model/ModelTextLine.h"
 
 #include <tarn/StringUtilities.h>
 

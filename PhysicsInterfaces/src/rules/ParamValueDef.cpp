@@ -7,7 +7,7 @@
 
 #include <tarn/StringUtilities.h>
 
-#include "physics_data/BetaGathering.h"
+#include "rules/BetaGathering.h"
 
 namespace tarn {
 

@@ -9,7 +9,7 @@
 
 #include <tarn/Error.h>
 
-#include "utilities/PathSyntax.h"
+#include "paths/PathSyntax.h"
 
 namespace tarn {
 

@@ -1,6 +1,6 @@
 // The grammar of object paths, apart from what is made of them: one look from left to right that knows the place of the
 // first fault, for `TDFPath`, for `TDFChange` and for the columns that `TDFChangeFile` tells.
-#include "utilities/PathSyntax.h"
+#include "paths/PathSyntax.h"
 
 namespace tarn::path_syntax {
 
