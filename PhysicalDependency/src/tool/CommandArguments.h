@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// Whether a command was given as many arguments as it takes; if not, says so on the standard output.
+/// Returns whether a command has as many arguments as it takes. If not, prints the fault on the standard output.
 [[nodiscard]] bool checkArgCount(std::vector<std::string> const& args, std::size_t expected);
 
 }  // namespace tarn

@@ -1,12 +1,11 @@
-// The commands that load, show and edit the provisional state. Each checks its arguments and calls one operation; what
-// an edit changed is printed by the logger of the state.
+// The commands that load, show and edit the provisional state. Each checks its arguments and calls one operation. The
+// printer that is attached to the state prints what an edit changed.
 
 #include <algorithm>
 #include <iostream>
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/Error.h>
-#include <tarn/ProvTDFDriver.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvisionalTDF.h>
 #include <tarn/StringUtilities.h>
@@ -15,13 +14,14 @@
 
 #include "tool/CommandArguments.h"
 #include "tool/LoadModelFile.h"
+#include "tool/ProvTDFDriverImpl.h"
 
 namespace tarn {
 
 namespace {
 
-/// The object path and the name that a parameter path holds; the name is the type of the last component, so what stands
-/// behind a ":" in it is not looked at.
+/// Splits a parameter path into the object path and the parameter name. The name is the type of the last component: a
+/// ":" in it and the text after the ":" are ignored.
 std::pair<std::string, std::string> splitParamPath(std::string const& paramPath) {
   TDFPath const path(paramPath);
   auto const count = path.numComponent();
@@ -31,21 +31,21 @@ std::pair<std::string, std::string> splitParamPath(std::string const& paramPath)
 
 }  // namespace
 
-void ProvTDFDriver::editTDFHandler(Arguments const& /*args*/) {
+void ProvTDFDriver::Impl::editTDFHandler(Arguments const& /*args*/) {
   std::cout << "Not yet implemented." << std::endl;
 }
 
-void ProvTDFDriver::printParamHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::printParamHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   auto const [objPath, name] = splitParamPath(args[0]);
   logger_->printParamStateWithDecoration("printParam", args[0], objPath, name);
 }
 
-void ProvTDFDriver::printObjHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::printObjHandler(Arguments const& args) {
   if (checkArgCount(args, 1)) logger_->printObjectState(args[0]);
 }
 
-void ProvTDFDriver::printStateHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::printStateHandler(Arguments const& args) {
   if (args.empty()) {
     logger_->printState();
   } else if (checkArgCount(args, 1)) {
@@ -53,7 +53,7 @@ void ProvTDFDriver::printStateHandler(Arguments const& args) {
   }
 }
 
-void ProvTDFDriver::setParamHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::setParamHandler(Arguments const& args) {
   std::string objPath;
   std::string name;
   std::string value;
@@ -69,8 +69,8 @@ void ProvTDFDriver::setParamHandler(Arguments const& args) {
   } catch (std::string const& text) {
     std::cout << "Error processing parameter setting." << std::endl << text << std::endl;
   }
-  // After a text that could not be read the edit still runs, on nothing: the update that it makes tells the user, in
-  // the summary, that nothing was changed.
+  // When the text could not be read, the edit still runs with three empty strings. It changes nothing, but its update
+  // prints a summary, so that every "sp" ends with one.
   if (hasPotParam(objPath, name)) {
     std::cout << "The parameter " << objPath << "/" << name << " has not yet been 'activated'." << std::endl;
     std::cout << "(Use \"ap " << objPath << "/" << name << "\")" << std::endl;
@@ -79,7 +79,7 @@ void ProvTDFDriver::setParamHandler(Arguments const& args) {
   provisional_->activeSetParam(objPath, name, value);
 }
 
-void ProvTDFDriver::activateParamHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::activateParamHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   auto const [objPath, name] = splitParamPath(args[0]);
   if (hasPotParam(objPath, name)) {
@@ -90,13 +90,13 @@ void ProvTDFDriver::activateParamHandler(Arguments const& args) {
   std::cout << "It is either physically unavailable, or is not an optional parameter." << std::endl;
 }
 
-void ProvTDFDriver::deactivateParamHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::deactivateParamHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   auto const [objPath, name] = splitParamPath(args[0]);
   provisional_->deactivateOptParam(objPath, name);
 }
 
-void ProvTDFDriver::activateObjHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::activateObjHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   if (hasPotObject(args[0])) {
     provisional_->activateOptObject(args[0]);
@@ -107,27 +107,27 @@ void ProvTDFDriver::activateObjHandler(Arguments const& args) {
             << std::endl;
 }
 
-void ProvTDFDriver::deactivateObjHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::deactivateObjHandler(Arguments const& args) {
   if (checkArgCount(args, 1)) provisional_->deactivateOptObject(args[0]);
 }
 
-void ProvTDFDriver::newNamedObjHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::newNamedObjHandler(Arguments const& args) {
   if (checkArgCount(args, 1)) provisional_->addNewNamedObject(args[0]);
 }
 
-void ProvTDFDriver::removeNamedObjHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::removeNamedObjHandler(Arguments const& args) {
   if (checkArgCount(args, 1)) provisional_->removeNamedObject(args[0]);
 }
 
-void ProvTDFDriver::loadHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::loadHandler(Arguments const& args) {
   if (loadIntoBase(args)) provisional_->initialise(getBaseTDF(), ModelState{});
 }
 
-void ProvTDFDriver::loadBaseHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::loadBaseHandler(Arguments const& args) {
   if (loadIntoBase(args)) provisional_->baseUpdate(getBaseTDF());
 }
 
-bool ProvTDFDriver::loadIntoBase(Arguments const& args) {
+bool ProvTDFDriver::Impl::loadIntoBase(Arguments const& args) {
   if (!checkArgCount(args, 1)) return false;
   ModelState state;
   if (!loadFile(args[0], strictLoad_, state)) return false;
@@ -135,17 +135,17 @@ bool ProvTDFDriver::loadIntoBase(Arguments const& args) {
   return true;
 }
 
-DynamicTDF* ProvTDFDriver::getBaseTDF() {
+DynamicTDF* ProvTDFDriver::Impl::getBaseTDF() {
   if (!baseTree_) baseTree_ = std::make_shared<DynamicTDF>(false);
   return baseTree_.get();
 }
 
-bool ProvTDFDriver::hasPotObject(std::string const& path) const {
+bool ProvTDFDriver::Impl::hasPotObject(std::string const& path) const {
   auto const& objects = provisional_->getAvailPotObjects();
   return std::find(objects.begin(), objects.end(), path) != objects.end();
 }
 
-bool ProvTDFDriver::hasPotParam(std::string const& objPath, std::string const& name) const {
+bool ProvTDFDriver::Impl::hasPotParam(std::string const& objPath, std::string const& name) const {
   auto const [first, last] = provisional_->getAvailPotParams().equal_range(objPath);
   return std::any_of(first, last, [&](auto const& entry) { return entry.second == name; });
 }

@@ -1,15 +1,15 @@
-// The commands that validate: the active state, or a file that has nothing to do with it. A validator is made for each
-// call, so that nothing of an earlier validation comes into the next.
+// The commands that validate the active state, or a file that is independent of it. Each call makes a validator of its
+// own, so an earlier validation cannot affect a later one.
 
 #include <iostream>
 
 #include <tarn/BasicPhysicsErrorLogger.h>
 #include <tarn/PhysicsValidator2.h>
-#include <tarn/ProvTDFDriver.h>
 #include <tarn/ProvisionalTDF.h>
 
 #include "tool/CommandArguments.h"
 #include "tool/LoadModelFile.h"
+#include "tool/ProvTDFDriverImpl.h"
 
 namespace tarn {
 
@@ -21,17 +21,17 @@ void printFinding(std::string const& message) {
 
 }  // namespace
 
-void ProvTDFDriver::validateHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::validateHandler(Arguments const& args) {
   if (checkArgCount(args, 0)) doPhysicsValidation(provisional_->getActiveTDFState());
 }
 
-void ProvTDFDriver::validateFileHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::validateFileHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   ModelState state;
   if (loadFile(args[0], strictLoad_, state)) doPhysicsValidation(state);
 }
 
-void ProvTDFDriver::doPhysicsValidation(ModelState const& state) const {
+void ProvTDFDriver::Impl::doPhysicsValidation(ModelState const& state) const {
   if (state.empty()) return;
   BasicPhysicsErrorLogger logger;
   PhysicsValidator2 validator(physicsData_);

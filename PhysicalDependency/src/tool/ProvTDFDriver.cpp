@@ -1,12 +1,11 @@
-// The loop of the availability tool: reading lines, dividing them, finding the handler. The handlers that edit and show
-// the state stand in ProvTDFDriver.Commands.cpp, those that validate in ProvTDFDriver.Validation.cpp.
+// The loop of the availability tool: it reads lines, splits them and finds the handler. ProvTDFDriver.Commands.cpp
+// holds the handlers that edit and show the state, ProvTDFDriver.Validation.cpp those that validate.
 
-#include <tarn/ProvTDFDriver.h>
+#include "tool/ProvTDFDriverImpl.h"
 
 #include <algorithm>
 #include <iostream>
 
-#include <tarn/DynamicTDF.h>
 #include <tarn/Error.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/StringUtilities.h>
@@ -17,8 +16,8 @@ namespace tarn {
 
 namespace {
 
-/// Two commands are not in it: "no" and "ro" are for those who know them. Some lines end in a blank, and whoever
-/// compares the help with that of other tools of the family compares it whole.
+/// The commands "no" and "ro" are left out on purpose. Some lines end in a blank: keep them, because scripts compare
+/// the help of the tools of this family byte by byte.
 constexpr char helpText[] =
     "\n"
     "  COMMANDS ----------------------------------------------------------------\n"
@@ -63,7 +62,7 @@ constexpr char helpText[] =
     "  -------------------------------------------------------------------------\n"
     "\n";
 
-/// The next line. At the end of the input it is "q", which quits; a last line without a line end is lost to it.
+/// Returns the next line, or "q" at the end of the input. So a last line without a line end is replaced by "q".
 std::string readLine(std::istream& stream) {
   stream.clear();
   std::string line;
@@ -85,25 +84,25 @@ bool checkArgCount(std::vector<std::string> const& args, std::size_t expected) {
   return false;
 }
 
-ProvTDFDriver::ProvTDFDriver(bool strictLoad, bool quiet, std::string const& validationRoot,
-                             PhysicsData const* physicsData, ProvTDFLogger* logger, ProvisionalTDF* provisional)
-    : commands_({{"e", &ProvTDFDriver::editTDFHandler},
-                 {"pp", &ProvTDFDriver::printParamHandler},
-                 {"po", &ProvTDFDriver::printObjHandler},
-                 {"ps", &ProvTDFDriver::printStateHandler},
-                 {"sp", &ProvTDFDriver::setParamHandler},
-                 {"ap", &ProvTDFDriver::activateParamHandler},
-                 {"dp", &ProvTDFDriver::deactivateParamHandler},
-                 {"ao", &ProvTDFDriver::activateObjHandler},
-                 {"do", &ProvTDFDriver::deactivateObjHandler},
-                 {"no", &ProvTDFDriver::newNamedObjHandler},
-                 {"ro", &ProvTDFDriver::removeNamedObjHandler},
-                 {"h", &ProvTDFDriver::helpHandler},
-                 {"q", &ProvTDFDriver::quitHandler},
-                 {"l", &ProvTDFDriver::loadHandler},
-                 {"lb", &ProvTDFDriver::loadBaseHandler},
-                 {"v", &ProvTDFDriver::validateHandler},
-                 {"vf", &ProvTDFDriver::validateFileHandler}}),
+ProvTDFDriver::Impl::Impl(bool strictLoad, bool quiet, std::string const& validationRoot,
+                          PhysicsData const* physicsData, ProvTDFLogger* logger, ProvisionalTDF* provisional)
+    : commands_({{"e", &Impl::editTDFHandler},
+                 {"pp", &Impl::printParamHandler},
+                 {"po", &Impl::printObjHandler},
+                 {"ps", &Impl::printStateHandler},
+                 {"sp", &Impl::setParamHandler},
+                 {"ap", &Impl::activateParamHandler},
+                 {"dp", &Impl::deactivateParamHandler},
+                 {"ao", &Impl::activateObjHandler},
+                 {"do", &Impl::deactivateObjHandler},
+                 {"no", &Impl::newNamedObjHandler},
+                 {"ro", &Impl::removeNamedObjHandler},
+                 {"h", &Impl::helpHandler},
+                 {"q", &Impl::quitHandler},
+                 {"l", &Impl::loadHandler},
+                 {"lb", &Impl::loadBaseHandler},
+                 {"v", &Impl::validateHandler},
+                 {"vf", &Impl::validateFileHandler}}),
       strictLoad_(strictLoad),
       quiet_(quiet),
       validationRoot_(validationRoot),
@@ -111,11 +110,7 @@ ProvTDFDriver::ProvTDFDriver(bool strictLoad, bool quiet, std::string const& val
       provisional_(provisional),
       logger_(logger) {}
 
-ProvTDFDriver::ProvTDFDriver(ProvTDFDriver const&) = default;
-ProvTDFDriver& ProvTDFDriver::operator=(ProvTDFDriver const&) = default;
-ProvTDFDriver::~ProvTDFDriver() = default;
-
-void ProvTDFDriver::waitInput() {
+void ProvTDFDriver::Impl::waitInput() {
   if (!quiet_) {
     std::cout << "\n\n"
                  "  --------------------------------------------\n"
@@ -137,21 +132,17 @@ void ProvTDFDriver::waitInput() {
   }
 }
 
-void ProvTDFDriver::printState() const {
-  logger_->printState();
-}
-
-void ProvTDFDriver::processInputLine() {
+void ProvTDFDriver::Impl::processInputLine() {
   processInput(readLine(std::cin));
 }
 
-void ProvTDFDriver::processInput(std::string const& line) {
+void ProvTDFDriver::Impl::processInput(std::string const& line) {
   Arguments args;
   std::string const command = splitCmdLine(line, args);
   dispatch(command, args);
 }
 
-std::string ProvTDFDriver::splitCmdLine(std::string const& line, Arguments& args) const {
+std::string ProvTDFDriver::Impl::splitCmdLine(std::string const& line, Arguments& args) const {
   std::string text = StringUtilities::removeWhitespace(line);
   auto const blank = std::find_if(text.begin(), text.end(), StringUtilities::isSpace);
   args.clear();
@@ -161,7 +152,7 @@ std::string ProvTDFDriver::splitCmdLine(std::string const& line, Arguments& args
   return text;
 }
 
-void ProvTDFDriver::dispatch(std::string const& command, Arguments const& args) {
+void ProvTDFDriver::Impl::dispatch(std::string const& command, Arguments const& args) {
   if (command.empty()) return;
   auto const found = commands_.find(command);
   if (found == commands_.end()) {
@@ -171,14 +162,35 @@ void ProvTDFDriver::dispatch(std::string const& command, Arguments const& args) 
   (this->*found->second)(args);
 }
 
-void ProvTDFDriver::helpHandler(Arguments const& args) {
-  // Surplus arguments are told, and the help comes all the same.
+void ProvTDFDriver::Impl::helpHandler(Arguments const& args) {
+  // Surplus arguments are reported, but the help is printed anyway.
   (void)checkArgCount(args, 0);
   std::cout << helpText << std::flush;
 }
 
-void ProvTDFDriver::quitHandler(Arguments const& args) {
+void ProvTDFDriver::Impl::quitHandler(Arguments const& args) {
   if (checkArgCount(args, 0)) setQuit();
+}
+
+ProvTDFDriver::ProvTDFDriver(bool strictLoad, bool quiet, std::string const& validationRoot,
+                             PhysicsData const* physicsData, ProvTDFLogger* logger, ProvisionalTDF* provisional)
+    : impl_(std::make_unique<Impl>(strictLoad, quiet, validationRoot, physicsData, logger, provisional)) {}
+
+ProvTDFDriver::ProvTDFDriver(ProvTDFDriver const& other) : impl_(std::make_unique<Impl>(*other.impl_)) {}
+
+ProvTDFDriver& ProvTDFDriver::operator=(ProvTDFDriver const& other) {
+  impl_ = std::make_unique<Impl>(*other.impl_);
+  return *this;
+}
+
+ProvTDFDriver::~ProvTDFDriver() = default;
+
+void ProvTDFDriver::waitInput() {
+  impl_->waitInput();
+}
+
+void ProvTDFDriver::printState() const {
+  impl_->logger_->printState();
 }
 
 }  // namespace tarn

@@ -292,6 +292,25 @@ TEST_F(ProvTDFDriverTest, LoadingAFileMakesANewStateFromItAndTheFirstValueOfAPar
   state_.baseUpdate(&base_);  // the driver's own model goes with it
 }
 
+TEST_F(ProvTDFDriverTest, LoadingFromTheStandardInputTakesTheRestOfItAndQuits) {
+  std::istringstream in("l -\n/Case/Domain:rotor/Title=piped\n/Case/Domain:rotor/Motion=Stationary\n");
+  std::ostringstream out;
+  Redirected const fromInput(std::cin, in.rdbuf());
+  Redirected const toOutput(std::cout, out.rdbuf());
+  ProvTDFDriver driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  driver.waitInput();
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(value("Title"), "piped");
+  EXPECT_EQ(value("Motion"), "Stationary");
+  state_.baseUpdate(&base_);  // the driver's own model goes with it
+}
+
+TEST_F(ProvTDFDriverTest, ValidatingTheStandardInputTakesTheRestOfItForModelText) {
+  std::string const out = session("vf -\nfoo\n");
+  EXPECT_TRUE(out.starts_with("Failed to load -\n")) << out;
+  EXPECT_EQ(out.find("Unrecognised command"), std::string::npos) << out;
+}
+
 TEST_F(ProvTDFDriverTest, AFileThatCannotBeLoadedLeavesTheStateAlone) {
   auto const before = state_.getActiveTDFState();
   for (std::string const command : {"l", "lb", "vf"}) {
