@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -162,7 +163,8 @@ inline std::string conditionFault(std::string const& expression, std::string con
   } catch (RuleError const& error) {
     for (auto const& one : error.diagnostics()) {
       if (!all.empty()) all += "\n";
-      all += std::to_string(one.column - before.size()) + "+" + std::to_string(one.length) + ": " + one.message;
+      all += std::to_string(one.column - before.size()) + "+" +
+             std::to_string(std::max<std::size_t>(1, one.endColumn - one.column)) + ": " + one.message;
     }
   }
   return all;

@@ -2,22 +2,33 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <tarn/PhysicsData.h>
 
+#include "diagnostics/Codes.h"
 #include "expression/Expression.h"
 #include "expression/NamedRule.h"
 #include "expression/NearMatch.h"
 
 namespace tarn::rules {
 
-/// Something wrong with an expression, and where in its text.
+/// A change of an expression's text that removes an issue: what to write in `range` instead, and a title for a menu.
+struct Replacement {
+  Range range;
+  std::string text;
+  std::string title;
+};
+
+/// A problem in an expression, and its position in the text.
 struct Issue {
   Range range;
   std::string message;
+  Code code = Code::InvalidExpression;
+  std::optional<Replacement> fix = std::nullopt;
 };
 
 /// What an expression is to give. A text is had from numbers and truth values as well; a condition is not had from a

@@ -21,6 +21,7 @@
 #include "expression/NearMatch.h"
 #include "expression/Nodes.h"
 #include "lint/TypeTree.h"
+#include "yaml/ScalarText.h"
 
 namespace tarn::rules {
 
@@ -108,15 +109,13 @@ class Linter {
 
  private:
   void warn(Item const& item, std::string message) {
-    diagnostics_.add(Severity::Warning, *item.source, item.node->place(), item.node->shownLength(), std::move(message));
+    diagnostics_.add(Code::Doubtful, *item.source, item.node->range(), std::move(message));
   }
 
   void warn(ExpressionUse const& use, Range range, std::string message) {
     std::size_t const offset = use.skipped + range.offset;
-    Place const begin = placeInScalar(*use.item.source, *use.item.node, offset, &walk_);
-    Place const end = placeInScalar(*use.item.source, *use.item.node, offset + range.length, &walk_);
-    std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
-    diagnostics_.add(Severity::Warning, *use.item.source, begin, shown, std::move(message));
+    SourceRange const place = rangeInScalar(*use.item.source, *use.item.node, offset, range.length, &walk_);
+    diagnostics_.add(Code::Doubtful, *use.item.source, place, std::move(message));
   }
 
   using TypePaths = std::shared_ptr<std::set<std::string> const>;

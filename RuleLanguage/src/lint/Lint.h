@@ -1,6 +1,6 @@
 #pragma once
 
-#include "loading/DiagnosticList.h"
+#include "diagnostics/DiagnosticList.h"
 #include "loading/RuleBuilder.h"
 
 namespace tarn::rules {

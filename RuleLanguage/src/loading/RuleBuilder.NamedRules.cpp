@@ -23,7 +23,7 @@ void RuleBuilder::registerNamed(File const& file) {
       if (!isName(name, "a name")) return;
       auto const [former, isNew] = names.try_emplace(name.node->value, name);
       if (!isNew) {
-        twice(name, former->second, inQuotes(name.node->value) + " is given twice");
+        twice(Code::DuplicateName, name, former->second, inQuotes(name.node->value) + " is given twice");
         return;
       }
       auto rule = make(name.node->value);
@@ -76,7 +76,7 @@ void RuleBuilder::parseNamedBodies() {
         pending.expression = std::make_unique<ListLiteral>(Range{}, std::move(items));
       }
     } else {
-      error(pending.body, "a list is written as [a, b, c], or computed by one expression behind '='");
+      error(Code::WrongKind, pending.body, "a list is written as [a, b, c], or computed by one expression behind '='");
     }
     for (std::size_t i = usesBefore; i < laterUses_.size(); ++i) laterUses_[i].named = pending.rule;
   }
@@ -116,7 +116,8 @@ void RuleBuilder::bindNamedRules() {
             if (shown < 10) circle += inQuotes(open->pending->rule->name()) + " calls ";
           }
           if (shown >= 10) circle += "... calls ";
-          error(pending.name, "named rules call each other in a circle: " + circle + inQuotes(called->rule->name()));
+          error(Code::CircularCall, pending.name,
+                "named rules call each other in a circle: " + circle + inQuotes(called->rule->name()));
         }
         continue;
       }
@@ -129,19 +130,21 @@ void RuleBuilder::bindNamedRules() {
       }
       // What goes beyond a limit is told once: to its callers it counts as nothing.
       if (++pending.depth > limits_.callDepth) {
-        error(pending.name,
+        error(Code::LimitExceeded, pending.name,
               "named rules call each other in a chain of more than " + std::to_string(limits_.callDepth) + " calls");
         pending.depth = 0;
       }
       pending.nesting += nestingBelow;
       if (pending.nesting > limits_.nestingDepth) {
-        error(pending.name, "together with what it calls this rule is nested deeper than " +
-                                std::to_string(limits_.nestingDepth) + " levels; state it flatter");
+        error(Code::LimitExceeded, pending.name,
+              "together with what it calls this rule is nested deeper than " + std::to_string(limits_.nestingDepth) +
+                  " levels; state it flatter");
         pending.nesting = 0;
       }
       if (pending.callCount > limits_.callCount) {
-        error(pending.name, "one evaluation of this rule comes to more than " + std::to_string(limits_.callCount) +
-                                " calls of named rules; state it with fewer");
+        error(Code::LimitExceeded, pending.name,
+              "one evaluation of this rule comes to more than " + std::to_string(limits_.callCount) +
+                  " calls of named rules; state it with fewer");
         pending.callCount = 0;
       }
       if (pending.expression) pending.rule->bind(std::move(pending.expression), std::move(pending.source));

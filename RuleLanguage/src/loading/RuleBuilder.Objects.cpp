@@ -119,20 +119,21 @@ bool holdsSeparator(std::string_view name) {
 bool RuleBuilder::isTypePath(Item const& item) {
   std::string_view const path = item.node->value;
   if (!path.starts_with('/')) {
-    error(item, "an object type path begins with '/': /" + std::string(path.substr(0, 100)));
+    error(Code::InvalidTypePath, item, "an object type path begins with '/': /" + std::string(path.substr(0, 100)));
     return false;
   }
   std::size_t begin = 1;
   for (;;) {
     std::size_t const end = std::min(path.find('/', begin), path.size());
     auto const type = path.substr(begin, end - begin);
-    if (type.empty()) return error(item, "a type in the path is empty"), false;
+    if (type.empty()) return error(Code::InvalidTypePath, item, "a type in the path is empty"), false;
     if (type.find(':') != std::string_view::npos) {
-      return error(item, "an object type path holds types only, without names: remove the ':' and what follows it"),
+      return error(Code::InvalidTypePath, item,
+                   "an object type path holds types only, without names: remove the ':' and what follows it"),
              false;
     }
     if (isSpace(type.front()) || isSpace(type.back())) {
-      return error(item, "a type cannot begin or end with a blank"), false;
+      return error(Code::InvalidTypePath, item, "a type cannot begin or end with a blank"), false;
     }
     if (end == path.size()) return true;
     begin = end + 1;
@@ -191,15 +192,17 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
   std::vector<ParamValueDef::GuardedText> result;
   if (item.node->kind != YamlNode::Kind::Sequence) {
     if (!isNothing(*item.node)) {
-      error(item, std::string(attribute) + " is a list of {When: condition, Value: value}, not " +
-                      std::string(kindText(*item.node)));
+      error(Code::WrongKind, item,
+            std::string(attribute) + " is a list of {When: condition, Value: value}, not " +
+                std::string(kindText(*item.node)));
     }
     return result;
   }
   for (auto const* child : item.node->children) {
     Item const entry{item.source, child};
     if (child->kind != YamlNode::Kind::Mapping) {
-      error(entry, "an item here is {When: condition, Value: value}, not " + std::string(kindText(*child)));
+      error(Code::WrongKind, entry,
+            "an item here is {When: condition, Value: value}, not " + std::string(kindText(*child)));
       continue;
     }
     ParamValueDef::GuardedText guarded;
@@ -215,8 +218,9 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
                      guarded.value = textOrExpression(value, attribute);
                    }
                  });
-    if (!whenGiven) error(entry, "the item has no 'When'; the value without a condition is the default value");
-    if (!valueGiven) error(entry, "the item has no 'Value'");
+    if (!whenGiven)
+      error(Code::MissingKey, entry, "the item has no 'When'; the value without a condition is the default value");
+    if (!valueGiven) error(Code::MissingKey, entry, "the item has no 'Value'");
     if (guarded.when && guarded.value) result.push_back(std::move(guarded));
   }
   return result;
@@ -225,7 +229,7 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
 void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item const& body) {
   if (!isName(name, "the name of a parameter")) return;
   if (holdsSeparator(name.node->value)) {
-    error(name, "the name of a parameter cannot hold '/' or ':'");
+    error(Code::InvalidName, name, "the name of a parameter cannot hold '/' or ':'");
     return;
   }
   owner_ = {object.typePath(), name.node->value, false};
@@ -292,7 +296,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
               types.emplace_back(TDFParam::typeName(static_cast<TDFParam::Type>(i)));
             }
             auto const near = orNear(*given, types);
-            error(value,
+            error(Code::UnknownParameterType, value,
                   "unknown parameter type " + inQuotes(given->substr(0, 60)) +
                       (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
                                     : near));
@@ -364,19 +368,22 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     }
   });
 
-  if (!type && canHoldKeys(*body.node)) error(name, "the parameter has no 'Parameter Type'");
+  if (!type && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the parameter has no 'Parameter Type'");
   if (fixedList && listSource) {
-    twice(listSource, fixedList, "the allowed values are given twice: keep the fixed list or the Value List Source");
+    twice(Code::ConflictingKeys, listSource, fixedList,
+          "the allowed values are given twice: keep the fixed list or the Value List Source");
   }
   if (subset && subsetSource) {
-    twice(subsetSource, subset, "the subset is given twice: keep the fixed one or the Subset Value List Source");
+    twice(Code::ConflictingKeys, subsetSource, subset,
+          "the subset is given twice: keep the fixed one or the Subset Value List Source");
   }
   if (def.completeListRequired && typeKnown && !TDFParam::isListType(def.type)) {
-    error(completeList, "Complete List Required is for list types, but the parameter is of type " +
-                            std::string(TDFParam::typeName(def.type)));
+    error(Code::NotAListType, completeList,
+          "Complete List Required is for list types, but the parameter is of type " +
+              std::string(TDFParam::typeName(def.type)));
   }
   if (!object.addParam(std::move(entry), std::move(def))) {
-    twice(name, formerPlace(object.typePath(), false, name.node->value),
+    twice(Code::DuplicateName, name, formerPlace(object.typePath(), false, name.node->value),
           "the object has a parameter " + inQuotes(name.node->value) + " already");
     return;
   }
@@ -386,7 +393,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
 void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& body) {
   if (!isName(name, "a child type")) return;
   if (holdsSeparator(name.node->value)) {
-    error(name, "a child type cannot hold '/' or ':'; deeper objects have entries of their own under Objects");
+    error(Code::InvalidName, name,
+          "a child type cannot hold '/' or ':'; deeper objects have entries of their own under Objects");
     return;
   }
   owner_ = {object.typePath(), name.node->value, true};
@@ -438,7 +446,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
     }
   });
   if (!object.addChild(std::move(entry))) {
-    twice(name, formerPlace(object.typePath(), true, name.node->value),
+    twice(Code::DuplicateName, name, formerPlace(object.typePath(), true, name.node->value),
           "the object has a child type " + inQuotes(name.node->value) + " already");
     return;
   }

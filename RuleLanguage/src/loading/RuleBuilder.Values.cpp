@@ -21,7 +21,7 @@ std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::strin
   if (item.node->flow && item.node->kind == YamlNode::Kind::Mapping) {
     message += "; an expression that begins with '{' must be quoted as a whole";
   }
-  error(item, std::move(message));
+  error(Code::WrongKind, item, std::move(message));
   return std::nullopt;
 }
 
@@ -44,7 +44,7 @@ void RuleBuilder::yesNo(Item const& item, bool& value) {
       return;
     }
   }
-  error(item, "yes or no is needed here, not " + inQuotes(text->substr(0, 60)));
+  error(Code::NotYesOrNo, item, "yes or no is needed here, not " + inQuotes(text->substr(0, 60)));
 }
 
 std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, bool oneAllowed,
@@ -57,7 +57,7 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
     } else if (item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node)) {
       message += "; a list of one is written [" + item.node->value.substr(0, 60) + "]";
     }
-    error(item, std::move(message));
+    error(Code::WrongKind, item, std::move(message));
     return std::nullopt;
   }
   std::vector<std::string> result;
@@ -67,7 +67,8 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
     if (child->kind == YamlNode::Kind::Scalar) {
       result.push_back(child->value);
     } else {
-      error({item.source, child}, "an item of this list is a single text, not " + std::string(kindText(*child)));
+      error(Code::WrongKind, {item.source, child},
+            "an item of this list is a single text, not " + std::string(kindText(*child)));
       good = false;
     }
   }
@@ -78,16 +79,16 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
 bool RuleBuilder::isMapping(Item const& item, std::string_view what) {
   if (item.node->kind == YamlNode::Kind::Mapping) return true;
   if (!isNothing(*item.node)) {
-    error(item, std::string(what) + " is a map, not " + std::string(kindText(*item.node)));
+    error(Code::WrongKind, item, std::string(what) + " is a map, not " + std::string(kindText(*item.node)));
   }
   return false;
 }
 
 bool RuleBuilder::isName(Item const& item, std::string_view what) {
   std::string_view const name = item.node->value;
-  if (name.empty()) return error(item, std::string(what) + " cannot be empty"), false;
+  if (name.empty()) return error(Code::InvalidName, item, std::string(what) + " cannot be empty"), false;
   if (isSpace(name.front()) || isSpace(name.back())) {
-    return error(item, std::string(what) + " cannot begin or end with a blank"), false;
+    return error(Code::InvalidName, item, std::string(what) + " cannot begin or end with a blank"), false;
   }
   return true;
 }
@@ -95,9 +96,7 @@ bool RuleBuilder::isName(Item const& item, std::string_view what) {
 ParsedExpression RuleBuilder::parsed(Item const& item, std::size_t skipped, Role role) {
   ParserLimits const limits{limits_.expressionLength, limits_.expressionDepth};
   auto result = parseExpression(std::string_view(item.node->value).substr(skipped), role, named_, data_.get(), limits);
-  for (auto const& issue : result.issues) {
-    errorAt(item, skipped + issue.range.offset, issue.range.length, issue.message);
-  }
+  for (auto const& issue : result.issues) report(item, skipped, issue);
   return result;
 }
 
@@ -177,7 +176,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     if (child->kind == YamlNode::Kind::Scalar) {
       guarded.value = fixedText(childItem);
     } else if (child->kind == YamlNode::Kind::Sequence) {
-      error(childItem, "an item of this list is a single text, not " + std::string(kindText(*child)));
+      error(Code::WrongKind, childItem, "an item of this list is a single text, not " + std::string(kindText(*child)));
       good = false;
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
@@ -204,7 +203,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
         }
       });
       if (good && !guarded.value) {
-        error(childItem, "the item has no 'Value'");
+        error(Code::MissingKey, childItem, "the item has no 'Value'");
         good = false;
       }
     }

@@ -12,6 +12,7 @@
 
 #include "expression/NearMatch.h"
 #include "loading/RuleSections.h"
+#include "yaml/ScalarText.h"
 
 namespace tarn::rules {
 
@@ -69,31 +70,34 @@ void RuleBuilder::build() {
 
 // Faults
 
-Diagnostic& RuleBuilder::error(Item const& item, std::string message) {
-  return diagnostics_.add(Severity::Error, *item.source, item.node->place(), item.node->shownLength(),
-                          std::move(message));
+Diagnostic& RuleBuilder::error(Code code, Item const& item, std::string message) {
+  return diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
 }
 
-Diagnostic& RuleBuilder::errorAt(Item const& item, std::size_t offset, std::size_t length, std::string message) {
-  if (diagnostics_.isFull()) return error(item, std::move(message));
-  Place const begin = placeInScalar(*item.source, *item.node, offset);
-  Place const end = placeInScalar(*item.source, *item.node, offset + length);
-  std::size_t const shown = begin.line == end.line && end.column > begin.column ? end.column - begin.column : 1;
-  return diagnostics_.add(Severity::Error, *item.source, begin, shown, std::move(message));
+void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
+  auto const rangeOf = [&](Range const& range) {
+    if (diagnostics_.isFull()) return item.node->range();
+    return rangeInScalar(*item.source, *item.node, skipped + range.offset, range.length);
+  };
+  auto& diagnostic = diagnostics_.add(issue.code, *item.source, rangeOf(issue.range), std::move(issue.message));
+  if (!issue.fix) return;
+  std::size_t const offset = skipped + issue.fix->range.offset;
+  auto text = writtenInScalar(*item.node, offset, issue.fix->range.length, issue.fix->text);
+  if (!text) return;
+  DiagnosticList::fix(diagnostic, *item.source, rangeOf(issue.fix->range), std::move(*text),
+                      std::move(issue.fix->title));
 }
 
-void RuleBuilder::twice(Item const& item, Item const& former, std::string message) {
-  auto& diagnostic = error(item, std::move(message));
-  if (former) {
-    DiagnosticList::note(diagnostic, *former.source, former.node->place(), former.node->shownLength(),
-                         "it stands here already");
-  }
+void RuleBuilder::twice(Code code, Item const& item, Item const& former, std::string message) {
+  auto& diagnostic = error(code, item, std::move(message));
+  if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "it stands here already");
 }
 
 void RuleBuilder::readHeader(File& file) {
   Item const root{file.source, file.root};
   if (root.node->kind != YamlNode::Kind::Mapping) {
-    error(root, "a rule file is a map that begins with 'Rule Database: 1', not " + std::string(kindText(*root.node)));
+    error(Code::WrongKind, root,
+          "a rule file is a map that begins with 'Rule Database: 1', not " + std::string(kindText(*root.node)));
     return;
   }
   bool versionGiven = false;
@@ -105,11 +109,12 @@ void RuleBuilder::readHeader(File& file) {
     versionGiven = true;
     auto const version = scalar(value, "the version");
     if (version && *version != "1") {
-      error(value, "version " + inQuotes(version->substr(0, 60)) + " of the format is not known; this program reads 1");
+      error(Code::UnknownVersion, value,
+            "version " + inQuotes(version->substr(0, 60)) + " of the format is not known; this program reads 1");
     }
   });
   if (!versionGiven) {
-    diagnostics_.add(Severity::Error, *file.source, {1, 1}, 1, "the file does not say 'Rule Database: 1'");
+    diagnostics_.add(Code::MissingVersion, *file.source, {}, "the file does not say 'Rule Database: 1'");
   }
 }
 
@@ -130,7 +135,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
     if (!isName(name, "a quantity type")) return;
     auto const [former, isNew] = quantityNames_.try_emplace(name.node->value, name);
     if (!isNew) {
-      twice(name, former->second, inQuotes(name.node->value) + " is given twice");
+      twice(Code::DuplicateName, name, former->second, inQuotes(name.node->value) + " is given twice");
       return;
     }
     bool unitsGiven = false;
@@ -139,12 +144,13 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       auto units = texts(value, false);
       if (!units) return;
       if (units->empty()) {
-        error(value, "a quantity type needs at least one of its units");
+        error(Code::NoUnits, value, "a quantity type needs at least one of its units");
         return;
       }
       data_->addQuantityType(name.node->value, *units);
     });
-    if (!unitsGiven && canHoldKeys(*body.node)) error(name, "the quantity type has no 'Units'; write {Units: [...]}");
+    if (!unitsGiven && canHoldKeys(*body.node))
+      error(Code::MissingKey, name, "the quantity type has no 'Units'; write {Units: [...]}");
   });
 }
 
@@ -154,7 +160,7 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
     if (!isName(name, "a name")) return;
     auto const [former, isNew] = globalNames_.try_emplace(name.node->value, name);
     if (!isNew) {
-      twice(name, former->second, inQuotes(name.node->value) + " is given twice");
+      twice(Code::DuplicateName, name, former->second, inQuotes(name.node->value) + " is given twice");
       return;
     }
     Item check;
@@ -170,8 +176,8 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
         text = textOrExpression(value, "Message");
       }
     });
-    if (!check && canHoldKeys(*body.node)) error(name, "the global check has no 'Check'");
-    if (!message && canHoldKeys(*body.node)) error(name, "the global check has no 'Message'");
+    if (!check && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Check'");
+    if (!message && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Message'");
     if (condition && text) {
       data_->addGlobalCheck(name.node->value,
                             std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text)));

@@ -14,10 +14,10 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/rules/RuleLoader.h>
 
+#include "diagnostics/DiagnosticList.h"
+#include "diagnostics/SourceText.h"
 #include "expression/CompiledRules.h"
 #include "expression/Parser.h"
-#include "loading/DiagnosticList.h"
-#include "loading/SourceText.h"
 #include "yaml/YamlDocument.h"
 
 namespace tarn::rules {
@@ -122,9 +122,9 @@ class RuleBuilder {
   };
 
   // Faults
-  Diagnostic& error(Item const& item, std::string message);
-  Diagnostic& errorAt(Item const& item, std::size_t offset, std::size_t length, std::string message);
-  void twice(Item const& item, Item const& former, std::string message);
+  Diagnostic& error(Code code, Item const& item, std::string message);
+  void report(Item const& item, std::size_t skipped, Issue issue);
+  void twice(Code code, Item const& item, Item const& former, std::string message);
 
   // YAML values
   [[nodiscard]] std::optional<std::string_view> scalar(Item const& item, std::string_view what);

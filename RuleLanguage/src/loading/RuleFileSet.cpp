@@ -54,7 +54,7 @@ std::string listRuleFiles(fs::path const& path, std::vector<fs::path>& found) {
 void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t maxFileSize,
                        DiagnosticList& diagnostics) {
   auto const refuse = [&](std::string const& name, std::string const& reason) {
-    diagnostics.addAboutFile(name, "cannot read the rule file: " + reason);
+    diagnostics.addAboutFile(Code::UnreadableFile, name, "cannot read the rule file: " + reason);
     unreadable = true;
   };
   auto const readOne = [&](fs::path const& path) {
@@ -81,7 +81,8 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
     if (!reason.empty()) {
       refuse(path.string(), reason);
     } else if (found.empty()) {
-      diagnostics.addAboutFile(path.string(), "the folder holds no rule files; their names end in .rules.yaml");
+      diagnostics.addAboutFile(Code::NoRuleFiles, path.string(),
+                               "the folder holds no rule files; their names end in .rules.yaml");
       unreadable = true;
     }
     std::sort(found.begin(), found.end(),
@@ -89,7 +90,7 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
     for (auto const& file : found) readOne(file);
   }
   if (filesOrFolders.empty()) {
-    diagnostics.addAboutFile("<rules>", "no rule file is named");
+    diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no rule file is named");
     unreadable = true;
   }
 }

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "loading/DiagnosticList.h"
-#include "loading/SourceText.h"
+#include "diagnostics/DiagnosticList.h"
+#include "diagnostics/SourceText.h"
 
 namespace tarn::rules {
 

@@ -4,8 +4,8 @@
 
 #include <deque>
 
+#include "diagnostics/DiagnosticList.h"
 #include "lint/Lint.h"
-#include "loading/DiagnosticList.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleFileSet.h"
 #include "yaml/YamlDocument.h"
@@ -24,8 +24,7 @@ void addAll(RuleFileSet const& files, LoadLimits const& limits, DiagnosticList& 
     if (document.root() != nullptr) {
       builder.addFile(source, *document.root());
     } else if (diagnostics.errorCount() == errorsBefore) {
-      diagnostics.add(Severity::Error, source, {1, 1}, 1,
-                      "the file holds no rules; it must begin with 'Rule Database: 1'");
+      diagnostics.add(Code::EmptyFile, source, {}, "the file holds no rules; it must begin with 'Rule Database: 1'");
     }
   }
 }
@@ -55,7 +54,8 @@ RuleFileSet fileOf(std::string const& text, std::string const& sourceName, LoadL
   RuleFileSet files;
   files.names.push_back(sourceName);
   if (text.size() > limits.fileSize) {
-    diagnostics.addAboutFile(sourceName, "the text is larger than " + std::to_string(limits.fileSize) + " bytes");
+    diagnostics.addAboutFile(Code::UnreadableFile, sourceName,
+                             "the text is larger than " + std::to_string(limits.fileSize) + " bytes");
   } else {
     files.sources.emplace_back(sourceName, text);
   }

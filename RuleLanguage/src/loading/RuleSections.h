@@ -74,7 +74,7 @@ void RuleBuilder::forEach(Item const& item, std::string_view what, Each each) {
     if (isNew) {
       each(key, Item{item.source, children[i + 1]});
     } else {
-      twice(key, {item.source, former->second}, inQuotes(key.node->value) + " is given twice");
+      twice(Code::DuplicateKey, key, {item.source, former->second}, inQuotes(key.node->value) + " is given twice");
     }
   }
 }
@@ -90,13 +90,14 @@ void RuleBuilder::forEachKnown(Item const& item, std::string_view what, Table co
     auto const known =
         std::find_if(table.begin(), table.end(), [&](auto const& entry) { return entry.text == key.node->value; });
     if (known == table.end()) {
-      error(key, "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
-                     orNear(key.node->value, keyTexts(table)));
+      error(Code::UnknownKey, key,
+            "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
+                orNear(key.node->value, keyTexts(table)));
       continue;
     }
     auto& former = seen[static_cast<std::size_t>(known - table.begin())];
     if (former != nullptr) {
-      twice(key, {item.source, former}, inQuotes(key.node->value) + " is given twice");
+      twice(Code::DuplicateKey, key, {item.source, former}, inQuotes(key.node->value) + " is given twice");
       continue;
     }
     former = key.node;

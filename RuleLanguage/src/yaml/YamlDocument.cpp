@@ -1,6 +1,6 @@
-// YAML by way of libyaml's events, which are fast and carry exact places. The tree is built with an own stack; an alias
-// shares the node of its anchor, and the weight of nodes is counted as if it were copied, so that a file whose aliases
-// multiply is refused before anything walks it.
+// Reads YAML through the events of libyaml, which are fast and carry exact positions. The tree is built with its own
+// stack. An alias shares the node of its anchor, but the node limit counts it as a copy: so a file whose aliases
+// multiply is refused before anything walks over it.
 
 #include "yaml/YamlDocument.h"
 
@@ -13,8 +13,6 @@
 #include <new>
 #include <optional>
 #include <string_view>
-
-#include <tarn/StringUtilities.h>
 
 namespace tarn::rules {
 
@@ -33,7 +31,7 @@ class Parser {
 
   bool next(yaml_event_t& event) {
     if (yaml_parser_parse(&parser_, &event) != 0) return true;
-    // No fault of the file.
+    // This is not the fault of the file.
     if (parser_.error == YAML_MEMORY_ERROR) throw std::bad_alloc();
     return false;
   }
@@ -76,7 +74,7 @@ Place placeOf(yaml_mark_t const& mark) {
   return {mark.line + 1, mark.column + 1};
 }
 
-/// What the parser's own words most often mean in a rule file.
+/// The mistake in a rule file that most often causes this message of libyaml.
 std::string hintFor(std::string_view problem) {
   static constexpr std::array<std::string_view, 5> quoting = {
       "mapping values are not allowed in this context", "did not find expected key", "did not find expected ',' or '}'",
@@ -108,7 +106,8 @@ class Builder {
           return root_;
         case YAML_DOCUMENT_START_EVENT:
           if (root_ != nullptr) {
-            return fail(placeOf(event->start_mark), 3, "a rule file is one document; remove what follows '---'");
+            return fail(Code::SeveralDocuments, rangeFrom(placeOf(event->start_mark), 3),
+                        "a rule file is one document; remove what follows '---'");
           }
           break;
         case YAML_SCALAR_EVENT:
@@ -142,56 +141,51 @@ class Builder {
   }
 
  private:
-  YamlNode* fail(Place place, std::size_t length, std::string message) {
-    diagnostics_.add(Severity::Error, source_, place, length, std::move(message));
+  YamlNode* fail(Code code, SourceRange const& range, std::string message) {
+    diagnostics_.add(code, source_, range, std::move(message));
     return nullptr;
   }
 
   YamlNode* syntaxError(yaml_parser_t const& parser) {
     std::string const problem = parser.problem != nullptr ? parser.problem : "cannot be read";
     if (parser.error == YAML_READER_ERROR) {
-      return fail(source_.placeOf(parser.problem_offset), 1,
+      return fail(Code::YamlEncoding, rangeFrom(source_.placeOf(parser.problem_offset), 1),
                   problem + "; a rule file is plain text in UTF-8 without control characters");
     }
     std::string message = "this is not YAML: " + problem + hintFor(problem);
     Place const place = placeOf(parser.problem_mark);
-    diagnostics_.add(Severity::Error, source_, place, 1, std::move(message));
+    auto& diagnostic = diagnostics_.add(Code::YamlSyntax, source_, {place, place}, std::move(message));
     if (parser.context != nullptr && parser.context_mark.line != parser.problem_mark.line) {
-      contextNote(parser);
+      Place const begin = placeOf(parser.context_mark);
+      DiagnosticList::note(diagnostic, source_, {begin, begin}, std::string(parser.context) + " that begins here");
     }
     return nullptr;
   }
 
-  void contextNote(yaml_parser_t const& parser) {
-    // The list has it as its newest entry, and nothing was added since.
-    Diagnostic& last = diagnostics_.newest();
-    DiagnosticList::note(last, source_, placeOf(parser.context_mark), 1,
-                         std::string(parser.context) + " that begins here");
-  }
-
   YamlNode* make(yaml_event_t const& event, YamlNode::Kind kind) {
     if (nodes_.size() >= limits_.nodes) {
-      return fail(placeOf(event.start_mark), 1,
+      return fail(Code::LimitExceeded, rangeFrom(placeOf(event.start_mark), 1),
                   "the file has more than " + std::to_string(limits_.nodes) + " YAML nodes; divide it");
     }
     auto& node = nodes_.emplace_back();
     node.kind = kind;
     node.line = static_cast<std::uint32_t>(event.start_mark.line + 1);
     node.column = static_cast<std::uint32_t>(event.start_mark.column + 1);
-    setEnd(node, event);
+    setEnd(node, event.end_mark);
     return &node;
   }
 
-  static void setEnd(YamlNode& node, yaml_event_t const& event) {
-    node.endLine = static_cast<std::uint32_t>(event.end_mark.line + 1);
-    node.endColumn = static_cast<std::uint32_t>(event.end_mark.column + 1);
+  void setEnd(YamlNode& node, yaml_mark_t const& mark) {
+    node.endLine = static_cast<std::uint32_t>(mark.line + 1);
+    node.endColumn = static_cast<std::uint32_t>(mark.column + 1);
+    lastEnd_ = mark;
   }
 
   void remember(yaml_char_t const* anchor, YamlNode* node) {
     if (anchor != nullptr) anchors_[reinterpret_cast<char const*>(anchor)] = node;
   }
 
-  /// Hands a finished node to what is open. False when the file grows beyond its limit.
+  /// Adds a finished node to the open collection. False when the file is beyond its limit.
   bool place(YamlNode* node, Place at) {
     if (open_.empty()) {
       root_ = node;
@@ -201,7 +195,8 @@ class Builder {
     parent.children.push_back(node);
     parent.weight += node->weight;
     if (parent.weight <= limits_.nodes) return true;
-    fail(at, 1, "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
+    fail(Code::LimitExceeded, rangeFrom(at, 1),
+         "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
     return false;
   }
 
@@ -217,7 +212,7 @@ class Builder {
 
   bool open(yaml_event_t const& event, YamlNode::Kind kind, yaml_char_t const* anchor, bool flow) {
     if (open_.size() >= limits_.depth) {
-      fail(placeOf(event.start_mark), 1,
+      fail(Code::LimitExceeded, rangeFrom(placeOf(event.start_mark), 1),
            "this is nested deeper than " + std::to_string(limits_.depth) + " levels, which no rule file needs");
       return false;
     }
@@ -232,22 +227,24 @@ class Builder {
   bool close(yaml_event_t const& event) {
     auto* node = open_.back();
     open_.pop_back();
-    setEnd(*node, event);
+    // The library closes a collection in block style where the next token begins, which may be many lines below.
+    setEnd(*node, node->flow ? event.end_mark : lastEnd_);
     return place(node, node->place());
   }
 
   bool alias(yaml_event_t const& event) {
     auto const* const name = reinterpret_cast<char const*>(event.data.alias.anchor);
     auto const found = anchors_.find(name);
-    std::size_t const length = std::string_view(name).size() + 1;
+    std::size_t const length = characterCount(name) + 1;
     Place const at = placeOf(event.start_mark);
+    lastEnd_ = event.end_mark;
     if (found == anchors_.end()) {
-      fail(at, length,
+      fail(Code::UnknownAnchor, rangeFrom(at, length),
            "there is no anchor '&" + std::string(name) + "' before this; a value that begins with '*' must be quoted");
       return false;
     }
     if (std::find(open_.begin(), open_.end(), found->second) != open_.end()) {
-      fail(at, length, "the alias lies within what it stands for");
+      fail(Code::RecursiveAlias, rangeFrom(at, length), "the alias lies within what it stands for");
       return false;
     }
     return place(found->second, at);
@@ -259,87 +256,14 @@ class Builder {
   std::deque<YamlNode>& nodes_;
   std::vector<YamlNode*> open_;
   std::map<std::string, YamlNode*, std::less<>> anchors_;
+  yaml_mark_t lastEnd_{};  // of the item that was read last
   YamlNode* root_ = nullptr;
 };
-
-/// The number of bytes that an escape of a double-quoted scalar takes in the file, and in the text it stands for.
-std::pair<std::size_t, std::size_t> escapeLengths(std::string_view raw, std::string_view value) {
-  std::size_t length = 2;
-  if (raw.size() > 1) {
-    if (raw[1] == 'x') length = 4;
-    if (raw[1] == 'u') length = 6;
-    if (raw[1] == 'U') length = 10;
-  }
-  std::size_t produced = 1;
-  while (produced < value.size() && (static_cast<unsigned char>(value[produced]) & 0xC0) == 0x80) ++produced;
-  return {std::min(length, raw.size()), produced};
-}
-
-/// Where a scalar itself begins: behind an anchor and a tag, with which its node does.
-std::size_t behindProperties(std::string_view file, std::size_t at) {
-  auto const skip = [&](bool blanks) {
-    while (at < file.size() && StringUtilities::isSpace(file[at]) == blanks) ++at;
-  };
-  while (at < file.size() && (file[at] == '&' || file[at] == '!')) {
-    skip(false);
-    skip(true);
-  }
-  return at;
-}
 
 }  // namespace
 
 YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics) {
   root_ = Builder(source, limits, diagnostics, nodes_).build();
-}
-
-Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset, ScalarWalk* walk) {
-  using Style = YamlNode::Style;
-  std::string_view const value = scalar.value;
-  offset = std::min(offset, value.size());
-  std::string_view const file = source.text();
-  std::size_t at = behindProperties(file, source.offsetOf(scalar.place()));
-  if (scalar.style == Style::Plain && scalar.line == scalar.endLine) {
-    return source.placeOf(at + offset);
-  }
-
-  // Walks the file and the text side by side. White space may differ between the two, everything else must agree.
-  if (scalar.style == Style::SingleQuoted || scalar.style == Style::DoubleQuoted) ++at;
-  if (scalar.style == Style::Literal || scalar.style == Style::Folded) {
-    at = source.offsetOf({source.placeOf(at).line + 1, 1});
-  }
-  std::size_t done = 0;
-  if (walk != nullptr && walk->scalar == &scalar && walk->offset <= offset) {
-    at = walk->at;
-    done = walk->done;
-  }
-  while (at < file.size()) {
-    char const raw = file[at];
-    char const wanted = done < value.size() ? value[done] : '\0';
-    if (scalar.style == Style::DoubleQuoted && raw == '\\') {
-      if (at + 1 < file.size() && (file[at + 1] == '\n' || file[at + 1] == '\r')) {
-        ++at;
-        continue;
-      }
-      if (done >= offset) break;
-      auto const [taken, produced] = escapeLengths(file.substr(at), value.substr(done));
-      at += taken;
-      done += produced;
-    } else if (raw == wanted && done < value.size()) {
-      if (done >= offset) break;
-      at += scalar.style == Style::SingleQuoted && raw == '\'' ? 2 : 1;
-      ++done;
-    } else if (StringUtilities::isSpace(raw)) {
-      if (done >= offset && offset == value.size()) break;
-      ++at;
-    } else if (StringUtilities::isSpace(wanted) && done < offset) {
-      ++done;
-    } else {
-      break;
-    }
-  }
-  if (walk != nullptr) *walk = {&scalar, offset, at, done};
-  return source.placeOf(at);
 }
 
 }  // namespace tarn::rules

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "loading/DiagnosticList.h"
-#include "loading/SourceText.h"
+#include "diagnostics/DiagnosticList.h"
+#include "diagnostics/SourceText.h"
 
 namespace tarn::rules {
 
-/// A node of a YAML document. An alias is the very node that it stands for.
+/// A node of a YAML document. An alias is no node of its own: it shares the node of its anchor.
 struct YamlNode {
   enum class Kind : std::uint8_t { Scalar, Sequence, Mapping };
   enum class Style : std::uint8_t { Plain, SingleQuoted, DoubleQuoted, Literal, Folded };
@@ -22,15 +22,13 @@ struct YamlNode {
   std::uint32_t column = 1;
   std::uint32_t endLine = 1;
   std::uint32_t endColumn = 1;
-  std::string value;                // of a scalar, its text as written, whatever it may mean elsewhere
-  std::vector<YamlNode*> children;  // of a mapping, key and value in turn
-  std::size_t weight = 1;           // nodes in it, aliases counted as what they stand for
+  std::string value;                // of a scalar: its text, never read as a number or a truth value
+  std::vector<YamlNode*> children;  // of a mapping: keys and values in turn
+  std::size_t weight = 1;           // number of nodes in it, each alias counted as a copy
 
   [[nodiscard]] Place place() const noexcept { return {line, column}; }
-  /// The number of characters by which a diagnostic about the node underlines it: to the end of its first line.
-  [[nodiscard]] std::size_t shownLength() const noexcept {
-    return line == endLine && endColumn > column ? endColumn - column : 1;
-  }
+  /// Of a map or list in block style the end of its last item: blank lines and comments after it are not included.
+  [[nodiscard]] SourceRange range() const noexcept { return {{line, column}, {endLine, endColumn}}; }
 };
 
 /// One rule file as YAML. Depth and size are limited, so that no file can exhaust memory or stack.
@@ -41,7 +39,7 @@ class YamlDocument {
     std::size_t nodes;
   };
 
-  /// Parses `source`, which must outlive the document. Faults go to `diagnostics`; then there is no root.
+  /// Parses `source`, which must outlive the document. Problems go to `diagnostics`; the root is then null.
   YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics);
 
   [[nodiscard]] YamlNode const* root() const noexcept { return root_; }
@@ -50,19 +48,5 @@ class YamlDocument {
   std::deque<YamlNode> nodes_;
   YamlNode* root_ = nullptr;
 };
-
-/// How far the search for a place in a scalar has come, for the next one that is further on in the same.
-struct ScalarWalk {
-  YamlNode const* scalar = nullptr;
-  std::size_t offset = 0;
-  std::size_t at = 0;    // in the source
-  std::size_t done = 0;  // in the text of the scalar
-};
-
-/// The place in `source` of byte `offset` of the scalar's text: quoting, escapes and folded lines are seen through.
-/// Linear in the offset, or where the last search of `walk` was in the same scalar and not further on, in what lies
-/// between.
-[[nodiscard]] Place placeInScalar(SourceText const& source, YamlNode const& scalar, std::size_t offset,
-                                  ScalarWalk* walk = nullptr);
 
 }  // namespace tarn::rules

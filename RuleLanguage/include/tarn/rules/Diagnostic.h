@@ -1,55 +1,98 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <tarn/Export.h>
 
 namespace tarn::rules {
 
+/// An error keeps rules from being loaded. A warning does not.
 enum class Severity { Error, Warning };
 
-/// Something that is wrong, or doubtful, at a place in a rule file.
+/// A problem in a rule file: its position, what is wrong, and what to write instead where that is known.
+///
+/// Positions: lines and columns count from 1. A column counts characters, not bytes. `line` and `column` give the first
+/// character, `endLine` and `endColumn` the position after the last one, so a problem of one character ends one column
+/// after it begins. A problem of no characters (something is missing) ends where it begins. All four numbers are 0 when
+/// the problem concerns the whole file.
 struct TARN_EXPORT Diagnostic {
-  /// The file, as it was named to the loader.
+  /// The file, named as it was given to the loader.
   std::string source;
-  /// From 1; the column counts characters, not bytes. Both are 0 when the diagnostic is about the file as a whole.
   std::size_t line = 1;
   std::size_t column = 1;
+  std::size_t endLine = 1;
+  std::size_t endColumn = 1;
   Severity severity = Severity::Error;
-  /// One sentence, with what to write instead where there is a near match or a usual mistake.
+  /// The kind of problem: one of the names in `diagnosticCodes`. A code keeps its meaning from release to release,
+  /// while messages get better. So programs compare codes, and people read messages.
+  std::string code;
+  /// One sentence. It ends with what to write instead when there is a near match or a common mistake.
   std::string message;
 
-  /// The text of the line, for display, and how many characters of it from `column` the diagnostic is about, at
-  /// least 1. Of a very long line only the part around `column` is kept; `sourceColumn` is where that begins.
+  /// The text of line `line`, for display. Of a very long line only the part around `column` is kept; `sourceColumn` is
+  /// the column where that part begins.
   std::string sourceLine;
   std::size_t sourceColumn = 1;
-  std::size_t length = 1;
 
-  /// A further place that belongs to it: where a name was given first, for example.
+  /// A further position that belongs to the problem: for example, where a name was given first.
   struct Note {
     std::string source;
     std::size_t line = 1;
     std::size_t column = 1;
+    std::size_t endLine = 1;
+    std::size_t endColumn = 1;
     std::string message;
     std::string sourceLine;
     std::size_t sourceColumn = 1;
-    std::size_t length = 1;
   };
   std::vector<Note> notes;
+
+  /// A change of the file that removes the problem. A program can apply it without asking what it means: replace the
+  /// characters from `line`, `column` up to `endLine`, `endColumn` of `source` by `text`.
+  struct Fix {
+    /// What the change does, as a menu would say it: "Replace 'exist' by 'exists'".
+    std::string title;
+    std::string source;
+    std::size_t line = 1;
+    std::size_t column = 1;
+    std::size_t endLine = 1;
+    std::size_t endColumn = 1;
+    /// Exactly as it has to stand in the file: quotes and escapes of YAML are included.
+    std::string text;
+  };
+  /// Empty when the right change is not known for certain, or needs more than one replacement.
+  std::optional<Fix> fix;
 };
 
-/// The diagnostic as people read it, each line ended:
+/// A kind of problem, as the rule reference lists it.
+struct TARN_EXPORT DiagnosticCode {
+  /// The value of `Diagnostic::code`: lower case words with hyphens, such as "unknown-key".
+  std::string_view name;
+  /// The severity of every diagnostic with this code.
+  Severity severity;
+  /// One sentence about all diagnostics with this code.
+  std::string_view meaning;
+};
+
+/// All codes, each name once. The span is valid until the program ends.
+[[nodiscard]] TARN_EXPORT std::span<DiagnosticCode const> diagnosticCodes() noexcept;
+
+/// The diagnostic as text for people; every line ends with a line feed:
 ///
 ///     flow.rules.yaml:34:20: error: unknown function 'exist'; did you mean 'exists'?
 ///        34 |         Available: exist(${Roughness})
 ///           |                    ^~~~~
 ///
-/// Its notes follow in the same form. A long source line is shown in part.
+/// The marks reach to the end of the problem, or cover one character when it ends on a later line. The notes follow in
+/// the same form. A long source line is shown in part. Code and fix are not shown.
 [[nodiscard]] TARN_EXPORT std::string format(Diagnostic const& diagnostic);
 
-/// All of them, one behind the other.
+/// All diagnostics as text, one after the other.
 [[nodiscard]] TARN_EXPORT std::string format(std::vector<Diagnostic> const& diagnostics);
 
 }  // namespace tarn::rules

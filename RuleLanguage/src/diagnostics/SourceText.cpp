@@ -1,4 +1,4 @@
-#include "loading/SourceText.h"
+#include "diagnostics/SourceText.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 
 #include <ostream>
 
-#include "loading/SourceText.h"
+#include "diagnostics/SourceText.h"
 
 namespace tarn::rules {
 
@@ -55,7 +55,8 @@ void appendPlace(std::string& out, Shown const& one, std::string_view label) {
   std::string const number = std::to_string(one.line);
   std::string const margin(std::max<std::size_t>(5, number.size()) - number.size(), ' ');
   out += margin + number + " | " + shown + '\n';
-  std::size_t const marked = std::max<std::size_t>(1, std::min(one.length, count - std::min(count, at - first)));
+  std::size_t const length = one.endLine == one.line && one.endColumn > one.column ? one.endColumn - one.column : 1;
+  std::size_t const marked = std::max<std::size_t>(1, std::min(length, count - std::min(count, at - first)));
   out += std::string(margin.size() + number.size(), ' ') + " | " + std::string(lead.size() + at - first, ' ') + '^' +
          std::string(marked - 1, '~') + '\n';
 }

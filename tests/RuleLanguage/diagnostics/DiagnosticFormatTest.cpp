@@ -15,7 +15,8 @@ Diagnostic at(std::size_t line, std::size_t column, std::string message, std::st
   one.column = column;
   one.message = std::move(message);
   one.sourceLine = std::move(sourceLine);
-  one.length = length;
+  one.endLine = line;
+  one.endColumn = column + length;
   return one;
 }
 

@@ -8,13 +8,24 @@
 
 namespace tarn::rules {
 
-/// A place in a text: line and column from 1, the column in characters.
+/// A position in a text. Line and column count from 1; the column counts characters.
 struct Place {
   std::size_t line = 1;
   std::size_t column = 1;
 };
 
-/// The text of one rule file, with its lines. All places in it are made here.
+/// The characters from `begin` up to, but not including, `end`. Empty when the two are equal.
+struct SourceRange {
+  Place begin;
+  Place end;
+};
+
+/// `length` characters from `begin`, all in its line.
+[[nodiscard]] constexpr SourceRange rangeFrom(Place begin, std::size_t length) noexcept {
+  return {begin, {begin.line, begin.column + length}};
+}
+
+/// The text of one rule file, divided into lines. All positions in a file are computed here.
 class SourceText {
  public:
   SourceText(std::string name, std::string text);
@@ -24,9 +35,9 @@ class SourceText {
   [[nodiscard]] std::string const& text() const noexcept { return text_; }
   [[nodiscard]] std::size_t lineCount() const noexcept { return lineStarts_.size(); }
 
-  /// A line without its end; empty beyond the last.
+  /// A line without its end; empty after the last line.
   [[nodiscard]] std::string_view line(std::size_t number) const noexcept;
-  /// The place of a byte, and the byte of a place. Neither takes longer in a line of megabytes.
+  /// The position of a byte, and the byte at a position. Both take logarithmic time, also in a line of megabytes.
   [[nodiscard]] Place placeOf(std::size_t offset) const noexcept;
   [[nodiscard]] std::size_t offsetOf(Place place) const noexcept;
 
@@ -36,11 +47,12 @@ class SourceText {
   std::string name_;
   std::string text_;
   std::vector<std::size_t> lineStarts_;
-  std::vector<std::size_t> counted_;  // the characters before each block of so many bytes
+  std::vector<std::size_t> counted_;  // the characters before each block of bytes
 };
 
-/// The number of characters in `text`, and the byte at which character `count` begins.
+/// The number of characters in `text`.
 [[nodiscard]] std::size_t characterCount(std::string_view text) noexcept;
+/// The byte at which character `count` begins, counted from 0; the size of `text` when it has no more characters.
 [[nodiscard]] std::size_t characterOffset(std::string_view text, std::size_t count) noexcept;
 
 }  // namespace tarn::rules
