@@ -228,6 +228,7 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   bool refill(std::vector<StateRange> const& parts, bool skipEmpty);
   void copyNodeAndChildren(Node const& sourceTop);
   void copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath);
+  [[nodiscard]] std::vector<std::string> listedChildrenNotIn(Node const& sourceNode, std::string const& path) const;
   void deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path);
   void clear();
 

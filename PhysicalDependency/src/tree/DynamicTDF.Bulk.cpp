@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 
 #include "tree/ChangeRecord.h"
@@ -17,6 +18,21 @@
 #include "tree/DynamicTDFStore.h"
 
 namespace tarn {
+
+namespace {
+
+/// Returns whether the paths ascend from the first part to the last, so that no object occurs twice.
+bool ascend(std::vector<DynamicTDF::StateRange> const& parts) {
+  std::string const* last = nullptr;
+  for (DynamicTDF::StateRange const& part : parts) {
+    if (part.begin == part.end) continue;
+    if (last != nullptr && part.begin->first <= *last) return false;
+    last = &std::prev(part.end)->first;
+  }
+  return true;
+}
+
+}  // namespace
 
 /// Turns the passing over of empty values on for one call, if that asks for it or is made by one that did. Also a load
 /// that ends in an exception ends the mode, so that a later `setParameter` stores an empty value again.
@@ -54,7 +70,9 @@ void DynamicTDF::initialise(std::vector<StateRange> const& parts, bool skipEmpty
       loaded.push_back(&setParameters(object->first, object->second));
     }
   }
-  if (!changes_->isRecording()) nodes_->rememberLoad(std::move(loaded));
+  // `refill` gives an object exactly the parameters of one entry. So a load in which two entries may be of one object
+  // is not remembered.
+  if (!changes_->isRecording() && ascend(parts)) nodes_->rememberLoad(std::move(loaded));
 }
 
 void DynamicTDF::update(ModelTDF const* model, std::string const& path, bool skipEmpty) {
@@ -117,39 +135,73 @@ void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {
   }
 }
 
-/// Mirrors `sourceTop` and all below it. Of each object, its parameters come first, then its children in the order of
-/// the source, and only then go those of its children that the source lacks.
+/// Mirrors `sourceTop` and everything below it. The parameters of an object come first, then its children in the order
+/// of the source, and last the deletion of those of its children that the source lacks.
 void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
-  // The listed path of the object at which the walk is; only the components change on the way.
+  // A derived class may list other children than the tree holds. What it lists is what may become obsolete, so it is
+  // asked, and the objects that it names are looked up by path: one of them may be any object of this tree.
+  bool const isDerived = typeid(*this) != typeid(DynamicTDF);
+  std::vector<std::vector<std::string>> listedObsolete;  // of the objects from the top down to the current one
+
+  // The listed path of the current object. Only its components change on the way.
   std::string path = sourceTop.path();
   Node const* sourceNode = &sourceTop;
-  Node* targetNode = &findCreateNode(path);
-  copyNodeParameters(*sourceNode, *targetNode, path);
-  auto const enter = [&](Node const& child, Node& targetParent) {
+  Node* targetNode = nullptr;  // not valid on the way up in a derived tree
+  auto const enter = [&](Node const& source, Node& target) {
+    sourceNode = &source;
+    targetNode = &target;
+    copyNodeParameters(source, target, path);
+    if (isDerived) listedObsolete.push_back(listedChildrenNotIn(source, path));
+  };
+  auto const enterChild = [&](Node const& child, Node* targetParent) {
     std::size_t const parentSize = path.size();
     child.appendListedComponent(path);
-    sourceNode = &child;
-    targetNode = &nodes_->findCreateChild(targetParent, std::string_view(path).substr(parentSize));
-    copyNodeParameters(*sourceNode, *targetNode, path);
+    enter(child, isDerived ? findCreateNode(path)
+                           : nodes_->findCreateChild(*targetParent, std::string_view(path).substr(parentSize)));
   };
 
+  enter(sourceTop, findCreateNode(path));
   for (;;) {
     if (!sourceNode->children.empty()) {
-      enter(*sourceNode->children.first(), *targetNode);
+      enterChild(*sourceNode->children.first(), targetNode);
       continue;
     }
-    // Up again, as far as everything is done. The objects of a pair have the same path, so their parents are a pair
-    // too.
+    // Go up until an object has a sibling that comes next. The objects of a pair have the same path, so their parents
+    // are a pair too.
     for (;;) {
-      deleteObsoleteChildren(*sourceNode, *targetNode, path);
+      Node* targetParent = nullptr;
+      if (isDerived) {
+        for (std::string const& child : listedObsolete.back()) deleteObject(child);
+        listedObsolete.pop_back();
+      } else {
+        deleteObsoleteChildren(*sourceNode, *targetNode, path);
+        targetParent = targetNode->parent;
+      }
       if (sourceNode == &sourceTop) return;
       path.resize(path.rfind('/'));
-      if (sourceNode->nextSibling != nullptr) break;
+      if (sourceNode->nextSibling != nullptr) {
+        enterChild(*sourceNode->nextSibling, targetParent);
+        break;
+      }
       sourceNode = sourceNode->parent;
-      targetNode = targetNode->parent;
+      targetNode = targetParent;
     }
-    enter(*sourceNode->nextSibling, *targetNode->parent);
   }
+}
+
+/// The paths that this tree lists as children of `path` and that no child of `sourceNode` has, in byte order.
+std::vector<std::string> DynamicTDF::listedChildrenNotIn(Node const& sourceNode, std::string const& path) const {
+  std::vector<std::string> listed;
+  getChildObjectPaths(path, listed);
+  std::sort(listed.begin(), listed.end());
+  listed.erase(std::unique(listed.begin(), listed.end()), listed.end());
+  std::vector<std::string> wanted;
+  wanted.reserve(sourceNode.children.size());
+  for (Node const& child : sourceNode.children) wanted.push_back(childPath(path, child));
+  std::sort(wanted.begin(), wanted.end());
+  std::vector<std::string> obsolete;
+  std::set_difference(listed.begin(), listed.end(), wanted.begin(), wanted.end(), std::back_inserter(obsolete));
+  return obsolete;
 }
 
 void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath) {
@@ -177,7 +229,8 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, st
   }
 }
 
-/// Deletes the children here that the source lacks, in byte order of their paths. `path` is that of both objects.
+/// Deletes the children here that the source lacks, in byte order of their paths. `path` is that of both objects. This
+/// does what the listing of the children would, without making their paths.
 void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path) {
   // Most often the two have the same children in the same order.
   auto const same = [](Node const& a, Node const& b) { return a.type == b.type && a.name() == b.name(); };

@@ -127,6 +127,8 @@ void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) co
 void DynamicTDF::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
                                   std::string const& name) const {
   if (!StringUtilities::isPathRootedAt(rootPath, objPath)) return;
+  // What is set under "/" goes to the root and is logged as it was set. The root itself answers to "" only.
+  if (objPath == "/") return refreshParameter(state, rootPath, "", name);
   if (std::string const* const value = findParameterValue(objPath, name)) {
     state[objPath].insert_or_assign(name, *value);
   } else if (auto const object = state.find(objPath); object != state.end()) {

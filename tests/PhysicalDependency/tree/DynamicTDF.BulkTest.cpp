@@ -65,6 +65,28 @@ TEST(DynamicTDFBulk, AnEmptyRangeLeavesTheRootAlone) {
   EXPECT_EQ(model.getParameterValue("/Case/Title"), "usable again");
 }
 
+TEST(DynamicTDFBulk, AnObjectThatTwoPartsHoldGetsTheParametersOfBothInEveryLoad) {
+  ModelState const model{{"/Case", {{"Flow Regime", "Turbulent"}}}, {"/Case/Domain:rotor", {{"Motion", "Rotating"}}}};
+  ModelState const overlay{{"/Case/Domain:rotor", {{"Material", "Water"}}}};
+  ModelState const both{{"/Case", {{"Flow Regime", "Turbulent"}}},
+                        {"/Case/Domain:rotor", {{"Material", "Water"}, {"Motion", "Rotating"}}}};
+  DynamicTDF tree(false);
+  for (int load = 0; load < 3; ++load) {
+    tree.initialise({{model.begin(), model.end()}, {overlay.begin(), overlay.end()}});
+    ASSERT_EQ(tree.getState(""), both) << "load " << load;
+  }
+}
+
+TEST(DynamicTDFBulk, OfAParameterThatOverlappingPartsHoldTheLastValueStandsInEveryLoad) {
+  ModelState const model{{"/Case", {{"Title", "pump"}}}, {"/Log", {{"Level", "1"}}}};
+  ModelState const other{{"/Case", {{"Title", "turbine"}}}};
+  DynamicTDF tree(false);
+  for (int load = 0; load < 3; ++load) {
+    tree.initialise({{model.begin(), model.end()}, {other.begin(), other.end()}, {model.begin(), model.end()}});
+    ASSERT_EQ(tree.getState(""), model) << "load " << load;
+  }
+}
+
 TEST(DynamicTDFBulk, AnEntryWithoutParametersMakesItsObject) {
   DynamicTDF model;
   load(model, {{"/Case/Domain:stator", {}}});
@@ -417,6 +439,71 @@ TEST(DynamicTDFBulk, AnAllowedValueParameterWithAnEmptyRecordIsMirroredAsAPlainV
 
 // --- depth and width
 // -----------------------------------------------------------------------------------------------------
+
+/// A tree with children of its own that a mirror must leave alone: they do not show in its listings.
+class TreeWithNotes : public DynamicTDF {
+ public:
+  bool getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const override {
+    DynamicTDF::getChildObjectPaths(path, out);
+    std::erase_if(out, [this](std::string const& child) { return getObjectType(child) == "Note"; });
+    return !out.empty();
+  }
+};
+
+TEST(DynamicTDFBulk, AMirrorDeletesOnlyChildrenThatADerivedTreeLists) {
+  DynamicTDF source;
+  load(source, pumpState);
+  TreeWithNotes tree;
+  tree.setParameter("/Case/Note:author", "Text", "check the inlet");
+  tree.setParameter("/Case/Domain:rotor/Note:mesh", "Text", "coarse");
+  tree.setParameter("/Case/Domain:stator", "Motion", "Stationary");
+  tree.setParameter("/Case/Domain:rotor/Boundary:outlet", "Kind", "Outlet");
+  tree.resetChanges();
+  tree.copyBranch(&source, "/Case");
+
+  ModelState expected = pumpState;
+  expected["/Case/Note:author"] = {{"Text", "check the inlet"}};
+  expected["/Case/Domain:rotor/Note:mesh"] = {{"Text", "coarse"}};
+  EXPECT_EQ(tree.getState(""), expected);
+  EXPECT_EQ(tree.getDeletedObjects(), (Strings{"/Case/Domain:rotor/Boundary:outlet", "/Case/Domain:stator"}));
+}
+
+TEST(DynamicTDFBulk, AMirrorAsksADerivedTreeForItsChildrenBeforeItCopiesThose) {
+  struct Asked : DynamicTDF {
+    bool getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const override {
+      DynamicTDF::getChildObjectPaths(path, out);
+      questions.push_back(path + " has " + std::to_string(out.size()));
+      return !out.empty();
+    }
+    mutable Strings questions;
+  };
+  DynamicTDF source;
+  load(source, pumpState);
+  Asked tree;
+  tree.copyBranch(&source, "/Case");
+  EXPECT_EQ(tree.questions,
+            (Strings{"/Case has 0", "/Case/Domain:rotor has 0", "/Case/Domain:rotor/Boundary:inlet has 0"}));
+  EXPECT_EQ(tree.getState(""), pumpState);
+}
+
+TEST(DynamicTDFBulk, AMirrorDeletesWhateverADerivedTreeListsAmongTheChildren) {
+  struct Listing : DynamicTDF {
+    bool getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const override {
+      DynamicTDF::getChildObjectPaths(path, out);
+      if (path == "/Case/Domain:rotor") out.push_back("/Case");
+      return !out.empty();
+    }
+  };
+  DynamicTDF source;
+  load(source, pumpState);
+  source.createObject("/Case", "Solver", "");
+  Listing tree;
+  load(tree, pumpState);
+  tree.copyBranch(&source, "/Case");
+  // The rotor's own path went with the case; the walk goes on to the next object, which is made again.
+  EXPECT_FALSE(tree.hasObject("/Case/Domain:rotor"));
+  EXPECT_TRUE(tree.hasObject("/Case/Solver"));
+}
 
 TEST(DynamicTDFBulk, AChainOfTwoThousandObjectsIsLoadedMirroredAndRemoved) {
   constexpr int depth = 2000;

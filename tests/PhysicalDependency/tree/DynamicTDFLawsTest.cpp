@@ -337,6 +337,20 @@ TEST(DynamicTDFLaws, AStateIsRefreshedFromTheLogToWhatTheTreeHolds) {
   }
 }
 
+TEST(DynamicTDFLaws, ARefreshedStateHoldsParametersOfTheRootUnderWhicheverPathTheyWereSet) {
+  for (std::string const whole : {"", "/"}) {
+    for (std::string const root : {"", "/"}) {
+      DynamicTDF tree;
+      tree.setParameter("/Case", "Motion", "Rotating");
+      ModelState state = tree.getState(whole);
+      tree.resetChanges();
+      tree.setParameter(root, "Title", "pump");
+      tree.refreshState(state, whole);
+      ASSERT_EQ(state, tree.getState(whole)) << "set under \"" << root << "\", taken at \"" << whole << '"';
+    }
+  }
+}
+
 TEST(DynamicTDFLaws, AStateLoadsToATreeOfThatState) {
   for (unsigned seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
