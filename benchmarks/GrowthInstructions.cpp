@@ -27,11 +27,11 @@
 #include <tarn/ProvisionalTDF.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
+#include <tarn/session/ModelJudge.h>
 
 #include "reports/JsonReport.h"
 #include "reports/TextReport.h"
 #include "support/Redirected.h"
-#include "validate/ModelJudge.h"
 
 namespace {
 
@@ -131,8 +131,8 @@ Work lint(std::string text, bool expectsNothing = false) {
 Work judge(std::string const& ruleText, std::string model) {
   std::shared_ptr<PhysicsData const> const rules = rules::parseRules(ruleText);
   return [rules, model = std::move(model)] {
-    tool::Findings const findings =
-        tool::ModelJudge(*rules, {}).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
+    session::Findings const findings =
+        session::ModelJudge(*rules, {}).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
     std::ostringstream out;
     tool::writeTextReport(out, "model.tdf", findings);
     tool::writeJsonReport(out, "model.tdf", findings);

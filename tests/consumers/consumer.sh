@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and runs, as somebody else's project would, a program of twenty lines that uses the libraries:
+# Builds and runs, as somebody else's project would, two programs of twenty lines that use the libraries:
 #
 #     consumer.sh install FOLDER BUILD          installs the build into FOLDER/installed; the next two use that
 #     consumer.sh find_package FOLDER COMPILER
@@ -11,7 +11,7 @@ set -euo pipefail
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
 project=$(cd -- "$here/../.." && pwd)
 
-# The model breaks three rules: the program must find just these.
+# The model breaks three rules: both programs must find exactly these.
 check_findings() {
   diff -u "$here/expected.txt" <("$@" "$here/flow.rules.yaml" "$here/pipe.tdf")
 }
@@ -32,19 +32,23 @@ case $1 in
       -DCMAKE_PREFIX_PATH="$2/moved" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
     cmake --build "$2/find_package"
     check_findings "$2/find_package/check-model"
+    check_findings "$2/find_package/judge-model"
     ;;
   pkg_config)
     export PKG_CONFIG_PATH=$2/moved/lib/pkgconfig
     read -r -a flags < <(pkg-config --cflags --libs tarn-physical-dependency)
     mkdir -p "$2/pkg_config"
-    "$3" -std=c++20 "$here/find_package/main.cpp" "${flags[@]}" -o "$2/pkg_config/check-model"
-    LD_LIBRARY_PATH=$2/moved/lib check_findings "$2/pkg_config/check-model"
+    for program in main judge; do
+      "$3" -std=c++20 "$here/find_package/$program.cpp" "${flags[@]}" -o "$2/pkg_config/$program"
+      LD_LIBRARY_PATH=$2/moved/lib check_findings "$2/pkg_config/$program"
+    done
     ;;
   add_subdirectory)
     cmake -G Ninja -S "$here/add_subdirectory" -B "$2/add_subdirectory" -DCMAKE_CXX_COMPILER="$3" \
       -DTARN_SOURCE_DIR="$project" -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)"
     cmake --build "$2/add_subdirectory"
     check_findings "$2/add_subdirectory/check-model"
+    check_findings "$2/add_subdirectory/judge-model"
     ;;
   readme)
     diff -u "$here/find_package/main.cpp" <(sed -n '/^```cpp$/,/^```$/{//d;p}' "$project/README.md")

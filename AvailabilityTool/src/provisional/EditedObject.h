@@ -7,8 +7,7 @@
 #include <tarn/DynamicTDF.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/ProvisionalTDF.h>
-
-#include "provisional/RuleQuantityModifier.h"
+#include <tarn/session/RuleQuantityModifier.h>
 
 namespace tarn::tool {
 
@@ -30,7 +29,7 @@ class EditedObject {
  private:
   std::unique_ptr<PhysicsData> rules_;
   DynamicTDF model_{false};
-  RuleQuantityModifier modifier_;
+  session::RuleQuantityModifier modifier_;
   ProvisionalTDF state_;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json pathMessages(std::vector<PathMessage> const& list) {
+Json pathMessages(std::vector<session::PathMessage> const& list) {
   Json json = Json::array();
   for (auto const& [path, message] : list) json.push_back({{"path", path}, {"message", message}});
   return json;
@@ -19,16 +19,16 @@ Json pathMessages(std::vector<PathMessage> const& list) {
 
 }  // namespace
 
-void writeJsonReport(std::ostream& out, std::string const& modelName, Findings const& findings) {
+void writeJsonReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
   Json unknown = Json::array();
-  for (UnknownName const& entry : findings.unknown) {
+  for (session::UnknownName const& entry : findings.unknown) {
     Json one = {{"path", entry.path}};
     if (entry.name) one["name"] = *entry.name;
     one["message"] = entry.message;
     unknown.push_back(std::move(one));
   }
   Json values = Json::array();
-  for (ValueFault const& fault : findings.values) {
+  for (session::ValueFault const& fault : findings.values) {
     values.push_back({{"path", fault.path}, {"name", fault.name}, {"value", fault.value}, {"message", fault.message}});
   }
   Json report;

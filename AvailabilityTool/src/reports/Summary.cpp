@@ -6,7 +6,7 @@
 
 namespace tarn::tool {
 
-void Summary::add(Findings const& findings) noexcept {
+void Summary::add(session::Findings const& findings) noexcept {
   ++models_;
   if (findings.any()) ++withFindings_;
   dependency_ += findings.dependency.size();

@@ -3,14 +3,14 @@
 #include <cstddef>
 #include <string>
 
-#include "reports/Findings.h"
+#include <tarn/session/Findings.h>
 
 namespace tarn::tool {
 
 /// Counts what a run over models found.
 class Summary {
  public:
-  void add(Findings const& findings) noexcept;
+  void add(session::Findings const& findings) noexcept;
   /// A model could not be judged.
   void addFailure() noexcept { ++failures_; }
 

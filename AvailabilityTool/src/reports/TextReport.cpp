@@ -14,15 +14,15 @@ void writeBlock(std::ostream& out, char const* heading, std::string const& path,
 
 }  // namespace
 
-void writeTextReport(std::ostream& out, std::string const& modelName, Findings const& findings) {
+void writeTextReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
   if (!findings.any() && findings.beta.empty()) return;
   out << modelName << ":\n";
   for (auto const& [path, message] : findings.dependency) writeBlock(out, "Dependency error", path, message);
   for (std::string const& message : findings.global) {
     out << "**General physics errors detected \n---\n" << message << "\n===\n";
   }
-  for (UnknownName const& name : findings.unknown) writeBlock(out, "Unknown name", name.path, name.message);
-  for (ValueFault const& fault : findings.values) writeBlock(out, "Value fault", fault.path, fault.message);
+  for (session::UnknownName const& name : findings.unknown) writeBlock(out, "Unknown name", name.path, name.message);
+  for (session::ValueFault const& fault : findings.values) writeBlock(out, "Value fault", fault.path, fault.message);
   for (auto const& [path, message] : findings.beta) writeBlock(out, "Beta message", path, message);
 }
 

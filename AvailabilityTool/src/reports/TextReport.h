@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "reports/Findings.h"
+#include <tarn/session/Findings.h>
 
 namespace tarn::tool {
 
@@ -16,6 +16,6 @@ namespace tarn::tool {
 ///
 /// the validator's findings first, in its order, then unknown names, values, and beta messages. Writes nothing when
 /// there is none of these.
-void writeTextReport(std::ostream& out, std::string const& modelName, Findings const& findings);
+void writeTextReport(std::ostream& out, std::string const& modelName, session::Findings const& findings);
 
 }  // namespace tarn::tool

@@ -19,6 +19,7 @@
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFChangeFile.h>
+#include <tarn/session/ModelJudge.h>
 
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
@@ -30,7 +31,6 @@
 #include "reports/JsonReport.h"
 #include "reports/Summary.h"
 #include "reports/TextReport.h"
-#include "validate/ModelJudge.h"
 
 namespace tarn::tool {
 
@@ -41,7 +41,7 @@ enum class Format { Text, Json };
 struct ValidateOptions {
   std::vector<std::string> rules;
   std::vector<std::string> models;
-  JudgeOptions judge;
+  session::JudgeOptions judge;
   Format format = Format::Text;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
@@ -73,10 +73,13 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
 }
 
 // Reads one model and judges it.
-Findings judgeModel(ModelJudge const& judge, std::string const& name) {
+session::Findings judgeModel(session::ModelJudge const& judge, std::string const& name) {
   ModelState model = readModelFile(name, TDFChangeFile::Strict);
   try {
-    return judge.judge(std::move(model));
+    session::Findings findings = judge.judge(std::move(model));
+    if (findings.missingRoots.empty()) return findings;
+    throw Failure("the model has no object \"" + findings.missingRoots.front() +
+                  "\"; give --root the path of one that it has");
   } catch (Failure const& failure) {
     throw Failure(name + ": " + failure.what());
   } catch (Error const& error) {
@@ -91,18 +94,18 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
     throw Failure("\"-\" is given twice, but the standard input can be read once; give it once");
   }
   std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
-  JudgeOptions judgeOptions = options.judge;
+  session::JudgeOptions judgeOptions = options.judge;
   judgeOptions.roots = checkedRoots(judgeOptions.roots, *rules);
-  ModelJudge const judge(*rules, std::move(judgeOptions));
+  session::ModelJudge const judge(*rules, std::move(judgeOptions));
 
-  OrderedResults<Findings> results(options.models.size(), options.jobs,
-                                   [&](std::size_t i) { return judgeModel(judge, options.models[i]); });
+  OrderedResults<session::Findings> results(options.models.size(), options.jobs,
+                                            [&](std::size_t i) { return judgeModel(judge, options.models[i]); });
   Summary summary;
   Progress progress(err, standardErrorIsTerminal(), options.models.size());
   for (std::string const& name : options.models) {
     progress.begin(name);
     try {
-      Findings const findings = results.next();
+      session::Findings const findings = results.next();
       summary.add(findings);
       progress.hide();
       if (options.format == Format::Json) {

@@ -9,8 +9,8 @@
 namespace tarn::tool {
 namespace {
 
-Findings oneOfEach() {
-  Findings findings;
+session::Findings oneOfEach() {
+  session::Findings findings;
   findings.status = 3;
   findings.dependency = {{"/Case", "Something is missing."}};
   findings.global = {"There are outlets but no inlet."};
@@ -20,13 +20,13 @@ Findings oneOfEach() {
   return findings;
 }
 
-std::string textOf(Findings const& findings) {
+std::string textOf(session::Findings const& findings) {
   std::ostringstream out;
   writeTextReport(out, "pump.tdf", findings);
   return out.str();
 }
 
-std::string jsonOf(Findings const& findings, std::string const& name = "pump.tdf") {
+std::string jsonOf(session::Findings const& findings, std::string const& name = "pump.tdf") {
   std::ostringstream out;
   writeJsonReport(out, name, findings);
   return out.str();
@@ -48,7 +48,7 @@ TEST(TextReport, OfACleanModelIsEmpty) {
 }
 
 TEST(TextReport, ShowsBetaMessagesOfACleanModel) {
-  Findings findings;
+  session::Findings findings;
   findings.beta = {{"/Case/Combustion", "Not released."}};
   EXPECT_EQ(textOf(findings), "pump.tdf:\n**Beta message on path \"/Case/Combustion\"\n---\nNot released.\n===\n");
 }
@@ -89,7 +89,7 @@ TEST(Summary, CountsModelsAndKinds) {
 }
 
 TEST(Summary, LeavesOutKindsThatWereNotFound) {
-  Findings findings;
+  session::Findings findings;
   findings.values = {{"/Case", "Speed", "fast", "Not a number."}};
   Summary summary;
   summary.add(findings);
@@ -104,7 +104,7 @@ TEST(Summary, OfCleanModelsSaysSo) {
 }
 
 TEST(Summary, TellsObjectsThatWerePassedOver) {
-  Findings findings;
+  session::Findings findings;
   findings.objectsPassedOver = 1;
   Summary summary;
   summary.add(findings);

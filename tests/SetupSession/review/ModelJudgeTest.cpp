@@ -1,12 +1,11 @@
-#include "validate/ModelJudge.h"
+#include <tarn/session/ModelJudge.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "AvailabilityTool/FlowRules.h"
-#include "cli/Failure.h"
+#include "SetupSession/FlowRules.h"
 
-namespace tarn::tool {
+namespace tarn::session {
 namespace {
 
 using testing::ElementsAre;
@@ -115,15 +114,18 @@ TEST_F(ModelJudgeTest, WithRootsOnlyThoseAreWalked) {
   EXPECT_EQ(findings.values[0].path, "/Case:b");
 }
 
-TEST_F(ModelJudgeTest, ARootThatTheModelLacksIsAFailure) {
+TEST_F(ModelJudgeTest, ARootThatTheModelLacksIsNamedAndNothingIsJudged) {
   JudgeOptions options;
-  options.roots = {"/Case:c"};
-  try {
-    (void)judge(sound_, options);
-    FAIL() << "nothing was thrown";
-  } catch (Failure const& failure) {
-    EXPECT_STREQ(failure.what(), "the model has no object \"/Case:c\"; give --root the path of one that it has");
-  }
+  options.roots = {"/Case", "/Case:c", "/Case:d"};
+  Findings const findings = judge(faulty_, options);
+  EXPECT_THAT(findings.missingRoots, ElementsAre("/Case:c", "/Case:d"));
+  EXPECT_FALSE(findings.any());
+}
+
+TEST_F(ModelJudgeTest, ARootThatOnlyADeeperPathImpliesIsInTheModel) {
+  JudgeOptions options;
+  options.roots = {"/Case"};
+  EXPECT_THAT(judge({{"/Case/Domain:rotor", {}}}, options).missingRoots, IsEmpty());
 }
 
 TEST_F(ModelJudgeTest, ParametersAtTheRootAreUnknownAndHurtNothing) {
@@ -146,4 +148,4 @@ TEST_F(ModelJudgeTest, OneJudgeServesManyModels) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::session

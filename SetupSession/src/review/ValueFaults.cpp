@@ -1,30 +1,34 @@
-// The judgement of values by type and bounds, which the validator leaves alone: it compares texts with allowed values
-// and parses nothing. The walk brings up each parameter rule; of the rule only as much is evaluated as the value asks
-// for: bounds for a number, allowed values for a text that is none.
-#include "analyses/ValueFaults.h"
+// Judges values by type and bounds. The walk visits the rule of each present parameter. A rule is evaluated only as far
+// as its value requires: the bounds for a number, the allowed values for a text that is not a number.
+#include <tarn/session/ValueFaults.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
+#include <string_view>
+#include <utility>
 
+#include <tarn/DependencyAnalyser.h>
 #include <tarn/ModelTDF.h>
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/TDFParam.h>
 
-namespace tarn::tool {
+namespace tarn::session {
 
 namespace {
 
-// A value in a sentence is there to be recognised; in full it stands in the finding.
+// The value as a sentence shows it, shortened. The finding holds the whole value.
 std::string shown(std::string_view text) {
   constexpr std::size_t longest = 100;
   if (text.size() <= longest) return '"' + std::string(text) + '"';
   std::size_t end = longest;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) --end;  // no half characters
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) --end;  // do not split a character
   return '"' + std::string(text.substr(0, end)) + "...\"";
 }
 
-// "12 m": a number whose units lack their brackets. Empty when the text is something else.
+// The corrected text of a number whose units lack their brackets: "12 [m]" for "12 m". Otherwise empty.
 std::string withBrackets(std::string_view text) {
   std::size_t const blank = text.find(' ');
   if (blank == std::string_view::npos || text.find_first_of("[],") != std::string_view::npos) return {};
@@ -38,7 +42,7 @@ std::string notANumber(std::string_view text) {
   return corrected.empty() ? "is not a number" : "is not a number; units are written in brackets: " + shown(corrected);
 }
 
-// What is wrong with the quantity under these bounds.
+// What is wrong with the quantity under these bounds; empty when it is within.
 std::string outOfBounds(TDFParam::Quantity const& quantity, std::pair<std::string, std::string> const& bounds) {
   auto const comparable = [&quantity](std::string const& bound) -> std::optional<double> {
     if (bound.empty()) return std::nullopt;
@@ -55,39 +59,40 @@ std::string outOfBounds(TDFParam::Quantity const& quantity, std::pair<std::strin
   return {};
 }
 
-}  // namespace
+class Walk final : private DependencyAnalyser {
+ public:
+  Walk(PhysicsData const& rules, EvalContext& context)
+      : DependencyAnalyser(&rules), rules_(rules), context_(context), model_(*context.getDB()) {}
 
-ValueFaults::ValueFaults(PhysicsData const& rules) : DependencyAnalyser(&rules), rules_(rules) {}
+  void from(std::string const& root) { analyse(root, &context_); }
+  std::vector<ValueFault> takeFaults() { return std::move(faults_); }
 
-std::vector<ValueFault> ValueFaults::find(std::vector<std::string> const& roots, EvalContext& context) {
-  faults_.clear();
-  context_ = &context;
-  for (std::string const& root : roots) analyse(root, &context);
-  return std::move(faults_);
-}
+ private:
+  HandlerStatus onBeginObject(ObjBeginInfo const*) override {
+    limitParams(ParamScope::Present);
+    return Continue;
+  }
+  HandlerStatus onBeginParam(std::string const&, std::string const&) override { return Continue; }
+  HandlerStatus onParamCheck(ParamAvailInfo const* info) override;
+  HandlerStatus onChildCheck(ChildAvailInfo const*) override { return Continue; }
+  HandlerStatus onEndObject(std::string const&, bool) override { return Continue; }
 
-ValueFaults::HandlerStatus ValueFaults::onBeginObject(ObjBeginInfo const*) {
-  limitParams(ParamScope::Present);
-  return Continue;
-}
-ValueFaults::HandlerStatus ValueFaults::onBeginParam(std::string const&, std::string const&) {
-  return Continue;
-}
-ValueFaults::HandlerStatus ValueFaults::onChildCheck(ChildAvailInfo const*) {
-  return Continue;
-}
-ValueFaults::HandlerStatus ValueFaults::onEndObject(std::string const&, bool) {
-  return Continue;
-}
+  [[nodiscard]] std::string faultOf(ParamAvailInfo const& info, std::string_view text, TDFParam::Type type) const;
+  [[nodiscard]] bool isAllowed(ParamAvailInfo const& info, std::string_view text) const;
 
-ValueFaults::HandlerStatus ValueFaults::onParamCheck(ParamAvailInfo const* info) {
+  PhysicsData const& rules_;
+  EvalContext& context_;
+  ModelTDF const& model_;
+  std::vector<ValueFault> faults_;
+};
+
+Walk::HandlerStatus Walk::onParamCheck(ParamAvailInfo const* info) {
   TDFParam::Type const type = TDFParam::elementType(info->getType());
   if (type == TDFParam::String) return Continue;
   std::string const& path = info->getObjPath();
   std::string const& name = info->getName();
-  ModelTDF const& model = *context_->getDB();
-  if (!model.hasParameter(path, name)) return Continue;
-  std::string const& value = model.getParameterValue(path, name);
+  if (!model_.hasParameter(path, name)) return Continue;
+  std::string const& value = model_.getParameterValue(path, name);
 
   if (!info->isListType()) {
     std::string const fault = faultOf(*info, StringUtilities::trimmed(value), type);
@@ -112,7 +117,7 @@ ValueFaults::HandlerStatus ValueFaults::onParamCheck(ParamAvailInfo const* info)
 }
 
 // What is wrong with a value, or with an item of a list, of element type `type`; empty when nothing is.
-std::string ValueFaults::faultOf(ParamAvailInfo const& info, std::string_view text, TDFParam::Type type) const {
+std::string Walk::faultOf(ParamAvailInfo const& info, std::string_view text, TDFParam::Type type) const {
   if (type == TDFParam::Logical) {
     if (TDFParam::asLogical(text) || isAllowed(info, text)) return {};
     return "is not a logical value such as true or false";
@@ -125,15 +130,23 @@ std::string ValueFaults::faultOf(ParamAvailInfo const& info, std::string_view te
   return outOfBounds(*quantity, info.getBounds());
 }
 
-bool ValueFaults::isAllowed(ParamAvailInfo const& info, std::string_view text) const {
+bool Walk::isAllowed(ParamAvailInfo const& info, std::string_view text) const {
   ParamAllowedValues const& known = info.getAllowedValues();
   if (known.hasAllowedValues) return known.allowedValues.contains(text);
-  // Of a parameter that is not available the walk has not evaluated them.
+  // The walk does not evaluate the allowed values of a parameter that is not available.
   if (info.isAvailable()) return false;
   ParamValueDef const* values =
       rules_.getParamValueDef(PathUtils::typePathOf(info.getObjPath()), info.getName(), false);
-  return values && values->evaluateAllowedValues(rules_.getRules(), TDFContext(info.getObjPath()), context_)
+  return values && values->evaluateAllowedValues(rules_.getRules(), TDFContext(info.getObjPath()), &context_)
                        .allowedValues.contains(text);
 }
 
-}  // namespace tarn::tool
+}  // namespace
+
+std::vector<ValueFault> ValueFaults::find(std::vector<std::string> const& roots, EvalContext& context) const {
+  Walk walk(*rules_, context);
+  for (std::string const& root : roots) walk.from(root);
+  return walk.takeFaults();
+}
+
+}  // namespace tarn::session

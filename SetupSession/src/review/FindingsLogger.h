@@ -3,13 +3,12 @@
 #include <string>
 
 #include <tarn/PhysicsErrorLogger.h>
+#include <tarn/session/Findings.h>
 
-#include "reports/Findings.h"
+namespace tarn::session {
 
-namespace tarn::tool {
-
-/// Puts what a validator finds into `Findings`, and keeps beta messages apart from errors: they are not errors, and a
-/// model with nothing else is clean.
+/// Collects the messages of a validator in `Findings`. Beta messages go to a list of their own: they are not errors, so
+/// a model without other messages is clean.
 class FindingsLogger final : public PhysicsErrorLogger {
  public:
   /// `findings` must outlive the logger.
@@ -18,7 +17,7 @@ class FindingsLogger final : public PhysicsErrorLogger {
   void logDependencyError(std::string const& path, PhysicsErrorMsg const& message) override;
   void logGlobalError(PhysicsErrorMsg const& message) override;
   void logTermination(std::string const& text) override;
-  /// Empties the lists that the logger fills; those of other analyses stay.
+  /// Empties the lists that the logger fills. The other lists stay as they are.
   void reset() override;
   [[nodiscard]] bool hasDependencyErrors() const override;
   [[nodiscard]] bool hasGlobalErrors() const override;
@@ -27,4 +26,4 @@ class FindingsLogger final : public PhysicsErrorLogger {
   Findings& findings_;
 };
 
-}  // namespace tarn::tool
+}  // namespace tarn::session

@@ -1,9 +1,9 @@
-#include "reports/FindingsLogger.h"
+#include "review/FindingsLogger.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace tarn::tool {
+namespace tarn::session {
 namespace {
 
 using testing::ElementsAre;
@@ -55,4 +55,4 @@ TEST(FindingsLogger, ResettingLeavesWhatOthersFound) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::session

@@ -9,7 +9,7 @@
 #include <tarn/ModelTDF.h>
 #include <tarn/PhysicsData.h>
 
-namespace tarn::tool {
+namespace tarn::session {
 
 /// Holds while the parameter of the object under judgement has the value.
 class HasValue final : public Condition {
@@ -70,4 +70,4 @@ inline ChildAvail child(std::string const& type, bool singleton) {
   return entry;
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::session

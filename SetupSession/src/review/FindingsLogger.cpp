@@ -1,8 +1,8 @@
-// The validator logs beta messages in the stream of dependency errors and tells them by their level alone. The queries
-// decide about the status that the validator returns, so leaving them out there keeps the status clean.
-#include "reports/FindingsLogger.h"
+// The validator logs beta messages among the dependency errors; only their level differs. The two queries below decide
+// which status the validator returns. So they must not count beta messages.
+#include "review/FindingsLogger.h"
 
-namespace tarn::tool {
+namespace tarn::session {
 
 void FindingsLogger::logDependencyError(std::string const& path, PhysicsErrorMsg const& message) {
   auto& list = message.level == PhysicsErrorMsg::Beta ? findings_.beta : findings_.dependency;
@@ -13,7 +13,7 @@ void FindingsLogger::logGlobalError(PhysicsErrorMsg const& message) {
   findings_.global.push_back(message.message);
 }
 
-// Tells of nothing that a user could act on.
+// No finding: the validator never calls it.
 void FindingsLogger::logTermination(std::string const&) {}
 
 void FindingsLogger::reset() {
@@ -30,4 +30,4 @@ bool FindingsLogger::hasGlobalErrors() const {
   return !findings_.global.empty();
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::session

@@ -1,4 +1,4 @@
-#include "analyses/ValueFaults.h"
+#include <tarn/session/ValueFaults.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,9 +9,9 @@
 #include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
 
-#include "AvailabilityTool/FlowRules.h"
+#include "SetupSession/FlowRules.h"
 
-namespace tarn::tool {
+namespace tarn::session {
 namespace {
 
 using testing::IsEmpty;
@@ -209,4 +209,4 @@ TEST(ValueFaults, EachRootIsWalked) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::session

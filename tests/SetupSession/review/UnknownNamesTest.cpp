@@ -1,11 +1,11 @@
-#include "analyses/UnknownNames.h"
+#include <tarn/session/UnknownNames.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "AvailabilityTool/FlowRules.h"
+#include "SetupSession/FlowRules.h"
 
-namespace tarn::tool {
+namespace tarn::session {
 namespace {
 
 using testing::ElementsAre;
@@ -194,4 +194,4 @@ TEST_F(UnknownNamesTest, OneAnalysisServesManyModels) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::session
