@@ -295,11 +295,13 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
             for (int i = TDFParam::Integer; i <= TDFParam::StringList; ++i) {
               types.emplace_back(TDFParam::typeName(static_cast<TDFParam::Type>(i)));
             }
-            auto const near = orNear(*given, types);
-            error(Code::UnknownParameterType, value,
-                  "unknown parameter type " + inQuotes(given->substr(0, 60)) +
-                      (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
-                                    : near));
+            auto const near = StringUtilities::nearMatch(*given, types);
+            auto& diagnostic = error(
+                Code::UnknownParameterType, value,
+                "unknown parameter type " + inQuotes(given->substr(0, 60)) +
+                    (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
+                                  : didYouMean(near)));
+            if (!near.empty()) fixText(diagnostic, value, near);
           }
         }
         break;

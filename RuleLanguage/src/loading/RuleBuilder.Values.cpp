@@ -51,13 +51,15 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
                                                            std::string_view otherwise) {
   if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};
   if (item.node->kind != YamlNode::Kind::Sequence) {
+    bool const isOne = item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node);
     std::string message = "a list of texts is needed here, not " + std::string(kindText(*item.node));
     if (!otherwise.empty() && isExpression(*item.node)) {
       message += "; " + std::string(otherwise);
-    } else if (item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node)) {
+    } else if (isOne) {
       message += "; a list of one is written [" + item.node->value.substr(0, 60) + "]";
     }
-    error(Code::WrongKind, item, std::move(message));
+    auto& diagnostic = error(Code::WrongKind, item, std::move(message));
+    if (isOne) fixAsList(diagnostic, item);
     return std::nullopt;
   }
   std::vector<std::string> result;

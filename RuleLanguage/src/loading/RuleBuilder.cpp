@@ -88,6 +88,24 @@ void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
                       std::move(issue.fix->title));
 }
 
+void RuleBuilder::fixText(Diagnostic& diagnostic, Item const& item, std::string_view text) {
+  std::string const& former = item.node->value;
+  auto written = writtenInScalar(*item.node, 0, former.size(), text);
+  if (!written || former.empty()) return;
+  DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, *item.node, 0, former.size()),
+                      std::move(*written), "Replace " + inQuotes(former) + " by " + inQuotes(text));
+}
+
+void RuleBuilder::fixAsList(Diagnostic& diagnostic, Item const& item) {
+  auto const& node = *item.node;
+  // A plain text of one line without the characters that end it within a list.
+  bool const plain = node.style == YamlNode::Style::Plain && node.line == node.endLine && !node.value.empty() &&
+                     node.value.find_first_of(",[]{}") == std::string::npos;
+  if (!plain) return;
+  DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, node, 0, node.value.size()),
+                      "[" + node.value + "]", "Write a list of one item");
+}
+
 void RuleBuilder::twice(Code code, Item const& item, Item const& former, std::string message) {
   auto& diagnostic = error(code, item, std::move(message));
   if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "it stands here already");
@@ -114,7 +132,12 @@ void RuleBuilder::readHeader(File& file) {
     }
   });
   if (!versionGiven) {
-    diagnostics_.add(Code::MissingVersion, *file.source, {}, "the file does not say 'Rule Database: 1'");
+    auto& diagnostic =
+        diagnostics_.add(Code::MissingVersion, *file.source, {}, "the file does not say 'Rule Database: 1'");
+    if (!root.node->flow && root.node->column == 1) {
+      Place const begin = root.node->place();
+      DiagnosticList::fix(diagnostic, *file.source, {begin, begin}, "Rule Database: 1\n", "Insert 'Rule Database: 1'");
+    }
   }
 }
 

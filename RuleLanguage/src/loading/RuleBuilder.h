@@ -123,7 +123,11 @@ class RuleBuilder {
 
   // Faults
   Diagnostic& error(Code code, Item const& item, std::string message);
+  /// Adds an issue of an expression that begins `skipped` bytes into the scalar.
   void report(Item const& item, std::size_t skipped, Issue issue);
+  /// Gives a diagnostic a fix that writes another text in the scalar, where that text can be written.
+  static void fixText(Diagnostic& diagnostic, Item const& item, std::string_view text);
+  static void fixAsList(Diagnostic& diagnostic, Item const& item);
   void twice(Code code, Item const& item, Item const& former, std::string message);
 
   // YAML values

@@ -7,7 +7,10 @@
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 #include <vector>
+
+#include <tarn/StringUtilities.h>
 
 #include "expression/NearMatch.h"
 #include "loading/RuleBuilder.h"
@@ -57,6 +60,13 @@ inline std::string_view kindText(YamlNode const& node) {
   return "";
 }
 
+inline bool hasKey(YamlNode const& map, std::string_view key) {
+  for (std::size_t i = 0; i + 1 < map.children.size(); i += 2) {
+    if (map.children[i]->kind == YamlNode::Kind::Scalar && map.children[i]->value == key) return true;
+  }
+  return false;
+}
+
 inline bool isExpression(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Scalar && node.value.starts_with('=');
 }
@@ -84,15 +94,22 @@ void RuleBuilder::forEachKnown(Item const& item, std::string_view what, Table co
   if (!isMapping(item, what)) return;
   auto const& children = item.node->children;
   std::array<YamlNode const*, std::tuple_size_v<Table>> seen{};
+  // At most one fix in a map: two slips of the same key cannot both become that key, and the search of the map for the
+  // proposed key is made once.
+  bool isProposed = false;
   for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
     Item const key{item.source, children[i]};
     if (!scalar(key, "a key")) continue;
     auto const known =
         std::find_if(table.begin(), table.end(), [&](auto const& entry) { return entry.text == key.node->value; });
     if (known == table.end()) {
-      error(Code::UnknownKey, key,
-            "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
-                orNear(key.node->value, keyTexts(table)));
+      auto const near = StringUtilities::nearMatch(key.node->value, keyTexts(table));
+      auto& diagnostic = error(Code::UnknownKey, key,
+                               "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
+                                   (near.empty() ? std::string() : didYouMean(near)));
+      if (!near.empty() && !std::exchange(isProposed, true) && !hasKey(*item.node, near)) {
+        fixText(diagnostic, key, near);
+      }
       continue;
     }
     auto& former = seen[static_cast<std::size_t>(known - table.begin())];
