@@ -17,7 +17,7 @@
 #include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/RuleReads.h>
-#include <tarn/StringUtilities.h>
+#include <tarn/rules/RuleFunction.h>
 #include <tarn/rules/RuleLoader.h>
 
 #include "fuzz/support/Laws.h"
@@ -173,9 +173,14 @@ class Loaded {
 
 /// Objects of objects of objects: that is only slow.
 bool isDeep(std::string_view expression) {
+  using tarn::rules::RuleFunction;
   int loops = 0;
-  for (std::string_view const word : {"any", "all", "count", "filter", "list"}) {
-    for (auto at = expression.find(word); at != std::string_view::npos; at = expression.find(word, at + 1)) ++loops;
+  for (RuleFunction const& function : tarn::rules::ruleFunctions()) {
+    if (function.cost != RuleFunction::Cost::EachObject && function.cost != RuleFunction::Cost::NamedRule) continue;
+    for (auto at = expression.find(function.name); at != std::string_view::npos;
+         at = expression.find(function.name, at + 1)) {
+      ++loops;
+    }
   }
   return loops > 4;
 }

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Sees that the rule reference leaves nothing out: complete.py SOURCE_FOLDER
 
-Every key of a rule file, every function, and every sentence of a diagnostic that stands in the sources of the rule
-language has to stand in docs/rule-reference.md, where another test sees that its example is right. Whoever adds one
-adds its example. The sources are searched as text: keys and functions in the tables that begin `{"Name", `, sentences
-in all literals that hold a blank.
+Every key of a rule file and every sentence of a diagnostic in the sources of the rule language must be in
+docs/rule-reference.md, where another test checks that its example is right. So a new key or sentence needs an example.
+The sources are searched as text: keys in the tables whose rows begin `{"Name", `, sentences in all literals that
+contain a blank. A test of the rule language compares the tables of functions.
 """
 import pathlib
 import re
@@ -22,6 +22,8 @@ NOT_SHOWN = {
 }
 
 TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
+# What the table of functions says is compared with the reference elsewhere.
+FUNCTION_TEXT = re.compile(r'\.(?:signature|help) = (?:"[^"]*"\s*)+|^constexpr std::string_view \w+ = "[^"]*";', re.MULTILINE)
 ATTRIBUTE = re.compile(r'inline constexpr std::string_view \w+ = "([^"]+)"')
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 
@@ -36,7 +38,7 @@ def main():
     reference = (root / "docs/rule-reference.md").read_text(encoding="utf-8")
     sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
     sources.append(root / "PhysicsInterfaces/src/paths/PathPattern.cpp")
-    texts = {path: code(path) for path in sources}
+    texts = {path: FUNCTION_TEXT.sub("", code(path)) for path in sources}
 
     names = set(ATTRIBUTE.findall(code(root / "PhysicsInterfaces/include/tarn/RuleAttributes.h")))
     sentences = set()
@@ -51,8 +53,8 @@ def main():
     missing += sorted(sentence for sentence in sentences - NOT_SHOWN if sentence not in reference)
     for one in missing:
         print(f"docs/rule-reference.md lacks: {one}")
-    print(f"{len(names)} keys and functions, {len(sentences)} sentences, {len(missing)} missing")
-    sys.exit(1 if missing or len(names) < 70 or len(sentences) < 100 else 0)
+    print(f"{len(names)} keys, {len(sentences)} sentences, {len(missing)} missing")
+    sys.exit(1 if missing or len(names) < 40 or len(sentences) < 100 else 0)
 
 
 if __name__ == "__main__":

@@ -41,4 +41,20 @@ TARN_EXPORT void splitPathName(std::string const& paramPath, std::string* objPat
   return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
 }
 
+/// The letter in lower or upper case. Only the letters of ASCII change: the other bytes of a UTF-8 text must stay as
+/// they are.
+[[nodiscard]] constexpr char toLower(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+[[nodiscard]] constexpr char toUpper(char c) noexcept {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// The text with each letter in lower or upper case.
+[[nodiscard]] TARN_EXPORT std::string toLower(std::string text);
+[[nodiscard]] TARN_EXPORT std::string toUpper(std::string text);
+
+/// True when the texts are equal but for the case of letters.
+[[nodiscard]] TARN_EXPORT bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept;
+
 }  // namespace tarn::StringUtilities

@@ -5,20 +5,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include <tarn/StringUtilities.h>
+
 namespace tarn {
-
-namespace {
-
-bool equalButForCase(std::string_view text, std::string_view lower) noexcept {
-  if (text.size() != lower.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char const c = text[i];
-    if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != lower[i]) return false;
-  }
-  return true;
-}
-
-}  // namespace
 
 BoolFromEnvironment::BoolFromEnvironment(std::string const& variableName) : variableName_(variableName) {}
 
@@ -32,7 +21,7 @@ void BoolFromEnvironment::checkEnv() const {
   char const* const text = std::getenv(variableName_.c_str());
   if (!text) return;
   for (std::string_view const word : std::array<std::string_view, 4>{"1", "true", "yes", "on"}) {
-    if (equalButForCase(text, word)) state_ = State::On;
+    if (StringUtilities::equalIgnoringCase(text, word)) state_ = State::On;
   }
 }
 

@@ -11,14 +11,6 @@ namespace {
 // Longer texts are no slips of a key; the distance costs the product of the lengths.
 constexpr std::size_t longestSlip = 200;
 
-char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalButForCase(std::string_view a, std::string_view b) noexcept {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
 // How many slips a text of this length may hold and still be recognised.
 std::size_t slipLimit(std::size_t length) noexcept {
   std::size_t const bySize = length <= 4 ? 1 : length <= 8 ? 2 : 3;
@@ -121,10 +113,24 @@ std::string vectorToString(std::vector<std::string> const& items, char delimiter
   return text;
 }
 
+std::string toLower(std::string text) {
+  for (char& c : text) c = toLower(c);
+  return text;
+}
+
+std::string toUpper(std::string text) {
+  for (char& c : text) c = toUpper(c);
+  return text;
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return toLower(x) == toLower(y); });
+}
+
 std::string nearMatch(std::string_view text, std::vector<std::string> const& candidates) {
   if (text.size() > longestSlip) return {};
   for (std::string const& candidate : candidates) {
-    if (candidate != text && equalButForCase(candidate, text)) return candidate;
+    if (candidate != text && equalIgnoringCase(candidate, text)) return candidate;
   }
   std::string const* nearest = nullptr;
   std::size_t limit = slipLimit(text.size());

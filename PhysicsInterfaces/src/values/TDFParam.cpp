@@ -14,6 +14,7 @@ namespace tarn {
 
 namespace {
 
+using StringUtilities::equalIgnoringCase;
 using StringUtilities::trimmed;
 
 constexpr std::array<std::string_view, 8> typeNames{"Integer", "Integer List", "Logical", "Logical List",
@@ -85,18 +86,6 @@ bool isTooLarge(Decimal const& number) noexcept {
     if (exponent < farOut) exponent = exponent * 10 + (c - '0');
   }
   return power + (number.negativeExponent ? -exponent : exponent) > 0;
-}
-
-char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalButForCase(std::string_view text, std::string_view lowerCase) noexcept {
-  if (text.size() != lowerCase.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (lower(text[i]) != lowerCase[i]) return false;
-  }
-  return true;
 }
 
 bool itemsEqual(TDFParam::Type type, std::string_view a, std::string_view b) noexcept {
@@ -223,10 +212,10 @@ std::optional<TDFParam::Quantity> TDFParam::asQuantity(std::string_view text) no
 std::optional<bool> TDFParam::asLogical(std::string_view text) noexcept {
   std::string_view const word = trimmed(text);
   for (std::string_view const yes : {"true", "yes", "on", "1"}) {
-    if (equalButForCase(word, yes)) return true;
+    if (equalIgnoringCase(word, yes)) return true;
   }
   for (std::string_view const no : {"false", "no", "off", "0"}) {
-    if (equalButForCase(word, no)) return false;
+    if (equalIgnoringCase(word, no)) return false;
   }
   return std::nullopt;
 }

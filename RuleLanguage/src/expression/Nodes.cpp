@@ -6,12 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
-#include <unordered_set>
 
 #include <tarn/EvalCache.h>
 #include <tarn/PathUtils.h>
-#include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
 #include "expression/NamedRule.h"
@@ -36,28 +33,6 @@ Dependence dependenceOf(PathPattern const& pattern) {
   result.costly = !pattern.isSingle();
   return result;
 }
-
-/// Letters of ASCII only: a model's texts are UTF-8, whose other bytes must stay as they are.
-char lowered(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-char raised(char c) noexcept {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-/// Collects texts, each once, in order of first appearance.
-class DistinctTexts {
- public:
-  explicit DistinctTexts(std::size_t expected) { texts_.reserve(expected); }
-  void add(std::string const& text) {
-    if (seen_.insert(text).second) texts_.push_back(text);
-  }
-  std::vector<std::string> take() { return std::move(texts_); }
-
- private:
-  std::vector<std::string> texts_;
-  std::unordered_set<std::string> seen_;
-};
 
 }  // namespace
 
@@ -466,188 +441,39 @@ PathPattern Quantifier::operandBase(std::size_t i, PathPattern const& base) cons
 }
 
 // FunctionCall
-
-std::string FunctionCall::identity(Frame const& frame) const {
-  std::string path;
-  if (size() == 0) {
-    path = frame.context.objPath();
-  } else {
-    auto paths = operand(0).objects(frame);
-    if (paths.empty()) return {};
-    path = std::move(paths.front());
-  }
-  if (function_ == Function::Name) return std::string(PathUtils::lastName(path));
-  if (function_ == Function::Type) return std::string(PathUtils::lastType(path));
-  return path;
-}
+//
+// A function gives one form of result; the language's conversions give the others.
 
 bool FunctionCall::truth(Frame const& frame) const {
-  std::string buffer;
-  std::string otherBuffer;
-  switch (function_) {
-    case Function::Exists:
-      if (auto const* parameter = dynamic_cast<ParameterReference const*>(&operand(0))) return parameter->exists(frame);
-      if (auto const* set = dynamic_cast<ObjectSet const*>(&operand(0))) return set->exists(frame);
-      return operand(0).anyObject(frame, [](std::string const&) { return true; });
-    case Function::StartsWith:
-      return operand(0).textIn(frame, buffer).starts_with(operand(1).textIn(frame, otherBuffer));
-    case Function::EndsWith:
-      return operand(0).textIn(frame, buffer).ends_with(operand(1).textIn(frame, otherBuffer));
-    case Function::Contains:
-      return operand(0).textIn(frame, buffer).find(operand(1).textIn(frame, otherBuffer)) != std::string::npos;
-    default:
-      return Expression::truth(frame);
-  }
-}
-
-double FunctionCall::listNumber(Frame const& frame) const {
-  auto const items = operand(0).list(frame);
-  double result = function_ == Function::Sum ? 0 : notANumber;
-  bool first = true;
-  for (auto const& item : items) {
-    double const number = textNumber(item);
-    if (std::isnan(number)) return notANumber;
-    if (function_ == Function::Sum) {
-      result += number;
-    } else if (first) {
-      result = number;
-    } else {
-      result = function_ == Function::Min ? std::min(result, number) : std::max(result, number);
-    }
-    first = false;
-  }
-  return std::isfinite(result) ? result : notANumber;
+  auto const* evaluate = std::get_if<bool (*)(Arguments, Frame const&)>(&function_->evaluate);
+  return evaluate != nullptr ? (*evaluate)(all(), frame) : Expression::truth(frame);
 }
 
 double FunctionCall::number(Frame const& frame) const {
-  switch (function_) {
-    case Function::Size:
-      return static_cast<double>(operand(0).list(frame).size());
-    case Function::Min:
-    case Function::Max:
-    case Function::Sum:
-      return listNumber(frame);
-    case Function::Abs:
-      return std::abs(operand(0).number(frame));
-    case Function::Floor:
-      return std::floor(operand(0).number(frame));
-    case Function::Ceil:
-      return std::ceil(operand(0).number(frame));
-    case Function::Round:
-      return std::round(operand(0).number(frame));
-    case Function::Number:
-      return operand(0).number(frame);
-    default:
-      return Expression::number(frame);
-  }
+  auto const* evaluate = std::get_if<double (*)(Arguments, Frame const&)>(&function_->evaluate);
+  return evaluate != nullptr ? (*evaluate)(all(), frame) : Expression::number(frame);
 }
 
 std::string FunctionCall::text(Frame const& frame) const {
-  std::string result;
-  switch (function_) {
-    case Function::Name:
-    case Function::Type:
-    case Function::Path:
-      return identity(frame);
-    case Function::First: {
-      auto const items = operand(0).list(frame);
-      return items.empty() ? result : items.front();
-    }
-    case Function::Join: {
-      auto const items = operand(0).list(frame);
-      auto const separator = operand(1).text(frame);
-      for (std::size_t i = 0; i < items.size(); ++i) {
-        if (i > 0) result += separator;
-        result += items[i];
-      }
-      return result;
-    }
-    case Function::Text:
-      return operand(0).text(frame);
-    case Function::Lower:
-      result = operand(0).text(frame);
-      std::transform(result.begin(), result.end(), result.begin(), lowered);
-      return result;
-    case Function::Upper:
-      result = operand(0).text(frame);
-      std::transform(result.begin(), result.end(), result.begin(), raised);
-      return result;
-    case Function::Trim:
-      return StringUtilities::removeWhitespace(operand(0).text(frame));
-    default:
-      return Expression::text(frame);
-  }
-}
-
-std::vector<std::string> FunctionCall::combined(Frame const& frame) const {
-  auto const first = operand(0).list(frame);
-  DistinctTexts result(first.size());
-  switch (function_) {
-    case Function::Union:
-    case Function::Unique:
-      for (auto const& item : first) result.add(item);
-      for (std::size_t i = 1; i < size(); ++i) {
-        auto const next = operand(i).list(frame);
-        for (auto const& item : next) result.add(item);
-      }
-      break;
-    default: {
-      auto const second = operand(1).list(frame);
-      for (auto const& item : first) {
-        if (second.contains(item) == (function_ == Function::Intersection)) result.add(item);
-      }
-    }
-  }
-  return result.take();
+  auto const* evaluate = std::get_if<std::string (*)(Arguments, Frame const&)>(&function_->evaluate);
+  return evaluate != nullptr ? (*evaluate)(all(), frame) : Expression::text(frame);
 }
 
 SharedStrings FunctionCall::list(Frame const& frame) const {
-  switch (function_) {
-    case Function::Names: {
-      auto paths = operand(0).objects(frame);
-      for (auto& path : paths) path = std::string(PathUtils::lastName(path));
-      return paths;
-    }
-    case Function::Paths:
-      return operand(0).objects(frame);
-    case Function::Values:
-      return static_cast<ParameterReference const&>(operand(0)).values(frame);
-    case Function::Unique:
-    case Function::Union:
-    case Function::Intersection:
-    case Function::Difference:
-      return combined(frame);
-    default:
-      return Expression::list(frame);
-  }
+  auto const* evaluate = std::get_if<SharedStrings (*)(Arguments, Frame const&)>(&function_->evaluate);
+  return evaluate != nullptr ? (*evaluate)(all(), frame) : Expression::list(frame);
 }
 
 Dependence FunctionCall::dependence() const {
   Dependence result = Operation::dependence();
-  switch (function_) {
-    case Function::Name:
-    case Function::Type:
-    case Function::Path:
-      if (size() == 0) result.context = true;
-      break;
-    case Function::Names:
-    case Function::Paths:
-    case Function::Values:
-    case Function::Unique:
-    case Function::Union:
-    case Function::Intersection:
-    case Function::Difference:
-      result.costly = true;
-      break;
-    default:
-      break;
-  }
+  result.context |= function_->readsContextIdentity && size() == 0;
+  result.costly |= function_->cost != RuleFunction::Cost::Small;
   return result;
 }
 
 void FunctionCall::collectReads(RuleReads& reads, PathPattern const& base) const {
   Operation::collectReads(reads, base);
-  bool const ofContext = size() == 0;
+  bool const ofContext = function_->readsContextIdentity && size() == 0;
   // Inside a quantifier over absolute paths the context is one of those objects, whatever the rule's owner.
   if (ofContext && !base.isAbsolute()) reads.contextIdentity = true;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +9,7 @@
 #include <tarn/PhysicsData.h>
 
 #include "expression/Expression.h"
+#include "expression/Functions.h"
 
 // The kinds of node that a parsed expression consists of. What each one means is said in the rule reference; here is
 // how its result is had.
@@ -20,6 +21,14 @@ class NamedRule;
 /// Wraps the costly context-free parts of `expression` that lie as high as possible in `Kept`. Named rules must be
 /// bound. A set of objects is not kept by itself: its paths would be copied out of the cache each time.
 [[nodiscard]] ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
+
+/// Takes the place of a part that has an error, so that parsing can go on. It is never evaluated.
+class FaultyPart final : public Expression {
+ public:
+  using Expression::Expression;
+  [[nodiscard]] Dependence dependence() const override { return {}; }
+  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+};
 
 /// A text, number or truth value as written.
 class Literal final : public Expression {
@@ -147,6 +156,7 @@ class Operation : public Expression {
  protected:
   [[nodiscard]] Expression const& operand(std::size_t i) const { return *operands_[i]; }
   [[nodiscard]] std::size_t size() const noexcept { return operands_.size(); }
+  [[nodiscard]] std::span<ExpressionPtr const> all() const noexcept { return operands_; }
 
  private:
   friend ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
@@ -261,56 +271,21 @@ class Quantifier final : public Operation {
   Operator operator_;
 };
 
-/// A function of plain values: everything that needs no context of its own.
+/// A call of a function that is a plain operation on its arguments.
 class FunctionCall final : public Operation {
  public:
-  enum class Function : std::uint8_t {
-    Exists,
-    Names,
-    Paths,
-    Values,
-    Name,
-    Type,
-    Path,
-    Size,
-    First,
-    Join,
-    Unique,
-    Union,
-    Intersection,
-    Difference,
-    Min,
-    Max,
-    Sum,
-    Abs,
-    Floor,
-    Ceil,
-    Round,
-    Number,
-    Text,
-    Lower,
-    Upper,
-    Trim,
-    StartsWith,
-    EndsWith,
-    Contains
-  };
-  FunctionCall(Function function, Kind kind, Range range, std::vector<ExpressionPtr> operands)
-      : Operation(kind, range, std::move(operands)), function_(function) {}
+  FunctionCall(Function const& function, Range range, std::vector<ExpressionPtr> arguments)
+      : Operation(function.result, range, std::move(arguments)), function_(&function) {}
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::string text(Frame const& frame) const override;
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
-  [[nodiscard]] Function function() const noexcept { return function_; }
+  [[nodiscard]] Function const& function() const noexcept { return *function_; }
 
  private:
-  [[nodiscard]] std::string identity(Frame const& frame) const;
-  [[nodiscard]] double listNumber(Frame const& frame) const;
-  [[nodiscard]] std::vector<std::string> combined(Frame const& frame) const;
-
-  Function function_;
+  Function const* function_;
 };
 
 /// `check('name')` and `list('name')`.

@@ -9,6 +9,9 @@
 #include <array>
 #include <utility>
 
+#include <tarn/StringUtilities.h>
+
+#include "expression/Functions.h"
 #include "expression/Lexer.h"
 #include "expression/Nodes.h"
 
@@ -20,99 +23,6 @@ struct SyntaxFault {
   Range range;
   std::string message;
 };
-
-/// What an argument may be.
-enum class Argument { Scalar, Text, Number, Condition, List, Objects, Existing, Pattern, RuleName };
-
-using Function = FunctionCall::Function;
-
-struct Signature {
-  std::string_view name;
-  std::size_t least;
-  std::size_t most;
-  std::array<Argument, 3> arguments;  // of more arguments, the last is repeated
-  Kind result;
-  Function function = Function::Exists;  // of those that are plain functions
-  enum class Form { Plain, Quantifier, If, Check, List } form = Form::Plain;
-  Quantifier::Operator quantifier = Quantifier::Operator::Any;
-};
-
-constexpr std::size_t anyNumber = 1000;
-
-using A = Argument;
-using F = Function;
-constexpr auto signatures = std::to_array<Signature>({
-    {"exists", 1, 1, {A::Existing}, Kind::Truth, F::Exists},
-    {"count",
-     1,
-     2,
-     {A::Objects, A::Condition},
-     Kind::Number,
-     F::Exists,
-     Signature::Form::Quantifier,
-     Quantifier::Operator::Count},
-    {"any",
-     2,
-     2,
-     {A::Objects, A::Condition},
-     Kind::Truth,
-     F::Exists,
-     Signature::Form::Quantifier,
-     Quantifier::Operator::Any},
-    {"all",
-     2,
-     2,
-     {A::Objects, A::Condition},
-     Kind::Truth,
-     F::Exists,
-     Signature::Form::Quantifier,
-     Quantifier::Operator::All},
-    {"filter",
-     2,
-     2,
-     {A::Objects, A::Condition},
-     Kind::Objects,
-     F::Exists,
-     Signature::Form::Quantifier,
-     Quantifier::Operator::Filter},
-    {"names", 1, 1, {A::Objects}, Kind::List, F::Names},
-    {"paths", 1, 1, {A::Objects}, Kind::List, F::Paths},
-    {"values", 1, 1, {A::Pattern}, Kind::List, F::Values},
-    {"name", 0, 1, {A::Objects}, Kind::Text, F::Name},
-    {"type", 0, 1, {A::Objects}, Kind::Text, F::Type},
-    {"path", 0, 1, {A::Objects}, Kind::Text, F::Path},
-    {"size", 1, 1, {A::List}, Kind::Number, F::Size},
-    {"first", 1, 1, {A::List}, Kind::Text, F::First},
-    {"join", 2, 2, {A::List, A::Text}, Kind::Text, F::Join},
-    {"unique", 1, 1, {A::List}, Kind::List, F::Unique},
-    {"union", 1, anyNumber, {A::List, A::List, A::List}, Kind::List, F::Union},
-    {"intersection", 2, 2, {A::List, A::List}, Kind::List, F::Intersection},
-    {"difference", 2, 2, {A::List, A::List}, Kind::List, F::Difference},
-    {"min", 1, 1, {A::List}, Kind::Number, F::Min},
-    {"max", 1, 1, {A::List}, Kind::Number, F::Max},
-    {"sum", 1, 1, {A::List}, Kind::Number, F::Sum},
-    {"abs", 1, 1, {A::Number}, Kind::Number, F::Abs},
-    {"floor", 1, 1, {A::Number}, Kind::Number, F::Floor},
-    {"ceil", 1, 1, {A::Number}, Kind::Number, F::Ceil},
-    {"round", 1, 1, {A::Number}, Kind::Number, F::Round},
-    {"number", 1, 1, {A::Scalar}, Kind::Number, F::Number},
-    {"text", 1, 1, {A::Scalar}, Kind::Text, F::Text},
-    {"lower", 1, 1, {A::Text}, Kind::Text, F::Lower},
-    {"upper", 1, 1, {A::Text}, Kind::Text, F::Upper},
-    {"trim", 1, 1, {A::Text}, Kind::Text, F::Trim},
-    {"starts_with", 2, 2, {A::Text, A::Text}, Kind::Truth, F::StartsWith},
-    {"ends_with", 2, 2, {A::Text, A::Text}, Kind::Truth, F::EndsWith},
-    {"contains", 2, 2, {A::Text, A::Text}, Kind::Truth, F::Contains},
-    {"if", 3, 3, {A::Condition, A::Scalar, A::Scalar}, Kind::Value, F::Exists, Signature::Form::If},
-    {"check", 1, 1, {A::RuleName}, Kind::Truth, F::Exists, Signature::Form::Check},
-    {"list", 1, 1, {A::RuleName}, Kind::List, F::Exists, Signature::Form::List},
-});
-
-Signature const* findSignature(std::string_view name) {
-  auto const* const found = std::find_if(signatures.begin(), signatures.end(),
-                                         [&](Signature const& signature) { return signature.name == name; });
-  return found == signatures.end() ? nullptr : found;
-}
 
 template <typename Map>
 std::string orNearKey(std::string_view text, Map const& map, HintBudget& hints) {
@@ -195,7 +105,7 @@ class Parser {
       throw SyntaxFault{end(), "the expression ends where something is missing"};
     }
     if (isSymbol(")")) throw SyntaxFault{token_.range, "')' has no '(' before it"};
-    if (token_.kind == TokenKind::Word && findSignature(token_.text) == nullptr) {
+    if (token_.kind == TokenKind::Word && findFunction(token_.text) == nullptr) {
       throw SyntaxFault{token_.range,
                         "an operator is missing before " + inQuotes(token_.text) + operatorHint(token_.text)};
     }
@@ -203,14 +113,8 @@ class Parser {
   }
 
   [[nodiscard]] static std::string operatorHint(std::string const& word) {
-    auto const lowered = [](std::string text) {
-      for (auto& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-      }
-      return text;
-    }(word);
     for (std::string_view const known : {"and", "or", "not", "in", "implies"}) {
-      if (lowered == known) return didYouMean(known);
+      if (StringUtilities::equalIgnoringCase(word, known)) return didYouMean(known);
     }
     return {};
   }
@@ -504,7 +408,7 @@ class Parser {
       pattern.emplace();
     } else if (!pattern->isSingle() && !manyAllowed) {
       issue(token.range,
-            "this can be the parameter of more than one object; only values(...) and exists(...) take that");
+            "this can be the parameter of more than one object; only " + callsThatTakeManyParameters() + " take that");
     }
     return std::make_unique<ParameterReference>(token.range, std::move(*pattern), std::move(name), data_);
   }
@@ -564,23 +468,23 @@ class Parser {
     if (token.text == "true" || token.text == "false") {
       return std::make_unique<Literal>(token.range, token.text == "true");
     }
-    auto const* signature = findSignature(token.text);
+    auto const* function = findFunction(token.text);
     if (!isSymbol("(")) {
       for (std::string_view const reserved : {"not", "and", "or", "implies", "in"}) {
         if (token.text == reserved) throw SyntaxFault{token.range, "a value is missing before " + inQuotes(token.text)};
       }
-      if (signature != nullptr) {
+      if (function != nullptr) {
         throw SyntaxFault{token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)"};
       }
       throw SyntaxFault{token.range, "unknown name " + inQuotes(token.text) + "; a text stands in quotes, '" +
                                          token.text + "', and a parameter in ${" + token.text + "}"};
     }
-    if (signature == nullptr) {
+    if (function == nullptr) {
       issue(token.range, "unknown function " + inQuotes(token.text) + orNear(token.text, functionNames()));
       skipArguments();
-      return std::make_unique<Choice>(Kind::Value, since(token.range.offset), std::vector<ExpressionPtr>{});
+      return std::make_unique<FaultyPart>(Kind::Value, since(token.range.offset));
     }
-    return call(token, *signature);
+    return call(token.range.offset, *function);
   }
 
   /// Reads the arguments of a function that does not exist, for the sake of the faults in them.
@@ -601,61 +505,46 @@ class Parser {
     expectSymbol(")", "at the end of the arguments");
   }
 
-  ExpressionPtr call(Token const& function, Signature const& signature) {
+  ExpressionPtr call(std::size_t begin, Function const& function) {
     Level const level(*this);
     std::size_t const issuesBefore = issues_.size();
     advance();
-    std::vector<ExpressionPtr> arguments;
-    NamedCallTarget target;
+    CheckedCall call{function.result, {}, {}, nullptr};
     if (!isSymbol(")")) {
       for (;;) {
-        auto const kind = signature.arguments[std::min<std::size_t>(arguments.size(), signature.arguments.size() - 1)];
-        arguments.push_back(argument(arguments.size() < signature.most ? kind : Argument::Scalar, signature, target,
-                                     arguments.size() < signature.most));
+        bool const wanted = call.arguments.size() < function.most;
+        call.arguments.push_back(wanted ? argument(function, call.arguments.size(), call.rule) : implication());
         if (!isSymbol(",")) break;
         advance();
       }
     }
-    expectSymbol(")", "at the end of the arguments of " + std::string(signature.name));
-    Range const range = since(function.range.offset);
-    if (arguments.size() < signature.least || arguments.size() > signature.most) {
-      issue(range, std::string(signature.name) + " takes " + countText(signature) + ", not " +
-                       std::to_string(arguments.size()));
-      return std::make_unique<Choice>(signature.result, range, std::vector<ExpressionPtr>{});
+    expectSymbol(")", "at the end of the arguments of " + std::string(function.name));
+    call.range = since(begin);
+    if (call.arguments.size() < function.least || call.arguments.size() > function.most) {
+      issue(call.range, std::string(function.name) + " takes " + countText(function) + ", not " +
+                            std::to_string(call.arguments.size()));
+      return std::make_unique<FaultyPart>(function.result, call.range);
     }
-    if (issues_.size() != issuesBefore && signature.form != Signature::Form::If) {
-      return std::make_unique<Choice>(signature.result, range, std::vector<ExpressionPtr>{});
+    unifyBranches(function, call);
+    if (issues_.size() != issuesBefore) return std::make_unique<FaultyPart>(call.kind, call.range);
+    if (call.rule != nullptr) calls_.push_back({call.rule, call.range});
+    if (auto const* make = std::get_if<ExpressionPtr (*)(CheckedCall)>(&function.evaluate)) {
+      return (*make)(std::move(call));
     }
-    switch (signature.form) {
-      case Signature::Form::Plain:
-        return std::make_unique<FunctionCall>(signature.function, signature.result, range, std::move(arguments));
-      case Signature::Form::Quantifier:
-        return std::make_unique<Quantifier>(signature.quantifier, range, std::move(arguments));
-      case Signature::Form::If:
-        return choice(range, std::move(arguments));
-      case Signature::Form::Check:
-      case Signature::Form::List:
-        calls_.push_back({target.rule, range});
-        return std::make_unique<NamedCall>(signature.result, range, target.rule);
-    }
-    return nullptr;
+    return std::make_unique<FunctionCall>(function, call.range, std::move(call.arguments));
   }
 
-  struct NamedCallTarget {
-    NamedRule const* rule = nullptr;
-  };
-
-  ExpressionPtr argument(Argument kind, Signature const& signature, NamedCallTarget& target, bool wanted) {
-    bool const many = kind == Argument::Existing || kind == Argument::Pattern;
+  ExpressionPtr argument(Function const& function, std::size_t i, NamedRule const*& rule) {
+    Argument const kind = function.argument(i);
+    bool const many = kind == Argument::ParameterOrObjects || kind == Argument::Parameters;
     if (many && token_.kind == TokenKind::Parameter) return parameter(true);
-    if (kind == Argument::RuleName) return ruleName(signature, target);
+    if (kind == Argument::CheckName) return ruleName(function, "check", named_.checks, rule);
+    if (kind == Argument::ListName) return ruleName(function, "list", named_.lists, rule);
 
     auto value = implication();
-    if (!wanted) return value;
     switch (kind) {
       case Argument::Scalar:
-        // The branches of a choice may be anything but of different worlds, which is looked at when both are known.
-        if (signature.form != Signature::Form::If) requireScalar(*value);
+        requireScalar(*value);
         break;
       case Argument::Text:
         requireText(*value);
@@ -672,71 +561,70 @@ class Parser {
       case Argument::Objects:
         requireObjects(*value);
         break;
-      case Argument::Existing:
+      case Argument::ParameterOrObjects:
         if (value->kind() != Kind::Objects) {
-          issue(value->range(), "exists takes a parameter, ${...}, or a set of objects, {...}");
+          issue(value->range(), std::string(function.name) + " takes a parameter, ${...}, or a set of objects, {...}");
         }
         break;
-      case Argument::Pattern:
-        issue(value->range(), "values takes a path to a parameter, ${...}");
+      case Argument::Parameters:
+        issue(value->range(), std::string(function.name) + " takes a path to a parameter, ${...}");
         break;
-      case Argument::RuleName:
+      case Argument::Branch:  // checked when all branches are known
+      case Argument::CheckName:
+      case Argument::ListName:
         break;
     }
     return value;
   }
 
-  ExpressionPtr ruleName(Signature const& signature, NamedCallTarget& target) {
+  template <typename Rules>
+  ExpressionPtr ruleName(Function const& function, std::string_view noun, Rules const& rules, NamedRule const*& rule) {
     Token const token = token_;
-    bool const check = signature.form == Signature::Form::Check;
     if (token.kind != TokenKind::Text) {
       auto value = implication();
-      issue(value->range(), std::string(signature.name) + " takes the name of a " + std::string(signature.name) +
-                                ", written in quotes");
+      issue(value->range(),
+            std::string(function.name) + " takes the name of a " + std::string(noun) + ", written in quotes");
       return value;
     }
     advance();
-    auto const look = [&](auto const& rules) {
-      auto const found = rules.find(token.text);
-      if (found == rules.end()) {
-        issue(token.range, "there is no " + std::string(signature.name) + " " + inQuotes(token.text) +
-                               orNearKey(token.text, rules, named_.hints));
-      } else {
-        target.rule = &found->second->rule();
-      }
-    };
-    if (check) {
-      look(named_.checks);
+    if (auto const found = rules.find(token.text); found != rules.end()) {
+      rule = &found->second->rule();
     } else {
-      look(named_.lists);
+      issue(token.range, "there is no " + std::string(noun) + " " + inQuotes(token.text) +
+                             orNearKey(token.text, rules, named_.hints));
     }
     return std::make_unique<Literal>(token.range, token.text);
   }
 
-  ExpressionPtr choice(Range range, std::vector<ExpressionPtr> arguments) {
-    Kind const a = arguments[1]->kind();
-    Kind const b = arguments[2]->kind();
-    Kind kind = a;
-    if (a != b) {
-      bool const lists = (a == Kind::List && b == Kind::Value) || (a == Kind::Value && b == Kind::List);
-      bool const incompatible =
-          a == Kind::Objects || b == Kind::Objects || ((a == Kind::List || b == Kind::List) && !lists);
-      if (incompatible) {
-        issue(range, "the two results of if must go together, but one is " + std::string(kindName(a)) +
-                         " and the other " + std::string(kindName(b)));
+  /// Gives a call the kind of its branches, if its function has branches.
+  void unifyBranches(Function const& function, CheckedCall& call) {
+    bool first = true;
+    for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+      if (function.argument(i) != Argument::Branch) continue;
+      Kind const a = call.kind;
+      Kind const b = call.arguments[i]->kind();
+      if (std::exchange(first, false)) {
+        call.kind = b;
+      } else if (a != b) {
+        bool const lists = (a == Kind::List && b == Kind::Value) || (a == Kind::Value && b == Kind::List);
+        bool const incompatible =
+            a == Kind::Objects || b == Kind::Objects || ((a == Kind::List || b == Kind::List) && !lists);
+        if (incompatible) {
+          issue(call.range, "the two results of " + std::string(function.name) + " must go together, but one is " +
+                                std::string(kindName(a)) + " and the other " + std::string(kindName(b)));
+        }
+        call.kind = lists ? Kind::List : Kind::Value;
       }
-      kind = lists ? Kind::List : Kind::Value;
     }
-    return std::make_unique<Choice>(kind, range, std::move(arguments));
   }
 
-  static std::string countText(Signature const& signature) {
+  static std::string countText(Function const& function) {
     auto const plural = [](std::size_t count) {
       return std::to_string(count) + (count == 1 ? " argument" : " arguments");
     };
-    if (signature.most == anyNumber) return "at least " + plural(signature.least);
-    if (signature.least == signature.most) return plural(signature.least);
-    return std::to_string(signature.least) + " or " + plural(signature.most);
+    if (function.most == RuleFunction::unlimited) return "at least " + plural(function.least);
+    if (function.least == function.most) return plural(function.least);
+    return std::to_string(function.least) + " or " + plural(function.most);
   }
 
   template <typename... Ptr>
@@ -761,16 +649,6 @@ class Parser {
 };
 
 }  // namespace
-
-std::vector<std::string> const& functionNames() {
-  static std::vector<std::string> const names = [] {
-    std::vector<std::string> result;
-    result.reserve(signatures.size());
-    for (auto const& signature : signatures) result.emplace_back(signature.name);
-    return result;
-  }();
-  return names;
-}
 
 ParsedExpression parseExpression(std::string_view text, Role role, NamedRules const& named, PhysicsData const* data,
                                  ParserLimits const& limits) {

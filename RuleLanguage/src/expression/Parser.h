@@ -66,7 +66,4 @@ struct ParsedExpression {
 [[nodiscard]] ParsedExpression parseExpression(std::string_view text, Role role, NamedRules const& named,
                                                PhysicsData const* data, ParserLimits const& limits);
 
-/// The names of all functions.
-[[nodiscard]] std::vector<std::string> const& functionNames();
-
 }  // namespace tarn::rules

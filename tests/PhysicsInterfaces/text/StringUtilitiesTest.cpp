@@ -121,6 +121,14 @@ TEST(StringUtilities, FindsTheCandidateThatATextIsASlipOf) {
   }
 }
 
+TEST(StringUtilities, OnlyTheLettersOfAsciiHaveTwoCases) {
+  EXPECT_EQ(StringUtilities::toLower("k-EPSILON \xC3\x84[@Z"), "k-epsilon \xC3\x84[@z");
+  EXPECT_EQ(StringUtilities::toUpper("k-epsilon \xC3\xA4{`z"), "K-EPSILON \xC3\xA4{`Z");
+  EXPECT_TRUE(StringUtilities::equalIgnoringCase("Turbulent", "tURBULENT"));
+  EXPECT_FALSE(StringUtilities::equalIgnoringCase("Turbulent", "Turbulents"));
+  EXPECT_FALSE(StringUtilities::equalIgnoringCase("\xC3\x84", "\xC3\xA4"));
+}
+
 TEST(StringUtilities, LongTextsAreNoSlips) {
   EXPECT_EQ(StringUtilities::nearMatch(std::string(200, 'a'), {std::string(201, 'a')}), std::string(201, 'a'));
   EXPECT_EQ(StringUtilities::nearMatch(std::string(201, 'a'), {std::string(200, 'a')}), "");

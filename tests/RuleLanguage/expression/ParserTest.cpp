@@ -122,10 +122,10 @@ TEST(Parser, FaultsOfPaths) {
       {"${A/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which holds no ':'"},
       {"${Ö/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which holds no ':'"},
       {"${A:*/B} == 'x'",
-       "1+8: this can be the parameter of more than one object; only values(...) and exists(...) take that"},
-      {"${**/B}", "1+7: this can be the parameter of more than one object; only values(...) and exists(...) take that"},
+       "1+8: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
+      {"${**/B}", "1+7: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
       {"any({A:*}, ${B:*/C} == 'x')",
-       "12+8: this can be the parameter of more than one object; only values(...) and exists(...) take that"},
+       "12+8: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
   });
 }
 
