@@ -7,6 +7,7 @@
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
 #include <tarn/RuleExpressions.h>
+#include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
 
 namespace tarn {
@@ -37,6 +38,8 @@ class TARN_EXPORT ChildAvail {
   std::string description;
   std::string reason;
   std::string betaMessage;
+  /// Where the entry is written: the child type.
+  RulePlace rulePlace;
 
   /// Whether children of the type are available in the context; gathers the beta message when they are.
   bool evaluate(TDFContext const& context, EvalContext* evalContext) const;

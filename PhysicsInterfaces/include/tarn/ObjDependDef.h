@@ -11,6 +11,7 @@
 #include <tarn/Export.h>
 #include <tarn/ParamAvail.h>
 #include <tarn/ParamValueDef.h>
+#include <tarn/RulePlace.h>
 
 namespace tarn {
 
@@ -43,6 +44,8 @@ class TARN_EXPORT ObjDependDef {
 
   /// For people: what the object is.
   std::string description;
+  /// Where the object's first entry in the rules is written: its type path.
+  RulePlace rulePlace;
 
   [[nodiscard]] std::string const& typePath() const noexcept { return typePath_; }
 

@@ -7,6 +7,7 @@
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
 #include <tarn/RuleExpressions.h>
+#include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
 
 namespace tarn {
@@ -35,6 +36,8 @@ class TARN_EXPORT ParamAvail {
   std::string reason;
   /// Given with the parameter whenever it was evaluated and found available. Empty: none.
   std::string betaMessage;
+  /// Where the entry is written: the parameter's name.
+  RulePlace rulePlace;
 
   /// Whether the parameter is available in the context; gathers the beta message when it is.
   bool evaluate(TDFContext const& context, EvalContext* evalContext) const;

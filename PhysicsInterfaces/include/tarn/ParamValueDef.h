@@ -11,6 +11,7 @@
 #include <tarn/ModelRules.h>
 #include <tarn/ParamAllowedValues.h>
 #include <tarn/RuleExpressions.h>
+#include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
 #include <tarn/TDFParam.h>
 
@@ -65,6 +66,9 @@ class TARN_EXPORT ParamValueDef {
 
   /// Null: none. Evaluates to a key of `PhysicsData::quantityTypes`.
   std::unique_ptr<TextExpression> quantityType;
+
+  /// Where the parameter is written: its name. The texts, lists and conditions above have places of their own.
+  RulePlace rulePlace;
 
   /// A default or a list of conditional defaults is given.
   [[nodiscard]] bool hasDefault() const noexcept { return defaultValue != nullptr || !defaultChecks.empty(); }

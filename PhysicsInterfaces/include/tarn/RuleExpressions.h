@@ -2,9 +2,11 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
+#include <tarn/RulePlace.h>
 #include <tarn/RuleReads.h>
 #include <tarn/SharedStrings.h>
 #include <tarn/TDFContext.h>
@@ -26,10 +28,18 @@ class TARN_EXPORT RuleExpression {
   /// The expression as its author wrote it, for explanation; empty when it was not written as text.
   [[nodiscard]] virtual std::string sourceText() const;
 
+  /// Where the expression begins in its rule file; not known for an expression that a program made. Set it before the
+  /// expression is shared between threads.
+  [[nodiscard]] RulePlace const& rulePlace() const noexcept { return rulePlace_; }
+  void setRulePlace(RulePlace place) noexcept { rulePlace_ = std::move(place); }
+
  protected:
   RuleExpression() = default;
   RuleExpression(RuleExpression const&) = default;
   RuleExpression& operator=(RuleExpression const&) = default;
+
+ private:
+  RulePlace rulePlace_;
 };
 
 /// Something that holds or does not.

@@ -45,7 +45,8 @@ std::size_t characterOffset(std::string_view text, std::size_t count) noexcept {
   return text.size();
 }
 
-SourceText::SourceText(std::string name, std::string text) : name_(std::move(name)), text_(std::move(text)) {
+SourceText::SourceText(std::string name, std::string text)
+    : name_(std::make_shared<std::string const>(std::move(name))), text_(std::move(text)) {
   if (text_.starts_with("\xEF\xBB\xBF")) text_.erase(0, 3);
   lineStarts_.push_back(0);
   for (std::size_t i = 0; i < text_.size();) {

@@ -30,7 +30,9 @@ class SourceText {
  public:
   SourceText(std::string name, std::string text);
 
-  [[nodiscard]] std::string const& name() const noexcept { return name_; }
+  [[nodiscard]] std::string const& name() const noexcept { return *name_; }
+  /// The same, for whoever keeps it longer than the text.
+  [[nodiscard]] std::shared_ptr<std::string const> const& sharedName() const noexcept { return name_; }
   /// The whole text, without a byte order mark.
   [[nodiscard]] std::string const& text() const noexcept { return text_; }
   [[nodiscard]] std::size_t lineCount() const noexcept { return lineStarts_.size(); }
@@ -44,7 +46,7 @@ class SourceText {
  private:
   [[nodiscard]] std::size_t charactersBefore(std::size_t offset) const noexcept;
 
-  std::string name_;
+  std::shared_ptr<std::string const> name_;
   std::string text_;
   std::vector<std::size_t> lineStarts_;
   std::vector<std::size_t> counted_;  // the characters before each block of bytes

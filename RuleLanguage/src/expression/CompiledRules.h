@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include <tarn/GlobalCheck.h>
 #include <tarn/RuleExpressions.h>
@@ -13,6 +16,11 @@
 // expression.
 
 namespace tarn::rules {
+
+/// Whether an object can have this name: it is not empty and holds neither "/" nor ":".
+[[nodiscard]] inline bool canBeObjectName(std::string_view name) noexcept {
+  return !name.empty() && name.find_first_of("/:") == std::string_view::npos;
+}
 
 struct Compiled {
   ExpressionPtr expression;
@@ -60,6 +68,21 @@ class CompiledList final : public CompiledRule<ListExpression> {
   using CompiledRule::CompiledRule;
   [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override {
     return expression().list(frame(context, evalContext));
+  }
+};
+
+/// The computed names of children. Names that no object can have are left out: they would make a walk look for objects
+/// that nothing can provide.
+class CompiledNames final : public CompiledRule<ListExpression> {
+ public:
+  using CompiledRule::CompiledRule;
+  [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    auto names = expression().list(frame(context, evalContext));
+    auto const isNoName = [](std::string const& name) { return !canBeObjectName(name); };
+    if (std::none_of(names.begin(), names.end(), isNoName)) return names;
+    std::vector<std::string> kept = names.vector();
+    std::erase_if(kept, isNoName);
+    return kept;
   }
 };
 

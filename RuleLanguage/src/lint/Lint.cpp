@@ -82,8 +82,8 @@ struct ComparedValue {
 
 class Linter {
  public:
-  Linter(RuleBuilder const& rules, DiagnosticList& diagnostics)
-      : rules_(rules), data_(rules.data()), types_(data_), diagnostics_(diagnostics) {}
+  Linter(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics)
+      : rules_(rules), data_(data), types_(data_), diagnostics_(diagnostics) {}
 
   void run() {
     for (auto const& use : rules_.uses()) {
@@ -701,7 +701,7 @@ class Linter {
     return hints_.orNear(context, values);
   }
 
-  RuleBuilder const& rules_;
+  RuleIndex const& rules_;
   PhysicsData const& data_;
   TypeTree types_;
   mutable HintBudget hints_;
@@ -713,8 +713,8 @@ class Linter {
 
 }  // namespace
 
-void addWarnings(RuleBuilder const& rules, DiagnosticList& diagnostics) {
-  Linter(rules, diagnostics).run();
+void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics) {
+  Linter(rules, data, diagnostics).run();
 }
 
 }  // namespace tarn::rules

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <tarn/PhysicsData.h>
+
 #include "diagnostics/DiagnosticList.h"
-#include "loading/RuleBuilder.h"
+#include "loading/RuleIndex.h"
 
 namespace tarn::rules {
 
-/// Adds warnings about rules that can be loaded but are doubtful. The builder has read them without errors and has kept
-/// their places.
-void addWarnings(RuleBuilder const& rules, DiagnosticList& diagnostics);
+/// Adds warnings about rules that can be loaded but are doubtful. `data` was built without errors from the files of
+/// `rules`, which knows where everything is written.
+void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics);
 
 }  // namespace tarn::rules

@@ -27,12 +27,15 @@ void RuleBuilder::registerNamed(File const& file) {
         return;
       }
       auto rule = make(name.node->value);
+      rule->setRulePlace(isExpression(*body.node)                    ? body.placeOfExpression(1)
+                         : body.node->kind == YamlNode::Kind::Scalar ? body.placeOfExpression(0)
+                                                                     : body.place());
       rules.emplace(name.node->value, rule.get());
       auto& pending = bodies_.emplace_back();
       pending.rule = &rule->rule();
       pending.name = name;
       pending.body = body;
-      if (keepPlaces_) namedPlaces_.emplace(pending.rule, name);
+      if (keepPlaces_) index_.namedPlaces_.emplace(pending.rule, name);
       add(name.node->value, std::move(rule));
     });
   };

@@ -148,7 +148,8 @@ void RuleBuilder::readObjects(Item const& section) {
 
 void RuleBuilder::readObject(Item const& name, Item const& body) {
   auto& object = data_->addObject(name.node->value);
-  if (keepPlaces_) objects_.try_emplace(name.node->value, name);
+  if (!object.rulePlace.isKnown()) object.rulePlace = name.place();
+  if (keepPlaces_) index_.objects_.try_emplace(name.node->value, name);
   owner_ = {name.node->value, {}, false};
   forEachKnown(body, "an object", objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
     switch (key) {
@@ -237,6 +238,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   ParamAvail entry;
   ParamValueDef def;
   entry.name = name.node->value;
+  entry.rulePlace = name.place();
+  def.rulePlace = entry.rulePlace;
   Item type;
   bool typeKnown = false;
   Item fixedList;
@@ -308,7 +311,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
       case ParamKey::AllowedList:
         fixedList = value;
         if (auto items = texts(value, false, "a computed list stands in Value List Source, without the '='")) {
-          def.allowedValues = sharedFixedList(std::move(*items));
+          def.allowedValues = sharedFixedList(value, std::move(*items));
           def.allowedValueKind = ParamValueDef::FixedAllowedValues;
         }
         break;
@@ -329,7 +332,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
       case ParamKey::Subset:
         subset = value;
         if (auto items = texts(value, false, "a computed subset stands in Subset Value List Source, without the '='")) {
-          def.subset = sharedFixedList(std::move(*items));
+          def.subset = sharedFixedList(value, std::move(*items));
         }
         break;
       case ParamKey::SubsetSource:
@@ -389,7 +392,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
           "the object has a parameter " + inQuotes(name.node->value) + " already");
     return;
   }
-  if (keepPlaces_) params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+  if (keepPlaces_) index_.params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
 }
 
 void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& body) {
@@ -403,6 +406,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
 
   ChildAvail entry;
   entry.type = name.node->value;
+  entry.rulePlace = name.place();
   EntryPlace place;
   place.name = name;
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
@@ -440,10 +444,10 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
         yesNo(value, entry.coupled);
         break;
       case ChildKey::AllowedNames:
-        entry.allowedNamesSource = listOrExpression(value, attribute);
+        entry.allowedNamesSource = names(value, attribute);
         break;
       case ChildKey::DefaultNames:
-        entry.defaultNamesSource = listOrExpression(value, attribute);
+        entry.defaultNamesSource = names(value, attribute);
         break;
     }
   });
@@ -452,7 +456,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
           "the object has a child type " + inQuotes(name.node->value) + " already");
     return;
   }
-  if (keepPlaces_) children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+  if (keepPlaces_) index_.children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
 }
 
 }  // namespace tarn::rules

@@ -131,32 +131,46 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
   use.entry = owner_.entry;
   use.ofChild = owner_.ofChild;
   use.attribute = attribute;
-  uses_.push_back(std::move(use));
+  index_.uses_.push_back(std::move(use));
 }
 
+namespace {
+
+/// A rule of a parsed expression with its place; null when there is none, because it could not be parsed.
+template <typename Rule>
+std::unique_ptr<Rule> placed(CompiledPtr expression, Item const& item, std::size_t skipped) {
+  if (!expression) return nullptr;
+  auto rule = std::make_unique<Rule>(std::move(expression));
+  rule->setRulePlace(item.placeOfExpression(skipped));
+  return rule;
+}
+
+}  // namespace
+
 std::unique_ptr<Condition> RuleBuilder::condition(Item const& item, std::string_view attribute) {
-  auto expression = compiled(item, 0, Role::Condition, attribute);
-  return expression ? std::make_unique<CompiledCondition>(std::move(expression)) : nullptr;
+  return placed<CompiledCondition>(compiled(item, 0, Role::Condition, attribute), item, 0);
 }
 
 std::unique_ptr<TextExpression> RuleBuilder::textOrExpression(Item const& item, std::string_view attribute) {
   if (!scalar(item, attribute)) return nullptr;
-  if (!isExpression(*item.node)) return std::make_unique<FixedText>(item.node->value);
-  auto expression = compiled(item, 1, Role::Text, attribute);
-  return expression ? std::make_unique<CompiledText>(std::move(expression)) : nullptr;
+  if (isExpression(*item.node)) return placed<CompiledText>(compiled(item, 1, Role::Text, attribute), item, 1);
+  auto text = std::make_unique<FixedText>(item.node->value);
+  text->setRulePlace(item.place());
+  return text;
 }
 
 std::unique_ptr<ListExpression> RuleBuilder::listExpression(Item const& item, std::string_view attribute) {
-  auto expression = compiled(item, 0, Role::List, attribute);
-  return expression ? std::make_unique<CompiledList>(std::move(expression)) : nullptr;
+  return placed<CompiledList>(compiled(item, 0, Role::List, attribute), item, 0);
 }
 
-std::unique_ptr<ListExpression> RuleBuilder::sharedFixedList(std::vector<std::string> items) {
+std::unique_ptr<ListExpression> RuleBuilder::sharedFixedList(Item const& item, std::vector<std::string> items) {
   std::string key;
-  for (auto const& item : items) key.append(std::to_string(item.size())).append(":").append(item);
+  for (auto const& text : items) key.append(std::to_string(text.size())).append(":").append(text);
   auto const [known, isNew] = sharedLists_.try_emplace(std::move(key));
   if (isNew) known->second = std::move(items);
-  return std::make_unique<FixedList>(known->second);
+  auto list = std::make_unique<FixedList>(known->second);
+  list->setRulePlace(item.place());
+  return list;
 }
 
 ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attribute,
@@ -215,12 +229,9 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
   return std::make_unique<GuardedList>(std::move(items));
 }
 
-std::unique_ptr<ListExpression> RuleBuilder::listOrExpression(Item const& item, std::string_view attribute) {
+std::unique_ptr<ListExpression> RuleBuilder::names(Item const& item, std::string_view attribute) {
   if (item.node->kind != YamlNode::Kind::Sequence) {
-    if (isExpression(*item.node)) {
-      auto expression = compiled(item, 1, Role::List, attribute);
-      return expression ? std::make_unique<CompiledList>(std::move(expression)) : nullptr;
-    }
+    if (isExpression(*item.node)) return placed<CompiledNames>(compiled(item, 1, Role::List, attribute), item, 1);
     (void)texts(item, false);
     return nullptr;
   }
@@ -228,9 +239,11 @@ std::unique_ptr<ListExpression> RuleBuilder::listOrExpression(Item const& item, 
   if (auto guarded = guardedItems(item, attribute, fixed, nullptr)) {
     auto compiledList = std::make_shared<Compiled>();
     compiledList->expression = keepContextFreeParts(std::move(guarded));
-    return std::make_unique<CompiledList>(std::move(compiledList));
+    auto list = std::make_unique<CompiledNames>(std::move(compiledList));
+    list->setRulePlace(item.place());
+    return list;
   }
-  return fixed ? sharedFixedList(std::move(*fixed)) : nullptr;
+  return fixed ? sharedFixedList(item, std::move(*fixed)) : nullptr;
 }
 
 }  // namespace tarn::rules

@@ -38,11 +38,13 @@ constexpr auto globalKeys =
 
 }  // namespace
 
-RuleBuilder::RuleBuilder(DiagnosticList& diagnostics, LoadLimits const& limits)
-    : diagnostics_(diagnostics), limits_(limits), data_(std::make_unique<PhysicsData>()) {}
-
-void RuleBuilder::addFile(SourceText const& source, YamlNode const& root) {
-  files_.push_back({&source, &root, {}});
+RuleBuilder::RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diagnostics, LoadLimits const& limits)
+    : index_(index),
+      keepPlaces_(keepPlaces),
+      diagnostics_(diagnostics),
+      limits_(limits),
+      data_(std::make_unique<PhysicsData>()) {
+  for (auto const& file : index.files()) files_.push_back({file.source, file.root, {}});
 }
 
 void RuleBuilder::build() {
@@ -63,7 +65,7 @@ void RuleBuilder::build() {
   for (auto const& later : laterUses_) {
     owner_ = later.owner;
     if (auto const expression = compiled(later.item, later.skipped, later.role, later.attribute)) {
-      uses_.back().named = later.named;
+      index_.uses_.back().named = later.named;
     }
   }
 }
@@ -149,7 +151,7 @@ void RuleBuilder::readRoots(Item const& section) {
     Item const item{section.source, child};
     if (child->kind != YamlNode::Kind::Scalar || !isName(item, "a root type")) continue;
     data_->addPertinentRoot(child->value);
-    if (keepPlaces_) roots_.emplace_back(child->value, item);
+    if (keepPlaces_) index_.roots_.emplace_back(child->value, item);
   }
 }
 
@@ -202,8 +204,9 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
     if (!check && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Check'");
     if (!message && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Message'");
     if (condition && text) {
-      data_->addGlobalCheck(name.node->value,
-                            std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text)));
+      auto rule = std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text));
+      rule->setRulePlace(check.placeOfExpression(0));
+      data_->addGlobalCheck(name.node->value, std::move(rule));
     }
   });
 }

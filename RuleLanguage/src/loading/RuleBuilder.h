@@ -15,39 +15,11 @@
 #include <tarn/rules/RuleLoader.h>
 
 #include "diagnostics/DiagnosticList.h"
-#include "diagnostics/SourceText.h"
 #include "expression/CompiledRules.h"
 #include "expression/Parser.h"
-#include "yaml/YamlDocument.h"
+#include "loading/RuleIndex.h"
 
 namespace tarn::rules {
-
-/// A YAML node together with the file it stands in.
-struct Item {
-  SourceText const* source = nullptr;
-  YamlNode const* node = nullptr;
-
-  explicit operator bool() const noexcept { return node != nullptr; }
-};
-
-/// Where an expression is used, for those who look at the rules after they were read.
-struct ExpressionUse {
-  Item item;                // the scalar it stands in
-  std::size_t skipped = 0;  // bytes of the scalar before the expression: of "= ..." the "="
-  CompiledPtr compiled;
-  Role role = Role::Condition;
-  std::string typePath;  // of the object whose rule it is; empty for checks, lists and global checks
-  std::string entry;     // the parameter or child type
-  bool ofChild = false;
-  std::string attribute;
-  NamedRule const* named = nullptr;  // the named rule whose body it is
-};
-
-/// Where an entry of an object stands, with its attributes by name.
-struct EntryPlace {
-  Item name;
-  std::map<std::string_view, Item> attributes;
-};
 
 /// Builds a rule database from parsed rule files: reads the sections, parses expressions, and tells of everything that
 /// is wrong with the form of the rules. What is doubtful but allowed is not looked at here.
@@ -56,26 +28,15 @@ struct EntryPlace {
 /// checked against all names whatever the order; the second reads all else.
 class RuleBuilder {
  public:
-  RuleBuilder(DiagnosticList& diagnostics, LoadLimits const& limits);
+  /// Builds from the files of `index`. With `keepPlaces` it enters into the index where everything is written, which
+  /// takes time and memory that loading alone does not need.
+  RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diagnostics, LoadLimits const& limits);
 
-  /// Takes the root of one parsed file.
-  void addFile(SourceText const& source, YamlNode const& root);
-  /// Reads what was added. Complete only if no error was told.
+  /// Reads all files. The database is complete only when no errors were added to the diagnostics.
   void build();
 
   [[nodiscard]] std::unique_ptr<PhysicsData> takeData() { return std::move(data_); }
   [[nodiscard]] PhysicsData const& data() const { return *data_; }
-
-  /// Asks for `uses` and `places` to be kept.
-  void keepPlaces() { keepPlaces_ = true; }
-  [[nodiscard]] std::vector<ExpressionUse> const& uses() const noexcept { return uses_; }
-  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& paramPlaces() const { return params_; }
-  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& childPlaces() const {
-    return children_;
-  }
-  [[nodiscard]] std::map<std::string, Item> const& objectPlaces() const { return objects_; }
-  [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
-  [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
 
  private:
   struct File {
@@ -148,11 +109,12 @@ class RuleBuilder {
   [[nodiscard]] std::unique_ptr<Condition> condition(Item const& item, std::string_view attribute);
   [[nodiscard]] std::unique_ptr<TextExpression> textOrExpression(Item const& item, std::string_view attribute);
   [[nodiscard]] std::unique_ptr<ListExpression> listExpression(Item const& item, std::string_view attribute);
-  [[nodiscard]] std::unique_ptr<ListExpression> listOrExpression(Item const& item, std::string_view attribute);
+  /// Names of children: a list, of which some items may be `{Value, When}`, or a computed list.
+  [[nodiscard]] std::unique_ptr<ListExpression> names(Item const& item, std::string_view attribute);
   /// The items of a list of which some may be `{Value, When}`; null for a list of plain texts, which goes to `fixed`.
   [[nodiscard]] ExpressionPtr guardedItems(Item const& item, std::string_view attribute,
                                            std::optional<std::vector<std::string>>& fixed, PendingBody* named);
-  [[nodiscard]] std::unique_ptr<ListExpression> sharedFixedList(std::vector<std::string> items);
+  [[nodiscard]] std::unique_ptr<ListExpression> sharedFixedList(Item const& item, std::vector<std::string> items);
   void noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
                std::string_view attribute);
 
@@ -174,9 +136,10 @@ class RuleBuilder {
   [[nodiscard]] bool isTypePath(Item const& item);
   [[nodiscard]] bool isName(Item const& item, std::string_view what);
 
+  RuleIndex& index_;
+  bool keepPlaces_;
   DiagnosticList& diagnostics_;
   LoadLimits const& limits_;
-  bool keepPlaces_ = false;
   std::unique_ptr<PhysicsData> data_;
   std::vector<File> files_;
   NamedRules named_;
@@ -193,13 +156,6 @@ class RuleBuilder {
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   Owner owner_;
   std::vector<LaterUse> laterUses_;
-
-  std::vector<ExpressionUse> uses_;
-  std::map<std::pair<std::string, std::string>, EntryPlace> params_;
-  std::map<std::pair<std::string, std::string>, EntryPlace> children_;
-  std::map<std::string, Item> objects_;
-  std::vector<std::pair<std::string, Item>> roots_;
-  std::map<NamedRule const*, Item> namedPlaces_;
 };
 
 }  // namespace tarn::rules

@@ -100,10 +100,12 @@ SourceRange rangeInScalar(SourceText const& source, YamlNode const& scalar, std:
   std::string_view const value = scalar.value;
   offset = std::min(offset, value.size());
   std::size_t const begin = findInScalar(source, scalar, offset, walk);
-  if (length == 0 || offset == value.size()) return {source.placeOf(begin), source.placeOf(begin)};
+  length = std::min(length, value.size() - offset);
+  while (length > 0 && value[offset + length - 1] == '\n') --length;  // no mark in the next line
+  if (length == 0) return {source.placeOf(begin), source.placeOf(begin)};
 
   // The end is the end of the last character, not the beginning of the next one: that may be lines below.
-  std::size_t last = std::min(offset + length, value.size()) - 1;
+  std::size_t last = offset + length - 1;
   while (last > offset && (static_cast<unsigned char>(value[last]) & 0xC0) == 0x80) --last;
   std::size_t const at = last == offset ? begin : findInScalar(source, scalar, last, walk);
   std::string_view const file = source.text();

@@ -206,6 +206,7 @@ class Builder {
     auto const& scalar = event.data.scalar;
     node->value.assign(reinterpret_cast<char const*>(scalar.value), scalar.length);
     node->style = styleOf(scalar.style);
+    node->hasProperties = scalar.anchor != nullptr || scalar.tag != nullptr;
     remember(scalar.anchor, node);
     return place(node, node->place());
   }

@@ -18,6 +18,7 @@ struct YamlNode {
   Kind kind = Kind::Scalar;
   Style style = Style::Plain;
   bool flow = false;
+  bool hasProperties = false;  // an anchor or a tag is written before it; its range begins with them
   std::uint32_t line = 1;
   std::uint32_t column = 1;
   std::uint32_t endLine = 1;

@@ -416,6 +416,14 @@ class RuleFiles : public testing::Test {
   fs::path folder_;
 };
 
+TEST_F(RuleFiles, OnePathNeedsNoList) {
+  auto const file = write("flow.rules.yaml", "Rule Database: 1\nPertinent Roots: [Case]\n");
+  EXPECT_THAT(loadRules(file)->getPertinentGlobalCheckRoots(), ElementsAre("Case"));
+  EXPECT_THAT(loadRules(file.string())->getPertinentGlobalCheckRoots(), ElementsAre("Case"));
+  EXPECT_THAT(loadRules(folder_)->getPertinentGlobalCheckRoots(), ElementsAre("Case"));
+  EXPECT_THAT(loadRules({file})->getPertinentGlobalCheckRoots(), ElementsAre("Case"));
+}
+
 TEST_F(RuleFiles, OfAFolderTheRuleFilesAreTakenInTheOrderOfTheirNames) {
   write("20-b.rules.yaml", "Rule Database: 1\nObjects: {/Case: {Parameters: {B: {Parameter Type: Real}}}}\n");
   write("10-c.rules.yaml", "Rule Database: 1\nObjects: {/Case: {Parameters: {C: {Parameter Type: Real}}}}\n");

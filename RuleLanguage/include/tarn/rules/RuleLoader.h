@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -42,6 +43,12 @@ struct LoadLimits {
 /// size of the files.
 [[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> loadRules(
     std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits = {});
+
+/// The same for one file or folder: `loadRules("flow.rules.yaml")`.
+template <std::convertible_to<std::filesystem::path> Path>
+[[nodiscard]] std::unique_ptr<PhysicsData> loadRules(Path const& fileOrFolder, LoadLimits const& limits = {}) {
+  return loadRules(std::vector<std::filesystem::path>{fileOrFolder}, limits);
+}
 
 /// Loads a rule database from the text of one rule file. `sourceName` stands for the file in diagnostics.
 [[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> parseRules(std::string const& text,

@@ -1,0 +1,15 @@
+#include <tarn/RulePlace.h>
+
+namespace tarn {
+
+std::string const& RulePlace::source() const noexcept {
+  static std::string const none;
+  return source_ ? *source_ : none;
+}
+
+std::string RulePlace::text() const {
+  if (!isKnown()) return {};
+  return *source_ + ":" + std::to_string(line_) + ":" + std::to_string(column_);
+}
+
+}  // namespace tarn

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <tarn/RulePlace.h>
+#include <tarn/rules/RuleLoader.h>
+
+#include "diagnostics/DiagnosticList.h"
+#include "diagnostics/SourceText.h"
+#include "expression/CompiledRules.h"
+#include "expression/Parser.h"
+#include "loading/RuleFileSet.h"
+#include "yaml/YamlDocument.h"
+
+namespace tarn::rules {
+
+/// A YAML node together with its file. Valid as long as the `RuleIndex` that owns both.
+struct Item {
+  SourceText const* source = nullptr;
+  YamlNode const* node = nullptr;
+
+  explicit operator bool() const noexcept { return node != nullptr; }
+  /// Where the node begins.
+  [[nodiscard]] RulePlace place() const;
+  /// Where the expression begins that follows `skipped` bytes of the scalar, blanks left out.
+  [[nodiscard]] RulePlace placeOfExpression(std::size_t skipped) const;
+};
+
+/// One use of an expression: where it is written and what it is used for.
+struct ExpressionUse {
+  Item item;                // the scalar that holds it
+  std::size_t skipped = 0;  // bytes of the scalar before the expression: of "= ..." the "="
+  CompiledPtr compiled;
+  Role role = Role::Condition;
+  std::string typePath;  // of the object that owns the rule; empty for checks, lists and global checks
+  std::string entry;     // the parameter or child type
+  bool ofChild = false;
+  std::string attribute;
+  NamedRule const* named = nullptr;  // the named rule, when the expression is its body
+};
+
+/// Where an entry of an object and each of its attributes are written.
+struct EntryPlace {
+  Item name;
+  std::map<std::string_view, Item> attributes;
+};
+
+/// Where everything in a rule base is written. It owns the text and the YAML of all files, and knows for every rule the
+/// node that it was read from. Lint works on it, and so can everything else that needs the files behind the rules; the
+/// rules themselves carry their `RulePlace` and live without it.
+class RuleIndex {
+ public:
+  RuleIndex() = default;
+  RuleIndex(RuleIndex const&) = delete;
+  RuleIndex& operator=(RuleIndex const&) = delete;
+
+  /// Reads files and folders, as `loadRules` takes them, and parses their YAML. Problems go to `diagnostics`; a file
+  /// that has some is left out of `files`.
+  void read(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits,
+            DiagnosticList& diagnostics);
+  /// The same for one text.
+  void readText(std::string const& text, std::string const& sourceName, LoadLimits const& limits,
+                DiagnosticList& diagnostics);
+
+  struct File {
+    SourceText const* source;
+    YamlNode const* root;
+  };
+  /// The files that are YAML, in the order in which their rules count.
+  [[nodiscard]] std::vector<File> const& files() const noexcept { return files_; }
+  /// The names of all files and folders that were given or found, in the order of diagnostics.
+  [[nodiscard]] std::vector<std::string> const& names() const noexcept { return set_.names; }
+  [[nodiscard]] bool hasUnreadable() const noexcept { return set_.unreadable; }
+
+  /// The uses of expressions in the order of reading, and the positions of entries, objects, roots and named rules.
+  /// Filled by `RuleBuilder` when it was asked to. The pairs are type path and name.
+  [[nodiscard]] std::vector<ExpressionUse> const& uses() const noexcept { return uses_; }
+  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& paramPlaces() const { return params_; }
+  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& childPlaces() const {
+    return children_;
+  }
+  [[nodiscard]] std::map<std::string, Item> const& objectPlaces() const { return objects_; }
+  [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
+  [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
+
+ private:
+  friend class RuleBuilder;
+
+  void parse(LoadLimits const& limits, DiagnosticList& diagnostics);
+
+  RuleFileSet set_;
+  std::deque<YamlDocument> documents_;
+  std::vector<File> files_;
+
+  std::vector<ExpressionUse> uses_;
+  std::map<std::pair<std::string, std::string>, EntryPlace> params_;
+  std::map<std::pair<std::string, std::string>, EntryPlace> children_;
+  std::map<std::string, Item> objects_;
+  std::vector<std::pair<std::string, Item>> roots_;
+  std::map<NamedRule const*, Item> namedPlaces_;
+};
+
+}  // namespace tarn::rules
