@@ -58,7 +58,7 @@ Objects:
       Domain: {Required: yes, Allowed Names: "= ${Rotors}"}
       Solver: {Required: yes, Singleton: yes}
   /Case/Domain: {Parameters: {Material: {Parameter Type: String, Required: yes, Default Value: Water}}}
-  /Case/Solver: {Parameters: {Time Step: {Parameter Type: Real, Required: yes, Default Value: 1 [s]}}}
+  /Case/Solver: {Parameters: {Time Step: {Parameter Type: Real, Required: yes, Default Value: 1}}}
 )yaml");
   ModelState const model{{"/Case", {{"Rotors", ",a/b,c:d,rotor"}}}};
   BasicPhysicsErrorLogger findings;

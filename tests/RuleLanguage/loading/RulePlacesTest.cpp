@@ -51,10 +51,10 @@ TEST(RulePlaces, EntriesKnowTheirNames) {
   auto const& domain = *data->getObjDependDef("/Case/Domain", true);
 
   EXPECT_EQ(domain.rulePlace.text(), "flow.rules.yaml:10:3");
-  EXPECT_EQ(data->getObjDependDef("/Library", true)->rulePlace.text(), "flow.rules.yaml:30:3");
+  EXPECT_EQ(data->getObjDependDef("/Library", true)->rulePlace.text(), "flow.rules.yaml:29:3");
   EXPECT_EQ(domain.findParam("Motion")->rulePlace.text(), "flow.rules.yaml:12:7");
   EXPECT_EQ(domain.findValueDef("Speed")->rulePlace.text(), "flow.rules.yaml:13:7");
-  EXPECT_EQ(domain.findChild("Boundary")->rulePlace.text(), "flow.rules.yaml:24:7");
+  EXPECT_EQ(domain.findChild("Boundary")->rulePlace.text(), "flow.rules.yaml:23:7");
 }
 
 TEST(RulePlaces, ExpressionsKnowWhereTheirTextBegins) {
@@ -69,8 +69,8 @@ TEST(RulePlaces, ExpressionsKnowWhereTheirTextBegins) {
   EXPECT_EQ(speed.defaultChecks.at(0).value->rulePlace().text(), "flow.rules.yaml:20:38");
   EXPECT_EQ(domain.findValueDef("Größe")->lowerBound->rulePlace().text(), "flow.rules.yaml:21:52")
       << "a column counts characters";
-  EXPECT_EQ(domain.findChild("Boundary")->available->rulePlace().text(), "flow.rules.yaml:26:11") << "in a block";
-  EXPECT_EQ(domain.findChild("Boundary")->defaultNamesSource->rulePlace().text(), "flow.rules.yaml:27:26");
+  EXPECT_EQ(domain.findChild("Boundary")->available->rulePlace().text(), "flow.rules.yaml:25:11") << "in a block";
+  EXPECT_EQ(domain.findChild("Boundary")->defaultNamesSource->rulePlace().text(), "flow.rules.yaml:26:26");
 }
 
 TEST(RulePlaces, FixedTextsAndListsKnowWhereTheyAreWritten) {
