@@ -13,7 +13,7 @@ import sys
 # What an example cannot show on every machine, or takes a gigabyte to show.
 NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
-    "no rule file is named", "the file has more than ", " YAML nodes; divide it",
+    "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
     # Of the C++ interface alone.
     '" is no path pattern: ',
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.

@@ -103,8 +103,8 @@ std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& fil
   }
   if (errors_ > limit_ && !result.empty()) {
     auto last = aboutFile(Code::TooManyErrors, result.back().source,
-                          "there are " + std::to_string(errors_) + " errors, of which the first " +
-                              std::to_string(limit_) + " found are shown");
+                          "there are " + std::to_string(errors_) + " errors; only the first " + std::to_string(limit_) +
+                              " found are shown");
     result.push_back(std::move(last));
   }
   list_.clear();

@@ -79,7 +79,7 @@ void RuleBuilder::parseNamedBodies() {
         pending.expression = std::make_unique<ListLiteral>(Range{}, std::move(items));
       }
     } else {
-      error(Code::WrongKind, pending.body, "a list is written as [a, b, c], or computed by one expression behind '='");
+      error(Code::WrongKind, pending.body, "write a list as [a, b, c], or compute it by one expression after '='");
     }
     for (std::size_t i = usesBefore; i < laterUses_.size(); ++i) laterUses_[i].named = pending.rule;
   }
@@ -140,14 +140,14 @@ void RuleBuilder::bindNamedRules() {
       pending.nesting += nestingBelow;
       if (pending.nesting > limits_.nestingDepth) {
         error(Code::LimitExceeded, pending.name,
-              "together with what it calls this rule is nested deeper than " + std::to_string(limits_.nestingDepth) +
-                  " levels; state it flatter");
+              "this rule and the rules that it calls are nested deeper than " + std::to_string(limits_.nestingDepth) +
+                  " levels; use fewer levels");
         pending.nesting = 0;
       }
       if (pending.callCount > limits_.callCount) {
         error(Code::LimitExceeded, pending.name,
-              "one evaluation of this rule comes to more than " + std::to_string(limits_.callCount) +
-                  " calls of named rules; state it with fewer");
+              "one evaluation of this rule makes more than " + std::to_string(limits_.callCount) +
+                  " calls of named rules; use fewer calls");
         pending.callCount = 0;
       }
       if (pending.expression) pending.rule->bind(std::move(pending.expression), std::move(pending.source));

@@ -119,17 +119,18 @@ bool holdsSeparator(std::string_view name) {
 bool RuleBuilder::isTypePath(Item const& item) {
   std::string_view const path = item.node->value;
   if (!path.starts_with('/')) {
-    error(Code::InvalidTypePath, item, "an object type path begins with '/': /" + std::string(path.substr(0, 100)));
+    error(Code::InvalidTypePath, item,
+          "an object type path must begin with '/'; write " + inQuotes("/" + std::string(path.substr(0, 100))));
     return false;
   }
   std::size_t begin = 1;
   for (;;) {
     std::size_t const end = std::min(path.find('/', begin), path.size());
     auto const type = path.substr(begin, end - begin);
-    if (type.empty()) return error(Code::InvalidTypePath, item, "a type in the path is empty"), false;
+    if (type.empty()) return error(Code::InvalidTypePath, item, "the path has an empty type"), false;
     if (type.find(':') != std::string_view::npos) {
       return error(Code::InvalidTypePath, item,
-                   "an object type path holds types only, without names: remove the ':' and what follows it"),
+                   "an object type path has types only; remove the ':' and the name after it"),
              false;
     }
     if (isSpace(type.front()) || isSpace(type.back())) {
@@ -194,7 +195,7 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
   if (item.node->kind != YamlNode::Kind::Sequence) {
     if (!isNothing(*item.node)) {
       error(Code::WrongKind, item,
-            std::string(attribute) + " is a list of {When: condition, Value: value}, not " +
+            std::string(attribute) + " must be a list of {When: condition, Value: value}, but this is " +
                 std::string(kindText(*item.node)));
     }
     return result;
@@ -203,7 +204,7 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
     Item const entry{item.source, child};
     if (child->kind != YamlNode::Kind::Mapping) {
       error(Code::WrongKind, entry,
-            "an item here is {When: condition, Value: value}, not " + std::string(kindText(*child)));
+            "an item must be {When: condition, Value: value}, but this is " + std::string(kindText(*child)));
       continue;
     }
     ParamValueDef::GuardedText guarded;
@@ -220,7 +221,7 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
                    }
                  });
     if (!whenGiven)
-      error(Code::MissingKey, entry, "the item has no 'When'; the value without a condition is the default value");
+      error(Code::MissingKey, entry, "the item has no 'When'; write 'When: true' if the value always applies");
     if (!valueGiven) error(Code::MissingKey, entry, "the item has no 'Value'");
     if (guarded.when && guarded.value) result.push_back(std::move(guarded));
   }
@@ -228,9 +229,9 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
 }
 
 void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item const& body) {
-  if (!isName(name, "the name of a parameter")) return;
+  if (!isName(name, "a parameter name")) return;
   if (holdsSeparator(name.node->value)) {
-    error(Code::InvalidName, name, "the name of a parameter cannot hold '/' or ':'");
+    error(Code::InvalidName, name, "a parameter name cannot contain '/' or ':'");
     return;
   }
   owner_ = {object.typePath(), name.node->value, false};
@@ -302,15 +303,16 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
             auto& diagnostic = error(
                 Code::UnknownParameterType, value,
                 "unknown parameter type " + inQuotes(given->substr(0, 60)) +
-                    (near.empty() ? "; the types are Integer, Logical, Real and String, each also with List behind it"
-                                  : didYouMean(near)));
+                    (near.empty()
+                         ? "; the types are Integer, Logical, Real and String, and each of them with List after it"
+                         : didYouMean(near)));
             if (!near.empty()) fixText(diagnostic, value, near);
           }
         }
         break;
       case ParamKey::AllowedList:
         fixedList = value;
-        if (auto items = texts(value, false, "a computed list stands in Value List Source, without the '='")) {
+        if (auto items = texts(value, false, "write a computed list in Value List Source, without the '='")) {
           def.allowedValues = sharedFixedList(value, std::move(*items));
           def.allowedValueKind = ParamValueDef::FixedAllowedValues;
         }
@@ -331,7 +333,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
         break;
       case ParamKey::Subset:
         subset = value;
-        if (auto items = texts(value, false, "a computed subset stands in Subset Value List Source, without the '='")) {
+        if (auto items = texts(value, false, "write a computed subset in Subset Value List Source, without the '='")) {
           def.subset = sharedFixedList(value, std::move(*items));
         }
         break;
@@ -376,11 +378,11 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   if (!type && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the parameter has no 'Parameter Type'");
   if (fixedList && listSource) {
     twice(Code::ConflictingKeys, listSource, fixedList,
-          "the allowed values are given twice: keep the fixed list or the Value List Source");
+          "the allowed values are given twice; keep either Ordered Allowed String List or Value List Source");
   }
   if (subset && subsetSource) {
     twice(Code::ConflictingKeys, subsetSource, subset,
-          "the subset is given twice: keep the fixed one or the Subset Value List Source");
+          "the subset is given twice; keep either Subset Allowed String List or Subset Value List Source");
   }
   if (def.completeListRequired && typeKnown && !TDFParam::isListType(def.type)) {
     error(Code::NotAListType, completeList,
@@ -389,7 +391,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   }
   if (!object.addParam(std::move(entry), std::move(def))) {
     twice(Code::DuplicateName, name, formerPlace(object.typePath(), false, name.node->value),
-          "the object has a parameter " + inQuotes(name.node->value) + " already");
+          "the object already has a parameter " + inQuotes(name.node->value));
     return;
   }
   if (keepPlaces_) index_.params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
@@ -399,7 +401,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
   if (!isName(name, "a child type")) return;
   if (holdsSeparator(name.node->value)) {
     error(Code::InvalidName, name,
-          "a child type cannot hold '/' or ':'; deeper objects have entries of their own under Objects");
+          "a child type cannot contain '/' or ':'; give deeper objects their own entries under Objects");
     return;
   }
   owner_ = {object.typePath(), name.node->value, true};
@@ -453,7 +455,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
   });
   if (!object.addChild(std::move(entry))) {
     twice(Code::DuplicateName, name, formerPlace(object.typePath(), true, name.node->value),
-          "the object has a child type " + inQuotes(name.node->value) + " already");
+          "the object already has a child type " + inQuotes(name.node->value));
     return;
   }
   if (keepPlaces_) index_.children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));

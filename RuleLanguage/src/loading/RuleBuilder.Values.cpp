@@ -17,9 +17,9 @@ using StringUtilities::isSpace;
 
 std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::string_view what) {
   if (item.node->kind == YamlNode::Kind::Scalar) return item.node->value;
-  std::string message = std::string(what) + " is a single value, not " + std::string(kindText(*item.node));
+  std::string message = std::string(what) + " must be a single value, but this is " + std::string(kindText(*item.node));
   if (item.node->flow && item.node->kind == YamlNode::Kind::Mapping) {
-    message += "; an expression that begins with '{' must be quoted as a whole";
+    message += "; put quotes around an expression that begins with '{'";
   }
   error(Code::WrongKind, item, std::move(message));
   return std::nullopt;
@@ -44,7 +44,7 @@ void RuleBuilder::yesNo(Item const& item, bool& value) {
       return;
     }
   }
-  error(Code::NotYesOrNo, item, "yes or no is needed here, not " + inQuotes(text->substr(0, 60)));
+  error(Code::NotYesOrNo, item, "this must be yes or no, not " + inQuotes(text->substr(0, 60)));
 }
 
 std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, bool oneAllowed,
@@ -52,11 +52,11 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
   if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};
   if (item.node->kind != YamlNode::Kind::Sequence) {
     bool const isOne = item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node);
-    std::string message = "a list of texts is needed here, not " + std::string(kindText(*item.node));
+    std::string message = "this must be a list of texts, but it is " + std::string(kindText(*item.node));
     if (!otherwise.empty() && isExpression(*item.node)) {
       message += "; " + std::string(otherwise);
     } else if (isOne) {
-      message += "; a list of one is written [" + item.node->value.substr(0, 60) + "]";
+      message += "; write a list of one as [" + item.node->value.substr(0, 60) + "]";
     }
     auto& diagnostic = error(Code::WrongKind, item, std::move(message));
     if (isOne) fixAsList(diagnostic, item);
@@ -70,7 +70,7 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
       result.push_back(child->value);
     } else {
       error(Code::WrongKind, {item.source, child},
-            "an item of this list is a single text, not " + std::string(kindText(*child)));
+            "an item of this list must be a single text, but this is " + std::string(kindText(*child)));
       good = false;
     }
   }
@@ -81,7 +81,8 @@ std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, boo
 bool RuleBuilder::isMapping(Item const& item, std::string_view what) {
   if (item.node->kind == YamlNode::Kind::Mapping) return true;
   if (!isNothing(*item.node)) {
-    error(Code::WrongKind, item, std::string(what) + " is a map, not " + std::string(kindText(*item.node)));
+    error(Code::WrongKind, item,
+          std::string(what) + " must be a map, but this is " + std::string(kindText(*item.node)));
   }
   return false;
 }
@@ -192,7 +193,8 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     if (child->kind == YamlNode::Kind::Scalar) {
       guarded.value = fixedText(childItem);
     } else if (child->kind == YamlNode::Kind::Sequence) {
-      error(Code::WrongKind, childItem, "an item of this list is a single text, not " + std::string(kindText(*child)));
+      error(Code::WrongKind, childItem,
+            "an item of this list must be a single text, but this is " + std::string(kindText(*child)));
       good = false;
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {

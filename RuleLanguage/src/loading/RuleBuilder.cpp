@@ -110,14 +110,15 @@ void RuleBuilder::fixAsList(Diagnostic& diagnostic, Item const& item) {
 
 void RuleBuilder::twice(Code code, Item const& item, Item const& former, std::string message) {
   auto& diagnostic = error(code, item, std::move(message));
-  if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "it stands here already");
+  if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "the first one is here");
 }
 
 void RuleBuilder::readHeader(File& file) {
   Item const root{file.source, file.root};
   if (root.node->kind != YamlNode::Kind::Mapping) {
     error(Code::WrongKind, root,
-          "a rule file is a map that begins with 'Rule Database: 1', not " + std::string(kindText(*root.node)));
+          "a rule file must be a map that begins with 'Rule Database: 1', but this is " +
+              std::string(kindText(*root.node)));
     return;
   }
   bool versionGiven = false;
@@ -130,12 +131,12 @@ void RuleBuilder::readHeader(File& file) {
     auto const version = scalar(value, "the version");
     if (version && *version != "1") {
       error(Code::UnknownVersion, value,
-            "version " + inQuotes(version->substr(0, 60)) + " of the format is not known; this program reads 1");
+            "unknown format version " + inQuotes(version->substr(0, 60)) + "; this program reads version 1");
     }
   });
   if (!versionGiven) {
-    auto& diagnostic =
-        diagnostics_.add(Code::MissingVersion, *file.source, {}, "the file does not say 'Rule Database: 1'");
+    auto& diagnostic = diagnostics_.add(Code::MissingVersion, *file.source, {},
+                                        "the key 'Rule Database' is missing; begin the file with 'Rule Database: 1'");
     if (!root.node->flow && root.node->column == 1) {
       Place const begin = root.node->place();
       DiagnosticList::fix(diagnostic, *file.source, {begin, begin}, "Rule Database: 1\n", "Insert 'Rule Database: 1'");
@@ -169,7 +170,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       auto units = texts(value, false);
       if (!units) return;
       if (units->empty()) {
-        error(Code::NoUnits, value, "a quantity type needs at least one of its units");
+        error(Code::NoUnits, value, "a quantity type needs at least one unit");
         return;
       }
       data_->addQuantityType(name.node->value, *units);

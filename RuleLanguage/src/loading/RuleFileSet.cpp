@@ -82,7 +82,7 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
       refuse(path.string(), reason);
     } else if (found.empty()) {
       diagnostics.addAboutFile(Code::NoRuleFiles, path.string(),
-                               "the folder holds no rule files; their names end in .rules.yaml");
+                               "the folder contains no rule files; their names must end in .rules.yaml");
       unreadable = true;
     }
     std::sort(found.begin(), found.end(),
@@ -90,7 +90,7 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
     for (auto const& file : found) readOne(file);
   }
   if (filesOrFolders.empty()) {
-    diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no rule file is named");
+    diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no rule file is given");
     unreadable = true;
   }
 }

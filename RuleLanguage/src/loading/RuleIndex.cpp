@@ -48,7 +48,7 @@ void RuleIndex::parse(LoadLimits const& limits, DiagnosticList& diagnostics) {
     if (document.root() != nullptr) {
       files_.push_back({&source, document.root()});
     } else if (diagnostics.errorCount() == errorsBefore) {
-      diagnostics.add(Code::EmptyFile, source, {}, "the file holds no rules; it must begin with 'Rule Database: 1'");
+      diagnostics.add(Code::EmptyFile, source, {}, "the file contains no rules; it must begin with 'Rule Database: 1'");
     }
   }
 }

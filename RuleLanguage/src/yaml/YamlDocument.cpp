@@ -80,13 +80,13 @@ std::string hintFor(std::string_view problem) {
       "mapping values are not allowed in this context", "did not find expected key", "did not find expected ',' or '}'",
       "did not find expected ',' or ']'", "did not find expected <document start>"};
   if (std::find(quoting.begin(), quoting.end(), problem) != quoting.end()) {
-    return "; check the indentation, and quote as a whole a value that begins with a quote, '{', '[' or '*', or that "
-           "holds ': ' or ' #'";
+    return "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that "
+           "contains ': ' or ' #'";
   }
   if (problem == "found character that cannot start any token") {
-    return "; tabs do not indent, and a value that begins with '@', '`' or '%' must be quoted";
+    return "; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'";
   }
-  if (problem == "found undefined alias") return "; a value that begins with '*' must be quoted";
+  if (problem == "found undefined alias") return "; put quotes around a value that begins with '*'";
   return {};
 }
 
@@ -107,7 +107,7 @@ class Builder {
         case YAML_DOCUMENT_START_EVENT:
           if (root_ != nullptr) {
             return fail(Code::SeveralDocuments, rangeFrom(placeOf(event->start_mark), 3),
-                        "a rule file is one document; remove what follows '---'");
+                        "a rule file has one YAML document; remove '---' and everything after it");
           }
           break;
         case YAML_SCALAR_EVENT:
@@ -150,7 +150,7 @@ class Builder {
     std::string const problem = parser.problem != nullptr ? parser.problem : "cannot be read";
     if (parser.error == YAML_READER_ERROR) {
       return fail(Code::YamlEncoding, rangeFrom(source_.placeOf(parser.problem_offset), 1),
-                  problem + "; a rule file is plain text in UTF-8 without control characters");
+                  problem + "; a rule file must be text in UTF-8 without control characters");
     }
     std::string message = "this is not YAML: " + problem + hintFor(problem);
     Place const place = placeOf(parser.problem_mark);
@@ -164,8 +164,9 @@ class Builder {
 
   YamlNode* make(yaml_event_t const& event, YamlNode::Kind kind) {
     if (nodes_.size() >= limits_.nodes) {
-      return fail(Code::LimitExceeded, rangeFrom(placeOf(event.start_mark), 1),
-                  "the file has more than " + std::to_string(limits_.nodes) + " YAML nodes; divide it");
+      return fail(
+          Code::LimitExceeded, rangeFrom(placeOf(event.start_mark), 1),
+          "the file has more than " + std::to_string(limits_.nodes) + " YAML nodes; divide it into several files");
     }
     auto& node = nodes_.emplace_back();
     node.kind = kind;
@@ -196,7 +197,7 @@ class Builder {
     parent.weight += node->weight;
     if (parent.weight <= limits_.nodes) return true;
     fail(Code::LimitExceeded, rangeFrom(at, 1),
-         "with its aliases written out the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
+         "with each alias counted as a copy the file has more than " + std::to_string(limits_.nodes) + " YAML nodes");
     return false;
   }
 
@@ -241,11 +242,12 @@ class Builder {
     lastEnd_ = event.end_mark;
     if (found == anchors_.end()) {
       fail(Code::UnknownAnchor, rangeFrom(at, length),
-           "there is no anchor '&" + std::string(name) + "' before this; a value that begins with '*' must be quoted");
+           "there is no anchor '&" + std::string(name) +
+               "' before this; put quotes around a value that begins with '*'");
       return false;
     }
     if (std::find(open_.begin(), open_.end(), found->second) != open_.end()) {
-      fail(Code::RecursiveAlias, rangeFrom(at, length), "the alias lies within what it stands for");
+      fail(Code::RecursiveAlias, rangeFrom(at, length), "the alias is part of the value that it refers to");
       return false;
     }
     return place(found->second, at);

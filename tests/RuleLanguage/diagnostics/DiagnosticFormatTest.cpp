@@ -45,14 +45,14 @@ TEST(DiagnosticFormat, NotesFollowInTheSameForm) {
   note.source = "first.rules.yaml";
   note.line = 123456;
   note.column = 5;
-  note.message = "it stands here already";
+  note.message = "the first one is here";
   note.sourceLine = "    a: true";
   one.notes = {note};
   EXPECT_EQ(format(one),
             "flow.rules.yaml:9:3: error: 'a' is given twice\n"
             "    9 |   a: true\n"
             "      |   ^\n"
-            "first.rules.yaml:123456:5: note: it stands here already\n"
+            "first.rules.yaml:123456:5: note: the first one is here\n"
             "123456 |     a: true\n"
             "       |     ^\n");
 }

@@ -110,8 +110,8 @@ TEST_F(NamedRules, CallsThatDoubleFromLevelToLevelAreTakenUpToTenThousand) {
   for (auto const& read : reads.parameters) EXPECT_EQ(read.name, "Motion");
   EXPECT_FALSE(reads.isContextFree());
   EXPECT_EQ(test::errorsOf("Rule Database: 1\n" + doublingChecks(14)),
-            "flow.rules.yaml:16:3: error: one evaluation of this rule comes to more than 10000 calls of named rules; "
-            "state it with fewer\n"
+            "flow.rules.yaml:16:3: error: one evaluation of this rule makes more than 10000 calls of named rules; "
+            "use fewer calls\n"
             "   16 |   level 13: check('level 12') and check('level 12')\n"
             "      |   ^~~~~~~~\n");
 }
@@ -121,7 +121,7 @@ TEST_F(NamedRules, TheLimitOfCallsIsTheHosts) {
   limits.callCount = 6;
   EXPECT_EQ(test::errorsOf("Rule Database: 1\n" + doublingChecks(3), limits), "");
   EXPECT_THAT(test::errorsOf("Rule Database: 1\n" + doublingChecks(4), limits),
-              HasSubstr("comes to more than 6 calls of named rules"));
+              HasSubstr("makes more than 6 calls of named rules"));
 }
 
 TEST_F(NamedRules, LintingRulesThatDoubleTheirCallsTakesNoTime) {
@@ -154,16 +154,15 @@ TEST_F(NamedRules, TheDeepestNestingThatIsAllowedIsEvaluatedWithoutHarm) {
 TEST_F(NamedRules, NestingThatAddsUpOverCallsIsLimited) {
   EXPECT_THAT(
       test::errorsOf(nestedChecks(20, 49)),
-      HasSubstr("error: together with what it calls this rule is nested deeper than 1000 levels; state it flatter\n"));
+      HasSubstr("error: this rule and the rules that it calls are nested deeper than 1000 levels; use fewer levels\n"));
   LoadLimits limits;
   limits.nestingDepth = 6;
   EXPECT_EQ(test::errorsOf("Rule Database: 1\nChecks:\n  a: not not true\n  b: not check('a')\n", limits), "");
-  EXPECT_EQ(
-      test::errorsOf("Rule Database: 1\nChecks:\n  a: not not true\n  b: not not check('a')\n", limits),
-      "flow.rules.yaml:4:3: error: together with what it calls this rule is nested deeper than 6 levels; state it "
-      "flatter\n"
-      "    4 |   b: not not check('a')\n"
-      "      |   ^\n");
+  EXPECT_EQ(test::errorsOf("Rule Database: 1\nChecks:\n  a: not not true\n  b: not not check('a')\n", limits),
+            "flow.rules.yaml:4:3: error: this rule and the rules that it calls are nested deeper than 6 levels; use "
+            "fewer levels\n"
+            "    4 |   b: not not check('a')\n"
+            "      |   ^\n");
 }
 
 TEST_F(NamedRules, CirclesAreRefusedWithTheNamesInThem) {

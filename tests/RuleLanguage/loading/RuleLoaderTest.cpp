@@ -205,7 +205,7 @@ TEST(RuleLoader, YesAndNoInAllSpellingsAndCases) {
   }
   for (char const* const text : {"y", "n", "1", "0", "''", "' yes'", "maybe"}) {
     EXPECT_THAT(errorsOf(withParameter(std::string("Parameter Type: Real\nRequired: ") + text)),
-                HasSubstr("error: yes or no is needed here, not '"))
+                HasSubstr("error: this must be yes or no, not '"))
         << text;
   }
 }
@@ -490,37 +490,37 @@ Global Checks: {all well: {Check: "true", Message: m}}
   EXPECT_EQ(errors({a, b}), R"yaml(b.yaml:2:18: error: 'Speed' is given twice
     2 | Quantity Types: {Speed: {Units: [m/s]}}
       |                  ^~~~~
-a.yaml:2:18: note: it stands here already
+a.yaml:2:18: note: the first one is here
     2 | Quantity Types: {Speed: {Units: [m/s]}}
       |                  ^~~~~
 b.yaml:3:10: error: 'turns' is given twice
     3 | Checks: {turns: "true"}
       |          ^~~~~
-a.yaml:3:10: note: it stands here already
+a.yaml:3:10: note: the first one is here
     3 | Checks: {turns: "true"}
       |          ^~~~~
 b.yaml:4:9: error: 'fluids' is given twice
     4 | Lists: {fluids: [Water]}
       |         ^~~~~~
-a.yaml:4:9: note: it stands here already
+a.yaml:4:9: note: the first one is here
     4 | Lists: {fluids: [Water]}
       |         ^~~~~~
-b.yaml:8:7: error: the object has a parameter 'Title' already
+b.yaml:8:7: error: the object already has a parameter 'Title'
     8 |       Title: {Parameter Type: String}
       |       ^~~~~
-a.yaml:11:7: note: it stands here already
+a.yaml:11:7: note: the first one is here
    11 |       Title: {Parameter Type: String}
       |       ^~~~~
-b.yaml:10:7: error: the object has a child type 'Domain' already
+b.yaml:10:7: error: the object already has a child type 'Domain'
    10 |       Domain: {}
       |       ^~~~~~
-a.yaml:9:7: note: it stands here already
+a.yaml:9:7: note: the first one is here
     9 |       Domain: {}
       |       ^~~~~~
 b.yaml:11:17: error: 'all well' is given twice
    11 | Global Checks: {all well: {Check: "true", Message: m}}
       |                 ^~~~~~~~
-a.yaml:12:17: note: it stands here already
+a.yaml:12:17: note: the first one is here
    12 | Global Checks: {all well: {Check: "true", Message: m}}
       |                 ^~~~~~~~
 )yaml");
@@ -534,18 +534,18 @@ TEST_F(RuleFiles, AllErrorsOfAllFilesAreToldInTheOrderOfTheFiles) {
 
   EXPECT_EQ(
       errors({b, broken, folder_ / "missing.yaml", blank, a}),
-      "b.yaml:1:1: error: the file does not say 'Rule Database: 1'\n"
+      "b.yaml:1:1: error: the key 'Rule Database' is missing; begin the file with 'Rule Database: 1'\n"
       "    1 | Objects: {Case: {}}\n"
       "      | ^\n"
-      "b.yaml:1:11: error: an object type path begins with '/': /Case\n"
+      "b.yaml:1:11: error: an object type path must begin with '/'; write '/Case'\n"
       "    1 | Objects: {Case: {}}\n"
       "      |           ^~~~\n"
-      "broken.yaml:3:1: error: this is not YAML: found character that cannot start any token; tabs do not indent, "
-      "and a value that begins with '@', '`' or '%' must be quoted\n"
+      "broken.yaml:3:1: error: this is not YAML: found character that cannot start any token; indent with blanks, not "
+      "with tabs, and put quotes around a value that begins with '@', '`' or '%'\n"
       "    3 |  a: true\n"
       "      | ^\n"
       "missing.yaml: error: cannot read the rule file: No such file or directory\n"
-      "blank.yaml:1:1: error: the file holds no rules; it must begin with 'Rule Database: 1'\n"
+      "blank.yaml:1:1: error: the file contains no rules; it must begin with 'Rule Database: 1'\n"
       "    1 | # nothing\n"
       "      | ^\n"
       "a.yaml:2:13: error: unknown function 'exist'; did you mean 'exists'?\n"
@@ -555,14 +555,15 @@ TEST_F(RuleFiles, AllErrorsOfAllFilesAreToldInTheOrderOfTheFiles) {
 
 TEST_F(RuleFiles, AnEmptyFileHoldsNoRules) {
   EXPECT_EQ(errors({write("empty.yaml", "")}),
-            "empty.yaml:1:1: error: the file holds no rules; it must begin with 'Rule Database: 1'\n"
+            "empty.yaml:1:1: error: the file contains no rules; it must begin with 'Rule Database: 1'\n"
             "    1 | \n"
             "      | ^\n");
 }
 
 TEST_F(RuleFiles, AFolderWithoutRuleFilesAndNoFileAtAllAreErrors) {
-  EXPECT_EQ(errors({folder_ / ""}), ": error: the folder holds no rule files; their names end in .rules.yaml\n");
-  EXPECT_EQ(errors({}), "<rules>: error: no rule file is named\n");
+  EXPECT_EQ(errors({folder_ / ""}),
+            ": error: the folder contains no rule files; their names must end in .rules.yaml\n");
+  EXPECT_EQ(errors({}), "<rules>: error: no rule file is given\n");
 }
 
 TEST_F(RuleFiles, AFolderNamedLikeARuleFileCannotBeRead) {
@@ -621,7 +622,7 @@ TEST(RuleLoader, BeyondTheLimitErrorsAreCountedOnly) {
             "flow.rules.yaml:4:6: error: unknown function 'g'\n"
             "    4 |   b: g()\n"
             "      |      ^\n"
-            "flow.rules.yaml: error: there are 3 errors, of which the first 2 found are shown\n");
+            "flow.rules.yaml: error: there are 3 errors; only the first 2 found are shown\n");
 }
 
 /// Runs `work` and fails when it takes as long as only a careless quadratic algorithm does: minutes of the processor,
@@ -678,7 +679,7 @@ TEST(RuleLoader, AHundredThousandParametersGivenTwiceAreToldInShortTime) {
       FAIL() << "must throw";
     } catch (RuleError const& error) {
       EXPECT_EQ(error.diagnostics().size(), 1001U);
-      EXPECT_EQ(error.diagnostics()[0].message, "the object has a parameter 'P0' already");
+      EXPECT_EQ(error.diagnostics()[0].message, "the object already has a parameter 'P0'");
       EXPECT_EQ(error.diagnostics()[0].notes.size(), 1U);
     }
   });

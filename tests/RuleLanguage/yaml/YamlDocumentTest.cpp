@@ -88,7 +88,7 @@ Checks:
 TEST(YamlDocument, ATabThatIndents) {
   EXPECT_EQ(
       errorsOf("Rule Database: 1\nChecks:\n\ta: true\n"),
-      R"text(flow.rules.yaml:3:1: error: this is not YAML: found character that cannot start any token; tabs do not indent, and a value that begins with '@', '`' or '%' must be quoted
+      R"text(flow.rules.yaml:3:1: error: this is not YAML: found character that cannot start any token; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'
     3 |  a: true
       | ^
 )text");
@@ -119,18 +119,17 @@ TEST(YamlDocument, ACharacterThatUnicodeEndsALineWithEndsOneHereAsInTheYamlLibra
 }
 
 TEST(YamlDocument, ANulByteIsNoText) {
-  EXPECT_EQ(
-      errorsOf(std::string("Rule Database: 1\nChe\0cks: {}\n", 29)),
-      "flow.rules.yaml:2:4: error: control characters are not allowed; a rule file is plain text in UTF-8 without "
-      "control characters\n"
-      "    2 | Che cks: {}\n"
-      "      |    ^\n");
+  EXPECT_EQ(errorsOf(std::string("Rule Database: 1\nChe\0cks: {}\n", 29)),
+            "flow.rules.yaml:2:4: error: control characters are not allowed; a rule file must be text in UTF-8 without "
+            "control characters\n"
+            "    2 | Che cks: {}\n"
+            "      |    ^\n");
 }
 
 TEST(YamlDocument, WhatIsNoUtf8IsRefusedAtItsPlace) {
   EXPECT_EQ(
       errorsOf("Rule Database: 1\nLists: {a: [b\xFF]}\n"),
-      "flow.rules.yaml:2:14: error: invalid leading UTF-8 octet; a rule file is plain text in UTF-8 without control "
+      "flow.rules.yaml:2:14: error: invalid leading UTF-8 octet; a rule file must be text in UTF-8 without control "
       "characters\n"
       "    2 | Lists: {a: [b\xFF]}\n"
       "      |              ^\n");
@@ -146,7 +145,7 @@ TEST(YamlDocument, NestingIsLimitedInFlowAndInBlockForm) {
   EXPECT_THAT(errorsOf("Rule Database: 1\nLists:\n  " + repeated("- ", 100'000) + "a\n"), HasSubstr(message));
   EXPECT_THAT(errorsOf("Rule Database: 1\nLists:\n  " + repeated("? ", 100'000) + "a\n"), HasSubstr(message));
   EXPECT_EQ(errorsOf("Rule Database: 1\nLists: {a: [[" + repeated("[", 60) + repeated("]", 60) + "]]}\n"),
-            "flow.rules.yaml:2:13: error: an item of this list is a single text, not a list\n"
+            "flow.rules.yaml:2:13: error: an item of this list must be a single text, but this is a list\n"
             "    2 | Lists: {a: [[" +
                 repeated("[", 60) + repeated("]", 47) +
                 "...\n"
@@ -160,10 +159,11 @@ TEST(YamlDocument, AliasesThatMultiplyAreRefusedInShortTime) {
     std::string const below = "*x" + std::to_string(i - 1);
     file += "x" + std::to_string(i) + ": &x" + std::to_string(i) + " [" + below + repeated(", " + below, 9) + "]\n";
   }
-  EXPECT_EQ(errorsOf(file),
-            "flow.rules.yaml:9:15: error: with its aliases written out the file has more than 20000000 YAML nodes\n"
-            "    9 | x7: &x7 [*x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6]\n"
-            "      |               ^\n");
+  EXPECT_EQ(
+      errorsOf(file),
+      "flow.rules.yaml:9:15: error: with each alias counted as a copy the file has more than 20000000 YAML nodes\n"
+      "    9 | x7: &x7 [*x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6, *x6]\n"
+      "      |               ^\n");
 }
 
 TEST(YamlDocument, TheNumberOfNodesIsLimited) {
@@ -171,7 +171,7 @@ TEST(YamlDocument, TheNumberOfNodesIsLimited) {
   limits.yamlNodes = 10;
   EXPECT_EQ(errorsOf("Rule Database: 1\nLists: {a: [b, c, d]}\n", limits), "");
   EXPECT_THAT(errorsOf("Rule Database: 1\nLists: {a: [b, c, d, e, f]}\n", limits),
-              HasSubstr("error: the file has more than 10 YAML nodes; divide it"));
+              HasSubstr("error: the file has more than 10 YAML nodes; divide it into several files"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <vector>
 
 #include <tarn/Error.h>
@@ -8,15 +9,23 @@
 
 namespace tarn::rules {
 
-/// Rule files that hold errors. The message is all of them as people read them.
+/// Thrown by `loadRules` and `parseRules` when rule files contain errors. The message is all of them as text, so a
+/// program that only prints it tells its user everything:
+///
+///     try {
+///       rules = tarn::rules::loadRules("flow.rules.yaml");
+///     } catch (tarn::rules::RuleError const& error) {
+///       for (auto const& one : error.diagnostics()) std::cerr << tarn::rules::format(one);
+///     }
 class TARN_EXPORT RuleError : public Error {
  public:
+  /// `diagnostics` must not be empty.
   explicit RuleError(std::vector<Diagnostic> diagnostics);
 
-  /// The errors of all files, in the order of files and of places in them. Never empty.
+  /// The errors of all files, without warnings, in the order of files and of positions in them. Never empty.
   [[nodiscard]] std::vector<Diagnostic> const& diagnostics() const noexcept { return diagnostics_; }
 
-  /// The diagnostics, ready for a terminal.
+  /// Writes the diagnostics as `format` gives them, without the last line feed.
   void write(std::ostream& stream) const override;
 
  private:

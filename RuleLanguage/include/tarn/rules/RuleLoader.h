@@ -13,34 +13,38 @@
 
 namespace tarn::rules {
 
-/// What a rule database may grow to. A file that goes beyond a limit is an error at the place where it does.
+/// Limits that keep hostile or broken files from exhausting memory, stack or time. What is beyond a limit is an error
+/// with the code "limit-exceeded" or, for a whole file, "unreadable-file". The defaults are far above every real rule
+/// base.
 struct LoadLimits {
   /// Bytes of one file.
   std::size_t fileSize = std::size_t{256} << 20;
   /// Levels of nested YAML. The format itself needs nine.
   std::size_t yamlDepth = 64;
-  /// YAML nodes of one file, with each alias counted as what it stands for.
+  /// YAML nodes of one file. Each alias counts as a copy of its anchor.
   std::size_t yamlNodes = 20'000'000;
-  /// Characters of one expression, and levels of nesting in it.
+  /// Characters of one expression.
   std::size_t expressionLength = 100'000;
+  /// Levels of nesting in one expression.
   std::size_t expressionDepth = 200;
-  /// Named checks and lists that call each other in a chain.
+  /// Length of a chain of named checks and lists that call each other.
   std::size_t callDepth = 100;
-  /// Levels of nesting in a named check or list, those of what it calls added to its own: what an evaluation takes of
-  /// the stack.
+  /// Levels of nesting in a named check or list together with the ones it calls. This bounds the stack of an
+  /// evaluation.
   std::size_t nestingDepth = 1000;
-  /// Calls of named checks and lists that one evaluation can come to, the calls within what is called included.
+  /// Calls of named checks and lists that one evaluation can make, calls inside called rules included.
   std::size_t callCount = 10'000;
-  /// Errors that are kept. Where there are more, the last one says so.
+  /// Errors that are kept. If there are more, the last diagnostic, "too-many-errors", gives their number.
   std::size_t errors = 1000;
 };
 
-/// Loads a rule database from files and folders, in the order given. Of a folder, its `*.rules.yaml` are taken in the
-/// order of their names. An object may be continued in a later file, its entries appended.
+/// Loads a rule database from files and folders, in the order given. A folder stands for its files `*.rules.yaml` in
+/// the order of their names; its subfolders are not read. A later file may continue an object of an earlier one: its
+/// entries are appended.
 ///
-/// Throws a `RuleError` that holds all errors of all files, a file that cannot be read being one of them; warnings are
-/// passed over. Nothing is half loaded, and a want of memory is `std::bad_alloc` and no error of a file. Linear in the
-/// size of the files.
+/// Returns the complete database; it keeps no reference to the files. Throws a `RuleError` with all errors of all files
+/// when there are any; a file that cannot be read is one of them. Then nothing is loaded. Warnings are not reported
+/// here, see `lintRules`. Throws `std::bad_alloc` when memory runs out. Linear in the size of the files.
 [[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> loadRules(
     std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits = {});
 
@@ -50,23 +54,26 @@ template <std::convertible_to<std::filesystem::path> Path>
   return loadRules(std::vector<std::filesystem::path>{fileOrFolder}, limits);
 }
 
-/// Loads a rule database from the text of one rule file. `sourceName` stands for the file in diagnostics.
+/// Loads a rule database from the text of one rule file, as `loadRules` does. Diagnostics and places name the file
+/// `sourceName`.
 [[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> parseRules(std::string const& text,
                                                                   std::string const& sourceName = "<rules>",
                                                                   LoadLimits const& limits = {});
 
-/// What `lintRules` and `lintText` find.
+/// The result of `lintRules` and `lintText`.
 struct LintResult {
-  /// Errors and warnings, in the order of files and of places in them. With errors, only the warnings that can be told
-  /// in spite of them.
+  /// Errors and warnings, in the order of files and of positions in them. Warnings compare rules with each other, so
+  /// there are none as long as there are errors. Empty when nothing was found.
   std::vector<Diagnostic> diagnostics;
   /// A file or folder could not be read.
   bool unreadable = false;
 };
 
-/// All that is wrong or doubtful in rule files; throws nothing for it. See the rule reference for the warnings.
+/// Finds everything that is wrong or doubtful in rule files. Errors are in the result; only `std::bad_alloc` is thrown.
+/// The rule reference describes every error and warning.
 [[nodiscard]] TARN_EXPORT LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders,
                                                LoadLimits const& limits = {});
+/// The same for the text of one rule file, named `sourceName` in the diagnostics.
 [[nodiscard]] TARN_EXPORT LintResult lintText(std::string const& text, std::string const& sourceName = "<rules>",
                                               LoadLimits const& limits = {});
 
