@@ -12,6 +12,7 @@
 #include <tarn/ModelState.h>
 #include <tarn/ProvisionalTDF.h>
 
+#include "support/EditResult.h"
 #include "support/PlainProvisional.h"
 #include "support/RandomRules.h"
 
@@ -19,8 +20,8 @@
 /// functions: each returns the law that is broken, or "".
 ///
 ///     StateSnapshot const before(state);
-///     apply(edit, state);
-///     std::string const broken = brokenLaw(before, state);
+///     EditResult const result = resultOf(edit, state);
+///     std::string const broken = brokenLaw(before, state, result);
 namespace tarn::test {
 
 /// All that a user interface shows of a state.
@@ -192,8 +193,10 @@ inline std::string brokenByState(StateSnapshot const& now, ProvisionalTDF const&
 }  // namespace laws
 
 /// What an update of `state`, which looked like `before`, breaks of the laws of one state.
-[[nodiscard]] inline std::string brokenLaw(StateSnapshot const& before, ProvisionalTDF const& state) {
+[[nodiscard]] inline std::string brokenLaw(StateSnapshot const& before, ProvisionalTDF const& state,
+                                           EditResult const& result = {}) {
   StateSnapshot const now(state);
+  if (result.isUnreadable) return now == before ? "" : "an edit of a path that cannot be read changes nothing";
   std::string broken = laws::brokenByChanges(before, now, state);
   if (broken.empty()) broken = laws::brokenByPotentials(before, now, state);
   return broken.empty() ? laws::brokenByState(now, state) : broken;

@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include <tarn/Edit.h>
+#include <tarn/Refusal.h>
+
+#include "support/EditResult.h"
 #include "support/MapModel.h"
 #include "support/RuleSheet.h"
 
@@ -39,39 +43,12 @@ class PlainProvisional {
     update(true);
   }
 
-  void activeSetParam(std::string const& path, std::string const& name, std::string const& value) {
-    bool const applies = isUnderRoot(path) && isPath(path);
-    if (applies) guide_.set(path, name, trimmed(value));
-    update(applies);
-  }
-  void activateOptParam(std::string const& path, std::string const& name) {
-    if (isUnderRoot(path)) paramDecisions_[path + '/' + name] = true;
-    update(isUnderRoot(path));
-  }
-  void deactivateOptParam(std::string const& path, std::string const& name) {
-    if (isUnderRoot(path)) {
-      paramDecisions_[path + '/' + name] = false;
-      if (guide_.hasParameter(path, name) && guide_.getParameterValue(path, name).empty()) {
-        guide_.removeParameter(path, name);
-      }
-    }
-    update(isUnderRoot(path));
-  }
-  void activateOptObject(std::string const& path) {
-    if (isUnderRoot(path)) objectDecisions_[path] = true;
-    update(isUnderRoot(path));
-  }
-  void deactivateOptObject(std::string const& path) {
-    if (isUnderRoot(path)) objectDecisions_[path] = false;
-    update(isUnderRoot(path));
-  }
-  void addNewNamedObject(std::string const& path) { update(isUnderRoot(path) && addToGuide(path)); }
-  void removeNamedObject(std::string const& path) { update(isUnderRoot(path) && removeFromGuide(path)); }
-  void duplicateNamedObject(std::string const& path, std::string const& name) {
-    update(isUnderRoot(path) && path != root_ && copyInGuide(path, name));
-  }
-  void renameNamedObject(std::string const& path, std::string const& name) {
-    update(isUnderRoot(path) && path != root_ && copyInGuide(path, name) && removeFromGuide(path));
+  /// A path that cannot be read ends the edit before anything has changed.
+  EditResult apply(Edit const& edit) {
+    EditResult result{false, Refusal::OutsideActiveRoot};
+    if (isUnderRoot(edit.path)) result = changeIntent(edit);
+    if (!result.isUnreadable) update(!result.refusal);
+    return result;
   }
 
   // What the last update left.
@@ -224,9 +201,45 @@ class PlainProvisional {
            std::any_of(potentialParams.begin(), potentialParams.end(),
                        [&](auto const& param) { return isAtOrBelow(path, param.first); });
   }
+  static std::string lastOf(std::string const& path) { return path.substr(path.rfind('/') + 1); }
   static std::string lastType(std::string const& path) {
-    std::string const last = path.substr(path.rfind('/') + 1);
+    std::string const last = lastOf(path);
     return last.substr(0, last.find(':'));
+  }
+
+  EditResult changeIntent(Edit const& edit) {
+    std::string const param = edit.path + '/' + edit.name;
+    switch (edit.kind) {
+      case Edit::Kind::SetParam:
+        if (!isPath(edit.path)) return {true, {}};
+        guide_.set(edit.path, edit.name, trimmed(edit.value));
+        return {};
+      case Edit::Kind::ActivateParam:
+        paramDecisions_[param] = true;
+        return {};
+      case Edit::Kind::DeactivateParam:
+        paramDecisions_[param] = false;
+        if (guide_.hasParameter(edit.path, edit.name) && guide_.getParameterValue(edit.path, edit.name).empty()) {
+          guide_.removeParameter(edit.path, edit.name);
+        }
+        return {};
+      case Edit::Kind::ActivateObject:
+        objectDecisions_[edit.path] = true;
+        return {};
+      case Edit::Kind::DeactivateObject:
+        objectDecisions_[edit.path] = false;
+        return {};
+      case Edit::Kind::AddObject:
+        return addToGuide(edit.path);
+      case Edit::Kind::RemoveObject:
+        return {false, removeFromGuide(edit.path)};
+      case Edit::Kind::DuplicateObject:
+        return {false, copyInGuide(edit.path, edit.name)};
+      case Edit::Kind::RenameObject:
+        if (auto const refusal = copyInGuide(edit.path, edit.name)) return {false, refusal};
+        return {false, removeFromGuide(edit.path)};
+    }
+    return {};
   }
 
   // Reading rules.
@@ -507,28 +520,35 @@ class PlainProvisional {
 
   // The guide's named objects.
 
-  bool addToGuide(std::string const& path) {
-    std::string const last = path.substr(path.rfind('/') + 1);
-    auto const colon = last.find(':');
-    if (!isPath(path) || colon == std::string::npos || last.substr(0, colon) == last.substr(colon + 1)) return false;
-    if (guide_.hasObject(path)) return false;
+  EditResult addToGuide(std::string const& path) {
+    std::string const last = lastOf(path);
+    auto const colon = last.rfind(':');
+    if (colon == std::string::npos || colon + 1 == last.size()) return {false, Refusal::NotNamed};
+    if (last.substr(0, colon) == last.substr(colon + 1)) return {false, Refusal::NameEqualsType};
+    if (!isPath(path)) return {true, {}};
+    if (guide_.hasObject(path)) return {false, Refusal::AlreadyAskedFor};
     guide_.add(path);
-    return true;
+    return {};
   }
-  bool removeFromGuide(std::string const& path) {
-    if (path.substr(path.rfind('/') + 1).find(':') == std::string::npos || !guide_.hasObject(path)) return false;
+  std::optional<Refusal> removeFromGuide(std::string const& path) {
+    if (!guide_.hasObject(path) && !active_.hasObject(path)) return Refusal::NoSuchObject;
+    if (lastOf(path).find(':') == std::string::npos) return Refusal::NotNamed;
+    if (!guide_.hasObject(path)) return Refusal::StandsByTheRules;
     guide_.remove(path);
     std::erase_if(paramDecisions_, [&](auto const& decision) { return decision.first.starts_with(path); });
     std::erase_if(objectDecisions_, [&](auto const& decision) { return decision.first.starts_with(path); });
-    return true;
+    return {};
   }
-  bool copyInGuide(std::string const& path, std::string const& name) {
-    std::string const last = path.substr(path.rfind('/') + 1);
+  std::optional<Refusal> copyInGuide(std::string const& path, std::string const& name) {
+    if (path == root_) return Refusal::IsActiveRoot;
+    if (!active_.hasObject(path)) return Refusal::NoSuchObject;
+    std::string const last = lastOf(path);
     auto const colon = last.find(':');
-    if (!active_.hasObject(path) || colon == std::string::npos) return false;
-    if (name.empty() || name.find_first_of("/:") != std::string::npos || name == last.substr(0, colon)) return false;
+    if (colon == std::string::npos) return Refusal::NotNamed;
+    if (name.empty() || name.find_first_of("/:") != std::string::npos) return Refusal::NameUnreadable;
+    if (name == last.substr(0, colon)) return Refusal::NameEqualsType;
     std::string const copy = path.substr(0, path.rfind(':') + 1) + name;
-    if (active_.hasObject(copy)) return false;
+    if (active_.hasObject(copy)) return Refusal::NameTaken;
     // By way of a state, so the copies stand in the byte order of their paths.
     ModelState state;
     collect(path, state, true);
@@ -537,7 +557,7 @@ class PlainProvisional {
       guide_.add(target);
       for (auto const& [param, value] : params) guide_.set(target, param, value);
     }
-    return true;
+    return {};
   }
 
   void collect(std::string const& path, ModelState& state, bool withEmptyObjects = false) const {

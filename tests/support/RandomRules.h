@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include <tarn/Edit.h>
 #include <tarn/ModelState.h>
 
 #include "support/RuleSheet.h"
@@ -17,63 +18,13 @@
 ///     PhysicsData rules;
 ///     random.rules.fill(rules);
 ///     MapModel base(random.base);
-///     for (int i = 0; i < 20; ++i) apply(random.nextEdit(), state);
+///     for (int i = 0; i < 20; ++i) {
+///       if (auto const edit = random.nextEdit()) (void)resultOf(*edit, state);
+///     }
 ///
 /// Names and values come from small pools, so that conditions hold now and then, items collide, and names begin with
 /// each other. The same seed gives the same case on every machine: no standard distribution is used.
 namespace tarn::test {
-
-/// What an edit is called and is given.
-struct RandomEdit {
-  enum Kind {
-    SetParam,
-    ActivateParam,
-    DeactivateParam,
-    ActivateObject,
-    DeactivateObject,
-    Add,
-    Remove,
-    Duplicate,
-    Rename,
-    BaseUpdate
-  };
-  Kind kind = SetParam;
-  std::string path;
-  std::string name;  // of a parameter, or the new one of an object
-  std::string value;
-
-  [[nodiscard]] std::string text() const {
-    static char const* const kinds[] = {"set", "activate", "deactivate", "activate object", "deactivate object",
-                                        "add", "remove",   "duplicate",  "rename",          "base update"};
-    return std::string(kinds[kind]) + ' ' + path + " | " + name + " = " + value;
-  }
-};
-
-template <typename State>
-void apply(RandomEdit const& edit, State& state) {
-  switch (edit.kind) {
-    case RandomEdit::SetParam:
-      return state.activeSetParam(edit.path, edit.name, edit.value);
-    case RandomEdit::ActivateParam:
-      return state.activateOptParam(edit.path, edit.name);
-    case RandomEdit::DeactivateParam:
-      return state.deactivateOptParam(edit.path, edit.name);
-    case RandomEdit::ActivateObject:
-      return state.activateOptObject(edit.path);
-    case RandomEdit::DeactivateObject:
-      return state.deactivateOptObject(edit.path);
-    case RandomEdit::Add:
-      return state.addNewNamedObject(edit.path);
-    case RandomEdit::Remove:
-      return state.removeNamedObject(edit.path);
-    case RandomEdit::Duplicate:
-      return state.duplicateNamedObject(edit.path, edit.name);
-    case RandomEdit::Rename:
-      return state.renameNamedObject(edit.path, edit.name);
-    case RandomEdit::BaseUpdate:
-      return;  // the test's, which owns the base model
-  }
-}
 
 /// The numbers that a case is made of: those of a seed, or one for each byte and, when the bytes are used up, those of
 /// a fixed seed. So one byte more or less changes what is made of it and of what follows, not what came before.
@@ -118,22 +69,27 @@ class RandomCase {
   /// Whether there are bytes left to make an edit of.
   [[nodiscard]] bool hasBytes() const { return random_.hasBytes(); }
 
-  RandomEdit nextEdit() {
-    RandomEdit edit;
-    edit.kind = static_cast<RandomEdit::Kind>(pick(profile_.wild ? 10 : 9));
-    if (chance(3)) edit.kind = RandomEdit::SetParam;
-    edit.path = edit.kind >= RandomEdit::Add ? someNamedObject() : someObject();
+  /// Nothing stands for a change of the base model, which the test makes.
+  std::optional<Edit> nextEdit() {
+    constexpr int baseUpdate = 9;
+    int kind = static_cast<int>(pick(profile_.wild ? 10 : 9));
+    if (chance(3)) kind = static_cast<int>(Edit::Kind::SetParam);
+    Edit edit;
+    bool const isOfNamedObject = kind >= static_cast<int>(Edit::Kind::AddObject);
+    edit.path = isOfNamedObject ? someNamedObject() : someObject();
     if (chance(25)) {
       edit.path = someOf({"", "/", "/Case", "/Case/Domain:stator", root + "2", root + "/", root + "//Zone:a",
                           root + "/Zone:", root + "/Zone:a:b", "no path"});
     }
-    if (edit.kind == RandomEdit::Add && chance(25)) edit.path = root + "/Zone:Zone";
-    if (edit.kind <= RandomEdit::DeactivateParam) {
+    if (kind == static_cast<int>(Edit::Kind::AddObject) && chance(25)) edit.path = root + "/Zone:Zone";
+    if (kind <= static_cast<int>(Edit::Kind::DeactivateParam)) {
       edit.name = someName(edit.path);
       edit.value = someValue();
     } else {
       edit.name = chance(12) ? someOf({"", "a/b", "a:b", "Zone"}) : someOf(names());
     }
+    if (kind == baseUpdate) return std::nullopt;
+    edit.kind = static_cast<Edit::Kind>(kind);
     return edit;
   }
 
@@ -192,6 +148,7 @@ class RandomCase {
     look.where = static_cast<LookSheet::Where>(pick(3));
     look.name = someOf(paramNames());
     if (look.where == LookSheet::Case) look.name = someOf({"Motion", "Fluid", "Level"});
+    if (look.where == LookSheet::Case && look.name == "Level" && profile_.wild) look.where = LookSheet::Zone;
     if (look.where == LookSheet::Own) {
       std::size_t const visible = profile_.wild ? params.size() : place;
       if (visible == 0) {

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
+#include <tarn/EvalCache.h>
+#include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 
 #include "support/RuleLambdas.h"
@@ -15,14 +19,16 @@
 /// itself and need not believe the library's evaluation. `RuleSheet::fill` makes the database of a sheet.
 namespace tarn::test {
 
-/// A parameter that a rule looks at: of its own object, of the parent, or of the object `/Case`, which is not edited.
+/// A parameter that a rule looks at: of its own object, of the parent, of the object `/Case`, which is not edited, or of
+/// a zone, which changes while the walk goes through its siblings.
 struct LookSheet {
-  enum Where { Own, Parent, Case };
+  enum Where { Own, Parent, Case, Zone };
   Where where = Own;
   std::string name;
 
   [[nodiscard]] std::string objPath(std::string const& own) const {
     if (where == Case) return "/Case";
+    if (where == Zone) return "/Case/Domain:rotor/Zone:a";
     return where == Own ? own : own.substr(0, own.rfind('/'));
   }
 };
@@ -82,6 +88,35 @@ struct ObjectSheet {
   std::vector<ChildSheet> children;
 };
 
+/// A rule that looks at one parameter and keeps its result as long as the evaluation lets it, for all objects from which
+/// that is the same parameter. So a state that hands out a result that was kept for too long differs from one that
+/// evaluates every rule anew.
+template <typename Base, typename Result>
+class KeptByLook final : public Base {
+ public:
+  KeptByLook(LookSheet look, RuleFunction<Result> function) : look_(std::move(look)), function_(std::move(function)) {}
+
+  [[nodiscard]] Result evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    EvalCache* const cache = evalContext->getCache();
+    if (cache == nullptr) return function_(context, *evalContext->getDB());
+    void const* const key = &keys_[look_.objPath(context.objPath())];
+    if (auto const* known = cache->find(key)) return std::get<Result>(*known);
+    Result result = function_(context, *evalContext->getDB());
+    cache->store(key, result);
+    return result;
+  }
+
+  void collectReads(RuleReads& reads) const override {
+    reads.objectSets.emplace_back("/**");
+    reads.contextIdentity = true;
+  }
+
+ private:
+  LookSheet look_;
+  RuleFunction<Result> function_;
+  mutable std::map<std::string, char> keys_;  // only their addresses count
+};
+
 struct RuleSheet {
   std::vector<ObjectSheet> objects;
 
@@ -109,15 +144,21 @@ struct RuleSheet {
       return (valueOf(sheet.look, at, model) == sheet.value) != sheet.negated;
     };
   }
+  static std::unique_ptr<Condition> expression(ConditionSheet const& sheet) {
+    return std::make_unique<KeptByLook<Condition, bool>>(sheet.look, function(sheet));
+  }
   static std::unique_ptr<ListExpression> expression(ListSheet const& sheet) {
     SharedStrings const then(sheet.then);
     SharedStrings const otherwise(sheet.otherwise);
     auto const condition = function(sheet.when);
-    return list([=](TDFContext const& at, ModelTDF const& model) { return condition(at, model) ? then : otherwise; });
+    return std::make_unique<KeptByLook<ListExpression, SharedStrings>>(
+        sheet.when.look,
+        [=](TDFContext const& at, ModelTDF const& model) { return condition(at, model) ? then : otherwise; });
   }
   static std::unique_ptr<TextExpression> expression(TextSheet const& sheet) {
     if (!sheet.copyOf) return text(sheet.fixed);
-    return text(
+    return std::make_unique<KeptByLook<TextExpression, std::string>>(
+        *sheet.copyOf,
         [look = *sheet.copyOf](TDFContext const& at, ModelTDF const& model) { return valueOf(look, at, model); });
   }
 
@@ -126,7 +167,7 @@ struct RuleSheet {
     if (sheet.required) rules.required();
     if (sheet.relaxed) rules.relaxed();
     if (sheet.contextRule) rules.contextRule();
-    if (sheet.available) rules.availableWhen(when(function(*sheet.available)));
+    if (sheet.available) rules.availableWhen(expression(*sheet.available));
     if (sheet.allowed) rules.allowed(expression(*sheet.allowed));
     if (sheet.subset) rules.subset(expression(*sheet.subset));
     if (sheet.anyValueAllowed) rules.anyValueAllowed();
@@ -135,7 +176,7 @@ struct RuleSheet {
     if (sheet.fallbackToBlankDefault) rules.fallbackToBlankDefault();
     if (sheet.byDefault) rules.byDefault(expression(*sheet.byDefault));
     for (auto const& [condition, value] : sheet.overrides) {
-      rules.overriddenWhen(when(function(condition)), expression(value));
+      rules.overriddenWhen(expression(condition), expression(value));
     }
   }
   static void add(Rules& rules, ChildSheet const& sheet) {
@@ -143,7 +184,7 @@ struct RuleSheet {
     if (sheet.required) rules.required();
     if (sheet.singleton) rules.singleton();
     if (sheet.coupled) rules.coupled();
-    if (sheet.available) rules.availableWhen(when(function(*sheet.available)));
+    if (sheet.available) rules.availableWhen(expression(*sheet.available));
     if (sheet.allowedNames) rules.allowedNames(expression(*sheet.allowedNames));
     if (!sheet.defaultNames.empty()) rules.defaultNames(list(sheet.defaultNames));
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -132,6 +133,12 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// empty, and recording must have been on ever since for all changes that are not undone. Costs as much as the log is
   /// long, and no more than `getState`.
   void refreshState(ModelState& state, std::string const& rootPath) const;
+
+  /// A number that is another one after every call that changed an object, a parameter, a value or allowed values. The
+  /// same number at two times means the same content, so a caller who keeps what it worked out from the tree can tell
+  /// when that is out of date. It may also change when nothing did. Numbers of two trees have no relation; `swap`
+  /// exchanges them with the content. Constant time.
+  [[nodiscard]] std::uint64_t getRevision() const noexcept;
 
   /// Creates an object. With an empty `name`, or one that equals `type`, it is a singleton. Returns false, with nothing
   /// changed, when it exists already. Never logged.

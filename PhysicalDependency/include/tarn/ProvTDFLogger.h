@@ -3,10 +3,12 @@
 #include <fstream>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <tarn/Export.h>
 #include <tarn/ModelState.h>
+#include <tarn/ProvTDFObserver.h>
 #include <tarn/ProvTDFPrinter.h>
 
 namespace tarn {
@@ -22,7 +24,7 @@ class ProvisionalTDF;
 ///     printer.printObjectState("/Case/Domain:rotor");
 ///
 /// Text that cannot be written is lost without notice. Each operation ends with the stream flushed.
-class TARN_EXPORT ProvTDFLogger {
+class TARN_EXPORT ProvTDFLogger : public ProvTDFObserver {
  public:
   /// A printer of `provisional`, which is not owned and must outlive all printing. "stdout" or "cout" is the standard
   /// output, "stderr" or "cerr" the standard error; any other text is the name of a file to append to. A file that
@@ -53,6 +55,9 @@ class TARN_EXPORT ProvTDFLogger {
   void printUpdates() const { printer_.printUpdates(); }
 
  private:
+  void onInitialised(ModelTDF const& base) override;
+  void onEdit(Edit const& edit, std::optional<Refusal> refusal) override;
+
   std::shared_ptr<std::ofstream> ownedFile_;  // null for a console target and for a stream of the caller's
   std::ostream* out_;
   ProvTDFPrinter printer_;

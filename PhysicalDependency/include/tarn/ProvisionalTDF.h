@@ -2,32 +2,25 @@
 
 #include <map>
 #include <memory>
-#include <set>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <tarn/DependencyAnalyser.h>
 #include <tarn/DynamicTDF.h>
+#include <tarn/Edit.h>
 #include <tarn/Export.h>
 #include <tarn/ModelState.h>
+#include <tarn/Refusal.h>
 
 namespace tarn {
 
-class ActivityDecisions;
-class BoundsTracker;
-class EvalContext;
 class ModelTDF;
-class ModifiedQuantityTracker;
-class NamedObjectProbe;
 class PhysicsData;
-class PotentialUpdateTracker;
 class ProvTDFLogger;
-class ProvisionalTDFDB;
+class ProvTDFObserver;
 class QuantityModifier;
-class SubsetSelections;
-enum class ActivityState : int;
 
 /// One object of a model while a user edits it, with everything below it, held to the rules after every edit: what the
 /// rules withdraw disappears, what they require comes with its default, what they offer waits until the user activates
@@ -141,10 +134,13 @@ enum class ActivityState : int;
 ///
 /// ## Edits that do not apply
 ///
-/// An edit outside the active root, of a path that cannot be read, or of an object to which it does not apply is
-/// refused: nothing changes, no walk is made, and the lists tell of nothing, as above. That includes the lists of what
-/// is potential and of what is empty, which only a walk fills: keep your own copy on screen until the next edit that
-/// applies, after which all that is potential is listed as newly available again. A refusal is not reported otherwise.
+/// An edit outside the active root, or of an object to which it does not apply, is refused: nothing changes, no walk is
+/// made, and the lists tell of nothing, as above. That includes the lists of what is potential and of what is empty,
+/// which only a walk fills: keep your own copy on screen until the next edit that applies, after which all that is
+/// potential is listed as newly available again. A refusal is not reported otherwise.
+///
+/// `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath` for an object path at or below the active
+/// root that it cannot read. Nothing has changed after that, not even the lists, and nothing is printed.
 ///
 /// ## Failures
 ///
@@ -185,7 +181,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   virtual ~ProvisionalTDF();
 
   /// Has every later operation printed: the command, then what it changed. Null ends it.
-  void setLogger(ProvTDFLogger* p_logger) noexcept { m_logger = p_logger; }
+  void setLogger(ProvTDFLogger* p_logger) noexcept;
+  /// The same for an observer of the host's own. There is one observer at a time; the logger is one.
+  void setObserver(ProvTDFObserver* p_observer) noexcept;
 
   /// @name The start, and a changed base model
   /// `p_base` is kept, and must live until the next `baseUpdate` or the end of this object.
@@ -214,6 +212,10 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// mirrored children. Not printed as a command.
   void baseUpdate(ModelTDF const* p_base);
   /// @}
+
+  /// Makes an edit, in the same way as the operation of its kind below, and returns why it was refused, or nothing
+  /// when it was made.
+  [[nodiscard]] std::optional<Refusal> apply(Edit const& p_edit);
 
   /// @name Edits
   /// Each is one update; when it applies, it is one walk under the rules. Each prints itself when there is a logger,
@@ -259,9 +261,13 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
 
   /// @name The state
   /// @{
-  [[nodiscard]] std::string getActiveRoot() const { return m_activeRoot; }
+  [[nodiscard]] std::string getActiveRoot() const;
   /// The active state; objects that hold no parameters are not in it.
-  [[nodiscard]] ModelState const& getActiveTDFState() const noexcept { return m_activeState; }
+  [[nodiscard]] ModelState const& getActiveTDFState() const noexcept;
+  /// Whether the object, or the parameter, is in the active state. An object that holds no parameters is not in
+  /// `getActiveTDFState`, but it is found here.
+  [[nodiscard]] bool hasObject(std::string const& p_path) const;
+  [[nodiscard]] bool hasParameter(std::string const& p_objPath, std::string const& p_name) const;
   /// The value in the active state, "" when the parameter is not there.
   [[nodiscard]] std::string const& getParamValue(std::string const& p_objPath, std::string const& p_name) const;
   /// All allowed values of a parameter that is present or potential; empty when it may take any text and when there is
@@ -278,9 +284,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
                                                           std::string const& p_contextPath) const;
   /// The paths of the present parameters that have no value, in the order of the walk, but for those of which the rules
   /// say that they need none. With `p_typedOnly` only those of type Integer, Real, their lists, and String.
-  [[nodiscard]] std::vector<std::string> const& getEmptyParameters(bool p_typedOnly) const noexcept {
-    return p_typedOnly ? m_emptyTypedParams : m_emptyParams;
-  }
+  [[nodiscard]] std::vector<std::string> const& getEmptyParameters(bool p_typedOnly) const noexcept;
   /// Whether a first object of a required named type may be added: there is none below `p_parentPath`, and a new one
   /// would hold or offer something. Logarithmic.
   [[nodiscard]] bool isUserNamedTypeAvailable(std::string const& p_parentPath, std::string const& p_type) const;
@@ -296,7 +300,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Not freed of what became potential or unavailable later in the same update: ask whether it is present.
   [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept;
   /// Without what became potential, which `getNewlyAvailPotParams` tells.
-  [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept { return m_newlyUnavailParams; }
+  [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
   /// Path of the parameter to its lower and upper bound. May tell of a parameter in an object named "__%%dummy%%__",
   /// which is how the library finds out about types that have no object yet; pass over it.
@@ -314,7 +318,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// @}
 
  private:
-  using NameRange = ChildAvailInfo::NameRange;
+  using DependencyAnalyser::analyse;  // a walk outside of an update would leave the lists in disorder
+  class Impl;
 
   // The walk. All but the first always continue.
   HandlerStatus onBeginObject(ObjBeginInfo const* p_info) override;
@@ -323,111 +328,7 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   HandlerStatus onChildCheck(ChildAvailInfo const* p_info) override;
   HandlerStatus onEndObject(std::string const& p_path, bool p_required) override;
 
-  // The start: ProvisionalTDF.Initialise.cpp.
-  struct Attachment;
-  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState, DynamicTDF& p_guide) const;
-  void initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject);
-  void attach(Attachment& p_attachment) noexcept;
-  [[nodiscard]] bool isInitialised() const noexcept { return m_evalContext != nullptr; }
-  void logCommand(std::string_view p_command, std::string_view p_argument) const;
-
-  // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named by whether the guide
-  // (G) wants it and whether it has allowed values (AV). Each returns whether it left the parameter in the active tree
-  // with an empty value.
-  void handleAvailableParam(ParamAvailInfo const* p_info);
-  void handleUnavailableParam(ParamAvailInfo const* p_info);
-  bool handle_G_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
-  bool handle_G_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
-  bool handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
-  bool handle_NoG_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
-                                  ParamAvailInfo const* p_info);
-  bool updateFreeParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
-                       bool p_isOverride, ParamAvailInfo const* p_info);
-  [[nodiscard]] bool isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const;
-  [[nodiscard]] ActivityState getParamActivity(std::string const& p_objPath, std::string const& p_name) const;
-
-  // Children: ProvisionalTDF.Children.cpp.
-  void handleAvailableChild(ChildAvailInfo const* p_info);
-  void handleUnavailableChild(ChildAvailInfo const* p_info);
-  void synchNamesOfGuide(std::string const& p_objPath, std::string const& p_type, NameRange p_defaultNames);
-  void mirrorBaseChildren(std::string const& p_objPath, std::string const& p_type);
-  bool createOrOfferObject(std::string const& p_path, std::string const& p_objPath, std::string const& p_type,
-                           std::string const& p_name);
-  void synchAllowedNamedObjects(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
-  void synchAllowedNamedOptObjs(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
-  void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
-                                    NameRange p_allowed);
-  bool createNamedGuideObject(std::string const& p_path);
-  void createDefaultGuideObjects(std::string const& p_key, std::vector<std::string> const& p_names);
-  bool copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
-  bool deleteNamedGuideObject(std::string const& p_path);
-  [[nodiscard]] ActivityState getObjActivity(std::string const& p_objPath) const;
-  [[nodiscard]] bool includeOptionalObject(std::string const& p_path) const;
-
-  // Edits and updates: ProvisionalTDF.Edits.cpp, ProvisionalTDF.Update.cpp.
-  [[nodiscard]] bool isUnderActiveRoot(std::string const& p_path) const noexcept;
-  [[nodiscard]] bool isInsideActiveRoot(std::string const& p_path) const noexcept;
-  void decideOnObject(std::string const& p_path, bool p_on, char const* p_command);
-  void finishEdit(bool p_applies, char const* p_command, std::string const& p_argument);
-  void updateActiveTDF(bool p_analyse);
-  void rememberStartState(bool p_analyse);
-  void extractUpdateInformation();
-  void completeBrokenUpdate();
-  void recoverFromBrokenUpdate() noexcept;
-  void forgetBoundsAndQuantities() noexcept;
-
-  // One-liners over the collaborators, so that the decisions read as such.
-  void createObject(std::string const& p_objPath, std::string const& p_type, std::string const& p_name);
-  void deleteObject(std::string const& p_path);
-  void deleteParam(std::string const& p_objPath, std::string const& p_name);
-  bool updateParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
-  bool updateParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed,
-                   std::string const& p_value);
-  void updateBounds(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
-  std::string modifyQuantity(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
-                             ParamAvailInfo const* p_info);
-  void addPotentialObject(std::string const& p_path);
-  void addPotentialParam(std::string const& p_objPath, std::string const& p_name);
-  void addPotentialParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed);
-
-  std::string const m_activeRoot;
-  ProvTDFLogger* m_logger = nullptr;
-
-  // What is known of the start and of the user's intent. Updates add to it, but take nothing away.
-  DynamicTDF m_guideTDF;
-  std::unique_ptr<ActivityDecisions> m_activity;
-  std::unique_ptr<SubsetSelections> m_subsetSelections;
-  /// Parent path, "/" and type of the required named types whose default names were dealt with. Never loses an entry,
-  /// also when the parent goes, so that an object that the user has removed does not come back as a default.
-  std::set<std::string> m_defaultNamesApplied;
-  /// Those of them that were dealt with since the last update that did not break off.
-  std::vector<std::string> m_defaultNamesOfUpdate;
-  /// Cleared for good when the object starts as a copy of another one.
-  bool m_hasBaseObject = true;
-
-  // The base model under the active root, and the joint view that rules read. Made anew by baseUpdate.
-  DynamicTDF m_baseTDF;
-  std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
-  std::unique_ptr<EvalContext> m_evalContext;
-
-  // The result, brought up to date by each walk.
-  DynamicTDF m_activeTDF;
-  std::unique_ptr<BoundsTracker> m_boundsTracker;
-  std::unique_ptr<ModifiedQuantityTracker> m_quantityTracker;
-  std::unique_ptr<PotentialUpdateTracker> m_potentialTracker;
-  std::unique_ptr<NamedObjectProbe> m_probe;
-
-  // What the last update published. All but the state is cleared when the next one begins; the state is brought up to
-  // date from the log of the active tree, unless the last update broke off.
-  ModelState m_activeState;
-  bool m_isStateCurrent = false;
-  /// The last update broke off, so the active tree is not the result of a walk.
-  bool m_isWalkDue = false;
-  std::vector<ParamId> m_newlyUnavailParams;
-  std::vector<std::string> m_emptyParams;
-  std::vector<std::string> m_emptyTypedParams;
-  /// Parent path and type. Sorted between updates; kept by an update without a walk.
-  std::vector<std::pair<std::string, std::string>> m_userNamedTypes;
+  std::unique_ptr<Impl> m_impl;
 };
 
 }  // namespace tarn

@@ -1,12 +1,10 @@
-// The probe object of a named type. When one is needed, and what its walk tells, is decided by the reconciliation of
-// children.
+// The probe object of a named type. The reconciliation of children decides when one is needed and what its walk means.
 
 #include "provisional/NamedObjectProbe.h"
 
-#include <tarn/DynamicTDF.h>
-#include <tarn/ModifiedQuantityTracker.h>
 #include <tarn/PathUtils.h>
-#include <tarn/PotentialUpdateTracker.h>
+
+#include "provisional/ProvisionalFacts.h"
 
 namespace tarn {
 
@@ -18,21 +16,19 @@ char const* const probeName = "__%%dummy%%__";
 
 void NamedObjectProbe::createTestNamedObject(std::string const& objPath, std::string const& type) {
   testNamedObjectPath_ = objPath + PathUtils::pathSeparator + type + PathUtils::nameSeparator + probeName;
-  activeTDF_.stopRecordingUpdates();
-  quantityTracker_.enable(false);
-  activeTDF_.createObject(objPath, type, probeName);
+  facts_.publishChanges(false);
+  facts_.createObject(objPath, type, probeName);
 }
 
 void NamedObjectProbe::deleteTestNamedObject() {
-  activeTDF_.stopRecordingUpdates();  // still off, unless this has failed before
-  // Before recording starts again, since also an unrecorded deletion logs the parameters that go.
-  activeTDF_.deleteObjectUnrecorded(testNamedObjectPath_);
-  activeTDF_.startRecordingUpdates();
-  quantityTracker_.enable(true);
+  facts_.publishChanges(false);  // still off, unless this has failed before
+  // Before recording starts again, since an unrecorded deletion also logs the parameters that go.
+  facts_.deleteObjectUnrecorded(testNamedObjectPath_);
+  facts_.publishChanges(true);
   // Overrides and default objects that its walk wrote.
-  guideTDF_.deleteObject(testNamedObjectPath_);
+  facts_.deleteGuideObject(testNamedObjectPath_);
   // Last, since it alone can fail, and then only where it finds something.
-  potentialTracker_.clearObjectReferences(testNamedObjectPath_);
+  facts_.clearObjectReferences(testNamedObjectPath_);
   clearPath();
 }
 

@@ -1,133 +1,149 @@
 // What a user can do. An edit writes to the guide or to the decisions, never to the active tree, and then has the state
-// updated; whether the rules make something of it shows in the result. An edit that does not apply is updated without a
-// walk: its lists then tell of nothing, which is all that its caller learns.
+// updated. The result shows whether the rules make something of it. A refused edit is updated without a walk, so its
+// lists are empty.
 
-#include <tarn/ProvisionalTDF.h>
+#include <string_view>
 
-#include <tarn/Error.h>
+#include <tarn/PathUtils.h>
+#include <tarn/ProvTDFObserver.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFPath.h>
 
-#include "provisional/ActivityDecisions.h"
+#include "provisional/ProvisionalTDFImpl.h"
+#include "provisional/dumpModelState.h"
 
 namespace tarn {
 
 namespace {
 
-/// Whether an object can have that path. Trees refuse others with an exception; to an edit it is merely one that does
-/// not apply.
-bool isObjectPath(std::string const& path) {
-  try {
-    TDFPath const parsed(path);
-    return true;
-  } catch (Error const&) {
-    return false;
-  }
+/// Where the name of the last component begins, or npos when it has none.
+std::size_t beginOfName(std::string const& path) {
+  auto const colon = path.rfind(':');
+  auto const slash = path.rfind('/');
+  bool const isNamed = colon != std::string::npos && (slash == std::string::npos || colon > slash);
+  return isNamed ? colon + 1 : std::string::npos;
 }
 
 }  // namespace
 
-void ProvisionalTDF::activeSetParam(std::string const& p_objPath, std::string const& p_name,
-                                    std::string const& p_value) {
-  if (!isInitialised()) return;
-  std::string const argument = p_objPath + "/" + p_name + " = " + p_value;
-  bool const applies = isUnderActiveRoot(p_objPath) && isObjectPath(p_objPath);
-  if (applies) m_guideTDF.setParameter(p_objPath, p_name, p_value);
-  finishEdit(applies, "activeSetParam", argument);
+std::optional<Refusal> ProvisionalTDF::Impl::apply(Edit const& p_edit) {
+  if (!isInitialised()) return Refusal::NotInitialised;
+  std::optional<Refusal> refusal = Refusal::OutsideActiveRoot;
+  if (isUnderActiveRoot(p_edit.path)) refusal = changeIntent(p_edit);
+  finishEdit(p_edit, refusal);
+  return refusal;
 }
 
-void ProvisionalTDF::activateOptParam(std::string const& p_objPath, std::string const& p_name) {
-  if (!isInitialised()) return;
-  std::string const argument = p_objPath + "/" + p_name;
-  bool const applies = isUnderActiveRoot(p_objPath);
-  if (applies) m_activity->setParam(p_objPath, p_name, true);
-  finishEdit(applies, "activateOptParam", argument);
-}
-
-void ProvisionalTDF::deactivateOptParam(std::string const& p_objPath, std::string const& p_name) {
-  if (!isInitialised()) return;
-  std::string const argument = p_objPath + "/" + p_name;
-  bool const applies = isUnderActiveRoot(p_objPath);
-  if (applies) {
-    // The decision first, since it alone can fail.
-    m_activity->setParam(p_objPath, p_name, false);
-    // An empty value is no answer worth keeping: without it, switching on again gives the default.
-    if (m_guideTDF.getParameterValue(p_objPath, p_name).empty()) m_guideTDF.deleteParameter(p_objPath, p_name);
+/// The path is known to be at or below the active root. When this throws, nothing has changed, but for a copy that was
+/// made in part of an object that the guide had already.
+std::optional<Refusal> ProvisionalTDF::Impl::changeIntent(Edit const& p_edit) {
+  switch (p_edit.kind) {
+    case Edit::Kind::SetParam:
+      m_facts.setGuideParam(p_edit.path, p_edit.name, p_edit.value);
+      return std::nullopt;
+    case Edit::Kind::ActivateParam:
+      m_facts.setParamActivity(p_edit.path, p_edit.name, true);
+      return std::nullopt;
+    case Edit::Kind::DeactivateParam:
+      deactivateParam(p_edit.path, p_edit.name);
+      return std::nullopt;
+    case Edit::Kind::ActivateObject:
+      m_facts.setObjActivity(p_edit.path, true);
+      return std::nullopt;
+    case Edit::Kind::DeactivateObject:
+      m_facts.setObjActivity(p_edit.path, false);
+      return std::nullopt;
+    case Edit::Kind::AddObject:
+      return createNamedGuideObject(p_edit.path);
+    case Edit::Kind::RemoveObject:
+      return deleteNamedGuideObject(p_edit.path);
+    case Edit::Kind::DuplicateObject:
+      return copyNamedGuideObject(p_edit.path, p_edit.name);
+    case Edit::Kind::RenameObject: {
+      // An object that only the rules ask for can be copied but not removed. The copy then waits for the next walk,
+      // after which the caller finds both objects.
+      auto const refusal = copyNamedGuideObject(p_edit.path, p_edit.name);
+      return refusal ? refusal : deleteNamedGuideObject(p_edit.path);
+    }
   }
-  finishEdit(applies, "deactivateOptParam", argument);
+  return std::nullopt;
 }
 
-void ProvisionalTDF::activateOptObject(std::string const& p_path) {
-  decideOnObject(p_path, true, "activateOptObject");
+void ProvisionalTDF::Impl::deactivateParam(std::string const& p_objPath, std::string const& p_name) {
+  // The decision first, since it alone can fail.
+  m_facts.setParamActivity(p_objPath, p_name, false);
+  // An empty value is no answer worth keeping: without it, switching on again gives the default.
+  if (m_facts.getGuideValue(p_objPath, p_name).empty()) m_facts.deleteGuideParam(p_objPath, p_name);
 }
 
-void ProvisionalTDF::deactivateOptObject(std::string const& p_path) {
-  decideOnObject(p_path, false, "deactivateOptObject");
+/// Puts a named object into the guide. A name that equals the type, or an empty one, would be read as a singleton's.
+std::optional<Refusal> ProvisionalTDF::Impl::createNamedGuideObject(std::string const& p_path) {
+  auto const nameBegin = beginOfName(p_path);
+  if (nameBegin == std::string::npos || nameBegin == p_path.size()) return Refusal::NotNamed;
+  auto const slash = p_path.rfind('/');
+  auto const typeBegin = slash == std::string::npos ? 0 : slash + 1;
+  std::string const type = p_path.substr(typeBegin, nameBegin - 1 - typeBegin);
+  std::string const name = p_path.substr(nameBegin);
+  if (name == type) return Refusal::NameEqualsType;
+  bool const isNew = m_facts.createGuideObject(std::string(PathUtils::parentOf(p_path)), type, name);
+  return isNew ? std::nullopt : std::optional(Refusal::AlreadyAskedFor);
 }
 
-void ProvisionalTDF::decideOnObject(std::string const& p_path, bool p_on, char const* p_command) {
-  if (!isInitialised()) return;
-  std::string const argument = p_path;
-  bool const applies = isUnderActiveRoot(p_path);
-  if (applies) m_activity->setObject(p_path, p_on);
-  finishEdit(applies, p_command, argument);
+std::optional<Refusal> ProvisionalTDF::Impl::deleteNamedGuideObject(std::string const& p_path) {
+  bool const isInGuide = m_facts.isObjectInGuide(p_path);
+  if (!isInGuide && !m_facts.hasActiveObject(p_path)) return Refusal::NoSuchObject;
+  if (beginOfName(p_path) == std::string::npos) return Refusal::NotNamed;
+  if (!isInGuide) return Refusal::StandsByTheRules;
+  m_facts.deleteGuideObject(p_path);
+  m_facts.eraseFromOptActivityMaps(p_path);
+  return std::nullopt;
 }
 
-void ProvisionalTDF::addNewNamedObject(std::string const& p_path) {
-  if (!isInitialised()) return;
-  std::string const argument = p_path;
-  bool const applies = isUnderActiveRoot(p_path) && isObjectPath(p_path) && createNamedGuideObject(p_path);
-  finishEdit(applies, "addNewObject", argument);
+/// Puts a copy of an object into the guide, as it is in the active tree, so with all values in force.
+std::optional<Refusal> ProvisionalTDF::Impl::copyNamedGuideObject(std::string const& p_path,
+                                                                  std::string const& p_newName) {
+  if (p_path == m_activeRoot) return Refusal::IsActiveRoot;
+  completeBrokenUpdate();
+  if (!m_facts.hasActiveObject(p_path)) return Refusal::NoSuchObject;
+  TDFPath copy(p_path);
+  if (copy.isSingleton()) return Refusal::NotNamed;
+  if (p_newName.empty() || p_newName.find_first_of("/:") != std::string::npos) return Refusal::NameUnreadable;
+  if (p_newName == copy.getLastType()) return Refusal::NameEqualsType;
+  if (copy.getLastName() == p_newName) return Refusal::NameTaken;
+  copy.setName(copy.size() - 1, p_newName);
+  std::string const copyPath = copy.getFullPath();
+  if (m_facts.hasActiveObject(copyPath)) return Refusal::NameTaken;
+
+  ModelState original;
+  m_facts.dumpActive(p_path, original);
+  ModelState const state = withLeadingPathReplaced(std::move(original), p_path, copyPath);
+  // The highest object that is made on the way.
+  std::string made;
+  for (std::string path = copyPath; !m_facts.isObjectInGuide(path); path = PathUtils::parentOf(path)) made = path;
+  try {
+    m_facts.updateGuide(state);
+  } catch (...) {
+    m_facts.deleteGuideObject(made);  // half a copy would be taken for the whole
+    throw;
+  }
+  return std::nullopt;
 }
 
-void ProvisionalTDF::removeNamedObject(std::string const& p_path) {
-  if (!isInitialised()) return;
-  std::string const argument = p_path;
-  bool const applies = isUnderActiveRoot(p_path) && deleteNamedGuideObject(p_path);
-  finishEdit(applies, "removeObject", argument);
-}
-
-void ProvisionalTDF::duplicateNamedObject(std::string const& p_path, std::string const& p_newName) {
-  if (!isInitialised()) return;
-  std::string const argument = p_path + "->" + p_newName;
-  bool const isInside = isInsideActiveRoot(p_path);
-  if (isInside) completeBrokenUpdate();
-  bool const applies = isInside && copyNamedGuideObject(p_path, p_newName);
-  finishEdit(applies, "duplicateNamedObject", argument);
-}
-
-void ProvisionalTDF::renameNamedObject(std::string const& p_path, std::string const& p_newName) {
-  if (!isInitialised()) return;
-  std::string const argument = p_path + "->" + p_newName;
-  bool const isInside = isInsideActiveRoot(p_path);
-  if (isInside) completeBrokenUpdate();
-  // An object that stands only by the rules can be copied and not be removed. The copy then waits for the next walk,
-  // and the caller finds both objects after it.
-  bool const applies = isInside && copyNamedGuideObject(p_path, p_newName) && deleteNamedGuideObject(p_path);
-  finishEdit(applies, "renameNamedObject", argument);
-}
-
-bool ProvisionalTDF::isUnderActiveRoot(std::string const& p_path) const noexcept {
+bool ProvisionalTDF::Impl::isUnderActiveRoot(std::string const& p_path) const noexcept {
   return StringUtilities::isPathRootedAt(m_activeRoot, p_path);
 }
 
-bool ProvisionalTDF::isInsideActiveRoot(std::string const& p_path) const noexcept {
-  return p_path != m_activeRoot && isUnderActiveRoot(p_path);
-}
-
-/// The argument is made before the edit's change of intent: callers hand in texts that they were given by reference,
-/// and which the update sweeps away.
-void ProvisionalTDF::finishEdit(bool p_applies, char const* p_command, std::string const& p_argument) {
-  if (!p_applies) {
+void ProvisionalTDF::Impl::finishEdit(Edit const& p_edit, std::optional<Refusal> p_refusal) {
+  if (p_refusal) {
     try {
       completeBrokenUpdate();
     } catch (...) {
-      // It is still due. Of that the caller knows since the edit that broke off, and this one changes nothing.
+      // It is still due. The caller has known that since the edit that broke off, and this edit changes nothing.
     }
   }
-  updateActiveTDF(p_applies);
-  // Behind the update, so that the summary shows what this edit did.
-  logCommand(p_command, p_argument);
+  updateActiveTDF(!p_refusal);
+  // After the update, so that the getters show what this edit did.
+  if (m_observer != nullptr) m_observer->onEdit(p_edit, p_refusal);
 }
 
 }  // namespace tarn

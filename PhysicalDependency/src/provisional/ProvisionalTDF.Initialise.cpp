@@ -1,16 +1,15 @@
 // The start of the provisional state, and what it does when its base model changes. The start fills the guide; from
 // then on the base model only feeds the rules and the children that are mirrored.
 
-#include <tarn/ProvisionalTDF.h>
-
 #include <utility>
 
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
-#include <tarn/ProvTDFLogger.h>
+#include <tarn/ProvTDFObserver.h>
 #include <tarn/ProvisionalTDFDB.h>
 #include <tarn/TDFPath.h>
 
+#include "provisional/ProvisionalTDFImpl.h"
 #include "provisional/dumpModelState.h"
 
 namespace tarn {
@@ -27,10 +26,10 @@ bool areNamedAlike(std::string const& a, std::string const& b) {
 }  // namespace
 
 /// What reads a base model, made ready before anything of the state changes.
-struct ProvisionalTDF::Attachment {
-  Attachment(std::string const& p_activeRoot, ModelTDF const* p_active, ModelTDF const* p_base)
+struct ProvisionalTDF::Impl::Attachment {
+  Attachment(std::string const& p_activeRoot, ModelTDF const* p_active, ModelTDF const* p_base, EvalCache* p_results)
       : view(std::make_unique<ProvisionalTDFDB>(p_activeRoot, p_active, p_base)),
-        context(std::make_unique<EvalContext>(view.get())) {
+        context(std::make_unique<EvalContext>(view.get(), p_results)) {
     tree.initialise(p_base, p_activeRoot, true);
   }
 
@@ -39,14 +38,14 @@ struct ProvisionalTDF::Attachment {
   DynamicTDF tree{false};
 };
 
-void ProvisionalTDF::initialise(ModelTDF const* p_base, ModelState const& p_guideState) {
+void ProvisionalTDF::Impl::initialise(ModelTDF const* p_base, ModelState const& p_guideState) {
   DynamicTDF guide(false);
   initialiseGuideDB(p_base, p_guideState, guide);
-  initialiseInternal(p_base, guide, m_hasBaseObject);
+  initialiseInternal(p_base, guide, m_facts.hasBaseObject());
 }
 
-void ProvisionalTDF::initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base,
-                                       ModelState const& p_guideState) {
+void ProvisionalTDF::Impl::initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base,
+                                             ModelState const& p_guideState) {
   if (!areNamedAlike(p_basedOnPath, m_activeRoot) || !p_base->hasObject(p_basedOnPath) ||
       p_base->hasObject(m_activeRoot)) {
     initialise(p_base, p_guideState);
@@ -62,57 +61,40 @@ void ProvisionalTDF::initialiseBasedOn(std::string const& p_basedOnPath, ModelTD
   initialiseInternal(p_base, guide, false);
 }
 
-void ProvisionalTDF::baseUpdate(ModelTDF const* p_base) {
+void ProvisionalTDF::Impl::baseUpdate(ModelTDF const* p_base) {
   if (!isInitialised()) return;
-  Attachment attachment(m_activeRoot, &m_activeTDF, p_base);
+  Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
   attach(attachment);
   updateActiveTDF(true);
 }
 
-void ProvisionalTDF::initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState,
-                                       DynamicTDF& p_guide) const {
+void ProvisionalTDF::Impl::initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState,
+                                             DynamicTDF& p_guide) const {
   p_guide.initialise(p_base, m_activeRoot, true);
   p_guide.update(p_guideState.begin(), p_guideState.end(), false);
 }
 
 /// Takes `p_guide` over. Half a start would be a state that has lost what the user entered, so all that can fail comes
 /// before the first change, except for the update: that is due from then on.
-void ProvisionalTDF::initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject) {
-  Attachment attachment(m_activeRoot, &m_activeTDF, p_base);
+void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject) {
+  Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
   TDFPath const root(m_activeRoot);
   if (root.numComponent() > 0) {  // the root of the tree is always there
-    createObject(root.getParentPath(), root.getLastType(), root.isSingleton() ? std::string() : root.getLastName());
+    m_facts.createObject(root.getParentPath(), root.getLastType(),
+                         root.isSingleton() ? std::string() : root.getLastName());
   }
 
-  m_guideTDF.swap(p_guide);
-  // The default objects that an update made which broke off go with the guide, so they are to come again.
-  for (std::string const& key : m_defaultNamesOfUpdate) m_defaultNamesApplied.erase(key);
-  m_defaultNamesOfUpdate.clear();
-  m_hasBaseObject = p_hasBaseObject;
+  m_facts.startWithGuide(p_guide, p_hasBaseObject);
   attach(attachment);
   updateActiveTDF(true);
-  if (m_logger == nullptr) return;
-
-  m_logger->printString("\n\nBASE TDF BEGIN\n");
-  ModelState base;
-  dumpModelState(*p_base, "", base);
-  m_logger->printState(base);
-  m_logger->printString("\n\nBASE TDF END\n");
-  logCommand("initialise", "<BASE TDF>");
+  if (m_observer != nullptr) m_observer->onInitialised(*p_base);
 }
 
 /// Puts this state over the base model of `p_attachment`, which gets what was there before.
-void ProvisionalTDF::attach(Attachment& p_attachment) noexcept {
+void ProvisionalTDF::Impl::attach(Attachment& p_attachment) noexcept {
   m_evalContext.swap(p_attachment.context);
   m_provisionalDB.swap(p_attachment.view);
   m_baseTDF.swap(p_attachment.tree);
-}
-
-/// Without a logger nothing is made, for nothing may fail any more: the edit is done.
-void ProvisionalTDF::logCommand(std::string_view p_command, std::string_view p_argument) const {
-  if (m_logger == nullptr) return;
-  m_logger->printString(std::string("COMMAND: ").append(p_command).append(" ").append(p_argument));
-  m_logger->printUpdates();
 }
 
 }  // namespace tarn

@@ -5,22 +5,14 @@
 // The guide is read and not written, but for overrides of the rules: those are taken into it, so that the value stands
 // when the override no longer holds. Quantity types and bounds are a matter of parameters without allowed values only.
 
-#include <tarn/ProvisionalTDF.h>
-
 #include <algorithm>
 #include <utility>
 
-#include <tarn/BoundsTracker.h>
-#include <tarn/ModifiedQuantityTracker.h>
-#include <tarn/PotentialUpdateTracker.h>
 #include <tarn/ProvisionalTDFDB.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TARNAssertImpl.h>
 
-#include "provisional/ActivityDecisions.h"
-#include "provisional/NamedObjectProbe.h"
-#include "provisional/ParamKey.h"
-#include "provisional/SubsetSelections.h"
+#include "provisional/ProvisionalTDFImpl.h"
 #include "provisional/ValueLists.h"
 
 namespace tarn {
@@ -60,12 +52,7 @@ bool isTypedInput(TDFParam::Type type) {
 
 }  // namespace
 
-DependencyAnalyser::HandlerStatus ProvisionalTDF::onBeginParam(std::string const& /*p_objPath*/,
-                                                               std::string const& /*p_name*/) {
-  return Continue;
-}
-
-DependencyAnalyser::HandlerStatus ProvisionalTDF::onParamCheck(ParamAvailInfo const* p_info) {
+DependencyAnalyser::HandlerStatus ProvisionalTDF::Impl::onParamCheck(ParamAvailInfo const* p_info) {
   if (p_info->isAvailable()) {
     handleAvailableParam(p_info);
   } else {
@@ -74,7 +61,7 @@ DependencyAnalyser::HandlerStatus ProvisionalTDF::onParamCheck(ParamAvailInfo co
   return Continue;
 }
 
-void ProvisionalTDF::handleAvailableParam(ParamAvailInfo const* p_info) {
+void ProvisionalTDF::Impl::handleAvailableParam(ParamAvailInfo const* p_info) {
   std::string const& objPath = p_info->getObjPath();
   std::string const& name = p_info->getName();
   bool const hasAllowedValues = p_info->getAllowedValues().hasAllowedValues;
@@ -86,18 +73,17 @@ void ProvisionalTDF::handleAvailableParam(ParamAvailInfo const* p_info) {
     isEmpty = hasAllowedValues ? handle_NoG_AV_AvailParam(objPath, name, p_info)
                                : handle_NoG_NoAV_AvailParam(objPath, name, p_info);
   }
-  if (!isEmpty || m_probe->inTestNamedObject() || p_info->hasValidationRelaxed()) return;
-  m_emptyParams.push_back(ParamKey{objPath, name}.text());
-  if (isTypedInput(p_info->getType())) m_emptyTypedParams.push_back(m_emptyParams.back());
+  if (!isEmpty || m_probe.inTestNamedObject() || p_info->hasValidationRelaxed()) return;
+  m_facts.addEmptyParam(objPath, name, isTypedInput(p_info->getType()));
 }
 
 /// Gone, and not potential. The guide and the decision on it stay as they are and wait.
-void ProvisionalTDF::handleUnavailableParam(ParamAvailInfo const* p_info) {
-  deleteParam(p_info->getObjPath(), p_info->getName());
+void ProvisionalTDF::Impl::handleUnavailableParam(ParamAvailInfo const* p_info) {
+  m_facts.deleteParam(p_info->getObjPath(), p_info->getName());
 }
 
-bool ProvisionalTDF::handle_G_AV_AvailParam(std::string const& p_objPath, std::string const& p_name,
-                                            ParamAvailInfo const* p_info) {
+bool ProvisionalTDF::Impl::handle_G_AV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                                  ParamAvailInfo const* p_info) {
   ParamAllowedValues allowed = p_info->getAllowedValues();
   bool const hasSubset = allowed.hasSubset;
   Override const override = p_info->hasValueOverride() ? p_info->getValueOverride(allowed) : Override();
@@ -105,21 +91,21 @@ bool ProvisionalTDF::handle_G_AV_AvailParam(std::string const& p_objPath, std::s
 
   std::string value;
   if (!p_info->isListType()) {
-    std::string const& candidate = isOverridden ? overrideValue : m_guideTDF.getParameterValue(p_objPath, p_name);
+    std::string const& candidate = isOverridden ? overrideValue : m_facts.getGuideValue(p_objPath, p_name);
     // A refused candidate stays in the guide and is back as soon as it is allowed.
     if (allowed.isAllowedValue(candidate, false)) {
       value = candidate;
-      if (hasSubset) m_subsetSelections->rememberSubsetValue(p_objPath, p_name, value);
+      if (hasSubset) m_facts.rememberSubsetValue(p_objPath, p_name, value);
     }
   } else {
     std::vector<std::string> list;
     if (isOverridden) {
       list = StringUtilities::stringToVector(overrideValue, ',');
     } else {
-      m_guideTDF.getParamValueAsList(p_objPath, p_name, list);
+      m_facts.getGuideValueAsList(p_objPath, p_name, list);
     }
     if (!allowed.allowsAnyValue) keepAllowedOnly(allowed.allowedValues, list);
-    if (hasSubset) m_subsetSelections->rememberSubsetValues(p_objPath, p_name, list);
+    if (hasSubset) m_facts.rememberSubsetValues(p_objPath, p_name, list);
     // The counts alone decide: a list as long as the full one is the user's business, even if it names a value twice.
     if (p_info->isCompleteListRequired() && list.size() != allowed.allowedValues.size() && !allowed.allowsAnyValue) {
       completeList(allowed.allowedValues, list);
@@ -128,31 +114,30 @@ bool ProvisionalTDF::handle_G_AV_AvailParam(std::string const& p_objPath, std::s
   }
 
   if (hasSubset) {
-    allowed =
-        SubsetSelections::widenAllowedSubset(m_subsetSelections->getSubsetSelectionValues(p_objPath, p_name), allowed);
+    allowed = SubsetSelections::widenAllowedSubset(m_facts.getSubsetSelectionValues(p_objPath, p_name), allowed);
   }
   if (value.empty()) {
-    if (!p_info->isRequired() && getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
+    if (!p_info->isRequired() && m_facts.getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
       // On offer until the guide's value is allowed or the user insists. An override that was refused does not reach
       // the guide here, so it cannot replace what the user entered.
-      addPotentialParam(p_objPath, p_name, allowed);
+      m_facts.addPotentialParam(p_objPath, p_name, allowed);
       return false;
     }
     value = p_info->getDefault(allowed);
   }
-  if (isOverridden) m_guideTDF.setParameter(p_objPath, p_name, overrideValue);
-  return updateParam(p_objPath, p_name, allowed, value);
+  if (isOverridden) m_facts.setGuideParam(p_objPath, p_name, overrideValue);
+  return m_facts.updateParam(p_objPath, p_name, allowed, value);
 }
 
-bool ProvisionalTDF::handle_G_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
-                                              ParamAvailInfo const* p_info) {
+bool ProvisionalTDF::Impl::handle_G_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                                    ParamAvailInfo const* p_info) {
   Override const override = p_info->hasValueOverride() ? p_info->getValueOverride() : Override();
   if (override.first) return updateFreeParam(p_objPath, p_name, override.second, true, p_info);
 
   // Copied, since what follows may write to the guide.
-  std::string value = m_guideTDF.getParameterValue(p_objPath, p_name);
-  if (value.empty() && !m_guideTDF.hasParameter(p_objPath, p_name)) {
-    if (getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
+  std::string value = m_facts.getGuideValue(p_objPath, p_name);
+  if (value.empty() && !m_facts.isParamInGuide(p_objPath, p_name)) {
+    if (m_facts.getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
       // The line under which this failure is known to those who read reports of it.
       TARNAssertImpl::assertFail("getParamActivity(p_objPath, p_name) == SetOn", "ProvisionalTDF", 1927);
     }
@@ -161,30 +146,30 @@ bool ProvisionalTDF::handle_G_NoAV_AvailParam(std::string const& p_objPath, std:
   return updateFreeParam(p_objPath, p_name, value, false, p_info);
 }
 
-bool ProvisionalTDF::handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name,
-                                              ParamAvailInfo const* p_info) {
+bool ProvisionalTDF::Impl::handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                                    ParamAvailInfo const* p_info) {
   // The rule's own subset: what was selected before does not widen what is offered to those who want nothing.
   ParamAllowedValues const& allowed = p_info->getAllowedValues();
   if (!p_info->isRequired()) {
-    addPotentialParam(p_objPath, p_name, allowed);
+    m_facts.addPotentialParam(p_objPath, p_name, allowed);
     return false;
   }
   auto [isOverridden, value] = p_info->getValueOverride(allowed);
   if (isOverridden) {
-    m_guideTDF.setParameter(p_objPath, p_name, value);
+    m_facts.setGuideParam(p_objPath, p_name, value);
   } else {
     value = p_info->getDefault(allowed);
   }
   // A complete list is made of all allowed values, whatever was just written to the guide; that counts in the next
   // walk, where the parameter is wanted.
   if (p_info->isCompleteListRequired()) value = StringUtilities::vectorToString(allowed.allowedValues, ',');
-  return updateParam(p_objPath, p_name, allowed, value);
+  return m_facts.updateParam(p_objPath, p_name, allowed, value);
 }
 
-bool ProvisionalTDF::handle_NoG_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
-                                                ParamAvailInfo const* p_info) {
+bool ProvisionalTDF::Impl::handle_NoG_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                                      ParamAvailInfo const* p_info) {
   if (!p_info->isRequired()) {
-    addPotentialParam(p_objPath, p_name);
+    m_facts.addPotentialParam(p_objPath, p_name);
     return false;
   }
   Override const override = p_info->hasValueOverride() ? p_info->getValueOverride() : Override();
@@ -194,58 +179,19 @@ bool ProvisionalTDF::handle_NoG_NoAV_AvailParam(std::string const& p_objPath, st
 
 /// Sets a parameter that may take any text. Of an override the guide gets what is written to the active tree, so with
 /// the units of its quantity.
-bool ProvisionalTDF::updateFreeParam(std::string const& p_objPath, std::string const& p_name,
-                                     std::string const& p_value, bool p_isOverride, ParamAvailInfo const* p_info) {
-  std::string const value = modifyQuantity(p_objPath, p_name, p_value, p_info);
-  updateBounds(p_objPath, p_name, p_info);
-  if (p_isOverride) m_guideTDF.setParameter(p_objPath, p_name, value);
-  return updateParam(p_objPath, p_name, value);
+bool ProvisionalTDF::Impl::updateFreeParam(std::string const& p_objPath, std::string const& p_name,
+                                           std::string const& p_value, bool p_isOverride,
+                                           ParamAvailInfo const* p_info) {
+  std::string const value = m_facts.modifyQuantity(m_provisionalDB.get(), p_objPath, p_name, p_value, p_info);
+  m_facts.updateBounds(p_objPath, p_name, p_info);
+  if (p_isOverride) m_facts.setGuideParam(p_objPath, p_name, value);
+  return m_facts.updateParam(p_objPath, p_name, value);
 }
 
-bool ProvisionalTDF::isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const {
-  ActivityState const activity = getParamActivity(p_objPath, p_name);
+bool ProvisionalTDF::Impl::isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const {
+  ActivityState const activity = m_facts.getParamActivity(p_objPath, p_name);
   if (activity != ActivityState::Unset) return activity == ActivityState::SetOn;
-  return m_guideTDF.hasParameter(p_objPath, p_name);
-}
-
-ActivityState ProvisionalTDF::getParamActivity(std::string const& p_objPath, std::string const& p_name) const {
-  return m_activity->ofParam(p_objPath, p_name);
-}
-
-void ProvisionalTDF::deleteParam(std::string const& p_objPath, std::string const& p_name) {
-  m_activeTDF.deleteParameter(p_objPath, p_name);
-}
-
-bool ProvisionalTDF::updateParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value) {
-  m_activeTDF.setParameter(p_objPath, p_name, p_value);
-  return StringUtilities::trimmed(p_value).empty();
-}
-
-bool ProvisionalTDF::updateParam(std::string const& p_objPath, std::string const& p_name,
-                                 ParamAllowedValues const& p_allowed, std::string const& p_value) {
-  m_activeTDF.setParameter(p_objPath, p_name, p_allowed, p_value);
-  return StringUtilities::trimmed(p_value).empty();
-}
-
-void ProvisionalTDF::updateBounds(std::string const& p_objPath, std::string const& p_name,
-                                  ParamAvailInfo const* p_info) {
-  m_boundsTracker->updateBounds(p_objPath, p_name, p_info);
-}
-
-std::string ProvisionalTDF::modifyQuantity(std::string const& p_objPath, std::string const& p_name,
-                                           std::string const& p_value, ParamAvailInfo const* p_info) {
-  return m_quantityTracker->modifyQuantity(m_provisionalDB.get(), p_objPath, p_name, p_value, p_info);
-}
-
-void ProvisionalTDF::addPotentialParam(std::string const& p_objPath, std::string const& p_name) {
-  deleteParam(p_objPath, p_name);
-  m_potentialTracker->addParam(p_objPath, p_name);
-}
-
-void ProvisionalTDF::addPotentialParam(std::string const& p_objPath, std::string const& p_name,
-                                       ParamAllowedValues const& p_allowed) {
-  deleteParam(p_objPath, p_name);
-  m_potentialTracker->addParam(p_objPath, p_name, p_allowed);
+  return m_facts.isParamInGuide(p_objPath, p_name);
 }
 
 }  // namespace tarn

@@ -1,30 +1,49 @@
-// The frame of an update: forget what the last one changed, walk, collect what this one changed. What the changes are
-// measured against is in the collaborators: the active tree logs from its last reset on, the trackers remember the walk
-// before.
-
-#include <tarn/ProvisionalTDF.h>
+// The frame of an update: forget what the last one changed, walk, collect what this one changed. The collaborators know
+// what the changes are measured against: the active tree logs from its last reset on, the trackers remember the last
+// walk.
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
-#include <tarn/BoundsTracker.h>
+#include <tarn/BoolFromEnvironment.h>
+#include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
-#include <tarn/ModifiedQuantityTracker.h>
 #include <tarn/OperationTimer.h>
-#include <tarn/PotentialUpdateTracker.h>
+#include <tarn/ProvisionalTDFDB.h>
 
-#include "provisional/NamedObjectProbe.h"
+#include "provisional/ProvisionalTDFImpl.h"
 
 namespace tarn {
 
-void ProvisionalTDF::updateActiveTDF(bool p_analyse) {
+namespace {
+
+/// Lets rules keep results for the time of one walk. During the walk the facts drop them whenever the active tree
+/// changes. Before it, the host may have changed the base model without notice, so a walk begins with none.
+class KeepingResults {
+ public:
+  explicit KeepingResults(EvalCache& results) : results_(results) {
+    results_.clear();
+    results_.enable(!BoolFromEnvironment("TARN_PHYSVAL_DONTUSECACHE"));
+  }
+  ~KeepingResults() { results_.enable(false); }
+  KeepingResults(KeepingResults const&) = delete;
+  KeepingResults& operator=(KeepingResults const&) = delete;
+
+ private:
+  EvalCache& results_;
+};
+
+}  // namespace
+
+void ProvisionalTDF::Impl::updateActiveTDF(bool p_analyse) {
   try {
     OperationTimer timer("ProvisionalTDF::updateActiveTDF");
     rememberStartState(p_analyse);
     if (p_analyse) {
       timer.enterSection("analyse");
-      analyse(m_activeRoot, m_evalContext.get());
+      KeepingResults const results(m_facts.keptResults());
+      m_owner.analyse(m_activeRoot, m_evalContext.get());
     }
     timer.enterSection("extract updates");
     extractUpdateInformation();
@@ -34,77 +53,63 @@ void ProvisionalTDF::updateActiveTDF(bool p_analyse) {
   }
   if (!p_analyse) return;
   m_isWalkDue = false;
-  m_defaultNamesOfUpdate.clear();
+  m_facts.confirmDefaultNames();
 }
 
-/// Ahead of an update without a walk, which would else publish what a broken one has left in the active tree, and of
-/// edits that copy from there.
-void ProvisionalTDF::completeBrokenUpdate() {
+/// Comes before an update without a walk, which would otherwise publish what a broken update has left in the active
+/// tree, and before edits that copy from there.
+void ProvisionalTDF::Impl::completeBrokenUpdate() {
   if (!m_isWalkDue) return;
   updateActiveTDF(true);
-  // Nobody reads what this update tells. So the edit tells it once more.
-  forgetBoundsAndQuantities();
+  // Nobody reads the lists of this update. So the edit reports bounds and quantity types once more.
+  m_facts.forgetBoundsAndQuantities();
 }
 
-void ProvisionalTDF::rememberStartState(bool p_analyse) {
-  m_activeTDF.resetChanges();
-  m_potentialTracker->start();
+void ProvisionalTDF::Impl::rememberStartState(bool p_analyse) {
+  m_facts.beginUpdate(p_analyse);
   m_newlyUnavailParams.clear();
-  m_quantityTracker->reset();
-  m_boundsTracker->reset();
-  m_emptyParams.clear();
-  m_emptyTypedParams.clear();
-  m_probe->clearPath();
-  // Only a walk can fill it again.
-  if (p_analyse) m_userNamedTypes.clear();
+  m_probe.clearPath();
 }
 
-void ProvisionalTDF::extractUpdateInformation() {
-  // Not while it is being changed.
+void ProvisionalTDF::Impl::extractUpdateInformation() {
+  // Not current while it is being changed.
   bool const wasStateCurrent = std::exchange(m_isStateCurrent, false);
+  DynamicTDF const& active = outcome().active;
   if (wasStateCurrent) {
-    m_activeTDF.refreshState(m_activeState, m_activeRoot);
+    active.refreshState(m_activeState, m_activeRoot);
   } else {
-    m_activeState = m_activeTDF.getState(m_activeRoot);
+    m_activeState = active.getState(m_activeRoot);
   }
   m_isStateCurrent = true;
-  m_potentialTracker->synchWithTDF(&m_activeTDF);
-  m_newlyUnavailParams = m_activeTDF.getDeletedParameters();
+  m_facts.completeUpdate();
 
-  if (!m_newlyUnavailParams.empty()) {
-    // What is on offer now has not been lost.
-    ParamsByObject const& potential = m_potentialTracker->getAddedParams();
-    std::vector<std::pair<std::string_view, std::string_view>> onOffer(potential.begin(), potential.end());
-    std::sort(onOffer.begin(), onOffer.end());
-    std::erase_if(m_newlyUnavailParams, [&onOffer](ParamId const& param) {
-      return std::binary_search(onOffer.begin(), onOffer.end(),
-                                std::pair<std::string_view, std::string_view>(param.first, param.second));
-    });
-  }
-  std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
+  m_newlyUnavailParams = active.getDeletedParameters();
+  if (m_newlyUnavailParams.empty()) return;
+  // What is on offer now has not been lost.
+  ParamsByObject const& potential = outcome().offers.getAddedParams();
+  std::vector<std::pair<std::string_view, std::string_view>> onOffer(potential.begin(), potential.end());
+  std::sort(onOffer.begin(), onOffer.end());
+  std::erase_if(m_newlyUnavailParams, [&onOffer](ParamId const& param) {
+    return std::binary_search(onOffer.begin(), onOffer.end(),
+                              std::pair<std::string_view, std::string_view>(param.first, param.second));
+  });
 }
 
-/// Makes the state usable again after an exception has left an update where it stood: no probe, recording and quantity
-/// tracker on, the named types in order. What had been found potential is forgotten, for the tracker carries a walk
-/// that was not compared on into the next one, where those items would stand twice; forgotten first, so that there is
-/// nothing left for the probe to do that needs memory. Bounds and quantity types are forgotten because the lists that
-/// would have told of them are not read.
-void ProvisionalTDF::recoverFromBrokenUpdate() noexcept {
-  m_potentialTracker->clearObjectReferences(std::string());
-  if (m_probe->inTestNamedObject()) m_probe->deleteTestNamedObject();
-  forgetBoundsAndQuantities();
+/// Makes the state usable again after an exception has ended an update somewhere in the middle: no probe, recording and
+/// quantity tracker on, the named types in order.
+///
+/// What had been found potential is forgotten. The tracker carries a walk that was not compared on into the next one,
+/// and those items would be listed twice there. This comes first, for then removing the probe needs no memory. Bounds
+/// and quantity types are forgotten because nobody reads the lists that would have reported them.
+void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
+  m_facts.clearObjectReferences(std::string());
+  if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();
+  m_facts.forgetBoundsAndQuantities();
   m_activeState.clear();
   m_isStateCurrent = false;
   m_isWalkDue = true;
   m_newlyUnavailParams.clear();
-  m_emptyParams.clear();
-  m_emptyTypedParams.clear();
-  std::sort(m_userNamedTypes.begin(), m_userNamedTypes.end());
-}
-
-void ProvisionalTDF::forgetBoundsAndQuantities() noexcept {
-  m_boundsTracker->forget();
-  m_quantityTracker->forget();
+  m_facts.abandonUpdate();
 }
 
 }  // namespace tarn

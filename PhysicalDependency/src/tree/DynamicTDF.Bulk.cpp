@@ -117,6 +117,7 @@ DynamicTDF::Node& DynamicTDF::setParameters(std::string const& objPath, ObjectSt
 
 /// Returns false when the tree has to be loaded anew.
 bool DynamicTDF::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
+  nodes_->noteChange();
   StateLoad load(*this, skipEmpty);
   for (StateRange const& part : parts) {
     for (auto object = part.begin; object != part.end; ++object) {
@@ -223,6 +224,7 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, st
     if (sourceParam != sourceNode.params.end() && sourceParam->name() == param->name()) {
       ++param;
     } else {
+      nodes_->noteChange();
       changes_->recordDeleted(objPath, param->name());
       param = targetNode.params.erase(param);
     }

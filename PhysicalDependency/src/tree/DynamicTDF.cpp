@@ -173,6 +173,7 @@ void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& 
   Node* const node = nodes_->find(objPath);
   if (node == nullptr) return;
   if (node->params.find(name) == nullptr) return;
+  nodes_->noteChange();
   // Recorded first, since the caller's texts may be of the parameter that goes.
   changes_->recordDeleted(objPath, name);
   node->params.erase(name);
@@ -185,6 +186,10 @@ void DynamicTDF::setParameter(std::string const& objPath, std::string const& nam
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name,
                               ParamAllowedValues const& allowedValues, std::string const& value) {
   changeObject(objPath, [&](Node& node) { doSetParameter(objPath, name, allowedValues, value, node); });
+}
+
+std::uint64_t DynamicTDF::getRevision() const noexcept {
+  return nodes_->revision();
 }
 
 void DynamicTDF::startRecordingUpdates() {
@@ -248,6 +253,7 @@ template <class... Initial>
 void DynamicTDF::addParameter(std::string const& objPath, std::string const& name, Node& node,
                               Initial const&... initial) {
   Node::ParamVal param(initial...);
+  nodes_->noteChange();
   nodes_->forgetLoad();
   std::string const& pooled = nodes_->names().intern(name);
   // Recorded first, since the caller's texts may be values of this object, which move when it gets another.
@@ -290,6 +296,7 @@ bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
 /// Makes a change to a value together with its entry in the log, both or neither.
 template <class Change>
 void DynamicTDF::recordingModified(std::string const& objPath, std::string const& name, Change const& change) {
+  nodes_->noteChange();
   changes_->recordModified(objPath, name);
   try {
     change();

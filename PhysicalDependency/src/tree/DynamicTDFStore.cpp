@@ -173,6 +173,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
 }
 
 void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
+  noteChange();
   forget(node);
   forgetLoad();
   node.parent->children.remove(node);
@@ -186,6 +187,7 @@ void DynamicTDF::NodeStore::reset() {
   // Made before anything goes: without memory the objects stay as they are.
   std::vector<std::unique_ptr<Node>> buckets(1);
   buckets.front() = std::make_unique<Node>(nullptr, PathHash(), sharedEmptyString(), "");
+  noteChange();
   clear();
   names_.clear();
   buckets_.swap(buckets);
@@ -199,6 +201,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& ha
   std::size_t const colon = words.find(':');
   std::string_view const name = colon == std::string_view::npos ? std::string_view() : words.substr(colon + 1);
   if (size_ == buckets_.size()) grow();
+  noteChange();
   forgetLoad();
   auto made = std::make_unique<Node>(parent, hash, names_.intern(words.substr(0, colon)), name);
   parent->children.append(*made);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,6 +39,15 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// Whether there was an object, since the last reset, that is listed under another path than it is found under.
   [[nodiscard]] bool hasOtherwiseListed() const noexcept {
     return hasOtherwiseListed_;
+  }
+
+  /// Another number after every change to objects, parameters and values. Objects count by themselves; who changes a
+  /// parameter calls `noteChange` before.
+  [[nodiscard]] std::uint64_t revision() const noexcept {
+    return revision_;
+  }
+  void noteChange() noexcept {
+    ++revision_;
   }
 
   /// The types and parameter names of the tree.
@@ -91,6 +101,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// As many as a power of two, and at least as many as objects. Each holds a chain, mostly of one.
   std::vector<std::unique_ptr<Node>> buckets_;
   std::size_t size_ = 0;
+  std::uint64_t revision_ = 0;
   bool hasOtherwiseListed_ = false;
   std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;

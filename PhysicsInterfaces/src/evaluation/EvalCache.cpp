@@ -10,17 +10,17 @@ EvalCache::~EvalCache() = default;
 EvalCache::Result const* EvalCache::find(void const* rule) const {
   if (!enabled_) return nullptr;
   auto const found = results_.find(rule);
-  if (found == results_.end()) {
+  if (found == results_.end() || found->second.generation != generation_) {
     ++misses_;
     return nullptr;
   }
   ++hits_;
-  return &found->second;
+  return &found->second.result;
 }
 
 EvalCache::Result const* EvalCache::store(void const* rule, Result result) {
   if (!enabled_) return nullptr;
-  return &results_.insert_or_assign(rule, std::move(result)).first->second;
+  return &results_.insert_or_assign(rule, Kept{std::move(result), generation_}).first->second.result;
 }
 
 void EvalCache::report() const {

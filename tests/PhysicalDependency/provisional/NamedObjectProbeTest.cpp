@@ -7,11 +7,11 @@
 #include <string>
 
 #include <tarn/DynamicTDF.h>
-#include <tarn/ModifiedQuantityTracker.h>
 #include <tarn/PotentialUpdateTracker.h>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
 #include "PhysicalDependency/trackers/StatedParam.h"
+#include "provisional/ProvisionalFacts.h"
 
 namespace tarn {
 namespace {
@@ -20,20 +20,19 @@ using test::rotor;
 
 class NamedObjectProbeTest : public testing::Test {
  protected:
-  NamedObjectProbeTest() { active_.createObject("/Case", "Domain", "rotor"); }
+  NamedObjectProbeTest() { facts_.createObject("/Case", "Domain", "rotor"); }
 
   std::string adjusted(std::string const& value) {
     test::StatedParam const info(TDFParam::Real);
-    return quantities_.modifyQuantity(&active_, rotor, "Inflow", value, &info);
+    return facts_.modifyQuantity(&active_, rotor, "Inflow", value, &info);
   }
 
   std::string const path_ = rotor + "/Boundary:__%%dummy%%__";
   test::FlowModifier modifier_;
-  DynamicTDF active_;
-  DynamicTDF guide_;
-  PotentialUpdateTracker potential_;
-  ModifiedQuantityTracker quantities_{&modifier_};
-  NamedObjectProbe probe_{active_, guide_, potential_, quantities_};
+  ProvisionalFacts facts_{&modifier_};
+  DynamicTDF const& active_ = facts_.outcome().active;
+  PotentialUpdateTracker const& potential_ = facts_.outcome().offers;
+  NamedObjectProbe probe_{facts_};
 };
 
 TEST_F(NamedObjectProbeTest, AtTheStartThereIsNone) {
@@ -52,29 +51,29 @@ TEST_F(NamedObjectProbeTest, ItIsAnObjectOfTheActiveTreeUnderANameOfItsOwn) {
 
 TEST_F(NamedObjectProbeTest, WhileItExistsNothingIsRecordedAndNoQuantityAdjusted) {
   probe_.createTestNamedObject(rotor, "Boundary");
-  active_.setParameter(path_, "Kind", "Wall");
+  facts_.updateParam(path_, "Kind", "Wall");
   EXPECT_TRUE(active_.getAddedParameters().empty());
   EXPECT_EQ(adjusted("1"), "1");
 }
 
 TEST_F(NamedObjectProbeTest, NothingRemainsOfItAndAllIsOnAgain) {
-  potential_.start();
+  facts_.beginUpdate(true);
   probe_.createTestNamedObject(rotor, "Boundary");
-  active_.setParameter(path_ + "/Patch", "Area", "1");
-  guide_.setParameter(path_, "Kind", "Wall");
-  potential_.addParam(path_, "Label");
-  potential_.addObject(path_ + "/Turbulence");
-  potential_.addParam(rotor, "Title");
+  facts_.updateParam(path_ + "/Patch", "Area", "1");
+  facts_.setGuideParam(path_, "Kind", "Wall");
+  facts_.addPotentialParam(path_, "Label");
+  facts_.addPotentialObject(path_ + "/Turbulence");
+  facts_.addPotentialParam(rotor, "Title");
   probe_.deleteTestNamedObject();
 
   EXPECT_FALSE(probe_.inTestNamedObject());
   EXPECT_FALSE(active_.hasObject(path_));
   EXPECT_TRUE(active_.getDeletedParameters().empty());
   EXPECT_TRUE(active_.getDeletedObjects().empty());
-  EXPECT_FALSE(guide_.hasObject(path_));
+  EXPECT_FALSE(facts_.isObjectInGuide(path_));
   EXPECT_EQ(potential_.getParams().size(), 1U);
   EXPECT_TRUE(potential_.getObjects().empty());
-  active_.setParameter(rotor, "Title", "Impeller");
+  facts_.updateParam(rotor, "Title", "Impeller");
   EXPECT_EQ(active_.getAddedParameters().size(), 1U);
   EXPECT_EQ(adjusted("1"), "1 [kg/s]");
 }

@@ -7,12 +7,17 @@
 #include <functional>
 #include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <tarn/Error.h>
 #include <tarn/ProvTDFLogger.h>
+#include <tarn/ProvTDFObserver.h>
+#include <tarn/TDFPath.h>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
+#include "support/EditResult.h"
 
 namespace tarn {
 namespace {
@@ -27,6 +32,17 @@ std::string const stator = "/Case/Domain:stator";
 std::string const inlet = rotor + "/Boundary:inlet";
 std::string const outlet = rotor + "/Boundary:outlet";
 std::string const wall = rotor + "/Boundary:wall";
+
+/// What the `Error` says that the action ends in.
+template <typename Action>
+std::string messageOfError(Action const& action) {
+  try {
+    action();
+  } catch (Error const& error) {
+    return error.errorMessage();
+  }
+  return "no error";
+}
 
 /// A rotor with a Title, an optional Fluid and boundaries, each with a Kind, an optional Label and a singleton of
 /// turbulence data.
@@ -167,9 +183,6 @@ TEST_F(ProvisionalEditsTest, AddingIsRefusedWhereThereIsNoNewNameToAdd) {
       << "named as its type";
   EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor); })) << "the active root";
   EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor + "/"); }));
-  EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor + "//Boundary:a"); }));
-  EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor + "/Boundary:a:b"); }));
-  EXPECT_TRUE(isRefused([](auto& state) { state.addNewNamedObject(rotor + "/:a"); }));
 }
 
 TEST_F(ProvisionalEditsTest, WithNoNameInThePathNothingIsAddedAndNothingRemoved) {
@@ -348,11 +361,39 @@ TEST_F(ProvisionalEditsTest, EveryEditOutsideTheActiveRootIsRefused) {
   }
 }
 
-TEST_F(ProvisionalEditsTest, AValueForAPathThatCannotBeReadIsRefused) {
+TEST_F(ProvisionalEditsTest, AValueForAPathThatCannotBeReadPassesOnTheErrorAndChangesNothing) {
   start();
+  set("Title", "Impeller");
   for (char const* const tail : {"/", "//Boundary:a", "/Boundary:", "/:a", "/Boundary:a:b"}) {
-    EXPECT_TRUE(isRefused([&](auto& state) { state.activeSetParam(rotor + tail, "Kind", "x"); })) << tail;
+    SCOPED_TRACE(tail);
+    EXPECT_EQ(messageOfError([&] { state().activeSetParam(rotor + tail, "Kind", "x"); }),
+              messageOfError([&] { TDFPath const path(rotor + tail); }));
   }
+  EXPECT_EQ(state().getModParams(), (Pairs{{rotor, "Title"}})) << "the lists are still those of the last edit";
+  EXPECT_TRUE(isPotential("Fluid"));
+}
+
+TEST_F(ProvisionalEditsTest, AddingAPathThatCannotBeReadPassesOnTheErrorAndChangesNothing) {
+  start();
+  set("Title", "Impeller");
+  for (char const* const tail : {"//Boundary:a", "/:a", "/Boundary:a:b"}) {
+    SCOPED_TRACE(tail);
+    EXPECT_EQ(messageOfError([&] { state().addNewNamedObject(rotor + tail); }),
+              messageOfError([&] { TDFPath const path(rotor + tail); }));
+  }
+  EXPECT_EQ(state().getModParams(), (Pairs{{rotor, "Title"}})) << "the lists are still those of the last edit";
+  EXPECT_TRUE(isPotential("Fluid"));
+}
+
+TEST_F(ProvisionalEditsTest, AnEditOfAPathThatCannotBeReadIsNotPrinted) {
+  start();
+  std::ostringstream printed;
+  ProvTDFLogger printer(&state(), printed);
+  state().setLogger(&printer);
+  std::string const header = printed.str();
+  EXPECT_THROW(state().addNewNamedObject(rotor + "/Boundary:a:b"), Error);
+  EXPECT_EQ(printed.str(), header);
+  state().setLogger(nullptr);
 }
 
 TEST_F(ProvisionalEditsTest, ADecisionOnAPathThatCannotBeReadIsHarmless) {
@@ -394,6 +435,111 @@ TEST_F(ProvisionalEditsTest, ARefusedEditClearsTheListsAndTellsAllThatWasPotenti
   walkAgain();
   EXPECT_EQ(newlyPotentialParams(), potential);
   EXPECT_EQ(state().getNewlyAvailPotObjects(), (Strings{rotor + "/Cavitation"}));
+}
+
+// Edits as values.
+
+using test::resultOf;
+using test::textOf;
+
+TEST_F(ProvisionalEditsTest, AnAppliedEditGivesNoReason) {
+  start({{inlet, {}}});
+  for (Edit const& edit :
+       {Edit::setParam(rotor, "Title", "Impeller"), Edit::activateParam(rotor, "Note"),
+        Edit::deactivateParam(rotor, "Note"), Edit::activateObject(inlet + "/Turbulence"),
+        Edit::deactivateObject(inlet + "/Turbulence"), Edit::addObject(outlet), Edit::duplicateObject(outlet, "second"),
+        Edit::renameObject(outlet, "third"), Edit::removeObject(inlet)}) {
+    EXPECT_EQ(resultOf(edit, state()), test::EditResult()) << textOf(edit);
+  }
+  EXPECT_EQ(state().getActiveTDFState(), (ModelState{{rotor, {{"Title", "Impeller"}}},
+                                                     {rotor + "/Boundary:second", {{"Kind", "Wall"}}},
+                                                     {rotor + "/Boundary:third", {{"Kind", "Wall"}}}}));
+}
+
+TEST_F(ProvisionalEditsTest, ARefusedEditGivesItsReason) {
+  Rules(rules_, "/Case/Domain").child("Stage").required().allowedNames({"first"});
+  Rules(rules_, "/Case/Domain/Stage").param("Blades").required().byDefault("12");
+  start({{inlet, {}}});
+  state().activateOptObject(inlet + "/Turbulence");
+  struct {
+    Edit edit;
+    Refusal reason;
+  } const cases[] = {
+      {Edit::setParam(stator, "Title", "x"), Refusal::OutsideActiveRoot},
+      {Edit::activateParam("/Case", "Note"), Refusal::OutsideActiveRoot},
+      {Edit::deactivateParam(rotor + "2", "Note"), Refusal::OutsideActiveRoot},
+      {Edit::activateObject(""), Refusal::OutsideActiveRoot},
+      {Edit::deactivateObject("no path"), Refusal::OutsideActiveRoot},
+      {Edit::addObject(stator), Refusal::OutsideActiveRoot},
+      {Edit::removeObject(stator), Refusal::OutsideActiveRoot},
+      {Edit::duplicateObject(stator, "x"), Refusal::OutsideActiveRoot},
+      {Edit::renameObject(stator, "x"), Refusal::OutsideActiveRoot},
+
+      {Edit::addObject(rotor + "/Boundary"), Refusal::NotNamed},
+      {Edit::addObject(rotor + "/Boundary:"), Refusal::NotNamed},
+      {Edit::addObject(rotor + "/Boundary:Boundary"), Refusal::NameEqualsType},
+      {Edit::addObject(inlet), Refusal::AlreadyAskedFor},
+
+      {Edit::removeObject(outlet), Refusal::NoSuchObject},
+      {Edit::removeObject(inlet + "/Turbulence"), Refusal::NotNamed},
+      {Edit::removeObject(rotor + "/Stage:first"), Refusal::StandsByTheRules},
+
+      {Edit::duplicateObject(rotor, "x"), Refusal::IsActiveRoot},
+      {Edit::duplicateObject(outlet, "x"), Refusal::NoSuchObject},
+      {Edit::duplicateObject(inlet + "/Turbulence", "x"), Refusal::NotNamed},
+      {Edit::duplicateObject(inlet, ""), Refusal::NameUnreadable},
+      {Edit::duplicateObject(inlet, "a/b"), Refusal::NameUnreadable},
+      {Edit::duplicateObject(inlet, "a:b"), Refusal::NameUnreadable},
+      {Edit::duplicateObject(inlet, "Boundary"), Refusal::NameEqualsType},
+      {Edit::duplicateObject(inlet, "inlet"), Refusal::NameTaken},
+      {Edit::duplicateObject(inlet, "outlet"), Refusal::NameTaken},
+
+      {Edit::renameObject(rotor, "x"), Refusal::IsActiveRoot},
+      {Edit::renameObject(inlet, "outlet"), Refusal::NameTaken},
+      {Edit::renameObject(rotor + "/Stage:first", "second"), Refusal::StandsByTheRules},
+  };
+  for (auto const& [edit, reason] : cases) {
+    if (edit.name == "outlet") state().addNewNamedObject(outlet);
+    EXPECT_EQ(resultOf(edit, state()).refusal, reason) << textOf(edit);
+    walkAgain();
+  }
+}
+
+TEST_F(ProvisionalEditsTest, BeforeTheStartEveryEditIsRefused) {
+  ProvisionalTDF state(&rules_, rotor);
+  EXPECT_EQ(state.apply(Edit::setParam(stator, "Title", "x")), Refusal::NotInitialised);
+  EXPECT_EQ(state.apply(Edit::addObject(inlet)), Refusal::NotInitialised);
+}
+
+// Observers.
+
+class Notes final : public ProvTDFObserver {
+ public:
+  void onInitialised(ModelTDF const& base) override { start = &base; }
+  void onEdit(Edit const& edit, std::optional<Refusal> refusal) override { edits.emplace_back(edit, refusal); }
+
+  ModelTDF const* start = nullptr;
+  std::vector<std::pair<Edit, std::optional<Refusal>>> edits;
+};
+
+TEST_F(ProvisionalEditsTest, AnObserverIsCalledAfterTheStartAndAfterEveryEdit) {
+  ProvisionalTDF state(&rules_, rotor);
+  Notes notes;
+  state.setObserver(&notes);
+  state.activeSetParam(rotor, "Title", "too early");
+  state.initialise(&base_, {});
+  EXPECT_EQ(notes.start, &base_);
+  state.activeSetParam(rotor, "Title", "Impeller");
+  state.removeNamedObject(stator);
+  EXPECT_THROW(state.addNewNamedObject(rotor + "/:a"), Error);
+  state.setObserver(nullptr);
+  state.activateOptParam(rotor, "Note");
+
+  ASSERT_EQ(notes.edits.size(), 2U);
+  EXPECT_TRUE(notes.edits[0].first == Edit::setParam(rotor, "Title", "Impeller"));
+  EXPECT_EQ(notes.edits[0].second, std::nullopt);
+  EXPECT_TRUE(notes.edits[1].first == Edit::removeObject(stator));
+  EXPECT_EQ(notes.edits[1].second, Refusal::OutsideActiveRoot);
 }
 
 // Before the start.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
@@ -18,7 +19,6 @@ namespace {
 using test::MapModel;
 using test::PlainProvisional;
 using test::RandomCase;
-using test::RandomEdit;
 
 constexpr std::uint32_t cases = 1000;
 constexpr int editsOfACase = 12;  // with the start, more than ten thousand updates are compared
@@ -38,16 +38,16 @@ TEST(ProvisionalTDFOracle, ParametersAndChildrenAgreeWithAPlainReading) {
     plain.initialise(random.base, random.guide);
     ASSERT_EQ(difference(state, plain), "") << history;
     for (int i = 0; i < editsOfACase; ++i) {
-      RandomEdit const edit = random.nextEdit();
-      history += "\n" + edit.text();
-      if (edit.kind == RandomEdit::BaseUpdate) {
+      std::optional<Edit> const edit = random.nextEdit();
+      history += "\n" + (edit ? test::textOf(*edit) : "base update");
+      if (!edit) {
         random.changeBase();
         base = MapModel(random.base);
         state.baseUpdate(&base);
         plain.baseUpdate(random.base);
       } else {
-        apply(edit, state);
-        apply(edit, plain);
+        test::EditResult const result = test::resultOf(*edit, state);
+        ASSERT_EQ(result, plain.apply(*edit)) << history;
       }
       ASSERT_EQ(difference(state, plain), "") << history;
     }

@@ -26,6 +26,13 @@ using ProvisionalTDFTest = test::ProvisionalTest;
 static_assert(!std::is_copy_constructible_v<ProvisionalTDF>);
 static_assert(std::has_virtual_destructor_v<ProvisionalTDF>);
 
+/// Whether a host can start a walk outside of an update.
+template <typename State>
+concept CanBeWalked = requires(State& state, EvalContext* context) {
+  state.analyse("", context);
+};
+static_assert(!CanBeWalked<ProvisionalTDF>);
+
 TEST_F(ProvisionalTDFTest, TheWorkedExampleOfTheManual) {
   Rules(rules_, "/Case/Domain")
       .param("Motion")
@@ -75,6 +82,32 @@ TEST_F(ProvisionalTDFTest, TheValueOfAParameterThatIsNotThereIsEmpty) {
   start();
   EXPECT_EQ(state().getParamValue(rotor, "Title"), "");
   EXPECT_EQ(state().getParamValue("/Nowhere", "Title"), "");
+}
+
+TEST_F(ProvisionalTDFTest, AParameterIsThereWhenItIsPresentAndNotWhenItIsOnlyPotential) {
+  Rules(rules_, "/Case/Domain").param("Fluid").required().param("Title");
+  start();
+  EXPECT_TRUE(state().hasParameter(rotor, "Fluid")) << "although it has no value";
+  EXPECT_FALSE(state().hasParameter(rotor, "Title"));
+  activate("Title");
+  EXPECT_TRUE(state().hasParameter(rotor, "Title"));
+  EXPECT_FALSE(state().hasParameter(rotor, "Unknown"));
+  EXPECT_FALSE(state().hasParameter("/Nowhere", "Fluid"));
+}
+
+TEST_F(ProvisionalTDFTest, AnObjectIsThereWhenItIsPresentAtOrBelowTheActiveRoot) {
+  Rules(rules_, "/Case/Domain").param("Fluid").required().child("Boundary").required();
+  Rules(rules_, "/Case/Domain/Boundary").param("Kind").child("Turbulence").singleton().coupled();
+  Rules(rules_, "/Case/Domain/Boundary/Turbulence").param("Intensity").required();
+  base_.add("/Case/Domain:stator");
+  ProvisionalTDF const notStarted(&rules_, rotor);
+  EXPECT_FALSE(notStarted.hasObject(rotor));
+  start({{rotor + "/Boundary:inlet", {}}});
+  EXPECT_TRUE(state().hasObject(rotor));
+  EXPECT_TRUE(state().hasObject(rotor + "/Boundary:inlet")) << "although it holds no parameter";
+  EXPECT_FALSE(state().hasObject(rotor + "/Boundary:inlet/Turbulence")) << "as it is only potential";
+  EXPECT_FALSE(state().hasObject("/Case")) << "above the active root";
+  EXPECT_FALSE(state().hasObject("/Case/Domain:stator"));
 }
 
 TEST_F(ProvisionalTDFTest, AllowedValuesAreAnsweredForPresentAndPotentialParameters) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <string>
 #include <utility>
@@ -774,6 +775,53 @@ TEST(DynamicTDF, AChainOfTenThousandObjectsIsCreatedReadAndDeletedWithoutRecursi
   EXPECT_FALSE(model.hasObject(path));
   EXPECT_TRUE(model.isObjectEmpty(""));
   EXPECT_EQ(model.getDeletedParameters().size(), 1U);
+}
+
+TEST(DynamicTDF, TheRevisionIsAnotherOneAfterEveryChange) {
+  DynamicTDF source(false);
+  source.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+  source.createObject("/Case/Domain:rotor", "Boundary", "inlet");
+  ModelState const loaded{{"/Case", {{"Title", "Pump"}}}};
+  for (bool const recording : {true, false}) {
+    DynamicTDF tree(recording);
+    std::vector<std::function<void()>> const changes = {
+        [&] { tree.createObject("/Case", "Domain", "rotor"); },
+        [&] { tree.setParameter("/Case/Domain:rotor", "Motion", "Resting"); },
+        [&] { tree.setParameter("/Case/Domain:rotor", "Motion", "Rotating"); },
+        [&] { tree.setParameter("/Case", "Fluid", allowedOf({"Water"}), "Water"); },
+        [&] {
+          tree.setParameter("/Case", "Fluid", allowedOf({"Water", "Air"}), "Water");
+        },
+        [&] { tree.deleteParameter("/Case", "Fluid"); },
+        [&] { tree.copyBranch(&source, "/Case/Domain:rotor"); },
+        [&] { tree.deleteObjectUnrecorded("/Case/Domain:rotor/Boundary:inlet"); },
+        [&] { tree.setParameter("/Case/Domain:rotor", "Title", "Impeller"); },
+        [&] { tree.copyBranch(&source, "/Case/Domain:rotor"); },
+        [&] { tree.deleteObject("/Case/Domain:rotor"); },
+        [&] { tree.update(loaded.begin(), loaded.end()); },
+        [&] { tree.initialise(loaded.begin(), loaded.end()); },
+    };
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+      auto const before = tree.getRevision();
+      changes[i]();
+      EXPECT_NE(tree.getRevision(), before) << i;
+    }
+  }
+}
+
+TEST(DynamicTDF, TheRevisionStaysWhereNothingChanges) {
+  DynamicTDF source(false);
+  source.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+  DynamicTDF tree;
+  tree.copyBranch(&source, "/Case");
+  auto const before = tree.getRevision();
+  tree.setParameter("/Case/Domain:rotor", "Motion", " Rotating ");
+  tree.createObject("/Case", "Domain", "rotor");
+  tree.deleteParameter("/Case", "Title");
+  tree.deleteObject("/Case/Domain:stator");
+  tree.copyBranch(&source, "/Case");
+  tree.resetChanges();
+  EXPECT_EQ(tree.getRevision(), before);
 }
 
 }  // namespace

@@ -50,6 +50,21 @@ TEST(EvalCache, HandsOutWhatWasStoredForTheRule) {
   EXPECT_EQ(cache.find(&rules[4]), nullptr);
 }
 
+TEST(EvalCache, ClearingForgetsTheResultsAndTakesNewOnes) {
+  EvalCache cache;
+  cache.enable(true);
+  int const rules[2] = {};
+  cache.store(&rules[0], std::string("before"));
+  cache.store(&rules[1], true);
+
+  cache.clear();
+  EXPECT_EQ(cache.find(&rules[0]), nullptr);
+  EXPECT_EQ(cache.find(&rules[1]), nullptr);
+  cache.store(&rules[0], std::string("after"));
+  EXPECT_EQ(std::get<std::string>(*cache.find(&rules[0])), "after");
+  EXPECT_EQ(cache.find(&rules[1]), nullptr);
+}
+
 TEST(EvalCache, APauseHidesTheResultsAndKeepsThem) {
   EvalCache cache;
   cache.enable(true);

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tarn/BoundsTracker.h>
+#include <tarn/DynamicTDF.h>
+#include <tarn/ModifiedQuantityTracker.h>
+#include <tarn/PotentialUpdateTracker.h>
+
+namespace tarn {
+
+class QuantityModifier;
+
+/// What the rules make of the intent, brought up to date by each walk.
+struct Outcome {
+  explicit Outcome(QuantityModifier const* modifier) : quantities(modifier) {}
+
+  /// The objects and parameters that are present, and the log of what the last update changed in them.
+  DynamicTDF active{true};
+  /// The items on offer.
+  PotentialUpdateTracker offers;
+  BoundsTracker bounds;
+  ModifiedQuantityTracker quantities;
+  /// Paths of the parameters without a value, in walk order; and those of them whose type is typed in.
+  std::vector<std::string> emptyParams;
+  std::vector<std::string> emptyTypedParams;
+  /// Parent path and type of what a user may add. Sorted between updates; kept by an update without a walk.
+  std::vector<std::pair<std::string, std::string>> userNamedTypes;
+};
+
+}  // namespace tarn

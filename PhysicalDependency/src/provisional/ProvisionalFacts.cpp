@@ -1,0 +1,277 @@
+// The facts of a provisional state. Each operation reads or writes one of them; what they mean for an item is decided
+// by the handlers of the walk.
+
+#include "provisional/ProvisionalFacts.h"
+
+#include <algorithm>
+
+#include <tarn/StringUtilities.h>
+
+#include "provisional/ParamKey.h"
+#include "provisional/dumpModelState.h"
+
+namespace tarn {
+
+// Intent: reading.
+
+bool ProvisionalFacts::isParamInGuide(std::string const& p_objPath, std::string const& p_name) const {
+  return m_intent.guide.hasParameter(p_objPath, p_name);
+}
+
+std::string const& ProvisionalFacts::getGuideValue(std::string const& p_objPath, std::string const& p_name) const {
+  return m_intent.guide.getParameterValue(p_objPath, p_name);
+}
+
+void ProvisionalFacts::getGuideValueAsList(std::string const& p_objPath, std::string const& p_name,
+                                           Strings& p_values) const {
+  m_intent.guide.getParamValueAsList(p_objPath, p_name, p_values);
+}
+
+bool ProvisionalFacts::isObjectInGuide(std::string const& p_path) const {
+  return m_intent.guide.hasObject(p_path);
+}
+
+void ProvisionalFacts::getGuideNames(std::string const& p_objPath, std::string const& p_type, Strings& p_names) const {
+  m_intent.guide.getChildObjectNamesByType(p_objPath, p_type, p_names);
+}
+
+ActivityState ProvisionalFacts::getParamActivity(std::string const& p_objPath, std::string const& p_name) const {
+  return m_intent.decisions.ofParam(p_objPath, p_name);
+}
+
+ActivityState ProvisionalFacts::getObjActivity(std::string const& p_objPath) const {
+  return m_intent.decisions.ofObject(p_objPath);
+}
+
+ProvisionalFacts::Strings const& ProvisionalFacts::getSubsetSelectionValues(std::string const& p_objPath,
+                                                                            std::string const& p_name) const {
+  return m_intent.selections.getSubsetSelectionValues(p_objPath, p_name);
+}
+
+bool ProvisionalFacts::areDefaultNamesApplied(std::string const& p_key) const {
+  return m_intent.defaultNamesApplied.contains(p_key);
+}
+
+// Intent: writing.
+
+void ProvisionalFacts::setGuideParam(std::string const& p_objPath, std::string const& p_name,
+                                     std::string const& p_value) {
+  m_intent.guide.setParameter(p_objPath, p_name, p_value);
+}
+
+void ProvisionalFacts::deleteGuideParam(std::string const& p_objPath, std::string const& p_name) {
+  m_intent.guide.deleteParameter(p_objPath, p_name);
+}
+
+bool ProvisionalFacts::createGuideObject(std::string const& p_parentPath, std::string const& p_type,
+                                         std::string const& p_name) {
+  return m_intent.guide.createObject(p_parentPath, p_type, p_name);
+}
+
+void ProvisionalFacts::deleteGuideObject(std::string const& p_path) {
+  m_intent.guide.deleteObject(p_path);
+}
+
+void ProvisionalFacts::deleteGuideObjects(std::string const& p_objPath, std::string const& p_type) {
+  Strings paths;
+  if (m_intent.guide.getChildObjectPathsByType(p_objPath, p_type, paths)) m_intent.guide.deleteObjects(paths);
+}
+
+void ProvisionalFacts::updateGuide(ModelState const& p_state) {
+  m_intent.guide.update(p_state.begin(), p_state.end(), false);
+}
+
+void ProvisionalFacts::setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on) {
+  m_intent.decisions.setParam(p_objPath, p_name, p_on);
+}
+
+void ProvisionalFacts::setObjActivity(std::string const& p_path, bool p_on) {
+  m_intent.decisions.setObject(p_path, p_on);
+}
+
+void ProvisionalFacts::eraseFromOptActivityMaps(std::string const& p_path) {
+  m_intent.decisions.eraseFromOptActivityMaps(p_path);
+}
+
+void ProvisionalFacts::rememberSubsetValue(std::string const& p_objPath, std::string const& p_name,
+                                           std::string const& p_value) {
+  m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value);
+}
+
+void ProvisionalFacts::rememberSubsetValues(std::string const& p_objPath, std::string const& p_name,
+                                            Strings const& p_values) {
+  m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values);
+}
+
+void ProvisionalFacts::setDefaultNamesApplied(std::string const& p_key) {
+  m_intent.defaultNamesOfUpdate.push_back(p_key);
+  m_intent.defaultNamesApplied.insert(p_key);
+}
+
+void ProvisionalFacts::takeBackDefaultNamesApplied(std::string const& p_key) noexcept {
+  m_intent.defaultNamesApplied.erase(p_key);
+}
+
+void ProvisionalFacts::startWithGuide(DynamicTDF& p_guide, bool p_hasBaseObject) noexcept {
+  m_intent.guide.swap(p_guide);
+  for (std::string const& key : m_intent.defaultNamesOfUpdate) m_intent.defaultNamesApplied.erase(key);
+  m_intent.defaultNamesOfUpdate.clear();
+  m_intent.hasBaseObject = p_hasBaseObject;
+}
+
+// Outcome: reading.
+
+bool ProvisionalFacts::hasActiveObject(std::string const& p_path) const {
+  return m_outcome.active.hasObject(p_path);
+}
+
+void ProvisionalFacts::getActiveNames(std::string const& p_objPath, std::string const& p_type, Strings& p_names) const {
+  m_outcome.active.getChildObjectNamesByType(p_objPath, p_type, p_names);
+}
+
+bool ProvisionalFacts::getActivePaths(std::string const& p_objPath, std::string const& p_type, Strings& p_paths) const {
+  return m_outcome.active.getChildObjectPathsByType(p_objPath, p_type, p_paths);
+}
+
+bool ProvisionalFacts::isBarren(std::string const& p_path) const {
+  return m_outcome.active.isObjectEmpty(p_path) && !m_outcome.offers.hasObjPotentialChildren(p_path);
+}
+
+void ProvisionalFacts::dumpActive(std::string const& p_path, ModelState& p_state) const {
+  dumpModelState(m_outcome.active, p_path, p_state);
+}
+
+// Outcome: writing.
+
+void ProvisionalFacts::createObject(std::string const& p_objPath, std::string const& p_type,
+                                    std::string const& p_name) {
+  m_outcome.active.createObject(p_objPath, p_type, p_name);
+  activeWritten();
+}
+
+void ProvisionalFacts::deleteObject(std::string const& p_path) {
+  m_outcome.active.deleteObject(p_path);
+  activeWritten();
+}
+
+void ProvisionalFacts::deleteObjects(Strings const& p_paths) {
+  m_outcome.active.deleteObjects(p_paths);
+  activeWritten();
+}
+
+void ProvisionalFacts::deleteObjectUnrecorded(std::string const& p_path) {
+  m_outcome.active.deleteObjectUnrecorded(p_path);
+  activeWritten();
+}
+
+void ProvisionalFacts::mirrorBranch(DynamicTDF const& p_base, std::string const& p_path) {
+  m_outcome.active.copyBranch(&p_base, p_path);
+  activeWritten();
+}
+
+void ProvisionalFacts::deleteParam(std::string const& p_objPath, std::string const& p_name) {
+  m_outcome.active.deleteParameter(p_objPath, p_name);
+  activeWritten();
+}
+
+bool ProvisionalFacts::updateParam(std::string const& p_objPath, std::string const& p_name,
+                                   std::string const& p_value) {
+  m_outcome.active.setParameter(p_objPath, p_name, p_value);
+  activeWritten();
+  return StringUtilities::trimmed(p_value).empty();
+}
+
+bool ProvisionalFacts::updateParam(std::string const& p_objPath, std::string const& p_name,
+                                   ParamAllowedValues const& p_allowed, std::string const& p_value) {
+  m_outcome.active.setParameter(p_objPath, p_name, p_allowed, p_value);
+  activeWritten();
+  return StringUtilities::trimmed(p_value).empty();
+}
+
+void ProvisionalFacts::updateBounds(std::string const& p_objPath, std::string const& p_name,
+                                    ParamAvailInfo const* p_info) {
+  m_outcome.bounds.updateBounds(p_objPath, p_name, p_info);
+}
+
+std::string ProvisionalFacts::modifyQuantity(ModelTDF const* p_view, std::string const& p_objPath,
+                                             std::string const& p_name, std::string const& p_value,
+                                             ParamAvailInfo const* p_info) {
+  return m_outcome.quantities.modifyQuantity(p_view, p_objPath, p_name, p_value, p_info);
+}
+
+void ProvisionalFacts::addPotentialObject(std::string const& p_path) {
+  deleteObject(p_path);
+  m_outcome.offers.addObject(p_path);
+}
+
+void ProvisionalFacts::addPotentialParam(std::string const& p_objPath, std::string const& p_name) {
+  deleteParam(p_objPath, p_name);
+  m_outcome.offers.addParam(p_objPath, p_name);
+}
+
+void ProvisionalFacts::addPotentialParam(std::string const& p_objPath, std::string const& p_name,
+                                         ParamAllowedValues const& p_allowed) {
+  deleteParam(p_objPath, p_name);
+  m_outcome.offers.addParam(p_objPath, p_name, p_allowed);
+}
+
+void ProvisionalFacts::clearObjectReferences(std::string const& p_path) {
+  m_outcome.offers.clearObjectReferences(p_path);
+}
+
+void ProvisionalFacts::addEmptyParam(std::string const& p_objPath, std::string const& p_name, bool p_isTyped) {
+  m_outcome.emptyParams.push_back(ParamKey{p_objPath, p_name}.text());
+  if (p_isTyped) m_outcome.emptyTypedParams.push_back(m_outcome.emptyParams.back());
+}
+
+void ProvisionalFacts::addUserNamedType(std::string const& p_parentPath, std::string const& p_type) {
+  m_outcome.userNamedTypes.emplace_back(p_parentPath, p_type);
+}
+
+void ProvisionalFacts::publishChanges(bool p_on) noexcept {
+  if (p_on) {
+    m_outcome.active.startRecordingUpdates();
+  } else {
+    m_outcome.active.stopRecordingUpdates();
+  }
+  m_outcome.quantities.enable(p_on);
+}
+
+// The frame of an update.
+
+void ProvisionalFacts::beginUpdate(bool p_analyse) {
+  m_outcome.active.resetChanges();
+  m_outcome.offers.start();
+  m_outcome.quantities.reset();
+  m_outcome.bounds.reset();
+  m_outcome.emptyParams.clear();
+  m_outcome.emptyTypedParams.clear();
+  if (p_analyse) m_outcome.userNamedTypes.clear();
+}
+
+void ProvisionalFacts::completeUpdate() {
+  m_outcome.offers.synchWithTDF(&m_outcome.active);
+  std::sort(m_outcome.userNamedTypes.begin(), m_outcome.userNamedTypes.end());
+}
+
+void ProvisionalFacts::abandonUpdate() noexcept {
+  m_outcome.emptyParams.clear();
+  m_outcome.emptyTypedParams.clear();
+  std::sort(m_outcome.userNamedTypes.begin(), m_outcome.userNamedTypes.end());
+}
+
+void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
+  m_outcome.bounds.forget();
+  m_outcome.quantities.forget();
+}
+
+/// A rule may have read what has just changed, so no result that was kept holds any more. Most writes of a walk change
+/// nothing.
+void ProvisionalFacts::activeWritten() noexcept {
+  std::uint64_t const revision = m_outcome.active.getRevision();
+  if (revision == m_revision) return;
+  m_revision = revision;
+  m_keptResults.clear();
+}
+
+}  // namespace tarn

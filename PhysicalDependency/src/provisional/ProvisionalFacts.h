@@ -1,0 +1,138 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <tarn/EvalCache.h>
+#include <tarn/ModelState.h>
+
+#include "provisional/Intent.h"
+#include "provisional/Outcome.h"
+
+namespace tarn {
+
+class ModelTDF;
+class ParamAllowedValues;
+class ParamAvailInfo;
+class QuantityModifier;
+
+/// All facts of a provisional state: what the user asked for (`Intent`) and what the rules make of it (`Outcome`).
+///
+/// Walk handlers and edits read and write facts through this class only, one fact a call. So there is one place that
+/// knows which facts a visit used, and that every change of a fact passes through. Three things rely on that today: the
+/// results that rules keep during a walk are dropped with every change of the active tree, recording and quantities are
+/// switched off together for the probe, and what an update may leave half done is known.
+///
+/// The getters of the provisional state read `outcome()` between updates. They are no part of a visit.
+class ProvisionalFacts {
+ public:
+  using Strings = std::vector<std::string>;
+
+  explicit ProvisionalFacts(QuantityModifier const* modifier) : m_outcome(modifier) {}
+  ProvisionalFacts(ProvisionalFacts const&) = delete;
+  ProvisionalFacts& operator=(ProvisionalFacts const&) = delete;
+
+  /// @name Intent: reading
+  /// @{
+  [[nodiscard]] bool isParamInGuide(std::string const& p_objPath, std::string const& p_name) const;
+  /// "" when the guide has no such parameter. Valid until the guide changes.
+  [[nodiscard]] std::string const& getGuideValue(std::string const& p_objPath, std::string const& p_name) const;
+  void getGuideValueAsList(std::string const& p_objPath, std::string const& p_name, Strings& p_values) const;
+  [[nodiscard]] bool isObjectInGuide(std::string const& p_path) const;
+  void getGuideNames(std::string const& p_objPath, std::string const& p_type, Strings& p_names) const;
+  [[nodiscard]] ActivityState getParamActivity(std::string const& p_objPath, std::string const& p_name) const;
+  [[nodiscard]] ActivityState getObjActivity(std::string const& p_objPath) const;
+  /// Valid until more is remembered.
+  [[nodiscard]] Strings const& getSubsetSelectionValues(std::string const& p_objPath, std::string const& p_name) const;
+  [[nodiscard]] bool areDefaultNamesApplied(std::string const& p_key) const;
+  [[nodiscard]] bool hasBaseObject() const noexcept { return m_intent.hasBaseObject; }
+  /// @}
+
+  /// @name Intent: writing
+  /// @{
+  void setGuideParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
+  void deleteGuideParam(std::string const& p_objPath, std::string const& p_name);
+  bool createGuideObject(std::string const& p_parentPath, std::string const& p_type, std::string const& p_name);
+  /// Cannot fail.
+  void deleteGuideObject(std::string const& p_path);
+  void deleteGuideObjects(std::string const& p_objPath, std::string const& p_type);
+  void updateGuide(ModelState const& p_state);
+  void setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on);
+  void setObjActivity(std::string const& p_path, bool p_on);
+  void eraseFromOptActivityMaps(std::string const& p_path);
+  void rememberSubsetValue(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
+  void rememberSubsetValues(std::string const& p_objPath, std::string const& p_name, Strings const& p_values);
+  void setDefaultNamesApplied(std::string const& p_key);
+  void takeBackDefaultNamesApplied(std::string const& p_key) noexcept;
+  /// Begins with another guide, which gets the old one. The default names that an incomplete update has dealt with are
+  /// to come again, for their objects go with the old guide.
+  void startWithGuide(DynamicTDF& p_guide, bool p_hasBaseObject) noexcept;
+  /// @}
+
+  /// @name Outcome: reading
+  /// @{
+  [[nodiscard]] bool hasActiveObject(std::string const& p_path) const;
+  void getActiveNames(std::string const& p_objPath, std::string const& p_type, Strings& p_names) const;
+  bool getActivePaths(std::string const& p_objPath, std::string const& p_type, Strings& p_paths) const;
+  /// Whether the object holds nothing and has nothing on offer below it.
+  [[nodiscard]] bool isBarren(std::string const& p_path) const;
+  void dumpActive(std::string const& p_path, ModelState& p_state) const;
+  /// @}
+
+  /// @name Outcome: writing
+  /// @{
+  void createObject(std::string const& p_objPath, std::string const& p_type, std::string const& p_name);
+  void deleteObject(std::string const& p_path);
+  void deleteObjects(Strings const& p_paths);
+  void deleteObjectUnrecorded(std::string const& p_path);
+  void mirrorBranch(DynamicTDF const& p_base, std::string const& p_path);
+  void deleteParam(std::string const& p_objPath, std::string const& p_name);
+  /// Both return whether the value is empty.
+  bool updateParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
+  bool updateParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed,
+                   std::string const& p_value);
+  void updateBounds(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  std::string modifyQuantity(ModelTDF const* p_view, std::string const& p_objPath, std::string const& p_name,
+                             std::string const& p_value, ParamAvailInfo const* p_info);
+  void addPotentialObject(std::string const& p_path);
+  void addPotentialParam(std::string const& p_objPath, std::string const& p_name);
+  void addPotentialParam(std::string const& p_objPath, std::string const& p_name, ParamAllowedValues const& p_allowed);
+  void clearObjectReferences(std::string const& p_path);
+  void addEmptyParam(std::string const& p_objPath, std::string const& p_name, bool p_isTyped);
+  void addUserNamedType(std::string const& p_parentPath, std::string const& p_type);
+  /// While off, the active tree does not record and quantity types are not tracked: for an object that is only tried.
+  void publishChanges(bool p_on) noexcept;
+  /// @}
+
+  /// @name The frame of an update
+  /// @{
+  /// Forgets what the last update changed. With `p_analyse`, also what only a walk can find again.
+  void beginUpdate(bool p_analyse);
+  /// Works out what the update changed of the offers, and puts the named types in order.
+  void completeUpdate();
+  /// After a walk that was completed: its default names are no longer taken back.
+  void confirmDefaultNames() noexcept { m_intent.defaultNamesOfUpdate.clear(); }
+  /// After an update that failed: no offers, no empty parameters, the named types in order.
+  void abandonUpdate() noexcept;
+  /// The next update reports all bounds and quantity types anew.
+  void forgetBoundsAndQuantities() noexcept;
+  /// @}
+
+  [[nodiscard]] Outcome const& outcome() const noexcept { return m_outcome; }
+
+  /// The results that rules keep. Enabled during a walk only; between walks the base model may change.
+  [[nodiscard]] EvalCache& keptResults() noexcept { return m_keptResults; }
+
+ private:
+  void activeWritten() noexcept;
+
+  Intent m_intent;
+  Outcome m_outcome;
+
+  EvalCache m_keptResults;
+  /// Of the active tree, when the results were last dropped.
+  std::uint64_t m_revision = 0;
+};
+
+}  // namespace tarn

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <tarn/ChildAvailInfo.h>
+#include <tarn/Edit.h>
+#include <tarn/ModelState.h>
+#include <tarn/ObjBeginInfo.h>
+#include <tarn/ParamAvailInfo.h>
+#include <tarn/ProvisionalTDF.h>
+#include <tarn/Refusal.h>
+
+#include "provisional/NamedObjectProbe.h"
+#include "provisional/ProvisionalFacts.h"
+
+namespace tarn {
+
+class EvalContext;
+class ProvTDFObserver;
+class ProvisionalTDFDB;
+
+/// What a provisional state does. Its sources are divided by concern, as the groups of operations below are.
+class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
+ public:
+  /// `p_owner` is the analyser whose walks this handles.
+  Impl(ProvisionalTDF & p_owner, QuantityModifier const* p_modifier, std::string const& p_activeRoot);
+  ~Impl();
+  Impl(Impl const&) = delete;
+  Impl& operator=(Impl const&) = delete;
+
+  void setObserver(ProvTDFObserver * p_observer) noexcept {
+    m_observer = p_observer;
+  }
+
+  // The start: ProvisionalTDF.Initialise.cpp.
+  void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
+  void initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base, ModelState const& p_guideState);
+  void baseUpdate(ModelTDF const* p_base);
+  [[nodiscard]] bool isInitialised() const noexcept {
+    return m_evalContext != nullptr;
+  }
+
+  // Edits: ProvisionalTDF.Edits.cpp.
+  std::optional<Refusal> apply(Edit const& p_edit);
+
+  // The walk. All but the first always continue.
+  HandlerStatus onBeginObject(ObjBeginInfo const* p_info);
+  HandlerStatus onParamCheck(ParamAvailInfo const* p_info);
+  HandlerStatus onChildCheck(ChildAvailInfo const* p_info);
+  HandlerStatus onEndObject(std::string const& p_path, bool p_required);
+
+  // What the getters answer from.
+  [[nodiscard]] std::string const& activeRoot() const noexcept {
+    return m_activeRoot;
+  }
+  [[nodiscard]] Outcome const& outcome() const noexcept {
+    return m_facts.outcome();
+  }
+  [[nodiscard]] ModelState const& activeState() const noexcept {
+    return m_activeState;
+  }
+  [[nodiscard]] std::vector<ParamId> const& newlyUnavailParams() const noexcept {
+    return m_newlyUnavailParams;
+  }
+  [[nodiscard]] EvalContext* evalContext() const noexcept {
+    return m_evalContext.get();
+  }
+
+ private:
+  using NameRange = ChildAvailInfo::NameRange;
+
+  // The start.
+  struct Attachment;
+  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState, DynamicTDF& p_guide) const;
+  void initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject);
+  void attach(Attachment & p_attachment) noexcept;
+
+  // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named after two facts:
+  // whether the guide (G) wants it, and whether it has allowed values (AV). Each returns whether it left the parameter
+  // in the active tree with an empty value.
+  void handleAvailableParam(ParamAvailInfo const* p_info);
+  void handleUnavailableParam(ParamAvailInfo const* p_info);
+  bool handle_G_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_G_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name, ParamAvailInfo const* p_info);
+  bool handle_NoG_NoAV_AvailParam(std::string const& p_objPath, std::string const& p_name,
+                                  ParamAvailInfo const* p_info);
+  bool updateFreeParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
+                       bool p_isOverride, ParamAvailInfo const* p_info);
+  [[nodiscard]] bool isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const;
+
+  // Children: ProvisionalTDF.Children.cpp.
+  void handleAvailableChild(ChildAvailInfo const* p_info);
+  void handleUnavailableChild(ChildAvailInfo const* p_info);
+  void synchNamesOfGuide(std::string const& p_objPath, std::string const& p_type, NameRange p_defaultNames);
+  void mirrorBaseChildren(std::string const& p_objPath, std::string const& p_type);
+  bool createOrOfferObject(std::string const& p_path, std::string const& p_objPath, std::string const& p_type,
+                           std::string const& p_name);
+  void synchAllowedNamedObjects(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
+  void synchAllowedNamedOptObjs(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
+  void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
+                                    NameRange p_allowed);
+  void createDefaultGuideObjects(std::string const& p_key, std::vector<std::string> const& p_names);
+  [[nodiscard]] bool includeOptionalObject(std::string const& p_path) const;
+
+  // Edits. Each returns why nothing was done, if nothing was.
+  [[nodiscard]] std::optional<Refusal> changeIntent(Edit const& p_edit);
+  [[nodiscard]] std::optional<Refusal> createNamedGuideObject(std::string const& p_path);
+  [[nodiscard]] std::optional<Refusal> copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
+  [[nodiscard]] std::optional<Refusal> deleteNamedGuideObject(std::string const& p_path);
+  void deactivateParam(std::string const& p_objPath, std::string const& p_name);
+  [[nodiscard]] bool isUnderActiveRoot(std::string const& p_path) const noexcept;
+  void finishEdit(Edit const& p_edit, std::optional<Refusal> p_refusal);
+
+  // The frame of an update: ProvisionalTDF.Update.cpp.
+  void updateActiveTDF(bool p_analyse);
+  void rememberStartState(bool p_analyse);
+  void extractUpdateInformation();
+  void completeBrokenUpdate();
+  void recoverFromBrokenUpdate() noexcept;
+
+  // Constant after construction.
+  ProvisionalTDF& m_owner;
+  std::string const m_activeRoot;
+
+  ProvTDFObserver* m_observer = nullptr;
+
+  // What the user asked for, and what the rules make of it.
+  ProvisionalFacts m_facts;
+  NamedObjectProbe m_probe{m_facts};
+
+  // The base model under the active root, and the joint view that rules read. Made anew by baseUpdate.
+  DynamicTDF m_baseTDF{false};
+  std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
+  std::unique_ptr<EvalContext> m_evalContext;
+
+  // What the last update published beside the outcome. The state is brought up to date from the log of the active tree,
+  // unless the last update broke off.
+  ModelState m_activeState;
+  bool m_isStateCurrent = false;
+  std::vector<ParamId> m_newlyUnavailParams;
+  /// The last update broke off, so the active tree is not the result of a walk.
+  bool m_isWalkDue = false;
+};
+
+}  // namespace tarn
