@@ -37,4 +37,10 @@ function(tarn_library name)
     LINK_DEPENDS ${TARN_EXPORTS_MAP}
     INSTALL_RPATH "\$ORIGIN")
   set_property(GLOBAL APPEND PROPERTY TARN_LIBRARIES ${target})
+  if(TARN_DEVELOPER)
+    # The same objects as an archive, for tests of what the library does not export.
+    add_library(${target}Private STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:${target}>)
+    set_target_properties(${target}Private PROPERTIES LINKER_LANGUAGE CXX)
+    target_link_libraries(${target}Private PUBLIC ${ARG_LINK} ${ARG_PRIVATE_LINK})
+  endif()
 endfunction()

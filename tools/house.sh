@@ -1,14 +1,32 @@
-# What ./run and ./test share: the packages they need, and a build that is silent when there is nothing to do.
+# Shared by ./run, ./test, .ci/run and the tools: installing packages, building, running tests, timing steps.
 # shellcheck shell=bash
 
 house=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
-# With these a clone at another place finds in ccache what this one compiled.
-export CCACHE_BASEDIR=$house CCACHE_NOHASHDIR=1
 
 say() { printf '%s\n' "$*" >&2; }
 die() {
   say "$@"
   exit 2
+}
+
+# step NAME COMMAND...: runs a command and remembers how long it took and whether it failed. Returns its status.
+steps=()
+step() {
+  local name=$1 began=$SECONDS status=0
+  shift
+  "$@" || status=$?
+  steps+=("$(printf '%-12s %6d s%s' "$name" $((SECONDS - began)) "$( ((status == 0)) || echo '  FAILED')")")
+  return "$status"
+}
+
+# report_steps WHAT: prints the times of all steps. Returns 1 if one of them failed.
+report_steps() {
+  printf '%s\n' "${steps[@]}" >&2
+  if [[ ${steps[*]} == *FAILED* ]]; then
+    say "$1 failed after $SECONDS s."
+    return 1
+  fi
+  say "$1 passed in $SECONDS s."
 }
 
 # needed run|test: the names of the packages.
@@ -87,6 +105,7 @@ progress() {
 run_tests() {
   local preset=$1
   shift
+  mkdir -p "$house/build/$preset"
   (cd "$house" && ctest --preset "$preset" -j "$(nproc)" "$@") </dev/null 2>&1 |
     tee "$house/build/$preset/test.log" |
     awk '!/^ +Start +[0-9]+: / && !(/ Passed +[0-9.]+ sec$/ && $(NF - 1) < 5) && !/^$/ && !/^Internal ctest/'

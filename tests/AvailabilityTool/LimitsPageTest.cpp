@@ -13,6 +13,7 @@
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
 
+#include "Places.h"
 #include "console/Completion.h"
 #include "console/HistoryFile.h"
 

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Places.h"
 #include "RuleLanguage/DiagnosticCases.h"
 
 namespace tarn::rules::test {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "end_to_end/Shell.h"
 #include "support/TemporaryFolder.h"
 

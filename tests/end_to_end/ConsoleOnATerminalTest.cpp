@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 
+#include "Places.h"
 #include "end_to_end/Terminal.h"
 #include "support/TemporaryFolder.h"
 

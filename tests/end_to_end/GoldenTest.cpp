@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "support/TemporaryFolder.h"
 
 namespace {

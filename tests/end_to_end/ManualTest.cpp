@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "end_to_end/Shell.h"
 
 namespace tarn::test {

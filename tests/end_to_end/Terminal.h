@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
+
 namespace tarn::test {
 
 /// A program on a terminal of its own: what a user types goes in, what a user sees comes out. The program gets nothing

@@ -27,6 +27,8 @@
 #include <tarn/TDFContext.h>
 #include <tarn/rules/RuleLoader.h>
 
+#include "Places.h"
+
 namespace tarn::rules {
 namespace {
 

@@ -1,0 +1,1 @@
+// Empty: TestHeaders needs a source, and CMakeLists.txt names the headers.
