@@ -22,11 +22,14 @@
 
 #include "fuzz/support/Laws.h"
 #include "support/MapModel.h"
+#include "support/ModelView.h"
 
 namespace {
 
 using tarn::fuzz::require;
 using tarn::test::MapModel;
+using tarn::test::ModelView;
+using tarn::test::Question;
 
 constexpr std::string_view rules = R"yaml(Rule Database: 1
 Lists:
@@ -50,39 +53,22 @@ Objects:
       Periodic: {Parameter Type: Logical}
       Tested: {Parameter Type: String, )yaml";
 
-/// A pump, which notes the parameters that are asked for.
-class NotingModel final : public MapModel {
- public:
-  NotingModel()
-      : MapModel{{"/Case", {{"Flow Regime", "Turbulent"}, {"Energy Equation", "true"}, {"Maximum Speed", "25 [m/s]"}}},
-                 {"/Case/Domain:rotor",
-                  {{"Motion", "Rotating"},
-                   {"Speed", "12.5 [m/s]"},
-                   {"Blades", "3"},
-                   {"Fluids", "Water, Air ,Oil,Water"},
-                   {"Lengths", "3, 1 [m] ,2.5"},
-                   {"Periodic", "Yes"},
-                   {"Title", ""}}},
-                 {"/Case/Domain:rotor/Boundary:in", {{"Kind", "Inlet"}, {"Flow", "4"}}},
-                 {"/Case/Domain:rotor/Boundary:out", {{"Kind", "Outlet"}, {"Flow", "1e300"}}},
-                 {"/Case/Domain:rotor/Turbulence", {{"Model", "SST"}}},
-                 {"/Case/Domain:stator", {{"Motion", "Stationary"}, {"Speed", "fast"}}},
-                 {"/Case/Domain:stator/Boundary:in", {{"Kind", ""}, {"Flow", "-0"}}}} {}
-
-  [[nodiscard]] bool hasParameter(std::string const& objPath, std::string const& name) const override {
-    asked.emplace(objPath, name);
-    return MapModel::hasParameter(objPath, name);
-  }
-  [[nodiscard]] std::string const& getParameterValue(std::string const& objPath,
-                                                     std::string const& name) const override {
-    asked.emplace(objPath, name);
-    return MapModel::getParameterValue(objPath, name);
-  }
-  using MapModel::getParameterValue;
-  using MapModel::hasParameter;
-
-  mutable std::set<std::pair<std::string, std::string>> asked;
-};
+/// A pump.
+MapModel const pump{
+    {"/Case", {{"Flow Regime", "Turbulent"}, {"Energy Equation", "true"}, {"Maximum Speed", "25 [m/s]"}}},
+    {"/Case/Domain:rotor",
+     {{"Motion", "Rotating"},
+      {"Speed", "12.5 [m/s]"},
+      {"Blades", "3"},
+      {"Fluids", "Water, Air ,Oil,Water"},
+      {"Lengths", "3, 1 [m] ,2.5"},
+      {"Periodic", "Yes"},
+      {"Title", ""}}},
+    {"/Case/Domain:rotor/Boundary:in", {{"Kind", "Inlet"}, {"Flow", "4"}}},
+    {"/Case/Domain:rotor/Boundary:out", {{"Kind", "Outlet"}, {"Flow", "1e300"}}},
+    {"/Case/Domain:rotor/Turbulence", {{"Model", "SST"}}},
+    {"/Case/Domain:stator", {{"Motion", "Stationary"}, {"Speed", "fast"}}},
+    {"/Case/Domain:stator/Boundary:in", {{"Kind", ""}, {"Flow", "-0"}}}};
 
 std::array<std::string, 5> const places = {"/Case/Domain:rotor", "/Case/Domain:stator", "/Case",
                                            "/Case/Domain:rotor/Boundary:in", ""};
@@ -212,7 +198,13 @@ void checkReads(tarn::RuleReads const& reads, std::string const& expression) {
 }
 
 std::vector<std::string> results(Loaded const& loaded, std::string const& expression) {
-  static NotingModel const model;
+  std::set<std::pair<std::string, std::string>> asked;
+  ModelView const model(pump, [&](Question question, std::string const& objPath, std::string const& name) {
+    if (question == Question::HasParameter || question == Question::ParameterValue ||
+        question == Question::ParameterValueAsList) {
+      asked.emplace(objPath, name);
+    }
+  });
   tarn::RuleReads reads;
   loaded.expression()->collectReads(reads);
   checkReads(reads, expression);
@@ -223,11 +215,10 @@ std::vector<std::string> results(Loaded const& loaded, std::string const& expres
   for (std::string const& place : places) {
     tarn::TDFContext const context(place);
     tarn::EvalContext plain(&model);
-    model.asked.clear();
+    asked.clear();
     all.push_back(loaded.evaluate(context, plain));
-    auto const asked = model.asked;
     for (auto const& [objPath, name] : asked) {
-      require(isTold(reads, context, model, objPath, name), "nothing is read but what is told: " + objPath + '/' + name,
+      require(isTold(reads, context, pump, objPath, name), "nothing is read but what is told: " + objPath + '/' + name,
               expression);
     }
     tarn::EvalContext cached(&model, &cache);

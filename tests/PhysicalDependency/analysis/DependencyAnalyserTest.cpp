@@ -19,13 +19,16 @@
 #include <tarn/PhysicsData.h>
 
 #include "support/MapModel.h"
+#include "support/ModelView.h"
 #include "support/Rules.h"
 
 namespace tarn {
 namespace {
 
 using test::MapModel;
+using test::ModelView;
 using test::never;
+using test::Question;
 using test::Rules;
 using test::when;
 using Strings = std::vector<std::string>;
@@ -365,45 +368,22 @@ TEST_F(DependencyAnalyserContextTest, AParameterThatItsHookDeletesCountsAsAbsent
 
 // What hooks do to the model.
 
-/// A model that writes down what it is asked, into the list of a `Recorder`.
-class TalkingModel final : public MapModel {
- public:
-  using MapModel::getParameterValue;
-  using MapModel::hasParameter;
-
-  explicit TalkingModel(Strings& events) : events_(events) {}
-
-  [[nodiscard]] bool hasObject(std::string const& path) const override {
-    events_.push_back("  has " + path);
-    return MapModel::hasObject(path);
-  }
-  [[nodiscard]] bool hasParameter(std::string const& objPath, std::string const& name) const override {
-    events_.push_back("  has " + objPath + '|' + name);
-    return MapModel::hasParameter(objPath, name);
-  }
-  [[nodiscard]] std::string const& getParameterValue(std::string const& objPath,
-                                                     std::string const& name) const override {
-    events_.push_back("  value of " + objPath + '|' + name);
-    return MapModel::getParameterValue(objPath, name);
-  }
-  bool getChildObjectNamesByType(std::string const& path, std::string const& type, Strings& out) const override {
-    events_.push_back("  names of " + path + '|' + type);
-    return MapModel::getChildObjectNamesByType(path, type, out);
-  }
-
- private:
-  Strings& events_;
-};
-
 TEST_F(DependencyAnalyserTest, TheModelIsReadRightAfterTheHookForWhatIsRead) {
-  TalkingModel model(analyser_.events);
+  MapModel model;
   model.set("/Case", "Flow Regime", "Laminar");
   model.add("/Case/Solver");
   model.add("/Case/Domain:rotor");
   Rules(rules_, "/Case").param("Flow Regime").contextRule().param("Title").param("Gone").availableWhen(never());
   Rules(rules_, "/Case").param("Steady").availableWhen(when("Flow Regime", "Laminar"));
   Rules(rules_, "/Case").child("Solver").singleton().child("Domain").child("Report").availableWhen(never());
-  EvalContext context(&model);
+  ModelView const view(model, [&](Question question, std::string const& objPath, std::string const& name) {
+    static std::map<Question, std::string> const words = {{Question::HasObject, "has "},
+                                                          {Question::HasParameter, "has "},
+                                                          {Question::ParameterValue, "value of "},
+                                                          {Question::ChildNamesByType, "names of "}};
+    analyser_.events.push_back("  " + words.at(question) + objPath + (name.empty() ? "" : '|' + name));
+  });
+  EvalContext context(&view);
   analyser_.analyse("/Case", &context);
   EXPECT_EQ(analyser_.events, (Strings{"begin /Case required",
                                        "param? /Case|Flow Regime",

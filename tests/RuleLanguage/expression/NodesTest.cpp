@@ -2,6 +2,7 @@
 // paths and quantifiers. Functions, named rules and reads have tests of their own.
 
 #include "RuleLanguage/ExpressionTable.h"
+#include "support/ModelView.h"
 
 namespace tarn::rules {
 namespace {
@@ -198,58 +199,6 @@ TEST_F(Expressions, BlanksAndLineBreaksAreFree) {
 }
 
 TEST_F(Expressions, LogicStopsAtTheFirstOperandThatDecides) {
-  /// Counts how often the value of a parameter is read.
-  class Counting final : public ModelTDF {
-   public:
-    explicit Counting(ModelTDF const& model) : model_(model) {}
-    ~Counting() override = default;
-    [[nodiscard]] bool hasObject(std::string const& path) const override { return model_.hasObject(path); }
-    [[nodiscard]] bool hasParameter(std::string const& path) const override { return model_.hasParameter(path); }
-    [[nodiscard]] bool hasParameter(std::string const& path, std::string const& name) const override {
-      return model_.hasParameter(path, name);
-    }
-    [[nodiscard]] std::string const& getObjectName(std::string const& path) const override {
-      return model_.getObjectName(path);
-    }
-    [[nodiscard]] std::string const& getObjectType(std::string const& path) const override {
-      return model_.getObjectType(path);
-    }
-    [[nodiscard]] std::string const& getParameterValue(std::string const& path) const override {
-      ++reads;
-      return model_.getParameterValue(path);
-    }
-    [[nodiscard]] std::string const& getParameterValue(std::string const& path,
-                                                       std::string const& name) const override {
-      ++reads;
-      return model_.getParameterValue(path, name);
-    }
-    bool getParamValueAsList(std::string const& path, std::vector<std::string>& out) const override {
-      return model_.getParamValueAsList(path, out);
-    }
-    bool getParamValueAsList(std::string const& path, std::string const& name,
-                             std::vector<std::string>& out) const override {
-      return model_.getParamValueAsList(path, name, out);
-    }
-    bool getParameterNames(std::string const& path, std::vector<std::string>& out) const override {
-      return model_.getParameterNames(path, out);
-    }
-    bool getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const override {
-      return model_.getChildObjectPaths(path, out);
-    }
-    bool getChildObjectNamesByType(std::string const& path, std::string const& type,
-                                   std::vector<std::string>& out) const override {
-      return model_.getChildObjectNamesByType(path, type, out);
-    }
-    bool getChildObjectPathsByType(std::string const& path, std::string const& type,
-                                   std::vector<std::string>& out) const override {
-      return model_.getChildObjectPathsByType(path, type, out);
-    }
-    mutable int reads = 0;
-
-   private:
-    ModelTDF const& model_;
-  };
-
   auto const data = parseRules(R"(Rule Database: 1
 Checks:
   and: false and ${Motion} == 'x'
@@ -262,10 +211,13 @@ Checks:
   std::map<std::string, int> const expected = {{"and", 0}, {"or", 0},  {"implies", 0},
                                                {"if", 0},  {"any", 0}, {"all", 1}};
   for (auto const& [name, reads] : expected) {
-    Counting const counting(model_);
+    int valuesRead = 0;
+    tarn::test::ModelView const counting(model_, [&](tarn::test::Question question, auto&, auto&) {
+      valuesRead += question == tarn::test::Question::ParameterValue;
+    });
     EvalContext evaluation(&counting);
     (void)data->getCheck(name, true)->evaluate(context_, &evaluation);
-    EXPECT_EQ(counting.reads, reads) << name;
+    EXPECT_EQ(valuesRead, reads) << name;
   }
 }
 
