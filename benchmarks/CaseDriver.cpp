@@ -28,8 +28,7 @@ namespace {
 using namespace tarn;
 using namespace tarn::benchmarks;
 
-/// What one operation works on is made once, when the operation is chosen; each call of the result is one run and
-/// returns its milliseconds.
+/// One run of an operation, which returns its milliseconds. The input is made once, when the operation is chosen.
 using Run = std::function<double()>;
 
 struct Operation {
@@ -62,8 +61,7 @@ std::vector<Operation> operations() {
        [](CaseWorkload const& workload, PhysicsData const* rules) {
          return validation(rules, workload.valid(), &RepeatedValidation::validateUnchanged);
        }},
-      // What any validator has to do that is handed a model and asked whether it knows that one, of which it has kept a
-      // copy.
+      // The least that a validator does to find out whether a model equals its copy of the last one.
       {"compare",
        [](CaseWorkload const& workload, PhysicsData const*) -> Run {
          return [one = inOrder(workload.valid()), other = workload.valid()] {

@@ -1,6 +1,5 @@
-// What is done with the case is done here in the way of a host, for all programs that measure it: findings are kept by
-// the logger of the library, edits are followed by the reading of every getter. What must come of it is the workload's
-// to say.
+// Runs the case as a host would, for all programs that measure it: the logger of the library keeps the findings, and
+// every getter is read after each edit. The workload defines the expected results.
 #include "CaseOperations.h"
 
 #include <algorithm>
@@ -54,7 +53,7 @@ EditCounts readAllGetters(ProvisionalTDF const& state, std::string const& edited
     counts.modified += object != editedObject || name != editedParameter;
   }
   counts.potential = state.getAvailPotParams().size() + state.getAvailPotObjects().size();
-  // What the case does not exercise, or what repeats the above, is read all the same: it is part of the price.
+  // Getters that the case does not need are also read, since their cost counts.
   std::size_t const others = state.getActiveTDFState().size() + state.getDeletedObjects().size() +
                              state.getModBoundsParams().size() + state.getModQuantParams().size() +
                              state.getNewlyAvailPotObjects().size() + state.getNewlyAvailPotParams().size() +

@@ -20,7 +20,7 @@ namespace tarn::benchmarks {
 [[nodiscard]] std::string caseRulesFile();
 [[nodiscard]] std::unique_ptr<PhysicsData> loadCaseRules();
 
-/// What an edit changed, had by reading every getter as a user interface does after each edit.
+/// The changes of an edit, read through every getter as a user interface does after each edit.
 [[nodiscard]] EditCounts readAllGetters(ProvisionalTDF const& state, std::string const& editedObject,
                                         std::string const& editedParameter);
 
@@ -64,7 +64,7 @@ class RepeatedEditing {
   EditCounts edit(std::string const& object, std::string const& parameter, std::string const& value);
 
   [[nodiscard]] ProvisionalTDF const& state() const noexcept { return *state_; }
-  /// What the heap gave for the state, without the model that it reads.
+  /// Heap memory of the state, without the model that it reads.
   [[nodiscard]] double bytesPerParameter() const noexcept { return bytes_ / static_cast<double>(parameters_); }
 
  private:

@@ -18,9 +18,9 @@ struct Mistake {
   bool isOfBounds = false;           // judged by those who look at bounds
 };
 
-/// What the benchmarks measure with: a turbulent, transient case with heat, of as many fluid domains as asked for, each
-/// with turbulence, heat and five boundaries, under the rules of `case.rules.yaml`. About 34 parameters and 8 objects a
-/// domain. All that the rules offer is present, so every condition is looked at.
+/// The measured case: a turbulent, transient case with heat and any number of fluid domains, each with turbulence, heat
+/// and five boundaries, under the rules of `case.rules.yaml`. A domain has about 34 parameters and 8 objects.
+/// Everything that the rules offer is present, so every condition is evaluated.
 ///
 ///     CaseWorkload const workload(25);
 ///     workload.valid();    // 845 parameters in 201 objects
@@ -43,7 +43,7 @@ class CaseWorkload {
   /// exist, a parameter that its boundary cannot have, one that is missing, a turbulence that is missing, and a wall
   /// that was made an inlet and nothing else. Each is in a domain of its own.
   [[nodiscard]] ModelState const& faulty() const noexcept { return faulty_; }
-  /// What is to be found in it: the paths of the objects that the findings are about, one for each finding, sorted.
+  /// The expected findings: for each, the path of its object, sorted.
   [[nodiscard]] std::vector<std::string> const& findings() const noexcept { return findings_; }
 
   /// One mistake for each kind of rule, to be made one at a time, for systems that tell only the first.
@@ -79,7 +79,7 @@ class CaseWorkload {
   std::vector<std::string> findings_;
 };
 
-/// What the rules make of the case after an edit, counted. `potential` counts parameters and objects alike.
+/// Counts of the changes after an edit. `potential` counts parameters and objects.
 struct EditCounts {
   std::size_t parameters = 0;
   std::size_t added = 0;
@@ -99,17 +99,18 @@ struct CaseEdit {
   EditCounts expected;
 };
 
-/// How a system lets its users edit. In a guided one the value of an item that the rules withdraw is there again when
-/// they allow the item again, and a parameter that may take other values than before is told as modified. In a plain
-/// one the state is all there is: the user gives the value anew, and modified is what was reset.
+/// How a system lets its users edit. A guided system restores the value of an item when the rules allow the item again,
+/// and reports a parameter with other allowed values as modified. A plain system only has its state: the user enters
+/// the value again, and a parameter is modified if it was reset.
 enum class Editing { Guided, Plain };
 
 /// Edits to be made one after the other: a boundary of the middle domain from inlet to wall and back, then the case
-/// from turbulent to laminar and back, then from transient to steady. What they add and remove follows from the rules
-/// and the numbers of inlets, walls and models in the case. The edited parameter itself does not count as modified.
+/// from turbulent to laminar and back, then from transient to steady. The rules and the numbers of inlets,
+/// walls and models in the case determine the additions and removals. The edited parameter itself does not count as
+/// modified.
 [[nodiscard]] std::vector<CaseEdit> editsOf(CaseWorkload const& workload, Editing editing);
 
-/// What the rules make of the bare case: everything that they require, and nothing that they merely offer.
+/// The counts for the bare case: everything that the rules require, and nothing that they merely offer.
 [[nodiscard]] EditCounts countsFromBare(CaseWorkload const& workload);
 
 }  // namespace tarn::benchmarks

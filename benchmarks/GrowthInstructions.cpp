@@ -5,8 +5,8 @@
 //     GrowthInstructions --quadratic   only one kind, whose work grows with the square of its size
 //     GrowthInstructions KIND          only that one, for a profiler
 //
-// Of each kind there are counted a size of next to nothing, the size in the table and twice that. They are chosen so
-// that a square shows, and as small as that allows.
+// For each kind three sizes are counted: almost nothing, the size in the table, and twice that size. The sizes are as
+// small as possible while a square still shows.
 #include <valgrind/callgrind.h>
 
 #include <cstddef>
@@ -42,7 +42,7 @@ using Work = std::function<void()>;
 struct Kind {
   char const* name;
   std::size_t size;
-  /// What is to be done with an input of a size; making the input is not counted.
+  /// Makes the work on an input of a size. Making the input is not counted.
   std::function<Work(std::size_t)> prepare;
 };
 
@@ -117,7 +117,7 @@ Work load(std::string text) {
   return [text = std::move(text)] { require(rules::parseRules(text) != nullptr, "no rules"); };
 }
 
-/// All that is to be told of rules, sound or not.
+/// Lints rules, sound or not.
 Work lint(std::string text, bool expectsNothing = false) {
   return [text = std::move(text), expectsNothing] {
     rules::LintResult const result = rules::lintText(text);
@@ -156,17 +156,17 @@ Work edit(std::string const& ruleText, std::string model) {
   };
 }
 
-/// Model text that has faults, which are told one by one.
+/// Reads model text with faults, which are reported one by one.
 Work readLeniently(std::string model) {
   return [model = std::move(model)] {
     std::ostringstream told;
     test::Redirected const errors(std::cerr, told.rdbuf());
     (void)TDFChangeFile({}, {model}, TDFChangeFile::Lenient).toModelState();
-    require(!told.str().empty(), "no fault is told");
+    require(!told.str().empty(), "no fault is reported");
   };
 }
 
-/// What the console makes of these lines.
+/// Runs the console on these lines.
 Work command(std::string lines) {
   std::shared_ptr<PhysicsData const> const rules = rules::parseRules(flowRules);
   return [rules, lines = std::move(lines)] {
@@ -591,7 +591,7 @@ std::vector<Kind> kindsOfModels() {
   };
 }
 
-/// What the check of growth is to find.
+/// The kind that the check of growth must reject.
 std::vector<Kind> quadratic() {
   return {{"a square", 1'000, [](std::size_t n) -> Work {
              return [n] {

@@ -41,7 +41,7 @@ template <class Once>
   return median(std::move(times));
 }
 
-/// The number that a program is told how large or how often. Throws an error that quotes a text which is none.
+/// Reads a size or a number of runs from the command line. Throws an error that quotes the text if it is not a number.
 [[nodiscard]] inline std::size_t countIn(std::string const& text) {
   std::size_t count = 0;
   auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);

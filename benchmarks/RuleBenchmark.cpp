@@ -70,7 +70,7 @@ struct NamedCondition {
   char const* condition;
 };
 
-/// What these look at does not grow with the case.
+/// These read a fixed number of objects, whatever the size of the case.
 NamedCondition const localConditions[] = {
     {"own value", "${Motion} == 'Rotating'"},
     {"value of the case", "${/Case/Flow Regime} == 'Turbulent'"},

@@ -1,4 +1,4 @@
-# What every target of ours is compiled with, and the shape of a shared library of the family.
+# Compiler options of all our targets, and the function that defines a shared library.
 
 set(TARN_EXPORTS_MAP ${CMAKE_CURRENT_LIST_DIR}/exports.map)
 

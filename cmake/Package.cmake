@@ -1,5 +1,5 @@
-# What an installation holds: the shared libraries, their headers, a CMake package, a pkg-config file and the program.
-# All of it can be moved to another place as a whole.
+# An installation contains the shared libraries, their headers, a CMake package, a pkg-config file and the program. It can
+# be moved as a whole.
 
 include(CMakePackageConfigHelpers)
 

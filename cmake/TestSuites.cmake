@@ -1,7 +1,7 @@
 # ctest sees each GoogleTest suite as one test: a suite is the tests of one class, starts one process and takes one
 # line, and its output names the case that failed.
 
-set(TARN_TEST_TIMEOUT 120 CACHE STRING "Seconds after which a suite is taken to hang")
+set(TARN_TEST_TIMEOUT 120 CACHE STRING "Seconds after which a suite counts as hanging")
 
 # tarn_test_suites(PROGRAM LABEL): the suites of a built test program, listed anew whenever it is linked.
 function(tarn_test_suites program label)

@@ -1,6 +1,6 @@
 // Any bytes as what a user types at the console: every line is obeyed or refused, no exception ends the loop, the state
-// is whole afterwards, and the same lines give the same text again. What is printed goes nowhere, and the commands that
-// take a file find only those of a folder of their own.
+// is whole afterwards, and the same lines give the same text again. The output is discarded, and commands that take a
+// file find only those of a temporary folder.
 
 #include <array>
 #include <cstddef>
@@ -132,7 +132,7 @@ class ModelFolder {
   tarn::test::TemporaryFolder folder_{"console-fuzz"};
 };
 
-/// What is typed, with the files of the commands that take one put into the folder.
+/// The input, with all file names moved into the folder.
 std::string confined(std::string_view typed, ModelFolder const& folder) {
   std::string lines;
   for (std::string const& line : tarn::fuzz::linesOf(typed)) {
@@ -148,7 +148,7 @@ std::string confined(std::string_view typed, ModelFolder const& folder) {
   return lines;
 }
 
-/// All that is printed for the lines. What is broken of the laws of the state is put into `broken`.
+/// All that is printed for the lines. Broken laws of the state are put into `broken`.
 std::string dialogue(tarn::PhysicsData const& data, std::string const& lines, bool strict, std::string& broken) {
   std::istringstream input(lines);
   std::ostringstream output;

@@ -79,7 +79,7 @@ class Readings {
     std::string const fromPlain = tarn::test::difference(*state_, plain_);
     return fromPlain.empty() ? tarn::test::difference(*state_, *twin_) : fromPlain;
   }
-  /// Of a tame case: a state that is saved and used as the guide comes out the same.
+  /// For a tame case: a state that is saved and used as the guide gives the same state.
   [[nodiscard]] bool comesBackFromItsSavedForm() {
     // An override that was taken over settles with the next walk.
     for (int i = 0; i < 2; ++i) (void)edit(tarn::Edit::setParam(RandomCase::root, "Unknown", "1"));

@@ -1,7 +1,7 @@
 // Any bytes as an expression of a rule, as a condition, as a text and as a list: it is loaded, or refused with
-// diagnostics. What was loaded is evaluated at several objects of one model. The result is the same with a cache and
-// from it; nothing is read but what the expression says that it reads; what hangs on no object is the same at all of
-// them; and the source that it tells loads again as the same expression.
+// diagnostics. An expression that loads is evaluated at several objects of one model. The result is the same with and
+// without a cache. The expression reads only parameters that it reports as reads. A result that depends on no object is
+// the same at all of them. The source of the expression loads again as the same expression.
 
 #include <array>
 #include <cstddef>
@@ -218,15 +218,15 @@ std::vector<std::string> results(Loaded const& loaded, std::string const& expres
     asked.clear();
     all.push_back(loaded.evaluate(context, plain));
     for (auto const& [objPath, name] : asked) {
-      require(isTold(reads, context, pump, objPath, name), "nothing is read but what is told: " + objPath + '/' + name,
+      require(isTold(reads, context, pump, objPath, name), "only reported parameters are read: " + objPath + '/' + name,
               expression);
     }
     tarn::EvalContext cached(&model, &cache);
     for (int i = 0; i < 2; ++i) {
       require(loaded.evaluate(context, cached) == all.back(), "a cache changes nothing", expression);
     }
-    require(!reads.isContextFree() || all.back() == all.front(), "what hangs on no object is the same at all of them",
-            expression);
+    require(!reads.isContextFree() || all.back() == all.front(),
+            "a result that depends on no object is the same at all of them", expression);
   }
   return all;
 }

@@ -1,6 +1,5 @@
-// Any bytes as model text: it is read, or refused with an error. What was read is printed as blocks and read again: the
-// same parameters must come back, where the names are plain enough for the block form to tell its parts from each
-// other.
+// Any bytes as model text: it is read, or refused with an error. A model that was read is printed as blocks and read
+// again: the same parameters must come back, if the names are plain enough for the block form.
 
 #include <cctype>
 #include <cstddef>

@@ -90,7 +90,7 @@ void checkOrder(std::vector<std::string> const& paths) {
   for (std::string const& a : paths) {
     for (std::string const& b : paths) {
       std::string const both = a + " and " + b;
-      require(sign(comparePaths(a, b)) == -sign(comparePaths(b, a)), "the order does not hang on the side", both);
+      require(sign(comparePaths(a, b)) == -sign(comparePaths(b, a)), "the order does not depend on the side", both);
       require((comparePaths(a, b) == 0) == (a == b), "equal in the order is equal", both);
       require(isChildPath(a, b) == tarn::StringUtilities::isPathRootedAt(a, b) || a.empty(),
               "both say the same of what is below", both);
@@ -196,7 +196,7 @@ std::optional<tarn::PathPattern> checkPattern(std::string const& text, MapModel 
   }
   auto const pattern = tarn::PathPattern::parse(text, fault);
   if (!pattern) {
-    require(!fault.message.empty(), "a fault is told", text);
+    require(!fault.message.empty(), "a fault has a message", text);
     require(fault.offset <= text.size() && fault.offset + fault.length <= text.size() + 1, "a fault lies in the text",
             text);
     return std::nullopt;
@@ -279,7 +279,7 @@ void checkPairOfValues(std::string const& a, std::string const& b) {
     std::string const both = a + " and " + b + " as " + std::string(TDFParam::typeName(type));
     require(TDFParam::valuesEqual(type, a, a), "a value equals itself", both);
     require(TDFParam::valuesEqual(type, a, b) == TDFParam::valuesEqual(type, b, a),
-            "equality does not hang on the side", both);
+            "equality does not depend on the side", both);
   }
   std::vector<std::string> const candidates = {a, b, "Turbulent", "Laminar"};
   for (std::string const& text : {a, b, a + "e", std::string("turbulent")}) {

@@ -90,7 +90,7 @@ std::string jsonOf(tarn::ModelState const& state) {
   json += top.empty() ? "\"domain\":[" : ",\"domain\":[";
   bool inDomain = false;
   bool inBoundaries = false;
-  std::string behind;  // singletons of the domain, which stand behind its list of boundaries
+  std::string behind;  // singletons of the domain, which follow its list of boundaries
   auto const endDomain = [&] {
     if (inBoundaries) json += ']';
     if (inDomain) json += behind + '}';
@@ -197,7 +197,7 @@ void change(lyd_node* parameter, char const* value) {
     throw std::runtime_error(std::string("cannot be set to ") + value);
 }
 
-/// What an application has to do itself: the turbulence models that only a transient case can have get the default.
+/// The application has to do this itself: the turbulence models that only a transient case can have get the default.
 std::size_t resetModels(Tree& tree) {
   std::vector<lyd_node*> models;
   visitParameters(tree.top, [&](lyd_node* node) {

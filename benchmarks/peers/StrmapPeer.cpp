@@ -54,7 +54,7 @@ struct OneOf {
   bool operator()(std::string_view value) const { return value == first || value == second || value == third; }
 };
 
-/// What the whole case says.
+/// Properties of the whole case.
 struct Situation {
   bool turbulent = false;
   bool transient = false;
@@ -225,7 +225,7 @@ std::vector<Finding> validate(Store const& store) {
   return findings;
 }
 
-/// What an edit led to, each list with the full paths of parameters.
+/// The changes of an edit, as lists of full paths of parameters.
 struct Changes {
   std::vector<std::string> added, removed, modified, potential;
   bool flowIsPossible = true;
@@ -307,7 +307,7 @@ Changes update(Store& store) {
       visitHeat(editor);
     } else {
       visitDomain(editor, now);
-      // A new turbulence stands behind its domain, so it is still to be visited and gets its parameters then.
+      // A new turbulence follows its domain, so it will still be visited and gets its parameters then.
       if (now.turbulent) store.try_emplace(path + "/Turbulence");
       if (now.heat && !store.contains(path + "/Heat")) changes.potential.push_back(path + "/Heat");
     }

@@ -57,7 +57,7 @@ constexpr Set optional = Notes | Label | Heat;
 constexpr Set objects = Turbulence | Heat;
 }  // namespace domain
 
-/// A value that is none of those that the parameter can have.
+/// A value that the parameter cannot have.
 constexpr std::uint8_t unknown = 255;
 constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -155,7 +155,7 @@ struct Item {
   Set parameters;
 };
 
-/// What is wrong, and with how many parameters. Of an object that is missing only the object counts, not what is in it.
+/// The findings, and the number of parameters. A missing object is a single finding without its contents.
 struct Verdict {
   std::vector<Item> findings;
   std::size_t count = 0;

@@ -7,14 +7,14 @@
 
 #include <tarn/ProvisionalTDF.h>
 
-/// What a window would show: the parameters of the edited object with their values.
+/// The contents of a window: the parameters of the edited object with their values.
 class Table {
  public:
   using Cell = std::pair<std::string, std::string>;  // object path and name
 
-  /// Takes over what the last edit changed. Deletions come first: a parameter that went and came back in one edit, as
-  /// when an object is exchanged for another of its name, stands in both lists and is there in the end. A parameter
-  /// that has become potential is told as such and not as lost.
+  /// Applies the changes of the last edit. Deletions come first: a parameter that was removed and added in one edit, as
+  /// when an object is replaced by another of the same name, is in both lists and is present in the end. A parameter
+  /// that has become potential is reported as potential and not as unavailable.
   void refresh(tarn::ProvisionalTDF const& object) {
     for (auto const& cell : object.getNewlyUnavailParams()) cells_.erase(cell);
     for (auto const& [path, name] : object.getNewlyAvailPotParams()) cells_.erase({path, name});

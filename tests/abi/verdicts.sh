@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# tools/abi tells a change that breaks programs from one that does not, in a clone with a library, a release, and what
+# tools/abi distinguishes a change that breaks programs from one that does not, in a clone with a library, a release, and what
 # came after it.
 set -euo pipefail
 abi="$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)/tools/abi"

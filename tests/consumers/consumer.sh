@@ -23,7 +23,7 @@ case $1 in
     # An installation may be moved as a whole: what follows uses it at another place than it was made for.
     mv "$2/installed" "$2/moved"
     "$2/moved/bin/zev" --help >/dev/null
-    # What the shell and `man` find beside the program.
+    # The manual page and the completion for the shell.
     groff -Tascii -P-cbou -mandoc "$2/moved/share/man/man1/zev.1" | grep 'zev console' >/dev/null
     bash --norc --noprofile -c '. "$1" && complete -p zev' bash "$2/moved/share/bash-completion/completions/zev" >/dev/null
     ;;

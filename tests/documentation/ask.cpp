@@ -42,7 +42,7 @@ char const* shown(bool truth) {
 
 using Answers = std::map<std::pair<std::string, std::string>, std::string>;
 
-// What the rules say of every parameter and child type that a walk comes by.
+// The records of every parameter and child type that a walk visits.
 class Survey final : public tarn::DependencyAnalyser {
  public:
   explicit Survey(tarn::PhysicsData const* rules) : DependencyAnalyser(rules) {}

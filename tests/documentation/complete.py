@@ -10,11 +10,11 @@ import pathlib
 import re
 import sys
 
-# What an example cannot show on every machine, or takes a gigabyte to show.
+# Sentences that an example cannot show on every machine, or only with a gigabyte.
 NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
     "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
-    # Of the C++ interface alone.
+    # Only in the C++ interface.
     '" is no path pattern: ',
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
     "did not find expected <document start>", "found undefined alias", "the expression ends where something is missing",
@@ -22,7 +22,7 @@ NOT_SHOWN = {
 }
 
 TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
-# What the table of functions says is compared with the reference elsewhere.
+# Another test compares the table of functions with the reference.
 FUNCTION_TEXT = re.compile(r'\.(?:signature|help) = (?:"[^"]*"\s*)+|^constexpr std::string_view \w+ = "[^"]*";', re.MULTILINE)
 ATTRIBUTE = re.compile(r'inline constexpr std::string_view \w+ = "([^"]+)"')
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')

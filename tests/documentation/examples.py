@@ -14,14 +14,14 @@ of a fenced block says what it is:
     text asked        lines `question => answer` about the rules and the model in force; see ask.cpp for the questions.
     text expressions  a line `at PATH`, and under it lines `expression => value`, with the rules and the model in
                       force. The form of the value says what the expression is evaluated as: `true` and `false` as a
-                      condition, `[a, b]` as a list, anything else as a text, which stands in quotes unless it is a
+                      condition, `[a, b]` as a list, anything else as a text, which is in quotes unless it is a
                       number.
     yaml file=NAME, text file=NAME
                       a file of this content, for the commands that follow. The lines of a second block of the same
                       name replace the first.
     console           commands behind `$ `, and what they print. `zev` is found wherever it has been built. Lines
                       behind `ZEV> ` are typed into the command above them, and stand where a terminal shows them.
-                      A line `...` stands for one or more lines that are left out.
+                      A line `...` replaces one or more lines that are left out.
 
 `cpp`, `cmake` and `text form` are not run. Any other block is an error, so that nothing goes untested by a slip. With
 --update the shown output is replaced by the real one; review it as you would review code. A block with lines left out
@@ -67,7 +67,7 @@ def read_blocks(lines):
 
 
 def as_on_a_terminal(output, typed):
-    """What a program printed, with what was typed behind its prompts."""
+    """The output of a program, with the input after its prompts."""
     before, *answers = output.split(PROMPT)
     return before + "".join(f"{PROMPT}{text}\n{answer}"
                             for text, answer in itertools.zip_longest(typed, answers, fillvalue=""))

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# tools/mutate finds in a small project exactly what its tests leave open, tells apart what is listed as changing nothing
-# and what is listed wrongly, says by its exit status that too few were caught, and leaves the source as it was.
+# tools/mutate finds in a small project exactly what its tests leave open, distinguishes mutants that are listed
+# rightly and wrongly, reports by its exit status that too few were caught, and leaves the source as it was.
 set -euo pipefail
 cd "$(dirname -- "${BASH_SOURCE[0]}")"
 
