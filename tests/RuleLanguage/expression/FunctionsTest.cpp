@@ -11,6 +11,7 @@
 
 #include <tarn/rules/RuleFunction.h>
 
+#include "Places.h"
 #include "RuleLanguage/ExpressionTable.h"
 
 namespace tarn::rules {
