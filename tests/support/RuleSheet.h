@@ -19,8 +19,8 @@
 /// itself and need not believe the library's evaluation. `RuleSheet::fill` makes the database of a sheet.
 namespace tarn::test {
 
-/// A parameter that a rule looks at: of its own object, of the parent, of the object `/Case`, which is not edited, or of
-/// a zone, which changes while the walk goes through its siblings.
+/// A parameter that a rule looks at: of its own object, of the parent, of the object `/Case`, which is not edited, or
+/// of a zone, which changes while the walk goes through its siblings.
 struct LookSheet {
   enum Where { Own, Parent, Case, Zone };
   Where where = Own;
@@ -88,9 +88,9 @@ struct ObjectSheet {
   std::vector<ChildSheet> children;
 };
 
-/// A rule that looks at one parameter and keeps its result as long as the evaluation lets it, for all objects from which
-/// that is the same parameter. So a state that hands out a result that was kept for too long differs from one that
-/// evaluates every rule anew.
+/// A rule that looks at one parameter and keeps its result as long as the evaluation lets it, for all objects from
+/// which that is the same parameter. So a state that hands out a result that was kept for too long differs from one
+/// that evaluates every rule anew.
 template <typename Base, typename Result>
 class KeptByLook final : public Base {
  public:

@@ -11,6 +11,8 @@
 
 #include <tarn/rules/Diagnostic.h>
 
+#include "Places.h"
+
 namespace tarn::rules {
 namespace {
 
