@@ -1,5 +1,5 @@
 // Runs a fuzz target over the files of its corpus, one by one, without a fuzzer: in every build and under every
-// sanitizer. The name of the file at hand is printed first, so that a crash tells which input it was.
+// sanitizer. The name of the current file is printed first, so that a crash shows its input.
 
 #include <cstddef>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// What fuzz targets share: how a broken law is told, and how bytes are divided.
+/// Functions that fuzz targets share: they report a broken law and divide bytes.
 namespace tarn::fuzz {
 
 [[noreturn]] inline void fail(std::string_view law, std::string_view input) {
@@ -24,7 +24,7 @@ inline void require(bool holds, std::string_view law, std::string_view input) {
   return {reinterpret_cast<char const*>(data), size};
 }
 
-/// The lines of a text, without their ends; what stands behind the last line end is a line as well.
+/// The lines of a text, without their ends; text after the last line end is a line as well.
 [[nodiscard]] inline std::vector<std::string> linesOf(std::string_view text) {
   std::vector<std::string> lines(1);
   for (char const c : text) {

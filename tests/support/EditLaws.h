@@ -16,8 +16,8 @@
 #include "support/PlainProvisional.h"
 #include "support/RandomRules.h"
 
-/// What holds of every edit of a `ProvisionalTDF`, whatever the rules, the models and the edits before it, as plain
-/// functions: each returns the law that is broken, or "".
+/// Laws of every edit of a `ProvisionalTDF`, whatever the rules, the models and the earlier edits. Each law is a plain
+/// function that returns the broken law, or "".
 ///
 ///     StateSnapshot const before(state);
 ///     EditResult const result = resultOf(edit, state);
@@ -114,7 +114,7 @@ inline std::string brokenByChanges(StateSnapshot const& before, StateSnapshot co
   }
   for (auto const& [path, params] : now.active) {
     for (auto const& param : params) {
-      if (!before.holds(path, param.first) && !added.contains({path, param.first})) return "what is new is told";
+      if (!before.holds(path, param.first) && !added.contains({path, param.first})) return "new items are reported";
     }
   }
   return {};
@@ -131,19 +131,19 @@ inline std::string brokenByPotentials(StateSnapshot const& before, StateSnapshot
   ParamSet gone = without(before.potentialParams, now.potentialParams);
   std::erase_if(gone, [&](auto const& param) { return now.holds(param.first, param.second); });
   if (setOf(state.getNewlyUnavailPotParams()) != gone) {
-    return "a potential parameter that is neither potential nor present any more is told to be gone";
+    return "a potential parameter that is neither potential nor present any more is reported as gone";
   }
   auto goneObjects = without(before.potentialObjects, now.potentialObjects);
   std::erase_if(goneObjects, [&](std::string const& path) { return isPresent(state, path); });
   if (setOf(state.getNewlyUnavailPotObjects()) != goneObjects) {
-    return "a potential object that is neither potential nor present any more is told to be gone";
+    return "a potential object that is neither potential nor present any more is reported as gone";
   }
   // The subset on offer may change as well, and of a potential parameter it cannot be asked for.
   auto const told = setOf(state.getModPotParams());
   for (auto const& param : now.potentialParams) {
     if (!before.potentialParams.contains(param)) continue;
     if (before.allowed.at(param) != now.allowed.at(param) && !told.contains(param)) {
-      return "a potential parameter with other allowed values is told";
+      return "a potential parameter with other allowed values is reported";
     }
   }
   for (auto const& [path, name] : now.potentialParams) {
@@ -192,7 +192,7 @@ inline std::string brokenByState(StateSnapshot const& now, ProvisionalTDF const&
 
 }  // namespace laws
 
-/// What an update of `state`, which looked like `before`, breaks of the laws of one state.
+/// The law that an update of `state`, which was like `before`, breaks.
 [[nodiscard]] inline std::string brokenLaw(StateSnapshot const& before, ProvisionalTDF const& state,
                                            EditResult const& result = {}) {
   StateSnapshot const now(state);

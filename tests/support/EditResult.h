@@ -10,7 +10,7 @@
 
 namespace tarn::test {
 
-/// What became of an edit: made, refused for a reason, or of a path that cannot be read.
+/// The result of an edit: made, refused for a reason, or with a path that cannot be read.
 struct EditResult {
   bool isUnreadable = false;
   std::optional<Refusal> refusal;

@@ -12,8 +12,8 @@
 
 namespace tarn::test {
 
-/// The plainest model there is, for tests that want one which shares no code with the library's own. Objects are made
-/// with all objects above them; children stand in the order in which they were made. Takes well-formed paths only.
+/// The plainest possible model, for tests that need one without code of the library. Adding an object also adds all
+/// objects above it. Children are in the order in which they were added. Accepts well-formed paths only.
 ///
 ///     MapModel model{{"/Case", {{"Flow Regime", "Turbulent"}}},
 ///                    {"/Case/Domain:rotor", {{"Motion", "Rotating"}}},

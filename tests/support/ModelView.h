@@ -9,7 +9,7 @@
 
 namespace tarn::test {
 
-/// What a model can be asked. Overloads that differ only in the form of the path are the same question.
+/// The questions to a model. Overloads that differ only in the form of the path are the same question.
 enum class Question {
   HasObject,
   HasParameter,

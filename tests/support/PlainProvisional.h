@@ -51,7 +51,7 @@ class PlainProvisional {
     return result;
   }
 
-  // What the last update left.
+  // Results of the last update.
 
   ModelState activeState() const {
     ModelState state;
@@ -363,7 +363,7 @@ class PlainProvisional {
     }
   }
 
-  /// What of the override or the guide's value is allowed; widens the subset by what was ever selected.
+  /// The allowed part of the override or the guide's value. Widens the subset by all values that were ever selected.
   std::string acceptedValue(std::string const& path, ParamSheet const& param,
                             std::optional<std::string> const& override, Allowed& allowed) {
     std::string accepted;
@@ -549,7 +549,7 @@ class PlainProvisional {
     if (name == last.substr(0, colon)) return Refusal::NameEqualsType;
     std::string const copy = path.substr(0, path.rfind(':') + 1) + name;
     if (active_.hasObject(copy)) return Refusal::NameTaken;
-    // By way of a state, so the copies stand in the byte order of their paths.
+    // By way of a state, so the copies are in the byte order of their paths.
     ModelState state;
     collect(path, state, true);
     for (auto const& [object, params] : state) {

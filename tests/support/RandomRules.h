@@ -47,7 +47,7 @@ class RandomNumbers {
 
 /// How wild a case is.
 struct RandomProfile {
-  /// Rules look at parameters that stand behind them, so that one walk need not settle a state; there are default
+  /// Rules read parameters that follow them, so that one walk need not settle a state; there are default
   /// names, blank defaults, objects that hold nothing and types without rules; and the base model holds what may be
   /// edited.
   bool wild = true;
@@ -69,7 +69,7 @@ class RandomCase {
   /// Whether there are bytes left to make an edit of.
   [[nodiscard]] bool hasBytes() const { return random_.hasBytes(); }
 
-  /// Nothing stands for a change of the base model, which the test makes.
+  /// Empty means a change of the base model, which the test makes.
   std::optional<Edit> nextEdit() {
     constexpr int baseUpdate = 9;
     int kind = static_cast<int>(pick(profile_.wild ? 10 : 9));

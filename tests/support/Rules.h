@@ -157,7 +157,7 @@ class Rules {
     return defaultNames(list(std::vector<std::string>(names)));
   }
 
-  // Of the database as a whole.
+  // For the database as a whole.
 
   Rules& check(std::string const& name, RuleFunction<bool> function) {
     EXPECT_TRUE(data_.addCheck(name, std::make_unique<RuleLambda<Check, bool>>(std::move(function)))) << name;
@@ -168,7 +168,7 @@ class Rules {
     EXPECT_TRUE(data_.addList(name, std::make_unique<Lambda>(std::move(function)))) << name;
     return *this;
   }
-  /// Passes while `function` holds; `message` is what the user is told when it does not.
+  /// Passes while `function` holds; `message` is reported to the user when it does not.
   Rules& globalCheck(std::string const& name, std::function<bool(ModelTDF const&)> function,
                      PhysicsErrorMsg const& message) {
     EXPECT_TRUE(data_.addGlobalCheck(name, std::make_unique<GlobalLambda>(std::move(function), message))) << name;
@@ -228,7 +228,7 @@ class Rules {
 
   void finishEntry() {
     if ((param_ || child_) && object_ == nullptr) {
-      ADD_FAILURE() << "an entry stands before the first object";
+      ADD_FAILURE() << "an entry comes before the first object";
     } else if (param_) {
       std::string const name = param_->name;
       bool const added =

@@ -15,7 +15,7 @@ inline char const* state() { return "the valve is told to close"; }
 inline int is_told(int else_) { return '"' + else_; }  // Closed, but for leaks.
 END
 cat >valve.md <<'END'
-# Of a valve
+Of a valve.
 
 - The seat stands in the body.
 - The flow is told.
