@@ -45,6 +45,7 @@ enum class Code : std::uint8_t {
   InvalidExpression,
   // Lint
   Doubtful,
+  ImpossibleComputedName,
 };
 
 struct CodeRow {
@@ -94,6 +95,8 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::InvalidExpression, {"invalid-expression", Severity::Error, "An expression cannot be read."}},
 
     {Code::Doubtful, {"doubtful", Severity::Warning, "A rule can be loaded but is doubtful."}},
+    {Code::ImpossibleComputedName,
+     {"impossible-computed-name", Severity::Warning, "A computed list of names has a text that cannot be a name."}},
 });
 
 static_assert(

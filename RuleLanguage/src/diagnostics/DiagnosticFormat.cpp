@@ -1,4 +1,4 @@
-// The one place where a diagnostic becomes text.
+// Turns diagnostics into text. Nothing else does.
 
 #include <algorithm>
 
@@ -13,11 +13,11 @@ namespace tarn::rules {
 
 namespace {
 
-/// How much of a long line is shown around the place.
+/// How many characters of a long line are shown: before the problem, and at all.
 constexpr std::size_t shownBefore = 60;
 constexpr std::size_t shownAtMost = 120;
 
-/// The text with blanks for the characters that would move the caret or the terminal.
+/// The text with blanks instead of control characters, which would move the marks or change the terminal.
 std::string printable(std::string_view text) {
   std::string result(text);
   for (auto& c : result) {

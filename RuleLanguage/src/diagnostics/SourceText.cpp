@@ -10,8 +10,8 @@ bool continuesCharacter(char c) noexcept {
   return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
-/// The bytes of the line end at `at`; 0 where there is none. Beside carriage return and line feed the YAML library ends
-/// lines at three characters of Unicode, and places must agree with it.
+/// The number of bytes of the line end at `at`; 0 where there is none. Besides carriage return and line feed the YAML
+/// library ends lines at three characters of Unicode, and positions must agree with it.
 std::size_t lineEndLength(std::string_view text, std::size_t at) noexcept {
   switch (text[at]) {
     case '\n':
@@ -72,7 +72,7 @@ std::string_view SourceText::line(std::size_t number) const noexcept {
   std::size_t const end = number < lineStarts_.size() ? lineStarts_[number] : text_.size();
   auto line = std::string_view(text_).substr(begin, end - begin);
   if (number == lineStarts_.size()) return line;
-  // What ends the line is all that is left of it behind the place where it ends.
+  // Every line but the last has a line end, which is not part of its text.
   for (std::size_t length = 1; length <= 3; ++length) {
     if (line.size() >= length && lineEndLength(line, line.size() - length) == length) {
       line.remove_suffix(length);
@@ -95,7 +95,7 @@ std::size_t SourceText::offsetOf(Place place) const noexcept {
   if (place.line > lineStarts_.size()) return text_.size();
   std::size_t const lineBegin = lineStarts_[place.line - 1];
   std::size_t const wanted = charactersBefore(lineBegin) + place.column - 1;
-  // The last block before which there are not more characters, unless the line begins within it.
+  // Start at the last block with no more characters before it, or at the line when that begins later.
   auto const behind = std::upper_bound(counted_.begin(), counted_.end(), wanted);
   std::size_t const blockBegin = static_cast<std::size_t>(behind - counted_.begin() - 1) * block;
   std::size_t const from = std::max(lineBegin, blockBegin);

@@ -20,6 +20,7 @@
 
 #include "expression/NearMatch.h"
 #include "expression/Nodes.h"
+#include "lint/ComputedNames.h"
 #include "lint/TypeTree.h"
 #include "yaml/ScalarText.h"
 
@@ -715,6 +716,7 @@ class Linter {
 
 void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics) {
   Linter(rules, data, diagnostics).run();
+  warnOfComputedNames(rules, diagnostics);
 }
 
 }  // namespace tarn::rules

@@ -1,5 +1,5 @@
-// The named checks and lists: first all names, then the bodies, which may call any of them, then the chains of calls,
-// in which no circle and nothing that would take for ever may stand.
+// The named checks and lists: first all names, then the bodies, which may call any of them, then the chains of calls.
+// Circles and chains that would take too long are errors.
 
 #include <algorithm>
 #include <memory>
@@ -89,8 +89,8 @@ void RuleBuilder::bindNamedRules() {
   std::unordered_map<NamedRule const*, PendingBody*> byRule;
   for (auto& pending : bodies_) byRule.emplace(pending.rule, &pending);
 
-  // Depth first with an own stack: a rule is bound when everything that it calls is. A call of a rule that is still
-  // open closes a circle.
+  // Depth first with its own stack: a rule is bound when all rules that it calls are bound. A call of a rule that is
+  // still open closes a circle.
   enum class State { New, Open, Done };
   std::unordered_map<PendingBody const*, State> states;
   struct Step {
@@ -131,7 +131,7 @@ void RuleBuilder::bindNamedRules() {
         pending.depth = std::max(pending.depth, called.depth);
         pending.callCount += 1 + called.callCount;
       }
-      // What goes beyond a limit is told once: to its callers it counts as nothing.
+      // Each excess is reported once: the callers of such a rule count it as nothing.
       if (++pending.depth > limits_.callDepth) {
         error(Code::LimitExceeded, pending.name,
               "named rules call each other in a chain of more than " + std::to_string(limits_.callDepth) + " calls");

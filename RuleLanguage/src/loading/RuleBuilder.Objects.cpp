@@ -1,4 +1,4 @@
-// What the rules say of the types of objects, of their parameters and of their children.
+// Reads the section `Objects`: object types, their parameters and their children.
 
 #include <algorithm>
 #include <array>

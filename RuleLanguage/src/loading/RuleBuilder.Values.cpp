@@ -1,5 +1,5 @@
-// The kinds of values that attributes have: single values, lists of texts, expressions, and lists whose items hang on
-// conditions. What is written alike in many places is parsed once and shared.
+// Reads the kinds of values that attributes have: single values, lists of texts, expressions, and lists whose items
+// depend on conditions. Expressions and lists that are written alike in many places are parsed once and shared.
 
 #include <algorithm>
 #include <utility>
@@ -137,7 +137,7 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
 
 namespace {
 
-/// A rule of a parsed expression with its place; null when there is none, because it could not be parsed.
+/// The rule for a parsed expression, with its place. Null when the expression could not be parsed.
 template <typename Rule>
 std::unique_ptr<Rule> placed(CompiledPtr expression, Item const& item, std::size_t skipped) {
   if (!expression) return nullptr;
@@ -203,7 +203,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
           for (auto const& call : result.calls) named->calls.push_back(call.rule);
           named->nesting = std::max(named->nesting, result.depth);
         }
-        // The part is parsed once more for those who look at uses, since the list owns this one.
+        // The list owns this expression, so `RuleIndex::uses` gets one that is parsed again later.
         if (keepPlaces_ && result.expression) laterUses_.push_back({part, skipped, role, attribute, owner_, nullptr});
         return std::move(result.expression);
       };

@@ -1,9 +1,9 @@
-// From YAML to a rule database: the files as a whole, how faults are told, and the small sections. One operation reads
-// one section or one kind of value; each tells of what is wrong at the place where it stands and goes on, so that all
-// faults of all files come out together.
+// From YAML to a rule database: whole files, the reporting of problems, and the small sections. Each operation reads
+// one section or one kind of value. It reports a problem where it finds it and goes on, so that one run reports all
+// problems of all files.
 //
-// The kinds of values stand in RuleBuilder.Values.cpp, the named rules in RuleBuilder.NamedRules.cpp, the rules of
-// objects in RuleBuilder.Objects.cpp.
+// RuleBuilder.Values.cpp reads the kinds of values, RuleBuilder.NamedRules.cpp the named rules, RuleBuilder.Objects.cpp
+// the rules of objects.
 
 #include "loading/RuleBuilder.h"
 
@@ -70,7 +70,7 @@ void RuleBuilder::build() {
   }
 }
 
-// Faults
+// Problems
 
 Diagnostic& RuleBuilder::error(Code code, Item const& item, std::string message) {
   return diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
@@ -100,7 +100,7 @@ void RuleBuilder::fixText(Diagnostic& diagnostic, Item const& item, std::string_
 
 void RuleBuilder::fixAsList(Diagnostic& diagnostic, Item const& item) {
   auto const& node = *item.node;
-  // A plain text of one line without the characters that end it within a list.
+  // Only for a plain text of one line without characters that would end it inside a list.
   bool const plain = node.style == YamlNode::Style::Plain && node.line == node.endLine && !node.value.empty() &&
                      node.value.find_first_of(",[]{}") == std::string::npos;
   if (!plain) return;

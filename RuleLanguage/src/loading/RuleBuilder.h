@@ -21,11 +21,11 @@
 
 namespace tarn::rules {
 
-/// Builds a rule database from parsed rule files: reads the sections, parses expressions, and tells of everything that
-/// is wrong with the form of the rules. What is doubtful but allowed is not looked at here.
+/// Builds a rule database from parsed rule files: reads the sections, parses the expressions, and reports everything
+/// that is wrong with the form of the rules. Doubtful rules are the business of lint.
 ///
-/// The files are read in two rounds. The first gives every named check and list its place, so that expressions can be
-/// checked against all names whatever the order; the second reads all else.
+/// The files are read in two rounds. The first round creates every named check and list, so that expressions can call
+/// them whatever the order of the files. The second round reads everything else.
 class RuleBuilder {
  public:
   /// Builds from the files of `index`. With `keepPlaces` it enters into the index where everything is written, which
@@ -45,14 +45,15 @@ class RuleBuilder {
     std::map<std::string_view, YamlNode const*> sections;
   };
 
-  /// The rule that is being read, for `uses`.
+  /// The object and entry whose rule is being read, for `RuleIndex::uses`.
   struct Owner {
     std::string typePath;
     std::string entry;
     bool ofChild = false;
   };
 
-  /// An expression that another owns, to be parsed once more as a use when all named rules are bound.
+  /// An expression that a list or a named rule owns. It is parsed again as a use of its own when all named rules are
+  /// bound.
   struct LaterUse {
     Item item;
     std::size_t skipped;
@@ -62,7 +63,7 @@ class RuleBuilder {
     NamedRule const* named;
   };
 
-  /// A named rule whose body was parsed and waits for the rules it calls.
+  /// A named rule whose body was parsed. It is bound when all rules that it calls are bound.
   struct PendingBody {
     NamedRule* rule = nullptr;
     Item name;
@@ -70,9 +71,9 @@ class RuleBuilder {
     ExpressionPtr expression;
     std::string source;
     std::vector<NamedRule const*> calls;
-    std::size_t nesting = 0;    // levels of nesting, of what it calls included once bound
-    std::size_t depth = 0;      // of the longest chain of calls
-    std::size_t callCount = 0;  // of one evaluation, the calls within what it calls included
+    std::size_t nesting = 0;    // levels of nesting; once bound, with those of the rules it calls
+    std::size_t depth = 0;      // length of the longest chain of calls
+    std::size_t callCount = 0;  // calls in one evaluation, those inside called rules included
   };
 
   /// A `Parameters` or `Children` section that was read.
@@ -82,11 +83,11 @@ class RuleBuilder {
     Item section;
   };
 
-  // Faults
+  // Problems
   Diagnostic& error(Code code, Item const& item, std::string message);
   /// Adds an issue of an expression that begins `skipped` bytes into the scalar.
   void report(Item const& item, std::size_t skipped, Issue issue);
-  /// Gives a diagnostic a fix that writes another text in the scalar, where that text can be written.
+  /// Gives a diagnostic a fix that replaces the scalar's text, if the new text can be written there.
   static void fixText(Diagnostic& diagnostic, Item const& item, std::string_view text);
   static void fixAsList(Diagnostic& diagnostic, Item const& item);
   void twice(Code code, Item const& item, Item const& former, std::string message);
@@ -97,7 +98,7 @@ class RuleBuilder {
   [[nodiscard]] std::optional<std::vector<std::string>> texts(Item const& item, bool oneAllowed,
                                                               std::string_view otherwise = {});
   [[nodiscard]] bool isMapping(Item const& item, std::string_view what);
-  /// Calls `each` with every key and value of a mapping, a key given twice told and left out.
+  /// Calls `each` with every key and value of a map. A duplicate key is reported and left out.
   template <typename Each>
   void forEach(Item const& item, std::string_view what, Each each);
   template <typename Table, typename Each>
@@ -111,7 +112,8 @@ class RuleBuilder {
   [[nodiscard]] std::unique_ptr<ListExpression> listExpression(Item const& item, std::string_view attribute);
   /// Names of children: a list, of which some items may be `{Value, When}`, or a computed list.
   [[nodiscard]] std::unique_ptr<ListExpression> names(Item const& item, std::string_view attribute);
-  /// The items of a list of which some may be `{Value, When}`; null for a list of plain texts, which goes to `fixed`.
+  /// The items of a list, of which some may be `{Value, When}`. For a list of plain texts the result is null and the
+  /// texts are in `fixed`.
   [[nodiscard]] ExpressionPtr guardedItems(Item const& item, std::string_view attribute,
                                            std::optional<std::vector<std::string>>& fixed, PendingBody* named);
   [[nodiscard]] std::unique_ptr<ListExpression> sharedFixedList(Item const& item, std::vector<std::string> items);
@@ -131,7 +133,7 @@ class RuleBuilder {
   void readChild(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
   void readGlobalChecks(Item const& section);
-  /// Where an entry stands in the sections of its object that were read before; nothing when it does not.
+  /// Where an entry was given before, in an earlier section of its object. Empty when it was not.
   [[nodiscard]] Item formerPlace(std::string const& typePath, bool ofChild, std::string const& name);
   [[nodiscard]] bool isTypePath(Item const& item);
   [[nodiscard]] bool isName(Item const& item, std::string_view what);
@@ -149,7 +151,7 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
   std::vector<SeenSection> sectionsSeen_;  // in order
-  // Where the entries of `sectionsSeen_` stand; filled as far as `sectionsIndexed_` when a place is first asked for.
+  // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, Item> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role

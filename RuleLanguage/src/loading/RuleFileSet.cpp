@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Reads a file to its end. On failure the reason comes back.
+/// Reads a file to its end. Returns the reason when that fails, otherwise the empty text.
 std::string readFile(fs::path const& path, std::size_t maxFileSize, std::string& text) {
   errno = 0;
   std::ifstream stream(path, std::ios::binary);
@@ -31,10 +31,10 @@ std::string readFile(fs::path const& path, std::size_t maxFileSize, std::string&
   return {};
 }
 
-/// The rule files of a folder. On failure the reason comes back.
+/// Adds the rule files of a folder. Returns the reason when that fails, otherwise the empty text.
 ///
-/// Not by a directory iterator: that of g++ 12 puts paths together where nothing may be thrown, and without memory ends
-/// the program.
+/// It does not use a directory iterator: the one of g++ 12 builds paths in functions that are noexcept, so it ends the
+/// program when memory runs out.
 std::string listRuleFiles(fs::path const& path, std::vector<fs::path>& found) {
   struct Closer {
     void operator()(DIR* folder) const noexcept { ::closedir(folder); }

@@ -10,13 +10,13 @@
 
 namespace tarn::rules {
 
-/// The files that make up a rule database, read into memory in their order.
+/// The files of a rule base, read into memory in their order.
 struct RuleFileSet {
   std::deque<SourceText> sources;
-  std::vector<std::string> names;  // of all files that were to be read, for the order of diagnostics
+  std::vector<std::string> names;  // of all files and folders, readable or not, for the order of diagnostics
   bool unreadable = false;
 
-  /// Reads files and, of folders, their `*.rules.yaml`. What cannot be read goes to `diagnostics`.
+  /// Reads files, and from folders their files `*.rules.yaml`. A file that cannot be read is reported to `diagnostics`.
   void read(std::vector<std::filesystem::path> const& filesOrFolders, std::size_t maxFileSize,
             DiagnosticList& diagnostics);
 };

@@ -13,8 +13,8 @@ RulePlace Item::place() const {
 RulePlace Item::placeOfExpression(std::size_t skipped) const {
   auto const& text = node->value;
   while (skipped < text.size() && StringUtilities::isSpace(text[skipped])) ++skipped;
-  // Of every ten expressions nine are plain and in one line. For them no text needs to be searched: what is skipped is
-  // a sign and blanks.
+  // Nearly all expressions are plain and on one line. For them no search is needed: the skipped bytes are a sign and
+  // blanks, so each is one character in the file.
   if (node->style == YamlNode::Style::Plain && node->line == node->endLine && !node->hasProperties) {
     return {source->sharedName(), node->line, node->column + skipped};
   }

@@ -16,11 +16,11 @@
 #include "loading/RuleBuilder.h"
 #include "yaml/YamlDocument.h"
 
-// Reading a map of a rule file: which keys there are stands in a table, from which near matches are suggested.
+// Reads a map of a rule file by a table of its keys. Suggestions for unknown keys come from the same table.
 
 namespace tarn::rules {
 
-/// A key of a section, and what it is to whoever reads the section.
+/// A key, and the enumerator by which the reader of the map knows it.
 template <typename Id>
 struct Key {
   std::string_view text;
@@ -38,12 +38,12 @@ std::vector<std::string> keyTexts(Table const& table) {
   return texts;
 }
 
-/// A plain scalar with nothing in it stands for a section that is left empty.
+/// An empty plain scalar: a section without content.
 inline bool isNothing(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Scalar && node.style == YamlNode::Style::Plain && node.value.empty();
 }
 
-/// Whether keys can be missed in `node`. Of what is no map at all only that is told.
+/// Whether missing keys of `node` are worth reporting. For a node that is not a map, that error is enough.
 inline bool canHoldKeys(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Mapping || isNothing(node);
 }
