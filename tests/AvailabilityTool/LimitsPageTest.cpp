@@ -25,7 +25,7 @@ using testing::Each;
 using testing::IsEmpty;
 using testing::Not;
 
-/// What the page says of each row about `name`.
+/// The numbers of all rows of the page about `name`.
 std::vector<std::size_t> told(std::string const& name) {
   std::ifstream page(TARN_SOURCE_DIR "/docs/limits.md");
   std::vector<std::size_t> numbers;

@@ -31,7 +31,7 @@ class BashCompletion : public testing::Test {
       std::ofstream(folder_ / file) << '\n';
   }
 
-  /// What the last of `words` may become.
+  /// The completions of the last of `words`.
   Strings complete(Strings const& words) const {
     std::string line;
     for (std::string const& word : words) line += " '" + word + '\'';

@@ -1,5 +1,5 @@
-// The console as a user has it: the built program on a terminal. What is checked of editing is what the program makes
-// of the line in the end; how the keys come to be drawn is left to the editor.
+// Drives the built program on a terminal, as a user does. For editing, the tests check the final line that the program
+// reads, not how the editor draws the keys.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -42,7 +42,7 @@ class ConsoleOnATerminal : public testing::Test {
     return terminal;
   }
 
-  /// The last edit that the log of the run tells.
+  /// The last edit in the log of the run.
   std::string lastEdit() const {
     std::ifstream stream(home_ / "log");
     std::string last;
@@ -300,7 +300,7 @@ TEST_F(ConsoleOnATerminal, AWindowThatShrinksUnderALongLineLeavesTheLineAlone) {
   std::string const line = std::string(300, 'x') + 'y';
   terminal->type(line);
   terminal->waitFor("y");
-  // A resized window shows the line once more; its end tells when that is.
+  // A resized window shows the line once more; its end shows that it is complete.
   for (auto const& [rows, columns] : {std::pair<unsigned short, unsigned short>{2, 20}, {1, 1}, {0, 0}, {24, 80}}) {
     terminal->resize(rows, columns);
     terminal->waitFor("y");

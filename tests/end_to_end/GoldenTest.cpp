@@ -1,4 +1,4 @@
-// Runs the built program as a user does and compares all that comes out with what stands in the repository, byte for
+// Runs the built program as a user does and compares its whole output with the files in the repository, byte for
 // byte. A case is a folder beside this file:
 //
 //     command   a shell command; `zev` is the built program, the current folder is the case
@@ -63,7 +63,7 @@ struct Outcome {
   std::string exit;
 };
 
-// What the child process does between fork and exec; everything that needs memory was made before.
+// Runs in the child process between fork and exec. Everything that needs memory was made before.
 [[noreturn]] void become(char const* folder, char const* const* argv, char const* const* environment, int in, int out,
                          int err) {
   bool const ready = ::chdir(folder) == 0 && ::dup2(in, 0) != -1 && ::dup2(out, 1) != -1 && ::dup2(err, 2) != -1;

@@ -8,7 +8,7 @@
 
 namespace tarn::test {
 
-/// What a shell command writes, standard error included, when it ends with success; else the test fails.
+/// The output of a shell command, including standard error. The test fails if the command does.
 inline std::string outputOf(std::string const& command) {
   std::FILE* const pipe = ::popen(("{ " + command + "\n} 2>&1 </dev/null").c_str(), "r");
   if (pipe == nullptr) {

@@ -84,8 +84,8 @@ class Terminal {
     EXPECT_EQ(::ioctl(terminal_, TIOCSWINSZ, &size), 0);
   }
 
-  /// Waits until `text` is shown and returns what was shown before it. What was waited for is used up: the next call
-  /// looks behind it.
+  /// Waits until `text` is shown and returns what was shown before it. The text is consumed: the next call
+  /// searches after it.
   std::string waitFor(std::string const& text) {
     auto const until = std::chrono::steady_clock::now() + patience;
     std::size_t searched = 0;

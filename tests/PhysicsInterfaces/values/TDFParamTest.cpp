@@ -1,4 +1,4 @@
-// What the texts of values mean: tables of numbers, quantities, truth values and lists. Numbers are compared with
+// The meaning of the texts of values: tables of numbers, quantities, truth values and lists. Numbers are compared with
 // `strtod` on random texts.
 #include <tarn/TDFParam.h>
 
