@@ -15,10 +15,10 @@ NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
     "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
     # Only in the C++ interface.
-    '" is no path pattern: ',
+    '" is not a path pattern: ',
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
-    "did not find expected <document start>", "found undefined alias", "the expression ends where something is missing",
-    "'\\' must stand before a character", "... calls ",
+    "did not find expected <document start>", "found undefined alias", "the expression ends too early",
+    "'\\' must be followed by a character", "... calls ",
 }
 
 TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
@@ -37,7 +37,7 @@ def main():
     root = pathlib.Path(sys.argv[1])
     reference = (root / "docs/rule-reference.md").read_text(encoding="utf-8")
     sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
-    sources.append(root / "PhysicsInterfaces/src/paths/PathPattern.cpp")
+    sources += sorted((root / "PhysicsInterfaces/src/paths").glob("PathPattern*.cpp"))
     texts = {path: FUNCTION_TEXT.sub("", code(path)) for path in sources}
 
     names = set(ATTRIBUTE.findall(code(root / "PhysicsInterfaces/include/tarn/RuleAttributes.h")))

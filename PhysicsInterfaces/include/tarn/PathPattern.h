@@ -12,17 +12,17 @@
 
 namespace tarn {
 
-/// A pattern that names objects of a model, as rules write it between braces.
+/// A pattern that names objects of a model. Rules write it between braces.
 ///
 ///     Turbulence          the singleton child of that type        ..        the parent
 ///     Boundary:inlet      one named child                         /A/B      from the root of the model
-///     Boundary:*          every child of the type                 ^Domain   the nearest object of that type at or
-///     above
+///     Boundary:*          every child of the type                 ^Domain   the nearest object of that type, at the
+///                                                                           context or above it
 ///     *                   every child                             @         the object that owns the rule
-///     **                  any number of levels, none included
+///     **                  any number of levels, also none
 ///
-/// Steps are joined by "/". A relative pattern starts at the context object. A blank is part of a name, but not at the
-/// ends of a type or name; "\" takes the next character as it is.
+/// Steps are joined by "/". A relative pattern starts at the context object. A blank is part of a type or name, except
+/// at its ends. "\" takes the next character as it is.
 class TARN_EXPORT PathPattern {
  public:
   enum class Start { Context, Root, Nearest, Owner };
@@ -34,56 +34,57 @@ class TARN_EXPORT PathPattern {
     std::string name;  // of Child; empty for a singleton
   };
 
-  /// What is wrong with a text that is no pattern, and where in it.
+  /// Why a text is not a pattern: the position of the mistake, and a message.
   struct Fault {
     std::size_t offset;
     std::size_t length;
     std::string message;
   };
 
-  /// At most this many steps.
+  /// A pattern has at most this many steps; longer ones are refused.
   static constexpr std::size_t maxSteps = 1000;
 
-  /// The context object itself.
+  /// The pattern that names the context object itself.
   PathPattern() = default;
 
-  /// Parses `text`. Throws an `Error` when it is no pattern.
+  /// Parses `text`. Throws an `Error` when it is not a pattern.
   explicit PathPattern(std::string_view text);
 
-  /// Parses `text`; on failure nothing is returned and `fault` is filled.
+  /// Parses `text`. When it is not a pattern, fills `fault` and returns nothing.
   [[nodiscard]] static std::optional<PathPattern> parse(std::string_view text, Fault& fault);
 
-  /// Parses a pattern whose last component is the name of a parameter, and divides the two.
+  /// Parses a pattern whose last component is the name of a parameter. The name goes to `name`, the rest is returned.
   [[nodiscard]] static std::optional<PathPattern> parseParameter(std::string_view text, std::string& name,
                                                                  Fault& fault);
 
   [[nodiscard]] Start start() const noexcept { return start_; }
-  /// The type that `^` names; empty for other starts.
+  /// The type after `^`; empty for other starts.
   [[nodiscard]] std::string const& startType() const noexcept { return startType_; }
   [[nodiscard]] std::vector<Step> const& steps() const noexcept { return steps_; }
 
   /// True when the pattern names at most one object, whatever the model holds.
   [[nodiscard]] bool isSingle() const noexcept { return single_; }
-  /// True when the objects named are the same in every context: the pattern starts at the root.
+  /// True when the pattern names the same objects in every context: it starts at the root.
   [[nodiscard]] bool isAbsolute() const noexcept { return start_ == Start::Root; }
 
-  /// The path of the one object that a single pattern names in `context`, whether the model holds it or not. Returns
-  /// false when there is none: the parent of the root, or no object of the type that `^` names. `isSingle` is required.
+  /// Gives the path of the one object that the pattern names in `context`; the object need not exist. Returns false
+  /// when there is no such path: the parent of the root, or no object of the type after `^`. Requires `isSingle()`.
   bool resolve(TDFContext const& context, std::string& path) const;
 
-  /// The objects that the pattern matches in `model`, each once, in the order of the model. `Type:*` is read by
-  /// `getChildObjectPathsByType`, `*` and `**` by `getChildObjectPaths`, depth first with parents before children; of
-  /// steps to a single object only the last is asked for, by `hasObject`.
+  /// The objects that the pattern matches in `model`, each once, in the order of the model. `Type:*` reads the model by
+  /// `getChildObjectPathsByType`, `*` and `**` by `getChildObjectPaths`, depth first and parents before children. Of
+  /// steps to single objects only the last one is checked, by `hasObject`.
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, ModelTDF const& model) const;
 
-  /// Asks about the objects that `expand` gives, in their order, until `holds` does; returns whether it did. What lies
-  /// behind is not looked for, so the question whether there is one such object is cheap where the first one is. An
-  /// object may be asked about twice when the model lists it twice.
+  /// Calls `holds` for the objects that `expand` returns, in their order, until it returns true. Returns whether it
+  /// did. Further objects are not searched for, so the search is cheap when an early object is a match. `holds` may be
+  /// called twice for an object that the model lists twice.
   bool findIf(TDFContext const& context, ModelTDF const& model,
               std::function<bool(std::string const& path)> const& holds) const;
 
-  /// What the pattern names when it is used in the context of each object that `base` names, as one pattern seen from
-  /// where `base` is seen. Where `^` cannot be told from the components of `base`, the result names more, never less.
+  /// One pattern for everything that this pattern names in the contexts of all objects that `base` names. It is
+  /// relative to the same context as `base`. When `base` does not say what `^` means, the result names more objects,
+  /// never fewer.
   [[nodiscard]] PathPattern seenFrom(PathPattern const& base) const;
 
   /// The pattern as text that parses back to it.

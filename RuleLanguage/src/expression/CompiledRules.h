@@ -12,16 +12,18 @@
 
 #include "expression/Expression.h"
 
-// Expressions in the form in which a rule database holds them. Rules that are written alike share one parsed
-// expression.
+// Expressions in the form in which a rule database owns them. Rules with the same text share one parsed expression;
+// each keeps its own `RulePlace`.
 
 namespace tarn::rules {
 
-/// Whether an object can have this name: it is not empty and holds neither "/" nor ":".
+/// True when an object can have this name: it is not empty and does not contain "/" or ":".
 [[nodiscard]] inline bool canBeObjectName(std::string_view name) noexcept {
   return !name.empty() && name.find_first_of("/:") == std::string_view::npos;
 }
 
+/// A parsed expression and its text. The ranges of the nodes are ranges of `source`; only a list with conditions has no
+/// source, because its parts are written in several places.
 struct Compiled {
   ExpressionPtr expression;
   std::string source;
@@ -86,7 +88,7 @@ class CompiledNames final : public CompiledRule<ListExpression> {
   }
 };
 
-/// A condition on the whole model, evaluated at its root, with the text that tells of its failure.
+/// A condition on the whole model, evaluated at the root, with the message for when it does not hold.
 class CompiledGlobalCheck final : public CompiledRule<GlobalCheck> {
  public:
   CompiledGlobalCheck(CompiledPtr condition, std::unique_ptr<TextExpression> message)

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,37 +18,45 @@
 
 namespace tarn::rules {
 
-/// What an expression gives. `Value` is a text whose meaning is decided by its use: a parameter, or a choice between
-/// things of different kinds.
-enum class Kind { Truth, Number, Text, List, Value, Objects };
+/// The kind of an expression's result. A `Value` is text that its user may read as a number, truth value or list: a
+/// parameter, or a choice between results of different kinds.
+enum class Kind : std::uint8_t { Truth, Number, Text, List, Value, Objects };
 
 [[nodiscard]] std::string_view kindName(Kind kind) noexcept;
 
-/// A run of bytes in the text of an expression.
+/// A run of bytes in the text of an expression. Every node of every rule has one for as long as the rules live, so it
+/// is kept small; longer texts are refused.
 struct Range {
-  std::size_t offset = 0;
-  std::size_t length = 0;
+  static constexpr std::size_t longestText = std::numeric_limits<std::uint32_t>::max();
+
+  constexpr Range() = default;
+  /// The end of the run must not lie beyond `longestText`.
+  constexpr Range(std::size_t begin, std::size_t size)
+      : offset(static_cast<std::uint32_t>(begin)), length(static_cast<std::uint32_t>(size)) {}
+
+  std::uint32_t offset = 0;
+  std::uint32_t length = 0;
 };
 
-/// What an evaluation works on.
+/// The model and the context that an expression is evaluated with.
 struct Frame {
   ModelTDF const& model;
   TDFContext const& context;
   EvalContext* evalContext;
 };
 
-/// A path as it stands in an expression, for tools that look at what is read and where that was written.
+/// A path in an expression, for tools that need what is read and where that is written.
 struct PathUse {
   PathPattern pattern;    // seen from the owner of the rule
   std::string parameter;  // empty for a set of objects
   Range range;            // in the expression that holds the path
 };
 
-/// What the result of an expression hangs on beside the model.
+/// What the result of an expression depends on, apart from the model.
 struct Dependence {
-  bool context = false;  // on the object in whose context it is evaluated
-  bool owner = false;    // on the object that owns the rule
-  bool costly = false;   // it is worth keeping: it goes over objects or calls a named rule
+  bool context = false;  // the object in whose context it is evaluated
+  bool owner = false;    // the object that owns the rule
+  bool costly = false;   // the result is worth keeping: getting it visits objects, makes lists or calls a named rule
 
   void add(Dependence const& other) noexcept {
     context |= other.context;
@@ -55,65 +66,67 @@ struct Dependence {
   [[nodiscard]] bool isContextFree() const noexcept { return !context && !owner; }
 };
 
-/// Something that an object is asked.
+/// A question about one object.
 using ObjectQuestion = std::function<bool(std::string const& path)>;
 
-/// A node of a parsed expression. It evaluates itself in the form in which its user wants the result, so that a
-/// comparison of a parameter with a text, for example, looks at the model's own string and makes no copy. What a node
-/// cannot give as such comes from another form by the language's conversions; forms that make no sense for a kind are
-/// never asked for, since the parser refuses such expressions.
+/// A node of a parsed expression. Its user asks for the result in the form that it needs. For example, comparing a
+/// parameter with a text reads the model's own string and makes no copy. A form that a node does not have itself comes
+/// from another form by the language's conversions. The parser refuses expressions in which a form makes no sense, so
+/// such a form is never asked for.
 ///
-/// Evaluation never throws of itself. A number that is none is a NaN.
+/// Evaluation throws nothing itself. A text that is not a number is a NaN as a number.
 class Expression {
  public:
-  Expression(Kind kind, Range range) : kind_(kind), range_(range) {}
+  Expression(Kind kind, Range range) : range_(range), kind_(kind) {}
   Expression(Expression const&) = delete;
   Expression& operator=(Expression const&) = delete;
   virtual ~Expression() = default;
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
+  /// The part of the rule's source text that this node was made from. It stays known while the rules live, so that an
+  /// explanation can show the text beside the value.
   [[nodiscard]] Range range() const noexcept { return range_; }
 
-  /// As a condition: what is neither true nor false does not hold.
+  /// As a condition: a value that is neither true nor false does not hold.
   [[nodiscard]] virtual bool truth(Frame const& frame) const;
-  /// As a logical value; nothing for a present text that is none.
+  /// As a logical value; nothing for a present text that is neither true nor false.
   [[nodiscard]] virtual std::optional<bool> logical(Frame const& frame) const;
   [[nodiscard]] virtual double number(Frame const& frame) const;
   [[nodiscard]] virtual std::string text(Frame const& frame) const;
   [[nodiscard]] virtual SharedStrings list(Frame const& frame) const;
   [[nodiscard]] virtual std::vector<std::string> objects(Frame const& frame) const;
 
-  /// Whether `holds` does for one of the objects. They are asked about in their order and no further than needed.
+  /// True when `holds` returns true for one of the objects. It is called for them in order, and not after that.
   [[nodiscard]] virtual bool anyObject(Frame const& frame, ObjectQuestion const& holds) const;
 
-  /// The text form without a copy where the text is at hand, else made in `buffer`. Valid until the model changes or
-  /// `buffer` does.
+  /// The text form. It is copied to `buffer` only when it does not exist as a string elsewhere. The reference is valid
+  /// until the model or `buffer` changes.
   [[nodiscard]] virtual std::string const& textIn(Frame const& frame, std::string& buffer) const;
 
-  /// The dependence of the whole, its operands and what it calls included. Named rules must be bound.
+  /// The dependence of the result, including operands and called rules. Named rules must be bound.
   [[nodiscard]] virtual Dependence dependence() const = 0;
 
-  /// Adds every path in it, those of called rules excepted, as seen from `base`.
+  /// Adds every path in the expression as seen from `base`, without those of called rules.
   virtual void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const;
-  /// Adds what an evaluation may read, called rules included, as seen from `base`.
+  /// Adds everything that an evaluation may read as seen from `base`, including called rules.
   virtual void collectReads(RuleReads& reads, PathPattern const& base) const = 0;
 
   /// The operands, for tools that look for patterns in an expression.
   [[nodiscard]] virtual std::vector<Expression const*> operands() const { return {}; }
-  /// Where operand `i` is evaluated, when the whole is evaluated at `base`.
+  /// The objects in whose context operand `i` is evaluated, when this node is evaluated at `base`.
   [[nodiscard]] virtual PathPattern operandBase(std::size_t /*i*/, PathPattern const& base) const { return base; }
 
  private:
-  Kind kind_;
   Range range_;
+  Kind kind_;
 };
 
 using ExpressionPtr = std::unique_ptr<Expression>;
 
-/// The number as the language writes it: without a decimal point when it is whole and below 1e15, else the shortest
-/// text that reads back; "" for not-a-number.
+/// The number as the language writes it: without a decimal point when it is whole and below 1e15, otherwise the
+/// shortest text that reads back, and "" for not-a-number.
 [[nodiscard]] std::string numberText(double number);
-/// The number that a text stands for, a quantity's units left aside; NaN when it is none.
+/// The number of a text or, without the units, of a quantity; NaN when the text is neither.
 [[nodiscard]] double textNumber(std::string_view text) noexcept;
 
 }  // namespace tarn::rules

@@ -63,6 +63,8 @@ struct Function {
   /// Without arguments the result is the name, type or path of the context object, so it differs between objects even
   /// though the call reads nothing of the model.
   bool readsContextIdentity = false;
+  /// Items of the first so many arguments can be items of the result.
+  std::size_t itemsFrom = 0;
   Evaluation evaluate;
 
   [[nodiscard]] Argument argument(std::size_t i) const noexcept {

@@ -1,13 +1,16 @@
-// Tokens of the expression language. The characters that other languages would use here get a message that says what
-// this one writes.
+// Tokens of the expression language. Characters that other languages would use here get a message that says what to
+// write in this one.
 
 #include "expression/Lexer.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
+
+#include "expression/NearMatch.h"
 
 namespace tarn::rules {
 
@@ -23,40 +26,43 @@ bool isWordPart(char c) {
   return isWordStart(c) || isDigit(c);
 }
 
+/// What other languages write here.
 struct Mistake {
   std::string_view written;
+  std::string_view instead;  // empty when no plain replacement is right
   std::string_view message;
 };
 
 constexpr std::array<Mistake, 9> mistakes = {{
-    {"&&", "'&&' is not part of the language; write 'and'"},
-    {"||", "'||' is not part of the language; write 'or'"},
-    {"=~", "'=~' is not part of the language; see contains, starts_with and ends_with"},
-    {"<>", "'<>' is not part of the language; write '!='"},
-    {"=", "'=' compares nothing; write '=='"},
-    {"!", "'!' is not part of the language; write 'not'"},
-    {"[", "units are not written in an expression: a quantity counts as its number"},
-    {"$", "'$' must stand before a path in braces: ${Name}"},
-    {"}", "'}' has no '{' before it"},
+    {"&&", "and", "'&&' is not part of the language; write 'and'"},
+    {"||", "or", "'||' is not part of the language; write 'or'"},
+    {"=~", "", "'=~' is not part of the language; see contains, starts_with and ends_with"},
+    {"<>", "!=", "'<>' is not part of the language; write '!='"},
+    {"=", "==", "'=' does not compare; write '=='"},
+    {"!", "not", "'!' is not part of the language; write 'not'"},
+    {"[", "", "units cannot be written in an expression; a quantity counts as its number"},
+    {"$", "", "'$' must be followed by a path in braces: ${Name}"},
+    {"}", "", "'}' has no '{' before it"},
 }};
 
 }  // namespace
 
-bool Lexer::next(Token& token, Range& fault, std::string& message) {
+bool Lexer::next(Token& token, Issue& issue) {
   while (position_ < text_.size() && StringUtilities::isSpace(text_[position_])) ++position_;
   token = Token{};
-  token.range.offset = position_;
+  std::size_t const begin = position_;
+  token.range = {begin, 0};
   if (position_ == text_.size()) return true;
 
   char const c = text_[position_];
   char const after = position_ + 1 < text_.size() ? text_[position_ + 1] : '\0';
   bool good = false;
   if (isDigit(c) || (c == '.' && isDigit(after))) {
-    good = number(token, fault, message);
+    good = number(token, issue);
   } else if (c == '\'' || c == '"') {
-    good = quoted(token, fault, message);
+    good = quoted(token, issue);
   } else if (c == '{' || (c == '$' && after == '{')) {
-    good = path(token, fault, message);
+    good = path(token, issue);
   } else if (isWordStart(c)) {
     std::size_t end = position_;
     while (end < text_.size() && isWordPart(text_[end])) ++end;
@@ -65,13 +71,13 @@ bool Lexer::next(Token& token, Range& fault, std::string& message) {
     position_ = end;
     good = true;
   } else {
-    good = symbol(token, fault, message);
+    good = symbol(token, issue);
   }
-  token.range.length = position_ - token.range.offset;
+  token.range = {begin, position_ - begin};
   return good;
 }
 
-bool Lexer::number(Token& token, Range& fault, std::string& message) {
+bool Lexer::number(Token& token, Issue& issue) {
   std::size_t end = position_;
   auto const digits = [&] {
     while (end < text_.size() && isDigit(text_[end])) ++end;
@@ -93,9 +99,9 @@ bool Lexer::number(Token& token, Range& fault, std::string& message) {
   while (wordEnd < text_.size() && (isWordPart(text_[wordEnd]) || text_[wordEnd] == '.')) ++wordEnd;
   auto const value = TDFParam::asNumber(text_.substr(position_, end - position_));
   if (wordEnd != end || !value) {
-    fault = {position_, wordEnd - position_};
-    message =
-        "'" + std::string(text_.substr(position_, wordEnd - position_)) + "' is no number; a text stands in quotes";
+    issue.range = {position_, wordEnd - position_};
+    issue.message =
+        "'" + std::string(text_.substr(position_, wordEnd - position_)) + "' is not a number; write a text in quotes";
     return false;
   }
   token.kind = TokenKind::Number;
@@ -105,7 +111,7 @@ bool Lexer::number(Token& token, Range& fault, std::string& message) {
   return true;
 }
 
-bool Lexer::quoted(Token& token, Range& fault, std::string& message) {
+bool Lexer::quoted(Token& token, Issue& issue) {
   char const quote = text_[position_];
   token.kind = TokenKind::Text;
   for (std::size_t i = position_ + 1; i < text_.size(); ++i) {
@@ -119,12 +125,12 @@ bool Lexer::quoted(Token& token, Range& fault, std::string& message) {
       return true;
     }
   }
-  fault = {position_, text_.size() - position_};
-  message = std::string("the text that begins here has no closing ") + quote;
+  issue.range = {position_, text_.size() - position_};
+  issue.message = std::string("the text that begins here has no closing ") + quote;
   return false;
 }
 
-bool Lexer::path(Token& token, Range& fault, std::string& message) {
+bool Lexer::path(Token& token, Issue& issue) {
   bool const parameter = text_[position_] == '$';
   std::size_t const begin = position_ + (parameter ? 2 : 1);
   token.kind = parameter ? TokenKind::Parameter : TokenKind::Objects;
@@ -138,12 +144,22 @@ bool Lexer::path(Token& token, Range& fault, std::string& message) {
       return true;
     }
   }
-  fault = {position_, text_.size() - position_};
-  message = "the path that begins here has no closing '}'";
+  issue.range = {position_, text_.size() - position_};
+  issue.message = "the path that begins here has no closing '}'";
   return false;
 }
 
-bool Lexer::symbol(Token& token, Range& fault, std::string& message) {
+Replacement Lexer::replacement(std::string_view written, std::string_view instead) const {
+  // A word needs blanks around it, which a symbol does not need.
+  std::size_t const end = position_ + written.size();
+  bool const isWord = isWordStart(instead.front());
+  std::string text(instead);
+  if (isWord && position_ > 0 && !StringUtilities::isSpace(text_[position_ - 1])) text.insert(0, 1, ' ');
+  if (isWord && end < text_.size() && !StringUtilities::isSpace(text_[end])) text += ' ';
+  return {{position_, written.size()}, std::move(text), "Replace " + inQuotes(written) + " by " + inQuotes(instead)};
+}
+
+bool Lexer::symbol(Token& token, Issue& issue) {
   static constexpr std::array<std::string_view, 13> symbols = {"==", "!=", "<=", ">=", "<", ">", "(",
                                                                ")",  ",",  "+",  "-",  "*", "/"};
   auto const rest = text_.substr(position_);
@@ -158,19 +174,20 @@ bool Lexer::symbol(Token& token, Range& fault, std::string& message) {
   }
   for (auto const& mistake : mistakes) {
     if (!rest.starts_with(mistake.written)) continue;
-    fault = {position_, mistake.written.size()};
-    message = mistake.message;
+    issue.range = {position_, mistake.written.size()};
+    issue.message = mistake.message;
+    if (!mistake.instead.empty()) issue.fix = replacement(mistake.written, mistake.instead);
     return false;
   }
   std::size_t length = 1;
   while (position_ + length < text_.size() && (static_cast<unsigned char>(text_[position_ + length]) & 0xC0) == 0x80) {
     ++length;
   }
-  fault = {position_, length};
+  issue.range = {position_, length};
   auto const byte = static_cast<unsigned char>(rest.front());
-  message = byte < 0x20 || byte == 0x7f
-                ? "a control character has no place in an expression"
-                : "'" + std::string(rest.substr(0, length)) + "' has no meaning here; a text stands in quotes";
+  issue.message = byte < 0x20 || byte == 0x7f
+                      ? "an expression cannot contain a control character"
+                      : "'" + std::string(rest.substr(0, length)) + "' has no meaning here; write a text in quotes";
   return false;
 }
 

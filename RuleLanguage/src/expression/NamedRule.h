@@ -11,8 +11,8 @@
 
 namespace tarn::rules {
 
-/// A check or list that expressions call by its name. It exists before its expression is parsed, so that rules may call
-/// each other in any order; `bind` gives it the expression once everything that it calls is bound.
+/// A check or list that expressions call by its name. It exists before its expression is parsed, so rules can call each
+/// other in any order. `bind` gives it the expression after everything that it calls was bound.
 class NamedRule {
  public:
   explicit NamedRule(std::string name) : name_(std::move(name)) {}
@@ -20,7 +20,7 @@ class NamedRule {
   void bind(ExpressionPtr expression, std::string source);
 
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
-  /// Null until bound.
+  /// Null before `bind`.
   [[nodiscard]] Expression const* expression() const noexcept { return expression_.get(); }
   [[nodiscard]] std::string const& source() const noexcept { return source_; }
   [[nodiscard]] Dependence const& dependence() const noexcept { return dependence_; }

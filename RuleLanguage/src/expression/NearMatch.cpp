@@ -12,9 +12,8 @@ std::string didYouMean(std::string_view name) {
   return "; did you mean " + inQuotes(name) + "?";
 }
 
-std::string orNear(std::string_view text, std::vector<std::string> const& candidates) {
-  auto const near = StringUtilities::nearMatch(text, candidates);
-  return near.empty() ? std::string{} : didYouMean(near);
+std::string orDidYouMean(std::string_view name) {
+  return name.empty() ? std::string{} : didYouMean(name);
 }
 
 bool HintBudget::take(std::size_t count) noexcept {
@@ -23,8 +22,8 @@ bool HintBudget::take(std::size_t count) noexcept {
   return true;
 }
 
-std::string HintBudget::orNear(std::string_view text, std::vector<std::string> const& candidates) {
-  return take(candidates.size()) ? rules::orNear(text, candidates) : std::string{};
+std::string HintBudget::nearest(std::string_view text, std::vector<std::string> const& candidates) {
+  return take(candidates.size()) ? StringUtilities::nearMatch(text, candidates) : std::string{};
 }
 
 }  // namespace tarn::rules

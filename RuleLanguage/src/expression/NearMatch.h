@@ -7,7 +7,7 @@
 
 namespace tarn::rules {
 
-// How all diagnostics show what stands in a rule file, and what was probably meant by it.
+// How all diagnostics quote a rule file, and propose what was probably meant.
 
 /// 'text'
 [[nodiscard]] std::string inQuotes(std::string_view text);
@@ -15,18 +15,19 @@ namespace tarn::rules {
 /// The end of a sentence that proposes `name`.
 [[nodiscard]] std::string didYouMean(std::string_view name);
 
-/// The end of a sentence about `text` that proposes what it is a slip of; empty when none of the candidates is near.
-[[nodiscard]] std::string orNear(std::string_view text, std::vector<std::string> const& candidates);
+/// The same, but empty when `name` is empty.
+[[nodiscard]] std::string orDidYouMean(std::string_view name);
 
-/// How many names may still be looked at in search of near matches. Each search is linear in the names, so that a file
-/// with ten thousand slips among ten thousand names would be searched for ever; the later ones do without a hint.
+/// Limits how many names are compared in search of near matches. Each search is linear in the number of names, so a
+/// file with ten thousand slips among ten thousand names would take for ever. When the budget is used up, further slips
+/// are reported without a proposal.
 class HintBudget {
  public:
-  /// Whether `count` names may be looked at; they are, then.
+  /// Returns whether `count` further names may be compared, and if so takes them from the budget.
   [[nodiscard]] bool take(std::size_t count) noexcept;
 
-  /// As the function of this name, if the candidates may still be looked at.
-  [[nodiscard]] std::string orNear(std::string_view text, std::vector<std::string> const& candidates);
+  /// The candidate that `text` is most likely a slip of. Empty when no candidate is near, or the budget is used up.
+  [[nodiscard]] std::string nearest(std::string_view text, std::vector<std::string> const& candidates);
 
  private:
   std::size_t left_ = 500'000;

@@ -1,5 +1,4 @@
-// How the nodes of an expression have their results. Lists keep the order of first appearance; sets of objects are
-// distinct from the start, since patterns expand to distinct paths.
+// How nodes are evaluated. Sets of objects are distinct from the start, because patterns expand to distinct paths.
 
 #include "expression/Nodes.h"
 
@@ -146,7 +145,7 @@ std::string ParameterReference::text(Frame const& frame) const {
 std::optional<bool> ParameterReference::logical(Frame const& frame) const {
   std::string buffer;
   auto const& value = textIn(frame, buffer);
-  // An absent parameter reads as false, a present one without a value as neither.
+  // An absent parameter reads as false; a present one without a value is neither true nor false.
   if (value.empty()) return exists(frame) ? std::nullopt : std::optional(false);
   return TDFParam::asLogical(value);
 }
@@ -186,7 +185,7 @@ std::optional<TDFParam::Type> ParameterReference::declaredType(Frame const& fram
 
 Dependence ParameterReference::dependence() const {
   Dependence result = dependenceOf(objects_);
-  // What is chosen for the whole model is asked for in every object, and dearer to look up than to remember.
+  // A choice for the whole model is read in every object. Looking it up costs more than remembering it.
   result.costly |= result.isContextFree();
   return result;
 }
@@ -418,18 +417,19 @@ bool Quantifier::anyObject(Frame const& frame, ObjectQuestion const& asked) cons
 Dependence Quantifier::dependence() const {
   Dependence result = operand(0).dependence();
   result.costly = true;
-  // The condition has each object of the set for its context, so of what it hangs on only the owner comes through.
+  // The condition is evaluated once per object, with that object as context. So the result depends on the condition's
+  // owner but not on its context.
   if (size() > 1) result.owner |= operand(1).dependence().owner;
   return result;
 }
 
 namespace {
 
-/// The objects that a set expression can name, seen from `base`, as one pattern.
+/// All objects that a set expression can name, as one pattern seen from `base`.
 PathPattern patternOf(Expression const& set, PathPattern const& base) {
   if (auto const* objects = dynamic_cast<ObjectSet const*>(&set)) return objects->pattern().seenFrom(base);
   auto const parts = set.operands();
-  // A filter, or a choice between sets: the first set in it. A choice names more; take everything then.
+  // A filter names objects of its set. A choice between sets can name more than one pattern can say: take everything.
   if (dynamic_cast<Quantifier const*>(&set) != nullptr) return patternOf(*parts.front(), base);
   return PathPattern("/**");
 }
@@ -474,7 +474,7 @@ Dependence FunctionCall::dependence() const {
 void FunctionCall::collectReads(RuleReads& reads, PathPattern const& base) const {
   Operation::collectReads(reads, base);
   bool const ofContext = function_->readsContextIdentity && size() == 0;
-  // Inside a quantifier over absolute paths the context is one of those objects, whatever the rule's owner.
+  // Inside a quantifier over absolute paths the context is one of those objects, whatever object owns the rule.
   if (ofContext && !base.isAbsolute()) reads.contextIdentity = true;
 }
 

@@ -11,15 +11,14 @@
 #include "expression/Expression.h"
 #include "expression/Functions.h"
 
-// The kinds of node that a parsed expression consists of. What each one means is said in the rule reference; here is
-// how its result is had.
+// The kinds of nodes of a parsed expression. The rule reference says what each one means.
 
 namespace tarn::rules {
 
 class NamedRule;
 
-/// Wraps the costly context-free parts of `expression` that lie as high as possible in `Kept`. Named rules must be
-/// bound. A set of objects is not kept by itself: its paths would be copied out of the cache each time.
+/// Wraps the largest costly context-free parts of `expression` in `Kept`. Named rules must be bound. A set of objects
+/// is not kept by itself, because its paths would be copied out of the cache each time.
 [[nodiscard]] ExpressionPtr keepContextFreeParts(ExpressionPtr expression);
 
 /// Takes the place of a part that has an error, so that parsing can go on. It is never evaluated.
@@ -52,7 +51,7 @@ class Literal final : public Expression {
   bool truth_ = false;
 };
 
-/// A list written out. Its items are texts or values.
+/// A list that is written out. Its items are texts or values.
 class ListLiteral final : public Expression {
  public:
   ListLiteral(Range range, std::vector<ExpressionPtr> items);
@@ -61,15 +60,15 @@ class ListLiteral final : public Expression {
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
-  /// The items, when all are texts written out; else empty.
+  /// The items, when all of them are texts that are written out; otherwise empty.
   [[nodiscard]] SharedStrings const& fixedItems() const noexcept { return fixed_; }
 
  private:
-  std::vector<ExpressionPtr> items_;  // empty when all are literals: then the list is
+  std::vector<ExpressionPtr> items_;  // empty when all are literals: then the list is in `fixed_`
   SharedStrings fixed_;
 };
 
-/// A list whose items count only while their conditions hold.
+/// A list in which an item counts only while its condition holds.
 class GuardedList final : public Expression {
  public:
   struct Item {
@@ -103,18 +102,18 @@ class ParameterReference final : public Expression {
   void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
 
-  /// The parameter is there, in one of the objects that the path matches.
+  /// True when one of the objects that the path matches has the parameter.
   [[nodiscard]] bool exists(Frame const& frame) const;
-  /// The values of all parameters that the path matches and the model holds.
+  /// The values of all parameters that the path matches and the model has.
   [[nodiscard]] std::vector<std::string> values(Frame const& frame) const;
-  /// The type that the rules declare for it, seen from the frame; nothing when they don't.
+  /// The type that the rules declare for the parameter as seen from the frame; nothing when they declare none.
   [[nodiscard]] std::optional<TDFParam::Type> declaredType(Frame const& frame) const;
 
   [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
 
  private:
-  /// The object, or null when the path leads nowhere. `buffer` keeps the text where it has to be made.
+  /// The path of the object, or null when there is none. A path that has to be made is put into `buffer`.
   [[nodiscard]] std::string const* objectPath(Frame const& frame, std::string& buffer) const;
 
   PathPattern objects_;
@@ -135,7 +134,7 @@ class ObjectSet final : public Expression {
   [[nodiscard]] Dependence dependence() const override;
   void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
-  /// At least one object matches.
+  /// True when at least one object matches.
   [[nodiscard]] bool exists(Frame const& frame) const;
   [[nodiscard]] PathPattern const& pattern() const noexcept { return pattern_; }
 
@@ -143,7 +142,7 @@ class ObjectSet final : public Expression {
   PathPattern pattern_;
 };
 
-/// A node over operands, whose dependence and reads are those of its operands.
+/// A node with operands. It depends on and reads what its operands do.
 class Operation : public Expression {
  public:
   Operation(Kind kind, Range range, std::vector<ExpressionPtr> operands)
@@ -208,11 +207,12 @@ class Membership final : public Operation {
   bool negated_;
 };
 
-/// A chain of `+` and `-`, or of `*` and `/`, from the left. From the first term on that makes it a text, it joins.
+/// A chain of `+` and `-`, or of `*` and `/`, evaluated from the left. After the first term that makes the sum a text,
+/// all terms are joined as texts.
 class Arithmetic final : public Operation {
  public:
-  /// `operators[i]` stands before operand `i`; the first is not looked at. `numeric` is the number of leading operands
-  /// that are added up as numbers; the others are joined to that as texts.
+  /// `operators[i]` is the operator before operand `i`; the first one is ignored. The first `numeric` operands are
+  /// added as numbers; the others are joined to the sum as texts.
   Arithmetic(Kind kind, Range range, std::vector<ExpressionPtr> operands, std::string operators, std::size_t numeric)
       : Operation(kind, range, std::move(operands)), operators_(std::move(operators)), numeric_(numeric) {}
   [[nodiscard]] double number(Frame const& frame) const override;
@@ -230,7 +230,7 @@ class Negation final : public Operation {
   [[nodiscard]] double number(Frame const& frame) const override { return -operand(0).number(frame); }
 };
 
-/// `if(c, a, b)`: gives its branch in whatever form it is asked for.
+/// `if(c, a, b)`: returns the chosen branch in the form that is asked for.
 class Choice final : public Operation {
  public:
   using Operation::Operation;
@@ -252,8 +252,8 @@ class Choice final : public Operation {
   }
 };
 
-/// `count`, `any`, `all` and `filter`: a set of objects, and for all but a plain count a condition that is evaluated in
-/// the context of each.
+/// `count`, `any`, `all` and `filter`: a set of objects and a condition that is evaluated in the context of each
+/// object. `count` can do without a condition.
 class Quantifier final : public Operation {
  public:
   enum class Operator { Count, Any, All, Filter };
@@ -302,10 +302,10 @@ class NamedCall final : public Expression {
   NamedRule const* rule_;
 };
 
-/// A part whose result is the same in every context of a walk, and worth keeping in the cache of the evaluation.
+/// A part whose result is the same in every context of a walk. It is kept in the cache of the evaluation.
 class Kept final : public Operation {
  public:
-  /// `part` holds the one expression that is kept.
+  /// `part` contains the one expression whose result is kept.
   Kept(Kind kind, Range range, std::vector<ExpressionPtr> part) : Operation(kind, range, std::move(part)) {}
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override { return truth(frame); }

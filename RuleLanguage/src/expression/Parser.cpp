@@ -1,7 +1,7 @@
-// A parser by recursive descent, one operation for each level of binding. Levels of nesting are counted, so that no
-// input can exhaust the stack, here or in what walks the tree later. Chains of one operator make one node with many
-// operands and count for nothing. A fault of syntax ends the parsing by way of a private exception; faults of kind are
-// gathered.
+// A parser by recursive descent, with one operation per level of binding. Levels of nesting are counted, so no input
+// can exhaust the stack, neither here nor in what walks the tree later. A chain of one operator becomes one node with
+// many operands, and adds no level. A syntax error ends parsing, by a private exception; all other mistakes are
+// collected.
 
 #include "expression/Parser.h"
 
@@ -14,48 +14,52 @@
 #include "expression/Functions.h"
 #include "expression/Lexer.h"
 #include "expression/Nodes.h"
+#include "expression/OperandChecks.h"
 
 namespace tarn::rules {
 
 namespace {
 
-struct SyntaxFault {
-  Range range;
-  std::string message;
+/// Ends parsing. Everything that was found before is reported as well.
+struct SyntaxError {
+  Issue issue;
 };
 
+constexpr std::array<std::string_view, 5> operatorWords = {"and", "or", "not", "in", "implies"};
+
+Replacement replaceBy(Range range, std::string_view written, std::string_view text) {
+  return {range, std::string(text), "Replace " + inQuotes(written) + " by " + inQuotes(text)};
+}
+
+/// The name in `map` that `text` is most likely a slip of, if the budget allows the search.
 template <typename Map>
-std::string orNearKey(std::string_view text, Map const& map, HintBudget& hints) {
+std::string nearKey(std::string_view text, Map const& map, HintBudget& hints) {
   if (!hints.take(map.size())) return {};
   std::vector<std::string> keys;
   keys.reserve(map.size());
   for (auto const& entry : map) keys.push_back(entry.first);
-  return orNear(text, keys);
-}
-
-bool isLiteral(Expression const& expression) {
-  return dynamic_cast<Literal const*>(&expression) != nullptr;
+  return StringUtilities::nearMatch(text, keys);
 }
 
 class Parser {
  public:
   Parser(std::string_view text, NamedRules const& named, PhysicsData const* data, ParserLimits const& limits)
-      : text_(text), lexer_(text), named_(named), data_(data), limits_(limits) {}
+      : text_(text), lexer_(text), named_(named), data_(data), limits_(limits), checks_(text, issues_) {}
 
   ParsedExpression parse(Role role) {
     ParsedExpression result;
     try {
-      if (text_.size() > limits_.length) {
-        throw SyntaxFault{{limits_.length, 1},
-                          "the expression is longer than " + std::to_string(limits_.length) + " characters"};
+      if (text_.size() > std::min(limits_.length, Range::longestText)) {
+        fail({limits_.length, 1}, "the expression is longer than " + std::to_string(limits_.length) + " characters",
+             Code::LimitExceeded);
       }
       advance();
-      if (token_.kind == TokenKind::End) throw SyntaxFault{{0, text_.size()}, "an expression is missing"};
+      if (token_.kind == TokenKind::End) fail({0, text_.size()}, "an expression is missing");
       result.expression = implication();
       if (token_.kind != TokenKind::End) unexpected();
-      requireRole(*result.expression, role);
-    } catch (SyntaxFault& fault) {
-      issues_.push_back({fault.range, std::move(fault.message)});
+      checkRole(*result.expression, role);
+    } catch (SyntaxError& error) {
+      issues_.push_back(std::move(error.issue));
     }
     if (!issues_.empty()) result.expression = nullptr;
     std::stable_sort(issues_.begin(), issues_.end(),
@@ -73,9 +77,10 @@ class Parser {
     explicit Level(Parser& parser) : parser_(parser) {
       parser_.deepest_ = std::max(parser_.deepest_, ++parser_.depth_);
       if (parser_.depth_ > parser_.limits_.depth) {
-        throw SyntaxFault{parser_.token_.range, "the expression is nested deeper than " +
-                                                    std::to_string(parser_.limits_.depth) +
-                                                    " levels; move a part of it into a named check"};
+        fail(parser_.token_.range,
+             "the expression is nested deeper than " + std::to_string(parser_.limits_.depth) +
+                 " levels; move a part of it into a named check",
+             Code::LimitExceeded);
       }
     }
     Level(Level const&) = delete;
@@ -86,11 +91,15 @@ class Parser {
     Parser& parser_;
   };
 
+  [[noreturn]] static void fail(Range range, std::string message, Code code = Code::ExpressionSyntax,
+                                std::optional<Replacement> fix = std::nullopt) {
+    throw SyntaxError{{range, std::move(message), code, std::move(fix)}};
+  }
+
   void advance() {
-    Range fault;
-    std::string message;
+    Issue fault;
     last_ = token_.range;
-    if (!lexer_.next(token_, fault, message)) throw SyntaxFault{fault, std::move(message)};
+    if (!lexer_.next(token_, fault)) throw SyntaxError{std::move(fault)};
   }
 
   [[nodiscard]] bool isSymbol(std::string_view symbol) const {
@@ -101,105 +110,49 @@ class Parser {
   }
 
   [[noreturn]] void unexpected() const {
-    if (token_.kind == TokenKind::End) {
-      throw SyntaxFault{end(), "the expression ends where something is missing"};
-    }
-    if (isSymbol(")")) throw SyntaxFault{token_.range, "')' has no '(' before it"};
+    if (token_.kind == TokenKind::End) fail(end(), "the expression ends too early");
+    if (isSymbol(")")) fail(token_.range, "')' has no '(' before it");
     if (token_.kind == TokenKind::Word && findFunction(token_.text) == nullptr) {
-      throw SyntaxFault{token_.range,
-                        "an operator is missing before " + inQuotes(token_.text) + operatorHint(token_.text)};
+      std::string message = "an operator is missing before " + inQuotes(token_.text);
+      auto const known = std::find_if(operatorWords.begin(), operatorWords.end(), [&](std::string_view word) {
+        return StringUtilities::equalIgnoringCase(token_.text, word);
+      });
+      if (known == operatorWords.end()) fail(token_.range, std::move(message));
+      fail(token_.range, message + didYouMean(*known), Code::ExpressionSyntax,
+           replaceBy(token_.range, token_.text, *known));
     }
-    throw SyntaxFault{token_.range, "an operator is missing before this"};
-  }
-
-  [[nodiscard]] static std::string operatorHint(std::string const& word) {
-    for (std::string_view const known : {"and", "or", "not", "in", "implies"}) {
-      if (StringUtilities::equalIgnoringCase(word, known)) return didYouMean(known);
-    }
-    return {};
+    fail(token_.range, "an operator is missing before this");
   }
 
   void expectSymbol(std::string_view symbol, std::string_view purpose) {
     if (!isSymbol(symbol)) {
       Range const range = token_.kind == TokenKind::End ? end() : token_.range;
-      throw SyntaxFault{range, inQuotes(symbol) + " is missing " + std::string(purpose)};
+      fail(range, inQuotes(symbol) + " is missing " + std::string(purpose));
     }
     advance();
   }
 
-  void issue(Range range, std::string message) { issues_.push_back({range, std::move(message)}); }
-
-  /// Where something is missing at the end: behind the last token.
-  [[nodiscard]] Range end() const { return {last_.offset + last_.length, 1}; }
-
-  [[nodiscard]] Range since(std::size_t offset) const { return {offset, last_.offset + last_.length - offset}; }
-
-  // What an operand must be. Each tells of a fault and lets the parsing go on.
-
-  void requireCondition(Expression const& operand) {
-    if (operand.kind() == Kind::Truth || operand.kind() == Kind::Value) return;
-    std::string message = "a condition is needed here, not " + std::string(kindName(operand.kind()));
-    if (operand.kind() == Kind::Objects) {
-      message += "; write exists(...) or any(...)";
-    } else if (operand.kind() == Kind::List) {
-      message += "; write size(...) > 0, or compare with 'in'";
-    } else {
-      message += "; compare it with something";
-    }
-    issue(operand.range(), std::move(message));
+  void issue(Range range, std::string message, Code code, std::optional<Replacement> fix = std::nullopt) {
+    issues_.push_back({range, std::move(message), code, std::move(fix)});
   }
 
-  void requireNumber(Expression const& operand) {
-    bool const computedText = operand.kind() == Kind::Text && !isLiteral(operand);
-    if (operand.kind() == Kind::Number || operand.kind() == Kind::Value || computedText) return;
-    std::string message = "a number is needed here, not " + std::string(kindName(operand.kind()));
-    if (operand.kind() == Kind::Objects) message += "; write count(...) for how many there are";
-    if (operand.kind() == Kind::List) message += "; write size(...) for how many there are";
-    issue(operand.range(), std::move(message));
+  /// The position of something that is missing: after the last token.
+  [[nodiscard]] Range end() const { return {std::size_t{last_.offset} + last_.length, 0}; }
+
+  [[nodiscard]] Range since(std::size_t offset) const {
+    return {offset, std::size_t{last_.offset} + last_.length - offset};
   }
 
-  void requireScalar(Expression const& operand) {
-    if (operand.kind() != Kind::List && operand.kind() != Kind::Objects) return;
-    issue(operand.range(), "a single value is needed here, not " + std::string(kindName(operand.kind())) +
-                               (operand.kind() == Kind::Objects ? "; write ${...} for the value of a parameter" : ""));
-  }
-
-  void requireText(Expression const& operand) {
-    if (operand.kind() == Kind::Truth) {
-      issue(operand.range(), "a text is needed here, not a truth value; write text(...)");
-    } else {
-      requireScalar(operand);
-    }
-  }
-
-  void requireList(Expression const& operand) {
-    if (operand.kind() == Kind::List || operand.kind() == Kind::Value) return;
-    std::string message = "a list is needed here, not " + std::string(kindName(operand.kind()));
-    if (operand.kind() == Kind::Objects) message += "; write names(...) or paths(...)";
-    if (operand.kind() == Kind::Text && isLiteral(operand)) {
-      message += "; a list of one is written (" +
-                 std::string(text_.substr(operand.range().offset, operand.range().length)) + ",)";
-    }
-    issue(operand.range(), std::move(message));
-  }
-
-  void requireObjects(Expression const& operand) {
-    if (operand.kind() == Kind::Objects) return;
-    std::string message = "a set of objects is needed here, not " + std::string(kindName(operand.kind()));
-    if (dynamic_cast<ParameterReference const*>(&operand) != nullptr) message += "; write {...} without the '$'";
-    issue(operand.range(), std::move(message));
-  }
-
-  void requireRole(Expression const& expression, Role role) {
+  void checkRole(Expression const& expression, Role role) {
     switch (role) {
       case Role::Condition:
-        requireCondition(expression);
+        checks_.requireCondition(expression);
         break;
       case Role::Text:
-        requireScalar(expression);
+        checks_.requireScalar(expression);
         break;
       case Role::List:
-        requireList(expression);
+        checks_.requireList(expression);
         break;
     }
   }
@@ -213,8 +166,8 @@ class Parser {
     if (!isWord("implies")) return left;
     advance();
     auto right = implication();
-    requireCondition(*left);
-    requireCondition(*right);
+    checks_.requireCondition(*left);
+    checks_.requireCondition(*right);
     return std::make_unique<Logic>(Logic::Operator::Implies, since(begin), operands(std::move(left), std::move(right)));
   }
 
@@ -225,13 +178,13 @@ class Parser {
     std::size_t const begin = token_.range.offset;
     auto first = (this->*operand)();
     if (!isWord(word)) return first;
-    requireCondition(*first);
+    checks_.requireCondition(*first);
     std::vector<ExpressionPtr> all;
     all.push_back(std::move(first));
     while (isWord(word)) {
       advance();
       all.push_back((this->*operand)());
-      requireCondition(*all.back());
+      checks_.requireCondition(*all.back());
     }
     return std::make_unique<Logic>(op, since(begin), std::move(all));
   }
@@ -242,7 +195,7 @@ class Parser {
     std::size_t const begin = token_.range.offset;
     advance();
     auto inner = negation();
-    requireCondition(*inner);
+    checks_.requireCondition(*inner);
     return std::make_unique<Logic>(Logic::Operator::Not, since(begin), operands(std::move(inner)));
   }
 
@@ -271,19 +224,14 @@ class Parser {
     advance();
     auto right = sum();
     if (isComparison() || isWord("in")) {
-      throw SyntaxFault{token_.range, "comparisons cannot be chained; join two of them by 'and'"};
+      fail(token_.range, "comparisons cannot be chained; combine two of them with 'and'");
     }
     if (op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual) {
-      for (auto const* operand : {left.get(), right.get()}) {
-        if (operand->kind() == Kind::List) {
-          issue(operand->range(), "a list cannot be compared; use 'in', or size(difference(a, b)) == 0");
-        } else {
-          requireScalar(*operand);
-        }
-      }
+      checks_.requireComparable(*left);
+      checks_.requireComparable(*right);
     } else {
-      requireNumber(*left);
-      requireNumber(*right);
+      checks_.requireNumber(*left);
+      checks_.requireNumber(*right);
     }
     return std::make_unique<Comparison>(op, since(begin), operands(std::move(left), std::move(right)));
   }
@@ -292,15 +240,15 @@ class Parser {
     bool const negated = isWord("not");
     if (negated) {
       advance();
-      if (!isWord("in")) throw SyntaxFault{last_, "'not' stands before a condition, or before 'in'"};
+      if (!isWord("in")) fail(last_, "'not' belongs in front of a condition, or before 'in'");
     }
     advance();
     auto items = sum();
     if (isComparison() || isWord("in")) {
-      throw SyntaxFault{token_.range, "comparisons cannot be chained; join two of them by 'and'"};
+      fail(token_.range, "comparisons cannot be chained; combine two of them with 'and'");
     }
-    requireText(*item);
-    requireList(*items);
+    checks_.requireText(*item);
+    checks_.requireList(*items);
     return std::make_unique<Membership>(negated, since(begin), operands(std::move(item), std::move(items)));
   }
 
@@ -326,12 +274,12 @@ class Parser {
     }
     for (std::size_t i = 0; i < terms.size(); ++i) {
       if (numeric < terms.size() && (i >= numeric || numeric == 1)) {
-        requireScalar(*terms[i]);
+        checks_.requireScalar(*terms[i]);
         if (operators[i] == '-' && i >= numeric) {
-          issue(terms[i]->range(), "'-' is for numbers, but what stands before it is a text");
+          issue(terms[i]->range(), "'-' needs numbers, but the part before it is a text", Code::WrongOperandKind);
         }
       } else {
-        requireNumber(*terms[i]);
+        checks_.requireNumber(*terms[i]);
       }
     }
     Kind const kind = numeric < terms.size() ? Kind::Text : Kind::Number;
@@ -342,7 +290,7 @@ class Parser {
     std::size_t const begin = token_.range.offset;
     auto first = unary();
     if (!isSymbol("*") && !isSymbol("/")) return first;
-    requireNumber(*first);
+    checks_.requireNumber(*first);
     std::vector<ExpressionPtr> factors;
     std::string operators = "*";
     factors.push_back(std::move(first));
@@ -350,7 +298,7 @@ class Parser {
       operators += token_.text[0];
       advance();
       factors.push_back(unary());
-      requireNumber(*factors.back());
+      checks_.requireNumber(*factors.back());
     }
     std::size_t const count = factors.size();
     return std::make_unique<Arithmetic>(Kind::Number, since(begin), std::move(factors), std::move(operators), count);
@@ -362,7 +310,7 @@ class Parser {
     std::size_t const begin = token_.range.offset;
     advance();
     auto inner = unary();
-    requireNumber(*inner);
+    checks_.requireNumber(*inner);
     return std::make_unique<Negation>(since(begin), operands(std::move(inner)));
   }
 
@@ -383,18 +331,17 @@ class Parser {
         return word();
       case TokenKind::Symbol:
         if (token.text == "(") return parenthesis();
-        throw SyntaxFault{token.range, token.text == "==" || isComparison()
-                                           ? "there is nothing to compare before " + inQuotes(token.text)
-                                           : "a value is missing before " + inQuotes(token.text)};
+        fail(token.range, token.text == "==" || isComparison()
+                              ? "there is nothing to compare before " + inQuotes(token.text)
+                              : "a value is missing before " + inQuotes(token.text));
       case TokenKind::End:
         break;
     }
-    throw SyntaxFault{end(), "the expression ends where a value is missing"};
+    fail(end(), "a value is missing at the end of the expression");
   }
 
-  [[nodiscard]] Issue patternIssue(Token const& token, PathPattern::Fault const& fault) const {
-    std::size_t const offset = token.contentOffset + fault.offset;
-    return {{offset, fault.length}, fault.message};
+  void patternIssue(Token const& token, PathPattern::Fault& fault) {
+    issue({token.contentOffset + fault.offset, fault.length}, std::move(fault.message), Code::InvalidPath);
   }
 
   ExpressionPtr parameter(bool manyAllowed) {
@@ -404,11 +351,12 @@ class Parser {
     std::string name;
     auto pattern = PathPattern::parseParameter(token.text, name, fault);
     if (!pattern) {
-      issues_.push_back(patternIssue(token, fault));
+      patternIssue(token, fault);
       pattern.emplace();
     } else if (!pattern->isSingle() && !manyAllowed) {
       issue(token.range,
-            "this can be the parameter of more than one object; only " + callsThatTakeManyParameters() + " take that");
+            "this path can match several parameters; only " + callsThatTakeManyParameters() + " accept that",
+            Code::SeveralParameters);
     }
     return std::make_unique<ParameterReference>(token.range, std::move(*pattern), std::move(name), data_);
   }
@@ -419,7 +367,7 @@ class Parser {
     PathPattern::Fault fault;
     auto pattern = PathPattern::parse(token.text, fault);
     if (!pattern) {
-      issues_.push_back(patternIssue(token, fault));
+      patternIssue(token, fault);
       pattern.emplace();
     }
     return std::make_unique<ObjectSet>(token.range, std::move(*pattern));
@@ -447,19 +395,8 @@ class Parser {
       items.push_back(implication());
     }
     expectSymbol(")", "at the end of the list");
-    for (auto const& item : items) requireItem(*item);
+    for (auto const& item : items) checks_.requireItem(*item);
     return std::make_unique<ListLiteral>(since(begin), std::move(items));
-  }
-
-  void requireItem(Expression const& item) {
-    if (item.kind() == Kind::Text || item.kind() == Kind::Value) return;
-    std::string message = "a list holds texts, not " + std::string(kindName(item.kind()));
-    if (isLiteral(item)) {
-      message += "; write '" + std::string(text_.substr(item.range().offset, item.range().length)) + "'";
-    } else if (item.kind() == Kind::Number || item.kind() == Kind::Truth) {
-      message += "; write text(...)";
-    }
-    issue(item.range(), std::move(message));
   }
 
   ExpressionPtr word() {
@@ -470,24 +407,28 @@ class Parser {
     }
     auto const* function = findFunction(token.text);
     if (!isSymbol("(")) {
-      for (std::string_view const reserved : {"not", "and", "or", "implies", "in"}) {
-        if (token.text == reserved) throw SyntaxFault{token.range, "a value is missing before " + inQuotes(token.text)};
+      if (std::find(operatorWords.begin(), operatorWords.end(), token.text) != operatorWords.end()) {
+        fail(token.range, "a value is missing before " + inQuotes(token.text));
       }
       if (function != nullptr) {
-        throw SyntaxFault{token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)"};
+        fail(token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)");
       }
-      throw SyntaxFault{token.range, "unknown name " + inQuotes(token.text) + "; a text stands in quotes, '" +
-                                         token.text + "', and a parameter in ${" + token.text + "}"};
+      fail(token.range,
+           "unknown name " + inQuotes(token.text) + "; write '" + token.text + "' for a text, or ${" + token.text +
+               "} for a parameter",
+           Code::UnknownWord);
     }
     if (function == nullptr) {
-      issue(token.range, "unknown function " + inQuotes(token.text) + orNear(token.text, functionNames()));
+      auto const near = StringUtilities::nearMatch(token.text, functionNames());
+      issue(token.range, "unknown function " + inQuotes(token.text) + orDidYouMean(near), Code::UnknownFunction,
+            near.empty() ? std::nullopt : std::optional(replaceBy(token.range, token.text, near)));
       skipArguments();
       return std::make_unique<FaultyPart>(Kind::Value, since(token.range.offset));
     }
     return call(token.range.offset, *function);
   }
 
-  /// Reads the arguments of a function that does not exist, for the sake of the faults in them.
+  /// Reads the arguments of an unknown function, so that mistakes in them are reported.
   void skipArguments() {
     Level const level(*this);
     advance();
@@ -521,8 +462,10 @@ class Parser {
     expectSymbol(")", "at the end of the arguments of " + std::string(function.name));
     call.range = since(begin);
     if (call.arguments.size() < function.least || call.arguments.size() > function.most) {
-      issue(call.range, std::string(function.name) + " takes " + countText(function) + ", not " +
-                            std::to_string(call.arguments.size()));
+      issue(call.range,
+            std::string(function.name) + " takes " + countText(function) + ", not " +
+                std::to_string(call.arguments.size()),
+            Code::WrongArgumentCount);
       return std::make_unique<FaultyPart>(function.result, call.range);
     }
     unifyBranches(function, call);
@@ -544,30 +487,32 @@ class Parser {
     auto value = implication();
     switch (kind) {
       case Argument::Scalar:
-        requireScalar(*value);
+        checks_.requireScalar(*value);
         break;
       case Argument::Text:
-        requireText(*value);
+        checks_.requireText(*value);
         break;
       case Argument::Number:
-        requireNumber(*value);
+        checks_.requireNumber(*value);
         break;
       case Argument::Condition:
-        requireCondition(*value);
+        checks_.requireCondition(*value);
         break;
       case Argument::List:
-        requireList(*value);
+        checks_.requireList(*value);
         break;
       case Argument::Objects:
-        requireObjects(*value);
+        checks_.requireObjects(*value);
         break;
       case Argument::ParameterOrObjects:
         if (value->kind() != Kind::Objects) {
-          issue(value->range(), std::string(function.name) + " takes a parameter, ${...}, or a set of objects, {...}");
+          issue(value->range(), std::string(function.name) + " takes a parameter, ${...}, or a set of objects, {...}",
+                Code::WrongOperandKind);
         }
         break;
       case Argument::Parameters:
-        issue(value->range(), std::string(function.name) + " takes a path to a parameter, ${...}");
+        issue(value->range(), std::string(function.name) + " takes a path to a parameter, ${...}",
+              Code::WrongOperandKind);
         break;
       case Argument::Branch:  // checked when all branches are known
       case Argument::CheckName:
@@ -583,17 +528,28 @@ class Parser {
     if (token.kind != TokenKind::Text) {
       auto value = implication();
       issue(value->range(),
-            std::string(function.name) + " takes the name of a " + std::string(noun) + ", written in quotes");
+            std::string(function.name) + " takes the name of a " + std::string(noun) + ", written in quotes",
+            Code::WrongOperandKind);
       return value;
     }
     advance();
     if (auto const found = rules.find(token.text); found != rules.end()) {
       rule = &found->second->rule();
     } else {
-      issue(token.range, "there is no " + std::string(noun) + " " + inQuotes(token.text) +
-                             orNearKey(token.text, rules, named_.hints));
+      auto const near = nearKey(token.text, rules, named_.hints);
+      issue(token.range, "there is no " + std::string(noun) + " " + inQuotes(token.text) + orDidYouMean(near),
+            Code::UnknownNamedRule,
+            near.empty() ? std::nullopt : std::optional(replaceBy(token.range, token.text, near)));
+      if (!near.empty()) issues_.back().fix->text = quoted(near, text_[token.range.offset]);
     }
     return std::make_unique<Literal>(token.range, token.text);
+  }
+
+  /// `text` as a text of the language between two quotes of the given kind.
+  [[nodiscard]] static std::string quoted(std::string_view text, char quote) {
+    std::string result(1, quote);
+    for (char const c : text) result.append(c == quote ? 2 : 1, c);
+    return result + quote;
   }
 
   /// Gives a call the kind of its branches, if its function has branches.
@@ -610,8 +566,10 @@ class Parser {
         bool const incompatible =
             a == Kind::Objects || b == Kind::Objects || ((a == Kind::List || b == Kind::List) && !lists);
         if (incompatible) {
-          issue(call.range, "the two results of " + std::string(function.name) + " must go together, but one is " +
-                                std::string(kindName(a)) + " and the other " + std::string(kindName(b)));
+          issue(call.range,
+                "the two results of " + std::string(function.name) + " must go together, but one is " +
+                    std::string(kindName(a)) + " and the other " + std::string(kindName(b)),
+                Code::WrongOperandKind);
         }
         call.kind = lists ? Kind::List : Kind::Value;
       }
@@ -646,6 +604,7 @@ class Parser {
   std::size_t deepest_ = 0;
   std::vector<Issue> issues_;
   std::vector<RuleCall> calls_;
+  OperandChecks checks_;
 };
 
 }  // namespace

@@ -10,8 +10,8 @@
 
 namespace tarn::rules {
 
-/// The object types that a rule database speaks of, as a tree: those with rules, those that are somebody's child, and
-/// the roots. Patterns are resolved over it as they are over a model, only that an object stands for all of its type.
+/// The object types in a rule database as a tree: types with rules, types of child rules, and root types. Patterns are
+/// resolved over it as over a model in which one object represents all objects of its type.
 class TypeTree {
  public:
   explicit TypeTree(PhysicsData const& data);
@@ -20,12 +20,12 @@ class TypeTree {
   [[nodiscard]] std::vector<std::string> const& childTypes(std::string const& typePath) const;
   [[nodiscard]] std::map<std::string, std::vector<std::string>> const& all() const noexcept { return children_; }
 
-  /// The type paths that `pattern` can name when the owner of the rule is of type path `owner`.
+  /// The type paths that `pattern` can name when the owner of the rule has the type path `owner`.
   [[nodiscard]] std::set<std::string> resolve(PathPattern const& pattern, std::string const& owner) const;
 
  private:
   void add(std::string const& typePath);
-  /// The type paths that end in `type` and lie somewhere below one of `tops`.
+  /// The type paths that end in `type` and are below one of `tops`.
   [[nodiscard]] std::set<std::string> atAnyDepth(std::set<std::string> const& tops, std::string const& type) const;
 
   std::map<std::string, std::vector<std::string>> children_;  // type path to child types, in the order of the rules

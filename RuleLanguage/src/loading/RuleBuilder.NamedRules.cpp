@@ -57,6 +57,7 @@ void RuleBuilder::parseNamedBodies() {
     std::size_t const usesBefore = laterUses_.size();
     auto const takeExpression = [&](std::size_t skipped, Role role) {
       if (!scalar(pending.body, isList ? "a computed list" : "a check")) return;
+      skipped = pending.body.beginOfExpression(skipped);
       auto result = parsed(pending.body, skipped, role);
       pending.expression = std::move(result.expression);
       pending.source = StringUtilities::trimmed(std::string_view(pending.body.node->value).substr(skipped));

@@ -106,14 +106,15 @@ ParsedExpression RuleBuilder::parsed(Item const& item, std::size_t skipped, Role
 CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role role, std::string_view attribute) {
   if (!scalar(item, "an expression")) return nullptr;
   auto& shared = shared_[static_cast<std::size_t>(role)];
-  auto const text = std::string_view(item.node->value).substr(skipped);
+  skipped = item.beginOfExpression(skipped);
+  auto const text = StringUtilities::trimmed(std::string_view(item.node->value).substr(skipped));
   auto known = shared.find(text);
   if (known == shared.end()) {
     auto result = parsed(item, skipped, role);
     if (!result.expression) return nullptr;
     auto compiled = std::make_shared<Compiled>();
     compiled->expression = keepContextFreeParts(std::move(result.expression));
-    compiled->source = StringUtilities::trimmed(text);
+    compiled->source = text;
     known = shared.emplace(text, std::move(compiled)).first;
   }
   noteUse(item, skipped, known->second, role, attribute);
@@ -198,6 +199,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       good = false;
     } else {
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
+        skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);

@@ -82,12 +82,16 @@ void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
     return rangeInScalar(*item.source, *item.node, skipped + range.offset, range.length);
   };
   auto& diagnostic = diagnostics_.add(issue.code, *item.source, rangeOf(issue.range), std::move(issue.message));
-  if (!issue.fix) return;
-  std::size_t const offset = skipped + issue.fix->range.offset;
-  auto text = writtenInScalar(*item.node, offset, issue.fix->range.length, issue.fix->text);
+  if (issue.fix && !diagnostics_.isFull()) fixExpression(diagnostic, item, skipped, std::move(*issue.fix));
+}
+
+void RuleBuilder::fixExpression(Diagnostic& diagnostic, Item const& item, std::size_t skipped, Replacement fix,
+                                ScalarWalk* walk) {
+  std::size_t const offset = skipped + fix.range.offset;
+  auto text = writtenInScalar(*item.node, offset, fix.range.length, fix.text);
   if (!text) return;
-  DiagnosticList::fix(diagnostic, *item.source, rangeOf(issue.fix->range), std::move(*text),
-                      std::move(issue.fix->title));
+  DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, *item.node, offset, fix.range.length, walk),
+                      std::move(*text), std::move(fix.title));
 }
 
 void RuleBuilder::fixText(Diagnostic& diagnostic, Item const& item, std::string_view text) {

@@ -18,6 +18,7 @@
 #include "expression/CompiledRules.h"
 #include "expression/Parser.h"
 #include "loading/RuleIndex.h"
+#include "yaml/ScalarText.h"
 
 namespace tarn::rules {
 
@@ -37,6 +38,12 @@ class RuleBuilder {
 
   [[nodiscard]] std::unique_ptr<PhysicsData> takeData() { return std::move(data_); }
   [[nodiscard]] PhysicsData const& data() const { return *data_; }
+
+  /// Gives a diagnostic a fix that replaces the whole text of a scalar, where the new text can be written there.
+  static void fixText(Diagnostic& diagnostic, Item const& item, std::string_view text);
+  /// The same for a part of an expression that begins `skipped` bytes into the scalar.
+  static void fixExpression(Diagnostic& diagnostic, Item const& item, std::size_t skipped, Replacement fix,
+                            ScalarWalk* walk = nullptr);
 
  private:
   struct File {
@@ -87,8 +94,6 @@ class RuleBuilder {
   Diagnostic& error(Code code, Item const& item, std::string message);
   /// Adds an issue of an expression that begins `skipped` bytes into the scalar.
   void report(Item const& item, std::size_t skipped, Issue issue);
-  /// Gives a diagnostic a fix that replaces the scalar's text, if the new text can be written there.
-  static void fixText(Diagnostic& diagnostic, Item const& item, std::string_view text);
   static void fixAsList(Diagnostic& diagnostic, Item const& item);
   void twice(Code code, Item const& item, Item const& former, std::string message);
 

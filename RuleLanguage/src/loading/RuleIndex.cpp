@@ -10,9 +10,16 @@ RulePlace Item::place() const {
   return {source->sharedName(), node->line, node->column};
 }
 
-RulePlace Item::placeOfExpression(std::size_t skipped) const {
+std::size_t Item::beginOfExpression(std::size_t skipped) const noexcept {
   auto const& text = node->value;
-  while (skipped < text.size() && StringUtilities::isSpace(text[skipped])) ++skipped;
+  for (std::size_t begin = skipped; begin < text.size(); ++begin) {
+    if (!StringUtilities::isSpace(text[begin])) return begin;
+  }
+  return skipped;
+}
+
+RulePlace Item::placeOfExpression(std::size_t skipped) const {
+  skipped = beginOfExpression(skipped);
   // Nearly all expressions are plain and on one line. For them no search is needed: the skipped bytes are a sign and
   // blanks, so each is one character in the file.
   if (node->style == YamlNode::Style::Plain && node->line == node->endLine && !node->hasProperties) {

@@ -29,7 +29,10 @@ struct Item {
   explicit operator bool() const noexcept { return node != nullptr; }
   /// Where the node begins.
   [[nodiscard]] RulePlace place() const;
-  /// Where the expression begins that follows `skipped` bytes of the scalar, blanks left out.
+  /// The first byte of the expression that follows `skipped` bytes of the scalar and blanks; `skipped` when nothing but
+  /// blanks follows. An expression's ranges count from here, so they are also ranges of its source text.
+  [[nodiscard]] std::size_t beginOfExpression(std::size_t skipped) const noexcept;
+  /// The position of that byte.
   [[nodiscard]] RulePlace placeOfExpression(std::size_t skipped) const;
 };
 

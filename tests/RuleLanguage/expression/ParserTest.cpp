@@ -20,24 +20,24 @@ TEST(Parser, WhatTheLexerCannotRead) {
       {"true || false", "6+2: '||' is not part of the language; write 'or'"},
       {"${A} =~ 'x'", "6+2: '=~' is not part of the language; see contains, starts_with and ends_with"},
       {"${A} <> 'x'", "6+2: '<>' is not part of the language; write '!='"},
-      {"${A} = 'x'", "6+1: '=' compares nothing; write '=='"},
+      {"${A} = 'x'", "6+1: '=' does not compare; write '=='"},
       {"!${A}", "1+1: '!' is not part of the language; write 'not'"},
-      {"${A} > 5 [m]", "10+1: units are not written in an expression: a quantity counts as its number"},
-      {"$A == 'x'", "1+1: '$' must stand before a path in braces: ${Name}"},
+      {"${A} > 5 [m]", "10+1: units cannot be written in an expression; a quantity counts as its number"},
+      {"$A == 'x'", "1+1: '$' must be followed by a path in braces: ${Name}"},
       {"A} == 'x'", "2+1: '}' has no '{' before it"},
       {"${A} == 'x", "9+2: the text that begins here has no closing '"},
       {"${A} == \"x'", "9+3: the text that begins here has no closing \""},
       {"${A == 'x'", "1+10: the path that begins here has no closing '}'"},
       {"{A == 'x'", "1+9: the path that begins here has no closing '}'"},
       {"${A\\} == 'x'", "1+12: the path that begins here has no closing '}'"},
-      {"${A} > 12abc", "8+5: '12abc' is no number; a text stands in quotes"},
-      {"${A} > 1.2.3", "8+5: '1.2.3' is no number; a text stands in quotes"},
-      {"${A} > 0x1F", "8+4: '0x1F' is no number; a text stands in quotes"},
-      {"${A} > 1e", "8+2: '1e' is no number; a text stands in quotes"},
-      {"${A} > 1e999", "8+5: '1e999' is no number; a text stands in quotes"},
-      {"${A} == #x", "9+1: '#' has no meaning here; a text stands in quotes"},
-      {"${A} == Öl", "9+1: 'Ö' has no meaning here; a text stands in quotes"},
-      {"${A} % 2 == 0", "6+1: '%' has no meaning here; a text stands in quotes"},
+      {"${A} > 12abc", "8+5: '12abc' is not a number; write a text in quotes"},
+      {"${A} > 1.2.3", "8+5: '1.2.3' is not a number; write a text in quotes"},
+      {"${A} > 0x1F", "8+4: '0x1F' is not a number; write a text in quotes"},
+      {"${A} > 1e", "8+2: '1e' is not a number; write a text in quotes"},
+      {"${A} > 1e999", "8+5: '1e999' is not a number; write a text in quotes"},
+      {"${A} == #x", "9+1: '#' has no meaning here; write a text in quotes"},
+      {"${A} == Öl", "9+1: 'Ö' has no meaning here; write a text in quotes"},
+      {"${A} % 2 == 0", "6+1: '%' has no meaning here; write a text in quotes"},
   });
 }
 
@@ -45,9 +45,9 @@ TEST(Parser, WhereSomethingIsMissing) {
   expectFaults({
       {"", "1+1: an expression is missing"},
       {"   ", "1+3: an expression is missing"},
-      {"${A} ==", "8+1: the expression ends where a value is missing"},
-      {"true and", "9+1: the expression ends where a value is missing"},
-      {"not", "4+1: the expression ends where a value is missing"},
+      {"${A} ==", "8+1: a value is missing at the end of the expression"},
+      {"true and", "9+1: a value is missing at the end of the expression"},
+      {"not", "4+1: a value is missing at the end of the expression"},
       {"== 'x'", "1+2: there is nothing to compare before '=='"},
       {"< 5", "1+1: there is nothing to compare before '<'"},
       {"true and == 5", "10+2: there is nothing to compare before '=='"},
@@ -72,18 +72,17 @@ TEST(Parser, WhereSomethingIsMissing) {
       {"${A} Implies ${B}", "6+7: an operator is missing before 'Implies'; did you mean 'implies'?"},
       {"${A} is ${B}", "6+2: an operator is missing before 'is'"},
       {"${A} count({B:*})", "6+5: an operator is missing before this"},
-      {"${A} not 'x'", "6+3: 'not' stands before a condition, or before 'in'"},
+      {"${A} not 'x'", "6+3: 'not' belongs in front of a condition, or before 'in'"},
   });
 }
 
 TEST(Parser, NamesThatAreNone) {
   expectFaults(
       {
-          {"Motion == 'x'",
-           "1+6: unknown name 'Motion'; a text stands in quotes, 'Motion', and a parameter in ${Motion}"},
+          {"Motion == 'x'", "1+6: unknown name 'Motion'; write 'Motion' for a text, or ${Motion} for a parameter"},
           {"${A} == Rotating",
-           "9+8: unknown name 'Rotating'; a text stands in quotes, 'Rotating', and a parameter in ${Rotating}"},
-          {"True", "1+4: unknown name 'True'; a text stands in quotes, 'True', and a parameter in ${True}"},
+           "9+8: unknown name 'Rotating'; write 'Rotating' for a text, or ${Rotating} for a parameter"},
+          {"True", "1+4: unknown name 'True'; write 'True' for a text, or ${True} for a parameter"},
           {"exists", "1+6: 'exists' is a function; write exists(...)"},
           {"exist(${A})", "1+5: unknown function 'exist'; did you mean 'exists'?"},
           {"Count({A:*}) > 1", "1+5: unknown function 'Count'; did you mean 'count'?"},
@@ -96,7 +95,7 @@ TEST(Parser, NamesThatAreNone) {
           {"check('fluids')", "7+8: there is no check 'fluids'"},
           {"check(${A})", "7+4: check takes the name of a check, written in quotes"},
           {"check(rotating)",
-           "7+8: unknown name 'rotating'; a text stands in quotes, 'rotating', and a parameter in ${rotating}"},
+           "7+8: unknown name 'rotating'; write 'rotating' for a text, or ${rotating} for a parameter"},
           {"size(list(1)) > 0", "11+1: list takes the name of a list, written in quotes"},
       },
       "Lists: {fluids: [Water]}\nObjects: {}\n"
@@ -109,23 +108,22 @@ TEST(Parser, FaultsOfPaths) {
       {"exists({})", "9+1: the path is empty"},
       {"${A//B} == 'x'", "5+1: a component of the path is empty"},
       {"${ A/:b/C } == 'x'", "6+2: the type before ':' is empty"},
-      {"exists({A:})", "10+1: the name behind ':' is empty"},
-      {"exists({A:b:c})", "12+1: a component holds a second ':'"},
-      {"exists({A/^B})", "11+2: '^' may stand only at the beginning of a path"},
-      {"exists({A/@})", "11+1: '@' may stand only at the beginning of a path"},
-      {"exists({A*})", "9+2: '*' can stand for a whole component or a whole name only; write '\\*' for the character"},
-      {"exists({A:b*})", "11+2: '*' can stand for a whole name only; write '\\*' for the character"},
-      {"exists({^})", "9+1: '^' needs a type behind it"},
+      {"exists({A:})", "10+1: the name after ':' is empty"},
+      {"exists({A:b:c})", "12+1: a component has a second ':'"},
+      {"exists({A/^B})", "11+2: '^' is allowed only at the beginning of a path"},
+      {"exists({A/@})", "11+1: '@' is allowed only at the beginning of a path"},
+      {"exists({A*})", "9+2: '*' can only replace a whole component or a whole name; write '\\*' for the character"},
+      {"exists({A:b*})", "11+2: '*' can only replace a whole name; write '\\*' for the character"},
+      {"exists({^})", "9+1: '^' needs a type after it"},
       {"exists({^A:b})", "12+1: '^' takes a type only, without a name"},
-      {R"(exists({A\/B}))", "10+2: no type or name of a model can hold '/'"},
+      {R"(exists({A\/B}))", "10+2: a type or name cannot contain '/'"},
       {"${..} == 'x'", "3+2: the path must end in the name of a parameter"},
-      {"${A/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which holds no ':'"},
-      {"${Ö/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which holds no ':'"},
-      {"${A:*/B} == 'x'",
-       "1+8: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
-      {"${**/B}", "1+7: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
+      {"${A/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which cannot contain ':'"},
+      {"${Ö/B:c} == 'x'", "5+3: the path must end in the name of a parameter, which cannot contain ':'"},
+      {"${A:*/B} == 'x'", "1+8: this path can match several parameters; only exists(...) and values(...) accept that"},
+      {"${**/B}", "1+7: this path can match several parameters; only exists(...) and values(...) accept that"},
       {"any({A:*}, ${B:*/C} == 'x')",
-       "12+8: this can be the parameter of more than one object; only exists(...) and values(...) take that"},
+       "12+8: this path can match several parameters; only exists(...) and values(...) accept that"},
   });
 }
 
@@ -161,7 +159,7 @@ TEST(Parser, NumbersThatAreNone) {
       {"{A:*} > 5", "1+5: a number is needed here, not a set of objects; write count(...) for how many there are"},
       {"('a',) > 5", "1+6: a number is needed here, not a list; write size(...) for how many there are"},
       {"abs('a') > 5", "5+3: a number is needed here, not a text"},
-      {"'a' + 1 - 2 == 'x'", "11+1: '-' is for numbers, but what stands before it is a text"},
+      {"'a' + 1 - 2 == 'x'", "11+1: '-' needs numbers, but the part before it is a text"},
   });
 }
 
@@ -178,21 +176,21 @@ TEST(Parser, ValuesTextsListsAndSetsThatAreNone) {
       {"true in ('true',)", "1+4: a text is needed here, not a truth value; write text(...)"},
       {"join(('a',), {B}) == 'x'",
        "14+3: a single value is needed here, not a set of objects; write ${...} for the value of a parameter"},
-      {"'a' in 'b'", "8+3: a list is needed here, not a text; a list of one is written ('b',)"},
+      {"'a' in 'b'", "8+3: a list is needed here, not a text; a list with one item is written ('b',)"},
       {"'a' in 5", "8+1: a list is needed here, not a number"},
-      {"'a' in ('b')", "9+3: a list is needed here, not a text; a list of one is written ('b',)"},
+      {"'a' in ('b')", "9+3: a list is needed here, not a text; a list with one item is written ('b',)"},
       {"'a' in {B:*}", "8+5: a list is needed here, not a set of objects; write names(...) or paths(...)"},
-      {"size('a') > 0", "6+3: a list is needed here, not a text; a list of one is written ('a',)"},
+      {"size('a') > 0", "6+3: a list is needed here, not a text; a list with one item is written ('a',)"},
       {"count(${A}) > 0", "7+4: a set of objects is needed here, not a value; write {...} without the '$'"},
       {"count(('a',)) > 0", "7+6: a set of objects is needed here, not a list"},
       {"exists('A')", "8+3: exists takes a parameter, ${...}, or a set of objects, {...}"},
       {"exists(${A} == 'x')", "13+2: ')' is missing at the end of the arguments of exists"},
       {"size(values({A:*})) > 0", "13+5: values takes a path to a parameter, ${...}"},
-      {"${A} in ('a', 5)", "15+1: a list holds texts, not a number; write '5'"},
-      {"${A} in ('a', true)", "15+4: a list holds texts, not a truth value; write 'true'"},
-      {"${A} in ('a', 1 + 2)", "15+5: a list holds texts, not a number; write text(...)"},
-      {"${A} in ('a', ('b',))", "15+6: a list holds texts, not a list"},
-      {"${A} in ('a', {B})", "15+3: a list holds texts, not a set of objects"},
+      {"${A} in ('a', 5)", "15+1: a list contains texts, not a number; write '5'"},
+      {"${A} in ('a', true)", "15+4: a list contains texts, not a truth value; write 'true'"},
+      {"${A} in ('a', 1 + 2)", "15+5: a list contains texts, not a number; write text(...)"},
+      {"${A} in ('a', ('b',))", "15+6: a list contains texts, not a list"},
+      {"${A} in ('a', {B})", "15+3: a list contains texts, not a set of objects"},
       {"if(true, {A}, 'a') == 'x'",
        "1+18: the two results of if must go together, but one is a set of objects and the other a text"},
       {"size(if(true, ('a',), 'b')) > 0",
@@ -202,12 +200,13 @@ TEST(Parser, ValuesTextsListsAndSetsThatAreNone) {
 
 TEST(Parser, ChainedComparisons) {
   for (char const* const expression : {"1 < 2 < 3", "1 < 2 == 3", "1 < 2 in ('1',)"}) {
-    EXPECT_EQ(test::conditionFault(expression).substr(5), "comparisons cannot be chained; join two of them by 'and'")
+    EXPECT_EQ(test::conditionFault(expression).substr(5),
+              "comparisons cannot be chained; combine two of them with 'and'")
         << expression;
   }
-  expectFaults({{"1 == 2 == 3", "8+2: comparisons cannot be chained; join two of them by 'and'"},
-                {"'a' in ('a',) == true", "15+2: comparisons cannot be chained; join two of them by 'and'"},
-                {"'a' in ('a',) in ('b',)", "15+2: comparisons cannot be chained; join two of them by 'and'"},
+  expectFaults({{"1 == 2 == 3", "8+2: comparisons cannot be chained; combine two of them with 'and'"},
+                {"'a' in ('a',) == true", "15+2: comparisons cannot be chained; combine two of them with 'and'"},
+                {"'a' in ('a',) in ('b',)", "15+2: comparisons cannot be chained; combine two of them with 'and'"},
                 {"(1 < 2) == (3 < 4)", ""}});
 }
 
@@ -254,7 +253,7 @@ TEST(Parser, TheRoleOfAnExpressionDecidesWhatItMayBe) {
             "    7 |         Default Value: = ('a', 'b')\n"
             "      |                          ^~~~~~~~~~\n");
   EXPECT_EQ(faultOf("Value List Source: \"'a'\""),
-            "flow.rules.yaml:7:29: error: a list is needed here, not a text; a list of one is written ('a',)\n"
+            "flow.rules.yaml:7:29: error: a list is needed here, not a text; a list with one item is written ('a',)\n"
             "    7 |         Value List Source: \"'a'\"\n"
             "      |                             ^~~\n");
   EXPECT_EQ(faultOf("Available: count({Boundary:*})"),
@@ -265,8 +264,8 @@ TEST(Parser, TheRoleOfAnExpressionDecidesWhatItMayBe) {
 
 TEST(Parser, AnExpressionIsAtMostAHundredThousandCharactersLong) {
   std::string const blanks(100'000 - 4, ' ');
-  EXPECT_EQ(test::conditionFault(blanks + "true"), "");
-  EXPECT_EQ(test::conditionFault(blanks + " true"), "100001+1: the expression is longer than 100000 characters");
+  EXPECT_EQ(test::conditionFault("true" + blanks), "");
+  EXPECT_EQ(test::conditionFault("true " + blanks), "100001+1: the expression is longer than 100000 characters");
 }
 
 TEST(Parser, NestingIsLimitedInEveryForm) {

@@ -1,0 +1,304 @@
+// Checks of the entries of objects: object types that nothing leads to, attributes without effect, names, allowed
+// values, bounds, defaults and contexts.
+
+#include "lint/EntryLint.h"
+
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tarn/PathUtils.h>
+#include <tarn/StringUtilities.h>
+
+#include "loading/RuleSections.h"
+
+namespace tarn::rules {
+
+namespace {
+
+class EntryLint {
+ public:
+  explicit EntryLint(LintContext& context) : context_(context) {}
+
+  void run() {
+    for (auto const* object : context_.data().objects()) {
+      for (auto const& param : object->params()) {
+        if (param->valueDef() != nullptr) checkParameter(*object, *param, *param->valueDef());
+      }
+      for (auto const& child : object->children()) checkChild(*object, *child);
+    }
+    checkObjects();
+  }
+
+ private:
+  Diagnostic& warn(Code code, Item const& item, std::string message) {
+    return context_.warn(code, item, std::move(message));
+  }
+
+  void checkObjects() {
+    for (auto const& [typePath, place] : context_.rules().objectPlaces()) {
+      std::string const parentPath(PathUtils::parentOf(typePath));
+      if (parentPath.empty()) continue;
+      auto const* parent = context_.data().getObjDependDef(parentPath, true);
+      std::string const type(PathUtils::lastType(typePath));
+      if (parent != nullptr && parent->findChild(type) != nullptr) continue;
+      std::vector<std::string> candidates;
+      if (parent != nullptr && context_.hints().take(parent->children().size())) {
+        for (auto const& child : parent->children()) candidates.push_back(child->type);
+      }
+      auto const near = context_.hints().nearest(type, candidates);
+      auto& warning = context_.warn(
+          Code::UnreachableType, place,
+          "no child rule leads to objects of this type, so this entry is never used" + orDidYouMean(near));
+      // Where entries of objects below it would have to change as well, there is no single replacement.
+      auto const& all = context_.rules().objectPlaces();
+      auto const below = all.lower_bound(typePath + "/");
+      bool const isAlone = below == all.end() || !below->first.starts_with(typePath + "/");
+      auto const path = parentPath + "/" + near;
+      if (!near.empty() && isAlone && !all.contains(path)) LintContext::fixText(warning, place, typePath, path);
+    }
+  }
+
+  void checkChild(ObjDependDef const& object, ChildAvail const& child) {
+    auto const typePath = object.typePath() + "/" + child.type;
+    auto const& place = context_.rules().childPlaces().at({object.typePath(), child.type});
+    if (context_.data().getObjDependDef(typePath, true) == nullptr) {
+      warn(Code::MissingObjectEntry, place.name,
+           "there is no entry " + typePath + " under Objects, so the rules define nothing inside this child");
+    }
+    auto const at = [&](std::string_view attribute) {
+      auto const found = place.attributes.find(attribute);
+      return found == place.attributes.end() ? Item{} : found->second;
+    };
+    auto const allowedNames = at("Allowed Names");
+    auto const defaultNames = at("Default Names");
+    if (child.singleton) {
+      if (allowedNames)
+        warn(Code::NoEffect, allowedNames, "Allowed Names has no effect on a singleton, which has no name");
+      if (defaultNames)
+        warn(Code::NoEffect, defaultNames, "Default Names has no effect on a singleton, which has no name");
+    } else if (defaultNames && allowedNames) {
+      warn(Code::NoEffect, defaultNames, "Default Names has no effect beside Allowed Names");
+    } else if (defaultNames && !child.required) {
+      warn(Code::NoEffect, defaultNames, "Default Names has no effect on a child that is not required");
+    }
+    if (!child.singleton) {
+      checkNames(child, allowedNames);
+      checkNames(child, defaultNames);
+    }
+    if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
+  }
+
+  /// The names that a list gives as plain texts.
+  void checkNames(ChildAvail const& child, Item const& list) {
+    if (!list || list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* node : list.node->children) {
+      bool const isGuarded = node->kind == YamlNode::Kind::Mapping;
+      for (std::size_t i = 0; isGuarded && i + 1 < node->children.size(); i += 2) {
+        if (node->children[i]->value == "Value") {
+          node = node->children[i + 1];
+          break;
+        }
+      }
+      if (node->kind != YamlNode::Kind::Scalar) continue;
+      if (isGuarded && node->value.starts_with('=')) continue;  // an expression, which is checked as one
+      auto const problem = problemOfName(node->value, child.type);
+      if (problem) warn(problem->code, {list.source, node}, problem->message);
+    }
+  }
+
+  void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {
+    auto const& place = context_.rules().paramPlaces().at({object.typePath(), param.name});
+    auto const at = [&](std::string_view attribute) {
+      auto const found = place.attributes.find(attribute);
+      return found == place.attributes.end() ? Item{} : found->second;
+    };
+    if (def.allowedValueKind == ParamValueDef::NoAllowedValues) {
+      for (std::string_view const attribute :
+           {"Allowed String List Checks", "Unused Allowed String List", "Subset Allowed String List",
+            "Subset Value List Source", "Allows Any Value", "Available With No Allowed Values",
+            "Fallback To Blank Default", "Complete List Required", "Beta Values"}) {
+        if (auto const item = at(attribute)) {
+          warn(Code::NoEffect, item, std::string(attribute) + " has no effect without allowed values");
+        }
+      }
+    } else if (auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get())) {
+      checkListed(list->items(), def, at("Allowed String List Checks"));
+      checkListed(list->items(), def, at("Beta Values"));
+    }
+    checkBounds(def, at("Lower Bound"), at("Upper Bound"));
+    checkDefault(def, at("Default Value"));
+    if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
+    if (!param.contexts.empty()) checkContext(object, &param, param.contexts, at("Context"));
+  }
+
+  /// The keys of a map from allowed values must be allowed values.
+  void checkListed(SharedStrings const& items, ParamValueDef const& def, Item const& map) {
+    if (!map || map.node->kind != YamlNode::Kind::Mapping || def.allowsAnyValue) return;
+    // At most one fix in a map: two slips of the same value cannot both become that value.
+    bool isProposed = false;
+    for (std::size_t i = 0; i + 1 < map.node->children.size(); i += 2) {
+      auto const* key = map.node->children[i];
+      if (items.contains(key->value)) continue;
+      auto const near = context_.hints().nearest(key->value, items);
+      auto& warning = warn(Code::UnknownAllowedValue, {map.source, key},
+                           inQuotes(key->value) + " is not among the allowed values" + orDidYouMean(near));
+      if (!near.empty() && !std::exchange(isProposed, true) && !hasKey(*map.node, near)) {
+        LintContext::fixText(warning, {map.source, key}, key->value, near);
+      }
+    }
+  }
+
+  void checkBounds(ParamValueDef const& def, Item const& lowerItem, Item const& upperItem) {
+    auto const check = [&](TextExpression const* bound, Item const& item) {
+      if (bound == nullptr || !item) return;
+      if (!TDFParam::isNumericType(def.type)) {
+        warn(Code::NoEffect, item,
+             "a bound has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
+      } else if (auto const* fixed = dynamic_cast<FixedText const*>(bound)) {
+        if (!TDFParam::asQuantity(fixed->text()))
+          warn(Code::BoundNotANumber, item, "the bound " + inQuotes(fixed->text()) + " is not a number");
+      }
+    };
+    check(def.lowerBound.get(), lowerItem);
+    check(def.upperBound.get(), upperItem);
+    auto const* lower = dynamic_cast<FixedText const*>(def.lowerBound.get());
+    auto const* upper = dynamic_cast<FixedText const*>(def.upperBound.get());
+    if (lower == nullptr || upper == nullptr) return;
+    auto const low = TDFParam::asQuantity(lower->text());
+    auto const high = TDFParam::asQuantity(upper->text());
+    if (low && high && low->units == high->units && low->number > high->number) {
+      warn(Code::BoundsReversed, upperItem,
+           "the upper bound " + upper->text() + " is below the lower bound " + lower->text());
+    }
+  }
+
+  void checkDefault(ParamValueDef const& def, Item const& item) {
+    auto const* fixed = dynamic_cast<FixedText const*>(def.defaultValue.get());
+    if (fixed == nullptr || fixed->text().empty()) return;
+    auto const values = TDFParam::isListType(def.type) ? StringUtilities::stringToVector(fixed->text(), ',')
+                                                       : std::vector<std::string>{fixed->text()};
+    auto const* list = def.allowedValueKind == ParamValueDef::FixedAllowedValues
+                           ? dynamic_cast<FixedList const*>(def.allowedValues.get())
+                           : nullptr;
+    for (auto const& value : values) {
+      if (list != nullptr && list->items().contains(value) && !def.unusedValues.contains(value)) continue;
+      if (list != nullptr && !def.allowsAnyValue) {
+        auto const near = context_.hints().nearest(value, list->items());
+        auto& warning =
+            warn(Code::DefaultNotAllowed, item,
+                 "the default " + inQuotes(value) + " is not among the allowed values" + orDidYouMean(near));
+        LintContext::fixText(warning, item, value, near);
+        continue;
+      }
+      if (def.allowedValueKind == ParamValueDef::ComputedAllowedValues) continue;
+      checkDefaultText(def, item, value);
+    }
+  }
+
+  void checkDefaultText(ParamValueDef const& def, Item const& item, std::string const& value) {
+    auto const element = TDFParam::elementType(def.type);
+    if (element == TDFParam::Logical && !TDFParam::asLogical(value)) {
+      warn(Code::DefaultOfWrongType, item, "the default " + inQuotes(value) + " is not a logical value");
+    }
+    if (element != TDFParam::Integer && element != TDFParam::Real) return;
+    auto const quantity = TDFParam::asQuantity(value);
+    if (!quantity || (element == TDFParam::Integer && quantity->number != std::trunc(quantity->number))) {
+      warn(Code::DefaultOfWrongType, item,
+           "the default " + inQuotes(value) +
+               (element == TDFParam::Integer ? " is not a whole number" : " is not a number"));
+      return;
+    }
+    auto const outside = [&](TextExpression const* bound, bool lower) {
+      auto const* fixed = dynamic_cast<FixedText const*>(bound);
+      auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
+      if (!limit || limit->units != quantity->units) return;
+      if (lower ? quantity->number < limit->number : quantity->number > limit->number) {
+        warn(Code::DefaultOutOfBounds, item,
+             "the default " + inQuotes(value) + (lower ? " is below the lower bound " : " is above the upper bound ") +
+                 fixed->text());
+      }
+    };
+    outside(def.lowerBound.get(), true);
+    outside(def.upperBound.get(), false);
+  }
+
+  void checkQuantityType(ParamValueDef const& def, Item const& item) {
+    if (auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get())) {
+      if (!context_.data().quantityTypes().contains(fixed->text())) {
+        std::vector<std::string> names;
+        for (auto const& entry : context_.data().quantityTypes()) names.push_back(entry.first);
+        auto const near = context_.hints().nearest(fixed->text(), names);
+        auto& warning =
+            warn(Code::UnknownQuantityType, item,
+                 "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" + orDidYouMean(near));
+        LintContext::fixText(warning, item, fixed->text(), near);
+      }
+    }
+    if (def.type != TDFParam::Real) {
+      warn(Code::NoEffect, item,
+           "a quantity type has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
+    }
+  }
+
+  /// `param` is the parameter whose entry has the contexts; null for a child, which comes after all parameters.
+  void checkContext(ObjDependDef const& object, ParamAvail const* param, std::vector<std::string> const& contexts,
+                    Item const& item) {
+    auto const& positions = context_.positionsOf(object);
+    // For a parameter, only the context rules before it count.
+    std::size_t const end =
+        param != nullptr ? EntryPositions::indexIn(positions.params, param->name) : object.params().size();
+    for (auto const& context : contexts) {
+      if (context.empty()) continue;
+      if (positions.firstContextRule >= end) {
+        warn(Code::NeverLive, item,
+             param != nullptr ? "there is no context rule before this parameter, so it is never live"
+                              : "the object has no context rule, so this child is never live");
+        return;
+      }
+      if (positions.firstOpenContextRule < end) continue;
+      auto const found = positions.contexts.find(context);
+      if (found != positions.contexts.end() && found->second < end) continue;
+      auto const near = nearContext(object, end, context);
+      auto& warning =
+          warn(Code::NeverLive, item, "no context rule can have the value " + inQuotes(context) + orDidYouMean(near));
+      LintContext::fixText(warning, item, context, near);
+    }
+  }
+
+  std::string nearContext(ObjDependDef const& object, std::size_t end, std::string const& context) {
+    std::vector<std::string> values;
+    for (std::size_t const position : context_.positionsOf(object).contextRules) {
+      if (position >= end) break;
+      auto const* def = object.params()[position]->valueDef();
+      auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
+      if (list == nullptr || !context_.hints().take(list->items().size())) continue;
+      values.insert(values.end(), list->items().begin(), list->items().end());
+    }
+    return context_.hints().nearest(context, values);
+  }
+
+  LintContext& context_;
+};
+
+}  // namespace
+
+void checkEntries(LintContext& context) {
+  EntryLint(context).run();
+}
+
+std::optional<NameProblem> problemOfName(std::string_view name, std::string_view type) {
+  if (name.empty()) return NameProblem{Code::ImpossibleName, "the name of an object cannot be empty"};
+  if (!canBeObjectName(name)) {
+    return NameProblem{Code::ImpossibleName,
+                       "no object can be named " + inQuotes(name) + ": a name cannot contain '/' or ':'"};
+  }
+  if (name == type) {
+    return NameProblem{Code::NameEqualsType, "an object of the type " + inQuotes(name) +
+                                                 " with this name is printed and loaded as a singleton without a name"};
+  }
+  return std::nullopt;
+}
+
+}  // namespace tarn::rules

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "lint/LintContext.h"
+
+namespace tarn::rules {
+
+/// Warns of entries of objects that are never used, and of attributes that have no effect or contradict each other.
+void checkEntries(LintContext& context);
+
+struct NameProblem {
+  Code code;
+  std::string message;
+};
+/// What is wrong with the name of an object of `type`; nothing when it is a good name.
+[[nodiscard]] std::optional<NameProblem> problemOfName(std::string_view name, std::string_view type);
+
+}  // namespace tarn::rules

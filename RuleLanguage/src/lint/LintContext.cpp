@@ -1,0 +1,101 @@
+#include "lint/LintContext.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "expression/Nodes.h"
+#include "lint/EntryLint.h"
+#include "loading/RuleBuilder.h"
+
+namespace tarn::rules {
+
+std::size_t EntryPositions::indexIn(std::unordered_map<std::string_view, std::size_t> const& positions,
+                                    std::string_view name) {
+  auto const found = positions.find(name);
+  return found == positions.end() ? positions.size() : found->second;
+}
+
+LintContext::LintContext(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics)
+    : rules_(rules), data_(data), types_(data), diagnostics_(diagnostics) {}
+
+Diagnostic& LintContext::warn(Code code, Item const& item, std::string message) {
+  return diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
+}
+
+void LintContext::warn(Code code, ExpressionUse const& use, Range range, std::string message,
+                       std::optional<Replacement> const& fix) {
+  std::size_t const offset = use.skipped + range.offset;
+  SourceRange const place = rangeInScalar(*use.item.source, *use.item.node, offset, range.length, &walk_);
+  auto& warning = diagnostics_.add(code, *use.item.source, place, std::move(message));
+  if (fix) RuleBuilder::fixExpression(warning, use.item, use.skipped, *fix, &fixWalk_);
+}
+
+void LintContext::fixText(Diagnostic& warning, Item const& item, std::string_view text, std::string_view replacement) {
+  if (replacement.empty()) return;
+  if (item.node->kind == YamlNode::Kind::Sequence) {
+    // Many slips in a long list would each search all of it.
+    constexpr std::size_t longestSearch = 100;
+    if (item.node->children.size() > longestSearch) return;
+    for (auto const* child : item.node->children) {
+      if (child->kind == YamlNode::Kind::Scalar && child->value == text) {
+        fixText(warning, {item.source, child}, text, replacement);
+        return;
+      }
+    }
+  } else if (item.node->kind == YamlNode::Kind::Scalar && item.node->value == text) {
+    RuleBuilder::fixText(warning, item, replacement);
+  }
+}
+
+LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPattern const& pattern) {
+  if (use.named == nullptr && !pattern.isAbsolute()) {
+    return std::make_shared<std::set<std::string> const>(types_.resolve(pattern, use.typePath));
+  }
+  auto& kept = resolved_[pattern.text()];
+  if (kept) return kept;
+  std::set<std::string> all;
+  if (pattern.isAbsolute()) {
+    all = types_.resolve(pattern, {});
+  } else {
+    for (auto const& entry : types_.all()) all.merge(types_.resolve(pattern, entry.first));
+  }
+  kept = std::make_shared<std::set<std::string> const>(std::move(all));
+  return kept;
+}
+
+std::string const* LintContext::impossibleNameIn(NamedRule const& list) {
+  auto const [known, isNew] = impossibleNames_.try_emplace(&list, nullptr);
+  auto const* items = dynamic_cast<ListLiteral const*>(list.expression());
+  if (!isNew || items == nullptr) return known->second;
+  for (auto const& item : items->fixedItems()) {
+    if (!problemOfName(item, {})) continue;
+    known->second = &item;
+    break;
+  }
+  return known->second;
+}
+
+EntryPositions const& LintContext::positionsOf(ObjDependDef const& object) {
+  auto const [known, isNew] = positions_.try_emplace(&object);
+  auto& positions = known->second;
+  if (!isNew) return positions;
+  for (auto const& param : object.params()) {
+    if (param->contextRule) positions.contextRules.push_back(positions.params.size());
+    positions.params.emplace(param->name, positions.params.size());
+  }
+  for (auto const& child : object.children()) positions.children.emplace(child->type, positions.children.size());
+  for (std::size_t const position : positions.contextRules) {
+    auto const* def = object.params()[position]->valueDef();
+    if (def == nullptr) continue;
+    positions.firstContextRule = std::min(positions.firstContextRule, position);
+    auto const* list = dynamic_cast<FixedList const*>(def->allowedValues.get());
+    if (list == nullptr || def->allowsAnyValue || def->allowedValueKind != ParamValueDef::FixedAllowedValues) {
+      positions.firstOpenContextRule = std::min(positions.firstOpenContextRule, position);
+    }
+    if (list == nullptr) continue;
+    for (auto const& value : list->items()) positions.contexts.try_emplace(value, position);
+  }
+  return positions;
+}
+
+}  // namespace tarn::rules

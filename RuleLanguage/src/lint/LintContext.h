@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <tarn/PathPattern.h>
+#include <tarn/PhysicsData.h>
+
+#include "diagnostics/DiagnosticList.h"
+#include "expression/NearMatch.h"
+#include "lint/TypeTree.h"
+#include "loading/RuleIndex.h"
+#include "yaml/ScalarText.h"
+
+namespace tarn::rules {
+
+/// The index of each entry of an object in the lists of the object.
+struct EntryPositions {
+  std::unordered_map<std::string_view, std::size_t> params;
+  std::unordered_map<std::string_view, std::size_t> children;
+  std::vector<std::size_t> contextRules;                       // the context rules among `params`
+  std::unordered_map<std::string_view, std::size_t> contexts;  // each of their values, and the first that can have it
+  std::size_t firstContextRule = std::string::npos;
+  std::size_t firstOpenContextRule = std::string::npos;  // the first whose values are not all known
+
+  /// The index, or one after the last when there is no such entry.
+  [[nodiscard]] static std::size_t indexIn(std::unordered_map<std::string_view, std::size_t> const& positions,
+                                           std::string_view name);
+};
+
+/// What the checks of the linter share: the rules, indexes over them that are made when first needed, and the way to
+/// report.
+class LintContext {
+ public:
+  /// All arguments must stay valid.
+  LintContext(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics);
+
+  [[nodiscard]] RuleIndex const& rules() const noexcept { return rules_; }
+  [[nodiscard]] PhysicsData const& data() const noexcept { return data_; }
+  [[nodiscard]] TypeTree const& types() const noexcept { return types_; }
+  [[nodiscard]] HintBudget& hints() noexcept { return hints_; }
+
+  /// Adds a warning about a whole scalar or list. The reference is valid until the next warning.
+  Diagnostic& warn(Code code, Item const& item, std::string message);
+  /// Adds a warning about a part of an expression.
+  void warn(Code code, ExpressionUse const& use, Range range, std::string message,
+            std::optional<Replacement> const& fix = std::nullopt);
+  /// Gives a warning a fix that writes `replacement` instead of `text`, where `text` is the whole of a scalar or an
+  /// item of a list. Does nothing when `replacement` is empty or the text is written in another way.
+  static void fixText(Diagnostic& warning, Item const& item, std::string_view text, std::string_view replacement);
+
+  using TypePaths = std::shared_ptr<std::set<std::string> const>;
+  /// The type paths that a pattern in an expression can name. A named rule can be called from every object, so every
+  /// type is tried as its owner. Results that do not depend on the owner are kept, because many rules share them.
+  [[nodiscard]] TypePaths resolve(ExpressionUse const& use, PathPattern const& pattern);
+
+  /// The first name that is written out in a named list and that no object can have; null when there is none. Computed
+  /// once per list, because many children may use it.
+  [[nodiscard]] std::string const* impossibleNameIn(NamedRule const& list);
+
+  /// Computed once per object: rules are compared with each other, and an object may have a hundred thousand.
+  [[nodiscard]] EntryPositions const& positionsOf(ObjDependDef const& object);
+
+ private:
+  RuleIndex const& rules_;
+  PhysicsData const& data_;
+  TypeTree types_;
+  HintBudget hints_;
+  std::unordered_map<ObjDependDef const*, EntryPositions> positions_;
+  std::unordered_map<std::string, TypePaths> resolved_;
+  std::unordered_map<NamedRule const*, std::string const*> impossibleNames_;
+  // Two walks, so that the search for a fix does not throw back the search for the next warning.
+  ScalarWalk walk_;
+  ScalarWalk fixWalk_;
+  DiagnosticList& diagnostics_;
+};
+
+}  // namespace tarn::rules

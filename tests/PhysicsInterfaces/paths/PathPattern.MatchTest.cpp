@@ -1,0 +1,135 @@
+#include <tarn/PathPattern.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "PhysicsInterfaces/paths/PathPatternModel.h"
+
+namespace tarn {
+namespace {
+
+using test::expand;
+using test::MapModel;
+using test::pump;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The path that a single pattern resolves to; "none" when there is none.
+std::string resolve(std::string const& pattern, std::string const& context = "", std::string const& owner = "") {
+  PathPattern const parsed(pattern);
+  EXPECT_TRUE(parsed.isSingle()) << pattern;
+  std::string path;
+  return parsed.resolve(TDFContext(context, owner), path) ? path : "none";
+}
+
+TEST(PathPattern, ASinglePatternResolvesWhetherTheModelHoldsTheObjectOrNot) {
+  EXPECT_EQ(resolve("/Case/Domain:diffuser"), "/Case/Domain:diffuser");
+  EXPECT_EQ(resolve("Motion", "/Case/Domain:rotor"), "/Case/Domain:rotor/Motion");
+  EXPECT_EQ(resolve("/", "/Case"), "");
+}
+
+TEST(PathPattern, ParentsLeadUpToTheRootAndNotBeyond) {
+  EXPECT_EQ(resolve("..", "/Case/Domain:rotor"), "/Case");
+  EXPECT_EQ(resolve("../..", "/Case/Domain:rotor"), "");
+  EXPECT_EQ(resolve("../../..", "/Case/Domain:rotor"), "none");
+  EXPECT_EQ(resolve("../Domain:stator", "/Case/Domain:rotor"), "/Case/Domain:stator");
+  EXPECT_EQ(resolve("Boundary:in/../Motion", "/Case/Domain:rotor"), "/Case/Domain:rotor/Motion");
+}
+
+TEST(PathPattern, TheNearestObjectOfATypeIsLookedForAtTheContextAndAbove) {
+  EXPECT_EQ(resolve("^Domain", "/Case/Domain:rotor/Boundary:in"), "/Case/Domain:rotor");
+  EXPECT_EQ(resolve("^Domain", "/Case/Domain:rotor"), "/Case/Domain:rotor");
+  EXPECT_EQ(resolve("^Case/Output Control", "/Case/Domain:rotor"), "/Case/Output Control");
+  EXPECT_EQ(resolve("^Boundary", "/Case/Domain:rotor"), "none");
+  EXPECT_EQ(resolve("^Domain", ""), "none");
+  EXPECT_EQ(resolve("^Group", "/Group:outer/Group:inner/Item:x"), "/Group:outer/Group:inner");
+  EXPECT_EQ(resolve("^Dom", "/Case/Domain:rotor"), "none");
+}
+
+TEST(PathPattern, TheOwnerIsNotTheContext) {
+  EXPECT_EQ(resolve("@", "/Case/Domain:rotor/Boundary:in", "/Case/Domain:stator"), "/Case/Domain:stator");
+  EXPECT_EQ(resolve("@/..", "/Case/Domain:rotor/Boundary:in", "/Case/Domain:stator"), "/Case");
+}
+
+TEST(PathPattern, ASinglePatternExpandsToTheObjectIfTheModelHoldsIt) {
+  EXPECT_THAT(expand("/Case/Domain:rotor"), ElementsAre("/Case/Domain:rotor"));
+  EXPECT_THAT(expand("Motion", "/Case/Domain:rotor"), ElementsAre("/Case/Domain:rotor/Motion"));
+  EXPECT_THAT(expand("/Case/Domain:diffuser"), IsEmpty());
+  EXPECT_THAT(expand("/Case/Domain"), IsEmpty()) << "the singleton of the type, which is not there";
+  EXPECT_THAT(expand("/Case/Domain:rotor/../Domain:stator"), ElementsAre("/Case/Domain:stator"));
+  EXPECT_THAT(expand("../../..", "/Case"), IsEmpty());
+  EXPECT_THAT(expand("^Boundary", "/Case"), IsEmpty());
+  EXPECT_THAT(expand("@", "/Case", "/Library"), ElementsAre("/Library"));
+}
+
+TEST(PathPattern, ATypeWithAStarIsEveryChildOfTheTypeASingletonIncluded) {
+  EXPECT_THAT(expand("/Case/Domain:*"), ElementsAre("/Case/Domain:rotor", "/Case/Domain:stator"));
+  EXPECT_THAT(expand("Motion:*", "/Case/Domain:rotor"), ElementsAre("/Case/Domain:rotor/Motion"));
+  EXPECT_THAT(expand("Dom:*", "/Case"), IsEmpty());
+}
+
+TEST(PathPattern, AStarIsEveryChildInTheOrderOfTheModel) {
+  EXPECT_THAT(expand("/Case/*"), ElementsAre("/Case/Domain:rotor", "/Case/Domain:stator", "/Case/Output Control"));
+  EXPECT_THAT(expand("/*"), ElementsAre("/Case", "/Library"));
+  EXPECT_THAT(expand("*", "/Case/Output Control"), IsEmpty());
+}
+
+TEST(PathPattern, OnlyTheLastOfSingleStepsIsAskedFor) {
+  EXPECT_THAT(expand("/Case/*/Motion"), ElementsAre("/Case/Domain:rotor/Motion", "/Case/Domain:stator/Motion"));
+  EXPECT_THAT(expand("/Case/Domain:*/Boundary:wall"), ElementsAre("/Case/Domain:stator/Boundary:wall"));
+}
+
+TEST(PathPattern, TwoStarsAreAnyNumberOfLevelsDepthFirstParentsBeforeChildren) {
+  EXPECT_THAT(expand("/Case/**"),
+              ElementsAre("/Case", "/Case/Domain:rotor", "/Case/Domain:rotor/Motion", "/Case/Domain:rotor/Boundary:in",
+                          "/Case/Domain:rotor/Boundary:out", "/Case/Domain:stator", "/Case/Domain:stator/Boundary:wall",
+                          "/Case/Domain:stator/Motion", "/Case/Output Control"));
+}
+
+TEST(PathPattern, TwoStarsMayBeNoLevelAtAll) {
+  EXPECT_THAT(expand("/**/Case"), ElementsAre("/Case"));
+  EXPECT_THAT(expand("**", "/Case/Output Control"), ElementsAre("/Case/Output Control"));
+  EXPECT_THAT(expand("/Case/**/Domain:*"), ElementsAre("/Case/Domain:rotor", "/Case/Domain:stator"));
+  EXPECT_THAT(expand("/**/Boundary:*"), ElementsAre("/Case/Domain:rotor/Boundary:in", "/Case/Domain:rotor/Boundary:out",
+                                                    "/Case/Domain:stator/Boundary:wall"));
+  EXPECT_THAT(expand("**", "/Nowhere"), IsEmpty());
+}
+
+TEST(PathPattern, EveryObjectIsGivenOnceHoweverManyWaysLeadToIt) {
+  EXPECT_THAT(expand("/Case/**/**/Motion"), ElementsAre("/Case/Domain:rotor/Motion", "/Case/Domain:stator/Motion"));
+  EXPECT_THAT(expand("/Case/Domain:*/Boundary:*/.."), ElementsAre("/Case/Domain:rotor", "/Case/Domain:stator"));
+  EXPECT_THAT(expand("/Case/*/../Output Control"), ElementsAre("/Case/Output Control"));
+}
+
+TEST(PathPattern, ManyStarsOverADeepModelStayLinear) {
+  MapModel model;
+  std::string path;
+  for (int i = 0; i < 500; ++i) {
+    path += "/Group";
+    model.add(path);
+  }
+  std::string pattern = "";
+  for (int i = 0; i < 50; ++i) pattern += "/**";
+
+  EXPECT_EQ(PathPattern(pattern + "/Group").expand(TDFContext(""), model).size(), 500U);
+}
+
+TEST(PathPattern, ObjectsAreAskedAboutNoFurtherThanNeeded) {
+  std::vector<std::string> asked;
+  auto const isRotor = [&](std::string const& path) {
+    asked.push_back(path);
+    return path == "/Case/Domain:rotor";
+  };
+  EXPECT_TRUE(PathPattern("/Case/Domain:*").findIf(TDFContext(""), pump(), isRotor));
+  EXPECT_EQ(asked.back(), "/Case/Domain:rotor");
+  auto const all = expand("/Case/Domain:*");
+  EXPECT_TRUE(std::equal(asked.begin(), asked.end(), all.begin()));
+  EXPECT_FALSE(PathPattern("/Case/Boundary:*").findIf(TDFContext(""), pump(), isRotor));
+}
+
+}  // namespace
+}  // namespace tarn
