@@ -7,6 +7,7 @@
 
 namespace tarn {
 
+class DynamicTDF;
 class PhysicsData;
 class ProvisionalTDF;
 class ProvTDFLogger;
@@ -29,6 +30,20 @@ class ProvTDFLogger;
 /// the rest of the input, up to its end, is then model text, and the loop quits after the command.
 ///
 /// The rule database, the printer and the provisional state must outlive the driver.
+///
+/// After "l" or "lb" the provisional state reads a base model that belongs to the driver and its copies. When the last
+/// of them is destroyed, that model goes too, and the next use of the state would read freed memory. A host that goes
+/// on using the state takes a share of the model before the driver ends:
+///
+///     std::shared_ptr<DynamicTDF const> base;
+///     {
+///       ProvTDFDriver driver(true, false, "/Case/Domain:rotor", rules.get(), &printer, &domain);
+///       driver.waitInput();
+///       base = driver.getLoadedBaseModel();
+///     }
+///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");   // reads *base if it is not null
+///
+/// It keeps the share until it has given the state another base model, or as long as it uses the state.
 class TARN_EXPORT ProvTDFDriver {
  public:
   /// `strictLoad`: a malformed line makes a model file unreadable. Without it, such a line is reported and skipped.
@@ -46,6 +61,10 @@ class TARN_EXPORT ProvTDFDriver {
   /// When a command throws an `Error` or a `std::string`, the driver prints it and the loop goes on. Any other
   /// exception ends the loop and reaches the caller. The state is then as the failed command left it.
   void waitInput();
+
+  /// The base model that "l" or "lb" loaded, null if neither has loaded a file. Later loads put the new content into
+  /// the same model.
+  [[nodiscard]] std::shared_ptr<DynamicTDF const> getLoadedBaseModel() const;
 
   /// Prints the active state.
   void printState() const;

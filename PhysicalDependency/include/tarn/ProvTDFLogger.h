@@ -16,31 +16,36 @@ namespace tarn {
 class ProvisionalTDF;
 
 /// Prints a `ProvisionalTDF` to a target of its own, between a header and a footer: its state, one object or parameter
-/// of it, and what the last update changed.
+/// of it, and what the last update changed. As the observer of a state it also prints every edit.
 ///
 ///     ProvTDFLogger printer(&domain, "stdout");
-///     domain.setLogger(&printer);                 // from here on every edit prints itself and what it changed
+///     domain.setLogger(&printer);                 // from here on every edit is printed with what it changed
 ///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");
 ///     printer.printObjectState("/Case/Domain:rotor");
 ///
-/// Text that cannot be written is lost without notice. Each operation ends with the stream flushed.
+/// For each edit it prints a line with the command and its argument, and then the summary of `printUpdates`; also for a
+/// refused edit, whose summary is empty. For the start of a state it prints the whole base model first. Two commands
+/// are not called as their operations: `addNewNamedObject` is printed as "addNewObject", `removeNamedObject` as
+/// "removeObject".
+///
+/// Output that the target does not accept is lost without notice. Each operation flushes the target at its end.
 class TARN_EXPORT ProvTDFLogger : public ProvTDFObserver {
  public:
-  /// A printer of `provisional`, which is not owned and must outlive all printing. "stdout" or "cout" is the standard
-  /// output, "stderr" or "cerr" the standard error; any other text is the name of a file to append to. A file that
-  /// cannot be opened takes all that is printed and keeps nothing.
+  /// A printer of `provisional`, which is not owned and must outlive all printing. The target "stdout" or "cout" is the
+  /// standard output, "stderr" or "cerr" the standard error. Any other target is the name of a file, to which the
+  /// output is appended. When the file cannot be opened, all output is lost without notice.
   ///
-  /// Prints a header with the active root, and the end of the printer a footer, which does not read the state any more.
+  /// Prints a header with the active root. The destructor prints a footer; it no longer reads the state.
   ProvTDFLogger(ProvisionalTDF const* provisional, std::string const& target);
-  /// The same on a stream of the caller's, which must outlive the printer and all its copies. For those who want to
-  /// know whether all was written: the stream can tell, behind the footer too.
+  /// The same on a stream of the caller's, which must outlive the printer and all its copies. The caller can ask the
+  /// stream whether everything was written, also after the footer.
   ProvTDFLogger(ProvisionalTDF const* provisional, std::ostream& out);
-  /// Copies print to the same target, and each prints a footer at its end. A file is closed with the last of them.
+  /// Copies print to the same target, and each prints a footer when it is destroyed. The last of them closes the file.
   ProvTDFLogger(ProvTDFLogger const&) = default;
   ProvTDFLogger& operator=(ProvTDFLogger const&) = default;
   virtual ~ProvTDFLogger();
 
-  /// See `ProvTDFPrinter` for what each writes.
+  /// These print what the operations of the same names in `ProvTDFPrinter` write.
   void printString(std::string const& text) const { printer_.printString(text); }
   void printState() const { printer_.printState(); }
   void printState(ModelState const& state) const { printer_.printState(state); }

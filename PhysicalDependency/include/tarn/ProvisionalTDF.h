@@ -22,10 +22,11 @@ class ProvTDFLogger;
 class ProvTDFObserver;
 class QuantityModifier;
 
-/// One object of a model while a user edits it, with everything below it, held to the rules after every edit: what the
-/// rules withdraw disappears, what they require comes with its default, what they offer waits until the user activates
-/// it, and each edit tells exactly what it changed, so that a user interface refreshes only that. The model itself, the
-/// base model, is only read. Made for the author of such a user interface; what follows is the manual.
+/// One object of a model, with everything below it, while a user edits it. The rules are applied after every edit: what
+/// they withdraw disappears, what they require comes with its default, and what they offer waits until the user
+/// activates it. Each edit reports exactly what it changed, so that a user interface refreshes only that. The model
+/// itself, the base model, is only read. This class is made for authors of such user interfaces. What follows is the
+/// manual.
 ///
 /// A worked example. The rules give a domain the required parameter Motion, which is Stationary or Rotating and
 /// Stationary by default; Angular Velocity, required while Motion is Rotating; and a Title, which is optional.
@@ -51,60 +52,77 @@ class QuantityModifier;
 /// ## What to call, in what order
 ///
 /// 1. Construct with the rules and the path of the object, the active root.
-/// 2. `setLogger`, if what happens is to be printed.
-/// 3. `initialise`, or `initialiseBasedOn` for a new object that starts as a copy. Until then there is nothing to edit:
+/// 2. `setLogger` or `setObserver`, if edits are to be printed or followed.
+/// 3. `initialise`, or `initialiseBasedOn` for a new object that starts as a copy. Before that there is nothing to
+/// edit:
 ///    edits and `baseUpdate` do nothing, and every getter answers empty.
-/// 4. Edits, in any order and number, and `baseUpdate` whenever the base model has changed. Each is one update, after
-///    which the getters are to be read.
-/// 5. Take over `getActiveTDFState` where the result is wanted. Nothing is ever written to the base model. The state
-///    can be handed to `initialise` of another object as its guide.
+/// 4. Edits, in any order and number, and `baseUpdate` whenever the base model has changed. Each is one update. Read
+/// the
+///    getters after it.
+/// 5. Take `getActiveTDFState` where the result is wanted. Nothing is ever written to the base model. The state can be
+///    passed to `initialise` of another object as its guide.
 ///
-/// The rules, the modifier, the base model and the logger are not owned and must outlive this object or their
-/// replacement. One thread at a time.
+/// The rules, the modifier, the base model and the observer are not owned. They must outlive this object, or be
+/// replaced before they end. A base model that a `ProvTDFDriver` has loaded belongs to the driver: see
+/// `ProvTDFDriver::getLoadedBaseModel` before using the state after the driver. One thread at a time.
 ///
 /// ## What is kept
 ///
-/// The *active state* is the legal result, and all that is ever published. It is worked out anew in each update. The
-/// *guide* is the record of what was asked for: the values that the base model held at the start, those handed to
-/// `initialise`, and all that the user has set since. The guide steers and is not itself held to the rules. A value
-/// that the rules refuse stays in it and comes back by itself when they allow it, so nothing that the user entered is
-/// lost. An override of the rules is the one thing that replaces it. *Decisions* are what the user switched on or off.
-/// They hold until they are changed, also while the item does not exist; removing a named object forgets those inside
-/// it.
+/// The *active state* is the legal result, and the only thing that is published. Each update works it out anew.
 ///
-/// Required items are in the active state whatever the user says. An optional one, a parameter that is available and
-/// not required or a coupled child object of that kind, is in the active state if it is wanted: a decision settles it,
-/// and without one, whether the guide holds it. If not, it is *potential*: on offer, and listed as such. A child object
-/// that is optional and not coupled is not up to the user here; it is mirrored from the base model.
+/// The *guide* is the record of what was asked for: the values that the base model held at the start, those passed to
+/// `initialise`, and everything that the user has set since. The rules are not applied to the guide. A value that they
+/// refuse stays in it and comes back by itself when they allow it again, so nothing that the user entered is lost. Only
+/// an override of the rules replaces a value in the guide.
+///
+/// *Decisions* are what the user switched on or off. A decision holds until the opposite decision, also while the item
+/// does not exist. It cannot be withdrawn: no edit makes an item undecided again. The only exception is
+/// `removeNamedObject`, which forgets the decisions inside the removed object.
+///
+/// Required items are in the active state whatever the user says. An optional item is a parameter that is available and
+/// not required, or a coupled child object of that kind. It is in the active state if it is wanted. The decision on it
+/// says whether it is wanted; without a decision it is wanted if the guide holds it. An optional item that is not
+/// wanted is *potential*: it is on offer, and listed as such. A child object that is optional and not coupled is not
+/// the user's choice here; it is mirrored from the base model.
 ///
 /// ## One update
 ///
-/// The rules are walked through once from the active root: each object's parameters in the order of the rules, then its
-/// children. There is one pass; it is not repeated until nothing changes. So a rule sees the new values of what comes
-/// before it and the old ones of what comes behind, and rules that look ahead settle with the next edit. Rules read the
-/// active state for the active root and below, and the base model for all else.
+/// One update walks through the rules once, from the active root: each object's parameters in the order of the rules,
+/// then its children. The walk is not repeated until nothing changes. So a rule sees the new values of what comes
+/// before it and the old values of what comes after it, and rules that look ahead settle with the next edit. Rules read
+/// the active state at and below the active root, and the base model everywhere else.
 ///
-/// Of every parameter that is available:
+/// The value of an available parameter:
 ///
 /// | wanted or required                               | its value in the active state                          |
 /// |--------------------------------------------------|--------------------------------------------------------|
 /// | an override is in force                          | the override; the guide takes it over                  |
 /// | wanted, the guide has a value that is allowed    | that value                                             |
-/// | wanted, the guide's value or override is refused | the default, if required or switched on; else it is    |
-/// |                                                  | potential                                              |
+/// | wanted, the guide's value or override is refused | the default, if required or switched on; otherwise it  |
+/// |                                                  | is potential                                           |
 /// | switched on, the guide has no value              | the default, or "" when there is none                  |
 /// | required only                                    | the default, or "" when there is none                  |
 ///
-/// Of a list, the items that are not allowed are left out; if all allowed values are required, the missing ones are put
-/// behind the user's. Whether some are missing is judged by the number of items alone, so a list that names one value
-/// twice for another may pass. A parameter that the rules withdraw is gone and not potential; its value in the guide
-/// and the decision on it wait.
+/// The first row needs care when a parameter has allowed values. If it is wanted, an override outside the allowed
+/// values is refused, as the third row says; when the default takes its place, the guide takes the refused override
+/// over all the same. If it is required only, the override is taken as it is, also outside the allowed values.
+///
+/// Items of a list that are not allowed are left out. If all allowed values are required, the missing ones are added
+/// after the user's. Only the number of items decides whether some are missing, so a list that repeats one value
+/// instead of another counts as complete.
+///
+/// A parameter that the rules withdraw is gone and is not potential. Its value in the guide and the decision on it
+/// wait.
+///
+/// When the rules offer a subset of the allowed values, a value that the user once selected outside the subset stays on
+/// offer as long as it is allowed. This widening applies to parameters that are wanted. A required parameter that the
+/// user switched off stays present, but is offered the rule's own subset only, as if nothing had been selected.
 ///
 /// ## What each getter holds
 ///
-/// Everything is about the last update and stays, by reference, valid and unchanged until the next edit or
-/// `baseUpdate`; arguments of an edit may be taken from there. Objects that become present are told by their
-/// parameters: there is no list of new objects.
+/// Every getter is about the last update. What it returns by reference stays valid and unchanged until the next edit or
+/// `baseUpdate`; arguments of an edit may be such references. There is no list of new objects: their parameters show
+/// that they are present.
 ///
 /// | Getter                       | after an edit that applied                         | after a refused edit |
 /// |------------------------------|----------------------------------------------------|----------------------|
@@ -120,27 +138,31 @@ class QuantityModifier;
 /// | `getAvailPotParams`          |                                                    |                      |
 /// | `getNewlyAvailPotObjects`,   | what was not potential before                      | empty                |
 /// | `getNewlyAvailPotParams`     |                                                    |                      |
-/// | `getNewlyUnavailPotObjects`, | what was potential and is now neither that nor     | all that was         |
-/// | `getNewlyUnavailPotParams`   | present                                            | potential            |
+/// | `getNewlyUnavailPotObjects`, | what was potential and is now neither potential    | all that was         |
+/// | `getNewlyUnavailPotParams`   | nor present                                        | potential            |
 /// | `getModPotParams`            | what is potential with other allowed values        | empty                |
 /// | `isUserNamedTypeAvailable`   | as found in the update                             | the same as before   |
 ///
-/// The first four are a log of events and not of their net effect. What came and went within one update stands in both
-/// lists, and what came and changed in two; a parameter that left and came back stands among the new ones, whether it
-/// was lost or merely potential in between. To bring a copy of the active state up to date: erase what was deleted and
-/// what left, also to become potential (`getNewlyUnavailParams`, `getDeletedObjects`, and those of
-/// `getNewlyAvailPotParams` that `getActiveTDFState` lacks), then set all that is new or modified and present to its
-/// `getParamValue`.
+/// The change lists `getNewlyAvailParams`, `getModParams`, `getNewlyUnavailParams` and `getDeletedObjects` are a log of
+/// events, not their net effect. What came and went within one update is in both lists. What came and then changed is
+/// in two. A parameter that left and came back is among the new ones, whether it was lost or only potential in between.
+///
+/// To bring a copy of the active state up to date: first erase what was deleted and what left, including what became
+/// potential (`getNewlyUnavailParams`, `getDeletedObjects`, and those of `getNewlyAvailPotParams` that
+/// `getActiveTDFState` lacks). Then set everything new or modified that is present to its `getParamValue`.
 ///
 /// ## Edits that do not apply
 ///
-/// An edit outside the active root, or of an object to which it does not apply, is refused: nothing changes, no walk is
-/// made, and the lists tell of nothing, as above. That includes the lists of what is potential and of what is empty,
-/// which only a walk fills: keep your own copy on screen until the next edit that applies, after which all that is
-/// potential is listed as newly available again. A refusal is not reported otherwise.
+/// An edit outside the active root, or of an object to which it does not apply, is refused. Nothing changes, no walk is
+/// made, and the lists are as the last column says. That includes the lists of what is potential and of what is empty,
+/// because only a walk fills them. Keep your own copy on screen until the next edit that applies; after it, everything
+/// potential is listed as newly available again. `apply` returns the reason of a refusal, and an observer is given it;
+/// the nine operations do not report it.
 ///
-/// `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath` for an object path at or below the active
-/// root that it cannot read. Nothing has changed after that, not even the lists, and nothing is printed.
+/// Unreadable paths are a different matter. `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath` for
+/// an object path at or below the active root that it cannot read. After that nothing has changed, not even the lists,
+/// and no observer is called. The other edits only compare paths: a decision on an unreadable path is stored and has no
+/// effect, and there is no object to remove, duplicate or rename.
 ///
 /// ## Failures
 ///
@@ -149,21 +171,26 @@ class QuantityModifier;
 ///
 /// - If it has not been made, the active state is as before. Make the edit again.
 /// - If it has been made, its update is incomplete: the active state reads as empty and the change lists are of no use.
-///   The edit is not lost. The next one completes the update, whatever it is, and so does `baseUpdate`; the same edit
-///   once more does no harm. A refused one tries, and says nothing if it fails: then the active state tells how far the
-///   update came. `duplicateNamedObject` and `renameNamedObject` copy nothing from an incomplete update: they complete
-///   it first, or throw. Refresh everything from the getters then; all bounds and quantity types are told anew.
+///   The edit is not lost. The next edit completes the update, whatever it is, and so does `baseUpdate`. Making the
+///   same edit again does no harm. A refused edit tries to complete it and does not report a failure; the active state
+///   then shows whether it succeeded. `duplicateNamedObject` and `renameNamedObject` copy nothing from an incomplete
+///   update: they complete it first, or throw. Refresh everything from the getters then. All bounds and quantity types
+///   are reported anew.
 ///
-/// `initialise`, `initialiseBasedOn` and `baseUpdate` have begun, like an edit, or have changed nothing. The one edit
-/// that may be made in part is a duplicate under the name of an object that waits in the guide: of that some values may
-/// be replaced, and the same edit again replaces the rest. What the logger throws passes as well; the edit is complete
-/// then, and only its account is not.
+/// `initialise`, `initialiseBasedOn` and `baseUpdate` follow the same rule: they have begun, or have changed nothing.
+/// One edit may be made in part: a duplicate under the name of an object that waits in the guide. Some of its values
+/// may then be replaced, and the same edit again replaces the rest. What the observer throws passes to the caller as
+/// well; the edit is complete then, and only what the observer does with it is not.
 ///
 /// ## Cost
 ///
-/// One update evaluates all rules of the active root; nothing is kept back for a part of it. What it hands out is
-/// brought up to date by what changed, and made anew only when much did. The getters compute nothing, except those that
-/// return by value. No operation recurses; depth is limited by memory.
+/// One update evaluates all rules of the active root, however little the edit changes. Rules keep results that do not
+/// depend on the object at hand until something in the active state changes during the walk. So a list of all objects
+/// of a type, asked for by a rule of each of them, is made once in a walk that changes nothing, and once more after
+/// each change. The environment variable `TARN_PHYSVAL_DONTUSECACHE`, when it is on, see `BoolFromEnvironment`, makes a
+/// walk evaluate every rule afresh; the results are the same. The active state is brought up to date by what changed,
+/// and made anew only when much did. The getters compute nothing, except those that return by value. No operation
+/// recurses; depth is limited by memory.
 class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
  public:
   /// Object path and name of a parameter.
@@ -171,7 +198,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Object path to name of a parameter, sorted by object path.
   using ParamsByObject = std::multimap<std::string, std::string>;
 
-  /// A state for the object at `p_activeRoot`, "" for a whole model, under these rules. Write an object whose name
+  /// A state for the object at `p_activeRoot` under these rules. With "" the active root is the root of the tree, so
+  /// the whole model is edited; "/" is read as "". Everything then comes from the active state and rules do not see the
+  /// base model at all, except that the list of all objects at the root is the base model's. Write an object whose name
   /// equals its type without the name, as the model itself does.
   ProvisionalTDF(PhysicsData const* p_data, std::string const& p_activeRoot);
   /// With a modifier that names the quantity types of real parameters; null for none.
@@ -180,82 +209,96 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   ProvisionalTDF& operator=(ProvisionalTDF const&) = delete;
   virtual ~ProvisionalTDF();
 
-  /// Has every later operation printed: the command, then what it changed. Null ends it.
+  /// Prints the start and every later edit, each with what it changed. Null ends it.
   void setLogger(ProvTDFLogger* p_logger) noexcept;
-  /// The same for an observer of the host's own. There is one observer at a time; the logger is one.
+  /// Calls `p_observer` after the start and after every later edit. Null ends it. There is one observer at a time, and
+  /// a logger is one, so this replaces the logger and `setLogger` replaces the observer.
   void setObserver(ProvTDFObserver* p_observer) noexcept;
 
   /// @name The start, and a changed base model
   /// `p_base` is kept, and must live until the next `baseUpdate` or the end of this object.
   /// @{
 
-  /// Starts from the object as the base model has it; it need not have it. `p_guideState` overlays its values and may
-  /// name any object at or below the active root. What in it the rules refuse waits in the guide. Values of the base
-  /// model that are blank count as not given; those of `p_guideState` count.
+  /// Starts from the object as the base model has it. The base model need not have it. `p_guideState` overlays its
+  /// values and may name any object. What the rules refuse of it waits in the guide; what it names outside the active
+  /// root has no effect. Values of the base model that are blank count as not given; those of `p_guideState` count.
   ///
-  /// Throws the `Error` of `TDFPath` when the active root, or a path in `p_guideState`, cannot be read. Then nothing
-  /// has started, or what had started before goes on as it was, and it may be called again. A second call starts over
-  /// with the guide but keeps decisions, remembered selections and which default names were dealt with.
+  /// With a logger, the whole base model is printed after the first update, not only the branch under the active root,
+  /// and after it the command "initialise" with the changes of that update.
+  ///
+  /// Throws the `Error` of `TDFPath` when it cannot read the active root or a path in `p_guideState`. Then nothing has
+  /// started, or what had started before goes on as it was, and `initialise` may be called again.
+  ///
+  /// A second call starts over with the guide but keeps the decisions, the remembered selections, and which default
+  /// names were dealt with.
   void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
 
-  /// Starts as a copy of the object at `p_basedOnPath` of the base model, which must be a named object of the same type
-  /// and parent as the active root, and the base model must not hold the active root yet. Of an object that both have,
-  /// the copied parameters stand and those of `p_guideState` are dropped as a whole. Such a new object has nothing in
-  /// the base model to mirror, so its optional children that are not coupled are left out for good, even if the base
-  /// model gets the object later.
+  /// Starts as a copy of the object at `p_basedOnPath` of the base model. The path qualifies if all of this holds:
   ///
-  /// In every other case the same as `initialise`.
+  /// - it and the active root are equal up to their last ":", so both are named objects of one type and parent. The
+  /// test
+  ///   compares text only: a singleton inside a named object, `/Case/Domain:a/Heat`, has such a ":" too;
+  /// - the base model has the object at `p_basedOnPath`;
+  /// - the base model does not have the active root.
+  ///
+  /// In every other case this is the same as `initialise`, without notice.
+  ///
+  /// The values of the copied object count even if they are blank, unlike those that `initialise` takes from the base
+  /// model. Of an object that the copy and `p_guideState` both have, the copied parameters are used and those of
+  /// `p_guideState` are dropped as a whole. Such a new object has nothing in the base model to mirror, so its optional
+  /// children that are not coupled are left out for good, even if the base model gets the object later.
   void initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base, ModelState const& p_guideState);
 
-  /// Follows a base model that has changed, or another one, and updates. The guide is not touched: it goes on with the
-  /// values that the base model had at the start, and what the base model changes under the active root shows only in
-  /// mirrored children. Not printed as a command.
+  /// Follows a base model that has changed, or another one, and updates. The guide is not touched: it keeps the values
+  /// that the base model had at the start. What the base model changes under the active root shows only in mirrored
+  /// children. No observer is called, and a logger prints nothing.
   void baseUpdate(ModelTDF const* p_base);
   /// @}
 
-  /// Makes an edit, in the same way as the operation of its kind below, and returns why it was refused, or nothing
-  /// when it was made.
+  /// Makes an edit. Does exactly what the operation of its kind does, and returns why the edit was refused, or nothing
+  /// when it was made. See `Refusal` for all reasons.
   [[nodiscard]] std::optional<Refusal> apply(Edit const& p_edit);
 
   /// @name Edits
-  /// Each is one update; when it applies, it is one walk under the rules. Each prints itself when there is a logger,
-  /// also when it is refused. See above for edits that do not apply.
+  /// Each is one update. When the edit applies, the update is one walk under the rules. An observer is called after
+  /// each of them, also when it is refused. See above for edits that do not apply and for unreadable paths.
   /// @{
 
-  /// Writes a value to the guide. That makes the parameter wanted, and objects above it as well that are optional, but
-  /// for those that the user switched off: then the value waits for `activateOptParam` or `activateOptObject`. "" is a
-  /// value like any other. Whether the rules know the parameter is not asked.
+  /// Writes a value to the guide. That makes the parameter wanted, and optional objects above it as well. Those that
+  /// the user switched off are not: then the value waits for `activateOptParam` or `activateOptObject`. "" is a value
+  /// like any other. The rules need not know the parameter.
   void activeSetParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
 
   /// Switches an optional parameter on. The guide's value comes back, if there is one; otherwise the default, or "".
   void activateOptParam(std::string const& p_objPath, std::string const& p_name);
-  /// Switches an optional parameter off. Its value stays in the guide, unless it is empty: then it is dropped, so that
-  /// switching on gives the default. A required parameter stays present, with its override or default.
+  /// Switches an optional parameter off. Its value stays in the guide, unless it is empty: an empty value is dropped,
+  /// so that switching on gives the default. A required parameter stays present, with its override or default, and is
+  /// offered the rule's own subset.
   void deactivateOptParam(std::string const& p_objPath, std::string const& p_name);
 
-  /// Switches an optional object on or off. What the guide holds inside it stays and comes back with it. A decision on
-  /// an object that the rules do not know is kept, too.
+  /// Switch an optional object on or off. What the guide holds inside it stays and comes back with it. A decision on an
+  /// object that the rules do not know is kept, too.
   void activateOptObject(std::string const& p_path);
   void deactivateOptObject(std::string const& p_path);
 
   /// Asks for a named object. It appears where names are the user's choice, and where the type is optional and the
-  /// rules allow that name; of a required type with a closed list of names the rules alone decide. Refused: a path
+  /// rules allow that name. For a required type with a closed list of names, the rules alone decide. Refused: a path
   /// whose last component has no name or one that equals its type, and an object that was asked for already.
   void addNewNamedObject(std::string const& p_path);
 
-  /// Takes a named object out of the guide and forgets the decisions on all paths that begin with the text of `p_path`,
-  /// those of a sibling whose name merely begins with this name included. Refused for an object that the guide does not
-  /// hold: one that stands only by the rules cannot be removed.
+  /// Takes a named object out of the guide and forgets the decisions on all paths whose text begins with `p_path`. That
+  /// includes a sibling whose name begins with this name. Refused for an object that the guide does not hold: an object
+  /// that only the rules ask for cannot be removed.
   void removeNamedObject(std::string const& p_path);
 
-  /// Asks for a copy of a present named object under a new name beside it, with all values that are in force, defaults
-  /// and overrides included. Decisions are not copied. Refused: the active root itself, an absent object, a singleton,
-  /// a name that is present already or cannot be one.
+  /// Asks for a copy of a present named object under a new name beside it, with all values that are in force, including
+  /// defaults and overrides. Decisions are not copied. Refused: the active root itself, an absent object, a singleton,
+  /// a new name that is present already or cannot be a name.
   void duplicateNamedObject(std::string const& p_path, std::string const& p_newName);
 
-  /// Duplicates an object and removes the original: told as a deletion and new parameters, and decisions on the old
-  /// name are forgotten. When the copy could be made but the original stands only by the rules, the edit counts as
-  /// refused; the copy has been asked for all the same and shows up with the next walk.
+  /// Duplicates an object and removes the original. It is reported as a deletion and new parameters, and decisions on
+  /// the old name are forgotten. When only the rules ask for the original, it cannot be removed and the edit counts as
+  /// refused. The copy has been asked for all the same and shows up with the next walk.
   void renameNamedObject(std::string const& p_path, std::string const& p_newName);
   /// @}
 
@@ -270,20 +313,22 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   [[nodiscard]] bool hasParameter(std::string const& p_objPath, std::string const& p_name) const;
   /// The value in the active state, "" when the parameter is not there.
   [[nodiscard]] std::string const& getParamValue(std::string const& p_objPath, std::string const& p_name) const;
-  /// All allowed values of a parameter that is present or potential; empty when it may take any text and when there is
+  /// All allowed values of a parameter that is present or potential. Empty when it may take any text, and when there is
   /// no such parameter.
   [[nodiscard]] std::vector<std::string> getAllowedParamValues(std::string const& p_objPath,
                                                                std::string const& p_name) const;
-  /// The subset of them that is on offer, with what the user once selected outside of it; empty when there is no
-  /// subset. Of a parameter that is only potential always empty: what it will offer is settled when it is activated.
+  /// The subset of them that is on offer, with what the user once selected outside it. Empty when there is no subset,
+  /// and for a parameter that is only potential: what it will offer is known when it is activated. For a required
+  /// parameter that the user switched off, the rule's own subset.
   [[nodiscard]] std::vector<std::string> getSubsetAllowedParamValues(std::string const& p_objPath,
                                                                      std::string const& p_name) const;
-  /// The present objects that a path pattern matches, seen from the object at `p_contextPath`; see `PathPattern`.
-  /// Throws an `Error` for a text that is no pattern.
+  /// The present objects that match a path pattern, relative to the object at `p_contextPath`; see `PathPattern`.
+  /// Throws an `Error` for a string that is not a pattern.
   [[nodiscard]] std::vector<std::string> getPathExpansion(std::string const& p_path,
                                                           std::string const& p_contextPath) const;
-  /// The paths of the present parameters that have no value, in the order of the walk, but for those of which the rules
-  /// say that they need none. With `p_typedOnly` only those of type Integer, Real, their lists, and String.
+  /// The paths of the present parameters that have no value, in the order of the walk. Those of which the rules say
+  /// that they need no value are left out. With `p_typedOnly`, only those of type Integer, Real, their lists, and
+  /// String.
   [[nodiscard]] std::vector<std::string> const& getEmptyParameters(bool p_typedOnly) const noexcept;
   /// Whether a first object of a required named type may be added: there is none below `p_parentPath`, and a new one
   /// would hold or offer something. Logarithmic.
@@ -291,19 +336,19 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// @}
 
   /// @name What the last update changed
-  /// See the table above. Parameters stand in the order of events, objects in that of their deletion; of a deleted
-  /// subtree only the top is listed. An object that is required but holds nothing goes without an entry. One of a type
-  /// that its parent asks for, but for which there are no rules, comes and goes with every walk and is listed each
-  /// time.
+  /// See the table above. Parameters are listed in the order of events, objects in the order of their deletion. Of a
+  /// deleted subtree only the top is listed. An object that is required but holds nothing goes without an entry. An
+  /// object of a type that its parent asks for, but for which there are no rules, comes and goes with every walk and is
+  /// listed each time.
   /// @{
   [[nodiscard]] std::vector<ParamId> const& getModParams() const noexcept;
-  /// Not freed of what became potential or unavailable later in the same update: ask whether it is present.
+  /// Includes what became potential or unavailable later in the same update: ask `hasParameter` whether it is present.
   [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept;
-  /// Without what became potential, which `getNewlyAvailPotParams` tells.
+  /// Without what became potential; `getNewlyAvailPotParams` lists that.
   [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
-  /// Path of the parameter to its lower and upper bound. May tell of a parameter in an object named "__%%dummy%%__",
-  /// which is how the library finds out about types that have no object yet; pass over it.
+  /// Path of the parameter to its lower and upper bound. May list a parameter in an object named "__%%dummy%%__", by
+  /// which the library finds out about types that have no object yet. Ignore such entries.
   [[nodiscard]] std::map<std::string, std::pair<std::string, std::string>> const& getModBoundsParams() const noexcept;
   /// Path of the parameter to its quantity type.
   [[nodiscard]] std::map<std::string, std::string> const& getModQuantParams() const noexcept;

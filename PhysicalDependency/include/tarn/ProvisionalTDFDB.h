@@ -8,28 +8,32 @@
 
 namespace tarn {
 
-/// Two models, read as one: everything at or below one path, the active root, comes from the active model, and all else
-/// from the base model. So the rules can judge an object that is being edited in its place in the whole model, though
-/// neither model is copied.
+/// Two models read as one. Everything at or below one path, the active root, comes from the active model. All else
+/// comes from the base model. So the rules can judge an object that is being edited in its place in the whole model,
+/// although neither model is copied.
 ///
 ///     ProvisionalTDFDB view("/Case/Domain:rotor", &edited, &whole);
-///     view.getParameterValue("/Case/Domain:rotor", "Motion");    // of edited
-///     view.getParameterValue("/Case/Domain:stator", "Motion");   // of whole
-///     view.getChildObjectPaths("/Case", paths);                  // of whole, with the rotor as edited has it
+///     view.getParameterValue("/Case/Domain:rotor", "Motion");    // from edited
+///     view.getParameterValue("/Case/Domain:stator", "Motion");   // from whole
+///     view.getChildObjectPaths("/Case", paths);                  // from whole, with the rotor as edited has it
 ///
-/// The parent of the active root is the one place where the two are merged and not chosen between. Its children are
-/// those of the base model, but the active root is among them exactly if the active model has it: at its place in the
-/// base model if it is there too, else at the end. That holds for the listing of all children and for those by the type
-/// of the active root. All else that is asked about the parent, its parameters too, is answered by the base model, even
-/// if the active model has an object at that path.
+/// The two models are merged in one place only: in the children of the parent of the active root. The children are
+/// those of the base model, but the active root is listed exactly if the active model has it. It is listed at its place
+/// in the base model if it exists there too, and otherwise at the end. This holds for the listing of all children and
+/// for the listings by the type of the active root.
 ///
-/// Both models must outlive the view, which reads them anew with each question: a change in one of them shows at once.
-/// A copy reads the same two models. References live as long as those of the model that answers.
+/// Every other question about the parent is answered by the base model, also the parameters of the parent and whether
+/// it exists. So what the active model holds at the parent or above it, for example objects that it made on the way to
+/// the active root, is never seen.
+///
+/// Both models must outlive the view. The view keeps no answers, so a change in one of the models shows at once. A copy
+/// reads the same two models. References are valid as long as those of the model that answers.
 class TARN_EXPORT ProvisionalTDFDB : public ModelTDF {
  public:
-  /// An empty `activeRoot` is the root of the tree, and "/" is no other way to write it. Then the active model answers
-  /// for every path, but for one thing: the root counts as its own parent, so the list of all its children (not that of
-  /// one type) is the base model's. Throws the `Error` of `TDFPath` for a path that it refuses.
+  /// An empty `activeRoot` is the root of the tree; "/" is not another way to write it. The active model then answers
+  /// for every path. There is one exception: the root counts as its own parent, so the list of all its children comes
+  /// from the base model. The lists by type come from the active model. Throws the `Error` of `TDFPath` for an active
+  /// root that it cannot read.
   ProvisionalTDFDB(std::string activeRoot, ModelTDF const* activeModel, ModelTDF const* baseModel);
   ProvisionalTDFDB(ProvisionalTDFDB const&) = default;
   ~ProvisionalTDFDB() override;

@@ -1,5 +1,5 @@
-// What the user has switched on and off. Asked for every available parameter of every walk, mostly with no entry to be
-// found, so asking makes no key.
+// What the user has switched on and off. Every walk asks this for every available parameter, and mostly there is no
+// entry. So a look-up builds no key.
 
 #include "provisional/ActivityDecisions.h"
 
@@ -38,7 +38,7 @@ void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path) {
 }
 
 void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map) {
-  // In byte order the keys that begin with a text stand together, from the text itself on.
+  // In byte order, all keys that begin with `path` follow each other, and `path` itself comes first.
   auto const first = map.lower_bound(path);
   auto last = first;
   while (last != map.end() && last->first.starts_with(path)) ++last;

@@ -10,9 +10,9 @@ namespace tarn {
 /// The user's decision on an optional item. Without one, it is wanted if the guide holds it.
 enum class ActivityState : int { Unset = 0, SetOn = 1, SetOff = 2 };
 
-/// The decisions of the user on optional parameters and objects. They are about paths: they hold whether or not any
-/// tree has such an item, and until another decision or `eraseFromOptActivityMaps`; nothing else brings an item back to
-/// `Unset`.
+/// The decisions of the user on optional parameters and objects. They belong to paths, so they hold whether or not any
+/// tree has such an item. A decision holds until the next decision on the same item or until
+/// `eraseFromOptActivityMaps`; nothing else brings an item back to `Unset`.
 class ActivityDecisions {
  public:
   [[nodiscard]] ActivityState ofParam(std::string const& objPath, std::string const& name) const;
@@ -21,9 +21,9 @@ class ActivityDecisions {
   void setParam(std::string const& objPath, std::string const& name, bool on);
   void setObject(std::string const& path, bool on);
 
-  /// Forgets the decisions on all items whose path begins with the text of `path`. That is meant for a named object and
-  /// what is in it, but a text is a text: `/Case/Domain:a` takes the decisions on `/Case/Domain:ab` along, which are
-  /// back to what the guide says from then on.
+  /// Forgets the decisions on all items whose path begins with the characters of `path`: on a named object and what is
+  /// in it, but also on its siblings with a longer name. For `/Case/Domain:a` the decisions on `/Case/Domain:ab` go,
+  /// too, and the guide decides on them from then on. Callers rely on this comparison of characters.
   void eraseFromOptActivityMaps(std::string const& path);
 
  private:

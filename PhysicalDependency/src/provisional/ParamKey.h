@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// A parameter as a key: object path, "/" and name, without putting the text together.
+/// A parameter as a key: object path, "/" and name, without building that string.
 struct ParamKey {
   std::string_view objPath;
   std::string_view name;
@@ -17,8 +17,8 @@ struct ParamKey {
   }
 };
 
-/// Byte order of keys, where a `ParamKey` stands for its text. So a map by text is searched for parameters of which
-/// most are not in it, and none of their keys has to be made.
+/// Byte order of keys. A `ParamKey` compares like its string. So a map by strings can be searched without building a
+/// key for each parameter, most of which are not in the map.
 struct ParamKeyOrder {
   using is_transparent = void;
 

@@ -1,8 +1,8 @@
-// What a walk does to child objects, and what the user's edits do to the named ones. The hook for a child entry settles
-// which objects of that type the active tree has; right behind it the walk asks for them and enters exactly those.
+// What a walk does to child objects. The hook for a child entry decides which objects of that type the active tree has.
+// Right after the hook, the walk asks for them and enters exactly those.
 //
-// A required type has the names of its rule or, where the rule leaves them open, those of the guide. An optional type
-// that is coupled has those of them that are wanted, and the others are potential. One that is not coupled is no part
+// A required type has the names of its rule, or those of the guide if the rule leaves them open. An optional type that
+// is coupled has those of these names that are wanted; the others are potential. A type that is not coupled is not part
 // of the edit: it is mirrored whole from the base model and not entered.
 
 #include <new>
@@ -24,7 +24,7 @@ std::string singletonPath(std::string const& objPath, std::string const& type) {
   return objPath + PathUtils::pathSeparator + type;
 }
 
-/// What the paths of all named objects of a type begin with.
+/// The beginning of the paths of all named objects of a type.
 std::string namedPrefix(std::string const& objPath, std::string const& type) {
   return singletonPath(objPath, type) + PathUtils::nameSeparator;
 }
@@ -62,7 +62,7 @@ DependencyAnalyser::HandlerStatus ProvisionalTDF::Impl::onEndObject(std::string 
     }
     m_probe.deleteTestNamedObject();
   } else if (p_required && m_facts.isBarren(p_path)) {
-    // A container for which the rules have nothing now. It comes and goes with every walk, which is no news to anyone.
+    // A container for which the rules have nothing now. It comes and goes with every walk, so this is not reported.
     m_facts.deleteObjectUnrecorded(p_path);
   }
   return Continue;
@@ -100,8 +100,8 @@ void ProvisionalTDF::Impl::handleUnavailableChild(ChildAvailInfo const* p_info) 
   }
 }
 
-/// A required type whose names are up to the user. It starts with the rule's default names, once: whether they are used
-/// or there are objects already, from then on the user's removals stand, down to the last object.
+/// A required type whose names are the user's choice. It starts with the rule's default names, once. After that, also
+/// if there were objects already and the names were not used, the user can remove every object for good.
 void ProvisionalTDF::Impl::synchNamesOfGuide(std::string const& p_objPath, std::string const& p_type,
                                              NameRange p_defaultNames) {
   std::vector<std::string> names;
@@ -117,11 +117,11 @@ void ProvisionalTDF::Impl::synchNamesOfGuide(std::string const& p_objPath, std::
     }
   }
   synchAllowedNamedObjects(p_objPath, p_type, {names.begin(), names.end()});
-  // A probe inside a probe would not end it: one answers for the type that is asked about.
+  // No probe inside a probe: it would never end, and the outer one answers for the type in question.
   if (names.empty() && !m_probe.inTestNamedObject()) m_probe.createTestNamedObject(p_objPath, p_type);
 }
 
-/// An optional type that is not coupled: what the base model has, and nothing else.
+/// An optional type that is not coupled has what the base model has, and nothing else.
 void ProvisionalTDF::Impl::mirrorBaseChildren(std::string const& p_objPath, std::string const& p_type) {
   std::vector<std::string> active;
   m_facts.getActivePaths(p_objPath, p_type, active);
@@ -133,11 +133,11 @@ void ProvisionalTDF::Impl::mirrorBaseChildren(std::string const& p_objPath, std:
   m_baseTDF.getChildObjectPathsByType(p_objPath, p_type, base);
   for (std::string const& path : base) m_facts.mirrorBranch(m_baseTDF, path);
   m_facts.deleteObjects(sortedDifference(active, base));
-  // The guide has no say over these, so what it took from the base model at the start goes.
+  // The guide does not decide on these, so what it took from the base model at the start goes.
   m_facts.deleteGuideObjects(p_objPath, p_type);
 }
 
-/// Of one optional coupled object: creates it if it is wanted, else makes it potential. Returns whether it is wanted.
+/// Creates an optional coupled object if it is wanted, and makes it potential otherwise. Returns whether it is wanted.
 bool ProvisionalTDF::Impl::createOrOfferObject(std::string const& p_path, std::string const& p_objPath,
                                                std::string const& p_type, std::string const& p_name) {
   bool const isWanted = includeOptionalObject(p_path);
@@ -154,7 +154,7 @@ void ProvisionalTDF::Impl::synchAllowedNamedObjects(std::string const& p_objPath
   for (auto name = p_names.first; name != p_names.second; ++name) m_facts.createObject(p_objPath, p_type, *name);
   std::vector<std::string> existing;
   m_facts.getActiveNames(p_objPath, p_type, existing);
-  // All of the names exist now, so when there are no more objects than names there is nothing that is not allowed.
+  // All of the names exist now. So if there are no more objects than names, all of them are allowed.
   if (existing.size() > sizeOf(p_names)) {
     deleteDisallowedNamedObjects(namedPrefix(p_objPath, p_type), existing, p_names);
   }
@@ -180,8 +180,8 @@ void ProvisionalTDF::Impl::deleteDisallowedNamedObjects(std::string const& p_pre
   }
 }
 
-/// Of the type of `p_key`. Without memory none of them is made, and they are still to come: some of them would be taken
-/// for a choice of the user.
+/// Makes the default objects of the type `p_key`. Without memory it makes none of them, and they are made in a later
+/// walk: some of them alone would look like a choice of the user.
 void ProvisionalTDF::Impl::createDefaultGuideObjects(std::string const& p_key,
                                                      std::vector<std::string> const& p_names) {
   std::vector<std::string> paths;

@@ -25,7 +25,7 @@ bool areNamedAlike(std::string const& a, std::string const& b) {
 
 }  // namespace
 
-/// What reads a base model, made ready before anything of the state changes.
+/// What reads a base model. It is complete before anything of the state changes.
 struct ProvisionalTDF::Impl::Attachment {
   Attachment(std::string const& p_activeRoot, ModelTDF const* p_active, ModelTDF const* p_base, EvalCache* p_results)
       : view(std::make_unique<ProvisionalTDFDB>(p_activeRoot, p_active, p_base)),
@@ -74,8 +74,8 @@ void ProvisionalTDF::Impl::initialiseGuideDB(ModelTDF const* p_base, ModelState 
   p_guide.update(p_guideState.begin(), p_guideState.end(), false);
 }
 
-/// Takes `p_guide` over. Half a start would be a state that has lost what the user entered, so all that can fail comes
-/// before the first change, except for the update: that is due from then on.
+/// Takes `p_guide` over. Half a start would lose what the user entered. So everything that can fail comes before the
+/// first change, except for the update, which is due from then on.
 void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject) {
   Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
   TDFPath const root(m_activeRoot);
@@ -90,7 +90,7 @@ void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF
   if (m_observer != nullptr) m_observer->onInitialised(*p_base);
 }
 
-/// Puts this state over the base model of `p_attachment`, which gets what was there before.
+/// Lets this state read the base model of `p_attachment`, which gets what was there before.
 void ProvisionalTDF::Impl::attach(Attachment& p_attachment) noexcept {
   m_evalContext.swap(p_attachment.context);
   m_provisionalDB.swap(p_attachment.view);

@@ -1,9 +1,9 @@
-// What a walk does to parameters. Each one is worked out anew from rule, guide and decision; its old value in the
-// active tree plays no part. An available parameter falls into one of four cases, by whether it is wanted (G: a
-// decision of the user, or without one the guide) and whether it has allowed values (AV); each case is a handler.
+// What a walk does to parameters. Each value is worked out anew from rule, guide and decision; the old value in the
+// active tree plays no part. There are four cases of an available parameter, each with its handler: whether it is
+// wanted (G: by a decision of the user, or without a decision by the guide), and whether it has allowed values (AV).
 //
-// The guide is read and not written, but for overrides of the rules: those are taken into it, so that the value stands
-// when the override no longer holds. Quantity types and bounds are a matter of parameters without allowed values only.
+// The guide is read and not written, except that it takes over overrides of the rules. So the value stays when the
+// override no longer holds. Only parameters without allowed values have quantity types and bounds.
 
 #include <algorithm>
 #include <utility>
@@ -22,7 +22,7 @@ namespace {
 /// Whether the override is in force, and its value.
 using Override = std::pair<bool, std::string>;
 
-/// Puts every allowed value that `list` lacks behind it, in byte order.
+/// Adds every allowed value that `list` lacks at its end, in byte order.
 void completeList(std::vector<std::string> const& allowed, std::vector<std::string>& list) {
   std::vector<std::string> present = list;
   std::sort(present.begin(), present.end());
@@ -33,7 +33,7 @@ void completeList(std::vector<std::string> const& allowed, std::vector<std::stri
   }
 }
 
-/// The types of which an editor shows that a value is missing: a choice of truth or of texts shows it by itself.
+/// The types for which an editor marks a missing value. Others are choices, which show it by themselves.
 bool isTypedInput(TDFParam::Type type) {
   switch (type) {
     case TDFParam::Integer:
@@ -77,7 +77,7 @@ void ProvisionalTDF::Impl::handleAvailableParam(ParamAvailInfo const* p_info) {
   m_facts.addEmptyParam(objPath, name, isTypedInput(p_info->getType()));
 }
 
-/// Gone, and not potential. The guide and the decision on it stay as they are and wait.
+/// The parameter is gone and not potential. Its value in the guide and the decision on it stay.
 void ProvisionalTDF::Impl::handleUnavailableParam(ParamAvailInfo const* p_info) {
   m_facts.deleteParam(p_info->getObjPath(), p_info->getName());
 }
@@ -106,7 +106,7 @@ bool ProvisionalTDF::Impl::handle_G_AV_AvailParam(std::string const& p_objPath, 
     }
     if (!allowed.allowsAnyValue) keepAllowedOnly(allowed.allowedValues, list);
     if (hasSubset) m_facts.rememberSubsetValues(p_objPath, p_name, list);
-    // The counts alone decide: a list as long as the full one is the user's business, even if it names a value twice.
+    // Only the counts decide: a list as long as the full one is left to the user, even if it names a value twice.
     if (p_info->isCompleteListRequired() && list.size() != allowed.allowedValues.size() && !allowed.allowsAnyValue) {
       completeList(allowed.allowedValues, list);
     }
@@ -118,8 +118,8 @@ bool ProvisionalTDF::Impl::handle_G_AV_AvailParam(std::string const& p_objPath, 
   }
   if (value.empty()) {
     if (!p_info->isRequired() && m_facts.getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
-      // On offer until the guide's value is allowed or the user insists. An override that was refused does not reach
-      // the guide here, so it cannot replace what the user entered.
+      // On offer until the guide's value is allowed or the user switches it on. A refused override does not reach the
+      // guide here, so it cannot replace what the user entered.
       m_facts.addPotentialParam(p_objPath, p_name, allowed);
       return false;
     }
@@ -138,7 +138,7 @@ bool ProvisionalTDF::Impl::handle_G_NoAV_AvailParam(std::string const& p_objPath
   std::string value = m_facts.getGuideValue(p_objPath, p_name);
   if (value.empty() && !m_facts.isParamInGuide(p_objPath, p_name)) {
     if (m_facts.getParamActivity(p_objPath, p_name) != ActivityState::SetOn) {
-      // The line under which this failure is known to those who read reports of it.
+      // Readers of failure reports know this failure by this line number.
       TARNAssertImpl::assertFail("getParamActivity(p_objPath, p_name) == SetOn", "ProvisionalTDF", 1927);
     }
     if (p_info->hasDefault()) value = p_info->getDefault();
@@ -148,7 +148,7 @@ bool ProvisionalTDF::Impl::handle_G_NoAV_AvailParam(std::string const& p_objPath
 
 bool ProvisionalTDF::Impl::handle_NoG_AV_AvailParam(std::string const& p_objPath, std::string const& p_name,
                                                     ParamAvailInfo const* p_info) {
-  // The rule's own subset: what was selected before does not widen what is offered to those who want nothing.
+  // The rule's own subset: earlier selections widen the subset only of parameters that are wanted.
   ParamAllowedValues const& allowed = p_info->getAllowedValues();
   if (!p_info->isRequired()) {
     m_facts.addPotentialParam(p_objPath, p_name, allowed);
@@ -160,8 +160,8 @@ bool ProvisionalTDF::Impl::handle_NoG_AV_AvailParam(std::string const& p_objPath
   } else {
     value = p_info->getDefault(allowed);
   }
-  // A complete list is made of all allowed values, whatever was just written to the guide; that counts in the next
-  // walk, where the parameter is wanted.
+  // A complete list consists of all allowed values, whatever was just written to the guide. The guide counts in the
+  // next walk, where the parameter is wanted.
   if (p_info->isCompleteListRequired()) value = StringUtilities::vectorToString(allowed.allowedValues, ',');
   return m_facts.updateParam(p_objPath, p_name, allowed, value);
 }
@@ -177,8 +177,8 @@ bool ProvisionalTDF::Impl::handle_NoG_NoAV_AvailParam(std::string const& p_objPa
   return updateFreeParam(p_objPath, p_name, p_info->hasDefault() ? p_info->getDefault() : std::string(), false, p_info);
 }
 
-/// Sets a parameter that may take any text. Of an override the guide gets what is written to the active tree, so with
-/// the units of its quantity.
+/// Sets a parameter that may take any text. The guide takes over an override as it is written to the active tree, so
+/// with the units of its quantity.
 bool ProvisionalTDF::Impl::updateFreeParam(std::string const& p_objPath, std::string const& p_name,
                                            std::string const& p_value, bool p_isOverride,
                                            ParamAvailInfo const* p_info) {

@@ -1,9 +1,10 @@
-// The provisional state: how it comes to be and what it answers. The start stands in ProvisionalTDF.Initialise.cpp, the
-// frame of an update in .Update.cpp, the user's edits in .Edits.cpp, and what a walk under the rules does to parameters
-// and children in .Parameters.cpp and .Children.cpp.
+// The provisional state as its users see it: construction, the operations, and the getters. What they do is in
+// `ProvisionalTDF::Impl`, by concern: the start in ProvisionalTDF.Initialise.cpp, the frame of an update in
+// .Update.cpp, the user's edits in .Edits.cpp, and what a walk does to parameters and children in .Parameters.cpp and
+// .Children.cpp.
 //
-// Everything rests on one idea. Intent (guide and decisions) and result (active tree) are kept apart: edits change
-// intent only, and each walk works the result out anew from intent and rules, never from the old result. So no edit has
+// One idea carries all of it: intent (guide and decisions) and outcome (active tree) are kept apart. Edits change the
+// intent only. Each walk works the outcome out anew from intent and rules, never from the old outcome. So no edit has
 // to undo another, and what the rules take away comes back by itself.
 
 #include <tarn/ProvisionalTDF.h>
@@ -23,7 +24,7 @@ namespace tarn {
 
 namespace {
 
-/// "/" is another way to write the root, but not one that trees and views know.
+/// Callers may write the root as "/". Trees and views know it only as "".
 std::string canonicalRoot(std::string const& path) {
   return path == PathUtils::pathSeparator ? std::string() : path;
 }
@@ -163,8 +164,8 @@ std::vector<std::string> ProvisionalTDF::getAllowedParamValues(std::string const
 
 std::vector<std::string> ProvisionalTDF::getSubsetAllowedParamValues(std::string const& p_objPath,
                                                                      std::string const& p_name) const {
-  // Only the active tree knows a subset that is widened by what the user selected; the potential items have the rule's
-  // own, which is not what will be offered.
+  // Only the active tree has the subset that is widened by the user's selections. A potential item has the rule's own
+  // subset, which is not what it will offer.
   ParamAllowedValues const& active = m_impl->outcome().active.getAllowedValueData(p_objPath, p_name);
   return active.hasSubset ? active.subsetValues : SharedStrings();
 }
@@ -189,8 +190,7 @@ std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getModParams() const
   return m_impl->outcome().active.getModifiedParameters();
 }
 
-/// As logged, with what became potential later in the same walk: callers who draw new items as they come find their
-/// order here.
+/// As logged, including what became potential later in the same walk. Callers who draw new items rely on this order.
 std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getNewlyAvailParams() const noexcept {
   return m_impl->outcome().active.getAddedParameters();
 }

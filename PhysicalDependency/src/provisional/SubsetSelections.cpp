@@ -1,5 +1,5 @@
-// The memory of selected values, and what it does to the subset on offer. Whether a value may be selected has been
-// settled before it comes here.
+// The memory of selected values, and how it widens the subset on offer. Callers have already checked that a value may
+// be selected.
 
 #include "provisional/SubsetSelections.h"
 
@@ -13,7 +13,7 @@ void SubsetSelections::SubsetSelection::add(std::string const& value) {
   try {
     values.push_back(value);
   } catch (...) {
-    seen.erase(place);  // else it would be taken for remembered
+    seen.erase(place);  // otherwise it would count as remembered
     throw;
   }
 }

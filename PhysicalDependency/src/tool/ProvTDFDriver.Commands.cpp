@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include <tarn/DynamicTDF.h>
+#include <tarn/Edit.h>
 #include <tarn/Error.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvisionalTDF.h>
@@ -76,14 +77,14 @@ void ProvTDFDriver::Impl::setParamHandler(Arguments const& args) {
     std::cout << "(Use \"ap " << objPath << "/" << name << "\")" << std::endl;
     return;
   }
-  provisional_->activeSetParam(objPath, name, value);
+  edit(Edit::setParam(objPath, name, value));
 }
 
 void ProvTDFDriver::Impl::activateParamHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   auto const [objPath, name] = splitParamPath(args[0]);
   if (hasPotParam(objPath, name)) {
-    provisional_->activateOptParam(objPath, name);
+    edit(Edit::activateParam(objPath, name));
     return;
   }
   std::cout << "Parameter " << args[0] << " cannot be activated." << std::endl;
@@ -93,13 +94,13 @@ void ProvTDFDriver::Impl::activateParamHandler(Arguments const& args) {
 void ProvTDFDriver::Impl::deactivateParamHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   auto const [objPath, name] = splitParamPath(args[0]);
-  provisional_->deactivateOptParam(objPath, name);
+  edit(Edit::deactivateParam(objPath, name));
 }
 
 void ProvTDFDriver::Impl::activateObjHandler(Arguments const& args) {
   if (!checkArgCount(args, 1)) return;
   if (hasPotObject(args[0])) {
-    provisional_->activateOptObject(args[0]);
+    edit(Edit::activateObject(args[0]));
     return;
   }
   std::cout << "Object " << args[0] << " cannot be activated." << std::endl;
@@ -108,15 +109,15 @@ void ProvTDFDriver::Impl::activateObjHandler(Arguments const& args) {
 }
 
 void ProvTDFDriver::Impl::deactivateObjHandler(Arguments const& args) {
-  if (checkArgCount(args, 1)) provisional_->deactivateOptObject(args[0]);
+  if (checkArgCount(args, 1)) edit(Edit::deactivateObject(args[0]));
 }
 
 void ProvTDFDriver::Impl::newNamedObjHandler(Arguments const& args) {
-  if (checkArgCount(args, 1)) provisional_->addNewNamedObject(args[0]);
+  if (checkArgCount(args, 1)) edit(Edit::addObject(args[0]));
 }
 
 void ProvTDFDriver::Impl::removeNamedObjHandler(Arguments const& args) {
-  if (checkArgCount(args, 1)) provisional_->removeNamedObject(args[0]);
+  if (checkArgCount(args, 1)) edit(Edit::removeObject(args[0]));
 }
 
 void ProvTDFDriver::Impl::loadHandler(Arguments const& args) {
@@ -138,6 +139,11 @@ bool ProvTDFDriver::Impl::loadIntoBase(Arguments const& args) {
 DynamicTDF* ProvTDFDriver::Impl::getBaseTDF() {
   if (!baseTree_) baseTree_ = std::make_shared<DynamicTDF>(false);
   return baseTree_.get();
+}
+
+/// A refused edit shows in the summary that the logger prints, and nowhere else.
+void ProvTDFDriver::Impl::edit(Edit const& edit) {
+  (void)provisional_->apply(edit);
 }
 
 bool ProvTDFDriver::Impl::hasPotObject(std::string const& path) const {

@@ -189,6 +189,10 @@ void ProvTDFDriver::waitInput() {
   impl_->waitInput();
 }
 
+std::shared_ptr<DynamicTDF const> ProvTDFDriver::getLoadedBaseModel() const {
+  return impl_->baseTree_;
+}
+
 void ProvTDFDriver::printState() const {
   impl_->logger_->printState();
 }

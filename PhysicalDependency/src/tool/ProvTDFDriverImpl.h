@@ -11,6 +11,7 @@
 namespace tarn {
 
 class DynamicTDF;
+struct Edit;
 
 /// The loop, the command table and the handlers. A handler checks its arguments and calls one operation of the
 /// provisional state, the printer or the validator.
@@ -53,6 +54,7 @@ struct [[gnu::visibility("hidden")]] ProvTDFDriver::Impl {
   void loadBaseHandler(Arguments const& args);
   [[nodiscard]] bool loadIntoBase(Arguments const& args);
   [[nodiscard]] DynamicTDF* getBaseTDF();
+  void edit(Edit const& edit);
   [[nodiscard]] bool hasPotObject(std::string const& path) const;
   [[nodiscard]] bool hasPotParam(std::string const& objPath, std::string const& name) const;
 

@@ -42,6 +42,40 @@ bool holds(ProvisionalTDF::ParamsByObject const& params, std::string const& objP
   return false;
 }
 
+/// The allowed values in brackets, or nothing when there are none.
+std::string allowedValuesSuffix(ProvisionalTDF const& provisional, std::string const& objPath, std::string const& name,
+                                bool subset) {
+  std::vector<std::string> const values = subset ? provisional.getSubsetAllowedParamValues(objPath, name)
+                                                 : provisional.getAllowedParamValues(objPath, name);
+  if (values.empty()) return {};
+  std::string text = " [";
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) text += '|';
+    text += values[i];
+  }
+  return text += ']';
+}
+
+void writeParamState(ProvisionalTDF const& provisional, std::ostream& out, std::string const& objPath,
+                     std::string const& name, bool subset) {
+  ModelState const& state = provisional.getActiveTDFState();
+  auto const object = state.find(objPath);
+  if (object == state.end()) {
+    out << "Object \"" << objPath << "\" does not exist\n";
+    return;
+  }
+  auto const param = object->second.find(name);
+  if (param != object->second.end()) {
+    out << objPath << '/' << name << " = " << param->second << allowedValuesSuffix(provisional, objPath, name, subset)
+        << '\n';
+  } else if (holds(provisional.getAvailPotParams(), objPath, name)) {
+    out << objPath << '/' << name << " (optional - unset)" << allowedValuesSuffix(provisional, objPath, name, subset)
+        << '\n';
+  } else {
+    out << "Parameter \"" << name << "\" not present or available in object " << objPath << '\n';
+  }
+}
+
 }  // namespace
 
 void ProvTDFPrinter::printString(std::string const& text) const {
@@ -74,7 +108,7 @@ void ProvTDFPrinter::printObjectState(std::string const& path) const {
   auto const [begin, end] = provisional_->getAvailPotParams().equal_range(path);
   if (begin != end) beginSection("Inactive available parameters:");
   for (auto param = begin; param != end; ++param) {
-    std::string const suffix = allowedValuesSuffix(path, param->second, false);
+    std::string const suffix = allowedValuesSuffix(*provisional_, path, param->second, false);
     out << "  " << param->second;
     if (!suffix.empty()) out << "( allowed values: " << suffix << " )";
     out << '\n';
@@ -98,7 +132,7 @@ void ProvTDFPrinter::printObjectState(std::string const& path) const {
 }
 
 void ProvTDFPrinter::printParamState(std::string const& objPath, std::string const& name, bool subset) const {
-  writeParamState(objPath, name, subset);
+  writeParamState(*provisional_, *out_, objPath, name, subset);
   *out_ << std::flush;
 }
 
@@ -107,9 +141,9 @@ void ProvTDFPrinter::printParamStateWithDecoration(std::string const& command, s
   std::ostream& out = *out_;
   out << "COMMAND: " << command << ' ' << argument << "\n\n";
   out << "Allowed Values\n--------------\n";
-  writeParamState(objPath, name, false);
+  writeParamState(*provisional_, *out_, objPath, name, false);
   out << "\nSubset Allowed Values\n---------------------\n";
-  writeParamState(objPath, name, true);
+  writeParamState(*provisional_, *out_, objPath, name, true);
   out << '\n' << std::flush;
 }
 
@@ -124,7 +158,7 @@ void ProvTDFPrinter::printUpdates() const {
   };
   auto const paramWithAllowedValues = [&](auto const& item) {
     param(item);
-    out << allowedValuesSuffix(item.first, item.second, false);
+    out << allowedValuesSuffix(*provisional_, item.first, item.second, false);
   };
   auto const quantity = [&out](auto const& item) { out << item.first << " (Quantity Type = " << item.second << ')'; };
 
@@ -148,38 +182,6 @@ void ProvTDFPrinter::printUpdates() const {
                "*No quantities have been adjusted for real parameters*", state.getModQuantParams(), quantity);
   writeSection(out, "Object Deletions", "*No object deletions*", state.getDeletedObjects(), path);
   out << "\n<<<< == END UPDATE SUMMARY ==\n\n" << std::flush;
-}
-
-/// The allowed values in brackets, or nothing when there are none.
-std::string ProvTDFPrinter::allowedValuesSuffix(std::string const& objPath, std::string const& name,
-                                                bool subset) const {
-  std::vector<std::string> const values = subset ? provisional_->getSubsetAllowedParamValues(objPath, name)
-                                                 : provisional_->getAllowedParamValues(objPath, name);
-  if (values.empty()) return {};
-  std::string text = " [";
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (i > 0) text += '|';
-    text += values[i];
-  }
-  return text += ']';
-}
-
-void ProvTDFPrinter::writeParamState(std::string const& objPath, std::string const& name, bool subset) const {
-  std::ostream& out = *out_;
-  ModelState const& state = provisional_->getActiveTDFState();
-  auto const object = state.find(objPath);
-  if (object == state.end()) {
-    out << "Object \"" << objPath << "\" does not exist\n";
-    return;
-  }
-  auto const param = object->second.find(name);
-  if (param != object->second.end()) {
-    out << objPath << '/' << name << " = " << param->second << allowedValuesSuffix(objPath, name, subset) << '\n';
-  } else if (holds(provisional_->getAvailPotParams(), objPath, name)) {
-    out << objPath << '/' << name << " (optional - unset)" << allowedValuesSuffix(objPath, name, subset) << '\n';
-  } else {
-    out << "Parameter \"" << name << "\" not present or available in object " << objPath << '\n';
-  }
 }
 
 }  // namespace tarn

@@ -503,9 +503,7 @@ Result Kept::kept(Frame const& frame, Evaluate evaluate) const {
   auto* cache = frame.evalContext != nullptr ? frame.evalContext->getCache() : nullptr;
   if (cache == nullptr || !cache->isEnabled()) return evaluate();
   if (auto const* known = cache->find(this)) return std::get<Result>(*known);
-  Result result = evaluate();
-  cache->store(this, result);
-  return result;
+  return std::get<Result>(*cache->store(this, evaluate()));
 }
 
 bool Kept::truth(Frame const& frame) const {

@@ -14,9 +14,11 @@
 #include <string>
 
 #include <tarn/DynamicTDF.h>
+#include <tarn/Error.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvisionalTDF.h>
+#include <tarn/TDFPath.h>
 
 #include "support/Redirected.h"
 #include "support/Rules.h"
@@ -47,6 +49,17 @@ struct RotorRules : PhysicsData {
     rules.param("Kind").required().byDefault("Wall");
   }
 };
+
+/// What is printed when this path is refused.
+std::string messageOfPath(std::string const& path) {
+  std::ostringstream message;
+  try {
+    TDFPath const parsed(path);
+  } catch (Error const& error) {
+    error.write(message);
+  }
+  return message.str();
+}
 
 class ProvTDFDriverTest : public testing::Test {
  protected:
@@ -195,6 +208,38 @@ TEST_F(ProvTDFDriverTest, ACopyKeepsTheModelThatItsOriginalLoaded) {
   EXPECT_EQ(value("Title"), "edited");
   EXPECT_EQ(out.str(), "");
   state_.baseUpdate(&base_);  // the model goes with the copy
+}
+
+TEST_F(ProvTDFDriverTest, AHostThatKeepsTheLoadedModelGoesOnWithTheStateWithoutTheDriver) {
+  Rules(rules_, "/Case/Domain")
+      .param("Note")
+      .required()
+      .byDefault(test::text(
+          [](TDFContext const&, ModelTDF const& model) { return model.getParameterValue("/Case", "Title"); }));
+  std::istringstream in("l " + file("/Case/Title=loaded\n/Case/Domain:rotor/Motion=Stationary\n") + "\nq\n");
+  std::ostringstream out;
+  Redirected const fromInput(std::cin, in.rdbuf());
+  Redirected const toOutput(std::cout, out.rdbuf());
+  auto driver = std::make_unique<ProvTDFDriver>(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
+  EXPECT_EQ(driver->getLoadedBaseModel(), nullptr);
+  driver->waitInput();
+  std::shared_ptr<DynamicTDF const> base = driver->getLoadedBaseModel();
+  driver.reset();
+  ASSERT_NE(base, nullptr);
+  EXPECT_EQ(base.use_count(), 1) << "nobody else keeps it";
+
+  state_.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");
+  EXPECT_EQ(value("Note"), "loaded") << "the rules still read the loaded model";
+  state_.baseUpdate(&base_);
+  base.reset();
+  state_.activeSetParam("/Case/Domain:rotor", "Motion", "Stationary");
+  EXPECT_EQ(value("Note"), "") << "the rules read the other model";
+}
+
+TEST_F(ProvTDFDriverTest, AnEditOfAPathThatCannotBeReadIsAnErrorOfTheInputAndChangesNothing) {
+  EXPECT_EQ(session("no /Case/Domain:rotor/Boundary:a:b\nq\n"),
+            "Error processing input.\n" + messageOfPath("/Case/Domain:rotor/Boundary:a:b") + "\n");
+  EXPECT_FALSE(state_.hasObject("/Case/Domain:rotor/Boundary:a"));
 }
 
 TEST_F(ProvTDFDriverTest, PrintingAParameterShowsAllowedValues) {
