@@ -28,21 +28,15 @@ std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::strin
 void RuleBuilder::yesNo(Item const& item, bool& value) {
   auto const text = scalar(item, "yes or no");
   if (!text) return;
-  std::string lowered(*text);
-  for (auto& c : lowered) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
   for (std::string_view const yes : {"yes", "true", "on"}) {
-    if (lowered == yes) {
-      value = true;
-      return;
-    }
+    if (!StringUtilities::equalIgnoringCase(*text, yes)) continue;
+    value = true;
+    return;
   }
   for (std::string_view const no : {"no", "false", "off"}) {
-    if (lowered == no) {
-      value = false;
-      return;
-    }
+    if (!StringUtilities::equalIgnoringCase(*text, no)) continue;
+    value = false;
+    return;
   }
   error(Code::NotYesOrNo, item, "this must be yes or no, not " + inQuotes(text->substr(0, 60)));
 }
