@@ -22,6 +22,12 @@ std::size_t mostLines(std::string_view text) {
 
 }  // namespace
 
+/// Whether a range is empty or forward.
+template <typename Ranged>
+static bool endsAfterItBegins(Ranged const& one) {
+  return one.line < one.endLine || (one.line == one.endLine && one.column <= one.endColumn);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::string const text(reinterpret_cast<char const*>(data), size);
   tarn::rules::LoadLimits limits;
@@ -39,6 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     bool const hasPlace = diagnostic.line >= 1 && diagnostic.line <= lines + 1 && diagnostic.column >= 1;
     bool const isCount = &diagnostic == &found.diagnostics.back() && found.diagnostics.size() > limits.errors;
     if (!hasPlace && !isCount) std::abort();
+    if (!endsAfterItBegins(diagnostic) || diagnostic.endLine > lines + 1 || diagnostic.code.empty()) std::abort();
+    if (diagnostic.fix && !endsAfterItBegins(*diagnostic.fix)) std::abort();
     if (format(diagnostic).empty()) std::abort();
   }
   try {

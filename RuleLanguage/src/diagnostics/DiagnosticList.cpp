@@ -25,11 +25,10 @@ void setRange(Ranged& one, SourceRange const& range) {
 
 /// Fills what a diagnostic and a note have in common.
 template <typename Shown>
-void fill(Shown& shown, SourceText const& source, SourceRange const& range, std::string message) {
+void fill(Shown& shown, SourceText const& source, SourceRange const& range) {
   Place const place = range.begin;
   shown.source = source.name();
   setRange(shown, range);
-  shown.message = std::move(message);
   std::string_view line = source.line(place.line);
   if (line.size() > keptWhole) {
     if (place.column > keptAround) {
@@ -59,7 +58,8 @@ Diagnostic& DiagnosticList::add(Code code, SourceText const& source, SourceRange
   Diagnostic diagnostic;
   diagnostic.severity = info.severity;
   diagnostic.code = info.name;
-  fill(diagnostic, source, range, std::move(message));
+  diagnostic.message = std::move(message);
+  fill(diagnostic, source, range);
   list_.push_back(std::move(diagnostic));
   return list_.back();
 }
@@ -71,7 +71,9 @@ void DiagnosticList::addAboutFile(Code code, std::string const& name, std::strin
 
 void DiagnosticList::note(Diagnostic& diagnostic, SourceText const& source, SourceRange const& range,
                           std::string message) {
-  fill(diagnostic.notes.emplace_back(), source, range, std::move(message));
+  auto& note = diagnostic.notes.emplace_back();
+  note.message = std::move(message);
+  fill(note, source, range);
 }
 
 void DiagnosticList::fix(Diagnostic& diagnostic, SourceText const& source, SourceRange const& range, std::string text,

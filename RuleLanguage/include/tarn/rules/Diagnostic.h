@@ -14,6 +14,20 @@ namespace tarn::rules {
 /// An error keeps rules from being loaded. A warning does not.
 enum class Severity { Error, Warning };
 
+/// A change of a rule file that removes a problem. A program can apply it without asking what it means: replace the
+/// characters from `line`, `column` up to `endLine`, `endColumn` of `source` by `text`.
+struct TARN_EXPORT DiagnosticFix {
+  /// What the change does, as a menu would say it: "Replace 'exist' by 'exists'".
+  std::string title;
+  std::string source;
+  std::size_t line = 1;
+  std::size_t column = 1;
+  std::size_t endLine = 1;
+  std::size_t endColumn = 1;
+  /// Exactly as it has to stand in the file: quotes and escapes of YAML are included.
+  std::string text;
+};
+
 /// A problem in a rule file: its position, what is wrong, and what to write instead where that is known.
 ///
 /// Positions: lines and columns count from 1. A column counts characters, not bytes. `line` and `column` give the first
@@ -52,21 +66,9 @@ struct TARN_EXPORT Diagnostic {
   };
   std::vector<Note> notes;
 
-  /// A change of the file that removes the problem. A program can apply it without asking what it means: replace the
-  /// characters from `line`, `column` up to `endLine`, `endColumn` of `source` by `text`.
-  struct Fix {
-    /// What the change does, as a menu would say it: "Replace 'exist' by 'exists'".
-    std::string title;
-    std::string source;
-    std::size_t line = 1;
-    std::size_t column = 1;
-    std::size_t endLine = 1;
-    std::size_t endColumn = 1;
-    /// Exactly as it has to stand in the file: quotes and escapes of YAML are included.
-    std::string text;
-  };
-  /// Empty when the right change is not known for certain, or needs more than one replacement.
-  std::optional<Fix> fix;
+  /// A change of the file that removes the problem. Empty when the right change is not known for certain, or needs more
+  /// than one replacement.
+  std::optional<DiagnosticFix> fix;
 };
 
 /// A kind of problem, as the rule reference lists it.
