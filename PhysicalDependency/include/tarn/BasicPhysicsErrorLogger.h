@@ -15,13 +15,13 @@ namespace tarn {
 ///     validator.validate(PhysicsValidator2::ValAll, model, {"/Case"});
 ///     for (auto const& error : logger.getDependencyErrors()) std::cout << error.path << ": " << error.message << '\n';
 ///
-/// Nothing is sorted, merged or left out: a finding that is logged twice stands there twice. Levels are not kept, so a
-/// beta message counts as an error here; a host that wants to tell them apart derives a logger of its own from
-/// `PhysicsErrorLogger`. A copy is independent of its original.
+/// Nothing is sorted, merged or left out: a finding that is logged twice is listed twice. Levels are not kept, so a
+/// beta message counts as an error here. A host that needs the level derives its own logger from `PhysicsErrorLogger`.
+/// A copy is independent of its original.
 class TARN_EXPORT BasicPhysicsErrorLogger : public PhysicsErrorLogger {
  public:
   struct DepError {
-    /// The object that the finding is about; of a beta message, the item.
+    /// The path of the object that the finding concerns; for a beta message, the path of the item.
     std::string path;
     std::string message;
   };
@@ -33,7 +33,7 @@ class TARN_EXPORT BasicPhysicsErrorLogger : public PhysicsErrorLogger {
 
   void logDependencyError(std::string const& path, PhysicsErrorMsg const& message) override;
   void logGlobalError(PhysicsErrorMsg const& message) override;
-  /// Does nothing: the text is not kept.
+  /// Does nothing. The text is not kept.
   void logTermination(std::string const& text) override;
   /// Empties both lists.
   void reset() override;
@@ -41,10 +41,10 @@ class TARN_EXPORT BasicPhysicsErrorLogger : public PhysicsErrorLogger {
   [[nodiscard]] bool hasDependencyErrors() const override;
   [[nodiscard]] bool hasGlobalErrors() const override;
 
-  /// Copies of the lists, in order of arrival.
+  /// Return copies of the lists, in order of arrival.
   [[nodiscard]] std::vector<DepError> getDependencyErrors() const;
   [[nodiscard]] std::vector<std::string> getGlobalErrors() const;
-  /// Always empty, see `logTermination`.
+  /// Always empty; see `logTermination`.
   [[nodiscard]] std::string getTerminationMsg() const;
 
  private:

@@ -10,50 +10,48 @@ namespace tarn {
 
 class ParamAvailInfo;
 
-/// Watches the bounds that the rules compute from the model, and tells which of them moved in a batch of edits.
+/// Watches the bounds that the rules compute from the model, and reports which of them changed in a batch of edits.
 ///
 ///     tracker.reset();                                    // a batch begins
-///     tracker.updateBounds(objPath, name, info);          // for each numeric parameter that a walk comes to
+///     tracker.updateBounds(objPath, name, info);          // for each numeric parameter that a walk meets
 ///     for (auto const& [param, bounds] : tracker.getUpdatedBounds()) refreshLimits(param, bounds);
 ///
-/// What was seen last is remembered for the life of the tracker, also of parameters that have since vanished: one that
-/// comes back with its old bounds is no update. The first sighting of a parameter is one. Bounds are texts here and are
-/// compared as such, so "1" and "1.0" differ.
+/// The tracker remembers the last bounds of every parameter for its whole life, also of parameters that have vanished
+/// since. So a parameter that comes back with its old bounds is no update, and the first bounds of a parameter are one.
+/// Bounds are compared as strings, so "1" and "1.0" differ.
 class TARN_EXPORT BoundsTracker {
  public:
-  /// Lower and upper bound as value texts; "" where there is none.
+  /// Lower and upper bound as value strings; "" for no bound.
   using Bounds = std::pair<std::string, std::string>;
 
-  /// While it is off, what is told is passed over, and what was seen last grows stale.
+  /// While it is off, `updateBounds` does nothing, and the remembered bounds become out of date.
   void enable(bool on) noexcept { enabled_ = on; }
 
-  /// Begins a batch: forgets the updates, but not what was seen last.
+  /// Begins a batch: empties the updates and keeps the remembered bounds.
   void reset() noexcept { updatedBounds_.clear(); }
 
-  /// Forgets also what was seen last, so that the next sighting of each parameter is one as if it were the first. For a
-  /// batch that broke off, whose updates nobody has read.
+  /// Returns the parameters, by their paths, whose bounds differed from the remembered ones in this batch, with the
+  /// bounds to which they changed first. When bounds change twice in one batch, the first change is reported, but the
+  /// second is remembered and compared with the next batch. To get the present bounds, ask the rules. Valid as long as
+  /// the tracker; changes with every update and reset.
+  [[nodiscard]] std::map<std::string, Bounds> const& getUpdatedBounds() const noexcept { return updatedBounds_; }
+
+  /// Evaluates and compares the bounds of a parameter. Only numeric parameters whose bounds depend on the model are
+  /// tracked. For all others nothing is evaluated or kept. Exceptions of the rules reach the caller.
+  void updateBounds(std::string const& objPath, std::string const& name, ParamAvailInfo const* info);
+
+ private:
+  friend struct TrackerAccess;  // for the library's own sources
   void forget() noexcept {
     updatedBounds_.clear();
     knownBounds_.clear();
   }
-
-  /// The parameters, by their paths, whose bounds differed from what was seen before them in this batch, with the
-  /// bounds that they were first seen to have changed to. If bounds move twice in one batch, the first move stands
-  /// here, though the second is what the next batch is compared with: a reader who wants the present bounds asks the
-  /// rules. Valid as long as the tracker; changes with every update and reset.
-  [[nodiscard]] std::map<std::string, Bounds> const& getUpdatedBounds() const noexcept { return updatedBounds_; }
-
-  /// Takes in the bounds of a parameter. Only numeric parameters whose bounds depend on the model are tracked; of any
-  /// other nothing is evaluated or kept. Passes on what the rules throw.
-  void updateBounds(std::string const& objPath, std::string const& name, ParamAvailInfo const* info);
-
- private:
   void storeUpdatedBounds(std::string const& objPath, std::string const& name, Bounds const& bounds);
 
   bool enabled_ = true;
-  // Of the batch.
+  // The current batch.
   std::map<std::string, Bounds> updatedBounds_;
-  // Only grows, but for `forget`.
+  // Entries are removed only by `forget`.
   std::map<std::string, Bounds> knownBounds_;
 };
 

@@ -11,7 +11,8 @@ namespace tarn {
 
 class PhysicsData;
 
-/// The evaluator over a rule database. Copies share the database, which is not owned and must outlive them.
+/// Evaluates the checks and lists of a rule database. Copies share the database, which is not owned and must outlive
+/// them.
 ///
 ///     EvalCheckList const evaluator(&physicsData);
 ///     auto const [holds, known] = evaluator.evaluateCheck("Is Rotating", "/Case/Domain:rotor", &model);

@@ -11,55 +11,56 @@ class ModelTDF;
 class ParamAvailInfo;
 class QuantityModifier;
 
-/// Stands in the way of values that are about to be written, gives those of real parameters the units of the quantity
-/// that the host's `QuantityModifier` names, and tells which parameters got another quantity type in a batch of edits.
+/// Adjusts values before they are written: values of real parameters get the units of the quantity that the host's
+/// `QuantityModifier` names. Reports which parameters got a new or another quantity type in a batch of edits.
 ///
 ///     ModifiedQuantityTracker tracker(&modifier);         // which makes the inflow a mass flow, in kg/s
 ///     tracker.reset();                                    // a batch begins
 ///     tracker.modifyQuantity(&model, "/Case/Boundary:inlet", "Inflow", "1.50 [m^3/s]", info);   // "1.50 [kg/s]"
 ///     tracker.getModifiedParams();                        // {"/Case/Boundary:inlet/Inflow", "Mass Flow"}
 ///
-/// The number itself is never converted: its text is kept as it is, and only what stands in the brackets changes.
+/// The number is never converted. Its characters are kept, and only the units in the brackets change.
 class TARN_EXPORT ModifiedQuantityTracker {
  public:
-  /// The modifier is not owned and must outlive the tracker. With null every value passes unchanged.
+  /// The modifier is not owned and must outlive the tracker. With null every value is returned unchanged.
   explicit ModifiedQuantityTracker(QuantityModifier const* modifier) noexcept : modifier_(modifier) {}
 
-  /// While it is off, every value passes unchanged.
+  /// While it is off, every value is returned unchanged.
   void enable(bool on) noexcept { enabled_ = on; }
 
-  /// Begins a batch: forgets which parameters were adjusted, but not the quantity types that they had.
+  /// Begins a batch: empties the adjusted parameters and keeps the remembered quantity types.
   void reset() noexcept { modifiedParams_.clear(); }
 
-  /// Forgets also the quantity types that parameters had, so that the next one of each is new. For a batch that broke
-  /// off, whose changes nobody has read.
-  void forget() noexcept {
-    modifiedParams_.clear();
-    knownQuantities_.clear();
-  }
-
-  /// The parameters, by their paths, whose quantity type was new or another one in this batch, with the first such
-  /// type; a second change in the same batch does not show, though the next batch is compared with it. One that keeps
-  /// its type is not here, although its value is rewritten each time. Valid as long as the tracker; changes with every
-  /// value and reset.
+  /// Returns the parameters, by their paths, whose quantity type was new or different in this batch, with the first
+  /// such type. A second change in the same batch is not reported, but it is remembered and compared with the next
+  /// batch. A parameter that keeps its type is not reported, although its value is rewritten each time. Valid as long
+  /// as the tracker; changes with every value and reset.
   [[nodiscard]] std::map<std::string, std::string> const& getModifiedParams() const noexcept { return modifiedParams_; }
 
-  /// The value to write instead of `value`: the text of its number, a blank, and the units of the quantity in brackets,
-  /// which are there also if `value` had none. A blank value becomes "".
+  /// Returns the value to write instead of `value`: the characters of its number, a blank, and the units of the
+  /// quantity in brackets, also when `value` had no units.
   ///
-  /// `value` comes back as it is for every type but Real, for a text that is no quantity (the modifier is not asked
-  /// then), and when the modifier leaves the parameter alone.
+  /// `value` is returned unchanged for every type except Real, for a string that is no quantity (the modifier is not
+  /// asked then), and when the modifier does not adjust the parameter.
+  ///
+  /// A blank value is empty or white space only. The modifier is asked for it too. When the modifier adjusts the
+  /// parameter, the result is "" without units, and the quantity type counts and is reported as for any other value.
   [[nodiscard]] std::string modifyQuantity(ModelTDF const* model, std::string const& objPath, std::string const& name,
                                            std::string const& value, ParamAvailInfo const* info);
 
  private:
+  friend struct TrackerAccess;  // for the library's own sources
+  void forget() noexcept {
+    modifiedParams_.clear();
+    knownQuantities_.clear();
+  }
   void storeModifiedQuantity(std::string const& objPath, std::string const& name, std::string const& quantityType);
 
   QuantityModifier const* modifier_;
   bool enabled_ = true;
-  // Only grows, but for `forget`.
+  // Entries are removed only by `forget`.
   std::map<std::string, std::string> knownQuantities_;
-  // Of the batch.
+  // The current batch.
   std::map<std::string, std::string> modifiedParams_;
 };
 

@@ -17,34 +17,44 @@ class EvalContext;
 class PhysicsData;
 
 /// A cursor over the rules of one object. It goes through the object's parameter entries and its child entries, each in
-/// the order of the rules, and answers for the entry it stands on what the rules say now.
+/// the order of the rules, and answers what the rules say about the current entry.
 ///
-///     ObjDependency rules("/Case/Domain:rotor", &evalContext, &physicsData);
+///     std::string const rotor = "/Case/Domain:rotor";
+///     ObjDependency rules(rotor, &evalContext, &physicsData);
 ///     for (rules.firstParam(); !rules.isDoneParam(); rules.nextParam()) {
+///       std::string const& name = rules.getParamName();
 ///       ParamAllowedValues allowed;
 ///       bool const available = rules.isParamAvailable(allowed);
-///       if (available && rules.isParamContextRule()) rules.setContextRuleValue(model.getParameterValue(...));
+///       if (available && rules.isParamContextRule() && model.hasParameter(rotor, name)) {
+///         rules.setContextRuleValue(model.getParameterValue(rotor, name));
+///       }
 ///     }
-///     for (rules.firstChild(); !rules.isDoneChild(); rules.nextChild()) ...
+///     for (rules.firstChild(); !rules.isDoneChild(); rules.nextChild()) {
+///       ObjDependency::AllowedNameData names;
+///       bool const available = rules.isChildAvailable(names);
+///     }
 ///
-/// The two walks. Each stands before its first entry at the start, then on an entry, then behind the last; before and
-/// behind read as done. Either may be started again at any time. They meet in one thing only, the context rule value:
-/// `nextParam` selects by it which of the parameters are live, and `firstChild` which of the children. So give it while
-/// the cursor stands on the context rule parameter, and walk the children after the parameters. An entry that is not
-/// live is visited and answers everything; it merely reads as unavailable, without its condition being evaluated.
-/// Of an object that the rules do not know, see `isValid`, both walks are done at once.
+/// Set the context rule value only for a parameter that the model holds, as above. An absent parameter must leave the
+/// previous value in force; the value "" would select other entries.
+///
+/// The two walks. Each starts before its first entry, then is on an entry, then after the last. Before the first and
+/// after the last entry it reads as done. Either walk may be started again at any time. They share one thing only, the
+/// context rule value: `nextParam` selects with it which of the parameters are live, and `firstChild` which of the
+/// children. So set it while the cursor is on the context rule parameter, and walk the children after the parameters.
+/// An entry that is not live is visited and answers everything. It only reads as unavailable, and its condition is not
+/// evaluated. For an object without rules (see `isValid`) both walks are done at once.
 ///
 /// Failures. A question about an entry when there is none throws `std::runtime_error` with a text that names the
 /// question. Some questions share the text of another; the texts are fixed. It means that the caller ran past the end
-/// of a walk, or that the rules hold a parameter entry without a value rule; it is never the fault of a model.
-/// What a rule throws while it is evaluated passes through and leaves the cursor as it was.
+/// of a walk, or that the rules hold a parameter entry without a value rule. A model never causes it. Exceptions of a
+/// rule reach the caller and leave the cursor unchanged.
 ///
-/// A value: a copy stands where the original stands, with what that has evaluated so far, and goes its own way. The
-/// evaluation context and the rule database are not owned and must outlive all copies. The cursor holds no model; rules
-/// read the one of the context at the moment of the question.
+/// A cursor is a value: a copy is at the same entry as the original, with its evaluated results, and is independent of
+/// it. The evaluation context and the rule database are not owned and must outlive all copies. The cursor holds no
+/// model. Rules read the model of the context at the time of the question.
 class TARN_EXPORT ObjDependency {
  public:
-  /// What `isChildAvailable` finds out about the names of the children.
+  /// The result of `isChildAvailable` about the names of the children.
   struct AllowedNameData {
     /// The entry has allowed names, and they were evaluated.
     bool hasAllowedNames = false;
@@ -52,12 +62,12 @@ class TARN_EXPORT ObjDependency {
     std::vector<std::string> defaultNames;
   };
 
-  /// A cursor on the object at `objPath`; whether a model has such an object is not asked. Throws the `Error` of
-  /// `TDFPath` when that is no path. Both pointers must not be null.
+  /// Makes a cursor on the object at `objPath`. The object need not exist in a model. Throws the `Error` of `TDFPath`
+  /// when `objPath` cannot be read. Both pointers must not be null.
   ObjDependency(std::string const& objPath, EvalContext* evalContext, PhysicsData const* physicsData);
 
-  /// The same for a caller who has found the rules: those for the type path of `objPath`, or null when there are none.
-  /// Neither is checked, which saves what most of the other constructor's time goes into.
+  /// The same for a caller who has the rules for the type path of `objPath`, or null when there are none. Neither is
+  /// checked. This saves most of the time of the other constructor.
   ObjDependency(std::string objPath, ObjDependDef const* rules, EvalContext* evalContext,
                 PhysicsData const* physicsData)
       : context_(std::move(objPath)), evalContext_(evalContext), physicsData_(physicsData), objDef_(rules) {}
@@ -66,40 +76,41 @@ class TARN_EXPORT ObjDependency {
   /// The rules for the object's type path, or null.
   [[nodiscard]] ObjDependDef const* getRules() const noexcept { return objDef_; }
 
-  /// Whether there are rules for the object's type path: `/Case/Domain` for `/Case/Domain:rotor`.
+  /// Returns whether there are rules for the object's type path: `/Case/Domain` for `/Case/Domain:rotor`.
   [[nodiscard]] bool isValid() const noexcept { return objDef_ != nullptr; }
 
   /// @name The parameter entries
-  /// `firstParam` forgets the context rule value, so the first entry is selected by none.
+  /// `firstParam` clears the context rule value, so the first entry is selected without one.
   /// @{
   void firstParam();
   void nextParam();
-  /// How many entries there are, live or not.
+  /// The number of entries, live or not.
   [[nodiscard]] std::size_t numParams() const noexcept { return objDef_ == nullptr ? 0 : objDef_->params().size(); }
-  /// Makes the parameter walk, from the next `firstParam` on, stop only at the entries of these names and, if so
-  /// wanted, at those of required parameters; still each once and in the order of the rules. Names without an entry are
-  /// passed over. Rules may have thousands of entries for an object that holds a dozen parameters: with the names that
-  /// the object holds, the walk costs as much as there are of those.
+  /// From the next `firstParam` on, the parameter walk stops only at the entries with these names and, with
+  /// `andRequired`, at those of required parameters. Each comes once, in the order of the rules. Names without an entry
+  /// are ignored. Rules may have thousands of entries for an object that holds a dozen parameters. With the names that
+  /// the object holds, the walk is linear in their number.
   void limitParams(std::vector<std::string> const& names, bool andRequired);
   [[nodiscard]] bool isDoneParam() const noexcept { return currParam_ == nullptr; }
 
-  /// Says which value the context rule parameter has that the cursor stands on. The entries behind it are selected by
-  /// it, until another one is given. Without a current parameter it does nothing.
+  /// Sets the value of the current context rule parameter. It selects the entries after this one, until another value
+  /// is set. Call it only for a parameter that is available and that the model holds. Without a current parameter it
+  /// does nothing.
   void setContextRuleValue(std::string const& value);
 
-  /// Whether the parameter is available: the entry is live, its condition holds, and when it has an allowed value rule,
-  /// the evaluated list holds something or may be empty. The subset plays no part. `out` becomes the evaluated record;
-  /// it stays as it is when the allowed values are not evaluated, so hand in a fresh one. Evaluates at every call.
-  /// Without a current parameter, false.
+  /// Returns whether the parameter is available: the entry is live, its condition holds, and if it has an allowed value
+  /// rule, the evaluated list is not empty or may be empty. The subset does not matter. `out` becomes the evaluated
+  /// record. It is left unchanged when the allowed values are not evaluated, so pass a fresh one. Evaluates at every
+  /// call. False without a current parameter.
   [[nodiscard]] bool isParamAvailable(ParamAllowedValues& out) const;
 
-  /// The name and the marks of the entry. References live as long as the rule database.
+  /// The name and the marks of the entry. References are valid as long as the rule database.
   [[nodiscard]] std::string const& getParamName() const;
   [[nodiscard]] bool isParamRequired() const;
   [[nodiscard]] bool hasParamValidationRelaxed() const;
   [[nodiscard]] bool isParamContextRule() const;
 
-  /// What the value rule of the parameter says. See `ParamValueDef`.
+  /// The properties of the parameter's value rule. See `ParamValueDef`.
   [[nodiscard]] TDFParam::Type getParamType() const;
   [[nodiscard]] bool isCompleteListRequired() const;
   [[nodiscard]] bool hasParamDynamicBounds() const;
@@ -109,8 +120,9 @@ class TARN_EXPORT ObjDependency {
   /// Lower and upper bound, evaluated at the first question. The reference is valid until the parameter walk moves.
   [[nodiscard]] std::pair<std::string, std::string> const& getParamBounds() const;
 
-  /// The default, by itself or in the light of `allowed`. Evaluated at the first question; the form that asks first
-  /// decides, and both return its result from then on. The reference is valid until the parameter walk moves.
+  /// The default, on its own or under the allowed values `allowed`. Evaluated at the first question. The form that is
+  /// called first decides, and both return its result from then on. The reference is valid until the parameter walk
+  /// moves.
   [[nodiscard]] std::string const& getParamDefault() const;
   [[nodiscard]] std::string const& getParamDefault(ParamAllowedValues const& allowed) const;
 
@@ -125,14 +137,14 @@ class TARN_EXPORT ObjDependency {
   void nextChild();
   [[nodiscard]] bool isDoneChild() const noexcept { return currChild_ == nullptr; }
 
-  /// Whether children of the type are available: the entry is live, its condition holds, and when it has allowed names,
-  /// they evaluate to at least one. Evaluates at every call: of an available entry the allowed names, or when it has
-  /// none, the default names. `hasAllowedNames` and `allowedNames` of `out` are always set; `defaultNames` are set only
-  /// when they are evaluated and keep what they held otherwise, so hand in a fresh record for each entry.
-  /// Without a current child, false.
+  /// Returns whether children of the type are available: the entry is live, its condition holds, and if it has allowed
+  /// names, they evaluate to at least one. Evaluates at every call: the allowed names of an available entry, or its
+  /// default names when it has no allowed names. `hasAllowedNames` and `allowedNames` of `out` are always set.
+  /// `defaultNames` are set only when they are evaluated, so pass a fresh record for each entry. False without a
+  /// current child.
   [[nodiscard]] bool isChildAvailable(AllowedNameData& out) const;
 
-  /// The type and the marks of the entry. The reference lives as long as the rule database.
+  /// The type and the marks of the entry. The reference is valid as long as the rule database.
   [[nodiscard]] std::string const& getChildType() const;
   [[nodiscard]] bool isChildRequired() const;
   [[nodiscard]] bool isChildSingleton() const;
@@ -151,12 +163,12 @@ class TARN_EXPORT ObjDependency {
   PhysicsData const* physicsData_;
   ObjDependDef const* objDef_;  // null when the rules do not know the object's type path
 
-  // Where the parameter walk stops, as places among the entries; everywhere unless limited_.
+  // The entries at which the parameter walk stops, as indexes. It stops at every entry unless limited_.
   bool limited_ = false;
   std::vector<std::size_t> stops_;
   std::size_t stopsPassed_ = 0;
 
-  // Where the walks stand.
+  // The current entries of the walks.
   ParamValueDef const* currParamDef_ = nullptr;
   ParamAvail const* currParam_ = nullptr;
   bool currParamLive_ = false;
@@ -166,7 +178,7 @@ class TARN_EXPORT ObjDependency {
   CACursor childCursor_;
   std::string contextRuleValue_;  // cleared by firstParam only
 
-  // What the current parameter has been asked; forgotten when the parameter walk moves.
+  // Evaluated results of the current parameter. Reset when the parameter walk moves.
   mutable bool defaultDone_ = false;
   mutable std::string defaultValue_;
   mutable bool boundsDone_ = false;

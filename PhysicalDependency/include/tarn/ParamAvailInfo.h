@@ -9,27 +9,27 @@
 
 namespace tarn {
 
-/// What `DependencyAnalyser::onParamCheck` is told about one parameter entry of the rules. It says what the rules say;
-/// whether the model holds the parameter, and with which value, is for the hook to ask of the model.
+/// The record that `DependencyAnalyser::onParamCheck` gets about one parameter entry of the rules. The hook itself asks
+/// the model whether it holds the parameter, and with which value.
 ///
-/// The record lives as long as the hook runs, and so does everything it refers to; copy what is needed for longer.
+/// The record and everything it refers to are valid until the hook returns. Copy what is needed for longer.
 ///
-/// What is evaluated when:
+/// Times of evaluation:
 ///
-/// | Asked                             | Evaluated                                                            |
+/// | Operation                         | Evaluated                                                            |
 /// |-----------------------------------|----------------------------------------------------------------------|
-/// | `isAvailable`, `getAllowedValues` | once, before the hook; of an unavailable parameter only as far as it |
-/// |                                   | took to see that                                                     |
-/// | `getBounds`                       | at the first question, then kept                                     |
-/// | `getDefault`, both forms          | at the first question, then kept: the form asked first decides       |
-/// | `getValueOverride`, both forms    | at every question                                                    |
-/// | `hasDynamicBounds`                | nothing, but the bounds are asked at every question what they read   |
+/// | `isAvailable`, `getAllowedValues` | once, before the hook; for an unavailable parameter only as far as   |
+/// |                                   | was necessary to find that out                                       |
+/// | `getBounds`                       | at the first call, then kept                                         |
+/// | `getDefault`, both forms          | at the first call, then kept: the form that is called first decides  |
+/// | `getValueOverride`, both forms    | at every call                                                        |
+/// | `hasDynamicBounds`                | nothing, but every call asks the bounds what they read               |
 /// | all others                        | nothing                                                              |
 ///
-/// What is evaluated during the hook reads the model as it stands at that moment, with what the hook has done to it.
-/// An unavailable parameter answers every question as well, so a hook may learn what it would get. Only a parameter
-/// entry without a value rule, which no well-formed rules have, makes questions about values throw
-/// `std::runtime_error`; those that evaluate pass on what the rule throws.
+/// An evaluation during the hook reads the model as it is at that moment, with the changes that the hook has made. An
+/// unavailable parameter answers every call too, so a hook can find out what it would get. Calls about values throw
+/// `std::runtime_error` only for a parameter entry without a value rule, which no well-formed rules have. Exceptions of
+/// a rule reach the caller.
 class TARN_EXPORT ParamAvailInfo {
  public:
   ParamAvailInfo() = default;
@@ -37,38 +37,38 @@ class TARN_EXPORT ParamAvailInfo {
   ParamAvailInfo& operator=(ParamAvailInfo const&) = default;
 
   [[nodiscard]] virtual std::string const& getName() const = 0;
-  /// The object that the parameter belongs to.
+  /// The object to which the parameter belongs.
   [[nodiscard]] virtual std::string const& getObjPath() const = 0;
   [[nodiscard]] virtual TDFParam::Type getType() const = 0;
   [[nodiscard]] virtual bool isListType() const = 0;
   /// A list value must name all allowed values.
   [[nodiscard]] virtual bool isCompleteListRequired() const = 0;
 
-  /// The entry is live under the context rule value in force, its condition holds, and when it has allowed values there
-  /// is at least one of them (or the rules say that none is fine).
+  /// The entry is live under the current context rule value, its condition holds, and if it has allowed values, there
+  /// is at least one or the rules permit none.
   [[nodiscard]] virtual bool isAvailable() const = 0;
   [[nodiscard]] virtual bool isRequired() const = 0;
   [[nodiscard]] virtual bool hasValidationRelaxed() const = 0;
 
   /// The bounds depend on the model.
   [[nodiscard]] virtual bool hasDynamicBounds() const = 0;
-  /// Lower and upper bound as value texts; "" where there is none.
+  /// Lower and upper bound as value strings; "" for no bound.
   [[nodiscard]] virtual std::pair<std::string, std::string> const& getBounds() const = 0;
 
   [[nodiscard]] virtual bool hasDefault() const = 0;
-  /// The default in the light of `allowed`, and the default by itself. The two share one memory: after either has been
-  /// asked, both return that text, whatever `allowed` holds then. "" when there is no default.
+  /// The default under the allowed values `allowed`, and the default on its own. Both share one result: after one form
+  /// has been called, both return its string, whatever `allowed` holds then. "" when there is no default.
   [[nodiscard]] virtual std::string const& getDefault(ParamAllowedValues const& allowed) const = 0;
   [[nodiscard]] virtual std::string const& getDefault() const = 0;
 
   [[nodiscard]] virtual bool hasValueOverride() const = 0;
-  /// Whether an override is in force, and its value; in the light of `allowed`, and by itself.
+  /// Whether an override is in force, and its value: under the allowed values `allowed`, and on its own.
   [[nodiscard]] virtual std::pair<bool, std::string> getValueOverride(ParamAllowedValues const& allowed) const = 0;
   [[nodiscard]] virtual std::pair<bool, std::string> getValueOverride() const = 0;
 
-  /// The allowed values now. `hasAllowedValues` is clear when the parameter may take any text, and when it was found
-  /// unavailable before its allowed values were looked at. A parameter that is unavailable because its list came out
-  /// empty has the evaluated, empty record.
+  /// The allowed values, as evaluated before the hook. `hasAllowedValues` is false when the parameter may take any
+  /// string, and when it was found unavailable before its allowed values were evaluated. A parameter that is
+  /// unavailable because its list is empty has the evaluated, empty record.
   [[nodiscard]] virtual ParamAllowedValues const& getAllowedValues() const = 0;
 
  protected:

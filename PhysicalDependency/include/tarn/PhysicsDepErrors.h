@@ -5,10 +5,10 @@
 #include <tarn/Error.h>
 #include <tarn/Export.h>
 
-/// The exceptions by which this library tells its callers of a programming fault. What is physically wrong with a model
-/// is never thrown: it goes to a `PhysicsErrorLogger`.
+/// The exceptions that this library throws for a programming fault of its caller. Physical faults of a model are never
+/// thrown; they go to a `PhysicsErrorLogger`.
 ///
-/// All of them are caught as `Error`:
+/// All of them can be caught as `Error`:
 ///
 ///     try {
 ///       model.setParameter("/Case/Domain:rotor", "Material", allowed, "Water");
@@ -21,21 +21,21 @@ namespace tarn::physics_dep {
 /// The base of the library's exceptions.
 class TARN_EXPORT error : public Error {
  public:
-  /// An error that tells nothing: all its texts are empty.
+  /// Makes an error with empty texts.
   error();
   error(error const&) = default;
   error& operator=(error const&) = default;
-  /// An error named "physical_dependency::error", with the class and the method that failed.
+  /// Makes an error named "physical_dependency::error", with the class and the method that failed.
   error(std::string const& className, std::string const& method, std::string const& message, errorType type);
   ~error() override;
 
  protected:
-  /// For derived classes, which say how they are named.
+  /// For derived classes, which pass their own name.
   error(std::string const& exceptionName, std::string const& className, std::string const& method,
         std::string const& message, errorType type);
 };
 
-/// A parameter that exists as an ordinary one was to be given allowed values. Thrown by `DynamicTDF`.
+/// Allowed values were set on a parameter that exists as an ordinary one. Thrown by `DynamicTDF`.
 /// Named "physical_dependency::invalidParamVal".
 class TARN_EXPORT invalidParamVal : public error {
  public:
@@ -46,8 +46,8 @@ class TARN_EXPORT invalidParamVal : public error {
   ~invalidParamVal() override;
 };
 
-/// A required child that is not there. The library itself never throws it; it is for callers who enforce required
-/// children in the same family of exceptions. Named "physical_dependency::emptyRequiredChild".
+/// A required child is missing. The library itself never throws it. Callers who enforce required children can use it in
+/// the same family of exceptions. Named "physical_dependency::emptyRequiredChild".
 class TARN_EXPORT emptyRequiredChild : public error {
  public:
   emptyRequiredChild();

@@ -10,28 +10,27 @@ namespace tarn {
 
 class ModelTDF;
 
-/// Evaluates the named checks and lists of a rule database in a model of the caller's choice, for callers who want
-/// their results without knowing rules. `EvalCheckList` is the evaluator over a `PhysicsData`; derive from it to stand
-/// in for one.
+/// Evaluates the named checks and lists of a rule database in any model, for callers who need only their results.
+/// `EvalCheckList` is the evaluator for a `PhysicsData`. Derive another one to replace it, for example in tests.
 ///
-/// No call leaves anything behind, so one evaluator serves many models in turn.
+/// Calls are independent of each other, so one evaluator serves many models in turn.
 class TARN_EXPORT PhysicsEvaluator {
  public:
   PhysicsEvaluator() = default;
   virtual ~PhysicsEvaluator();
 
-  /// The value of the check at the object `path` of `model`, and whether there is such a check. Read the second first:
-  /// an unknown name gives (false, false) and is no error. Passes on what the rule throws.
+  /// Returns the value of the check at the object `path` of `model`, and whether there is such a check. Test the second
+  /// first: an unknown name gives (false, false) and is no error. Exceptions of the rule reach the caller.
   [[nodiscard]] virtual std::pair<bool, bool> evaluateCheck(std::string const& name, std::string const& path,
                                                             ModelTDF const* model) const = 0;
 
-  /// The items of the list at the object `path` of `model`, and whether there is such a list. An unknown name gives no
-  /// items and false, a list that comes out empty no items and true. Passes on what the rule throws.
+  /// Returns the items of the list at the object `path` of `model`, and whether there is such a list. An unknown name
+  /// gives no items and false; an empty list gives no items and true. Exceptions of the rule reach the caller.
   [[nodiscard]] virtual std::pair<std::vector<std::string>, bool> evaluateList(std::string const& name,
                                                                                std::string const& path,
                                                                                ModelTDF const* model) const = 0;
 
-  /// Whether there is such a check, such a list. `flag` is handed to the look-up of the rule database as it is.
+  /// Return whether there is such a check or list. `flag` is passed to the look-up of the rule database unchanged.
   [[nodiscard]] virtual bool hasCheck(std::string const& name, bool flag) const = 0;
   [[nodiscard]] virtual bool hasList(std::string const& name, bool flag) const = 0;
 

@@ -12,66 +12,68 @@ namespace tarn {
 
 class DynamicTDF;
 
-/// Collects the potential items of one walk after another and tells how each differs from the walk before: what is
-/// newly on offer, what no longer is, and what has other allowed values.
+/// Collects the potential items of one walk after another and reports how each walk differs from the previous one:
+/// which items are newly on offer, which no longer are, and which have other allowed values.
 ///
 ///     tracker.start();                        // a walk begins
 ///     tracker.addParam(objPath, name);        // for each potential item that it finds
-///     tracker.synchWithTDF(&model);           // the walk is done, and has brought the model up to date
+///     tracker.synchWithTDF(&model);           // the walk has ended and has updated the model
 ///     tracker.getAddedParams();
 ///
-/// | before        | now                                             | told as                            |
+/// | before        | now                                             | reported as                        |
 /// |---------------|-------------------------------------------------|------------------------------------|
-/// | not potential | potential                                       | added, also if the model held it   |
+/// | not potential | potential                                       | added, even if the model held it   |
 /// | potential     | potential                                       | nothing                            |
 /// | potential     | potential, other allowed values (of parameters) | changed                            |
 /// | potential     | not potential, and the model holds it           | nothing: it has been activated     |
 /// | potential     | not potential, and the model does not hold it   | deleted                            |
 ///
-/// Between `start` and `synchWithTDF` the comparison is empty, and outside of these two additions are ignored. The
-/// first walk is compared with nothing, so all it finds is added. A walk that was started and never compared is carried
-/// on by the next one: what it collected stays, unless it is cleared.
+/// Between `start` and `synchWithTDF` the comparison is empty. Outside of these two calls additions are ignored. The
+/// first walk is compared with nothing, so everything it finds counts as added. When a walk was started and never
+/// compared, the next one continues it: the items collected so far stay unless they are cleared.
 class TARN_EXPORT PotentialUpdateTracker {
  public:
   using Params = PotentialUpdateData::Params;
 
-  /// Begins a walk: what the last one found becomes what this one is compared with. Does nothing while a walk is on.
+  /// Begins a walk, which will be compared with what the last one found. Does nothing during a walk.
   void start();
 
   /// @name What the walk finds
-  /// See `PotentialUpdateData`. Ignored unless a walk is on.
+  /// See `PotentialUpdateData`. Ignored outside a walk.
   /// @{
   void addObject(std::string const& path);
   void addParam(std::string const& objPath, std::string const& name);
   void addParam(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowedValues);
   /// @}
 
-  /// Removes what stands at and below `path` from what was found, at any time. If it is found no more by the end of the
-  /// walk, it counts as gone.
+  /// Removes the items at and below `path` from those found, at any time. An item that is not found again by the end of
+  /// the walk counts as gone.
   void clearObjectReferences(std::string const& path);
 
-  /// Ends the walk and compares. `model` says which of the items that are no longer potential are present. Does nothing
-  /// unless a walk is on.
+  /// Ends the walk and compares it with the previous one. `model` shows which items that are no longer potential are
+  /// present. Does nothing outside a walk.
   void synchWithTDF(DynamicTDF const* model);
 
-  /// @name What the walk under way, or else the last one, found
-  /// References stay valid as long as the tracker and show what comes.
+  /// @name Items of the current walk, or of the last one
+  /// References stay valid as long as the tracker and show later additions.
   /// @{
+  /// See `PotentialUpdateData::hasObjPotentialChildren`, also for the root.
   [[nodiscard]] bool hasObjPotentialChildren(std::string const& path) const;
   [[nodiscard]] std::vector<std::string> const& getObjects() const noexcept;
   [[nodiscard]] Params const& getParams() const noexcept;
   /// @}
 
   /// @name How the last walk differs from the one before
-  /// Empty until the walk has been compared. Objects in byte order and each once; parameters by object path in byte
-  /// order and as often as they were found. A reference is valid until the next `start`.
+  /// Empty until the walk has been compared. Objects come in byte order and each once. Parameters come by object path
+  /// in byte order. Within one object, an added or deleted parameter comes as often as its walk found it and in that
+  /// order; a changed one comes once, in name order. A reference is valid until the next `start`.
   /// @{
   [[nodiscard]] std::vector<std::string> const& getAddedObjects() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
   [[nodiscard]] Params const& getAddedParams() const noexcept;
   [[nodiscard]] Params const& getChangedParams() const noexcept;
   [[nodiscard]] Params const& getDeletedParams() const noexcept;
-  /// The allowed values of a potential parameter, or an empty record.
+  /// Returns the allowed values of a potential parameter, or an empty record.
   [[nodiscard]] ParamAllowedValues const& getAllowedValueData(std::string const& objPath,
                                                               std::string const& name) const;
   /// @}
@@ -87,7 +89,7 @@ class TARN_EXPORT PotentialUpdateTracker {
   State state_ = State::Idle;
   PotentialUpdateData previous_;
   PotentialUpdateData current_;
-  // The comparison; empty unless Synched.
+  // The comparison. Empty unless Synched.
   std::vector<std::string> addedObjects_;
   std::vector<std::string> deletedObjects_;
   Params addedParams_;

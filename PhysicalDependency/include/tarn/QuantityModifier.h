@@ -9,20 +9,21 @@ namespace tarn {
 class ModelTDF;
 
 /// Decides which quantity a real parameter measures when that depends on the model, and in which units its values are
-/// written then: the inflow of a boundary may be a mass flow or a volume flow.
+/// written. For example, the inflow of a boundary may be a mass flow or a volume flow.
 ///
-/// Implemented by the host, which owns it and keeps it alive as long as the trackers that were given it. Called during
-/// a walk, so it must not change the model.
+/// The host implements and owns it and keeps it alive as long as the trackers that use it. It is called during a walk,
+/// so it must not change the model.
 class TARN_EXPORT QuantityModifier {
  public:
   virtual ~QuantityModifier();
 
-  /// Whether the quantity type of this parameter is to be adjusted. If so, fills `quantityType` and returns 1; any
-  /// other result leaves the parameter alone. `model` is what the rules read, with the edits under way in it.
+  /// Returns 1, and fills `quantityType`, when the quantity type of this parameter must be adjusted. With any other
+  /// result the parameter is not adjusted. `model` is the model that the rules read, including the current edit.
   [[nodiscard]] virtual int getQuantityType(ModelTDF const* model, std::string const& objPath, std::string const& name,
                                             std::string& quantityType) const = 0;
 
-  /// The units to write for a value of that quantity type that came with `units`, which are "" for a plain number.
+  /// Returns the units to write for a value of that quantity type. `units` are those that the value had, "" for a plain
+  /// number.
   [[nodiscard]] virtual std::string getQuantityUnits(std::string const& quantityType,
                                                      std::string const& units) const = 0;
 

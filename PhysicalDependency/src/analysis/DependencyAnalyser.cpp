@@ -1,12 +1,11 @@
-// The walk under the rules. It keeps the objects that are open on a stack of its own, so that the depth of a model
-// cannot exhaust the thread's; each entry of that stack is a rule cursor and the children found for the child entry it
-// stands on.
+// The walk under the rules. It keeps the open objects on a stack of its own, so that a deep model cannot exhaust the
+// thread's stack. Each entry of that stack is a rule cursor and the children found for its current child entry.
 //
-// The records that hooks get are thin fronts over the cursor: a question goes to the rules when it is asked, so a hook
-// pays for what it asks and sees the model as it has left it.
+// The records that hooks get are thin adapters of the cursor. A question goes to the rules when it is asked. So a hook
+// pays only for its questions and sees the model as it has changed it.
 //
-// Everything rests on when the model is read: only right after the hook for the entry in question, because hooks create
-// and delete the very items that the entry is about. Do not hoist a read above its hook.
+// The times at which the model is read are essential: only directly after the hook for the entry in question, because
+// hooks create and delete the items of the entry. Do not move a read before its hook.
 #include <tarn/DependencyAnalyser.h>
 
 #include <deque>
@@ -24,12 +23,12 @@ namespace tarn {
 
 namespace {
 
-/// Whether the text can stand in a path as it is, as a type or as a name.
+/// Returns whether the text can be a type or a name in a path.
 bool isPlainWord(std::string_view text) noexcept {
   return !text.empty() && text.find_first_of("/:") == std::string_view::npos;
 }
 
-/// How a hook's `Abort` leaves the walk. The message is for whoever looks at the exception in a debugger.
+/// Thrown to leave the walk when a hook returns `Abort`. The message helps in a debugger.
 struct AbortException {
   std::string message;
 };
@@ -117,9 +116,9 @@ class ChildAvailInfoAdapter final : public ChildAvailInfo {
 
 }  // namespace
 
-/// An object whose `onEndObject` is still to come.
+/// An object whose `onEndObject` has not been called yet.
 struct DependencyAnalyser::OpenObject {
-  /// Behind `isRequired` stands what a cursor on the object is made from.
+  /// The arguments after `isRequired` construct the cursor.
   template <class... CursorParts>
   explicit OpenObject(bool isRequired, CursorParts&&... parts)
       : required(isRequired), dep(std::forward<CursorParts>(parts)...) {}
@@ -139,11 +138,11 @@ struct DependencyAnalyser::OpenObject {
 
   bool required;
   ObjDependency dep;
-  // The objects found for the child entry that `dep` stands on, of which the first `entered` have been entered. The
-  // name of a singleton is not looked at.
+  // The children found for the current child entry of `dep`. The first `entered` of them have been entered. The name of
+  // a singleton is not used.
   std::vector<std::string> childNames;
   std::size_t entered = 0;
-  // Their rules, if the type is a word that can stand in a path; then so are the paths of those whose names are.
+  // Their rules, if the type can be in a path. Then the path of a child can be read if its name can be in a path.
   bool hasPlainChildType = false;
   ObjDependDef const* childRules = nullptr;
 };
@@ -156,12 +155,12 @@ void DependencyAnalyser::analyse(std::string const& path, EvalContext* evalConte
   try {
     checkTree(TDFPath(path).getFullPath());
   } catch (AbortException const&) {
-    // A hook wanted the walk to end, and so it has.
+    // A hook ended the walk. That is no error.
   }
 }
 
 void DependencyAnalyser::checkTree(std::string const& root) {
-  std::deque<OpenObject> open;  // the innermost last; a deque, since it leaves the others in place when it grows
+  std::deque<OpenObject> open;  // the innermost last; a deque, because it does not move the others when it grows
   open.emplace_back(true, root, evalContext_, physicsData_);
   beginObject(open.back(), false);
   while (!open.empty()) {
@@ -193,8 +192,8 @@ void DependencyAnalyser::enterChild(std::deque<OpenObject>& open) {
   beginObject(open.back(), coupled);
 }
 
-// Walks the parameters, and does for the first child entry what `checkTree` does for the others. Of an object that is
-// not to be walked both walks remain as they were made, done.
+// Walks the parameters and starts the first child entry. `checkTree` continues with the others. When an object is not
+// walked, both walks of its cursor stay in their initial state, done.
 void DependencyAnalyser::beginObject(OpenObject& object, bool coupled) {
   ObjBeginInfoAdapter const info(object.path(), object.dep, object.required, coupled);
   paramScope_ = ParamScope::All;
@@ -206,7 +205,7 @@ void DependencyAnalyser::beginObject(OpenObject& object, bool coupled) {
     model_->getParameterNames(object.path(), presentParams_);
     object.dep.limitParams(presentParams_, paramScope_ == ParamScope::PresentOrRequired);
   }
-  // In this order: the context rule value found among the parameters selects the children.
+  // The order matters: the context rule value found among the parameters selects the children.
   checkParams(object.path(), object.dep);
   object.dep.firstChild();
   checkChild(object);
@@ -215,7 +214,7 @@ void DependencyAnalyser::beginObject(OpenObject& object, bool coupled) {
 void DependencyAnalyser::checkParams(std::string const& path, ObjDependency& dep) {
   for (dep.firstParam(); !dep.isDoneParam(); dep.nextParam()) {
     bool const available = isParamAvailable(path, dep);
-    // Only of a context rule it matters whether the model has the parameter.
+    // Only for a context rule it matters whether the model has the parameter.
     if (!available || !dep.isParamContextRule() || !model_->hasParameter(path, dep.getParamName())) continue;
     dep.setContextRuleValue(model_->getParameterValue(path, dep.getParamName()));
   }

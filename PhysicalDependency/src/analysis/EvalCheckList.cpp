@@ -1,5 +1,5 @@
-// Named checks and lists on demand. Every call makes its own evaluation context without a cache, so nothing of one
-// model can show in the results for another.
+// Named checks and lists on demand. Every call makes its own evaluation context without a cache, so the results for one
+// model cannot affect those for another.
 #include <tarn/EvalCheckList.h>
 
 #include <tarn/Check.h>

@@ -1,6 +1,6 @@
-// The rule cursor on one object. The walks are those of the object's rules; what is added here is the liveness that the
-// walk last told, the context rule value that selects what comes, and a memory for the two evaluations that several
-// hooks ask for, default and bounds. Availability and overrides are evaluated at every question.
+// The rule cursor on one object. The object's rules provide the walks. The cursor adds the liveness of the current
+// entry, the context rule value that selects the next entries, and the kept results of default and bounds, for which
+// several hooks ask. Availability and overrides are evaluated at every question.
 #include <tarn/ObjDependency.h>
 
 #include <algorithm>
@@ -16,12 +16,12 @@ namespace tarn {
 
 namespace {
 
-/// The path is read to see that it is one.
+/// Reading the path checks it.
 ObjDependDef const* rulesFor(std::string const& objPath, PhysicsData const& physicsData) {
   return physicsData.getObjDependDef(PathUtils::typePathOf(TDFPath(objPath).getFullPath()), true);
 }
 
-// The question is the one of the fixed text, which for some is the name of another.
+// `question` is the name in the fixed text. For some questions it is the name of another one.
 [[noreturn]] void failInternally(char const* question) {
   throw std::runtime_error(std::string("ObjDependency::") + question + " - internal error");
 }

@@ -1,5 +1,5 @@
-// The names under which the library's exceptions go. They carry nothing of their own beyond what `Error` holds; the
-// destructors stand here so that a program and the library agree on one type when one catches what the other throws.
+// The names of the library's exceptions. They hold nothing more than `Error` does. The destructors are defined here so
+// that a program and the library share one type when one catches what the other throws.
 #include <tarn/PhysicsDepErrors.h>
 
 namespace tarn::physics_dep {

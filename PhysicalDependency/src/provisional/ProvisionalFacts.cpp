@@ -9,6 +9,7 @@
 
 #include "provisional/ParamKey.h"
 #include "provisional/dumpModelState.h"
+#include "trackers/TrackerAccess.h"
 
 namespace tarn {
 
@@ -261,8 +262,8 @@ void ProvisionalFacts::abandonUpdate() noexcept {
 }
 
 void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
-  m_outcome.bounds.forget();
-  m_outcome.quantities.forget();
+  TrackerAccess::forget(m_outcome.bounds);
+  TrackerAccess::forget(m_outcome.quantities);
 }
 
 /// A rule may have read what has just changed, so no result that was kept holds any more. Most writes of a walk change

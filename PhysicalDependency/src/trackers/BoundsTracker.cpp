@@ -1,6 +1,6 @@
-// Which computed bounds moved. Two maps by parameter path: what was seen last, which never loses an entry, and what
-// changed since the last reset. Evaluating bounds is dear, so a parameter is asked for them only once it is known to be
-// tracked at all.
+// Which computed bounds changed. Two maps by parameter path: the last bounds of every parameter, which keep their
+// entries, and the changes since the last reset. Evaluating bounds is expensive, so it is done only for parameters that
+// are tracked.
 
 #include <tarn/BoundsTracker.h>
 
@@ -23,7 +23,7 @@ void BoundsTracker::storeUpdatedBounds(std::string const& objPath, std::string c
     if (known->second == bounds) return;
     known->second = bounds;
   }
-  // An entry of this batch stays: readers are told where the bounds went first.
+  // An existing entry of this batch stays, because readers get the first change.
   updatedBounds_.try_emplace(std::move(key), bounds);
 }
 

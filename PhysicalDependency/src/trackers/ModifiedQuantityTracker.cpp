@@ -1,5 +1,5 @@
-// The units of values on their way into a model, and the account of whose quantity type changed. What the quantity of a
-// parameter is, and its units, are the host's to say; here stands when it is asked and what is made of the answer.
+// The units of values that are about to be written, and the record of changed quantity types. The host's modifier
+// decides the quantity and the units of a parameter. This source decides when it is asked and how its answer is used.
 
 #include <tarn/ModifiedQuantityTracker.h>
 
@@ -26,7 +26,7 @@ std::string ModifiedQuantityTracker::modifyQuantity(ModelTDF const* model, std::
   std::string quantityType;
   if (modifier_->getQuantityType(model, objPath, name, quantityType) != 1) return value;
 
-  // A parameter without a value has a quantity type too, which an editor for it wants to know.
+  // A parameter without a value has a quantity type too, and an editor needs it.
   storeModifiedQuantity(objPath, name, quantityType);
   if (isBlank) return {};
   return number + " [" + modifier_->getQuantityUnits(quantityType, units) + "]";
@@ -40,7 +40,7 @@ void ModifiedQuantityTracker::storeModifiedQuantity(std::string const& objPath, 
     if (known->second == quantityType) return;
     known->second = quantityType;
   }
-  // An entry of this batch stays: readers are told what the quantity became first.
+  // An existing entry of this batch stays, because readers get the first change.
   modifiedParams_.try_emplace(std::move(key), quantityType);
 }
 

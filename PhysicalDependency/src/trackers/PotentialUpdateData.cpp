@@ -1,6 +1,6 @@
-// The potential items of one walk. Whether something potential stands below a path is asked for every empty object of a
-// walk, and items below a path are removed for every probe, so neither may cost a pass over everything: the paths that
-// hold items are kept in path order, in which a subtree is one run of entries.
+// The potential items of one walk. Every empty object of a walk asks whether something potential is below it, and every
+// probe removes the items below its path. Neither may cost a pass over everything. So the paths that hold items are
+// kept in path order, in which a subtree is one run of entries.
 
 #include <tarn/PotentialUpdateData.h>
 
@@ -59,9 +59,9 @@ void PotentialUpdateData::clear() {
 
 void PotentialUpdateData::clearObjectReferences(std::string const& path) {
   if (path.empty() || path == PathUtils::pathSeparator) return clear();
-  if (parents_.empty()) return;  // as everything else is then
+  if (parents_.empty()) return;  // then everything else is empty too
 
-  // What belongs to an object at or below the path has its parent there as well, but for the object of the path itself.
+  // Every item at or below the path has its parent there too, except the object at the path itself.
   std::string const parent(PathUtils::parentOf(path));
   bool const below = eraseSubtree(parents_, path);
   if (!below && !parents_.contains(parent)) return;
@@ -70,7 +70,7 @@ void PotentialUpdateData::clearObjectReferences(std::string const& path) {
   if (!below && removedObjects == 0) return;
 
   if (below) {
-    // In byte order the path's own entries and those below it are two runs: "/A B" stands between "/A" and "/A/B".
+    // In byte order the path's own entries and those below it are two runs: "/A B" comes between "/A" and "/A/B".
     params_.erase(path);
     std::string prefix = path + '/';
     auto const first = params_.lower_bound(prefix);
@@ -81,10 +81,10 @@ void PotentialUpdateData::clearObjectReferences(std::string const& path) {
   resetParents(parent);
 }
 
-/// Puts `parents_` right after a removal: its entries are those that something still refers to. Only two can have lost
-/// their last item, the parent of the path that was removed, and the root: that one does not count as the object of a
-/// parameter once anything has been removed, so that a potential parameter of the root is found through its own list
-/// only.
+/// Corrects `parents_` after a removal: only entries to which an item refers remain. Two entries can have lost their
+/// last item: the parent of the removed path, and the root. The root no longer counts as the object of a parameter once
+/// something has been removed, so a potential parameter of the root is then found in the list of parameters only.
+/// Callers see this in `hasObjPotentialChildren`.
 void PotentialUpdateData::resetParents(std::string const& parentOfRemoved) {
   auto const isUsed = [this](std::string const& parent) {
     if (!parent.empty() && params_.contains(parent)) return true;
@@ -109,7 +109,7 @@ ParamAllowedValues const& PotentialUpdateData::getAllowedValueData(std::string c
   return own == nullptr ? sharedEmptyAllowedValues() : *own;
 }
 
-/// Null for a parameter that was added without allowed values, or not at all.
+/// Returns null for a parameter that was added without allowed values, or not at all.
 ParamAllowedValues const* PotentialUpdateData::findAllowedValues(std::string const& objPath,
                                                                  std::string const& name) const {
   auto const object = allowedValues_.find(objPath);

@@ -1,6 +1,6 @@
-// How the potential items of one walk differ from those of the walk before. The parameters of both are sorted by object
-// path, so they are compared by going through both at once; objects are compared as sorted sets. What is potential is
-// not decided here.
+// How the potential items of one walk differ from those of the previous walk. The parameters of both are sorted by
+// object path, so one pass over both compares them. Objects are compared as sorted sets. The callers decide what is
+// potential.
 
 #include <tarn/PotentialUpdateTracker.h>
 
@@ -19,7 +19,7 @@ namespace {
 std::vector<std::string> const noObjects;
 PotentialUpdateTracker::Params const noParams;
 
-/// Puts the entry behind all others. The comparison goes in key order, so that is its place.
+/// Appends the entry. The comparison goes in key order, so this is its position.
 void append(PotentialUpdateTracker::Params& list, std::string const& objPath, std::string const& name) {
   list.emplace_hint(list.end(), objPath, name);
 }
@@ -53,7 +53,7 @@ void PotentialUpdateTracker::clearObjectReferences(std::string const& path) {
 
 void PotentialUpdateTracker::synchWithTDF(DynamicTDF const* model) {
   if (state_ != State::Collecting) return;
-  clear();  // of what a comparison has left that broke off
+  clear();  // a comparison that threw may have left entries
   synchParams(*model);
   synchObjects(*model);
   state_ = State::Synched;
@@ -118,7 +118,7 @@ void PotentialUpdateTracker::synchParams(DynamicTDF const& model) {
   }
 }
 
-/// Compares the parameters of an object that had potential ones before and has some now.
+/// Compares the parameters of an object that has potential ones in both walks.
 void PotentialUpdateTracker::synchParamsOfObject(std::string const& objPath, DynamicTDF const& model) {
   auto const [beforeBegin, beforeEnd] = previous_.getParams().equal_range(objPath);
   auto const [nowBegin, nowEnd] = current_.getParams().equal_range(objPath);

@@ -7,8 +7,8 @@
 
 namespace tarn {
 
-/// The log of a `DynamicTDF`: events in the order in which they happened, with no reasoning about them. While recording
-/// is off none of the lists changes, by clearing neither; `DynamicTDF` promises that to its callers.
+/// The log of a `DynamicTDF`: events in the order in which they happened, without any interpretation. While recording
+/// is off no list changes, also not by clearing. `DynamicTDF` promises that to its callers.
 class ChangeRecord {
  public:
   using ParamId = std::pair<std::string, std::string>;
@@ -29,11 +29,11 @@ class ChangeRecord {
     if (recording_) modifiedParams_.pop_back();
   }
   void recordDeleted(std::string_view objPath, std::string_view name) { append(deletedParams_, objPath, name); }
-  /// Undoes the latest calls of `recordDeleted`, so that `count` deletions are left.
+  /// Undoes the last calls of `recordDeleted` until `count` deletions are left.
   void takeBackDeleted(std::size_t count) noexcept {
     while (deletedParams_.size() > count) deletedParams_.pop_back();
   }
-  /// Makes the next `recordDeletedObject` one that cannot fail.
+  /// Reserves memory so that the next `recordDeletedObject` cannot fail.
   void makeRoomForDeletedObject() {
     if (recording_ && deletedObjects_.size() == deletedObjects_.capacity()) {
       deletedObjects_.reserve(deletedObjects_.size() + deletedObjects_.size() / 2 + 1);
@@ -59,7 +59,7 @@ class ChangeRecord {
  private:
   static constexpr std::size_t much = 4096;
 
-  /// The first batch holds a whole model; the room that it took is not kept for the small ones behind it.
+  /// The first batch holds a whole model. Its memory is not kept for the small batches after it.
   template <class Entry>
   static void empty(std::vector<Entry>& list) noexcept {
     if (list.capacity() > much) {
@@ -71,7 +71,7 @@ class ChangeRecord {
 
   void append(std::vector<ParamId>& list, std::string_view objPath, std::string_view name) {
     if (!recording_) return;
-    // Less than doubled when it is long: the log of a whole model stays as long as nothing else is edited.
+    // A long list grows by less than double, because the log of a whole model stays until the next edit.
     if (list.size() == list.capacity() && list.size() >= much) list.reserve(list.size() + list.size() / 8);
     list.emplace_back(objPath, name);
   }

@@ -1,10 +1,10 @@
 // Loading a tree from a model or a state, merging into it, and mirroring a branch of another tree. Loading and merging
-// only add and overwrite; mirroring makes the branch equal and is the only one that deletes. All of it goes through the
-// same two ways of setting a parameter as single edits do, so that the log tells of it in the same way.
+// only add and overwrite. Mirroring makes the branch equal and is the only one that deletes. All of them set parameters
+// with the same two operations as single edits, so the log records them in the same way.
 //
-// The walks keep their own stacks: a model is as deep as its user made it.
+// The walks keep their own stacks, because a model may be of any depth.
 
-#include <tarn/DynamicTDF.h>
+#include "tree/DynamicTDFImpl.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,10 +12,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "tree/ChangeRecord.h"
-#include "tree/DynamicTDFNode.h"
 #include "tree/DynamicTDFStateLoad.h"
-#include "tree/DynamicTDFStore.h"
 
 namespace tarn {
 
@@ -34,26 +31,28 @@ bool ascend(std::vector<DynamicTDF::StateRange> const& parts) {
 
 }  // namespace
 
-/// Turns the passing over of empty values on for one call, if that asks for it or is made by one that did. Also a load
-/// that ends in an exception ends the mode, so that a later `setParameter` stores an empty value again.
-class DynamicTDF::SkipEmptyScope {
+/// Makes one call skip empty values, if it asks for that or is made by a call that did. The mode ends also when the
+/// load throws, so that a later `setParameter` stores an empty value again.
+class [[gnu::visibility("hidden")]] DynamicTDF::Impl::SkipEmptyScope {
  public:
-  SkipEmptyScope(DynamicTDF& tree, bool skipEmpty) noexcept : tree_(tree) {
+  SkipEmptyScope(Impl & tree, bool skipEmpty) noexcept : tree_(tree) {
     tree_.skipEmptyValues_ = tree_.skipEmptyValues_ || skipEmpty;
   }
-  ~SkipEmptyScope() { tree_.skipEmptyValues_ = false; }
+  ~SkipEmptyScope() {
+    tree_.skipEmptyValues_ = false;
+  }
   SkipEmptyScope(SkipEmptyScope const&) = delete;
   SkipEmptyScope& operator=(SkipEmptyScope const&) = delete;
 
  private:
-  DynamicTDF& tree_;
+  Impl& tree_;
 };
 
 void DynamicTDF::initialise(ModelTDF const* model, std::string const& path, bool skipEmpty) {
-  std::string top = path;  // copied, since the caller's text may be one of this tree's
-  clear();
-  SkipEmptyScope const mode(*this, skipEmpty);
-  setParameters(std::move(top), *model);
+  std::string top = path;  // copied, because the caller's string may belong to this tree
+  impl_->clear();
+  Impl::SkipEmptyScope const mode(*impl_, skipEmpty);
+  impl_->setParameters(std::move(top), *model);
 }
 
 void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
@@ -61,34 +60,34 @@ void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_
 }
 
 void DynamicTDF::initialise(std::vector<StateRange> const& parts, bool skipEmpty) {
-  if (!changes_->isRecording() && refill(parts, skipEmpty)) return;
-  clear();
-  SkipEmptyScope const mode(*this, skipEmpty);
+  if (!impl_->changes_.isRecording() && impl_->refill(parts, skipEmpty)) return;
+  impl_->clear();
+  Impl::SkipEmptyScope const mode(*impl_, skipEmpty);
   std::vector<Node*> loaded;
   for (StateRange const& part : parts) {
     for (auto object = part.begin; object != part.end; ++object) {
-      loaded.push_back(&setParameters(object->first, object->second));
+      loaded.push_back(&impl_->setParameters(object->first, object->second));
     }
   }
   // `refill` gives an object exactly the parameters of one entry. So a load in which two entries may be of one object
   // is not remembered.
-  if (!changes_->isRecording() && ascend(parts)) nodes_->rememberLoad(std::move(loaded));
+  if (!impl_->changes_.isRecording() && ascend(parts)) impl_->nodes_.rememberLoad(std::move(loaded));
 }
 
 void DynamicTDF::update(ModelTDF const* model, std::string const& path, bool skipEmpty) {
-  SkipEmptyScope const mode(*this, skipEmpty);
-  setParameters(path, *model);
+  Impl::SkipEmptyScope const mode(*impl_, skipEmpty);
+  impl_->setParameters(path, *model);
 }
 
 void DynamicTDF::update(ModelState::const_iterator begin, ModelState::const_iterator end, bool skipEmpty) {
-  SkipEmptyScope const mode(*this, skipEmpty);
-  for (; begin != end; ++begin) setParameters(begin->first, begin->second);
+  Impl::SkipEmptyScope const mode(*impl_, skipEmpty);
+  for (; begin != end; ++begin) impl_->setParameters(begin->first, begin->second);
 }
 
-/// Loads one object and all below it, parents before children and children in the order in which the model lists them.
-/// An object is asked for its children only when its own parameters are set: the model may be a view that reads this
-/// tree.
-void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
+/// Loads one object and everything below it, parents before children, and children in the order in which the model
+/// lists them. The model is asked for the children of an object only after the object's own parameters are set, because
+/// the model may be a view that reads this tree.
+void DynamicTDF::Impl::setParameters(std::string topPath, ModelTDF const& model) {
   std::vector<std::string> pending;
   pending.push_back(std::move(topPath));
   std::vector<std::string> names;
@@ -108,17 +107,16 @@ void DynamicTDF::setParameters(std::string topPath, ModelTDF const& model) {
   }
 }
 
-DynamicTDF::Node& DynamicTDF::setParameters(std::string const& objPath, ObjectState const& values) {
+DynamicTDF::Node& DynamicTDF::Impl::setParameters(std::string const& objPath, ObjectState const& values) {
   Node& node = findCreateNode(objPath);
   if (node.params.empty()) node.params.reserve(values.size());
   for (auto const& [name, value] : values) doSetParameter(objPath, name, value, node);
   return node;
 }
 
-/// Returns false when the tree has to be loaded anew.
-bool DynamicTDF::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
-  nodes_->noteChange();
-  StateLoad load(*this, skipEmpty);
+/// Returns false when the tree has to be rebuilt.
+bool DynamicTDF::Impl::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
+  DynamicTDFStateLoad load(nodes_, skipEmpty);
   for (StateRange const& part : parts) {
     for (auto object = part.begin; object != part.end; ++object) {
       if (!load.take(object->first, object->second)) return false;
@@ -129,19 +127,19 @@ bool DynamicTDF::refill(std::vector<StateRange> const& parts, bool skipEmpty) {
 
 void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {
   if (source == this) return;
-  if (Node const* const sourceNode = source->nodes_->find(path)) {
-    copyNodeAndChildren(*sourceNode);
+  if (Node const* const sourceNode = source->impl_->nodes_.find(path)) {
+    impl_->copyNodeAndChildren(*this, *sourceNode);
   } else {
-    deleteNodeAndChildren(std::string(path));
+    impl_->deleteNodeAndChildren(std::string(path));
   }
 }
 
 /// Mirrors `sourceTop` and everything below it. The parameters of an object come first, then its children in the order
 /// of the source, and last the deletion of those of its children that the source lacks.
-void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
+void DynamicTDF::Impl::copyNodeAndChildren(DynamicTDF const& self, Node const& sourceTop) {
   // A derived class may list other children than the tree holds. What it lists is what may become obsolete, so it is
   // asked, and the objects that it names are looked up by path: one of them may be any object of this tree.
-  bool const isDerived = typeid(*this) != typeid(DynamicTDF);
+  bool const isDerived = typeid(self) != typeid(DynamicTDF);
   std::vector<std::vector<std::string>> listedObsolete;  // of the objects from the top down to the current one
 
   // The listed path of the current object. Only its components change on the way.
@@ -152,13 +150,13 @@ void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
     sourceNode = &source;
     targetNode = &target;
     copyNodeParameters(source, target, path);
-    if (isDerived) listedObsolete.push_back(listedChildrenNotIn(source, path));
+    if (isDerived) listedObsolete.push_back(listedChildrenNotIn(self, source, path));
   };
   auto const enterChild = [&](Node const& child, Node* targetParent) {
     std::size_t const parentSize = path.size();
     child.appendListedComponent(path);
     enter(child, isDerived ? findCreateNode(path)
-                           : nodes_->findCreateChild(*targetParent, std::string_view(path).substr(parentSize)));
+                           : nodes_.findCreateChild(*targetParent, std::string_view(path).substr(parentSize)));
   };
 
   enter(sourceTop, findCreateNode(path));
@@ -190,10 +188,11 @@ void DynamicTDF::copyNodeAndChildren(Node const& sourceTop) {
   }
 }
 
-/// The paths that this tree lists as children of `path` and that no child of `sourceNode` has, in byte order.
-std::vector<std::string> DynamicTDF::listedChildrenNotIn(Node const& sourceNode, std::string const& path) const {
+/// Returns the paths that `self` lists as children of `path` and that no child of `sourceNode` has, in byte order.
+std::vector<std::string> DynamicTDF::Impl::listedChildrenNotIn(DynamicTDF const& self, Node const& sourceNode,
+                                                               std::string const& path) {
   std::vector<std::string> listed;
-  getChildObjectPaths(path, listed);
+  self.getChildObjectPaths(path, listed);
   std::sort(listed.begin(), listed.end());
   listed.erase(std::unique(listed.begin(), listed.end()), listed.end());
   std::vector<std::string> wanted;
@@ -205,12 +204,12 @@ std::vector<std::string> DynamicTDF::listedChildrenNotIn(Node const& sourceNode,
   return obsolete;
 }
 
-void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath) {
+void DynamicTDF::Impl::copyNodeParameters(Node const& sourceNode, Node& targetNode, std::string const& objPath) {
   for (auto const& entry : sourceNode.params) {
     std::string const& name = entry.name();
     Node::ParamVal const& param = entry.value;
-    // The record decides, not the type of the parameter: an allowed value parameter that was set with an empty record
-    // reaches the target as a plain value.
+    // The record decides, not the type of the parameter. So a parameter of allowed value type that was set with an
+    // empty record reaches the target as a plain value.
     if (param.allowedValues().hasAllowedValues) {
       doSetParameter(objPath, name, param.allowedValues(), param.value(), targetNode);
     } else {
@@ -224,8 +223,8 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, st
     if (sourceParam != sourceNode.params.end() && sourceParam->name() == param->name()) {
       ++param;
     } else {
-      nodes_->noteChange();
-      changes_->recordDeleted(objPath, param->name());
+      nodes_.noteChange();
+      changes_.recordDeleted(objPath, param->name());
       param = targetNode.params.erase(param);
     }
   }
@@ -233,8 +232,8 @@ void DynamicTDF::copyNodeParameters(Node const& sourceNode, Node& targetNode, st
 
 /// Deletes the children here that the source lacks, in byte order of their paths. `path` is that of both objects. This
 /// does what the listing of the children would, without making their paths.
-void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path) {
-  // Most often the two have the same children in the same order.
+void DynamicTDF::Impl::deleteObsoleteChildren(Node const& sourceNode, Node const& targetNode, std::string const& path) {
+  // Mostly the two have the same children in the same order.
   auto const same = [](Node const& a, Node const& b) { return a.type == b.type && a.name() == b.name(); };
   if (std::equal(sourceNode.children.begin(), sourceNode.children.end(), targetNode.children.begin(),
                  targetNode.children.end(), same)) {
@@ -254,9 +253,9 @@ void DynamicTDF::deleteObsoleteChildren(Node const& sourceNode, Node const& targ
   for (std::string_view const component : obsolete) deleteObject(std::string(path).append(component));
 }
 
-void DynamicTDF::clear() {
-  nodes_->reset();
-  changes_->clear();
+void DynamicTDF::Impl::clear() {
+  nodes_.reset();
+  changes_.clear();
 }
 
 }  // namespace tarn

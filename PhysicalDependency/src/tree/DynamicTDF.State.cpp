@@ -1,10 +1,10 @@
-// Taking the content of a branch as a state, which is in byte order of whole paths. Objects do not know their paths,
-// and the order of the tree is not that order: `/A B` comes between `/A` and `/A/B`. So each object with children gives
-// two things to put in order among its neighbours, itself as `A` and what is below it as `A/`. Those in byte order,
-// each opened where it stands, give the paths in byte order: nothing that begins with `A/` can fall outside of it, and
-// no neighbour's component has a "/" with which it could fall within.
+// Takes the content of a branch as a state, which is in byte order of whole paths. Objects do not know their paths, and
+// the order of the tree is a different one: `/A B` comes between `/A` and `/A/B`. So each object with children gives
+// two entries to sort among its siblings: itself as `A`, and everything below it as `A/`. Sorted in byte order and
+// opened in place, these give the paths in byte order: everything that begins with `A/` stays together, and no sibling
+// can come between, because no component contains a "/".
 
-#include <tarn/DynamicTDF.h>
+#include "tree/DynamicTDFImpl.h"
 
 #include <tarn/StringUtilities.h>
 
@@ -13,15 +13,11 @@
 #include <string_view>
 #include <utility>
 
-#include "tree/ChangeRecord.h"
-#include "tree/DynamicTDFNode.h"
-#include "tree/DynamicTDFStore.h"
-
 namespace tarn {
 
-class DynamicTDF::StateWalk {
+class [[gnu::visibility("hidden")]] DynamicTDF::Impl::StateWalk {
  public:
-  /// `path` is the one under which `top` is found.
+  /// `path` is the path under which `top` is found.
   StateWalk(Node const& top, std::string path) : path_(std::move(path)) {
     take(top);
     open(top);
@@ -38,24 +34,26 @@ class DynamicTDF::StateWalk {
     }
   }
 
-  [[nodiscard]] ModelState release() { return std::move(state_); }
+  [[nodiscard]] ModelState release() {
+    return std::move(state_);
+  }
 
  private:
   struct Step {
     Node const* node;
     std::size_t parentSize;
-    /// Whether the object itself is meant or all below it.
+    /// True for everything below the object, false for the object itself.
     bool below;
   };
 
-  /// The object of path_ enters the state, if it has parameters.
+  /// Enters the object at path_ in the state, if it has parameters.
   void take(Node const& node) {
     if (node.params.empty()) return;
     ObjectState& values = state_.try_emplace(state_.end(), path_)->second;
     for (auto const& param : node.params) values.try_emplace(values.end(), param.name(), param.value.value());
   }
 
-  /// Puts the children of the object of path_ on the stack, the one that comes first on top.
+  /// Puts the children of the object at path_ on the stack, the first one on top.
   void open(Node const& node) {
     auto const from = static_cast<std::ptrdiff_t>(pending_.size());
     for (Node const* child = node.children.last(); child != nullptr; child = child->previousSibling) {
@@ -63,18 +61,18 @@ class DynamicTDF::StateWalk {
       if (!child->params.empty()) pending_.push_back({child, path_.size(), false});
     }
     auto const comesLater = [](Step const& a, Step const& b) { return compare(a, b) > 0; };
-    // A tree that was loaded from a state is nearly always in order already.
+    // A tree that was loaded from a state is mostly in order already.
     if (!std::is_sorted(pending_.begin() + from, pending_.end(), comesLater)) {
       std::sort(pending_.begin() + from, pending_.end(), comesLater);
     }
   }
 
-  /// As bytes, without putting the texts together.
+  /// Compares as bytes, without composing the strings.
   [[nodiscard]] static int compare(Step const& a, Step const& b) noexcept {
     if (a.node == b.node) return static_cast<int>(a.below) - static_cast<int>(b.below);
     auto const partsA = partsOf(a);
     auto const partsB = partsOf(b);
-    // Types are pooled: most neighbours have the very same.
+    // Types are pooled, and most siblings share one.
     std::size_t const start = &a.node->type == &b.node->type ? 1 : 0;
     std::size_t i = start;
     std::size_t j = start;
@@ -102,35 +100,36 @@ class DynamicTDF::StateWalk {
 };
 
 ModelState DynamicTDF::getState(std::string const& rootPath) const {
-  // With a path all those above it are in the tree, so there is nothing below an object that is not there.
-  Node const* const top = rootPath == "/" ? &nodes_->root() : nodes_->find(rootPath);
-  return top == nullptr ? ModelState() : StateWalk(*top, top == &nodes_->root() ? std::string() : rootPath).release();
+  // Every object of the tree has all objects above it in the tree. So nothing can exist below a missing object.
+  Node const* const top = rootPath == "/" ? &impl_->nodes_.root() : impl_->nodes_.find(rootPath);
+  return top == nullptr ? ModelState()
+                        : Impl::StateWalk(*top, top == &impl_->nodes_.root() ? std::string() : rootPath).release();
 }
 
 void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) const {
-  auto const& added = changes_->addedParams();
-  auto const& modified = changes_->modifiedParams();
-  auto const& deleted = changes_->deletedParams();
-  // Each entry of the log costs a look-up in tree and state, which is several times what a parameter costs in a state
-  // that is made anew; objects have a handful of parameters. The log of an object that is found under another path than
-  // it is listed under may tell of it by either.
+  auto const& added = impl_->changes_.addedParams();
+  auto const& modified = impl_->changes_.modifiedParams();
+  auto const& deleted = impl_->changes_.deletedParams();
+  // Each entry of the log costs a look-up in tree and state. That is several times the cost of a parameter in a new
+  // state, and objects have a handful of parameters. For an object that is found under another path than it is listed
+  // under, the log may hold either path.
   std::size_t const changes = added.size() + modified.size() + deleted.size();
-  if (changes > nodes_->size() * 2 || nodes_->hasOtherwiseListed()) {
+  if (changes > impl_->nodes_.size() * 2 || impl_->nodes_.hasOtherwiseListed()) {
     state = getState(rootPath);
     return;
   }
   for (auto const* const list : {&added, &modified, &deleted}) {
-    for (auto const& [objPath, name] : *list) refreshParameter(state, rootPath, objPath, name);
+    for (auto const& [objPath, name] : *list) impl_->refreshParameter(state, rootPath, objPath, name);
   }
 }
 
-void DynamicTDF::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
-                                  std::string const& name) const {
+void DynamicTDF::Impl::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
+                                        std::string const& name) const {
   if (!StringUtilities::isPathRootedAt(rootPath, objPath)) return;
   // What is set under "/" goes to the root and is logged as it was set. The root itself answers to "" only.
   if (objPath == "/") return refreshParameter(state, rootPath, "", name);
-  if (std::string const* const value = findParameterValue(objPath, name)) {
-    state[objPath].insert_or_assign(name, *value);
+  if (Node::ParamVal const* const param = nodes_.findParam(objPath, name)) {
+    state[objPath].insert_or_assign(name, param->value());
   } else if (auto const object = state.find(objPath); object != state.end()) {
     object->second.erase(name);
     if (object->second.empty()) state.erase(object);

@@ -1,33 +1,27 @@
-// Reading and single edits of the editable tree, and its change log. A read finds the object in the store and asks it;
-// an edit changes the object and then tells the log. Loading, merging and mirroring stand in DynamicTDF.Bulk.cpp,
-// taking the state in DynamicTDF.State.cpp, the store of objects and the objects themselves in the DynamicTDFStore and
-// DynamicTDFNode sources.
+// Reading and single edits of the editable tree, and its change log. A read finds the object in the store and asks it.
+// An edit changes the object together with its entry in the log. DynamicTDF.Bulk.cpp loads, merges and mirrors,
+// DynamicTDF.State.cpp takes the state. The DynamicTDFStore and DynamicTDFNode sources hold the objects.
 
-#include <tarn/DynamicTDF.h>
+#include "tree/DynamicTDFImpl.h"
 
 #include <tarn/StringUtilities.h>
 
 #include <utility>
 
-#include "tree/ChangeRecord.h"
-#include "tree/DynamicTDFNode.h"
-#include "tree/DynamicTDFStore.h"
 #include "tree/SharedEmpty.h"
 
 namespace tarn {
 
-DynamicTDF::DynamicTDF(bool recordUpdates)
-    : nodes_(std::make_unique<NodeStore>()), changes_(std::make_unique<ChangeRecord>(recordUpdates)) {}
+DynamicTDF::DynamicTDF(bool recordUpdates) : impl_(std::make_unique<Impl>(recordUpdates)) {}
 
 DynamicTDF::~DynamicTDF() = default;
 
 void DynamicTDF::swap(DynamicTDF& other) noexcept {
-  nodes_.swap(other.nodes_);
-  changes_.swap(other.changes_);
+  impl_.swap(other.impl_);
 }
 
 bool DynamicTDF::hasObject(std::string const& path) const {
-  return nodes_->find(path) != nullptr;
+  return impl_->nodes_.find(path) != nullptr;
 }
 
 bool DynamicTDF::hasParameter(std::string const& paramPath) const {
@@ -38,16 +32,16 @@ bool DynamicTDF::hasParameter(std::string const& paramPath) const {
 }
 
 bool DynamicTDF::hasParameter(std::string const& objPath, std::string const& name) const {
-  return nodes_->findParam(objPath, name) != nullptr;
+  return impl_->nodes_.findParam(objPath, name) != nullptr;
 }
 
 std::string const& DynamicTDF::getObjectName(std::string const& path) const {
-  Node const* const node = nodes_->find(path);
+  Node const* const node = impl_->nodes_.find(path);
   return node == nullptr ? sharedEmptyString() : node->name();
 }
 
 std::string const& DynamicTDF::getObjectType(std::string const& path) const {
-  Node const* const node = nodes_->find(path);
+  Node const* const node = impl_->nodes_.find(path);
   return node == nullptr ? sharedEmptyString() : node->type;
 }
 
@@ -59,12 +53,12 @@ std::string const& DynamicTDF::getParameterValue(std::string const& paramPath) c
 }
 
 std::string const& DynamicTDF::getParameterValue(std::string const& objPath, std::string const& name) const {
-  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name);
   return param == nullptr ? sharedEmptyString() : param->value();
 }
 
 std::string const* DynamicTDF::findParameterValue(std::string const& objPath, std::string const& name) const {
-  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name);
   return param == nullptr ? nullptr : &param->value();
 }
 
@@ -78,12 +72,12 @@ bool DynamicTDF::getParamValueAsList(std::string const& paramPath, std::vector<s
 bool DynamicTDF::getParamValueAsList(std::string const& objPath, std::string const& name,
                                      std::vector<std::string>& out) const {
   out.clear();
-  if (Node::ParamVal const* const param = nodes_->findParam(objPath, name)) out = param->getValueAsList();
+  if (Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name)) out = param->getValueAsList();
   return !out.empty();
 }
 
 bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::string>& out) const {
-  Node const* const node = nodes_->find(path);
+  Node const* const node = impl_->nodes_.find(path);
   if (node == nullptr) return false;
   out.clear();
   out.reserve(node->params.size());
@@ -93,10 +87,10 @@ bool DynamicTDF::getParameterNames(std::string const& path, std::vector<std::str
 
 bool DynamicTDF::getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const {
   out.clear();
-  if (Node const* const node = nodes_->find(path)) {
+  if (Node const* const node = impl_->nodes_.find(path)) {
     std::string const listed = node->listedAsFound ? std::string() : node->path();
     out.reserve(node->children.size());
-    for (Node const& child : node->children) out.push_back(childPath(node->listedAsFound ? path : listed, child));
+    for (Node const& child : node->children) out.push_back(Impl::childPath(node->listedAsFound ? path : listed, child));
   }
   return !out.empty();
 }
@@ -104,7 +98,7 @@ bool DynamicTDF::getChildObjectPaths(std::string const& path, std::vector<std::s
 bool DynamicTDF::getChildObjectNamesByType(std::string const& path, std::string const& type,
                                            std::vector<std::string>& out) const {
   out.clear();
-  if (Node const* const node = nodes_->find(path)) {
+  if (Node const* const node = impl_->nodes_.find(path)) {
     node->children.visitOfType(type, [&](Node const& child) { out.push_back(child.name()); });
   }
   return !out.empty();
@@ -113,21 +107,21 @@ bool DynamicTDF::getChildObjectNamesByType(std::string const& path, std::string 
 bool DynamicTDF::getChildObjectPathsByType(std::string const& path, std::string const& type,
                                            std::vector<std::string>& out) const {
   out.clear();
-  if (Node const* const node = nodes_->find(path)) {
+  if (Node const* const node = impl_->nodes_.find(path)) {
     std::string const listed = node->listedAsFound ? std::string() : node->path();
     node->children.visitOfType(
-        type, [&](Node const& child) { out.push_back(childPath(node->listedAsFound ? path : listed, child)); });
+        type, [&](Node const& child) { out.push_back(Impl::childPath(node->listedAsFound ? path : listed, child)); });
   }
   return !out.empty();
 }
 
 ParamAllowedValues const& DynamicTDF::getAllowedValueData(std::string const& objPath, std::string const& name) const {
-  Node::ParamVal const* const param = nodes_->findParam(objPath, name);
+  Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name);
   return param == nullptr ? sharedEmptyAllowedValues() : param->allowedValues();
 }
 
 bool DynamicTDF::isObjectEmpty(std::string const& path) const {
-  Node const* const top = nodes_->find(path);
+  Node const* const top = impl_->nodes_.find(path);
   if (top == nullptr) return true;
   for (Node const* node = top; node != nullptr; node = node->nextBelow(*top)) {
     if (!node->params.empty()) return false;
@@ -140,88 +134,80 @@ bool DynamicTDF::createObject(std::string const& parentPath, std::string const& 
   path.reserve(parentPath.size() + type.size() + name.size() + 2);
   path.append(parentPath).append("/").append(type);
   if (!name.empty() && name != type) path.append(":").append(name);
-  if (nodes_->find(path) != nullptr) return false;
-  nodes_->create(path);
+  if (impl_->nodes_.find(path) != nullptr) return false;
+  impl_->nodes_.create(path);
   return true;
 }
 
 void DynamicTDF::deleteObject(std::string const& path) {
-  if (!changes_->isRecording()) {
-    deleteNodeAndChildren(path);
-    return;
-  }
-  // The caller's text may be one that goes with the object, a parameter that names its own object for example.
-  std::string top = path;
-  changes_->makeRoomForDeletedObject();
-  if (deleteNodeAndChildren(top)) changes_->recordDeletedObject(std::move(top));
+  impl_->deleteObject(path);
 }
 
 void DynamicTDF::deleteObjects(std::vector<std::string> const& paths) {
-  // The caller's list may be our own log, which grows meanwhile.
+  // The caller's list may be the log of this tree, which grows during the loop.
   for (std::size_t i = 0, count = paths.size(); i < count; ++i) deleteObject(paths[i]);
 }
 
 void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
-  if (changes_->isRecording()) {
-    deleteNodeAndChildren(std::string(path));
+  if (impl_->changes_.isRecording()) {
+    impl_->deleteNodeAndChildren(std::string(path));
   } else {
-    deleteNodeAndChildren(path);
+    impl_->deleteNodeAndChildren(path);
   }
 }
 
 void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
-  Node* const node = nodes_->find(objPath);
+  Node* const node = impl_->nodes_.find(objPath);
   if (node == nullptr) return;
   if (node->params.find(name) == nullptr) return;
-  nodes_->noteChange();
-  // Recorded first, since the caller's texts may be of the parameter that goes.
-  changes_->recordDeleted(objPath, name);
+  // Recorded first, because the caller's strings may belong to the parameter that is erased.
+  impl_->changes_.recordDeleted(objPath, name);
+  impl_->nodes_.noteChange();
   node->params.erase(name);
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
-  changeObject(objPath, [&](Node& node) { doSetParameter(objPath, name, value, node); });
+  impl_->changeObject(objPath, [&](Node& node) { impl_->doSetParameter(objPath, name, value, node); });
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name,
                               ParamAllowedValues const& allowedValues, std::string const& value) {
-  changeObject(objPath, [&](Node& node) { doSetParameter(objPath, name, allowedValues, value, node); });
+  impl_->changeObject(objPath, [&](Node& node) { impl_->doSetParameter(objPath, name, allowedValues, value, node); });
 }
 
 std::uint64_t DynamicTDF::getRevision() const noexcept {
-  return nodes_->revision();
+  return impl_->nodes_.revision();
 }
 
 void DynamicTDF::startRecordingUpdates() {
-  changes_->setRecording(true);
+  impl_->changes_.setRecording(true);
 }
 
 void DynamicTDF::stopRecordingUpdates() {
-  changes_->setRecording(false);
+  impl_->changes_.setRecording(false);
 }
 
 void DynamicTDF::resetChanges() {
-  changes_->clear();
+  impl_->changes_.clear();
 }
 
 std::vector<DynamicTDF::ParamId> const& DynamicTDF::getAddedParameters() const noexcept {
-  return changes_->addedParams();
+  return impl_->changes_.addedParams();
 }
 
 std::vector<DynamicTDF::ParamId> const& DynamicTDF::getDeletedParameters() const noexcept {
-  return changes_->deletedParams();
+  return impl_->changes_.deletedParams();
 }
 
 std::vector<DynamicTDF::ParamId> const& DynamicTDF::getModifiedParameters() const noexcept {
-  return changes_->modifiedParams();
+  return impl_->changes_.modifiedParams();
 }
 
 std::vector<std::string> const& DynamicTDF::getDeletedObjects() const noexcept {
-  return changes_->deletedObjects();
+  return impl_->changes_.deletedObjects();
 }
 
-/// The path of `child` as listings give it, where `parentPath` is that of its parent.
-std::string DynamicTDF::childPath(std::string const& parentPath, Node const& child) {
+std::string DynamicTDF::Impl::childPath(std::string const& parentPath, Node const& child) {
   std::string path;
   path.reserve(parentPath.size() + child.type.size() + child.writtenName.size() + 2);
   path.append(parentPath);
@@ -229,85 +215,96 @@ std::string DynamicTDF::childPath(std::string const& parentPath, Node const& chi
   return path;
 }
 
-DynamicTDF::Node& DynamicTDF::findCreateNode(std::string const& path) {
-  Node* const node = nodes_->find(path);
-  return node == nullptr ? nodes_->create(path) : *node;
+DynamicTDF::Node& DynamicTDF::Impl::findCreateNode(std::string const& path) {
+  Node* const node = nodes_.find(path);
+  return node == nullptr ? nodes_.create(path) : *node;
 }
 
-/// Has one object changed, which is made if it is missing, and goes again if the change fails.
+/// Changes one object. A missing object is created, and removed again if the change fails.
 template <class Change>
-void DynamicTDF::changeObject(std::string const& path, Change const& change) {
-  if (Node* const node = nodes_->find(path)) return change(*node);
+void DynamicTDF::Impl::changeObject(std::string const& path, Change const& change) {
+  if (Node* const node = nodes_.find(path)) return change(*node);
   Node* present = nullptr;
-  Node& made = nodes_->create(path, &present);
+  Node& made = nodes_.create(path, &present);
   try {
     change(made);
   } catch (...) {
-    nodes_->removeUpTo(*present, made);
+    nodes_.removeUpTo(*present, made);
     throw;
   }
 }
 
-/// Adds a parameter that is not there.
+/// Adds a parameter that the object does not have yet.
 template <class... Initial>
-void DynamicTDF::addParameter(std::string const& objPath, std::string const& name, Node& node,
-                              Initial const&... initial) {
+void DynamicTDF::Impl::addParameter(std::string const& objPath, std::string const& name, Node& node,
+                                    Initial const&... initial) {
   Node::ParamVal param(initial...);
-  nodes_->noteChange();
-  nodes_->forgetLoad();
-  std::string const& pooled = nodes_->names().intern(name);
-  // Recorded first, since the caller's texts may be values of this object, which move when it gets another.
-  changes_->recordAdded(objPath, pooled);
+  nodes_.noteChange();
+  nodes_.forgetLoad();
+  std::string const& pooled = nodes_.names().intern(name);
+  // Recorded first, because the caller's strings may be values of this object, which move when it gets another one.
+  changes_.recordAdded(objPath, pooled);
   try {
     node.params.insert(pooled, std::move(param));
   } catch (...) {
-    changes_->takeBackAdded();
+    changes_.takeBackAdded();
     throw;
   }
 }
 
-/// Deletes the object at `path` with everything below it, and returns whether there was one. While nothing is recorded
-/// it cannot fail, and the text may go with the object.
-bool DynamicTDF::deleteNodeAndChildren(std::string const& path) {
-  Node* const top = nodes_->find(path);
-  if (top == nullptr || top == &nodes_->root()) return false;
+void DynamicTDF::Impl::deleteObject(std::string const& path) {
+  if (!changes_.isRecording()) {
+    deleteNodeAndChildren(path);
+    return;
+  }
+  // The caller's string may be deleted with the object, for example a parameter that names its own object.
+  std::string top = path;
+  changes_.makeRoomForDeletedObject();
+  if (deleteNodeAndChildren(top)) changes_.recordDeletedObject(std::move(top));
+}
 
-  // Leaves first, and of the children the last one first: the order of the log, which readers see.
+/// Deletes the object at `path` with everything below it, and returns whether there was one. While nothing is recorded
+/// it cannot fail, and the string may be deleted with the object.
+bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
+  Node* const top = nodes_.find(path);
+  if (top == nullptr || top == &nodes_.root()) return false;
+
+  // Leaves first, and the last child before the first: readers of the log see this order.
   for (Node* node = top;;) {
     while (!node->children.empty()) node = node->children.last();
     bool const isTop = node == top;
-    if (changes_->isRecording() && !node->params.empty()) {
+    if (changes_.isRecording() && !node->params.empty()) {
       std::string const composed = isTop ? std::string() : node->path();
-      std::size_t const logged = changes_->deletedParams().size();
+      std::size_t const logged = changes_.deletedParams().size();
       try {
-        for (auto const& param : node->params) changes_->recordDeleted(isTop ? path : composed, param.name());
+        for (auto const& param : node->params) changes_.recordDeleted(isTop ? path : composed, param.name());
       } catch (...) {
-        changes_->takeBackDeleted(logged);  // this object is still there
+        changes_.takeBackDeleted(logged);  // this object still exists
         throw;
       }
     }
     Node* const parent = node->parent;
-    nodes_->removeLeaf(*node);
+    nodes_.removeLeaf(*node);
     if (isTop) return true;
     node = parent;
   }
 }
 
-/// Makes a change to a value together with its entry in the log, both or neither.
+/// Changes a value and enters the change in the log: both or neither.
 template <class Change>
-void DynamicTDF::recordingModified(std::string const& objPath, std::string const& name, Change const& change) {
-  nodes_->noteChange();
-  changes_->recordModified(objPath, name);
+void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string const& name, Change const& change) {
+  nodes_.noteChange();
+  changes_.recordModified(objPath, name);
   try {
     change();
   } catch (...) {
-    changes_->takeBackModified();
+    changes_.takeBackModified();
     throw;
   }
 }
 
-void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name, std::string const& value,
-                                Node& node) {
+void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string const& name, std::string const& value,
+                                      Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
@@ -319,8 +316,8 @@ void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& n
   }
 }
 
-void DynamicTDF::doSetParameter(std::string const& objPath, std::string const& name,
-                                ParamAllowedValues const& allowedValues, std::string const& value, Node& node) {
+void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string const& name,
+                                      ParamAllowedValues const& allowedValues, std::string const& value, Node& node) {
   std::string_view const cleaned = StringUtilities::trimmed(value);
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {

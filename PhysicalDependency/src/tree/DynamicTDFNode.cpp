@@ -1,6 +1,5 @@
-// One object of the editable tree: its component of the path, its links to parent, children and neighbours, and the
-// values of its parameters. Who owns the objects and finds them by path is the store; what is logged is decided by the
-// tree.
+// One object of the editable tree: its component of the path, its links to parent, children and siblings, and the
+// values of its parameters. The store owns the objects and finds them by path. The tree decides what is logged.
 
 #include "tree/DynamicTDFNode.h"
 
@@ -17,7 +16,7 @@ namespace tarn {
 
 namespace {
 
-/// From this many children on they are kept by type. A look-up by type costs about as much as comparing so many.
+/// From this number on, children are also kept by type. A look-up by type costs about as much as comparing so many.
 constexpr std::size_t manyChildren = 17;
 
 }  // namespace
@@ -81,7 +80,7 @@ void DynamicTDF::Node::appendListedComponent(std::string& path) const {
 }
 
 void DynamicTDF::Node::ChildList::append(Node& child) {
-  // The groups first: should memory run out there, the list is as it was.
+  // The groups come first: if memory runs out there, the list is unchanged.
   if (byType_ != nullptr) {
     appendTo(*byType_, child);
   } else if (size_ + 1 == manyChildren) {
@@ -115,7 +114,7 @@ void DynamicTDF::Node::ChildList::appendTo(Groups& groups, Node& child) {
 }
 
 void DynamicTDF::Node::ChildList::removeFrom(Groups& groups, Node& child) noexcept {
-  // A child in the middle of its group changes neither end, so the group need not even be looked up.
+  // Removing a child in the middle of its group changes neither end, so the group need not be looked up.
   if (child.previousOfType != nullptr && child.nextOfType != nullptr) {
     child.previousOfType->nextOfType = child.nextOfType;
     child.nextOfType->previousOfType = child.previousOfType;
@@ -136,7 +135,7 @@ bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePoo
     std::string_view const cleaned = StringUtilities::trimmed(value->second);
     if (skipEmpty && cleaned.empty()) continue;
     if (present == params.end() || !sameText(present->name(), value->first)) {
-      // Other parameters than before; that is rare, so they are all made anew.
+      // The parameters differ from the previous ones. That is rare, so all are made again.
       params = Params();
       params.reserve(values.size());
       for (auto const& [name, text] : values) {
@@ -189,7 +188,7 @@ void DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedVa
         errorType::InvalidState);
   }
   setValue(value);
-  // Last, since it cannot fail: copies share their lists.
+  // This comes last and cannot fail, because copies share their lists.
   extras_->allowedValues = allowedValues;
 }
 

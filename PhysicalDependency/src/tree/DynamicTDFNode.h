@@ -19,23 +19,23 @@
 
 namespace tarn {
 
-/// One object of the tree. It holds its own component of the path and links: to its parent, to its first and last child
-/// and to its neighbours among the children of its parent. So a subtree can be walked in either direction without a
-/// stack, however deep it is, and a child leaves a list of any length in constant time. A path is put together from the
-/// components upwards when somebody wants it; stored at every object, paths would cost the square of the depth.
+/// One object of the tree. It holds its own component of the path and links to its parent, its first and last child,
+/// and its siblings. So a subtree of any depth can be walked in either direction without a stack, and a child is
+/// removed from a list of any length in constant time. A path is composed from the components when it is needed. Paths
+/// stored at every object would take memory quadratic in the depth.
 ///
-/// An object has its component in two forms. Under the one it is found: as it was written when the object came into
-/// being. Under the other it is listed: the type, and the name if that differs. They are the same but for a name that
-/// was written although it equals the type.
+/// An object has its component in two forms. It is found under the form that was written when it was created. It is
+/// listed under the type, and the name if that differs. The two differ only when a name was written that equals the
+/// type.
 struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   class ParamVal;
   using Params = NameTable<ParamVal>;
 
   /// The children in the order of their creation. The store owns them.
   ///
-  /// An object with many children also keeps them by type, each type's in the order of their creation: a walk asks an
-  /// object for every type that the rules know, hundreds of which most objects have no child of. Among few children it
-  /// is as quick to look at each.
+  /// An object with many children also keeps them by type, each type's children in the order of their creation. A walk
+  /// asks an object for every type in its rules. That may be hundreds of types, and most objects have no child of most
+  /// of them. With few children it is as fast to compare each.
   class ChildList {
    public:
     class Iterator {
@@ -65,8 +65,7 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     [[nodiscard]] Node* first() const noexcept { return first_; }
     [[nodiscard]] Node* last() const noexcept { return last_; }
 
-    /// Calls `visit` with each child of exactly this type, in the order of their creation. Costs as much as there are
-    /// of them, but for a constant.
+    /// Calls `visit` with each child of exactly this type, in the order of their creation. Linear in their number.
     template <class Visit>
     void visitOfType(std::string_view wanted, Visit visit) const {
       if (byType_ == nullptr) {
@@ -82,12 +81,12 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     void remove(Node& child) noexcept;
 
    private:
-    /// The children of one type; there is at least one.
+    /// The children of one type. There is at least one.
     struct Group {
       Node* first = nullptr;
       Node* last = nullptr;
     };
-    /// The keys are texts of the pool, in which the types of all children stand.
+    /// The keys are views of strings in the pool, which holds the types of all children.
     using Groups = std::unordered_map<std::string_view, Group>;
 
     static void appendTo(Groups& groups, Node& child);
@@ -95,20 +94,20 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
 
     Node* first_ = nullptr;
     Node* last_ = nullptr;
-    /// Null as long as there have been few children.
+    /// Null until there are many children.
     std::unique_ptr<Groups> byType_;
     std::uint32_t size_ = 0;
   };
 
-  /// `pooledType` outlives the object. `writtenName` is the name that stands in the path; empty if none does.
+  /// `pooledType` must outlive the object. `writtenName` is the name in the path, empty if there is none.
   Node(Node * parent, PathHash const& hash, std::string const& pooledType, std::string_view writtenName);
 
   [[nodiscard]] std::string const& name() const noexcept {
     return writtenName.empty() ? type : writtenName;
   }
 
-  /// Takes the component under which the object is found, with its leading "/", off the end of `path`. Returns false,
-  /// with nothing taken, when something else stands there.
+  /// Removes the component under which the object is found, with its leading "/", from the end of `path`. Returns
+  /// false, and removes nothing, when `path` ends differently.
   [[nodiscard]] bool takeComponent(std::string_view & path) const noexcept;
   [[nodiscard]] bool hasComponent(std::string_view component) const noexcept;
 
@@ -119,18 +118,19 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   void appendFoundComponent(std::string & path) const;
   void appendListedComponent(std::string & path) const;
 
-  /// Makes the parameters those of `values`, all ordinary and with white space at their ends dropped; empty ones are
-  /// left out if that is wanted. Returns false, with any of it done, when a parameter of allowed value type is met.
+  /// Makes the parameters equal to `values`: all ordinary, without white space at the ends, and with `skipEmpty`
+  /// without empty values. Returns false when it meets a parameter of allowed value type. Part of the values is then
+  /// set.
   bool refill(ObjectState const& values, bool skipEmpty, NamePool& names);
 
-  /// The object that comes next when the subtree of `top` is walked with parents before children and children in their
-  /// order. Null behind the last one.
+  /// Returns the next object of a walk over the subtree of `top`, parents before children and children in their order.
+  /// Null after the last one.
   [[nodiscard]] Node const* nextBelow(Node const& top) const noexcept;
 
-  /// Of the path under which the object is found.
+  /// The hash of the path under which the object is found.
   PathHash const hash;
-  /// The store's: the rest of the objects whose hash falls into the same place. Beside the hash, since who goes along
-  /// them reads no more of most than the two.
+  /// The rest of the objects in the same bucket of the store. It is next to the hash, because a search along the bucket
+  /// mostly reads only these two fields.
   std::unique_ptr<Node> nextInBucket;
   std::string const& type;
   std::string const writtenName;
@@ -138,18 +138,18 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
 
   Node* nextSibling = nullptr;
   Node* previousSibling = nullptr;
-  /// Among the children of the same type, where the parent keeps them by type.
+  /// The siblings of the same type, if the parent keeps its children by type.
   Node* nextOfType = nullptr;
   Node* previousOfType = nullptr;
   [[no_unique_address]] ChildList children;
-  /// True when the path under which the object is listed is the one under which it is found. It stands where the list
-  /// leaves room: a model has an object for every few parameters.
+  /// True when the object is listed under the path under which it is found. The field uses the padding of the list,
+  /// because a model has very many objects.
   bool const listedAsFound;
   Params params;
 };
 
-/// The value of a parameter. What few parameters have, items that were asked for and allowed values, stands apart, so
-/// that a plain value costs little more than its text.
+/// The value of a parameter. Few parameters have list items that were read, or allowed values. These are stored apart,
+/// so that a plain value takes little more than its string.
 class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
  public:
   /// An ordinary parameter.
@@ -164,26 +164,26 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
   [[nodiscard]] bool hasAllowedValues() const noexcept {
     return extras_ != nullptr && extras_->allowedValues.has_value();
   }
-  /// Of an ordinary parameter, the shared empty record.
+  /// For an ordinary parameter, the shared empty record.
   [[nodiscard]] ParamAllowedValues const& allowedValues() const noexcept;
-  /// The value divided at commas. Divided once for each value, not once for each question.
+  /// The value split at commas. It is split once per value, not once per call.
   [[nodiscard]] std::vector<std::string> const& getValueAsList() const;
 
-  /// Allowed values stay as they are.
+  /// Keeps the allowed values.
   void setValue(std::string_view value);
-  /// Throws on an ordinary parameter and then changes nothing.
+  /// Throws for an ordinary parameter, and changes nothing then.
   void modifyValue(ParamAllowedValues const& allowedValues, std::string_view value);
 
  private:
   struct Extras {
-    /// Derived from value_; none when it has not been asked for since value_ was set.
+    /// Derived from value_. Null until it is read after value_ was set.
     std::unique_ptr<std::vector<std::string>> listValue;
-    /// None on an ordinary parameter, for its whole life.
+    /// Empty for an ordinary parameter, as long as it exists.
     std::optional<ParamAllowedValues> allowedValues;
   };
 
   std::string value_;
-  /// Null until there is something in it. Mutable for the list, which is made when it is first read.
+  /// Null until it holds something. Mutable for the list, which is made when it is first read.
   mutable std::unique_ptr<Extras> extras_;
 };
 

@@ -4,31 +4,28 @@
 
 #include <tarn/DynamicTDF.h>
 
-#include "tree/DynamicTDFNode.h"
-#include "tree/DynamicTDFStore.h"
+#include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
 
-/// One object of a tree, looked up once for many questions about its parameters. To be moved anew when an object of the
-/// tree has come or gone.
-class [[gnu::visibility("hidden")]] DynamicTDF::ObjectAt {
+/// One object of a tree, looked up once for many questions about its parameters. Call `moveTo` again after an object of
+/// the tree was created or deleted.
+class DynamicTDFObjectAt {
  public:
-  explicit ObjectAt(DynamicTDF const& tree) noexcept : store_(*tree.nodes_) {}
+  explicit DynamicTDFObjectAt(DynamicTDF const& tree) noexcept : store_(DynamicTDFAccess::storeOf(tree)) {}
 
-  void moveTo(std::string const& objPath) {
-    node_ = store_.find(objPath);
-  }
+  void moveTo(std::string const& objPath) { node_ = store_.find(objPath); }
 
-  /// Null when the object has no such parameter, or when there is no such object.
+  /// Returns null when there is no such object or it has no such parameter.
   [[nodiscard]] std::string const* findValue(std::string const& name) const noexcept {
     if (node_ == nullptr) return nullptr;
-    Node::ParamVal const* const param = node_->params.find(name);
+    auto const* const param = node_->params.find(name);
     return param == nullptr ? nullptr : &param->value();
   }
 
  private:
-  NodeStore const& store_;
-  Node const* node_ = nullptr;
+  DynamicTDFAccess::NodeStore const& store_;
+  DynamicTDFAccess::Node const* node_ = nullptr;
 };
 
 }  // namespace tarn

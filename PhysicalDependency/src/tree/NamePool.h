@@ -7,11 +7,12 @@
 
 namespace tarn {
 
-/// One copy of each type and parameter name of a tree. Thousands of objects have the same few, so an object and a
-/// parameter keep a pointer only. Names come from the rules; the pool keeps what it has seen until it goes.
+/// One copy of each type and parameter name of a tree. Thousands of objects share a few names, so an object and a
+/// parameter keep only a pointer. Names come from the rules, so their number is limited. The pool keeps every name
+/// until it is cleared.
 class NamePool {
  public:
-  /// The pool's own copy of `name`; it stays where it is as long as the pool.
+  /// Returns the pool's own copy of `name`. It does not move as long as the pool exists.
   [[nodiscard]] std::string const& intern(std::string_view name) {
     auto const place = names_.find(name);
     return place == names_.end() ? *names_.emplace(name).first : *place;

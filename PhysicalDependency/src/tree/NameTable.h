@@ -13,11 +13,12 @@
 
 namespace tarn {
 
-/// Values under names that live elsewhere, in byte order of the names.
+/// Values by names that are stored elsewhere, in byte order of the names.
 ///
-/// Most objects have a handful of parameters, and a few have a hundred thousand. So the entries stand side by side in
-/// chunks of limited size: of a small table there is one, which costs nothing beside its entries, and in a large one an
-/// insertion moves no more than a chunk. A reference to a value is valid until an entry of the table comes or goes.
+/// Most objects have a handful of parameters, and a few have a hundred thousand. So the entries are stored next to each
+/// other in chunks of limited size. A small table has one chunk, which costs nothing besides its entries. In a large
+/// table an insertion moves at most one chunk. A reference to a value is valid until an entry of the table is added or
+/// erased.
 template <class Value>
 class NameTable {
  public:
@@ -72,9 +73,9 @@ class NameTable {
   [[nodiscard]] Iterator begin() const noexcept { return empty() ? end() : Iterator(this, 0, 0); }
   [[nodiscard]] Iterator end() const noexcept { return Iterator(this, chunkCount(), 0); }
 
-  /// Null when there is none.
+  /// Returns null when there is no such entry.
   [[nodiscard]] Value* find(std::string_view name) noexcept {
-    // Among a few, most differ in size already, and none has to be put in order.
+    // Of a few names most differ in size already, so comparing each is faster than searching by order.
     constexpr std::size_t few = 12;
     if (first_.size() <= few && others_ == nullptr) {
       for (Entry& entry : first_) {
@@ -92,7 +93,7 @@ class NameTable {
 
   [[nodiscard]] Value& valueAt(Iterator place) noexcept { return chunk(place.chunk_)[place.place_].value; }
 
-  /// Adds an entry that is not there yet. `pooledName` outlives the table.
+  /// Adds an entry. The table must not have one of that name. `pooledName` must outlive the table.
   void insert(std::string const& pooledName, Value&& value) {
     Chunk& chunk = chunkOf(pooledName);
     if (chunk.size() == chunkLimit) {
@@ -100,12 +101,12 @@ class NameTable {
       insert(pooledName, std::move(value));
       return;
     }
-    // In small steps: there are a great many small tables, and few of them grow large.
+    // Grows in small steps, because there are very many small tables and few of them become large.
     if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + std::max<std::size_t>(2, chunk.size() / 2));
     chunk.emplace(placeIn(chunk, pooledName), pooledName, std::move(value));
   }
 
-  /// Makes room for `count` entries at once, where so many are known to come into an empty table.
+  /// Makes room for `count` entries in an empty table.
   void reserve(std::size_t count) { first_.reserve(std::min(count, chunkLimit)); }
 
   /// Returns whether there was such an entry.
@@ -117,7 +118,7 @@ class NameTable {
     dropIfEmpty(chunk);
     return true;
   }
-  /// Returns the place behind the one that goes.
+  /// Returns the position after the erased one.
   Iterator erase(Iterator place) noexcept {
     Chunk& own = chunk(place.chunk_);
     own.erase(own.begin() + static_cast<std::ptrdiff_t>(place.place_));
@@ -137,7 +138,7 @@ class NameTable {
   [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
   [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
 
-  /// The chunk in which an entry of that name stands or would stand.
+  /// Returns the chunk that holds an entry of that name or would hold it.
   [[nodiscard]] Chunk& chunkOf(std::string_view name) noexcept {
     if (others_ == nullptr) return first_;
     auto const behind = std::upper_bound(others_->begin(), others_->end(), name,
@@ -146,20 +147,20 @@ class NameTable {
   }
 
   [[nodiscard]] static typename Chunk::iterator placeIn(Chunk& chunk, std::string_view name) noexcept {
-    // Loading comes in order.
+    // A load inserts in order.
     if (chunk.empty() || chunk.back().name() < name) return chunk.end();
     return std::lower_bound(chunk.begin(), chunk.end(), name,
                             [](Entry const& a, std::string_view b) { return a.name() < b; });
   }
 
-  /// In two, of which the lower one stays where it is. Names that come in order leave full chunks behind.
+  /// Splits a chunk in two. The lower one keeps its position. Names that are inserted in order leave full chunks.
   void split(Chunk& full) {
     std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_->data()) + 1;
     std::size_t const kept = number + 1 == chunkCount() ? chunkLimit - 1 : chunkLimit / 2;
     Chunk upper;
     upper.reserve(chunkLimit);
     if (others_ == nullptr) {
-      // Never empty, also should memory run out here.
+      // The list is never empty, even if memory runs out here.
       auto others = std::make_unique<std::vector<Chunk>>();
       others->push_back(std::move(upper));
       others_ = std::move(others);
@@ -184,9 +185,9 @@ class NameTable {
     if (others_->empty()) others_.reset();
   }
 
-  // In order. None is empty, but for the first one of an empty table.
+  // In order. No chunk is empty except the first one of an empty table.
   Chunk first_;
-  /// Null as long as one is enough.
+  /// Null while one chunk is enough.
   std::unique_ptr<std::vector<Chunk>> others_;
 };
 

@@ -6,20 +6,21 @@
 
 namespace tarn {
 
-/// The hash of a text, in a form that can be carried on: appending "/Domain:rotor" to the hash of "/Case" gives the
-/// hash of "/Case/Domain:rotor". So the hash of an object's path is made from that of its parent and its own component,
-/// and the hash of a text that is looked up in one go over the text. How a text was cut into pieces does not show.
+/// The hash of a text, to which more text can be appended: appending "/Domain:rotor" to the hash of "/Case" gives the
+/// hash of "/Case/Domain:rotor". So the hash of an object's path is made from the hash of its parent and its own
+/// component, and the hash of a path that is looked up in one pass. The result does not depend on how the text was
+/// split.
 ///
-/// Full blocks of eight bytes are mixed at once, whatever stands behind them waits for more.
+/// Full blocks of eight bytes are mixed at once. The bytes after them wait for more.
 class PathHash {
  public:
-  /// That of the empty text.
+  /// The hash of the empty text.
   PathHash() noexcept = default;
   explicit PathHash(std::string_view text) noexcept : PathHash(PathHash().joined<true>(text)) {}
 
   void append(std::string_view text) noexcept { *this = tail_ == 0 ? joined<true>(text) : joined<false>(text); }
 
-  /// The low bits are as good as any.
+  /// The low bits are as well distributed as the others.
   [[nodiscard]] std::size_t value() const noexcept {
     std::uint64_t value = (blocks_ ^ tail_) * multiplier;
     value ^= value >> 32U;
@@ -27,12 +28,12 @@ class PathHash {
     return static_cast<std::size_t>(value ^ value >> 32U);
   }
 
-  /// Equal texts have equal hashes; of different ones hardly ever.
+  /// Equal texts have equal hashes. Different texts have equal hashes very rarely.
   friend bool operator==(PathHash const& a, PathHash const& b) noexcept = default;
 
  private:
   static constexpr unsigned blockSize = 8;
-  /// Less than a block is held, so the highest byte of the tail is free to say how much.
+  /// The tail holds less than a block, so its highest byte is free for the number of bytes held.
   static constexpr unsigned countShift = 56;
   static constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15U;
 
@@ -40,27 +41,29 @@ class PathHash {
     return static_cast<std::uint64_t>(static_cast<unsigned char>(*place));
   }
 
-  /// The first byte lowest on every machine: a tail is shifted on by bytes. Compilers make one load of it.
+  /// The first byte is the lowest one on every machine, because a tail is shifted by bytes. Compilers make one load of
+  /// it.
   [[nodiscard]] static std::uint64_t blockAt(char const* place) noexcept {
     return byteAt(place) | byteAt(place + 1) << 8U | byteAt(place + 2) << 16U | byteAt(place + 3) << 24U |
            byteAt(place + 4) << 32U | byteAt(place + 5) << 40U | byteAt(place + 6) << 48U | byteAt(place + 7) << 56U;
   }
 
-  /// What of `block` did not fit behind `held` bytes.
+  /// The part of `block` that does not fit after `held` bytes.
   [[nodiscard]] static std::uint64_t spill(std::uint64_t block, unsigned held) noexcept {
     return held == 0 ? 0 : block >> 8 * (blockSize - held);
   }
 
-  /// The first half does not wait for the blocks before, so that it is done beside them.
+  /// The first half does not depend on the earlier blocks, so the processor computes it in parallel.
   [[nodiscard]] static std::uint64_t mixed(std::uint64_t blocks, std::uint64_t block) noexcept {
     block *= multiplier;
     return (blocks ^ block ^ block >> 32U) * multiplier;
   }
 
-  /// With `text` behind. On whole blocks, which a look-up begins with, nothing has to be shifted.
+  /// Returns the hash with `text` appended. After whole blocks, as at the start of a look-up, nothing has to be
+  /// shifted.
   template <bool onWholeBlocks>
   [[nodiscard]] PathHash joined(std::string_view text) const noexcept {
-    // In locals, since a store to a field might, for all that a compiler knows, change the text.
+    // In local variables, because the compiler must assume that a store to a field may change the text.
     std::uint64_t blocks = blocks_;
     std::uint64_t tail = onWholeBlocks ? 0 : tail_ & ~(std::uint64_t{0xff} << countShift);
     unsigned held = onWholeBlocks ? 0 : static_cast<unsigned>(tail_ >> countShift);

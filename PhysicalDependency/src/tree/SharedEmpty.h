@@ -6,7 +6,7 @@
 
 namespace tarn {
 
-/// What a read operation that returns a reference hands back when there is nothing to find.
+/// The results of read operations that return a reference and find nothing.
 [[nodiscard]] inline std::string const& sharedEmptyString() noexcept {
   static std::string const empty;
   return empty;

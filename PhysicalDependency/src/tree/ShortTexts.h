@@ -20,13 +20,13 @@ template <class Block>
 
 }  // namespace short_texts
 
-/// For texts of a few dozen bytes, as paths, types and names are; a call of a library function for each would take most
-/// of the time of a look-up. The last block of a text overlaps the one before it.
+/// Compares strings of a few dozen bytes, such as paths, types and names. Calling a library function for each would
+/// take most of the time of a look-up. The last block of a string overlaps the previous one.
 [[nodiscard]] inline bool sameBytes(char const* a, char const* b, std::size_t size) noexcept {
   using short_texts::sameBlock;
   if (size >= sizeof(std::uint64_t)) {
     std::size_t const last = size - sizeof(std::uint64_t);
-    // From the end: texts that are looked up beside each other mostly begin alike.
+    // Starts at the end, because paths that are looked up together mostly have the same beginning.
     if (!sameBlock<std::uint64_t>(a + last, b + last)) return false;
     for (std::size_t i = 0; i < last; i += sizeof(std::uint64_t)) {
       if (!sameBlock<std::uint64_t>(a + i, b + i)) return false;

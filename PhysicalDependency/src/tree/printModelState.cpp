@@ -1,6 +1,6 @@
-// A state as nested blocks. The state is a flat list of paths, so each object's path is compared with the one before
-// it: what the two share stays open, the rest of the old one is closed and the rest of the new one opened. Reading the
-// text back is the business of TDFChangeFile.
+// A state as nested blocks. The state is a flat list of paths, so each object's path is compared with the previous one:
+// the blocks that both share stay open, the others of the previous path are closed and those of the new one opened.
+// TDFChangeFile reads the text back.
 
 #include <tarn/printModelState.h>
 
@@ -70,7 +70,7 @@ class BlockPrinter {
 
   void indent() { text_.append(2 * depth_, ' '); }
 
-  /// The text goes out in large pieces, since a stream costs much for each small one.
+  /// Writes in large pieces, because each write to a stream is expensive.
   void passOn() {
     constexpr std::size_t pieceSize = 1U << 16U;
     if (text_.size() < pieceSize) return;

@@ -1,5 +1,5 @@
-// Two lists that grow until they are emptied. That there is no more to it is what callers rely on: the order is that of
-// the walk, and the number of records is that of the findings.
+// Two lists that grow until they are emptied. Callers rely on that: the order is that of the walk, and there is one
+// record per finding.
 
 #include <tarn/BasicPhysicsErrorLogger.h>
 

@@ -1,7 +1,7 @@
-// The group of absent required objects that a validation is trying out. It only keeps count: what makes an object
-// needed, and what is said when it is, the validator decides.
+// The group of absent required objects that a validation is trying out. It only keeps count. The validator decides what
+// makes an object needed and what is reported.
 //
-// A singleton is entered under its type as if that were its name, so that both kinds of group are handled alike.
+// A singleton is entered under its type as its name, so that both kinds of group are handled in the same way.
 
 #include "validation/MissingObjRecord.h"
 
@@ -47,14 +47,14 @@ void MissingObjRecord::clear() noexcept {
 }
 
 void MissingObjRecord::parse(std::string_view path) {
-  // The root has no parts: those of the path before it stay.
+  // The root has no parts, so the parts of the previous path stay.
   if (path.empty()) return;
 
   std::size_t const slash = path.rfind('/');
   std::size_t const component = slash == std::string_view::npos ? 0 : slash + 1;
   parsedParent_ = path.substr(0, slash == std::string_view::npos ? 0 : slash);
 
-  // A colon further up belongs to an object above this one.
+  // A colon before the last component belongs to an object above this one.
   std::size_t const colon = path.rfind(':');
   if (colon == std::string_view::npos || colon < component) {
     parsedType_ = path.substr(component);

@@ -1,8 +1,8 @@
-// The read view of a validation. Each operation picks the model that answers; the listings of the object that lacks
-// children merge the two.
+// The read view of a validation. Each operation picks the model that answers. The listings of the object that lacks
+// children merge the two models.
 //
-// What a path belongs to is decided on its text alone, and for named placeholders on a later name in it. Verdicts about
-// absent objects depend on exactly what is read from where, so these tests are not to be refined.
+// The text of a path alone decides which model it belongs to; for named placeholders a later name in it decides too.
+// Verdicts about absent objects depend on exactly these tests, so do not refine them.
 
 #include "validation/PVModelTDF.h"
 
@@ -12,7 +12,7 @@
 namespace tarn {
 namespace {
 
-/// Object path and name of a parameter path. A text without "/" is both.
+/// Splits a parameter path into object path and name. A text without "/" is both.
 std::pair<std::string, std::string> splitAtLastSlash(std::string const& paramPath) {
   std::size_t const slash = paramPath.rfind('/');
   if (slash == std::string::npos) return {paramPath, paramPath};
@@ -21,23 +21,22 @@ std::pair<std::string, std::string> splitAtLastSlash(std::string const& paramPat
 
 }  // namespace
 
-PhysicsValidator2::PVModelTDF::PVModelTDF(ModelTDF const* baseModel) noexcept : baseModel_(baseModel) {}
+PVModelTDF::PVModelTDF(ModelTDF const* baseModel) noexcept : baseModel_(baseModel) {}
 
-PhysicsValidator2::PVModelTDF::~PVModelTDF() = default;
+PVModelTDF::~PVModelTDF() = default;
 
-void PhysicsValidator2::PVModelTDF::setMissing(std::string const& objPath, std::string const& type,
-                                               ModelTDF const* missingModel) {
+void PVModelTDF::setMissing(std::string const& objPath, std::string const& type, ModelTDF const* missingModel) {
   missingModel_ = missingModel;
   missingPrefix_ = objPath + "/" + type;
   missingObjPath_ = objPath;
   missingType_ = type;
 }
 
-void PhysicsValidator2::PVModelTDF::addMissingName(std::string const& name) {
+void PVModelTDF::addMissingName(std::string const& name) {
   missingNames_.insert(name);
 }
 
-void PhysicsValidator2::PVModelTDF::clearMissing() noexcept {
+void PVModelTDF::clearMissing() noexcept {
   missingPrefix_.clear();
   missingObjPath_.clear();
   missingType_.clear();
@@ -45,70 +44,68 @@ void PhysicsValidator2::PVModelTDF::clearMissing() noexcept {
   missingModel_ = nullptr;
 }
 
-bool PhysicsValidator2::PVModelTDF::isInMissingSubtree(std::string_view path) const {
+bool PVModelTDF::isInMissingSubtree(std::string_view path) const {
   if (!path.starts_with(missingPrefix_)) return false;
   if (missingNames_.empty()) return true;
 
-  // The ":" directly behind the prefix, which the path of every named placeholder has, is passed over.
+  // The search skips the ":" directly after the prefix, which the path of every named placeholder has.
   std::size_t const colon = path.find(':', missingPrefix_.size() + 1);
   if (colon == std::string_view::npos) return false;
   std::string_view const behind = path.substr(colon + 1);
   return missingNames_.contains(behind.substr(0, behind.find('/')));
 }
 
-ModelTDF const& PhysicsValidator2::PVModelTDF::sourceOf(std::string_view path) const {
+ModelTDF const& PVModelTDF::sourceOf(std::string_view path) const {
   return missingModel_ != nullptr && isInMissingSubtree(path) ? *missingModel_ : *baseModel_;
 }
 
-bool PhysicsValidator2::PVModelTDF::hasObject(std::string const& path) const {
+bool PVModelTDF::hasObject(std::string const& path) const {
   return baseModel_->hasObject(path) || (missingModel_ != nullptr && missingModel_->hasObject(path));
 }
 
-// The forms that take a parameter path choose the model by the whole of it, not by the object path alone.
+// The forms that take a parameter path choose the model by the whole path, not by the object path alone.
 
-bool PhysicsValidator2::PVModelTDF::hasParameter(std::string const& paramPath) const {
+bool PVModelTDF::hasParameter(std::string const& paramPath) const {
   auto const [objPath, name] = splitAtLastSlash(paramPath);
   return sourceOf(paramPath).hasParameter(objPath, name);
 }
 
-bool PhysicsValidator2::PVModelTDF::hasParameter(std::string const& objPath, std::string const& name) const {
+bool PVModelTDF::hasParameter(std::string const& objPath, std::string const& name) const {
   return sourceOf(objPath).hasParameter(objPath, name);
 }
 
-std::string const& PhysicsValidator2::PVModelTDF::getObjectName(std::string const& path) const {
+std::string const& PVModelTDF::getObjectName(std::string const& path) const {
   return sourceOf(path).getObjectName(path);
 }
 
-std::string const& PhysicsValidator2::PVModelTDF::getObjectType(std::string const& path) const {
+std::string const& PVModelTDF::getObjectType(std::string const& path) const {
   return sourceOf(path).getObjectType(path);
 }
 
-std::string const& PhysicsValidator2::PVModelTDF::getParameterValue(std::string const& paramPath) const {
+std::string const& PVModelTDF::getParameterValue(std::string const& paramPath) const {
   auto const [objPath, name] = splitAtLastSlash(paramPath);
   return sourceOf(paramPath).getParameterValue(objPath, name);
 }
 
-std::string const& PhysicsValidator2::PVModelTDF::getParameterValue(std::string const& objPath,
-                                                                    std::string const& name) const {
+std::string const& PVModelTDF::getParameterValue(std::string const& objPath, std::string const& name) const {
   return sourceOf(objPath).getParameterValue(objPath, name);
 }
 
-bool PhysicsValidator2::PVModelTDF::getParamValueAsList(std::string const& paramPath,
-                                                        std::vector<std::string>& out) const {
+bool PVModelTDF::getParamValueAsList(std::string const& paramPath, std::vector<std::string>& out) const {
   auto const [objPath, name] = splitAtLastSlash(paramPath);
   return sourceOf(paramPath).getParamValueAsList(objPath, name, out);
 }
 
-bool PhysicsValidator2::PVModelTDF::getParamValueAsList(std::string const& objPath, std::string const& name,
-                                                        std::vector<std::string>& out) const {
+bool PVModelTDF::getParamValueAsList(std::string const& objPath, std::string const& name,
+                                     std::vector<std::string>& out) const {
   return sourceOf(objPath).getParamValueAsList(objPath, name, out);
 }
 
-bool PhysicsValidator2::PVModelTDF::getParameterNames(std::string const& path, std::vector<std::string>& out) const {
+bool PVModelTDF::getParameterNames(std::string const& path, std::vector<std::string>& out) const {
   return baseModel_->getParameterNames(path, out);  // a placeholder has no parameters
 }
 
-bool PhysicsValidator2::PVModelTDF::getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const {
+bool PVModelTDF::getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const {
   baseModel_->getChildObjectPaths(path, out);
   if (missingModel_ != nullptr) {
     if (path == missingObjPath_) {
@@ -121,19 +118,19 @@ bool PhysicsValidator2::PVModelTDF::getChildObjectPaths(std::string const& path,
   return !out.empty();
 }
 
-bool PhysicsValidator2::PVModelTDF::getChildObjectNamesByType(std::string const& path, std::string const& type,
-                                                              std::vector<std::string>& out) const {
+bool PVModelTDF::getChildObjectNamesByType(std::string const& path, std::string const& type,
+                                           std::vector<std::string>& out) const {
   return mergeByType(&ModelTDF::getChildObjectNamesByType, path, type, out);
 }
 
-bool PhysicsValidator2::PVModelTDF::getChildObjectPathsByType(std::string const& path, std::string const& type,
-                                                              std::vector<std::string>& out) const {
+bool PVModelTDF::getChildObjectPathsByType(std::string const& path, std::string const& type,
+                                           std::vector<std::string>& out) const {
   return mergeByType(&ModelTDF::getChildObjectPathsByType, path, type, out);
 }
 
-/// Placeholders come first: the walk has to be through with all of them before it meets a real object of their type.
-bool PhysicsValidator2::PVModelTDF::mergeByType(ListingByType listing, std::string const& path, std::string const& type,
-                                                std::vector<std::string>& out) const {
+/// Placeholders come first, because the walk must finish all of them before it meets a real object of their type.
+bool PVModelTDF::mergeByType(ListingByType listing, std::string const& path, std::string const& type,
+                             std::vector<std::string>& out) const {
   if (missingModel_ != nullptr && path == missingObjPath_ && type == missingType_) {
     (missingModel_->*listing)(path, type, out);
     std::vector<std::string> real;
@@ -146,9 +143,9 @@ bool PhysicsValidator2::PVModelTDF::mergeByType(ListingByType listing, std::stri
   return !out.empty();
 }
 
-/// Inserts the placeholders ahead of the first path that holds their type in its last component. Only the first place
-/// where a path holds the text of the type is looked at.
-void PhysicsValidator2::PVModelTDF::mergeMissingChildPaths(std::vector<std::string>& out) const {
+/// Inserts the placeholders before the first path that has their type in its last component. Only the first occurrence
+/// of the type's text in a path counts.
+void PVModelTDF::mergeMissingChildPaths(std::vector<std::string>& out) const {
   std::vector<std::string> placeholders;
   missingModel_->getChildObjectPathsByType(missingObjPath_, missingType_, placeholders);
 

@@ -1,11 +1,11 @@
-// The verdicts on one rule of an object that is there: on a parameter, on children of a type, and the rule authors'
-// beta messages that go with them. Availability is asked first and settles everything else: what is not available must
-// not be there, whether or not it is required.
+// The verdicts on one rule of an object that exists: on a parameter, on children of a type, and the beta messages of
+// rule authors that go with them. Availability comes first: an item that is not available must not exist, whether or
+// not it is required.
 //
-// The checks read the filtered tree and not the view, since they never run in a placeholder. Faults are logged under
-// the path of the object that holds the item, beta messages under that of the item.
+// The checks read the filtered tree and not the view, because they never run in a placeholder. Faults are logged under
+// the path of the object that holds the item, beta messages under the path of the item.
 
-#include <tarn/PhysicsValidator2.h>
+#include "validation/PhysicsValidator2Impl.h"
 
 #include <span>
 
@@ -20,7 +20,7 @@ namespace tarn {
 
 using namespace ValidationMessages;
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableParam(ParamAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
   if (std::string const* const value = currentObject_->findValue(name)) {
@@ -33,16 +33,16 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableParam(ParamAva
   return Continue;
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::checkUnavailableParam(ParamAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
   if (currentObject_->findValue(name) != nullptr) logError(objPath, formatInvalidParam(objPath, name));
   return Continue;
 }
 
-/// Values are compared as texts, to the character, and a subset in force does not narrow what is allowed.
-void PhysicsValidator2::checkAllowedValues(std::string const& objPath, std::string const& name,
-                                           std::string const& value, ParamAvailInfo const* info) {
+/// Values are compared character by character. A subset does not narrow the allowed values.
+void PhysicsValidator2::Impl::checkAllowedValues(std::string const& objPath, std::string const& name,
+                                                 std::string const& value, ParamAvailInfo const* info) {
   SharedStrings const& allowed = info->getAllowedValues().allowedValues;
   if (!info->isListType()) {
     if (allowed.contains(value)) {
@@ -57,7 +57,7 @@ void PhysicsValidator2::checkAllowedValues(std::string const& objPath, std::stri
   filteredTree_.getParamValueAsList(objPath, name, values);
   std::vector<std::string> const disallowed = setDifferenceOf(values, allowed);
   if (!disallowed.empty()) logError(objPath, formatInvalidValues(objPath, name, allowed.vector(), disallowed));
-  // Beta messages are rare, and with none gathered the good values need not be worked out.
+  // Beta messages are rare. Without any, the good values are not needed.
   if (betaController_ != nullptr && betaController_->anyLoggedMessages()) {
     for (std::string const& good : setDifferenceOf(values, disallowed)) {
       logIfParamValueBetaMessage(objPath, name, good);
@@ -65,7 +65,7 @@ void PhysicsValidator2::checkAllowedValues(std::string const& objPath, std::stri
   }
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableChild(ChildAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableChild(ChildAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& type = info->getType();
   if (info->isSingleton()) {
@@ -86,7 +86,7 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::checkAvailableChild(ChildAva
   return Continue;
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::checkUnavailableChild(ChildAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableChild(ChildAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& type = info->getType();
   if (info->isSingleton()) {
@@ -101,10 +101,10 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::checkUnavailableChild(ChildA
   return Continue;
 }
 
-/// The allowed names of a required type are at the same time the names that must be there, all of them. So one rule can
-/// report names that are too much and go on to try out those that are absent.
-void PhysicsValidator2::checkChildNames(std::string const& objPath, std::string const& type,
-                                        ChildAvailInfo const* info) {
+/// All allowed names of a required type must exist. So one rule can report names that are not allowed and then try out
+/// those that are absent.
+void PhysicsValidator2::Impl::checkChildNames(std::string const& objPath, std::string const& type,
+                                              ChildAvailInfo const* info) {
   std::vector<std::string> names;
   filteredTree_.getChildObjectNamesByType(objPath, type, names);
   auto const [firstAllowed, lastAllowed] = info->getAllowedNames();
@@ -118,39 +118,39 @@ void PhysicsValidator2::checkChildNames(std::string const& objPath, std::string 
   }
 }
 
-void PhysicsValidator2::logError(std::string const& objPath, std::string const& text) {
+void PhysicsValidator2::Impl::logError(std::string const& objPath, std::string const& text) {
   logger_->logDependencyError(objPath, PhysicsErrorMsg(text));
 }
 
-void PhysicsValidator2::logBetaMessage(std::string const& objPath, std::string const& item,
-                                       std::vector<std::string> const& messages) {
+void PhysicsValidator2::Impl::logBetaMessage(std::string const& objPath, std::string const& item,
+                                             std::vector<std::string> const& messages) {
   if (messages.empty()) return;
   logger_->logDependencyError(objPath + "/" + item,
                               PhysicsErrorMsg(StringUtilities::vectorToString(messages, '\n'), PhysicsErrorMsg::Beta));
 }
 
-void PhysicsValidator2::logIfParamBetaMessage(std::string const& objPath, std::string const& name) {
+void PhysicsValidator2::Impl::logIfParamBetaMessage(std::string const& objPath, std::string const& name) {
   if (betaController_ != nullptr) logBetaMessage(objPath, name, betaController_->getParamAvailMessages(name));
 }
 
-void PhysicsValidator2::logIfParamValueBetaMessage(std::string const& objPath, std::string const& name,
-                                                   std::string const& value) {
+void PhysicsValidator2::Impl::logIfParamValueBetaMessage(std::string const& objPath, std::string const& name,
+                                                         std::string const& value) {
   if (betaController_ != nullptr) logBetaMessage(objPath, name, betaController_->getParamValAvailMessages(name, value));
 }
 
-void PhysicsValidator2::logIfObjBetaMessage(std::string const& objPath, std::string const& type) {
+void PhysicsValidator2::Impl::logIfObjBetaMessage(std::string const& objPath, std::string const& type) {
   if (betaController_ != nullptr) logBetaMessage(objPath, type, betaController_->getObjAvailMessages(type));
 }
 
-void PhysicsValidator2::logIfObjBetaMessage(std::string const& objPath, std::string const& type,
-                                            std::vector<std::string> const& names) {
+void PhysicsValidator2::Impl::logIfObjBetaMessage(std::string const& objPath, std::string const& type,
+                                                  std::vector<std::string> const& names) {
   if (betaController_ == nullptr) return;
   std::vector<std::string> const messages = betaController_->getObjAvailMessages(type);
   if (messages.empty()) return;
   for (std::string const& name : names) logBetaMessage(objPath, type + ":" + name, messages);
 }
 
-void PhysicsValidator2::clearBetaMessages() noexcept {
+void PhysicsValidator2::Impl::clearBetaMessages() noexcept {
   if (betaController_ != nullptr) betaController_->clearMessages();
 }
 

@@ -1,13 +1,13 @@
-// The run of a validation: what of the model counts, whether it has changed since the last call, the two phases, and
-// which check a hook of the walk goes to.
+// The run of a validation: which part of the model counts, whether it has changed since the last call, the two phases,
+// and the check to which a hook of the walk leads.
 //
-// All that makes a repeated call cheap hangs on one text, that of the objects which count. While it is the same, tree,
-// status and the logger's contents belong together; `reset` is the only place where they change.
+// A repeated call is cheap because of one text, that of the objects which count. While the text is the same, the tree,
+// the status and the content of the logger belong together. `reset` is the only place where they change.
 //
-// The checks stand in PhysicsValidator2.Checks.cpp, the treatment of absent required objects in
-// PhysicsValidator2.MissingObjects.cpp, the wording in ValidationMessages.
+// PhysicsValidator2.Checks.cpp holds the checks, PhysicsValidator2.MissingObjects.cpp the treatment of absent required
+// objects, ValidationMessages the wording.
 
-#include <tarn/PhysicsValidator2.h>
+#include "validation/PhysicsValidator2Impl.h"
 
 #include <iostream>
 #include <stdexcept>
@@ -26,7 +26,6 @@
 
 #include "tree/DynamicTDFObjectAt.h"
 #include "tree/DynamicTDFStateLoad.h"
-#include "validation/MissingObjRecord.h"
 #include "validation/PVModelTDF.h"
 #include "validation/RootFilter.h"
 #include "validation/StateText.h"
@@ -39,10 +38,10 @@ constexpr bool skipEmptyValues = true;
 
 }  // namespace
 
-/// What lives as long as one run, and what of the validator points at it.
-class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
+/// The objects that live as long as one run. They are entered in the validator for that time.
+class [[gnu::visibility("hidden")]] PhysicsValidator2::Impl::Run {
  public:
-  explicit Run(PhysicsValidator2 & validator)
+  explicit Run(Impl & validator)
       : validator_(validator),
         view_(&validator.filteredTree_),
         object_(validator.filteredTree_),
@@ -50,14 +49,14 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
     validator_.setEvaluationCache(&cache_);
     validator_.currentView_ = &view_;
     validator_.currentObject_ = &object_;
-    // Messages must reach the controller that is asked for them, whatever is attached to the database.
+    // Messages must reach the controller that is asked for them, even if another one is attached to the database.
     context_.setBetaLoggingController(validator_.betaController_);
   }
   ~Run() {
     validator_.unsetEvaluationCache();
     validator_.currentObject_ = nullptr;
     validator_.currentView_ = nullptr;
-    // What a rule gathered that failed is not the next run's.
+    // Discard the messages of a rule that threw, so the next run does not report them.
     validator_.clearBetaMessages();
   }
   Run(Run const&) = delete;
@@ -71,59 +70,33 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Run {
   }
 
  private:
-  PhysicsValidator2& validator_;
+  Impl& validator_;
   PVModelTDF view_;
-  DynamicTDF::ObjectAt object_;
+  DynamicTDFObjectAt object_;
   EvalCache cache_;
   EvalContext context_;
 };
 
-PhysicsValidator2::PhysicsValidator2(PhysicsData const* rules)
-    : DependencyAnalyser(rules),
-      rootTypes_(rules->getPertinentGlobalCheckRoots().begin(), rules->getPertinentGlobalCheckRoots().end()),
-      // The trees are only ever loaded and read, and a log of a large load costs more than the load.
+PhysicsValidator2::Impl::Impl(PhysicsValidator2& self, PhysicsData const& rules)
+    : self_(self),
+      roots_(rules),
+      // The trees are only loaded and read, and a log of a large load costs more than the load.
       filteredTree_(false),
-      missingTree_(false),
-      missingRecord_(std::make_unique<MissingObjRecord>()) {
-  for (std::string const& name : rules->getGlobalCheckNames())
-    globalChecks_.push_back(rules->getGlobalCheck(name, true));
+      missingTree_(false) {
+  for (std::string const& name : rules.getGlobalCheckNames()) globalChecks_.push_back(rules.getGlobalCheck(name, true));
 }
 
-PhysicsValidator2::~PhysicsValidator2() = default;
-
-PhysicsValidator2::ValStatus PhysicsValidator2::validate(ValType type, ModelState const& state,
-                                                         std::vector<std::string> const& roots) {
-  if (logger_ == nullptr) return ValStatusClean;
-  return doValidate(type, state, roots, false);
-}
-
-void PhysicsValidator2::setLogger(PhysicsErrorLogger* logger) noexcept {
-  logger_ = logger;
-}
-
-void PhysicsValidator2::setBetaLoggingController(BetaLoggingController* controller) noexcept {
-  betaController_ = controller;
-}
-
-std::vector<std::string> PhysicsValidator2::getPertinentRootLevelTypes() const {
-  return {rootTypes_.begin(), rootTypes_.end()};
-}
-
-void PhysicsValidator2::dumpDB() const {
-  printModelState(isStateKnown_ ? filteredTree_.getState("") : ModelState(), std::cout);
-}
-
-PhysicsValidator2::ValStatus PhysicsValidator2::doValidate(ValType type, ModelState const& state,
-                                                           std::vector<std::string> const& roots,
-                                                           bool useStateAsGiven) {
+PhysicsValidator2::ValStatus PhysicsValidator2::Impl::doValidate(ValType type, ModelState const& state,
+                                                                 std::vector<std::string> const& roots,
+                                                                 bool useStateAsGiven) {
   Run run(*this);
-  // After a run that an exception ended in the treatment of absent objects, their group is still open.
-  if (missingRecord_->isOpen()) resetMissingObjMode();
+  // When an exception ended a run in the treatment of absent objects, their group is still open.
+  if (missingRecord_.isOpen()) resetMissingObjMode();
   reset(state, useStateAsGiven);
 
   if ((type & ValDependency) != 0 && !dependencyChecksDone_) {
     OperationTimer const timer("Physics dependency checks");
-    for (std::string const& root : roots) analyse(root, run.context());
+    for (std::string const& root : roots) self_.analyse(root, run.context());
     if (logger_->hasDependencyErrors()) status_ = static_cast<ValStatus>(status_ | ValDependencyErrors);
     dependencyChecksDone_ = true;
     run.cache().report();
@@ -139,18 +112,19 @@ PhysicsValidator2::ValStatus PhysicsValidator2::doValidate(ValType type, ModelSt
   return status_;
 }
 
-void PhysicsValidator2::evaluateGlobalChecks(EvalContext* evalContext) {
+void PhysicsValidator2::Impl::evaluateGlobalChecks(EvalContext* evalContext) {
   for (GlobalCheck const* const check : globalChecks_) {
     auto const [passed, message] = check->evaluate(evalContext);
     if (!passed) logger_->logGlobalError(message);
   }
 }
 
-void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
-  // Before anything is changed.
+void PhysicsValidator2::Impl::reset(ModelState const& state, bool useStateAsGiven) {
+  // This comes first, so that nothing has changed when it throws.
   if (!useStateAsGiven && state.contains(""))
     throw std::out_of_range("the model holds parameters of no object: give them the path of one");
-  // Half a model must not be taken for the whole one by the next call.
+  // While the model is taken over it counts as unknown: after a failure the next call must not take half a model for
+  // the whole one.
   if (!takeState(state, useStateAsGiven, std::exchange(isStateKnown_, false))) {
     isStateKnown_ = true;
     return;
@@ -162,18 +136,18 @@ void PhysicsValidator2::reset(ModelState const& state, bool useStateAsGiven) {
   isStateKnown_ = true;
 }
 
-/// Makes text and tree those of the part of `state` that counts, in one go over it, and returns whether the text was
-/// another. A value that is empty once it is cleaned does not enter the tree: for the rules and the checks there is no
-/// such parameter, though its line stands in the text. Unless `isKnown`, text and tree are not those of one state, and
-/// every text is another.
-bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven, bool isKnown) {
+/// Makes text and tree those of the part of `state` that counts, in one pass, and returns whether the text has changed.
+/// A value that is empty after cleaning does not enter the tree: for rules and checks there is no such parameter,
+/// although the text has its line. Without `isKnown`, text and tree do not belong to one state, and every text counts
+/// as changed.
+bool PhysicsValidator2::Impl::takeState(ModelState const& state, bool useStateAsGiven, bool isKnown) {
   if (!isKnown) lastStateText_.clear();
-  RootFilter filter(rootTypes_, useStateAsGiven);
+  RootFilter filter(roots_, useStateAsGiven);
   StateText text(lastStateText_);
-  // An object whose lines are as they were is in the tree as it was. It is even known which object of the tree the next
-  // such one is, when both have been found at the same object and no line differed since. Of an object without
-  // parameters only the tree tells.
-  DynamicTDF::StateLoad load(filteredTree_, skipEmptyValues);
+  // An object with unchanged lines is in the tree unchanged. While no line differs, the next such object is the next
+  // one of the tree too and need not be looked for. An object without parameters has no line, so only the tree can
+  // tell.
+  DynamicTDFStateLoad load(filteredTree_, skipEmptyValues);
   bool hasSameObjects = isKnown;
   bool standAtSameObject = true;
   for (auto const& [path, values] : state) {
@@ -195,8 +169,8 @@ bool PhysicsValidator2::takeState(ModelState const& state, bool useStateAsGiven,
   return true;
 }
 
-void PhysicsValidator2::loadFilteredTree(ModelState const& state, bool useStateAsGiven) {
-  RootFilter filter(rootTypes_, useStateAsGiven);
+void PhysicsValidator2::Impl::loadFilteredTree(ModelState const& state, bool useStateAsGiven) {
+  RootFilter filter(roots_, useStateAsGiven);
   std::vector<DynamicTDF::StateRange> stretches;
   bool within = false;
   for (auto object = state.begin(); object != state.end(); ++object) {
@@ -212,7 +186,7 @@ void PhysicsValidator2::loadFilteredTree(ModelState const& state, bool useStateA
   filteredTree_.initialise(stretches, skipEmptyValues);
 }
 
-void PhysicsValidator2::setEvaluationCache(EvalCache* cache) {
+void PhysicsValidator2::Impl::setEvaluationCache(EvalCache* cache) {
   if (BoolFromEnvironment("TARN_PHYSVAL_DONTUSECACHE")) {
     unsetEvaluationCache();
     return;
@@ -224,34 +198,29 @@ void PhysicsValidator2::setEvaluationCache(EvalCache* cache) {
   }
 }
 
-void PhysicsValidator2::unsetEvaluationCache() noexcept {
+void PhysicsValidator2::Impl::unsetEvaluationCache() noexcept {
   useEvalCache_ = false;
   evalCache_ = nullptr;
 }
 
-// The hooks. While a placeholder is walked everything goes to the treatment of absent objects; only then is nothing
-// said. What the evaluation of one rule gathered for the beta controller is dropped before the next.
+// The hooks. In a placeholder all of them lead to the treatment of absent objects, and nothing is reported. After each
+// entry the beta messages that its evaluation gathered are discarded.
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginObject(ObjBeginInfo const* info) {
-  if (missingMode_ == MissingOff && missingRecord_->matches(info->getObjPath())) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::onBeginObject(ObjBeginInfo const* info) {
+  if (missingMode_ == MissingOff && missingRecord_.matches(info->getObjPath())) {
     missingMode_ = MissingProbing;
     if (useEvalCache_) evalCache_->enable(false);
   }
   if (missingMode_ == MissingOff) {
-    // Of what is absent and not required there is nothing to say. Only in a placeholder everything is absent, and there
-    // the question is whether anything would be available.
-    limitParams(ParamScope::PresentOrRequired);
+    // A parameter that is absent and not required is no finding. In a placeholder every parameter is absent, and there
+    // the question is whether any would be available, so its walk is not narrowed.
+    self_.limitParams(ParamScope::PresentOrRequired);
     currentObject_->moveTo(info->getObjPath());
   }
   return Continue;
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginParam(std::string const& /*objPath*/,
-                                                                 std::string const& /*name*/) {
-  return Continue;
-}
-
-PhysicsValidator2::HandlerStatus PhysicsValidator2::onParamCheck(ParamAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::onParamCheck(ParamAvailInfo const* info) {
   HandlerStatus status = Continue;
   if (missingMode_ != MissingOff) {
     status = checkParamMissingObj(info);
@@ -262,7 +231,7 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::onParamCheck(ParamAvailInfo 
   return status;
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::onChildCheck(ChildAvailInfo const* info) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::onChildCheck(ChildAvailInfo const* info) {
   HandlerStatus status = Continue;
   if (missingMode_ != MissingOff) {
     status = checkChildMissingObj(info);
@@ -273,8 +242,56 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::onChildCheck(ChildAvailInfo 
   return status;
 }
 
-PhysicsValidator2::HandlerStatus PhysicsValidator2::onEndObject(std::string const& objPath, bool /*required*/) {
+PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::onEndObject(std::string const& objPath) {
   return missingMode_ == MissingOff ? Continue : endObjectMissingObj(objPath);
+}
+
+PhysicsValidator2::PhysicsValidator2(PhysicsData const* rules)
+    : DependencyAnalyser(rules), impl_(std::make_unique<Impl>(*this, *rules)) {}
+
+PhysicsValidator2::~PhysicsValidator2() = default;
+
+PhysicsValidator2::ValStatus PhysicsValidator2::validate(ValType type, ModelState const& state,
+                                                         std::vector<std::string> const& roots) {
+  if (impl_->logger_ == nullptr) return ValStatusClean;
+  return impl_->doValidate(type, state, roots, false);
+}
+
+void PhysicsValidator2::setLogger(PhysicsErrorLogger* logger) noexcept {
+  impl_->logger_ = logger;
+}
+
+void PhysicsValidator2::setBetaLoggingController(BetaLoggingController* controller) noexcept {
+  impl_->betaController_ = controller;
+}
+
+std::vector<std::string> PhysicsValidator2::getPertinentRootLevelTypes() const {
+  return {impl_->roots_.types().begin(), impl_->roots_.types().end()};
+}
+
+void PhysicsValidator2::dumpDB() const {
+  printModelState(impl_->isStateKnown_ ? impl_->filteredTree_.getState("") : ModelState(), std::cout);
+}
+
+PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginObject(ObjBeginInfo const* info) {
+  return impl_->onBeginObject(info);
+}
+
+PhysicsValidator2::HandlerStatus PhysicsValidator2::onBeginParam(std::string const& /*objPath*/,
+                                                                 std::string const& /*name*/) {
+  return Continue;
+}
+
+PhysicsValidator2::HandlerStatus PhysicsValidator2::onParamCheck(ParamAvailInfo const* info) {
+  return impl_->onParamCheck(info);
+}
+
+PhysicsValidator2::HandlerStatus PhysicsValidator2::onChildCheck(ChildAvailInfo const* info) {
+  return impl_->onChildCheck(info);
+}
+
+PhysicsValidator2::HandlerStatus PhysicsValidator2::onEndObject(std::string const& objPath, bool /*required*/) {
+  return impl_->onEndObject(objPath);
 }
 
 }  // namespace tarn

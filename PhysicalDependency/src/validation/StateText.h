@@ -6,20 +6,19 @@
 #include <string_view>
 
 #include <tarn/ModelState.h>
-#include <tarn/PhysicsValidator2.h>
 
 #include "tree/ShortTexts.h"
 
 namespace tarn {
 
-/// The text of a state, a line for each parameter, in map order; objects without parameters give none. It is made in
-/// the place of the text of the state before and compared with it on the way: a large model is most often the same, or
-/// one of a few other lines.
-class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
+/// Makes the text of a state: one line per parameter, in map order. Objects without parameters have no line. The text
+/// replaces that of the previous state and is compared with it on the way, because a large model is mostly the same or
+/// differs in a few lines.
+class StateText {
  public:
-  explicit StateText(std::string & text) noexcept : text_(text), left_(text), movesAllowed_(2 * text.size()) {}
+  explicit StateText(std::string& text) noexcept : text_(text), left_(text), movesAllowed_(2 * text.size()) {}
 
-  /// Returns whether the lines of the object are those that stood there, and were all that it had.
+  /// Returns whether the lines of the object are the same as before and the object had no others.
   bool add(std::string_view path, ObjectState const& values) {
     bool agrees = true;
     for (auto const& [name, value] : values) {
@@ -32,7 +31,7 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
     return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
   }
 
-  /// To be called behind the last object. Returns whether the text is another.
+  /// Call this after the last object. Returns whether the text has changed.
   bool finish() {
     if (left_.empty()) return differs_;
     text_.resize(text_.size() - left_.size());
@@ -51,8 +50,8 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
     return true;
   }
 
-  /// Puts a line in the place of the one that stands there, so that what lies behind may agree again. Where lines of
-  /// other sizes have moved the rest often enough, it is given up instead.
+  /// Replaces the line at this position, so that the lines after it may agree again. After lines of other sizes have
+  /// moved the rest often enough, the rest is dropped instead.
   void put(std::string_view path, std::string_view name, std::string_view value) {
     differs_ = true;
     std::size_t const start = text_.size() - left_.size();
@@ -71,9 +70,9 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::StateText {
   }
 
   std::string& text_;
-  /// What has not been looked at. Before it stands the text of what has been added.
+  /// The rest of the old text that has not been compared yet. The new text ends where it begins.
   std::string_view left_;
-  /// In bytes; a few times the text, so that all of it stays linear.
+  /// In bytes. A few times the size of the text, so that the whole comparison stays linear.
   std::size_t movesAllowed_;
   bool differs_ = false;
   std::string line_;

@@ -1,6 +1,6 @@
-// The wording of every fault that a validation reports about the objects and parameters of a model. When each is said
-// stands with the checks of the validator; here are the templates, the choice of singular and plural, and the two ways
-// of joining a list.
+// The wording of every fault that a validation reports about the objects and parameters of a model: the templates, the
+// choice of singular and plural, and the two ways of joining a list. The checks of the validator decide when each is
+// reported.
 
 #include "validation/ValidationMessages.h"
 

@@ -129,6 +129,40 @@ TEST_F(ObjDependencyTest, OfAnObjectWithoutRulesBothWalksAreDoneAtOnce) {
   EXPECT_TRUE(rules.isDoneChild());
 }
 
+// The example of the header: what is available in the object, as the analyser finds it.
+Strings availableIn(std::string const& objPath, ModelTDF const& model, EvalContext& context, PhysicsData const& data) {
+  Strings available;
+  ObjDependency rules(objPath, &context, &data);
+  for (rules.firstParam(); !rules.isDoneParam(); rules.nextParam()) {
+    std::string const& name = rules.getParamName();
+    ParamAllowedValues allowed;
+    bool const isAvailable = rules.isParamAvailable(allowed);
+    if (isAvailable) available.push_back(name);
+    if (isAvailable && rules.isParamContextRule() && model.hasParameter(objPath, name)) {
+      rules.setContextRuleValue(model.getParameterValue(objPath, name));
+    }
+  }
+  for (rules.firstChild(); !rules.isDoneChild(); rules.nextChild()) {
+    ObjDependency::AllowedNameData names;
+    if (rules.isChildAvailable(names)) available.push_back(rules.getChildType());
+  }
+  return available;
+}
+
+TEST_F(ObjDependencyTest, AContextRuleParameterThatTheModelLacksLeavesTheValueBeforeItInForce) {
+  Rules(data_, "/Case/Domain")
+      .param("Motion")
+      .contextRule()
+      .param("Frame")
+      .contextRule()
+      .param("Speed")
+      .inContexts({"Rotating"})
+      .child("Bearing")
+      .inContexts({"Rotating"});
+  EXPECT_EQ(availableIn("/Case/Domain:rotor", model_, context_, data_),
+            (Strings{"Motion", "Frame", "Speed", "Bearing"}));
+}
+
 // The walks.
 
 TEST_F(ObjDependencyTest, BothWalksReadAsDoneBeforeTheyBegin) {

@@ -198,6 +198,28 @@ TEST(PotentialUpdateData, APathThatNothingRefersToChangesNothing) {
   EXPECT_TRUE(data.hasObjPotentialChildren(""));
 }
 
+TEST(PotentialUpdateData, ItemsAreFoundFromTheRootUnderItsEmptyPath) {
+  PotentialUpdateData withParam;
+  withParam.addParam("", "Version");
+  EXPECT_TRUE(withParam.hasObjPotentialChildren(""));
+  PotentialUpdateData withObject;
+  withObject.addObject("/Library");
+  EXPECT_TRUE(withObject.hasObjPotentialChildren(""));
+  PotentialUpdateData deep;
+  deep.addParam("/Case/Domain:rotor", "Title");
+  EXPECT_TRUE(deep.hasObjPotentialChildren(""));
+}
+
+TEST(PotentialUpdateData, UnderASlashOnlyItemsBelowObjectsAtTheRootAreFound) {
+  PotentialUpdateData atRoot;
+  atRoot.addParam("", "Version");
+  atRoot.addObject("/Library");
+  EXPECT_FALSE(atRoot.hasObjPotentialChildren("/"));
+  PotentialUpdateData deep;
+  deep.addParam("/Case/Domain:rotor", "Title");
+  EXPECT_TRUE(deep.hasObjPotentialChildren("/"));
+}
+
 TEST(PotentialUpdateData, AParameterOfTheRootIsFoundAsLongAsNothingWasRemoved) {
   PotentialUpdateData data;
   data.addParam("", "Version");

@@ -237,6 +237,19 @@ TEST(DynamicTDFBulk, MergingAModelKeepsWhatTheModelLacks) {
   EXPECT_EQ(model.getState(""), expected);
 }
 
+TEST(DynamicTDFBulk, MergingAnObjectThatTheModelLacksCreatesItHere) {
+  DynamicTDF source;
+  source.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
+  DynamicTDF model;
+  model.setParameter("/Case/Domain:stator", "Motion", "Stationary");
+  model.resetChanges();
+  model.update(&source, "/Case/Domain:typo");
+  model.update(&source, "/Case/Domain:stator");
+  EXPECT_EQ(childPaths(model, "/Case"), (Strings{"/Case/Domain:stator", "/Case/Domain:typo"}));
+  EXPECT_EQ(model.getParameterValue("/Case/Domain:stator", "Motion"), "Stationary");
+  EXPECT_TRUE(model.getAddedParameters().empty());
+}
+
 TEST(DynamicTDFBulk, MergingAPlainValueKeepsTheAllowedValues) {
   DynamicTDF model;
   model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");

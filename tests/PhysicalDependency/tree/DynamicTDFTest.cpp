@@ -710,6 +710,7 @@ TEST(DynamicTDF, TheStateOfABranchIsTakenOnWholeComponents) {
   Strings const all{"", "/A", "/A B", "/A/C:x", "/A/C:x/D", "/A/C:xy", "/A:n", "/B"};
   EXPECT_EQ(pathsOf(""), all);
   EXPECT_EQ(pathsOf("/"), all);
+  EXPECT_EQ(pathsOf("/A/"), Strings{});
 }
 
 TEST(DynamicTDF, TheStateHoldsEveryObjectOnceWhereNamesSortBesideTheSlash) {

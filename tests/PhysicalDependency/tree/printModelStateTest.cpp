@@ -131,6 +131,19 @@ TEST(printModelState, ANameThatEqualsItsTypeIsNotWrittenAndTheTwoFormsShareABloc
             "END # A:\n");
 }
 
+TEST(printModelState, ANameThatEqualsItsTypeIsReadBackInTheShortForm) {
+  ModelState const state{{"/Case/Domain:Domain", {{"Motion", "Rotating"}}}};
+  EXPECT_EQ(printed(state),
+            "\n"
+            "Case: \n"
+            "  Domain: \n"
+            "    Motion = Rotating\n"
+            "  END # Domain:\n"
+            "END # Case:\n");
+  ModelState const shortForm{{"/Case/Domain", {{"Motion", "Rotating"}}}};
+  EXPECT_EQ(TDFChangeFile({}, {printed(state)}, TDFChangeFile::Strict).toModelState(), shortForm);
+}
+
 TEST(printModelState, APathThatCannotBeReadThrows) {
   std::ostringstream stream;
   EXPECT_THROW(printModelState({{"/A/:b", {}}}, stream), Error);

@@ -16,7 +16,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Strings = std::vector<std::string>;
-using View = PhysicsValidator2::PVModelTDF;
+using View = tarn::PVModelTDF;
 
 class PVModelTDF : public testing::Test {
  protected:

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,35 @@ TEST_F(PhysicsValidator2OnParameters, AnEntryThatItsContextRuleSwitchesOffIsUnav
   EXPECT_THAT(faults({{"/Case", {{"Kind", "Stationary"}, {"Speed", "120"}}}}),
               ElementsAre("/Case | The parameter \"Speed\" is present in the object \"/Case\" but it is not physically "
                           "valid."));
+}
+
+TEST_F(PhysicsValidator2OnParameters, OfManyEntriesOnlyThoseOfPresentAndRequiredParametersAreEvaluated) {
+  int evaluated = 0;
+  for (int i = 0; i < 31; ++i)
+    rule("/Case").param("Optional " + std::to_string(i)).availableWhen(decided(counting(evaluated)));
+  rule("/Case").param("Required").required().availableWhen(decided(counting(evaluated)));
+  ModelState const model{{"/Case", {{"Optional 7", "1"}, {"Required", "1"}}}};
+  EXPECT_THAT(faults(model), IsEmpty());
+  EXPECT_EQ(evaluated, 32) << "32 entries are all walked";
+
+  rule("/Case").param("One more").availableWhen(decided(counting(evaluated)));
+  evaluated = 0;
+  EXPECT_THAT(faults({{"/Case", {{"Optional 7", "2"}, {"Required", "1"}}}}), IsEmpty());
+  EXPECT_EQ(evaluated, 2);
+}
+
+TEST_F(PhysicsValidator2OnParameters, BoundsAndDefaultsAreNotEvaluated) {
+  auto const notReached = [] {
+    return test::text([](TDFContext const&, ModelTDF const&) -> std::string { throw std::logic_error("not reached"); });
+  };
+  rule("/Case")
+      .param("Speed")
+      .type(TDFParam::Real)
+      .required()
+      .bounds(notReached(), notReached())
+      .byDefault(notReached());
+  rule("/Case").param("Pressure").type(TDFParam::Real).bounds("0", "1");
+  EXPECT_THAT(faults({{"/Case", {{"Speed", "120"}, {"Pressure", "7"}}}}), IsEmpty());
 }
 
 // --- Allowed values --------------------------------------------------------------------------------------------------
