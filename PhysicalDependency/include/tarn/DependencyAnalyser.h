@@ -110,7 +110,7 @@ class PhysicsData;
 /// virtual.
 class TARN_EXPORT DependencyAnalyser {
  public:
-  /// What happens next; see the table above. The numbers are part of the interface.
+  /// The next step; see the table above. The numbers are part of the interface.
   enum HandlerStatus : int { Continue = 0, SkipObject = 1, Abort = 2 };
 
   /// The rules are not owned, must not be null, and must outlive the analyser.

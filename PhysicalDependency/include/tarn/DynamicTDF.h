@@ -53,7 +53,7 @@ namespace tarn {
 /// It is a log of events, and nothing in it is merged. A parameter that was added and then deleted is in both lists;
 /// one that was modified three times is listed three times. Setting the present value and deleting a missing item are
 /// no events. There is no list of new objects; those with parameters show through them. Entries hold the object path as
-/// the caller wrote it, or in a mirrored branch the path in the source. Of a deleted subtree only the top is among the
+/// the caller wrote it, or in a mirrored branch the path in the source. Only the top of a deleted subtree is among the
 /// deleted objects. Its parameters come leaves first: the subtree of the last child, and so on to that of the first
 /// child, then the object's own parameters in name order. A reader that needs the net effect of a batch must compute
 /// it.

@@ -57,7 +57,7 @@ class PhysicsErrorLogger;
 /// - Bounds, defaults, value overrides and quantity types are never evaluated. A value outside its bounds is no
 ///   finding.
 ///
-/// What is remembered. Only objects whose topmost object has a pertinent root type count; see
+/// Memory between calls. Only objects whose topmost object has a pertinent root type count; see
 /// `getPertinentRootLevelTypes`. Rules do not see the other objects, and they are ignored in the comparison that
 /// follows. When the counting objects of a model are the same as in the previous call, `validate` repeats nothing: the
 /// status and the content of the logger stay, and only a phase that has not run yet for this model runs. The comparison

@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// What only the library's own sources do with trackers.
+/// Operations of trackers for the library's own sources only.
 struct TrackerAccess {
   /// Empties the batch and also what the tracker remembers. The next bounds or quantity type of each parameter then
   /// count as its first. For a batch that failed, whose changes nobody has read.

@@ -137,7 +137,7 @@ void DynamicTDF::copyBranch(DynamicTDF const* source, std::string const& path) {
 /// Mirrors `sourceTop` and everything below it. The parameters of an object come first, then its children in the order
 /// of the source, and last the deletion of those of its children that the source lacks.
 void DynamicTDF::Impl::copyNodeAndChildren(DynamicTDF const& self, Node const& sourceTop) {
-  // A derived class may list other children than the tree holds. What it lists is what may become obsolete, so it is
+  // A derived class may list other children than the tree holds. Only the listed ones may become obsolete. So it is
   // asked, and the objects that it names are looked up by path: one of them may be any object of this tree.
   bool const isDerived = typeid(self) != typeid(DynamicTDF);
   std::vector<std::vector<std::string>> listedObsolete;  // of the objects from the top down to the current one

@@ -126,7 +126,7 @@ void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) co
 void DynamicTDF::Impl::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
                                         std::string const& name) const {
   if (!StringUtilities::isPathRootedAt(rootPath, objPath)) return;
-  // What is set under "/" goes to the root and is logged as it was set. The root itself answers to "" only.
+  // A parameter that is set under "/" goes to the root and is logged as it was set. The root itself answers to "" only.
   if (objPath == "/") return refreshParameter(state, rootPath, "", name);
   if (Node::ParamVal const* const param = nodes_.findParam(objPath, name)) {
     state[objPath].insert_or_assign(name, param->value());

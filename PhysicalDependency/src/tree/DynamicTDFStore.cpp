@@ -1,6 +1,6 @@
-// The flat side of the editable tree: which object stands at a path. Creation makes an object together with everything
-// missing above it; removal takes one object that has no children. The order in which a subtree goes, and the log, are
-// the tree's own business.
+// The objects of the editable tree by path. Creation makes an object together with all missing objects above it.
+// Removal takes one object that has no children. The tree decides the order in which a subtree is removed, and what is
+// logged.
 
 #include "tree/DynamicTDFStore.h"
 
@@ -20,8 +20,8 @@ namespace tarn {
 
 namespace {
 
-/// Puts `text` into `place`, and returns whether there was the memory. What look-ups keep only makes the next one
-/// quicker, so without memory they keep nothing, and find what there is all the same: reading a tree does not fail.
+/// Stores `text` in `place` and returns whether there was memory for it. A kept look-up only makes the next one faster.
+/// So without memory nothing is kept and the object is still found: reading a tree does not fail.
 bool keepText(std::string& place, std::string_view text) noexcept {
   try {
     place.assign(text);
@@ -31,13 +31,13 @@ bool keepText(std::string& place, std::string_view text) noexcept {
   }
 }
 
-/// What stands behind the first `from` bytes of `path`, which are the path of an object that exists and so need not be
-/// read again. A fault is told of the whole path; only of that is "/" no fault.
+/// Reads the part of `path` after its first `from` bytes, which are the path of an existing object and need not be read
+/// again. A fault is reported for the whole path. "/" is accepted only as the whole path.
 TDFPath readBelow(std::string const& path, std::size_t from) {
   try {
     if (path.size() - from > 1) return TDFPath(path.substr(from));
   } catch (Error const&) {
-    // told below
+    // reported below
   }
   return TDFPath(path);
 }
@@ -71,53 +71,18 @@ DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
 }
 
 DynamicTDF::Node* DynamicTDF::NodeStore::search(std::string_view path) const {
-  if (Node* const node = searchAround(path)) return lastSearched_ = node;
   PathHash const hash(path);
   for (Node* node = buckets_[bucketOf(hash)].get(); node != nullptr; node = node->nextInBucket.get()) {
-    if (node->hash == hash && isFoundUnder(*node, path)) return lastSearched_ = node;
+    if (node->hash == hash && isFoundUnder(*node, path)) return node;
   }
   return nullptr;
 }
 
-/// Looks where a walk goes on from the object that was searched for last. In a large tree that saves what is dear: the
-/// places of the index, and the objects that share them, are in no cache.
-DynamicTDF::Node* DynamicTDF::NodeStore::searchAround(std::string_view path) const {
-  if (lastSearched_ == nullptr) return nullptr;
-  Node const* const parent = lastSearched_->parent;
-  for (Node* const node : {lastSearched_->nextSibling, lastSearched_->children.first(),
-                           parent == nullptr ? nullptr : parent->nextSibling}) {
-    if (node != nullptr && isFoundUnder(*node, path)) return node;
-  }
-  return nullptr;
-}
-
-bool DynamicTDF::NodeStore::isFoundUnder(Node const& node, std::string_view path) const {
-  // A landmark is set some steps above the object, so that it also serves those beside and a little above it.
-  constexpr int stepsToNewLandmark = 8;
-  constexpr int stepsThatAreFew = 2 * stepsToNewLandmark;
-
-  std::string_view left = path;
-  Node const* newLandmark = nullptr;
-  std::size_t newLandmarkSize = 0;
-  int steps = 0;
+bool DynamicTDF::NodeStore::isFoundUnder(Node const& node, std::string_view path) noexcept {
   for (Node const* at = &node; at->parent != nullptr; at = at->parent) {
-    if (at == landmark_) {
-      if (left != landmarkPath_) return false;
-      left = {};
-      break;
-    }
-    if (!at->takeComponent(left)) return false;
-    if (++steps == stepsToNewLandmark) {
-      newLandmark = at->parent;
-      newLandmarkSize = left.size();
-    }
+    if (!at->takeComponent(path)) return false;
   }
-  if (!left.empty()) return false;
-  if (steps > stepsThatAreFew) {
-    landmark_ = nullptr;
-    if (keepText(landmarkPath_, path.substr(0, newLandmarkSize))) landmark_ = newLandmark;
-  }
-  return true;
+  return path.empty();
 }
 
 DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_view objPath,
@@ -127,7 +92,7 @@ DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_v
 }
 
 DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path, Node** present) {
-  // The way down begins at the nearest ancestor that exists; most often all but the last component do.
+  // Creation starts below the nearest existing ancestor. Mostly only the last component is missing.
   std::string_view known = path;
   Node* current = find(known);
   while (current == nullptr) {
@@ -184,7 +149,7 @@ void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
 }
 
 void DynamicTDF::NodeStore::reset() {
-  // Made before anything goes: without memory the objects stay as they are.
+  // The new root is made before anything is removed, so without memory the objects stay.
   std::vector<std::unique_ptr<Node>> buckets(1);
   buckets.front() = std::make_unique<Node>(nullptr, PathHash(), sharedEmptyString(), "");
   noteChange();
@@ -231,7 +196,7 @@ void DynamicTDF::NodeStore::grow() {
   }
 }
 
-/// Takes the chains apart one by one: an object that goes with the rest of its chain would call itself for each.
+/// Removes the objects of each chain one by one. Destroying a chain as a whole would recurse for every object in it.
 void DynamicTDF::NodeStore::clear() noexcept {
   for (std::unique_ptr<Node>& chain : buckets_) {
     while (chain != nullptr) chain = std::move(chain->nextInBucket);
@@ -240,15 +205,11 @@ void DynamicTDF::NodeStore::clear() noexcept {
   hasOtherwiseListed_ = false;
   forgetLoad();
   root_ = nullptr;
-  landmark_ = nullptr;
-  lastSearched_ = nullptr;
   for (Found& found : found_) found.node = nullptr;
 }
 
-/// The object goes, and with it what was kept of look-ups that ended there.
+/// Removes the kept look-ups of an object that is about to be removed.
 void DynamicTDF::NodeStore::forget(Node const& node) const noexcept {
-  if (&node == landmark_) landmark_ = nullptr;
-  if (&node == lastSearched_) lastSearched_ = nullptr;
   for (Found& found : found_) {
     if (found.node == &node) found.node = nullptr;
   }

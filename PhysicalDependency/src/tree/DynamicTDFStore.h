@@ -13,10 +13,10 @@
 
 namespace tarn {
 
-/// Owns the objects of a tree and finds each by its path, in a hash index that keeps no path: the hash of an object is
-/// made from that of its parent, and a text is compared with an object from the end upwards, component by component.
-/// Objects enter and leave through this class only, and with the index the children of their parent change; so the two
-/// hold the same objects, and with an object all those above it are present.
+/// Owns the objects of a tree and finds each by its path, in a hash index that stores no paths. The hash of an object
+/// is made from that of its parent, and a path is compared with an object component by component, from the end upwards.
+/// Objects are added and removed only by this class, which updates the index and the children of the parent together.
+/// So both hold the same objects, and with an object all objects above it exist.
 class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
  public:
   /// The root alone.
@@ -28,15 +28,16 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   [[nodiscard]] Node& root() const noexcept {
     return *root_;
   }
-  /// Null when there is none; of a parameter, also when there is no such object. Neither fails.
+  /// Return null when there is no such object or parameter. They do not throw.
   [[nodiscard]] Node* find(std::string_view path) const;
   [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
 
-  /// How many objects there are, the root included.
+  /// The number of objects, including the root.
   [[nodiscard]] std::size_t size() const noexcept {
     return size_;
   }
-  /// Whether there was an object, since the last reset, that is listed under another path than it is found under.
+  /// Returns whether, since the last reset, there was an object that is listed under another path than it is found
+  /// under.
   [[nodiscard]] bool hasOtherwiseListed() const noexcept {
     return hasOtherwiseListed_;
   }
@@ -55,24 +56,25 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     return names_;
   }
 
-  /// The object at `path`, made together with what is missing above it. A path without components is the root's. Throws
-  /// the `Error` of `TDFPath` when it cannot be read, and then, as also without memory, makes nothing. `present`, if
-  /// given, becomes the lowest object of the path that there was.
+  /// Creates the object at `path` and all missing objects above it, and returns it. A path without components is the
+  /// root. Throws the `Error` of `TDFPath` when it cannot be read. Then, and without memory, nothing is created.
+  /// `present`, if given, becomes the lowest object of the path that existed before.
   Node& create(std::string const& path, Node** present = nullptr);
 
-  /// The child with this component, which is one that `TDFPath` accepts and has its leading "/"; made if it is missing.
+  /// Returns the child with this component, and creates it if it is missing. `component` has its leading "/" and must
+  /// be one that `TDFPath` accepts.
   Node& findCreateChild(Node & parent, std::string_view component);
 
-  /// Removes an object that has no children left and is not the root.
+  /// Removes an object that has no children and is not the root.
   void removeLeaf(Node & node) noexcept;
-  /// Removes `made` and the objects above it up to `kept`, which stays. None of them has another child.
+  /// Removes `made` and the objects above it, up to but not including `kept`. None of them may have another child.
   void removeUpTo(Node const& kept, Node& made) noexcept;
 
-  /// Whether the object is the one that `find` gives for the path.
-  [[nodiscard]] bool isFoundUnder(Node const& node, std::string_view path) const;
+  /// Returns whether the object is the one that `find` returns for the path.
+  [[nodiscard]] static bool isFoundUnder(Node const& node, std::string_view path) noexcept;
 
-  /// The objects of a load that made the whole tree, in its order. None once an object or a parameter has come or an
-  /// object has gone: then the tree is not what was loaded any more, but for values.
+  /// The objects of the load that made the whole tree, in the order of the load. Empty once an object or parameter was
+  /// added or an object removed: then the tree differs from what was loaded by more than values and removed parameters.
   [[nodiscard]] std::vector<Node*> const& lastLoad() const noexcept {
     return lastLoad_;
   }
@@ -83,22 +85,21 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     lastLoad_.clear();
   }
 
-  /// Back to the root alone. Every other object, and the old root, are gone. Without memory, nothing is.
+  /// Removes all objects and makes a new root. Without memory it throws and removes nothing.
   void reset();
 
  private:
   [[nodiscard]] static std::size_t foundPlace(std::string_view path) noexcept;
   [[nodiscard]] Node* search(std::string_view path) const;
-  [[nodiscard]] Node* searchAround(std::string_view path) const;
   void forget(Node const& node) const noexcept;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
   void grow();
   void clear() noexcept;
 
-  /// Read by all objects, so it goes after them.
+  /// All objects refer to it, so it is destroyed after them.
   NamePool names_;
-  /// As many as a power of two, and at least as many as objects. Each holds a chain, mostly of one.
+  /// Their number is a power of two and at least the number of objects. Each holds a chain, mostly of one object.
   std::vector<std::unique_ptr<Node>> buckets_;
   std::size_t size_ = 0;
   std::uint64_t revision_ = 0;
@@ -106,23 +107,15 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;
 
-  /// What was found lately, each at the place that the end of its path gives. Walks and rules ask for the same few
-  /// objects again and again: the object at hand, its parent and neighbours, the one that holds the choices. That costs
-  /// one comparison of texts.
+  /// Recent look-ups, each at the index that the end of its path gives. Walks and rules ask for the same few objects
+  /// again and again: the current object, its parent and siblings, and the object that holds the choices. Such a
+  /// look-up costs one comparison of strings.
   struct Found {
     std::string path;
     Node* node = nullptr;
   };
   static constexpr unsigned foundBits = 6;
   mutable std::array<Found, 1U << foundBits> found_;
-  /// What was found last that was in none of those places.
-  mutable Node* lastSearched_ = nullptr;
-
-  /// An object with its path, kept by the last look-up that had many components to compare. Questions come in the order
-  /// of a walk, so the next ones most often pass it on the way up and compare the rest at once. Shallow trees have
-  /// none.
-  mutable Node const* landmark_ = nullptr;
-  mutable std::string landmarkPath_;
 };
 
 }  // namespace tarn

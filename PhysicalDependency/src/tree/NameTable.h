@@ -75,7 +75,7 @@ class NameTable {
 
   /// Returns null when there is no such entry.
   [[nodiscard]] Value* find(std::string_view name) noexcept {
-    // Of a few names most differ in size already, so comparing each is faster than searching by order.
+    // A few names mostly differ in size already, so comparing each is faster than searching by order.
     constexpr std::size_t few = 12;
     if (first_.size() <= few && others_ == nullptr) {
       for (Entry& entry : first_) {

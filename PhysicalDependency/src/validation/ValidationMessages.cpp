@@ -13,7 +13,7 @@
 namespace tarn::ValidationMessages {
 namespace {
 
-/// The values fill the tokens in number order, whatever order these stand in in the template.
+/// The values fill the tokens in number order, in whatever order the template has them.
 template <typename... Values>
 std::string compose(char const* messageTemplate, Values const&... values) {
   UserMsg message(messageTemplate, nullptr);

@@ -8,7 +8,7 @@
 
 /// The messages of a validation in the user's words, and the list handling that they need.
 ///
-/// Wrong items are always shown in full, joined by commas. Of the right ones only a few are shown; see `shortList`.
+/// Wrong items are always shown in full, joined by commas. Only a few of the right ones are shown; see `shortList`.
 /// Singular and plural follow the number of wrong items.
 namespace tarn::ValidationMessages {
 

@@ -14,8 +14,8 @@ namespace tarn {
 class PhysicsData;
 
 /// Says which objects of a model count for validation: those whose topmost object has one of the types that
-/// `PhysicsData::getPertinentGlobalCheckRoots` lists. Whoever selects objects by the roots of a rule database uses this
-/// class, so that all of them select the same.
+/// `PhysicsData::getPertinentGlobalCheckRoots` lists. All code that selects objects by the roots of a rule database
+/// uses this class, so the selection is the same everywhere.
 ///
 ///     PertinentRoots const roots(*rules);     // the rules look at "Case"
 ///     roots.hasType("Case");                  // true
