@@ -21,6 +21,7 @@
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
+#include <tarn/Edit.h>
 #include <tarn/ProvTDFDriver.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvTDFPrinter.h>
@@ -153,6 +154,28 @@ Work edit(std::string const& ruleText, std::string model) {
     printer.printState();
     printer.printUpdates();
     require(!out.str().empty(), "nothing is printed");
+  };
+}
+
+/// Edits the title of a case. Making the state and its first walks are not counted.
+Work editAgain(std::string const& ruleText, std::string const& model) {
+  struct Edited {
+    std::shared_ptr<PhysicsData const> rules;
+    DynamicTDF base{false};
+    std::unique_ptr<ProvisionalTDF> state;
+    bool isOdd = false;
+  };
+  auto const edited = std::make_shared<Edited>();
+  edited->rules = rules::parseRules(ruleText);
+  ModelState const given = TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState();
+  edited->base.initialise(given.begin(), given.end(), false);
+  edited->state = std::make_unique<ProvisionalTDF>(edited->rules.get(), nullptr, "/Case");
+  edited->state->initialise(&edited->base, {});
+  edited->state->baseUpdate(&edited->base);  // rules that look ahead settle
+  return [edited] {
+    edited->isOdd = !edited->isOdd;
+    auto const refusal = edited->state->apply(Edit::setParam("/Case", "Title", edited->isOdd ? "odd" : "even"));
+    require(!refusal && edited->state->getModParams().size() == 1, "the edit changes more or less than the title");
   };
 }
 
@@ -591,6 +614,71 @@ std::vector<Kind> kindsOfModels() {
   };
 }
 
+/// Edits of a case with many domains, by the kind of rule that every domain has.
+std::vector<Kind> kindsOfEdits() {
+  auto const kind = [](char const* name, std::string const& parameter, std::string const& child = {},
+                       std::string const& objects = {}) {
+    std::string const rules =
+        header + "Checks:\n  all rest: all({/Case/Domain:*}, ${Motion} == 'Resting')\n" +
+        "Lists:\n  domains: = names({/Case/Domain:*})\n" +
+        "Objects:\n"
+        "  /Case:\n"
+        "    Parameters:\n"
+        "      Title: {Required: yes, Parameter Type: String, Default Value: none}\n"
+        "    Children:\n"
+        "      Domain: {Required: yes}\n"
+        "  /Case/Domain:\n"
+        "    Parameters:\n"
+        "      Motion: {Required: yes, Context Rule: yes, Parameter Type: String, Ordered Allowed "
+        "String List: [Resting, Rotating], Default Value: Resting}\n"
+        "      Speed: {Required: yes, Parameter Type: Real, Default Value: 1}\n" +
+        parameter + (child.empty() ? "" : "    Children:\n" + child) + objects;
+    return Kind{name, 100, [rules](std::size_t n) {
+                  return editAgain(rules, "/Case/Title=none\n" + repeated(n, [](std::size_t i) {
+                                            return "/Case/Domain:d" + number(i) + "/Motion=Resting\n";
+                                          }));
+                }};
+  };
+  std::string const source =
+      "  /Case/Domain/Source:\n    Parameters:\n      Power: {Required: yes, Parameter Type: Real, Default Value: 1}\n";
+  return {
+      kind("edited: plain parameters", parameter("P", "Required: yes, Parameter Type: Real, Default Value: 1")),
+      kind("edited: parameters on offer", parameter("P", "Parameter Type: Real")),
+      kind("edited: a condition on a parameter", parameter("P", "Parameter Type: Real, Available: \"${Speed} > 2\"")),
+      kind("edited: a condition on all domains",
+           parameter("P", "Parameter Type: Real, Available: \"all({/Case/Domain:*}, ${Motion} == 'Resting')\"")),
+      kind("edited: a count of domains",
+           parameter("P", "Parameter Type: Real, Available: \"count({/Case/Domain:*}, ${Speed} > 0) > 1\"")),
+      kind("edited: a search through all objects",
+           parameter("P", "Parameter Type: Real, Available: \"exists({/Case/**/Source:*})\"")),
+      kind("edited: a named check", parameter("P", "Parameter Type: Real, Available: \"check('all rest')\"")),
+      kind("edited: a context", parameter("P", "Parameter Type: Real, Context: Rotating")),
+      kind("edited: names of all domains on offer",
+           parameter("P", "Parameter Type: String, Value List Source: \"names({/Case/Domain:*})\"")),
+      kind("edited: names of all domains, present",
+           parameter("P", "Required: yes, Parameter Type: String, Value List Source: \"names({/Case/Domain:*})\"")),
+      kind("edited: names of all domains from a named list",
+           parameter("P", "Required: yes, Parameter Type: String, Value List Source: \"list('domains')\"")),
+      kind("edited: a default from all domains", parameter("P",
+                                                           "Required: yes, Parameter Type: Real, Default Value: \"= "
+                                                           "max(values(${/Case/Domain:*/Speed}))\"")),
+      kind("edited: bounds from all domains",
+           parameter("P",
+                     "Required: yes, Parameter Type: Real, Default Value: 1, Upper Bound: \"= "
+                     "sum(values(${/Case/Domain:*/Speed}))\"")),
+      kind("edited: an override by all domains",
+           "      P:\n        Required: yes\n        Parameter Type: Real\n        Value Override Check List:\n"
+           "          - {When: \"any({/Case/Domain:*}, ${Motion} == 'Rotating')\", Value: 2}\n"
+           "        Default Value: 1\n"),
+      kind("edited: a child by a condition on all domains", "",
+           "      Source: {Required: yes, Singleton: yes, Available: \"check('all rest')\"}\n", source),
+      kind("edited: children with closed names", "", "      Source: {Required: yes, Allowed Names: [a, b]}\n", source),
+      kind("edited: children on offer", "", "      Source: {Coupled: yes, Allowed Names: [a, b]}\n", source),
+      kind("edited: children of which there are none", "", "      Source: {Required: yes}\n", source),
+      kind("edited: children that are mirrored", "", "      Source: {}\n", source),
+  };
+}
+
 /// The kind that the check of growth must reject.
 std::vector<Kind> quadratic() {
   return {{"a square", 1'000, [](std::size_t n) -> Work {
@@ -622,6 +710,7 @@ int main(int argc, char** argv) {
   try {
     std::vector<Kind> kinds = kindsOfRules();
     for (Kind& kind : kindsOfModels()) kinds.push_back(std::move(kind));
+    for (Kind& kind : kindsOfEdits()) kinds.push_back(std::move(kind));
     if (argc == 2 && argv[1] == std::string_view("--quadratic")) kinds = quadratic();
     for (Kind const& kind : kinds) {
       current = kind.name;
