@@ -1,5 +1,5 @@
-// The program `zev`. All of it but the way into it stands in a library, so that tests can have its parts one by one.
-#include "cli/CommandLine.h"
+// The program `zev`. Everything but `main` is in a library, so that tests can use its parts.
+#include "CommandLine.h"
 #include "cli/Output.h"
 
 int main(int argc, char** argv) {

@@ -1,7 +1,6 @@
-// The frame of the program: the subcommands, the help, and the place where every failure ends as a sentence. What a
-// subcommand does, and which options it takes, stands in its own source; to add one is to add its line in
-// `addCommands`.
-#include "cli/CommandLine.h"
+// The frame of the program: the subcommands, the help, and the one place where every failure becomes a sentence. Each
+// subcommand has a source of its own, with its options. A new one needs a line in `addCommands`.
+#include "CommandLine.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -38,7 +37,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addConsoleCommand(app, chosen);
 }
 
-int tellUsage(CLI::App const& app, CLI::ParseError const& error) {
+int printUsage(CLI::App const& app, CLI::ParseError const& error) {
   if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
     app.exit(error, std::cout, std::cerr);  // help, or the version
     flushResults(std::cout);
@@ -50,7 +49,7 @@ int tellUsage(CLI::App const& app, CLI::ParseError const& error) {
   return Failed;
 }
 
-// The parser would only say that some command is needed.
+// Without this the parser would only say that a command is required.
 void requireKnownCommand(CLI::App const& app, std::string const& name) {
   if (name.starts_with('-')) return;
   std::vector<std::string> known;
@@ -92,15 +91,15 @@ int run(std::vector<std::string> arguments) {
     std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them
     app.parse(std::move(arguments));
   } catch (CLI::ParseError const& error) {
-    return tellUsage(app, error);
+    return printUsage(app, error);
   }
   int const status = chosen(std::cout, std::cerr);
   flushResults(std::cout);
   return status;
 }
 
-/// As `run`, with every failure told.
-int runAndTell(int argc, char const* const* argv) {
+/// As `run`, but prints every failure.
+int runAndReport(int argc, char const* const* argv) {
   try {
     WriteErrors const errors(std::cout);
     return run(std::vector<std::string>(argv + (argc > 0), argv + argc));
@@ -116,7 +115,7 @@ int runAndTell(int argc, char const* const* argv) {
   return Failed;
 }
 
-/// Whether messages were lost that somebody wanted to have: whoever closes the standard error does not.
+/// Whether messages could not be written. A caller who closed the standard error does not want them: none is lost then.
 bool areLost(WriteErrors const& messages) {
   std::cerr.flush();
   return !std::cerr && messages.first() != EBADF;
@@ -126,7 +125,7 @@ bool areLost(WriteErrors const& messages) {
 
 int runCommandLine(int argc, char const* const* argv) noexcept {
   WriteErrors const messages(std::cerr);
-  int const status = runAndTell(argc, argv);
+  int const status = runAndReport(argc, argv);
   return areLost(messages) ? Failed : status;
 }
 
