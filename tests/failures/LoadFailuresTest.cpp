@@ -255,7 +255,7 @@ class NeverMet final : public GlobalCheck {
 void isAddedOrNot(std::function<void(PhysicsData&)> const& add) {
   auto const filled = [] {
     auto rules = std::make_unique<PhysicsData>();
-    rules->addObject("/Case").addParam(paramNamed("Title of the Case"), valuesOf("Pump"));
+    (void)rules->addObject("/Case").addParam(paramNamed("Title of the Case"), valuesOf("Pump"));
     return rules;
   };
   auto const added = filled();
@@ -274,17 +274,19 @@ void isAddedOrNot(std::function<void(PhysicsData&)> const& add) {
 
 TEST(FillFailures, AnEntryIsAddedToTheRulesOrNot) {
   isAddedOrNot([](PhysicsData& rules) {
-    rules.addObject("/Case").addParam(paramNamed("Flow Regime of the Case"), valuesOf("Turbulent, in all domains"));
+    (void)rules.addObject("/Case").addParam(paramNamed("Flow Regime of the Case"),
+                                            valuesOf("Turbulent, in all domains"));
   });
   isAddedOrNot([](PhysicsData& rules) {
     ChildAvail domain;
     domain.type = "Domain of the Case";
     domain.allowedNamesSource = std::make_unique<FixedList>(SharedStrings({"rotor of the pump"}));
-    rules.addObject("/Case").addChild(std::move(domain));
+    (void)rules.addObject("/Case").addChild(std::move(domain));
   });
-  isAddedOrNot(
-      [](PhysicsData& rules) { rules.addGlobalCheck("there is a rotor in the pump", std::make_unique<NeverMet>()); });
-  isAddedOrNot([](PhysicsData& rules) { rules.addQuantityType("Angular Velocity", {"rad/s", "rev/min"}); });
+  isAddedOrNot([](PhysicsData& rules) {
+    (void)rules.addGlobalCheck("there is a rotor in the pump", std::make_unique<NeverMet>());
+  });
+  isAddedOrNot([](PhysicsData& rules) { (void)rules.addQuantityType("Angular Velocity", {"rad/s", "rev/min"}); });
   isAddedOrNot([](PhysicsData& rules) { rules.addPertinentRoot("Case of a Simulation"); });
 }
 

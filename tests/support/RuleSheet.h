@@ -12,7 +12,6 @@
 #include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 
-#include "support/RuleLambdas.h"
 #include "support/Rules.h"
 
 /// Rules as plain records: what a rule database holds as expressions is data here, so that a test can read the rules by
@@ -139,7 +138,7 @@ struct RuleSheet {
   static std::string valueOf(LookSheet const& look, TDFContext const& at, ModelTDF const& model) {
     return model.getParameterValue(look.objPath(at.objPath()), look.name);
   }
-  static RuleFunction<bool> function(ConditionSheet const& sheet) {
+  static lambda::Function<bool> function(ConditionSheet const& sheet) {
     return [sheet](TDFContext const& at, ModelTDF const& model) {
       return (valueOf(sheet.look, at, model) == sheet.value) != sheet.negated;
     };

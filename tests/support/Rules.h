@@ -11,10 +11,16 @@
 #include <gtest/gtest.h>
 
 #include <tarn/PhysicsData.h>
-
-#include "support/RuleLambdas.h"
+#include <tarn/RuleLambdas.h>
 
 namespace tarn::test {
+
+using lambda::always;
+using lambda::list;
+using lambda::listOf;
+using lambda::never;
+using lambda::text;
+using lambda::when;
 
 /// Fills a rule database in a few lines. Every mark belongs to the parameter or child named last, and every parameter
 /// and child to the object named last.
@@ -159,19 +165,18 @@ class Rules {
 
   // For the database as a whole.
 
-  Rules& check(std::string const& name, RuleFunction<bool> function) {
-    EXPECT_TRUE(data_.addCheck(name, std::make_unique<RuleLambda<Check, bool>>(std::move(function)))) << name;
+  Rules& check(std::string const& name, lambda::Function<bool> function) {
+    EXPECT_TRUE(data_.addCheck(name, lambda::check(std::move(function)))) << name;
     return *this;
   }
-  Rules& namedList(std::string const& name, RuleFunction<std::vector<std::string>> function) {
-    using Lambda = RuleLambda<List, std::vector<std::string>>;
-    EXPECT_TRUE(data_.addList(name, std::make_unique<Lambda>(std::move(function)))) << name;
+  Rules& namedList(std::string const& name, lambda::Function<std::vector<std::string>> function) {
+    EXPECT_TRUE(data_.addList(name, lambda::namedList(std::move(function)))) << name;
     return *this;
   }
   /// Passes while `function` holds; `message` is reported to the user when it does not.
   Rules& globalCheck(std::string const& name, std::function<bool(ModelTDF const&)> function,
                      PhysicsErrorMsg const& message) {
-    EXPECT_TRUE(data_.addGlobalCheck(name, std::make_unique<GlobalLambda>(std::move(function), message))) << name;
+    EXPECT_TRUE(data_.addGlobalCheck(name, lambda::globalCheck(std::move(function), message))) << name;
     return *this;
   }
   Rules& pertinentRoot(std::string const& type) { return data_.addPertinentRoot(type), *this; }
@@ -181,21 +186,6 @@ class Rules {
   }
 
  private:
-  class GlobalLambda final : public GlobalCheck {
-   public:
-    GlobalLambda(std::function<bool(ModelTDF const&)> function, PhysicsErrorMsg message)
-        : function_(std::move(function)), message_(std::move(message)) {}
-
-    [[nodiscard]] std::pair<bool, PhysicsErrorMsg> evaluate(EvalContext* evalContext) const override {
-      return {function_(*evalContext->getDB()), message_};
-    }
-    void collectReads(RuleReads& reads) const override { reads.objectSets.emplace_back("/**"); }
-
-   private:
-    std::function<bool(ModelTDF const&)> function_;
-    PhysicsErrorMsg message_;
-  };
-
   template <typename Mark>
   Rules& onEntry(Mark const& mark) {
     if (param_) {

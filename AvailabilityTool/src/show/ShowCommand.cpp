@@ -18,6 +18,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
+#include "cli/PathArgument.h"
 #include "cli/RuleFiles.h"
 #include "provisional/EditedObject.h"
 
@@ -31,16 +32,6 @@ struct ShowOptions {
   std::string root;
   std::string item;
 };
-
-void requireKnownType(PhysicsData const& rules, std::string const& root) {
-  std::string const typePath = PathUtils::typePathOf(root);
-  if (rules.getObjDependDef(typePath, true) != nullptr) return;
-  std::vector<std::string> known;
-  for (ObjDependDef const* object : rules.objects()) known.push_back(object->typePath());
-  std::string const match = StringUtilities::nearMatch(typePath, known);
-  throw Failure("--root: the rules know no objects of the type path " + typePath +
-                (match.empty() ? "; give the path of an object that they know" : "; did you mean " + match + "?"));
-}
 
 /// Whether the state holds an object at the path, or could: something is there, below it, or potential.
 bool isObject(ProvisionalTDF const& state, std::string const& path) {
@@ -57,7 +48,7 @@ bool isObject(ProvisionalTDF const& state, std::string const& path) {
 
 int show(ShowOptions const& options, std::ostream& out, std::ostream& err) {
   EditedObject object(loadRuleFiles(options.rules, err), options.root);
-  requireKnownType(object.rules(), options.root);
+  requireKnownType("--root", options.root, object.rules());
   object.setModel(readModelFile(options.model, TDFChangeFile::Strict));
   object.initialise({}, {});
 

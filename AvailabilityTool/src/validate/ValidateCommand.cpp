@@ -16,7 +16,7 @@
 #include <CLI/CLI.hpp>
 
 #include <tarn/Error.h>
-#include <tarn/PathUtils.h>
+#include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/session/ModelJudge.h>
@@ -46,25 +46,17 @@ struct ValidateOptions {
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
-// The roots in canonical form. A root that the rules can say nothing about is a slip of the caller's, whatever the
-// models hold.
+// The roots in canonical form. A root whose type the rules do not know is a wrong argument, whatever the models hold.
 std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, PhysicsData const& rules) {
+  PertinentRoots const pertinent(rules);
   std::vector<std::string> checked;
   for (std::string const& root : roots) {
     TDFPath const path = pathArgument("--root", root);
-    std::vector<std::string> const& pertinent = rules.getPertinentGlobalCheckRoots();
-    if (path.size() == 0 || std::find(pertinent.begin(), pertinent.end(), path.getType(0)) == pertinent.end()) {
-      throw Failure("--root: the rules do not look at \"" + root +
-                    "\"; give an object of a type among: " + StringUtilities::vectorToString(pertinent, ','));
+    if (path.size() == 0 || !pertinent.hasType(path.getType(0))) {
+      throw Failure("--root: the rules do not look at \"" + root + "\"; give an object of a type among: " +
+                    StringUtilities::vectorToString(rules.getPertinentGlobalCheckRoots(), ','));
     }
-    std::string const typePath = PathUtils::typePathOf(path.getFullPath());
-    if (!rules.getObjDependDef(typePath, false)) {
-      std::vector<std::string> known;
-      for (ObjDependDef const* object : rules.objects()) known.push_back(object->typePath());
-      std::string const match = StringUtilities::nearMatch(typePath, known);
-      throw Failure("--root: the rules know no objects of the type path " + typePath +
-                    (match.empty() ? "; give the path of an object that they know" : "; did you mean " + match + "?"));
-    }
+    requireKnownType("--root", path.getFullPath(), rules);
     if (std::find(checked.begin(), checked.end(), path.getFullPath()) == checked.end()) {
       checked.push_back(path.getFullPath());
     }

@@ -83,9 +83,15 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
  public:
   /// The phases to run: a bit set.
   enum ValType : std::int32_t { ValDependency = 1, ValGlobal = 2, ValAll = 3 };
+  friend constexpr ValType operator|(ValType a, ValType b) noexcept {
+    return static_cast<ValType>(static_cast<std::int32_t>(a) | static_cast<std::int32_t>(b));
+  }
 
   /// The kinds of findings: a bit set. A bit is set when the logger held errors of that kind at the end of the phase.
   enum ValStatus : std::int32_t { ValStatusClean = 0, ValDependencyErrors = 1, ValGlobalErrors = 2, ValAllErrors = 3 };
+  friend constexpr ValStatus operator|(ValStatus a, ValStatus b) noexcept {
+    return static_cast<ValStatus>(static_cast<std::int32_t>(a) | static_cast<std::int32_t>(b));
+  }
 
   /// `rules` must not be null.
   explicit PhysicsValidator2(PhysicsData const* rules);

@@ -167,7 +167,7 @@ std::vector<std::string> ProvisionalTDF::getSubsetAllowedParamValues(std::string
   // Only the active tree has the subset that is widened by the user's selections. A potential item has the rule's own
   // subset, which is not what it will offer.
   ParamAllowedValues const& active = m_impl->outcome().active.getAllowedValueData(p_objPath, p_name);
-  return active.hasSubset ? active.subsetValues : SharedStrings();
+  return active.hasSubset ? active.subsetValues.vector() : std::vector<std::string>();
 }
 
 std::vector<std::string> ProvisionalTDF::getPathExpansion(std::string const& p_path,

@@ -97,7 +97,7 @@ PhysicsValidator2::ValStatus PhysicsValidator2::Impl::doValidate(ValType type, M
   if ((type & ValDependency) != 0 && !dependencyChecksDone_) {
     OperationTimer const timer("Physics dependency checks");
     for (std::string const& root : roots) self_.analyse(root, run.context());
-    if (logger_->hasDependencyErrors()) status_ = static_cast<ValStatus>(status_ | ValDependencyErrors);
+    if (logger_->hasDependencyErrors()) status_ = status_ | ValDependencyErrors;
     dependencyChecksDone_ = true;
     run.cache().report();
   }
@@ -106,7 +106,7 @@ PhysicsValidator2::ValStatus PhysicsValidator2::Impl::doValidate(ValType type, M
     run.cache().enable(false);
     OperationTimer const timer("Physics global checks");
     evaluateGlobalChecks(run.context());
-    if (logger_->hasGlobalErrors()) status_ = static_cast<ValStatus>(status_ | ValGlobalErrors);
+    if (logger_->hasGlobalErrors()) status_ = status_ | ValGlobalErrors;
     globalChecksDone_ = true;
   }
   return status_;

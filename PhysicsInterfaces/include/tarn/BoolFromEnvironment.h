@@ -6,8 +6,8 @@
 
 namespace tarn {
 
-/// A switch in the environment. It is on when the variable holds 1, true, yes or on, in any case; anything else, and
-/// its absence, is off. The environment is read at the first question and the answer kept.
+/// A switch in the environment. It is on if the variable is 1, true, yes or on, in any case. It is off if the variable
+/// is anything else, or absent. The environment is read at the first call of `value`; later changes are not seen.
 class TARN_EXPORT BoolFromEnvironment {
  public:
   explicit BoolFromEnvironment(std::string const& variableName);

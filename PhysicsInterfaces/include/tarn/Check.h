@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// A named condition of the rule database.
+/// A condition that the rule database holds under a name. `lambda::check` makes one from a function.
 class TARN_EXPORT Check : public RuleExpression {
  public:
   [[nodiscard]] virtual bool evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;

@@ -14,22 +14,22 @@ namespace tarn {
 
 class PhysicsData;
 
-/// When children of a type are available in an object, and what that means. Fill the fields and hand the record to
-/// `ObjDependDef::addChild`.
+/// The rule for one type of children of an object: when such children are available, and what they are. Fill the fields
+/// and hand the record to `ObjDependDef::addChild`.
 class TARN_EXPORT ChildAvail {
  public:
   std::string type;
   bool required = false;
-  /// At most one child of this type, addressed without a name.
+  /// There is at most one child of this type. It is addressed without a name.
   bool singleton = false;
   /// The child takes part in the state of its parent.
   bool coupled = false;
   bool validationRelaxed = false;
 
-  /// The names that children of the type may have; of a required type, the names that must be there. Null: any name.
-  /// A child with allowed names counts as coupled.
+  /// The names that children of this type may have. If the type is required, they must all be there. Null: any name. A
+  /// child with allowed names counts as coupled.
   std::unique_ptr<ListExpression> allowedNamesSource;
-  /// The names that a required type without allowed names starts with. Null: none.
+  /// The names of the first children of a required type that has no allowed names. Null: none.
   std::unique_ptr<ListExpression> defaultNamesSource;
 
   /// As in `ParamAvail`.
@@ -41,10 +41,11 @@ class TARN_EXPORT ChildAvail {
   /// Where the entry is written: the child type.
   RulePlace rulePlace;
 
-  /// Whether children of the type are available in the context; gathers the beta message when they are.
+  /// Returns whether children of this type are available in the context. If so, collects the beta message.
   bool evaluate(TDFContext const& context, EvalContext* evalContext) const;
 
-  /// Puts the allowed names, or the default names, into `out`, which the caller has cleared.
+  /// Assign the allowed names, or the default names, to `out`. If the source is null, `out` stays as it is: clear it
+  /// before the call.
   void evaluateAllowedNames(TDFContext const& context, EvalContext* evalContext, std::vector<std::string>& out) const;
   void evaluateDefaultNames(TDFContext const& context, EvalContext* evalContext, std::vector<std::string>& out) const;
 

@@ -8,11 +8,11 @@
 
 namespace tarn {
 
-/// What kind of failure an `Error` tells of.
+/// The kind of failure that an `Error` reports.
 enum class errorType : int { Unknown = 0, Assertion = 1, InvalidInput = 2, InputOutput = 3, InvalidState = 4 };
 
-/// The base of the family's exceptions. It is a `std::exception` as well, so that a handler of those sees it too; catch
-/// `Error` first where the two are told apart.
+/// The base of the family's exceptions. It is a `std::exception` too. A program that handles both differently catches
+/// `Error` first.
 class TARN_EXPORT Error : public std::exception {
  public:
   Error(Error const&) = default;
@@ -20,13 +20,13 @@ class TARN_EXPORT Error : public std::exception {
   ~Error() override;
 
   [[nodiscard]] virtual errorType getType() const;
-  /// Writes the whole error to `stream`, with no line end behind it: the composed text. Of an error in what a user
-  /// wrote that is the message.
+  /// Writes the whole error to `stream`, without a line end. This is the composed text; for an error in something that
+  /// a user wrote, it is the message alone.
   virtual void write(std::ostream& stream) const;
-  /// The class and the method that failed, as given when the error was made.
+  /// The class and the method that failed, as the constructor got them.
   [[nodiscard]] virtual std::string getClass() const;
   [[nodiscard]] virtual std::string getMethod() const;
-  /// The composed text: name of the exception, place and message.
+  /// The composed text: name of the exception, class and method, and message.
   [[nodiscard]] virtual std::string errorMessage() const;
   /// The bare message.
   [[nodiscard]] virtual std::string getMessage() const;
@@ -34,7 +34,7 @@ class TARN_EXPORT Error : public std::exception {
   /// The name of the exception, "physical_dependency::error" for example.
   [[nodiscard]] std::string const& exceptionName() const noexcept { return exceptionName_; }
   [[nodiscard]] int code() const noexcept { return code_; }
-  /// `getMessage` for handlers of `std::exception`; valid as long as the error.
+  /// The same as `getMessage`, for handlers of `std::exception`. Valid as long as the error.
   [[nodiscard]] char const* what() const noexcept override { return message_.c_str(); }
 
  protected:
@@ -51,22 +51,21 @@ class TARN_EXPORT Error : public std::exception {
   int code_ = 0;
 };
 
-/// A text that cannot be read as what it should be: a path, a change, a model file.
+/// A text that cannot be parsed: a path, a change, a model file.
 class TARN_EXPORT ParseError : public Error {
  public:
   ParseError(std::string const& className, std::string const& method, std::string const& message);
-  /// Writes the message alone. It is about the user's text, and names the place in that; the place in the program would
-  /// only stand before it.
+  /// Writes the message alone. It names the position in the user's text. Class and method would not help the user.
   void write(std::ostream& stream) const override;
 };
 
-/// An index outside what it counts: the fourth component of a path of three.
+/// An index that is out of range: the fourth component of a path of three.
 class TARN_EXPORT RangeError : public Error {
  public:
   RangeError(std::string const& className, std::string const& method, std::string const& message);
 };
 
-/// A file that cannot be opened, or not be read or written to its end.
+/// A file that cannot be opened, or that cannot be read or written completely.
 class TARN_EXPORT FileError : public Error {
  public:
   FileError(std::string const& className, std::string const& method, std::string const& message);

@@ -11,12 +11,12 @@
 
 namespace tarn {
 
-/// Results of rule expressions that do not depend on the object in whose context they are evaluated. While it is
-/// enabled, such an expression is evaluated once and its result handed out again.
+/// Keeps the results of rule expressions that do not depend on their context object. While the cache is enabled, such
+/// an expression is evaluated once, and its result is used again.
 ///
-/// A cache belongs to one unchanged model. Whoever changes the model that the rules read makes a new cache, calls
-/// `clear`, or disables the cache for as long as the model looks different. Results that were stored before a pause are
-/// handed out again after it. A cache starts disabled. It serves one thread.
+/// A cache belongs to one unchanged model. If the model that the rules read changes, make a new cache or call `clear`.
+/// If it changes for a while only, disable the cache for that time: the results that it holds are used again when it is
+/// enabled. A cache starts disabled. It is for one thread.
 class TARN_EXPORT EvalCache {
  public:
   using Result = std::variant<bool, double, std::string, SharedStrings>;
@@ -29,17 +29,16 @@ class TARN_EXPORT EvalCache {
   void enable(bool on) noexcept { enabled_ = on; }
   [[nodiscard]] bool isEnabled() const noexcept { return enabled_; }
 
-  /// The result stored for the expression at `rule`, or null. Always null while disabled. Valid until `clear`
-  /// or the end of the cache.
+  /// The result that is stored for the expression at the address `rule`, or null. Always null while disabled. Valid until
+  /// `clear`, or as long as the cache.
   [[nodiscard]] Result const* find(void const* rule) const;
-  /// Stores a result and returns it. Does nothing but return null while disabled.
+  /// Stores a result and returns it. While disabled, stores nothing and returns null.
   Result const* store(void const* rule, Result result);
 
-  /// Forgets all results. Costs the same however many there are; their memory is used again for later results of the
-  /// same expressions.
+  /// Removes all results, in constant time. Their memory is used again for later results of the same expressions.
   void clear() noexcept { ++generation_; }
 
-  /// Hands the counts of the run to the `MeasurementSink` of the thread, if there is one.
+  /// Passes the counts to the `MeasurementSink` of the thread, if there is one.
   void report() const;
 
  private:

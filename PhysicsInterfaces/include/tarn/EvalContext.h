@@ -8,8 +8,8 @@ class BetaLoggingController;
 class EvalCache;
 class ModelTDF;
 
-/// Ties the evaluation of rules to a model, and optionally to a cache and to a controller that gathers beta messages.
-/// Owns none of them; all must outlive it.
+/// Says which model an evaluation of rules reads, and optionally which cache it uses and which controller collects its
+/// beta messages. Owns none of them. All must outlive it.
 class TARN_EXPORT EvalContext {
  public:
   explicit EvalContext(ModelTDF const* model) : model_(model) {}
@@ -20,8 +20,8 @@ class TARN_EXPORT EvalContext {
   /// The cache, or null.
   [[nodiscard]] EvalCache* getCache() const noexcept { return cache_; }
 
-  /// Where beta messages go. Null, the state at the start, leaves it to the controller that is attached to the rule
-  /// database, if any.
+  /// The controller that collects beta messages. If it is null, which it is at the start, the controller that is
+  /// attached to the rule database collects them, if there is one.
   void setBetaLoggingController(BetaLoggingController* controller) noexcept { beta_ = controller; }
   [[nodiscard]] BetaLoggingController* getBetaLoggingController() const noexcept { return beta_; }
 

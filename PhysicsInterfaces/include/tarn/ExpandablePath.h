@@ -10,24 +10,25 @@
 
 namespace tarn {
 
-/// Checks what a path pattern names. No implementation exists in this family; hand in null.
+/// Verifies what a path pattern names. There is no implementation in this library; pass null.
 class DataVerifyInterface;
 
-/// A path pattern that is expanded to the objects it matches in a model. See `PathPattern` for what it may hold.
+/// A path pattern that can be expanded to the objects that it matches in a model. `PathPattern` defines its syntax.
 class TARN_EXPORT ExpandablePath {
  public:
-  /// How the expansion is made. Only the values false, true, true are in use, and they are what `expand` does: matches
-  /// are objects, not parameters; they are objects that the model holds; and each is given once.
+  /// How to expand. Only the values false, true, true are in use, and `expand` always works that way: it returns
+  /// objects, not parameters; only objects that the model holds; and each object once.
   struct Attributes {
     bool parameters;
     bool existing;
     bool unique;
   };
 
-  /// Throws an `Error` when `pathPattern` is no pattern.
+  /// Throws an `Error` when `pathPattern` cannot be parsed.
   ExpandablePath(DataVerifyInterface const* verifier, std::string const& pathPattern, Attributes attributes);
 
-  /// The paths of the objects that match, seen from `context`, in the order of the model that `evalContext` reads.
+  /// Returns the paths of the objects that match, in the order of the model of `evalContext`. A relative pattern starts
+  /// at `context`.
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, EvalContext* evalContext) const;
 
  private:

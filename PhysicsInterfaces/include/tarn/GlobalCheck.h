@@ -9,10 +9,10 @@
 
 namespace tarn {
 
-/// A check of the model as a whole.
+/// A check of the model as a whole. `lambda::globalCheck` makes one from a function.
 class TARN_EXPORT GlobalCheck : public RuleExpression {
  public:
-  /// Whether the check passes, and what to tell the user when it does not.
+  /// Returns whether the check passes, and the message for the user. The message is used only if it fails.
   [[nodiscard]] virtual std::pair<bool, PhysicsErrorMsg> evaluate(EvalContext* evalContext) const = 0;
 };
 

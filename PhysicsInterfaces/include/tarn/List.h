@@ -10,7 +10,7 @@
 
 namespace tarn {
 
-/// A named list of the rule database.
+/// A list of strings that the rule database holds under a name. `lambda::namedList` makes one from a function.
 class TARN_EXPORT List : public RuleExpression {
  public:
   [[nodiscard]] virtual std::vector<std::string> evaluate(TDFContext const& context,

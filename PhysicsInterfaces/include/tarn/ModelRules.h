@@ -6,8 +6,8 @@ namespace tarn {
 
 class PhysicsData;
 
-/// What value rules need of the database they belong to. Had from `PhysicsData::getRules` and handed to the evaluating
-/// operations of `ParamValueDef`; nothing else is done with it.
+/// Gives value rules access to their database. `PhysicsData::getRules` returns it; pass it to the evaluating operations
+/// of `ParamValueDef`. It has no other use.
 class TARN_EXPORT ModelRules {
  public:
   explicit ModelRules(PhysicsData const* data) noexcept : data_(data) {}

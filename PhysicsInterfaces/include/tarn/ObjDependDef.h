@@ -17,14 +17,14 @@ namespace tarn {
 
 class PhysicsData;
 
-/// A place in the list of an object's parameter entries. Made afresh it stands before the first.
+/// A position in the list of an object's parameter entries. A new cursor is before the first entry.
 class TARN_EXPORT PACursor {
  private:
   friend class ObjDependDef;
   std::size_t next_ = 0;
 };
 
-/// A place in the list of an object's child entries. It keeps the context value that it was started with.
+/// A position in the list of an object's child entries. It keeps the context rule value that `firstChildAvail` got.
 class TARN_EXPORT CACursor {
  private:
   friend class ObjDependDef;
@@ -33,8 +33,8 @@ class TARN_EXPORT CACursor {
 };
 
 /// The rules of one object type: its parameters and its child types, in the order in which a walk visits them.
-/// Made by `PhysicsData::addObject`. Entries stay where they are as long as the `PhysicsData`; their names, and whether
-/// they are required, stay what they were when the entry was added.
+/// `PhysicsData::addObject` makes it. Pointers to entries are valid as long as the `PhysicsData`. The name of an entry,
+/// and whether it is required, must not change after it was added.
 class TARN_EXPORT ObjDependDef {
  public:
   ObjDependDef(PhysicsData const* data, std::string typePath);
@@ -49,16 +49,16 @@ class TARN_EXPORT ObjDependDef {
 
   [[nodiscard]] std::string const& typePath() const noexcept { return typePath_; }
 
-  /// Adds an entry behind the others. Returns false, and changes nothing, when the object has an entry of that name.
-  /// Without memory, nothing is added.
-  bool addParam(ParamAvail entry, ParamValueDef valueDef);
-  /// Adds an entry without a value rule; what asks for its values then throws. For tests of that case.
-  bool addParam(ParamAvail entry);
-  bool addChild(ChildAvail entry);
+  /// Adds an entry at the end. Returns false, and changes nothing, if the object has an entry of that name. Throws
+  /// `std::bad_alloc`, and adds nothing, when memory runs out.
+  [[nodiscard]] bool addParam(ParamAvail entry, ParamValueDef valueDef);
+  /// Adds an entry without a value rule. Operations that need its values then throw. Meant for tests of that case.
+  [[nodiscard]] bool addParam(ParamAvail entry);
+  [[nodiscard]] bool addChild(ChildAvail entry);
 
-  /// The entries one by one, as a walk visits them. The bool says whether the entry is live: its `contexts` hold the
-  /// value of the last context rule parameter seen, "" when there has been none. An entry that is not live is handed
-  /// out all the same. Null at the end.
+  /// The entries one by one, as a walk visits them. The pointer is null at the end. The bool says whether the entry is
+  /// live: its `contexts` contain `contextRuleValue`, the value of the last context rule parameter before it, which is
+  /// "" if there was none. Entries that are not live are returned too.
   [[nodiscard]] std::pair<ParamAvail const*, bool> firstParamAvail(PACursor& cursor) const;
   [[nodiscard]] std::pair<ParamAvail const*, bool> nextParamAvail(PACursor& cursor,
                                                                   std::string const& contextRuleValue) const;
@@ -70,17 +70,16 @@ class TARN_EXPORT ObjDependDef {
   [[nodiscard]] std::vector<std::unique_ptr<ParamAvail>> const& params() const noexcept { return params_; }
   [[nodiscard]] std::vector<std::unique_ptr<ChildAvail>> const& children() const noexcept { return children_; }
 
-  /// The entry at that place of `params`, and whether it is live, as a walk that comes to it with this context rule
-  /// value gets them.
+  /// The entry at index `place` of `params`, and whether it is live with this context rule value.
   [[nodiscard]] std::pair<ParamAvail const*, bool> paramAvailAt(std::size_t place,
                                                                 std::string const& contextRuleValue) const;
-  /// Where in `params` the entry of that name stands, or `noPlace`. One look-up by hash.
+  /// The index in `params` of the entry of that name, or `noPlace`. One hash look-up.
   [[nodiscard]] std::size_t placeOfParam(std::string_view name) const;
   static constexpr std::size_t noPlace = static_cast<std::size_t>(-1);
-  /// The places in `params` of the entries that were added as required, ascending.
+  /// The indices in `params` of the entries that were added as required, ascending.
   [[nodiscard]] std::vector<std::size_t> const& requiredParams() const noexcept { return requiredParams_; }
 
-  /// The entry of that name or type, or null. One look-up by hash.
+  /// The entry of that name or type, or null. One hash look-up.
   [[nodiscard]] ParamAvail const* findParam(std::string_view name) const;
   [[nodiscard]] ChildAvail const* findChild(std::string_view type) const;
   /// The value rule of the parameter, or null.

@@ -9,9 +9,9 @@
 
 namespace tarn {
 
-/// Measures an operation from construction to destruction, with sections within it, and hands the result to the
-/// `MeasurementSink` that the thread had when the operation began. With no sink set it does nothing; when the sink was
-/// replaced in the meantime, the measurement is dropped.
+/// Measures an operation from construction to destruction, with sections within it. It passes the result to the
+/// `MeasurementSink` that the thread had at construction. Without a sink it does nothing. If the sink was replaced in
+/// the meantime, the measurement is dropped.
 class TARN_EXPORT OperationTimer {
  public:
   explicit OperationTimer(std::string const& name);
@@ -19,7 +19,7 @@ class TARN_EXPORT OperationTimer {
   OperationTimer& operator=(OperationTimer const&) = delete;
   ~OperationTimer();
 
-  /// Ends the section under way, if any, and begins another.
+  /// Ends the current section, if there is one, and begins another.
   void enterSection(std::string const& name);
 
  private:

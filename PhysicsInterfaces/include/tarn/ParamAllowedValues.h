@@ -8,33 +8,33 @@
 
 namespace tarn {
 
-/// The evaluated allowed values of one parameter. Copies share their lists, so a record is cheap to hand on.
+/// The evaluated allowed values of one parameter. Copies share their lists, so copying is cheap.
 class TARN_EXPORT ParamAllowedValues {
  public:
-  /// The parameter is of allowed value type. An evaluated list that came out empty still has it.
+  /// The rule of the parameter has allowed values. True also when the evaluated list is empty.
   bool hasAllowedValues = false;
-  /// A subset is in force: `subsetValues` is what is on offer.
+  /// There is a subset: only `subsetValues` are on offer.
   bool hasSubset = false;
-  /// The list is advice: a value outside it is no fault.
+  /// The list is advice only: any other value is allowed too.
   bool allowsAnyValue = false;
   /// All allowed values, in the order of display.
   SharedStrings allowedValues;
   /// The subset, in its own order. Meaningful only with `hasSubset`.
   SharedStrings subsetValues;
 
-  /// No allowed values: what a parameter has that may take any text.
+  /// The record of a parameter that may have any text.
   ParamAllowedValues() = default;
   /// A record with `hasAllowedValues` and `hasSubset` set and `allowsAnyValue` clear.
   ParamAllowedValues(SharedStrings allowed, SharedStrings subset);
 
-  /// Whether `value` is one of `allowedValues` or, when `askSubset` is set and there is a subset, one of
-  /// `subsetValues`. With `allowsAnyValue` the answer is always true. The comparison is exact.
+  /// Returns whether `value` is one of `allowedValues`. If `askSubset` is set and there is a subset, it must be one of
+  /// `subsetValues` instead. Always true with `allowsAnyValue`. The comparison is exact.
   [[nodiscard]] bool isAllowedValue(std::string const& value, bool askSubset) const;
 
   /// True when `allowedValues` is empty.
   [[nodiscard]] bool isEmpty() const noexcept { return allowedValues.empty(); }
 
-  /// True when all flags and both lists agree.
+  /// Returns whether all flags and both lists are equal.
   [[nodiscard]] bool isEqualTo(ParamAllowedValues const& other) const noexcept;
 };
 

@@ -15,34 +15,35 @@ namespace tarn {
 class ParamValueDef;
 class PhysicsData;
 
-/// When a parameter is available in an object, and what that means. Fill the fields and hand the record to
-/// `ObjDependDef::addParam`.
+/// The rule for when a parameter is available in an object, and what it is there. Fill the fields and hand the record
+/// to `ObjDependDef::addParam`.
 class TARN_EXPORT ParamAvail {
  public:
   std::string name;
   bool required = false;
-  /// The value of this parameter selects the branch that later entries of the object belong to.
+  /// The value of this parameter decides which of the later entries of the object are live, see `contexts`.
   bool contextRule = false;
   /// The validator does not judge the parameter.
   bool validationRelaxed = false;
 
-  /// The entry is live only while the last context rule parameter has one of these values. Empty: always live.
+  /// The entry is live only while the last context rule parameter before it has one of these values. Empty: always
+  /// live.
   std::vector<std::string> contexts;
   /// Null: always available.
   std::unique_ptr<Condition> available;
 
-  /// For people: what the parameter is, and why it is withdrawn when `available` does not hold.
+  /// For people: what the parameter is, and why it is not available when `available` does not hold.
   std::string description;
   std::string reason;
-  /// Given with the parameter whenever it was evaluated and found available. Empty: none.
+  /// Collected when an evaluation finds the parameter available. Empty: none.
   std::string betaMessage;
   /// Where the entry is written: the parameter's name.
   RulePlace rulePlace;
 
-  /// Whether the parameter is available in the context; gathers the beta message when it is.
+  /// Returns whether the parameter is available in the context. If so, collects the beta message.
   bool evaluate(TDFContext const& context, EvalContext* evalContext) const;
 
-  /// The value rule that was added with the entry, without a look-up; null when there is none.
+  /// The value rule that was added with this entry, or null. Takes no look-up.
   [[nodiscard]] ParamValueDef const* valueDef() const noexcept { return valueDef_; }
 
  private:

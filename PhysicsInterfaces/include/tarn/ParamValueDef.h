@@ -17,94 +17,100 @@
 
 namespace tarn {
 
-/// What values a parameter may take: its type, allowed values, default, override, bounds and quantity type. Fill the
-/// fields and hand the record to `ObjDependDef::addParam`. The `ModelRules` of the evaluating operations may be null;
-/// beta messages then go to the controller of the `EvalContext` only.
+/// The value rule of a parameter: its type, allowed values, default, override, bounds and quantity type. Fill the
+/// fields and pass the record to `ObjDependDef::addParam`. The `ModelRules` of the evaluating operations may be null;
+/// then only the controller of the `EvalContext` collects beta messages.
+///
+/// Null members. Every expression may be null. A null condition holds always. The other null expressions mean that the
+/// rule has no such part, with two consequences that are easy to miss: with `allowedValues` null the parameter has no
+/// allowed values, whatever `allowedValueKind` says; and an entry of `defaultChecks` or `overrideChecks` with a null
+/// value ends the search when its condition holds, so `defaultValue` counts, or there is no override.
 class TARN_EXPORT ParamValueDef {
  public:
   enum AllowedValueKind : int { NoAllowedValues = 0, FixedAllowedValues = 1, ComputedAllowedValues = 2 };
 
-  /// A value that counts while its condition holds.
+  /// A value that is in force while its condition holds.
   struct GuardedText {
     std::unique_ptr<Condition> when;
     std::unique_ptr<TextExpression> value;
   };
 
   TDFParam::Type type = TDFParam::String;
-  /// 0: the parameter may take any text, and the allowed value fields below are not looked at.
+  /// 0: the parameter may have any text, and the fields for allowed values below are ignored.
   int allowedValueKind = NoAllowedValues;
-  /// The parameter stays available when its allowed list evaluates empty.
+  /// The parameter stays available when its evaluated list of allowed values is empty.
   bool availableWithNoAllowedValues = false;
-  /// A list value must name all allowed values.
+  /// A list value must contain all allowed values.
   bool completeListRequired = false;
 
-  /// The allowed values in the order of display. Required when `allowedValueKind` is not 0.
+  /// The allowed values in the order of display, when `allowedValueKind` is not 0.
   std::unique_ptr<ListExpression> allowedValues;
-  /// A value with an entry here is allowed only while the condition holds.
+  /// A value with an entry here is allowed only while its condition holds.
   std::map<std::string, std::unique_ptr<Condition>> allowedValueChecks;
-  /// Values that are known but never allowed, also when `allowedValues` holds them.
+  /// Values that are known but never allowed, also when they are in `allowedValues`.
   SharedStrings unusedValues;
   /// The subset on offer. Null: none.
   std::unique_ptr<ListExpression> subset;
-  /// The allowed values are advice only.
+  /// The allowed values are advice only: any other value is allowed too.
   bool allowsAnyValue = false;
-  /// Given with a value whenever the allowed values were evaluated and hold it.
+  /// Value to beta message. It is collected when the allowed values are evaluated and contain the value.
   std::map<std::string, std::string> betaValues;
 
-  /// The default, unless a check before it holds: of `defaultChecks` the first one whose condition holds. Null: none.
+  /// The default. The first entry of `defaultChecks` whose condition holds takes precedence. Null: none.
   std::unique_ptr<TextExpression> defaultValue;
   std::vector<GuardedText> defaultChecks;
-  /// What stands in for a default that is not allowed now: blank, or else the first value on offer.
+  /// What replaces a default that is not allowed now: true for blank, false for the first value on offer.
   bool fallbackToBlankDefault = false;
 
-  /// The first whose condition holds is the override in force.
+  /// The first entry whose condition holds is the override in force.
   std::vector<GuardedText> overrideChecks;
 
   /// Null: no bound.
   std::unique_ptr<TextExpression> lowerBound;
   std::unique_ptr<TextExpression> upperBound;
 
-  /// Null: none. Evaluates to a key of `PhysicsData::quantityTypes`.
+  /// Its value is a key of `PhysicsData::quantityTypes`. Null: none.
   std::unique_ptr<TextExpression> quantityType;
 
   /// Where the parameter is written: its name. The texts, lists and conditions above have places of their own.
   RulePlace rulePlace;
 
-  /// A default or a list of conditional defaults is given.
+  /// Whether there is a default or a conditional default.
   [[nodiscard]] bool hasDefault() const noexcept { return defaultValue != nullptr || !defaultChecks.empty(); }
   [[nodiscard]] bool hasValueOverride() const noexcept { return !overrideChecks.empty(); }
-  /// One of the bounds reads the model. Asks the bounds what they read, so keep the answer where it is asked often.
+  /// Whether a bound may read the model, see `RuleReads::readsModel`. Collects the reads of both bounds each time, so
+  /// keep the result where it is needed often.
   [[nodiscard]] bool hasVariableBounds() const;
 
-  /// The allowed values now: those of `allowedValues` without the ones whose check fails and the unused ones, and of
-  /// the subset those that are allowed. With `allowedValueKind` 0 a default-constructed record.
+  /// The allowed values now. These are `allowedValues` without the unused values and those whose check fails. The
+  /// subset loses the values that are not allowed. With `allowedValueKind` 0, a default-constructed record.
   [[nodiscard]] ParamAllowedValues evaluateAllowedValues(ModelRules const* rules, TDFContext const& context,
                                                          EvalContext* evalContext) const;
 
-  /// The default as given, or "" when none is in force.
+  /// The default as given, or "" if none is in force.
   [[nodiscard]] std::string evaluateDefault(ModelRules const* rules, TDFContext const& context,
                                             EvalContext* evalContext) const;
 
-  /// The default in the light of the allowed values. With none in force (`hasAllowedValues` clear), as above.
-  /// Otherwise: a default that is allowed is given as it stands; of a list type, the items that are allowed, joined by
-  /// commas. A default that is not allowed, a list that loses all its items, or no default at all gives the first value
-  /// on offer: the first of the subset when there is a subset, else of the allowed values, "" when that list is empty,
-  /// and "" with `fallbackToBlankDefault`.
+  /// The default that fits the allowed values. With `hasAllowedValues` clear, the same as above. Otherwise a default
+  /// that is allowed is returned as given; a list default loses the items that are not allowed. If the default is not
+  /// allowed, if a list loses all its items, or if there is no default, the result is the first value on offer: the
+  /// first of the subset if there is one, otherwise the first allowed value, "" if that list is empty. With
+  /// `fallbackToBlankDefault` the result is "" instead.
   [[nodiscard]] std::string evaluateDefault(ModelRules const* rules, TDFContext const& context,
                                             EvalContext* evalContext, ParamAllowedValues const& allowed) const;
 
-  /// Whether an override is in force, and its value. The value is given as it stands, allowed or not.
+  /// Whether an override is in force, and its value. The value is returned as given, also if it is not allowed.
   [[nodiscard]] std::pair<bool, std::string> evaluateValueOverride(ModelRules const* rules, TDFContext const& context,
                                                                    EvalContext* evalContext) const;
   [[nodiscard]] std::pair<bool, std::string> evaluateValueOverride(ModelRules const* rules, TDFContext const& context,
                                                                    EvalContext* evalContext,
                                                                    ParamAllowedValues const& allowed) const;
 
-  /// Lower and upper bound as value texts; "" where there is none.
+  /// Lower and upper bound as value texts, "" for a bound that does not exist.
   [[nodiscard]] std::pair<std::string, std::string> evaluateBounds(ModelRules const* rules, TDFContext const& context,
                                                                    EvalContext* evalContext) const;
 
-  /// The quantity type, or "" when there is none.
+  /// The quantity type, or "" if there is none.
   [[nodiscard]] std::string evaluateQuantityType(ModelRules const* rules, TDFContext const& context,
                                                  EvalContext* evalContext) const;
 

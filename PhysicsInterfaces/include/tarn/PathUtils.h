@@ -11,9 +11,9 @@ namespace tarn::PathUtils {
 TARN_EXPORT extern std::string const pathSeparator;
 TARN_EXPORT extern std::string const nameSeparator;
 
-/// Three-way order of paths: negative, zero or positive. Goes component by component, each as bytes, the type before
-/// the name and a component without a name before one with. All paths below `p` lie directly behind `p` in this order,
-/// with nothing between them, which byte order does not give: `/A B` would come between `/A` and `/A/B`.
+/// Compares two paths: negative, zero or positive. It compares component by component, each as bytes, first the type,
+/// then the name; a component without a name comes before one with a name. In this order all paths below `p` come
+/// directly after `p`. Byte order does not guarantee that: there `/A B` comes between `/A` and `/A/B`.
 [[nodiscard]] TARN_EXPORT int comparePaths(std::string const& a, std::string const& b) noexcept;
 
 /// Orders paths by `comparePaths`, for sorted containers.
@@ -21,16 +21,17 @@ struct PathOrder {
   bool operator()(std::string const& a, std::string const& b) const noexcept { return comparePaths(a, b) < 0; }
 };
 
-/// True when `candidate` equals `parent` or lies below it, at any depth.
+/// Returns whether `candidate` is `parent` or is below it, at any depth.
 [[nodiscard]] TARN_EXPORT bool isChildPath(std::string const& parent, std::string const& candidate) noexcept;
 
-/// The path without its last component: the text before the last "/", or "" when there is none.
+/// The path without its last component: the text before the last "/", or "" if there is no "/".
 [[nodiscard]] TARN_EXPORT std::string_view parentOf(std::string_view path) noexcept;
 
-/// The object type path of an object path: the types of its components with all names dropped, `/A:x/B` giving `/A/B`.
+/// The object type path of an object path: its components without their names, `/A/B` for `/A:x/B`. `PhysicsData` holds
+/// the rules of an object under this path. "" for the root.
 [[nodiscard]] TARN_EXPORT std::string typePathOf(std::string_view path);
 
-/// The type and the name of the last component of `path`; of a component without a name, both are its type.
+/// The type and the name of the last component of `path`. A component without a name has its type as name.
 [[nodiscard]] TARN_EXPORT std::string_view lastType(std::string_view path) noexcept;
 [[nodiscard]] TARN_EXPORT std::string_view lastName(std::string_view path) noexcept;
 

@@ -19,12 +19,12 @@ namespace tarn {
 
 /// The rule database: the rules of every object type, named checks and lists, and the checks of a whole model.
 ///
-/// Fill one by the operations at the end, or have it loaded from rule files (`tarn::rules::loadRules`). Once it is
-/// filled, reading it from many threads at once is safe, as long as no `BetaLoggingController` is attached. Every
-/// pointer it hands out stays valid as long as the database and is not the caller's to free.
+/// Fill a database with the operations at the end, using the expressions of `<tarn/RuleLambdas.h>`, or load it from
+/// rule files (`tarn::rules::loadRules`). Once it is filled, several threads may read it at once, as long as no
+/// `BetaLoggingController` is attached. Every pointer that it returns is valid as long as the database. The database
+/// keeps ownership.
 ///
-/// The bool that some look-ups take is for callers that share an interface with other databases; here a look-up is
-/// exact and quiet whatever it is.
+/// The bool of some look-ups has no effect. It is there for callers that share an interface with other databases.
 class TARN_EXPORT PhysicsData {
  public:
   PhysicsData();
@@ -32,24 +32,26 @@ class TARN_EXPORT PhysicsData {
   PhysicsData& operator=(PhysicsData const&) = delete;
   ~PhysicsData();
 
-  /// The rules of an object type, by its path of type names: `/Case/Domain`. Null when there are none.
+  /// The rules of an object type, by its type path: `/Case/Domain`. `PathUtils::typePathOf` gives the type path of an
+  /// object. Null if there are none.
   [[nodiscard]] ObjDependDef const* getObjDependDef(std::string const& objectTypePath, bool flag) const;
-  /// The value rule of a parameter of that type. Null when there is none.
+  /// The value rule of a parameter of that type. Null if there is none.
   [[nodiscard]] ParamValueDef const* getParamValueDef(std::string const& objectTypePath, std::string const& paramName,
                                                       bool flag) const;
   [[nodiscard]] ModelRules const* getRules() const noexcept { return &rules_; }
 
-  /// Null when there is none of that name.
+  /// Null if there is none of that name.
   [[nodiscard]] Check const* getCheck(std::string const& name, bool flag) const;
   [[nodiscard]] List const* getList(std::string const& name, bool flag) const;
   [[nodiscard]] GlobalCheck const* getGlobalCheck(std::string const& name, bool flag) const;
 
   /// The names of the global checks in the order in which they are evaluated.
   [[nodiscard]] std::vector<std::string> getGlobalCheckNames() const;
-  /// The types of the objects at the root of a model that validation looks at.
+  /// The types of the objects at the root of a model that validation looks at. `PertinentRoots` answers questions about
+  /// them.
   [[nodiscard]] std::vector<std::string> const& getPertinentGlobalCheckRoots() const noexcept { return roots_; }
 
-  /// Every quantity type with its units; the first of the units is what a value without usable units gets.
+  /// Every quantity type with its units. A value without usable units gets the first of them.
   [[nodiscard]] std::map<std::string, std::vector<std::string>> const& quantityTypes() const noexcept {
     return quantityTypes_;
   }
@@ -58,20 +60,26 @@ class TARN_EXPORT PhysicsData {
   [[nodiscard]] std::vector<std::string> getCheckNames() const;
   [[nodiscard]] std::vector<std::string> getListNames() const;
 
-  /// The controller that gathers beta messages of evaluations whose `EvalContext` names none. Not owned; null detaches.
+  /// Attaches a controller that collects the beta messages of all evaluations whose `EvalContext` names none; null
+  /// detaches. Not owned. A validator does not need it: `BetaLoggingController` says when it is of use.
   void attach(BetaLoggingController* controller) noexcept { beta_ = controller; }
   [[nodiscard]] BetaLoggingController* attachedController() const noexcept { return beta_; }
 
-  // Filling. Without memory, nothing is added.
+  // Filling. When memory runs out, these throw `std::bad_alloc` and add nothing.
 
-  /// The rules of that type, made when they are not there yet. `objectTypePath` begins with "/".
+  /// Returns the rules of that object type. Makes them if there are none. The reference is valid as long as the
+  /// database.
+  ///
+  /// `objectTypePath` is "/Case/Domain" for the objects Domain of a Case. It is not checked. The rules of "" are those
+  /// of the root of the model; a walk applies them only if it starts there. Rules under a path without a leading "/",
+  /// or with names, are never applied, because no object has such a type path.
   ObjDependDef& addObject(std::string const& objectTypePath);
-  /// Each returns false, and changes nothing, when the name is taken.
-  bool addCheck(std::string const& name, std::unique_ptr<Check> check);
-  bool addList(std::string const& name, std::unique_ptr<List> list);
-  bool addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check);
-  bool addQuantityType(std::string const& name, std::vector<std::string> const& units);
-  /// A root that is there already is not added again.
+  /// Each adds an entry that must not be null. Each returns false, and changes nothing, if the name is taken.
+  [[nodiscard]] bool addCheck(std::string const& name, std::unique_ptr<Check> check);
+  [[nodiscard]] bool addList(std::string const& name, std::unique_ptr<List> list);
+  [[nodiscard]] bool addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check);
+  [[nodiscard]] bool addQuantityType(std::string const& name, std::vector<std::string> const& units);
+  /// Adds a type, unless it is there already.
   void addPertinentRoot(std::string const& type);
 
  private:

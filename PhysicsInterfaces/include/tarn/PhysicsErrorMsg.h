@@ -6,12 +6,12 @@
 
 namespace tarn {
 
-/// A finding in words, with a level.
+/// The sentence of a finding, and its level.
 struct TARN_EXPORT PhysicsErrorMsg {
   enum Level : int {
     /// Something is wrong.
     Fault = 0,
-    /// The item works but is not released yet: a message of the rule author's.
+    /// Not an error: the rule author says that the item is not released yet.
     Beta = 1
   };
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// The names by which the family keys the rule definitions of a parameter, as rule files write them.
+/// The keys of a parameter's rule, and the names of parameter types, as rule files write them.
 namespace tarn::RuleAttributes {
 
 inline constexpr std::string_view parameterType = "Parameter Type";

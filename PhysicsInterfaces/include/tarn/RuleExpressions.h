@@ -13,19 +13,22 @@
 
 namespace tarn {
 
-/// The common part of the small objects that make up a rule: a condition, a text, a list of texts.
+/// Base of the small objects that rules consist of: conditions, texts and lists of texts. A program makes its own by
+/// deriving, or from lambdas (`<tarn/RuleLambdas.h>`).
 ///
-/// Evaluation reads the model of the `EvalContext`, must not change anything, and should not throw: what it throws ends
-/// the walk and reaches its caller. One object is evaluated from several threads at once.
+/// An evaluation reads the model of the `EvalContext`. It must not change anything, and it should not throw: what it
+/// throws ends the walk and reaches the caller of the walk. One object may be evaluated from several threads at once.
 class TARN_EXPORT RuleExpression {
  public:
   virtual ~RuleExpression();
 
-  /// Adds to `reads` what an evaluation may read. The default adds nothing, which is right only for an expression that
-  /// reads nothing.
+  /// Adds to `reads` everything that an evaluation may read. The default sets `RuleReads::unknown`, which is always
+  /// safe: the expression is then evaluated whenever its value is needed, and a bound made of it counts as variable.
+  /// Override it only with a complete list; an expression that reads nothing overrides it with an empty body. An
+  /// incomplete list makes results stale.
   virtual void collectReads(RuleReads& reads) const;
 
-  /// The expression as its author wrote it, for explanation; empty when it was not written as text.
+  /// The expression as its author wrote it, for explanations. Empty, the default, if it was not written as text.
   [[nodiscard]] virtual std::string sourceText() const;
 
   /// Where the expression begins in its rule file; not known for an expression that a program made. Set it before the
@@ -42,40 +45,44 @@ class TARN_EXPORT RuleExpression {
   RulePlace rulePlace_;
 };
 
-/// Something that holds or does not.
+/// An expression that holds or does not hold.
 class TARN_EXPORT Condition : public RuleExpression {
  public:
   [[nodiscard]] virtual bool evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
 };
 
-/// Something that gives a text: a default, a bound, a message.
+/// An expression whose value is a text: a default, a bound, a message.
 class TARN_EXPORT TextExpression : public RuleExpression {
  public:
   [[nodiscard]] virtual std::string evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
 };
 
-/// Something that gives a list of texts: allowed values, names.
+/// An expression whose value is a list of texts: allowed values, names.
 class TARN_EXPORT ListExpression : public RuleExpression {
  public:
   [[nodiscard]] virtual SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
 };
 
-/// A text that is always the same.
+/// A constant text.
 class TARN_EXPORT FixedText final : public TextExpression {
  public:
   explicit FixedText(std::string text) : text_(std::move(text)) {}
   [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override;
+  /// Adds nothing.
+  void collectReads(RuleReads& reads) const override;
   [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
  private:
   std::string text_;
 };
 
-/// A list that is always the same.
+/// A constant list.
 class TARN_EXPORT FixedList final : public ListExpression {
  public:
   explicit FixedList(SharedStrings items) : items_(std::move(items)) {}
   [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override;
+  /// Adds nothing.
+  void collectReads(RuleReads& reads) const override;
   [[nodiscard]] SharedStrings const& items() const noexcept { return items_; }
 
  private:

@@ -8,22 +8,36 @@
 
 namespace tarn {
 
-/// What an expression reads of the model: values of parameters, and the existence and number of objects. Tools build on
-/// it: explanation, linting, skipping what cannot have changed.
+/// What the evaluation of an expression may read: values of parameters, the existence and number of objects, the name
+/// of its context. Explanation, lint, and everything that skips work because nothing has changed depend on it. So it
+/// must name at least what the evaluation reads; it may name more.
 struct TARN_EXPORT RuleReads {
   struct Parameter {
-    PathPattern objects;  // seen from the object that owns the rule
+    /// The objects whose parameter is read. A relative pattern starts at the object that owns the rule.
+    PathPattern objects;
     std::string name;
   };
 
   std::vector<Parameter> parameters;
+  /// The objects whose existence is read.
   std::vector<PathPattern> objectSets;
-  /// The name, type or path of the context object is used, so the result differs from object to object even when
-  /// nothing of the model is read.
+  /// The name, type or path of the context object is read. So the result differs from object to object, even if nothing
+  /// is read from the model.
   bool contextIdentity = false;
+  /// The evaluation may read anything: the model, the context, and things outside the model that change between two
+  /// evaluations. What the other members list is then not complete. An expression with unknown reads is evaluated
+  /// whenever its value is needed.
+  bool unknown = false;
 
-  [[nodiscard]] bool readsModel() const noexcept { return !parameters.empty() || !objectSets.empty(); }
-  /// True when the result is the same in every context.
+  /// The reads of an expression that reads exactly one parameter of the object that owns the rule.
+  [[nodiscard]] static RuleReads ofOwnParameter(std::string name);
+
+  /// Adds all reads of `other`.
+  void add(RuleReads const& other);
+
+  /// Whether the evaluation may read the model.
+  [[nodiscard]] bool readsModel() const noexcept { return unknown || !parameters.empty() || !objectSets.empty(); }
+  /// Whether the result is the same in every context. Never true with unknown reads.
   [[nodiscard]] bool isContextFree() const noexcept;
 };
 

@@ -10,8 +10,8 @@
 
 namespace tarn {
 
-/// An immutable list of texts that is cheap to hand on: copies share one body, however long the list is. Reads like a
-/// `std::vector<std::string>`. Reading one list from many threads at once is safe.
+/// An immutable list of strings. Copies share one body, so copying takes constant time, however long the list is. It
+/// reads like a `std::vector<std::string>`. Several threads may read one list at once.
 class TARN_EXPORT SharedStrings {
  public:
   using value_type = std::string;
@@ -21,31 +21,40 @@ class TARN_EXPORT SharedStrings {
 
   /// The empty list.
   SharedStrings() noexcept = default;
-  SharedStrings(std::vector<std::string> items);                                  // NOLINT(google-explicit-constructor)
-  SharedStrings(std::initializer_list<std::string> items);                        // NOLINT(google-explicit-constructor)
-  operator std::vector<std::string> const&() const noexcept { return vector(); }  // NOLINT(google-explicit-constructor)
+  SharedStrings(std::vector<std::string> items);            // NOLINT(google-explicit-constructor)
+  SharedStrings(std::initializer_list<std::string> items);  // NOLINT(google-explicit-constructor)
+  operator std::vector<std::string> const&() const& noexcept {
+    return vector();
+  }  // NOLINT(google-explicit-constructor)
+  // A reference to the items of a temporary list would dangle: write `.vector()`.
+  operator std::vector<std::string> const&() const&& = delete;
 
-  /// The items. Valid as long as any copy of this list.
-  [[nodiscard]] std::vector<std::string> const& vector() const noexcept;
+  /// The items. The reference is valid as long as this list or a copy of it exists. Of a temporary list the items are
+  /// copied, because a reference to them would dangle at the end of the statement.
+  [[nodiscard]] std::vector<std::string> const& vector() const& noexcept { return items(); }
+  [[nodiscard]] std::vector<std::string> vector() const&& { return items(); }
 
-  [[nodiscard]] const_iterator begin() const noexcept { return vector().begin(); }
-  [[nodiscard]] const_iterator end() const noexcept { return vector().end(); }
-  [[nodiscard]] size_type size() const noexcept { return vector().size(); }
-  [[nodiscard]] bool empty() const noexcept { return vector().empty(); }
-  [[nodiscard]] std::string const& operator[](size_type i) const { return vector()[i]; }
-  [[nodiscard]] std::string const& front() const { return vector().front(); }
-  [[nodiscard]] std::string const& back() const { return vector().back(); }
+  [[nodiscard]] const_iterator begin() const noexcept { return items().begin(); }
+  [[nodiscard]] const_iterator end() const noexcept { return items().end(); }
+  [[nodiscard]] size_type size() const noexcept { return items().size(); }
+  [[nodiscard]] bool empty() const noexcept { return items().empty(); }
+  [[nodiscard]] std::string const& operator[](size_type i) const { return items()[i]; }
+  [[nodiscard]] std::string const& front() const { return items().front(); }
+  [[nodiscard]] std::string const& back() const { return items().back(); }
 
-  /// Whether `item` is among the items, byte for byte. Short lists are searched; for a long one an index is made at the
-  /// first question, so that asking for n items costs O(n), not O(n * size).
+  /// Whether `item` is one of the items, byte for byte. A short list is searched. For a long one, the first call makes
+  /// an index. So n calls take O(n + size), not O(n * size).
   [[nodiscard]] bool contains(std::string_view item) const;
 
-  /// Same items in the same order. Constant time for two copies of one list.
+  /// Whether both have the same items in the same order. Constant time for two copies of one list.
   friend TARN_EXPORT bool operator==(SharedStrings const& a, SharedStrings const& b) noexcept;
-  friend bool operator==(SharedStrings const& a, std::vector<std::string> const& b) noexcept { return a.vector() == b; }
+  friend bool operator==(SharedStrings const& a, std::vector<std::string> const& b) noexcept { return a.items() == b; }
 
  private:
   struct Body;
+
+  [[nodiscard]] std::vector<std::string> const& items() const noexcept;
+
   std::shared_ptr<Body const> body_;
 };
 

@@ -6,7 +6,7 @@
 
 namespace tarn::TARNAssertImpl {
 
-/// Reports a failed assertion by throwing an `AssertionError`; the process goes on.
+/// Reports a failed assertion: throws an `AssertionError`. The process does not end.
 [[noreturn]] TARN_EXPORT void assertFail(std::string const& condition, std::string const& file, int line);
 
 }  // namespace tarn::TARNAssertImpl

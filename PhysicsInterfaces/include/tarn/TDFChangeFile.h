@@ -19,7 +19,8 @@ namespace tarn {
 ///     /Case/Domain:rotor/Angular Velocity=120 [rad/s]
 ///     /Case/Domain:stator/
 ///
-/// the last one an object that holds no parameters; and nested blocks, as the tool prints a model:
+/// The last of these lines is an object without parameters. The other form is nested blocks, as the tool prints a
+/// model:
 ///
 ///     Case:
 ///       Flow Regime = Turbulent
@@ -28,22 +29,21 @@ namespace tarn {
 ///       END # Domain:rotor
 ///     END # Case:
 ///
-/// A line that begins with "/" is an item. Of the others, one with "=" is a parameter of the open block (of the root
-/// when none is open), `END # …` closes, and one that holds a ":" opens. A block that holds nothing is an object
-/// without parameters. UTF-8; a byte order mark and carriage returns are dropped, and the last line needs no line end.
+/// A line that begins with "/" is an item. Any other line with "=" is a parameter of the open block, or of the root
+/// when no block is open. `END # …` closes a block, and a line with ":" opens one. An empty block is an object without
+/// parameters. The text is UTF-8. A byte order mark and carriage returns are dropped. The last line needs no line end.
 ///
 /// Limits: the path of an object has at most 1,000 components. A NUL byte makes its line malformed.
 ///
-/// What the lenient mode makes of a fault. A malformed line has no effect of its own. A malformed opening line whose
-/// block is closed further on takes what the block holds with it, since there is no place for it; lines that begin with
-/// "/" are loaded all the same. An `END` for a block that is open further out closes that one and all within it. An
-/// `END` for no open block is passed over, unless it stands under the opening line of the innermost block and that
-/// block is not closed by an `END` of its own: then it is taken as a slip for that. Of a block left open, what it holds
-/// is loaded.
+/// Faults in lenient mode. A malformed line has no effect of its own. If a malformed line opens a block that is closed
+/// later, the content of the block is skipped as well, because it has no path; lines that begin with "/" are still
+/// loaded. An `END` for an outer open block closes that block and all blocks within it. An `END` for no open block is
+/// ignored, with one exception: if it is at the indentation of the innermost block, and that block has no `END` of its
+/// own, it is taken as a misspelt `END` of that block. The content of a block that is never closed is loaded.
 class TARN_EXPORT TDFChangeFile {
  public:
   enum InputMode : int {
-    /// A malformed line is written to the standard error as `file:line:column: reason` and skipped.
+    /// Each malformed line is reported on the standard error as `file:line:column: reason` and skipped.
     Lenient = 0,
     /// The first malformed line throws an `Error` with that text.
     Strict = 3
@@ -54,17 +54,18 @@ class TARN_EXPORT TDFChangeFile {
   using const_iterator = std::vector<TDFChange>::const_iterator;
 
   /// Reads `files` in order, then each text of `extra` as the content of one more file. The name "-" is the standard
-  /// input, which messages call "<stdin>"; the texts of `extra` are called "<text 1>", "<text 2>" and so on. Throws a
-  /// `FileError` that names the file when one cannot be opened or not be read to its end, in both modes, and in strict
-  /// mode a `ParseError` whose message is the text `file:line:column: reason` alone. Lines and columns count from 1,
-  /// columns in characters. Linear in the length of the text. `std::bad_alloc` is never told as a fault of a line.
+  /// input; messages call it "<stdin>". Messages call the texts of `extra` "<text 1>", "<text 2>" and so on. In both
+  /// modes, throws a `FileError` that names the file if a file cannot be opened or cannot be read to its end. In strict
+  /// mode, throws a `ParseError` for the first malformed line; its message is `file:line:column: reason`. Lines and
+  /// columns count from 1, columns in characters. Linear in the length of the text. When memory runs out, throws
+  /// `std::bad_alloc` and never reports it as a malformed line.
   TDFChangeFile(std::vector<std::string> const& files, std::vector<std::string> const& extra, InputMode mode);
 
   [[nodiscard]] const_iterator begin() const noexcept { return items_.begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return items_.end(); }
 
-  /// The items as a state. Of a parameter given twice the first value stands. An object without parameters has an entry
-  /// with an empty map.
+  /// The items as a state. If a parameter is given twice, the first value counts. An object without parameters has an
+  /// entry with an empty map.
   [[nodiscard]] ModelState toModelState() const;
 
  private:

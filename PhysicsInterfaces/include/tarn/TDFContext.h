@@ -7,14 +7,14 @@
 
 namespace tarn {
 
-/// Where a rule is evaluated: the object that relative paths start from, and the object that owns the rule. The two
-/// are the same unless a rule looks at other objects one by one, as `any` and `filter` do.
+/// The context of an evaluation: the object where relative paths start, and the object that owns the rule. They differ
+/// only while a rule looks at other objects one by one, as `any` and `filter` do.
 class TARN_EXPORT TDFContext {
  public:
-  /// The object at `objPath` is both. The root is the empty path.
+  /// A context in which both are the object at `objPath`. The root is the empty path.
   explicit TDFContext(std::string objPath) : objPath_(std::move(objPath)) {}
 
-  /// A context at `objPath` for a rule that the object at `ownerPath` owns.
+  /// Relative paths start at `objPath`; the object at `ownerPath` owns the rule.
   TDFContext(std::string objPath, std::string ownerPath)
       : objPath_(std::move(objPath)), ownerPath_(std::move(ownerPath)), hasOwner_(true) {}
 
@@ -23,7 +23,7 @@ class TARN_EXPORT TDFContext {
 
  private:
   std::string objPath_;
-  // A context is made for every object of a walk, so the usual case holds one text.
+  // A walk makes a context for every object. So the usual case holds only one string.
   std::string ownerPath_;
   bool hasOwner_ = false;
 };

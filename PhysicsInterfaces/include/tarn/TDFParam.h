@@ -9,13 +9,14 @@
 
 namespace tarn {
 
-/// What the texts of parameter values mean.
+/// How the texts of parameter values are read.
 ///
-/// Number: a decimal number as `strtod` reads it in the "C" locale, the whole text but for white space at the ends.
-/// There is no hexadecimal form, no infinity and no not-a-number; a number too large for a double is none.
+/// Number: a decimal number as `strtod` reads it in the "C" locale. It must be the whole text, except for white space
+/// at the ends. There is no hexadecimal form, no infinity and no not-a-number. A number too large for a double is not a
+/// number.
 /// Quantity: a number, optional white space, and `[units]`; a plain number is a quantity with the units "".
 /// Logical: true, yes, on, 1 and false, no, off, 0 in any case, with white space at the ends allowed.
-/// List: items divided by commas; an empty text is the empty list.
+/// List: items separated by commas. An empty text is the empty list.
 class TARN_EXPORT TDFParam {
  public:
   /// The type of a parameter as the rules declare it. The numbers are part of the interface.
@@ -30,7 +31,7 @@ class TARN_EXPORT TDFParam {
     StringList = 7
   };
 
-  /// A quantity taken apart. The views point into the text that was parsed.
+  /// The parts of a quantity. The views point into the text that was parsed.
   struct Quantity {
     double number;
     std::string_view numberText;
@@ -40,27 +41,29 @@ class TARN_EXPORT TDFParam {
   TDFParam() = delete;
 
   [[nodiscard]] static bool isListType(Type type) noexcept;
-  /// The type of an item: of a list type its element type, else the type itself.
+  /// The element type of a list type; any other type itself.
   [[nodiscard]] static Type elementType(Type type) noexcept;
   /// True for the types that can have bounds: Integer, Real and their lists.
   [[nodiscard]] static bool isNumericType(Type type) noexcept;
 
-  /// Whether `a` and `b` are the same value of type `type`. Integer and Real compare number and units text, Logical
-  /// compares truth, String compares text, lists compare item by item after trimming. Two values of which one cannot be
-  /// read as its type are compared as text.
+  /// Returns whether `a` and `b` are the same value of type `type`. Integer and Real compare the number and the text of
+  /// the units, Logical compares truth, String compares text, and lists compare their trimmed items one by one. If one
+  /// of the two cannot be read as its type, both are compared as text.
   [[nodiscard]] static bool valuesEqual(Type type, std::string const& a, std::string const& b);
 
-  /// Divides a quantity into `number` and `units`. The pair holds the number and whether `value` was a quantity; when
-  /// it was not, both texts are empty and the number is 0. A number too large for a float is infinite.
+  /// Splits a quantity into the texts `number` and `units`. Returns the number, and whether `value` is a quantity. If
+  /// it is not, both texts are empty and the number is 0. A number too large for a float is infinite.
   [[nodiscard]] static std::pair<float, bool> valueAsFloat(std::string const& value, std::string& number,
                                                            std::string& units);
 
+  /// The value of the text as a number, quantity or logical value, as defined above. Empty if it is none.
   [[nodiscard]] static std::optional<double> asNumber(std::string_view text) noexcept;
   [[nodiscard]] static std::optional<Quantity> asQuantity(std::string_view text) noexcept;
   [[nodiscard]] static std::optional<bool> asLogical(std::string_view text) noexcept;
 
   /// The name of the type as rule files write it: "Real List".
   [[nodiscard]] static std::string_view typeName(Type type) noexcept;
+  /// The type of that name, exactly as `typeName` writes it. Empty if there is none.
   [[nodiscard]] static std::optional<Type> typeFromName(std::string_view name) noexcept;
 };
 

@@ -12,18 +12,18 @@ namespace tarn {
 ///     message << path << name;
 ///     std::string text = message;
 ///
-/// The template is the key of the message and at the same time its English wording. Two texts are kept: the wording
-/// that is shown and the English one. They are the same, since no translation is supplied.
+/// The template is both the key of the message and its English wording. The object keeps two texts, the one for display
+/// and the English one. They are equal, because this library has no translations.
 class TARN_EXPORT UserMsg {
  public:
-  /// `translated` may be null; otherwise it tells on return whether a translation of `text` was found.
+  /// If `translated` is not null, sets it to whether a translation of `text` was found.
   UserMsg(std::string const& text, bool* translated);
 
-  /// Fills the next token, %1 first, with `value`, in both texts. Each search for the token starts at the front, and
-  /// two characters are replaced wherever it stands. So a value that holds the token of a later number has that
-  /// replaced by the later value; a value that holds its own token keeps it as text, and so does one that would make
-  /// tokens with its neighbours without end. When the token is nowhere, a warning goes to the standard error and the
-  /// texts stay as they are.
+  /// Replaces the next token, %1 first, by `value` in both texts, everywhere it occurs. Each search for the token
+  /// starts at the front. So if a value contains the token of a later value, the later value replaces it. If a value
+  /// contains its own token, that stays as text; the same holds for a value that would form new tokens with its
+  /// neighbours without end. If the token does not occur, writes a warning to the standard error and leaves the texts
+  /// as they are.
   UserMsg& operator<<(std::string const& value);
 
   /// The text for display.

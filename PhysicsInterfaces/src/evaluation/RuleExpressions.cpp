@@ -4,7 +4,9 @@ namespace tarn {
 
 RuleExpression::~RuleExpression() = default;
 
-void RuleExpression::collectReads(RuleReads& /*reads*/) const {}
+void RuleExpression::collectReads(RuleReads& reads) const {
+  reads.unknown = true;
+}
 
 std::string RuleExpression::sourceText() const {
   return {};
@@ -14,8 +16,12 @@ std::string FixedText::evaluate(TDFContext const& /*context*/, EvalContext* /*ev
   return text_;
 }
 
+void FixedText::collectReads(RuleReads& /*reads*/) const {}
+
 SharedStrings FixedList::evaluate(TDFContext const& /*context*/, EvalContext* /*evalContext*/) const {
   return items_;
 }
+
+void FixedList::collectReads(RuleReads& /*reads*/) const {}
 
 }  // namespace tarn

@@ -1,7 +1,6 @@
-// A switch in the environment, read when it is first asked for.
+// A switch in the environment. It is read at the first call of `value`.
 #include <tarn/BoolFromEnvironment.h>
 
-#include <array>
 #include <cstdlib>
 #include <string_view>
 
@@ -20,9 +19,7 @@ void BoolFromEnvironment::checkEnv() const {
   state_ = State::Off;
   char const* const text = std::getenv(variableName_.c_str());
   if (!text) return;
-  for (std::string_view const word : std::array<std::string_view, 4>{"1", "true", "yes", "on"}) {
-    if (StringUtilities::equalIgnoringCase(text, word)) state_ = State::On;
-  }
+  if (std::string_view(text) == "1" || StringUtilities::asYesNo(text) == true) state_ = State::On;
 }
 
 }  // namespace tarn

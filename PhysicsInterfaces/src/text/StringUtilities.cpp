@@ -127,6 +127,16 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return toLower(x) == toLower(y); });
 }
 
+std::optional<bool> asYesNo(std::string_view word) noexcept {
+  for (std::string_view const yes : {"yes", "true", "on"}) {
+    if (equalIgnoringCase(word, yes)) return true;
+  }
+  for (std::string_view const no : {"no", "false", "off"}) {
+    if (equalIgnoringCase(word, no)) return false;
+  }
+  return std::nullopt;
+}
+
 std::string nearMatch(std::string_view text, std::vector<std::string> const& candidates) {
   if (text.size() > longestSlip) return {};
   for (std::string const& candidate : candidates) {

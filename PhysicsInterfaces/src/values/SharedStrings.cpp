@@ -45,7 +45,7 @@ SharedStrings::SharedStrings(std::vector<std::string> items)
 SharedStrings::SharedStrings(std::initializer_list<std::string> items)
     : SharedStrings(std::vector<std::string>(items)) {}
 
-std::vector<std::string> const& SharedStrings::vector() const noexcept {
+std::vector<std::string> const& SharedStrings::items() const noexcept {
   static std::vector<std::string> const none;
   return body_ ? body_->items : none;
 }

@@ -14,7 +14,6 @@ namespace tarn {
 
 namespace {
 
-using StringUtilities::equalIgnoringCase;
 using StringUtilities::trimmed;
 
 constexpr std::array<std::string_view, 8> typeNames{"Integer", "Integer List", "Logical", "Logical List",
@@ -211,13 +210,9 @@ std::optional<TDFParam::Quantity> TDFParam::asQuantity(std::string_view text) no
 
 std::optional<bool> TDFParam::asLogical(std::string_view text) noexcept {
   std::string_view const word = trimmed(text);
-  for (std::string_view const yes : {"true", "yes", "on", "1"}) {
-    if (equalIgnoringCase(word, yes)) return true;
-  }
-  for (std::string_view const no : {"false", "no", "off", "0"}) {
-    if (equalIgnoringCase(word, no)) return false;
-  }
-  return std::nullopt;
+  if (word == "1") return true;
+  if (word == "0") return false;
+  return StringUtilities::asYesNo(word);
 }
 
 std::string_view TDFParam::typeName(Type type) noexcept {

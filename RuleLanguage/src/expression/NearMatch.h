@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include <tarn/NearMatches.h>
+
 namespace tarn::rules {
 
 // How all diagnostics quote a rule file, and propose what was probably meant.
@@ -18,19 +20,20 @@ namespace tarn::rules {
 /// The same, but empty when `name` is empty.
 [[nodiscard]] std::string orDidYouMean(std::string_view name);
 
-/// Limits how many names are compared in search of near matches. Each search is linear in the number of names, so a
-/// file with ten thousand slips among ten thousand names would take for ever. When the budget is used up, further slips
-/// are reported without a proposal.
+/// Limits how many names are compared in search of near matches, see `NearMatches`. When the budget is used up, further
+/// slips are reported without a proposal.
 class HintBudget {
  public:
   /// Returns whether `count` further names may be compared, and if so takes them from the budget.
-  [[nodiscard]] bool take(std::size_t count) noexcept;
+  [[nodiscard]] bool take(std::size_t count) noexcept { return matches_.take(count); }
 
   /// The candidate that `text` is most likely a slip of. Empty when no candidate is near, or the budget is used up.
-  [[nodiscard]] std::string nearest(std::string_view text, std::vector<std::string> const& candidates);
+  [[nodiscard]] std::string nearest(std::string_view text, std::vector<std::string> const& candidates) {
+    return matches_.find(text, candidates);
+  }
 
  private:
-  std::size_t left_ = 500'000;
+  NearMatches matches_;
 };
 
 }  // namespace tarn::rules

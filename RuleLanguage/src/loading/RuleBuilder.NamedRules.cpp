@@ -41,10 +41,10 @@ void RuleBuilder::registerNamed(File const& file) {
   };
   each(
       "Checks", checkNames_, named_.checks, [](std::string const& name) { return std::make_unique<NamedCheck>(name); },
-      [&](std::string const& name, auto rule) { data_->addCheck(name, std::move(rule)); });
+      [&](std::string const& name, auto rule) { (void)data_->addCheck(name, std::move(rule)); });
   each(
       "Lists", listNames_, named_.lists, [](std::string const& name) { return std::make_unique<NamedList>(name); },
-      [&](std::string const& name, auto rule) { data_->addList(name, std::move(rule)); });
+      [&](std::string const& name, auto rule) { (void)data_->addList(name, std::move(rule)); });
 }
 
 void RuleBuilder::parseNamedBodies() {

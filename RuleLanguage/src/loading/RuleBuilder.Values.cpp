@@ -28,14 +28,8 @@ std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::strin
 void RuleBuilder::yesNo(Item const& item, bool& value) {
   auto const text = scalar(item, "yes or no");
   if (!text) return;
-  for (std::string_view const yes : {"yes", "true", "on"}) {
-    if (!StringUtilities::equalIgnoringCase(*text, yes)) continue;
-    value = true;
-    return;
-  }
-  for (std::string_view const no : {"no", "false", "off"}) {
-    if (!StringUtilities::equalIgnoringCase(*text, no)) continue;
-    value = false;
+  if (auto const given = StringUtilities::asYesNo(*text)) {
+    value = *given;
     return;
   }
   error(Code::NotYesOrNo, item, "this must be yes or no, not " + inQuotes(text->substr(0, 60)));

@@ -177,7 +177,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
         error(Code::NoUnits, value, "a quantity type needs at least one unit");
         return;
       }
-      data_->addQuantityType(name.node->value, *units);
+      (void)data_->addQuantityType(name.node->value, *units);
     });
     if (!unitsGiven && canHoldKeys(*body.node))
       error(Code::MissingKey, name, "the quantity type has no 'Units'; write {Units: [...]}");
@@ -211,7 +211,7 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
     if (condition && text) {
       auto rule = std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text));
       rule->setRulePlace(check.placeOfExpression(0));
-      data_->addGlobalCheck(name.node->value, std::move(rule));
+      (void)data_->addGlobalCheck(name.node->value, std::move(rule));
     }
   });
 }

@@ -4,15 +4,13 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
-#include <string_view>
 #include <utility>
 
 #include <tarn/BetaLoggingController.h>
 #include <tarn/DynamicTDF.h>
 #include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
-#include <tarn/PathUtils.h>
+#include <tarn/PertinentRoots.h>
 
 #include "review/FindingsLogger.h"
 
@@ -20,35 +18,11 @@ namespace tarn::session {
 
 namespace {
 
-// The path of the object at the root that `path` belongs to.
-std::string_view topOf(std::string_view path) noexcept {
-  return path.substr(0, path.find('/', 1));
-}
-
 // Whether the model holds the object, possibly only because a deeper path implies it.
 bool holdsObject(ModelState const& model, std::string const& path) {
   if (model.contains(path)) return true;
   auto const below = model.lower_bound(path + '/');
   return below != model.end() && below->first.starts_with(path + '/');
-}
-
-bool isPertinent(PhysicsData const& rules, std::string_view path) {
-  std::string_view const type = PathUtils::lastType(topOf(path));
-  std::vector<std::string> const& types = rules.getPertinentGlobalCheckRoots();
-  return std::find(types.begin(), types.end(), type) != types.end();
-}
-
-// The pertinent objects at the root of the model.
-std::vector<std::string> pertinentRoots(PhysicsData const& rules, ModelState const& model) {
-  std::set<std::string, PathUtils::PathOrder> tops;
-  std::string_view last;
-  for (auto const& [path, parameters] : model) {
-    std::string_view const top = topOf(path);
-    if (top == last || !isPertinent(rules, path)) continue;
-    last = top;
-    tops.emplace(top);
-  }
-  return {tops.begin(), tops.end()};
 }
 
 void validate(PhysicsData const& rules, PhysicsValidator2::ValType phases, ModelState const& model,
@@ -65,7 +39,8 @@ void judgeValues(PhysicsData const& rules, ModelState const& model, std::vector<
                  Findings& findings) {
   // The same tree that the validator sees: only pertinent objects, and no parameters without a value.
   DynamicTDF tree(false);
-  auto const pertinent = [&rules](auto const& entry) { return isPertinent(rules, entry.first); };
+  PertinentRoots const types(rules);
+  auto const pertinent = [&types](auto const& entry) { return types.covers(entry.first); };
   for (auto begin = model.begin(); begin != model.end();) {
     auto const end = std::find_if_not(begin, model.end(), pertinent);
     tree.update(begin, end, true);
@@ -87,7 +62,8 @@ Findings ModelJudge::judge(ModelState model) const {
                [&model](std::string const& root) { return !holdsObject(model, root); });
   if (!findings.missingRoots.empty()) return findings;
 
-  std::vector<std::string> const roots = options_.roots.empty() ? pertinentRoots(*rules_, model) : options_.roots;
+  std::vector<std::string> const roots =
+      options_.roots.empty() ? PertinentRoots(*rules_).objectsIn(model) : options_.roots;
   if (!options_.onlyValidator) {
     UnknownNames::Result unknown = UnknownNames(*rules_).find(model, options_.roots);
     findings.unknown = std::move(unknown.names);

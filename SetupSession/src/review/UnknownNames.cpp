@@ -14,7 +14,9 @@
 #include <unordered_set>
 #include <utility>
 
+#include <tarn/NearMatches.h>
 #include <tarn/PathUtils.h>
+#include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
 
 namespace tarn::session {
@@ -32,9 +34,8 @@ std::string didYouMean(std::string const& match) {
   return match.empty() ? "." : "; did you mean " + quoted(match) + "?";
 }
 
-// Finds names of an object's rules that are similar to an unknown name. Each question is answered once. The number of
-// comparisons is limited: a model of ten thousand unknown names in a type of ten thousand parameters would otherwise
-// take minutes. When the limit is reached, there are no further proposals.
+// Finds names of an object's rules that are similar to an unknown name. Each question is answered once, and the names
+// of each type are gathered once.
 class NearNames {
  public:
   std::string find(ObjDependDef const* rules, std::string const& name, bool ofParameter) {
@@ -49,21 +50,19 @@ class NearNames {
     } else if (empty) {
       for (auto const& entry : rules->children()) names->second.push_back(entry->type);
     }
-    if (names->second.size() > left_) return {};
-    left_ -= names->second.size();
-    return answer->second = StringUtilities::nearMatch(name, names->second);
+    return answer->second = matches_.find(name, names->second);
   }
 
  private:
-  std::size_t left_ = 500'000;
   using Key = std::pair<ObjDependDef const*, bool>;
+  NearMatches matches_;
   std::map<Key, std::vector<std::string>> names_;
   std::map<std::pair<Key, std::string>, std::string> answers_;
 };
 
 class Search {
  public:
-  explicit Search(PhysicsData const& rules) : rules_(rules) {}
+  explicit Search(PhysicsData const& rules) : rules_(rules), roots_(rules) {}
 
   void judge(std::string const& path, ObjectState const& parameters, std::size_t takenAsKnown) {
     if (openPath(path, takenAsKnown)) judgeParameters(path, parameters);
@@ -87,6 +86,7 @@ class Search {
   void report(std::string path, std::optional<std::string> name, std::string message);
 
   PhysicsData const& rules_;
+  PertinentRoots const roots_;
   NearNames near_;
 
   std::string path_;      // the previous path, as far as it was opened
@@ -153,9 +153,8 @@ bool Search::judgeObject(std::string const& path, std::string_view type, bool na
 }
 
 bool Search::judgeRootObject(std::string const& path, std::string const& type) {
-  std::vector<std::string> const& roots = rules_.getPertinentGlobalCheckRoots();
-  if (std::find(roots.begin(), roots.end(), type) != roots.end()) return true;
-  std::string const match = StringUtilities::nearMatch(type, roots);
+  if (roots_.hasType(type)) return true;
+  std::string const match = StringUtilities::nearMatch(type, rules_.getPertinentGlobalCheckRoots());
   if (match.empty()) {
     ++result_.objectsPassedOver;
   } else {
@@ -167,7 +166,7 @@ bool Search::judgeRootObject(std::string const& path, std::string const& type) {
 }
 
 void Search::judgeParameters(std::string const& path, ObjectState const& parameters) {
-  ObjDependDef const* rules = levels_.empty() ? nullptr : levels_.back().rules;
+  ObjDependDef const* rules = levels_.empty() ? rules_.getObjDependDef("", false) : levels_.back().rules;
   for (auto const& [name, value] : parameters) {
     if (rules && rules->findParam(name)) continue;
     std::string const place = path.empty() ? " at the root of the model" : " in the object " + quoted(path);

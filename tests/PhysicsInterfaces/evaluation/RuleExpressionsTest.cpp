@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/MapModel.h"
-#include "support/RuleLambdas.h"
+#include "support/Rules.h"
 
 namespace tarn {
 namespace {
@@ -33,8 +33,26 @@ TEST(RuleExpressions, AFixedListIsSharedWithEveryResult) {
   list.collectReads(reads);
 
   EXPECT_THAT(list.evaluate(TDFContext("/Case"), &evaluation).vector(), ElementsAre("Water", "Air"));
-  EXPECT_EQ(&list.evaluate(TDFContext("/Case"), &evaluation).vector(), &list.items().vector());
+  SharedStrings const result = list.evaluate(TDFContext("/Case"), &evaluation);
+  EXPECT_EQ(&result.vector(), &list.items().vector());
   EXPECT_FALSE(reads.readsModel());
+}
+
+// A condition that a host wrote: it looks at something outside the model, and says nothing about it.
+class LicenceIsValid final : public Condition {
+ public:
+  [[nodiscard]] bool evaluate(TDFContext const& /*context*/, EvalContext* /*evalContext*/) const override {
+    return true;
+  }
+};
+
+TEST(RuleExpressions, AnExpressionThatDoesNotListItsReadsMayReadAnything) {
+  RuleReads reads;
+  LicenceIsValid().collectReads(reads);
+
+  EXPECT_TRUE(reads.unknown);
+  EXPECT_TRUE(reads.readsModel());
+  EXPECT_FALSE(reads.isContextFree());
 }
 
 TEST(RuleExpressions, ARuleOfAProgramHasNoSourceText) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tarn/TDFContext.h>
+
 namespace tarn {
 namespace {
 
@@ -28,6 +30,46 @@ TEST(RuleReads, TheIdentityOfTheContextIsNotTheModel) {
 
   EXPECT_FALSE(reads.readsModel());
   EXPECT_FALSE(reads.isContextFree());
+}
+
+TEST(RuleReads, UnknownReadsMayBeOfTheModelAndOfTheContext) {
+  RuleReads reads;
+  reads.unknown = true;
+
+  EXPECT_TRUE(reads.readsModel());
+  EXPECT_FALSE(reads.isContextFree());
+}
+
+TEST(RuleReads, AnOwnParameterIsReadInTheObjectThatOwnsTheRule) {
+  RuleReads const reads = RuleReads::ofOwnParameter("Motion");
+
+  ASSERT_EQ(reads.parameters.size(), 1u);
+  EXPECT_EQ(reads.parameters[0].name, "Motion");
+  std::string object;
+  ASSERT_TRUE(reads.parameters[0].objects.resolve(TDFContext("/Case/Domain:rotor"), object));
+  EXPECT_EQ(object, "/Case/Domain:rotor");
+  EXPECT_FALSE(reads.isContextFree());
+}
+
+TEST(RuleReads, AddingUnitesAllKindsOfReads) {
+  RuleReads others = RuleReads::ofOwnParameter("Motion");
+  others.objectSets.emplace_back("/Case/Domain:*");
+  others.contextIdentity = true;
+  others.unknown = true;
+  RuleReads reads = RuleReads::ofOwnParameter("Speed");
+  reads.add(others);
+
+  ASSERT_EQ(reads.parameters.size(), 2u);
+  EXPECT_EQ(reads.parameters[0].name, "Speed");
+  EXPECT_EQ(reads.parameters[1].name, "Motion");
+  ASSERT_EQ(reads.objectSets.size(), 1u);
+  EXPECT_EQ(reads.objectSets[0].text(), "/Case/Domain:*");
+  EXPECT_TRUE(reads.contextIdentity);
+  EXPECT_TRUE(reads.unknown);
+
+  reads.add(RuleReads());
+  EXPECT_TRUE(reads.contextIdentity);
+  EXPECT_TRUE(reads.unknown);
 }
 
 TEST(RuleReads, OnlyPathsFromTheRootAreContextFree) {

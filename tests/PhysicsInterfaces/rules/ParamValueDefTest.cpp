@@ -389,5 +389,46 @@ TEST_F(ParamValueDefRecord, TheQuantityTypeIsEvaluatedOrEmpty) {
             "");
 }
 
+// Null members
+
+TEST(ParamValueDef, WithoutAListThereAreNoAllowedValuesWhateverTheKind) {
+  MapModel const model;
+  EvalContext evaluation(&model);
+  ParamValueDef def;
+  def.allowedValueKind = ParamValueDef::FixedAllowedValues;
+  EXPECT_FALSE(def.evaluateAllowedValues(nullptr, TDFContext("/Case"), &evaluation).hasAllowedValues);
+}
+
+TEST(ParamValueDef, ANullConditionHoldsAlways) {
+  MapModel const model;
+  EvalContext evaluation(&model);
+  TDFContext const context("/Case");
+  ParamValueDef def;
+  def.allowedValueKind = ParamValueDef::FixedAllowedValues;
+  def.allowedValues = test::list({"Water", "Air"});
+  def.allowedValueChecks["Air"] = nullptr;
+  def.defaultChecks.push_back({nullptr, test::text("Air")});
+  def.overrideChecks.push_back({nullptr, test::text("Oil")});
+
+  EXPECT_EQ(def.evaluateAllowedValues(nullptr, context, &evaluation).allowedValues.size(), 2u);
+  EXPECT_EQ(def.evaluateDefault(nullptr, context, &evaluation), "Air");
+  EXPECT_THAT(def.evaluateValueOverride(nullptr, context, &evaluation), Pair(true, "Oil"));
+}
+
+TEST(ParamValueDef, ANullValueThatIsInForceEndsTheSearch) {
+  MapModel const model;
+  EvalContext evaluation(&model);
+  TDFContext const context("/Case");
+  ParamValueDef def;
+  def.defaultValue = test::text("Water");
+  def.defaultChecks.push_back({test::always(), nullptr});
+  def.defaultChecks.push_back({test::always(), test::text("Air")});
+  def.overrideChecks.push_back({test::always(), nullptr});
+  def.overrideChecks.push_back({test::always(), test::text("Oil")});
+
+  EXPECT_EQ(def.evaluateDefault(nullptr, context, &evaluation), "Water");
+  EXPECT_THAT(def.evaluateValueOverride(nullptr, context, &evaluation), Pair(false, ""));
+}
+
 }  // namespace
 }  // namespace tarn

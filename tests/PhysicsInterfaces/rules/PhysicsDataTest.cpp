@@ -45,6 +45,17 @@ TEST(PhysicsData, RulesOfAnObjectTypeAreFoundByTheExactTypePath) {
   EXPECT_EQ(data.getObjDependDef("", true), nullptr);
 }
 
+TEST(PhysicsData, ATypePathIsTakenAsItIsWritten) {
+  PhysicsData data;
+  ObjDependDef& root = data.addObject("");
+  ObjDependDef& unreachable = data.addObject("Case");
+
+  EXPECT_EQ(data.getObjDependDef("", true), &root);
+  EXPECT_EQ(data.getObjDependDef("Case", true), &unreachable);
+  EXPECT_EQ(data.getObjDependDef("/Case", true), nullptr);
+  EXPECT_EQ(data.getObjDependDef("/", true), nullptr);
+}
+
 TEST(PhysicsData, AValueRuleIsFoundByTypePathAndParameterName) {
   PhysicsData data;
   Rules(data, "/Case/Domain").param("Speed").type(TDFParam::Real);
@@ -83,11 +94,10 @@ TEST(PhysicsData, ANameThatIsTakenIsRefusedAndTheFormerStays) {
   EvalContext evaluation(&model);
   TDFContext const root{""};
   auto const check = [](bool holds) {
-    return std::make_unique<test::RuleLambda<Check, bool>>([=](TDFContext const&, ModelTDF const&) { return holds; });
+    return lambda::check([=](TDFContext const&, ModelTDF const&) { return holds; });
   };
   auto const list = [](std::vector<std::string> items) {
-    return std::make_unique<test::RuleLambda<List, std::vector<std::string>>>(
-        [items = std::move(items)](TDFContext const&, ModelTDF const&) { return items; });
+    return lambda::namedList([items = std::move(items)](TDFContext const&, ModelTDF const&) { return items; });
   };
 
   EXPECT_TRUE(data.addCheck("flow is turbulent", check(true)));

@@ -134,5 +134,15 @@ TEST(StringUtilities, LongTextsAreNoSlips) {
   EXPECT_EQ(StringUtilities::nearMatch(std::string(201, 'a'), {std::string(200, 'a')}), "");
 }
 
+TEST(StringUtilities, AYesNoWordIsReadInAnyCaseAndOnlyAsItStands) {
+  for (char const* const yes : {"yes", "true", "on", "YES", "True", "oN"})
+    EXPECT_EQ(StringUtilities::asYesNo(yes), true) << yes;
+  for (char const* const no : {"no", "false", "off", "NO", "False", "oFF"})
+    EXPECT_EQ(StringUtilities::asYesNo(no), false) << no;
+  for (char const* const other : {"", "1", "0", " yes", "yes ", "y", "yess"}) {
+    EXPECT_EQ(StringUtilities::asYesNo(other), std::nullopt) << other;
+  }
+}
+
 }  // namespace
 }  // namespace tarn

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <thread>
+#include <type_traits>
 
 namespace tarn {
 namespace {
@@ -80,6 +81,17 @@ TEST(SharedStrings, CanBeAskedByManyThreadsAtOnce) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(found, 800);
   }
+}
+
+SharedStrings materials() {
+  return {"Water", "Air"};
+}
+
+TEST(SharedStrings, TheItemsOfATemporaryListAreCopied) {
+  static_assert(std::is_same_v<decltype(materials().vector()), std::vector<std::string>>);
+  static_assert(!std::is_convertible_v<SharedStrings, std::vector<std::string> const&>);
+  std::vector<std::string> const& items = materials().vector();
+  EXPECT_EQ(items, (std::vector<std::string>{"Water", "Air"}));
 }
 
 }  // namespace

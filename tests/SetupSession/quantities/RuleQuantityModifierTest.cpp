@@ -15,13 +15,13 @@ namespace {
 class RuleQuantityModifierTest : public testing::Test {
  protected:
   RuleQuantityModifierTest() {
-    rules_.addQuantityType("Mass Flow", {"kg/s", "g/s"});
-    rules_.addQuantityType("Dimensionless", {});
+    EXPECT_TRUE(rules_.addQuantityType("Mass Flow", {"kg/s", "g/s"}));
+    EXPECT_TRUE(rules_.addQuantityType("Dimensionless", {}));
     ObjDependDef& inlet = rules_.addObject("/Case/Inlet");
     ParamValueDef flow = valueOfType(TDFParam::Real);
     flow.quantityType = std::make_unique<ValueOf>("/Case/Inlet:hub", "Flow Is");
-    inlet.addParam(parameter("Flow"), std::move(flow));
-    inlet.addParam(parameter("Swirl"), valueOfType(TDFParam::Real));
+    EXPECT_TRUE(inlet.addParam(parameter("Flow"), std::move(flow)));
+    EXPECT_TRUE(inlet.addParam(parameter("Swirl"), valueOfType(TDFParam::Real)));
   }
 
   void flowIs(std::string const& type) { model_.setParameter("/Case/Inlet:hub", "Flow Is", type); }

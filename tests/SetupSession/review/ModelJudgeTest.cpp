@@ -26,11 +26,11 @@ class ModelJudgeTest : public testing::Test {
     ObjDependDef& flowCase = rules_.addObject("/Case");
     ParamAvail regime = parameter("Flow Regime");
     regime.required = true;
-    flowCase.addParam(std::move(regime), oneOf(TDFParam::String, {"Laminar", "Turbulent"}));
-    flowCase.addParam(parameter("Speed"), valueOfType(TDFParam::Real));
+    EXPECT_TRUE(flowCase.addParam(std::move(regime), oneOf(TDFParam::String, {"Laminar", "Turbulent"})));
+    EXPECT_TRUE(flowCase.addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
     ParamAvail combustion = parameter("Combustion");
     combustion.betaMessage = "Combustion is not released.";
-    flowCase.addParam(std::move(combustion), valueOfType(TDFParam::Logical));
+    EXPECT_TRUE(flowCase.addParam(std::move(combustion), valueOfType(TDFParam::Logical)));
   }
 
   Findings judge(ModelState model, JudgeOptions options = {}) {
@@ -71,7 +71,7 @@ TEST_F(ModelJudgeTest, TheValidatorAloneLeavesOutTheOtherAnalyses) {
 }
 
 TEST_F(ModelJudgeTest, ThePhaseConcernsTheValidatorOnly) {
-  rules_.addGlobalCheck("well posed", std::make_unique<NeverHolds>());
+  EXPECT_TRUE(rules_.addGlobalCheck("well posed", std::make_unique<NeverHolds>()));
   JudgeOptions options;
   options.phases = PhysicsValidator2::ValGlobal;
   Findings findings = judge(faulty_, options);

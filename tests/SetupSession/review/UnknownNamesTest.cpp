@@ -27,21 +27,21 @@ class UnknownNamesTest : public testing::Test {
   UnknownNamesTest() {
     rules_.addPertinentRoot("Case");
     ObjDependDef& flowCase = rules_.addObject("/Case");
-    flowCase.addParam(parameter("Flow Regime"), valueOfType(TDFParam::String));
-    flowCase.addChild(child("Domain", false));
-    flowCase.addChild(child("Solver Control", true));
+    EXPECT_TRUE(flowCase.addParam(parameter("Flow Regime"), valueOfType(TDFParam::String)));
+    EXPECT_TRUE(flowCase.addChild(child("Domain", false)));
+    EXPECT_TRUE(flowCase.addChild(child("Solver Control", true)));
     ChildAvail rotating = child("Rotation", true);
     rotating.available = std::make_unique<HasValue>("Flow Regime", "Rotating");
-    flowCase.addChild(std::move(rotating));
+    EXPECT_TRUE(flowCase.addChild(std::move(rotating)));
     ObjDependDef& domain = rules_.addObject("/Case/Domain");
-    domain.addParam(parameter("Material"), valueOfType(TDFParam::String));
+    EXPECT_TRUE(domain.addParam(parameter("Material"), valueOfType(TDFParam::String)));
     ParamAvail speed = parameter("Angular Velocity");
     speed.available = std::make_unique<HasValue>("Motion", "Rotating");
-    domain.addParam(std::move(speed), valueOfType(TDFParam::Real));
-    domain.addParam(parameter("Motion"), valueOfType(TDFParam::String));
-    domain.addChild(child("Boundary", false));
-    rules_.addObject("/Case/Domain/Boundary").addParam(parameter("Kind"), valueOfType(TDFParam::String));
-    rules_.addObject("/Case/Rotation").addParam(parameter("Axis"), valueOfType(TDFParam::String));
+    EXPECT_TRUE(domain.addParam(std::move(speed), valueOfType(TDFParam::Real)));
+    EXPECT_TRUE(domain.addParam(parameter("Motion"), valueOfType(TDFParam::String)));
+    EXPECT_TRUE(domain.addChild(child("Boundary", false)));
+    EXPECT_TRUE(rules_.addObject("/Case/Domain/Boundary").addParam(parameter("Kind"), valueOfType(TDFParam::String)));
+    EXPECT_TRUE(rules_.addObject("/Case/Rotation").addParam(parameter("Axis"), valueOfType(TDFParam::String)));
   }
 
   UnknownNames::Result find(ModelState const& model, std::vector<std::string> const& roots = {}) {
@@ -81,7 +81,7 @@ TEST_F(UnknownNamesTest, OfVeryManyUnknownNamesTheLastAreToldWithoutASuggestion)
   ObjDependDef& flowCase = rules.addObject("/Case");
   ObjectState misspelt;
   for (int i = 10'000; i < 11'000; ++i) {
-    flowCase.addParam(parameter("Probe " + std::to_string(i)), valueOfType(TDFParam::String));
+    EXPECT_TRUE(flowCase.addParam(parameter("Probe " + std::to_string(i)), valueOfType(TDFParam::String)));
     misspelt["Porbe " + std::to_string(i)] = "1";
   }
   std::vector<UnknownName> const names = UnknownNames(rules).find({{"/Case", misspelt}}, {}).names;

@@ -21,7 +21,7 @@ using testing::SizeIs;
 // is no fault.
 std::string faultOf(ParamValueDef def, std::string const& value) {
   PhysicsData rules;
-  rules.addObject("/Case").addParam(parameter("P"), std::move(def));
+  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("P"), std::move(def)));
   DynamicTDF model(false);
   model.setParameter("/Case", "P", value);
   EvalContext context(&model);
@@ -80,8 +80,8 @@ INSTANTIATE_TEST_SUITE_P(Table, ValueFaultsOfBounds,
 
 TEST(ValueFaults, TellPathNameValueAndASentence) {
   PhysicsData rules;
-  rules.addObject("/Case").addChild(child("Domain", false));
-  rules.addObject("/Case/Domain").addParam(parameter("Angular Velocity"), valueOfType(TDFParam::Real));
+  EXPECT_TRUE(rules.addObject("/Case").addChild(child("Domain", false)));
+  EXPECT_TRUE(rules.addObject("/Case/Domain").addParam(parameter("Angular Velocity"), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
   model.setParameter("/Case/Domain:rotor", "Angular Velocity", "fast");
   EvalContext context(&model);
@@ -100,7 +100,7 @@ TEST(ValueFaults, TellPathNameValueAndASentence) {
 
 TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
   PhysicsData rules;
-  rules.addObject("/Case").addParam(parameter("Times"), valueOfType(TDFParam::RealList));
+  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Times"), valueOfType(TDFParam::RealList)));
   DynamicTDF model(false);
   model.setParameter("/Case", "Times", "0, soon, later");
   EvalContext context(&model);
@@ -117,7 +117,7 @@ TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
 TEST(ValueFaults, ShowOfALongValueTheBeginning) {
   std::string const value(99, 'x');
   PhysicsData rules;
-  rules.addObject("/Case").addParam(parameter("P"), valueOfType(TDFParam::Real));
+  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("P"), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
   model.setParameter("/Case", "P", value + "\u00e9" + value);
   EvalContext context(&model);
@@ -149,10 +149,10 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
   ObjDependDef& flowCase = rules.addObject("/Case");
   ParamAvail unavailable = parameter("Speed");
   unavailable.available = std::make_unique<HasValue>("Motion", "Rotating");
-  flowCase.addParam(std::move(unavailable), oneOf(TDFParam::Real, {"automatic"}));
+  EXPECT_TRUE(flowCase.addParam(std::move(unavailable), oneOf(TDFParam::Real, {"automatic"})));
   ParamAvail relaxed = parameter("Width");
   relaxed.validationRelaxed = true;
-  flowCase.addParam(std::move(relaxed), valueOfType(TDFParam::Real));
+  EXPECT_TRUE(flowCase.addParam(std::move(relaxed), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
   model.setParameter("/Case", "Speed", "fast");
   model.setParameter("/Case", "Width", "wide");
@@ -169,8 +169,8 @@ TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
   PhysicsData rules;
   ChildAvail rotation = child("Rotation", true);
   rotation.available = std::make_unique<HasValue>("Motion", "Rotating");
-  rules.addObject("/Case").addChild(std::move(rotation));
-  rules.addObject("/Case/Rotation").addParam(parameter("Speed"), valueOfType(TDFParam::Real));
+  EXPECT_TRUE(rules.addObject("/Case").addChild(std::move(rotation)));
+  EXPECT_TRUE(rules.addObject("/Case/Rotation").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
   model.setParameter("/Case/Rotation", "Speed", "fast");
   EvalContext context(&model);
@@ -184,7 +184,7 @@ TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
   PhysicsData rules;
   ParamValueDef def = valueOfType(TDFParam::Real);
   def.upperBound = std::make_unique<ValueOf>("/Case", "Maximum Speed");
-  rules.addObject("/Case").addParam(parameter("Speed"), std::move(def));
+  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Speed"), std::move(def)));
   DynamicTDF model(false);
   model.setParameter("/Case", "Speed", "7");
   EvalContext context(&model);
@@ -196,7 +196,7 @@ TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
 
 TEST(ValueFaults, EachRootIsWalked) {
   PhysicsData rules;
-  rules.addObject("/Case").addParam(parameter("Speed"), valueOfType(TDFParam::Real));
+  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
   model.setParameter("/Case:a", "Speed", "fast");
   model.setParameter("/Case:b", "Speed", "slow");
@@ -206,6 +206,21 @@ TEST(ValueFaults, EachRootIsWalked) {
   EXPECT_THAT(analysis.find({"/Case:a", "/Case:b"}, context), SizeIs(2));
   EXPECT_THAT(analysis.find({"/Case:b"}, context), SizeIs(1));
   EXPECT_THAT(analysis.find({}, context), IsEmpty());
+}
+
+TEST(ValueFaults, TheRulesOfTheEmptyTypePathAreThoseOfTheRootOfTheModel) {
+  PhysicsData rules;
+  EXPECT_TRUE(rules.addObject("").addParam(parameter("Version"), valueOfType(TDFParam::Integer)));
+  EXPECT_TRUE(rules.addObject("Case").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
+  DynamicTDF model(false);
+  model.setParameter("", "Version", "first");
+  model.setParameter("/Case", "Speed", "fast");
+  EvalContext context(&model);
+
+  std::vector<ValueFault> const faults = ValueFaults(rules).find({"", "/Case"}, context);
+  ASSERT_THAT(faults, SizeIs(1)) << "rules under \"Case\", without a \"/\", are never applied";
+  EXPECT_EQ(faults[0].path, "");
+  EXPECT_EQ(faults[0].name, "Version");
 }
 
 }  // namespace
