@@ -45,7 +45,7 @@ int printUsage(CLI::App const& app, CLI::ParseError const& error) {
   }
   std::string name = app.get_name();
   for (CLI::App const* sub : app.get_subcommands()) name += ' ' + sub->get_name();
-  std::cerr << name << ": " << error.what() << "\nRun \"" << name << " --help\" for what it takes.\n";
+  std::cerr << name << ": " << error.what() << "\nRun \"" << name << " --help\" to see its options.\n";
   return Failed;
 }
 
@@ -71,12 +71,12 @@ std::vector<ListOption> listOptions(std::string const& command) {
 }
 
 int run(std::vector<std::string> arguments) {
-  CLI::App app("Tells what is physically wrong with the set-up of a simulation, by rules.", "zev");
+  CLI::App app("Finds what is physically wrong with the set-up of a simulation, by rules.", "zev");
   app.set_version_flag("--version", std::string("zev ") + TARN_VERSION, "Print the version and exit");
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.require_subcommand(1);
   app.footer(
-      "\"zev COMMAND --help\" tells what a command takes.\n"
+      "\"zev COMMAND --help\" describes a command and its options.\n"
       "Exit status: 0 nothing found, 1 findings, 2 wrong usage or something that could not be read.");
   Command chosen;
   addCommands(app, chosen);
@@ -108,7 +108,7 @@ int runAndReport(int argc, char const* const* argv) {
   } catch (Error const& error) {
     std::cerr << "zev: " << error.getMessage() << '\n';
   } catch (std::bad_alloc const&) {
-    std::fputs("zev: the memory does not suffice; give smaller or fewer files at a time\n", stderr);
+    std::fputs("zev: there is not enough memory; give smaller files, or fewer at a time\n", stderr);
   } catch (std::exception const& error) {
     std::cerr << "zev: " << error.what() << '\n';
   }

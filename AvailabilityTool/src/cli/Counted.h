@@ -5,7 +5,7 @@
 
 namespace tarn::tool {
 
-/// "1 model", "2 models": `one` is the singular, to which an "s" is added.
+/// "1 model", "2 models". `one` is the singular; the plural adds an "s".
 [[nodiscard]] inline std::string counted(std::size_t count, std::string const& one) {
   return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
 }

@@ -2,7 +2,7 @@
 
 namespace tarn::tool {
 
-/// What every subcommand ends with. Where several apply, the highest does.
+/// The exit status of every subcommand. If several apply, the highest counts.
 enum ExitStatus : int {
   NothingFound = 0,
   FindingsMade = 1,

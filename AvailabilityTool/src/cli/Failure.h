@@ -4,8 +4,9 @@
 
 namespace tarn::tool {
 
-/// What keeps the program from doing its work: a sentence for the user that names the file or argument and says what to
-/// do. Ends the program with `ExitStatus::Failed`, unless the subcommand can go on with the next file.
+/// Thrown when the program cannot do its work. The message is a sentence for the user: it names the file or the
+/// argument and says what to do. The program ends with `ExitStatus::Failed`, unless the subcommand can continue with
+/// the next file.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -1,5 +1,5 @@
-// Tells the values of `--rules PATH...` and `--root OBJECT...` from the MODEL arguments behind them. A parser of
-// command lines can only give such an option one value or all that follow; here the look of an argument decides.
+// Separates the values of `--rules PATH...` and `--root OBJECT...` from the MODEL arguments after them. The command
+// line parser can give such an option either one value or all that follow. Here the form of each argument decides.
 #include "cli/ListArguments.h"
 
 #include <algorithm>
@@ -15,9 +15,9 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
                                              std::vector<ListOption> const& options) {
   std::vector<std::string> result;
   result.reserve(arguments.size() + 4);
-  ListOption const* open = nullptr;  // the option whose values we are among
+  ListOption const* open = nullptr;  // the option whose values come now
   bool first = false;                // its first value comes next
-  bool anyFree = false;              // behind the name of the command
+  bool anyFree = false;              // after the name of the command
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string const& argument = arguments[i];
     if (argument == "--") {
@@ -35,8 +35,8 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
     } else if (open && open->takes(argument) && (anyFree || !last)) {
       result.push_back(open->name);
     } else {
-      // The value of another option counts as free here; all that follows from it is that the last argument is judged
-      // by its look alone.
+      // The value of another option counts as free here. The only consequence is that the last argument is then judged
+      // by its form alone.
       open = nullptr;
       anyFree = anyFree || i > 0;
     }

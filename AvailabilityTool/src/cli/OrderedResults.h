@@ -12,18 +12,18 @@
 
 namespace tarn::tool {
 
-/// Makes results on several threads and hands them out in the order of their numbers, whichever is ready first. So what
-/// is written of them is the same however many threads there are.
+/// Makes results on several threads and returns them in the order of their numbers. So the output does not depend on
+/// the number of threads.
 ///
 ///     OrderedResults<Findings> results(models.size(), 4, [&](std::size_t i) { return judge(models[i]); });
 ///     for (std::string const& model : models) report(model, results.next());
 ///
-/// Not more than a few results a thread are made ahead of the one that is asked for, so memory does not grow with their
-/// number. With one thread, or for one result, each is made by `next` itself when it is asked for.
+/// Each thread is at most a few results ahead of `next`, so memory does not grow with the number of results. With one
+/// thread, or for one result, `next` itself makes each result.
 template <typename Result>
 class OrderedResults {
  public:
-  /// `make` is called once for each number below `count`, with several at a time, and must bear that.
+  /// `make` is called once for each number below `count`, from several threads at once.
   OrderedResults(std::size_t count, std::size_t threads, std::function<Result(std::size_t)> make)
       : count_(count), make_(std::move(make)) {
     if (threads > count) threads = count;
@@ -32,11 +32,11 @@ class OrderedResults {
     threads_.reserve(threads);
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { work(); });
-    } catch (std::exception const&) {  // no more threads, or no memory for one: fewer do it as well, if slower
+    } catch (std::exception const&) {  // fewer threads give the same results, only slower
     }
   }
 
-  /// Waits for the results that are being made, and drops what was not asked for.
+  /// Waits for the results that are being made, and drops those that `next` did not return.
   ~OrderedResults() {
     {
       std::lock_guard const lock(mutex_);
@@ -48,8 +48,8 @@ class OrderedResults {
   OrderedResults(OrderedResults const&) = delete;
   OrderedResults& operator=(OrderedResults const&) = delete;
 
-  /// The next result, or what was thrown when it was to be made; the one behind it can be had all the same. To be
-  /// called `count` times at most, by one thread.
+  /// Returns the next result, or throws what `make` threw for it; the results after it are not affected. Call it at
+  /// most `count` times, from one thread.
   [[nodiscard]] Result next() {
     if (threads_.empty()) return make_(taken_++);
     std::unique_lock lock(mutex_);
@@ -64,7 +64,7 @@ class OrderedResults {
   }
 
  private:
-  static constexpr std::size_t ahead = 4;  // a small number evens out results of unequal cost
+  static constexpr std::size_t ahead = 4;  // a few, so that results of unequal cost even out
 
   struct Place {
     std::optional<Result> result;
@@ -96,7 +96,7 @@ class OrderedResults {
   std::mutex mutex_;
   std::condition_variable ready_;
   std::condition_variable room_;
-  std::vector<Place> places_;  // of result i at i modulo their number
+  std::vector<Place> places_;  // result i is at index i modulo their number
   std::size_t begun_ = 0;
   std::size_t taken_ = 0;
   std::vector<std::thread> threads_;

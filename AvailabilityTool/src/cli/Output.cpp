@@ -1,5 +1,5 @@
-// What can go wrong with the standard streams. Without these steps a closed pipe, or a file that may not grow any more,
-// would end the process by a signal, and with standard output closed its descriptor would be given to a model file.
+// Failures of the standard streams. Without these steps a closed pipe, or a file at its maximum size, would end the
+// process by a signal. And if standard output is closed, a model file would get its descriptor.
 #include "cli/Output.h"
 
 #include <fcntl.h>
@@ -23,7 +23,7 @@ WriteErrors::~WriteErrors() {
   out_.rdbuf(below_);
 }
 
-// Each write begins with no error, so that one that fails without an error is not given that of something before it.
+// `errno` is reset before each write. So a write that fails without setting it does not report an older error.
 
 std::streamsize WriteErrors::xsputn(char const* text, std::streamsize count) {
   errno = 0;
@@ -61,7 +61,7 @@ void flushResults(std::ostream& out) {
   if (out) return;
   auto const* const errors = dynamic_cast<WriteErrors const*>(out.rdbuf());
   throw Failure("the standard output cannot be written" + becauseOf(errors != nullptr ? errors->first() : 0) +
-                "; let its reader read to the end, or write to a file on a disk that has room");
+                "; let its reader read to the end, or write to a file on a disk with free space");
 }
 
 void prepareStandardStreams() noexcept {

@@ -6,21 +6,21 @@
 
 namespace tarn::tool {
 
-/// Keeps why a stream could not be written. The stream itself only remembers that a write failed, and when it is asked
-/// at the end, `errno` may be that of a file which was not found meanwhile.
+/// Remembers why a stream could not be written. The stream itself remembers only that a write failed. Later, `errno`
+/// may be that of another operation.
 ///
 ///     WriteErrors const errors(std::cout);
 ///     std::cout << "a verdict\n";
 ///     flushResults(std::cout);
 class WriteErrors : public std::streambuf {
  public:
-  /// Watches what is written to `out`, which must live longer, by standing between it and its buffer.
+  /// Puts itself between `out` and its buffer. `out` must live longer.
   explicit WriteErrors(std::ostream& out);
   ~WriteErrors() override;
   WriteErrors(WriteErrors const&) = delete;
   WriteErrors& operator=(WriteErrors const&) = delete;
 
-  /// The `errno` of the first write that failed; 0 when none has failed, or it set none.
+  /// The `errno` of the first write that failed. 0 if none failed, or if it set no `errno`.
   [[nodiscard]] int first() const noexcept { return first_; }
 
  protected:
@@ -37,16 +37,16 @@ class WriteErrors : public std::streambuf {
   int first_ = 0;
 };
 
-/// What to put behind a sentence that says that something failed: ": " and the text of the `errno`; nothing for 0.
+/// The end of a sentence that says that something failed: ": " and the text of the `errno`, "" for 0.
 [[nodiscard]] std::string becauseOf(int error);
 
-/// Sees to it that what was written to `out` has arrived. Throws a `Failure` when it has not: the reader is gone, the
-/// disk is full. Which it was is told of a stream that `WriteErrors` watches.
+/// Flushes `out`. Throws a `Failure` if something could not be written: the reader is gone, or the disk is full. The
+/// message gives the reason if a `WriteErrors` watches the stream.
 void flushResults(std::ostream& out);
 
-/// Prepares the process for writing: a reader that goes away, and a file that has reached the size that it may have,
-/// become a write that fails; and a standard stream that the caller has closed does not turn into the first file that
-/// is opened: nothing can be read from it, and to write to it fails with EBADF.
+/// Prepares the process for writing. When a reader goes away, or a file reaches its maximum size, writing fails;
+/// without this call a signal would end the process. A standard stream that the caller closed does not become the first
+/// file that is opened: reading from it gives nothing, and writing to it fails with EBADF.
 void prepareStandardStreams() noexcept;
 
 }  // namespace tarn::tool

@@ -22,7 +22,7 @@ TDFPath pathArgument(std::string const& option, std::string const& text) {
 TDFPath objectArgument(std::string const& option, std::string const& text) {
   TDFPath path = pathArgument(option, text);
   if (path.size() > 0) return path;
-  throw Failure(option + ": \"" + text + "\" names no object; give the path of one, such as /Case");
+  throw Failure(option + ": \"" + text + "\" is not the path of an object; give one such as /Case");
 }
 
 void requireKnownType(std::string const& option, std::string const& path, PhysicsData const& rules) {

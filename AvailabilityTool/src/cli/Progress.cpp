@@ -1,5 +1,5 @@
-// The moving line of a long run. It never holds a line end, so wiping it leaves no trace; names are cut to what fits a
-// narrow terminal, since a line that wraps could not be wiped.
+// The progress line of a long run. It contains no line end, so it can be removed completely. Names are shortened to fit
+// a narrow terminal, because a line that wraps could not be removed.
 #include "cli/Progress.h"
 
 #include <unistd.h>
@@ -20,7 +20,7 @@ Progress::Progress(std::ostream& stream, bool on, std::size_t total, Clock::dura
 Progress::~Progress() {
   try {
     hide();
-  } catch (std::exception const&) {  // a stream that throws has nothing to wipe
+  } catch (std::exception const&) {  // nothing can be removed from a stream that throws
     shown_ = false;
   }
 }

@@ -7,21 +7,21 @@
 
 namespace tarn::tool {
 
-/// One line on a terminal that says how far a run over many files is, and that is wiped out at its end. Switched off it
+/// One line on a terminal that shows how far a run over many files is. It is removed at the end. When switched off, it
 /// writes nothing.
 class Progress {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// Shows nothing before `patience` has passed, so that a short run leaves the screen alone. `stream` must outlive it.
+  /// Shows nothing before `patience` has passed, so a short run shows nothing at all. `stream` must outlive it.
   Progress(std::ostream& stream, bool on, std::size_t total, Clock::duration patience = std::chrono::milliseconds(300));
   ~Progress();
   Progress(Progress const&) = delete;
   Progress& operator=(Progress const&) = delete;
 
-  /// The next file is begun: "[3/9] pump.tdf".
+  /// The next file begins: "[3/9] pump.tdf".
   void begin(std::string const& name);
-  /// Wipes the line. To be called before anything else is written on the terminal.
+  /// Removes the line. Call it before anything else is written to the terminal.
   void hide();
 
  private:

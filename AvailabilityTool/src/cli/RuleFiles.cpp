@@ -1,4 +1,4 @@
-// The step that all subcommands which need rules begin with.
+// The first step of all subcommands that need rules.
 #include "cli/RuleFiles.h"
 
 #include <filesystem>
@@ -17,7 +17,7 @@ std::unique_ptr<PhysicsData> loadRuleFiles(std::vector<std::string> const& paths
   } catch (rules::RuleError const& error) {
     err << rules::format(error.diagnostics());
     throw Failure("the rules were not loaded: " + counted(error.diagnostics().size(), "error") +
-                  ", told above; correct the files and run again");
+                  ", see above; correct the files and run again");
   }
 }
 

@@ -9,8 +9,7 @@
 
 namespace tarn::tool {
 
-/// Loads the rules that `--rules` names. When they hold errors, all of them are written to `err` and a `Failure` is
-/// thrown.
+/// Loads the rules that `--rules` names. If they contain errors, writes all of them to `err` and throws a `Failure`.
 [[nodiscard]] std::unique_ptr<PhysicsData> loadRuleFiles(std::vector<std::string> const& paths, std::ostream& err);
 
 }  // namespace tarn::tool

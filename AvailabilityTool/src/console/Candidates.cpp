@@ -1,5 +1,5 @@
-// What could stand next in a path, from the state that is edited and from the file system. The model is not walked: its
-// lists are sorted by object path, so everything below an object that was seen can be jumped over.
+// Finds what can come next in a path, in the edited state and in the file system. The model is not walked: its lists
+// are sorted by object path, so everything below an object can be skipped.
 #include "console/Candidates.h"
 
 #include <filesystem>
@@ -17,12 +17,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The object that `folder` stands for: "" for "/".
+/// The object of `folder`: "" for "/".
 std::string objectOf(std::string const& folder) {
   return folder.substr(0, folder.size() - 1);
 }
 
-/// Adds the components behind `folder` that lead to the keys of `byObject`, which are sorted object paths.
+/// Adds the components after `folder` that lead to the keys of `byObject`, which are sorted object paths.
 template <typename Map>
 void addWaysTo(Map const& byObject, std::string const& folder, std::string const& start, Candidates& out) {
   std::string const wanted = folder + start;
@@ -31,7 +31,7 @@ void addWaysTo(Map const& byObject, std::string const& folder, std::string const
     bool const isObject = end == std::string::npos;
     std::string const component = at->first.substr(folder.size(), isObject ? end : end - folder.size());
     out[component].deeper = true;
-    // In byte order all that lies below the component stands together, before its name with the next character.
+    // In byte order all paths below the component are adjacent; they come before its name with the next character.
     constexpr char behindSlash = '/' + 1;
     at = isObject ? byObject.upper_bound(at->first) : byObject.lower_bound(folder + component + behindSlash);
   }
@@ -49,7 +49,7 @@ std::string escaped(std::string const& path) {
 std::vector<std::string> childrenOf(ProvisionalTDF const& state, std::string const& path) {
   try {
     return state.getPathExpansion(escaped(path) + "/*", "");
-  } catch (Error const&) {  // a text that is no path: nothing is below it
+  } catch (Error const&) {  // the text is not a path, so nothing is below it
     return {};
   }
 }
@@ -100,7 +100,7 @@ Candidates presentObjects(ProvisionalTDF const& state, std::string const& folder
   std::string const object = objectOf(folder);
   Candidates found;
   for (std::string const& child : childrenOf(state, object)) {
-    // Above the root there is only the way to it: what stands beside it belongs to the model and is not edited.
+    // Above the root only the path to the root is offered. Its siblings belong to the model and are not edited.
     bool const inside = StringUtilities::isPathRootedAt(root, child);
     if (!inside && !StringUtilities::isPathRootedAt(child, root)) continue;
     std::string const component = child.substr(object.size() + 1);

@@ -9,20 +9,20 @@ class ProvisionalTDF;
 
 namespace tarn::tool {
 
-/// What a component of a path, or the name of a file, is good for.
+/// What a component of a path, or the name of a file, leads to.
 struct Candidate {
-  /// The path that ends here is one that was looked for.
+  /// The path that ends here is of the kind that is searched.
   bool whole = false;
-  /// There are such paths below it.
+  /// There are paths of that kind below it.
   bool deeper = false;
 };
 
-/// Components that can stand behind a folder. No two are alike.
+/// The components that can follow a folder.
 using Candidates = std::map<std::string, Candidate>;
 
-/// The components behind `folder` that begin with `start` and lead to a path of some kind. `folder` is the text of a
-/// path up to and including a "/". Only one level is looked at, so the cost is that of what is returned, and of a
-/// search in what the state holds.
+/// The components after `folder` that begin with `start` and lead to a path of some kind. `folder` is the text of a
+/// path up to and including a "/". Only one level is read, so the time is that of the result and of a search in the
+/// state.
 /// @{
 [[nodiscard]] Candidates presentParameters(ProvisionalTDF const& state, std::string const& folder,
                                            std::string const& start);
@@ -31,12 +31,12 @@ using Candidates = std::map<std::string, Candidate>;
 /// Linear in the number of potential objects.
 [[nodiscard]] Candidates potentialObjects(ProvisionalTDF const& state, std::string const& folder,
                                           std::string const& start);
-/// The active root and what is below it, with objects that hold no parameters. `deeper` is told only where a single
-/// candidate is left.
+/// The active root and all objects below it, also those without parameters. `deeper` is set only if there is a single
+/// candidate.
 [[nodiscard]] Candidates presentObjects(ProvisionalTDF const& state, std::string const& folder,
                                         std::string const& start);
-/// Files and folders of the file system, where `folder` may be empty: the current folder. Hidden ones only where
-/// `start` has their dot. A folder that cannot be read holds nothing.
+/// Files and folders. `folder` may be empty for the current folder. Hidden ones are included only if `start` begins
+/// with a dot. A folder that cannot be read has no entries.
 [[nodiscard]] Candidates files(std::string const& folder, std::string const& start);
 /// @}
 

@@ -14,7 +14,7 @@ constexpr char const* asciiOnly = "ANSI_X3.4-1968";
 
 CharacterLocale::CharacterLocale() noexcept : locale_(::newlocale(LC_CTYPE_MASK, "", locale_t{})) {
   if (locale_ == locale_t{} || std::strcmp(::nl_langinfo_l(CODESET, locale_), asciiOnly) == 0) {
-    // It stays as it was where the system has no such locale.
+    // If the system has no such locale, the locale stays as it is.
     if (locale_t const general = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t{}); general != locale_t{}) {
       if (locale_ != locale_t{}) ::freelocale(locale_);
       locale_ = general;

@@ -4,9 +4,8 @@
 
 namespace tarn::tool {
 
-/// The characters that are typed and shown, while it lives and for this thread: those of the locale of the environment,
-/// and UTF-8 where that knows ASCII only. The rest of the program goes on in the "C" locale, in which rules and models
-/// are read.
+/// While an object exists, this thread reads and shows the characters of the environment's locale, or UTF-8 if that
+/// locale has ASCII only. The rest of the program uses the "C" locale, in which rules and models are read.
 class CharacterLocale {
  public:
   CharacterLocale() noexcept;

@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::size_t gap = 2;
 
-/// Calls `show(text, columns)` for each character. What is no character, or would move the cursor, is shown as "?".
+/// Calls `show(text, columns)` for each character. A byte that is not a character, or a
+/// character that would move the cursor, is shown as "?".
 template <typename Show>
 void forEachCharacter(std::string const& text, Show const& show) {
   std::mbstate_t state{};

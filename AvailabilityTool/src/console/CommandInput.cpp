@@ -22,13 +22,13 @@ CommandInput::int_type CommandInput::underflow() {
   return traits_type::to_int_type(piece_.front());
 }
 
-/// Reads a line, or what is there of it.
+/// Reads a line, or the part of it that is there.
 bool CommandInput::readSome() {
   piece_.clear();
   errno = 0;
   try {
     if (traits_type::eq_int_type(below_->sgetc(), traits_type::eof())) return false;
-  } catch (std::exception const&) {  // how a file tells that it cannot be read
+  } catch (std::exception const&) {  // a file that cannot be read throws
     error_ = errno;
     hasFailed_ = true;
     return false;

@@ -7,20 +7,20 @@
 
 namespace tarn::tool {
 
-/// While it lives, a stream that cannot be read has come to its end. A stream by itself only remembers that reading
-/// went wrong, and a loop that looks for the end of the input would go round for ever. What was read ahead of the last
-/// line that somebody took is lost with the object.
+/// While an object exists, a stream that cannot be read is at its end. By itself, the stream only remembers that
+/// reading failed, and a loop that waits for the end of the input would never end. Input that was read ahead of the
+/// last line taken is lost when the object is destroyed.
 class CommandInput : public std::streambuf {
  public:
-  /// Stands between `in`, which must live longer, and its buffer. `goesOn` is asked before each line; when it says no,
-  /// that is the end as well.
+  /// Puts itself between `in` and its buffer. `in` must live longer. `goesOn` is called before each line; if it returns
+  /// false, the input ends.
   CommandInput(std::istream& in, std::function<bool()> goesOn);
   ~CommandInput() override;
   CommandInput(CommandInput const&) = delete;
   CommandInput& operator=(CommandInput const&) = delete;
 
   [[nodiscard]] bool hasFailed() const noexcept { return hasFailed_; }
-  /// The `errno` of what failed; 0 when it set none.
+  /// The `errno` of the failure. 0 if none was set.
   [[nodiscard]] int error() const noexcept { return error_; }
 
  protected:

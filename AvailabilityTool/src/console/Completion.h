@@ -6,16 +6,16 @@
 
 namespace tarn::tool {
 
-/// How a line that is being typed can go on.
+/// How a line that is being typed can continue.
 struct Completion {
-  /// At most this many `choices` are named.
+  /// The maximum number of `choices`.
   static constexpr std::size_t maxChoices = 100;
 
-  /// What all ways to go on have in common and the line does not have yet; to be put in at the cursor.
+  /// The text to insert at the cursor: what all continuations have in common and the line does not have yet.
   std::string insert;
-  /// The ways to go on, sorted, each as the component of a path that it is.
+  /// The continuations, sorted, each as a component of a path.
   std::vector<std::string> choices;
-  /// How many ways there are, those that are not named included.
+  /// The number of all continuations, also of those that are not in `choices`.
   std::size_t total = 0;
 };
 

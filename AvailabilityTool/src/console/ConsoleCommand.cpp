@@ -1,5 +1,5 @@
-// `zev console`: the host of the availability tool. It makes what the loop works on, lets it run, and takes everything
-// down in the opposite order.
+// `zev console`: the host of the availability tool. It makes the objects that the loop needs, runs the loop, and
+// destroys them in the opposite order.
 #include "console/ConsoleCommand.h"
 
 #include <unistd.h>
@@ -48,19 +48,20 @@ std::string whyInputFailed(int error) {
          "; give it a terminal, a file of commands, or /dev/null";
 }
 
-/// Before anything is begun that would be for nothing.
+/// Called before any other work, which would be useless without input.
 void requireReadableInput() {
   if (::read(STDIN_FILENO, nullptr, 0) != 0) throw Failure(whyInputFailed(errno));
 }
 
-/// The commands come from the standard input: a model read from it would take them, and leave none.
+/// The commands come from the standard input. A model that is read from it would consume them.
 void requireFile(std::string const& option, std::string const& name) {
   if (name != "-") return;
-  throw Failure(option + ": a model cannot come from the standard input, as the commands do; give the name of a file");
+  throw Failure(option +
+                ": a model cannot come from the standard input, because the commands do; give the name of a file");
 }
 
-/// Lets the user give commands until the end, and returns the exit status. Output that nobody can get any more ends it
-/// as well. A disk that is full does not: the edits would be lost with the log.
+/// Runs commands until the user ends the loop, and returns the exit status. The loop also ends when nobody can read the
+/// output any more. A full disk does not end it: that would lose the edits.
 int runLoop(ConsoleOptions const& options, EditedObject& object, ProvTDFLogger& printer, LogTarget& log,
             std::ostream& err) {
   ProvTDFDriver driver(options.strict, options.quiet,
@@ -100,39 +101,40 @@ int console(ConsoleOptions const& options, std::ostream& err) {
 
 void addConsoleCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ConsoleOptions>();
-  CLI::App* command = app.add_subcommand("console", "Edit an object by commands, held legal by the rules");
-  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+  CLI::App* command = app.add_subcommand("console", "Edit an object by commands, under the rules");
+  command
+      ->add_option("--rules", options->rules,
+                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
       ->type_name("PATH")
       ->allow_extra_args(false)
       ->required();
   command->add_option("--root", options->root, "The object to edit, with everything below it")
       ->type_name("OBJECT")
       ->required();
-  command->add_option("--model", options->model, "The model that the object is part of; without it, an empty one")
+  command->add_option("--model", options->model, "The model that contains the object; default: an empty one")
       ->type_name("FILE");
   command->add_option("--guide", options->guide, "Values to begin with, from an earlier edit")->type_name("FILE");
   command
-      ->add_option(
-          "--based-on", options->basedOn,
-          "Begin a new object, which the model lacks, as a copy of this one in it, of the same type and parent")
+      ->add_option("--based-on", options->basedOn,
+                   "Begin a new object as a copy of this one, which is in the model and has the same type and parent")
       ->type_name("OBJECT");
   command
-      ->add_option(
-          "--log", options->log,
-          "Where the object and its changes go: stdout, which is the default, stderr, or a file, which is added to")
+      ->add_option("--log", options->log,
+                   "Where to print the object and its changes: stdout, the default, stderr, or a file to append to")
       ->type_name("TARGET");
   command
       ->add_option("--validation-root", options->validationRoot,
-                   "The object that v and vf judge, with everything below it; without it, that of --root")
+                   "The object that v and vf judge, with everything below it; default: that of --root")
       ->type_name("OBJECT");
   command->add_flag("--strict", options->strict,
-                    "Refuse a model file with a malformed line, instead of skipping the line");
+                    "Refuse a model file with a malformed line; without it, the line is skipped");
   command->add_flag("--quiet", options->quiet, "Write neither banner nor prompt");
   command->footer(
-      "The command h tells the commands, q ends the program. Two more that h does not tell: \"no OBJECT\" adds an\n"
-      "object with a name of your own, \"ro OBJECT\" removes one.\n"
-      "No model is written. What the command ps prints is model text that can be loaded again: keep it from what was\n"
-      "printed, as from a --log. \"zev show\" prints the same of a model without an edit.\n"
+      "The command h lists the commands, q ends the program. The list lacks two commands: \"no OBJECT\" adds an "
+      "object\n"
+      "with a name of your choice, \"ro OBJECT\" removes such an object.\n"
+      "The console writes no model file. The command ps prints model text that can be loaded again: copy it from the\n"
+      "output or from a --log. \"zev show\" prints the same for a model without edits.\n"
       "Example: zev console --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
       "Exit status: 0, or 2 for wrong usage or a file that could not be read.");
   command->callback([options, &chosen] {

@@ -1,6 +1,6 @@
-// Plain lines of text, appended in one write each. The file belongs to the user and may be anything by now: a link to
-// /dev/null, a pipe, a gigabyte of something else. So it is opened without waiting, used only when it is a file, and
-// read from its end.
+// Plain lines of text. Each is appended in one write. The file belongs to the user and can have become anything: a link
+// to /dev/null, a pipe, a gigabyte of other data. So it is opened without waiting, used only if it is a regular file,
+// and read from its end.
 #include "console/HistoryFile.h"
 
 #include <fcntl.h>
@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t ownerOnly = 0600;
-/// The part of a file that is looked at: more than twice what the kept lines can take, if they are of usual length.
+/// The part of a file that is read: more than twice the size of the kept lines, if they have the usual length.
 constexpr off_t mostBytes = off_t{1} << 20;
 
 class OpenFile {
@@ -62,7 +62,7 @@ bool writeAll(int descriptor, std::string const& text) {
   return ::write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
-/// Whether all of it is UTF-8 without control characters.
+/// Whether the line is UTF-8 without control characters.
 bool isPrintableText(std::string_view text) {
   std::size_t following = 0;
   for (char const c : text) {
@@ -104,7 +104,7 @@ std::vector<std::string> HistoryFile::read() const {
   if (!file.isUsable()) return {};
   off_t const begin = std::max<off_t>(0, file.size() - mostBytes);
   std::string content = contentFrom(file, begin);
-  // The first line of a part may be the end of one.
+  // The first line of this part can be the end of a longer line.
   if (begin > 0) content.erase(0, std::min(content.find('\n'), content.size() - 1) + 1);
   std::vector<std::string> lines = StringUtilities::splitValue(content, '\n');
   std::size_t const found = lines.size();
@@ -124,16 +124,16 @@ void HistoryFile::add(std::string const& line) const {
   }
   OpenFile const file(path_, O_RDWR | O_CREAT | O_APPEND);
   if (!file.isUsable()) return;
-  if (::fchmod(file.descriptor(), ownerOnly) != 0) return;  // somebody else's file is left alone
-  // In one write, and on a line of its own: the lines of two consoles do not run into each other, nor into one that a
-  // full disk has cut short.
+  if (::fchmod(file.descriptor(), ownerOnly) != 0) return;  // do not write to a file of another user
+  // One write, and a line of its own. So the lines of two consoles do not mix, and neither does a line with the rest of
+  // one that a full disk cut off.
   std::string const last = file.size() == 0 ? "\n" : contentFrom(file, file.size() - 1);
   (void)writeAll(file.descriptor(), (last == "\n" ? "" : "\n") + line + '\n');
 }
 
 void HistoryFile::replace(std::vector<std::string> const& lines) const {
   std::error_code error;
-  // Where the path is a link, what it points to is replaced and not the link.
+  // If the path is a link, replace its target, not the link.
   fs::path const target = fs::canonical(path_, error);
   if (error) return;
   fs::path const fresh = target.string() + '.' + std::to_string(::getpid());

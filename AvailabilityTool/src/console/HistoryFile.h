@@ -9,27 +9,26 @@ namespace tarn::tool {
 
 /// The lines that were typed in earlier runs, oldest first, in a file that only its owner can read.
 ///
-/// A line is written when it is typed, so several consoles can be open at a time and none is lost by one that is
-/// killed. History is a convenience: where it cannot be read or written, the console goes on without it and says
-/// nothing.
+/// A line is written when it is typed. So several consoles can be open at once, and a console that is killed loses no
+/// line. History is a convenience: if it cannot be read or written, the console works without it and says nothing.
 class HistoryFile {
  public:
-  /// Of more lines than this the latest are kept.
+  /// The number of lines that are kept: the latest ones.
   static constexpr std::size_t maxLines = 1000;
-  /// A line with more bytes is not kept.
+  /// The maximum length in bytes of a line that is kept.
   static constexpr std::size_t longestLine = 4096;
 
-  /// An empty path is a history that holds nothing and keeps nothing.
+  /// With an empty path, the history is empty and keeps nothing.
   explicit HistoryFile(std::filesystem::path path) : path_(std::move(path)) {}
 
-  /// Where the history of the user is kept, from the values of `XDG_STATE_HOME` and `HOME`; null for those not set.
-  /// Empty when neither names a folder by its full path.
+  /// The path of the user's history. The arguments are the values of `XDG_STATE_HOME` and `HOME`, null if not set.
+  /// Empty if neither is an absolute path.
   [[nodiscard]] static std::filesystem::path usualPath(char const* stateHome, char const* home);
 
-  /// The lines of earlier runs. A file that has grown far beyond the limit is cut down on this occasion.
+  /// The lines of earlier runs. Shortens a file that has grown far beyond the limit.
   [[nodiscard]] std::vector<std::string> read() const;
 
-  /// Adds a line. Kept are lines of printable text; one that is blank, or too long, is not.
+  /// Adds a line of printable text. A line that is blank, too long or not printable is not kept.
   void add(std::string const& line) const;
 
  private:

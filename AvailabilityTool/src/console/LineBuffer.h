@@ -7,18 +7,17 @@
 
 namespace tarn::tool {
 
-/// Stands under an input stream and gets what is read from a source of lines. A line is asked for only when a reader
-/// needs it.
+/// The buffer of an input stream that reads from a source of lines. It asks for a line only when a reader needs one.
 class LineBuffer final : public std::streambuf {
  public:
-  /// The next line, without its end; nothing at the end of the input.
+  /// Returns the next line without its line end, or nothing at the end of the input.
   using Source = std::function<std::optional<std::string>()>;
 
   explicit LineBuffer(Source source) : source_(std::move(source)) {}
 
  protected:
-  /// A source that throws has come to its end: a stream would only remember that reading went wrong, and a reader that
-  /// looks for the end of the input would never find it.
+  /// A source that throws is at its end. The stream would only remember that reading failed, and a reader that waits
+  /// for the end of the input would wait for ever.
   int_type underflow() override;
 
  private:

@@ -1,7 +1,7 @@
-// Divides a line as the loop of the console does and finds what its last part could become.
+// Splits a line as the loop of the console does, and finds what its last part can become.
 //
-// A path is completed by levels: the text up to the last "/" says where to look, the rest is how a component begins.
-// While there is one component only, and it is on the way to something and not that itself, the next level is entered.
+// A path is completed level by level. The text up to the last "/" says where to search; the rest is the beginning of a
+// component. If there is only one component, and it only leads to something without being it, the next level follows.
 #include "console/LineCompleter.h"
 
 #include <algorithm>
@@ -43,20 +43,20 @@ constexpr std::array<KnownCommand, 17> knownCommands = {{
     {"vf", Argument::File},
 }};
 
-/// A value longer than this is not brought into the line: nobody edits it there.
+/// A longer value is not inserted into the line: nobody edits it there.
 constexpr std::size_t longestValue = 1000;
 
 bool isContinuation(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
-/// The first keys are the smallest and the greatest, so they differ where any two do.
+/// The first and the last key are the smallest and the greatest. So they differ where any two keys differ.
 std::string commonStart(Candidates const& candidates) {
   std::string const& first = candidates.begin()->first;
   std::string const& last = candidates.rbegin()->first;
   auto common = static_cast<std::size_t>(std::mismatch(first.begin(), first.end(), last.begin(), last.end()).first -
                                          first.begin());
-  while (common > 0 && common < first.size() && isContinuation(first[common])) --common;  // no half character
+  while (common > 0 && common < first.size() && isContinuation(first[common])) --common;  // do not split a character
   return first.substr(0, common);
 }
 
@@ -68,11 +68,11 @@ void name(Candidates const& candidates, Completion& completion) {
   }
 }
 
-/// A candidate is dropped unless the loop hands it to the command as it stands.
+/// Drops a candidate that would not reach the command unchanged.
 bool arrivesWhole(std::string const& argument) {
   return StringUtilities::stringToVector(argument, ',') == std::vector{argument};
 }
-/// The same for a path in front of "=": its parts are joined again, and it ends at the first "=".
+/// The same for a path before "=": its parts are joined again, and it ends at the first "=".
 bool arrivesJoined(std::string const& path) {
   std::string const text = path + '=';
   return StringUtilities::vectorToString(StringUtilities::stringToVector(text, ','), ',') == text &&
@@ -83,12 +83,12 @@ bool isTypeable(std::string const& text) {
   return std::none_of(text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
 }
 
-/// Completes `typed` through `level`; `end` is put behind what is complete. `arrives` tells whether the loop passes a
-/// text on as it stands.
+/// Completes `typed` through `level`. `end` is added to what is complete. `arrives` says whether a text reaches the
+/// command unchanged.
 template <typename Level>
 Completion completePath(std::string const& typed, Level const& level, bool (*arrives)(std::string const&),
                         std::string_view end) {
-  auto const slash = typed.rfind('/') + 1;  // 0 when there is none
+  auto const slash = typed.rfind('/') + 1;  // 0 if there is none
   std::string folder = typed.substr(0, slash);
   std::string start = typed.substr(slash);
   Completion completion;
@@ -106,7 +106,7 @@ Completion completePath(std::string const& typed, Level const& level, bool (*arr
 
     Candidate const only = found.begin()->second;
     if (only.whole) {
-      // What can be taken as it is, is entered only when it stands there already.
+      // A component that is complete is entered only if it is already typed.
       bool const enter = only.deeper && completion.insert.empty();
       completion.insert += enter ? "/" : end;
       return completion;
@@ -212,7 +212,7 @@ Completion LineCompleter::completeValue(std::string const& paramPath, std::strin
     return completeWord({present}, value);
   }
   Completion completion = completeWord(allowed, value);
-  // An allowed value may hold a comma, so the text is taken for a list only when it is not the beginning of a value.
+  // An allowed value can contain a comma. So the text is a list only if it is not the beginning of a value.
   auto const comma = value.rfind(',');
   if (completion.total > 0 || comma == std::string_view::npos) return completion;
   return completeWord(allowed, withoutLeadingBlanks(value.substr(comma + 1)));

@@ -13,23 +13,23 @@ class ProvisionalTDF;
 
 namespace tarn::tool {
 
-/// Tells how a command of the console can go on: the commands themselves, and behind a command the objects, parameters,
-/// values or files that it takes, as they are after the last edit.
+/// Finds how a command of the console can continue: the commands themselves, and after a command its objects,
+/// parameters, values or files, as they are after the last edit.
 ///
-///     sp /Ca                    ->  sp /Case/Domain:rotor/                   as far as there is one way
+///     sp /Ca                    ->  sp /Case/Domain:rotor/                   as far as there is only one way
 ///     sp /Case/Domain:rotor/Mo  ->  sp /Case/Domain:rotor/Motion=            a parameter to be set
-///     sp /Case/Domain:rotor/Motion=  ->  Rotating, Stationary                its allowed values, or else its value
-///     do /Case/Domain:rotor     ->  do /Case/Domain:rotor/                   once more behind a whole object: into it
+///     sp /Case/Domain:rotor/Motion=  ->  Rotating, Stationary                its allowed values, otherwise its value
+///     do /Case/Domain:rotor     ->  do /Case/Domain:rotor/                   a second time after a whole object: into
+///     it
 ///
-/// Paths and files are completed component by component. Offered is only what the command would take as it stands: the
-/// loop divides at commas and drops blanks beside them, so a name with a comma is left out where one argument is
-/// wanted.
+/// Paths and files are completed component by component. Only texts that reach the command unchanged are offered. The
+/// loop splits at commas and drops blanks next to them, so a name with a comma is not offered as a single argument.
 class LineCompleter {
  public:
   /// `state` must outlive the completer.
   explicit LineCompleter(ProvisionalTDF const& state) noexcept : state_(state) {}
 
-  /// How the text of `line` before `cursor` can go on; what stands behind it is not looked at.
+  /// How the text of `line` before `cursor` can continue. The text after the cursor is ignored.
   [[nodiscard]] Completion complete(std::string_view line, std::size_t cursor) const;
 
   /// The commands that are offered.

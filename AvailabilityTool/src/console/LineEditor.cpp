@@ -1,10 +1,9 @@
-// The editing itself is that of libedit. Here stands what it is asked to do at which key, and what must be right around
-// it: signals, the locale, and where the cursor is when something else is written.
+// libedit does the editing. This source says what each key does, and handles what libedit needs around it: signals, the
+// locale, and the position of the cursor when something else is written.
 //
-// libedit's own handling of signals is not used. It works inside the handlers, where memory may not be asked for, and a
-// window that shrinks while a line takes several rows leaves it with a cursor outside of the screen that it remembers.
-// So characters are read here, signals are looked at between two of them, and a resized line is taken away and put
-// back.
+// libedit's own signal handling is not used. It works inside the handlers, where memory must not be allocated. And when
+// a window shrinks while a line has several rows, its cursor is outside the screen that it remembers. So characters are
+// read here, signals are handled between two characters, and after a resize the line is removed and displayed again.
 #include "console/LineEditor.h"
 
 #include <histedit.h>
@@ -85,7 +84,7 @@ void LineEditor::bindKeys() {
   bind("\\e[4~", "ed-move-to-end");
   bind("\\e[1;5D", "ed-prev-word");
   bind("\\e[1;5C", "em-next-word");
-  // These ask for a command of the editor's own, which an unmatched quote brings to a crash.
+  // These keys ask for one of libedit's own commands, which crash on an unmatched quote.
   bind("\\ex", "ed-unassigned");
   bind("\\eX", "ed-unassigned");
 }
@@ -101,8 +100,8 @@ std::optional<std::string> LineEditor::read(std::string const& prompt) {
     do {
       dropped_ = false;
       decoding_ = {};
-      el_resize(edit_.get());  // the window may have changed since the last line
-      // Before the prompt is shown: who answers it at once must not find the terminal as it is for others.
+      el_resize(edit_.get());  // the window can have changed since the last line
+      // Before the prompt is shown: a user who answers at once must find the terminal in its editing mode.
       el_set(edit_.get(), EL_PREP_TERM, 1);
       int count = 0;
       if (char const* const typed = el_gets(edit_.get(), &count); typed != nullptr && count > 0) line = typed;
@@ -121,7 +120,7 @@ std::optional<std::string> LineEditor::read(std::string const& prompt) {
 void LineEditor::remember(std::string const& line) {
   if (!edit_) return;
   CharacterLocale const locale;
-  // The editor would take a line that cannot be decoded for the end of its history.
+  // libedit would take a line that cannot be decoded for the end of its history.
   if (std::mbstowcs(nullptr, line.c_str(), 0) == static_cast<std::size_t>(-1)) return;
   HistEvent event{};
   history(lines_.get(), &event, H_ENTER, line.c_str());
@@ -131,7 +130,7 @@ char* LineEditor::promptOf(EditLine* edit) {
   return editorOf(edit)->prompt_.data();
 }
 
-// There is C code between these two and whoever could handle an exception.
+// There is C code between these two functions and any handler of an exception.
 
 int LineEditor::onRead(EditLine* edit, wchar_t* character) {
   try {
@@ -144,7 +143,7 @@ int LineEditor::onRead(EditLine* edit, wchar_t* character) {
 unsigned char LineEditor::onTab(EditLine* edit, int /*key*/) {
   try {
     return editorOf(edit)->complete();
-  } catch (...) {  // without completion the line can be typed all the same
+  } catch (...) {  // the line can be typed without completion
     return CC_ERROR;
   }
 }
@@ -163,9 +162,9 @@ int LineEditor::readCharacter(wchar_t& character) {
     if (count == -1 && (errno == EINTR || errno == EAGAIN)) continue;
     if (count != 1) return static_cast<int>(count);
     auto const length = std::mbrtowc(&character, &byte, 1, &decoding_);
-    if (length == static_cast<std::size_t>(-2)) continue;  // more bytes belong to it
+    if (length == static_cast<std::size_t>(-2)) continue;  // the character has more bytes
     if (length != static_cast<std::size_t>(-1)) return 1;
-    decoding_ = {};  // what is no character is passed over
+    decoding_ = {};  // skip what is not a character
   }
 }
 
@@ -180,8 +179,8 @@ void LineEditor::answer(int signal) {
       resize();
       break;
     default:
-      // The terminal is given back before the program stops or ends; and a shell has used it before the program goes
-      // on.
+      // Restore the terminal before the program stops or ends. When the program continues, a shell has used the
+      // terminal in the meantime.
       if (signal != SIGCONT) writeBelow("");
       el_set(edit, EL_PREP_TERM, 0);
       if (signal != SIGCONT) signals_->letAct(signal);
@@ -216,7 +215,7 @@ void LineEditor::resize() {
   std::string const prompt = std::exchange(prompt_, "");
   el_cursor(edit, behind);
   el_deletestr(edit, length);
-  el_set(edit, EL_REFRESH);  // now its cursor is in the first row, which every window has
+  el_set(edit, EL_REFRESH);  // now its cursor is in the first row, which exists in every window
   el_resize(edit);
   prompt_ = prompt;
   el_winsertstr(edit, text.c_str());

@@ -15,34 +15,34 @@ struct history;
 
 namespace tarn::tool {
 
-/// Reads lines that a user types on the terminal that is the standard input and output: with editing, with what was
-/// typed before, and with completion by TAB.
+/// Reads lines that a user types on the terminal, which is both standard input and output: with editing, with history,
+/// and with completion by TAB.
 ///
-/// Ctrl-C while a line is typed drops it and begins a new one. From one line to the next the first Ctrl-C is passed
-/// over, so that work that is under way is finished; a second one ends the program, as it does elsewhere.
+/// Ctrl-C while a line is typed drops the line and begins a new one. Between two lines the first Ctrl-C is ignored, so
+/// that the current work is finished; the second ends the program as usual.
 ///
-/// One object at a time. When it goes, signals and terminal are as they were.
+/// There can be one object at a time. Its destructor restores signals and terminal.
 class LineEditor {
  public:
-  /// How a line can go on at a cursor, which counts bytes.
+  /// How a line can continue at a cursor. The cursor counts bytes.
   using Completer = std::function<Completion(std::string_view line, std::size_t cursor)>;
 
-  /// Whether lines can be edited here: standard input and output are a terminal, and one that can move its cursor.
+  /// Whether lines can be edited: standard input and output are a terminal that can move its cursor.
   [[nodiscard]] static bool isPossible() noexcept;
 
-  /// `historySize` is how many lines are remembered.
+  /// `historySize` is the number of lines that are remembered.
   LineEditor(Completer completer, std::size_t historySize);
   ~LineEditor();
   LineEditor(LineEditor const&) = delete;
   LineEditor& operator=(LineEditor const&) = delete;
 
-  /// False when the terminal could not be taken hold of; then `read` finds the end of the input.
+  /// False if the terminal could not be prepared. Then `read` returns nothing.
   [[nodiscard]] bool isReady() const noexcept { return edit_ != nullptr; }
 
-  /// The next line, without its end. Nothing at the end of the input, which Ctrl-D on an empty line makes.
+  /// The next line without its line end. Nothing at the end of the input; Ctrl-D on an empty line is that end.
   [[nodiscard]] std::optional<std::string> read(std::string const& prompt);
 
-  /// Makes `line` the latest of those that can be called up.
+  /// Adds `line` to the history as its latest line.
   void remember(std::string const& line);
 
  private:
@@ -50,7 +50,7 @@ class LineEditor {
     void operator()(editline* edit) const noexcept;
     void operator()(history* lines) const noexcept;
   };
-  /// How many rows of the screen the line takes above and below the one with the cursor.
+  /// The number of screen rows of the line above and below the row of the cursor.
   struct Rows {
     std::size_t above;
     std::size_t below;
@@ -67,9 +67,9 @@ class LineEditor {
   void resize();
   [[nodiscard]] std::size_t columns() const;
   [[nodiscard]] Rows rows() const;
-  /// Writes a text on the rows below the line.
+  /// Writes a text below the line.
   void writeBelow(std::string const& text) const;
-  /// Makes room for the rows above the cursor. To display a line once more libedit first goes up by as many.
+  /// Makes room for the rows above the cursor. To display a line again, libedit first moves up by that number of rows.
   void writeRowsAbove() const;
 
   Completer const completer_;
@@ -77,7 +77,7 @@ class LineEditor {
   std::unique_ptr<history, Closer> lines_;
   std::unique_ptr<editline, Closer> edit_;
 
-  // Of the line that is being read.
+  // State of the line that is being read.
   std::string prompt_;
   ReadingSignals const* signals_ = nullptr;
   std::mbstate_t decoding_{};

@@ -10,7 +10,7 @@ namespace tarn::tool {
 
 namespace {
 
-/// The stream of that name, by the same names that `ProvTDFLogger` knows, or the one given.
+/// The standard stream of that name, with the same names as in `ProvTDFLogger`, or the given stream.
 std::ostream& streamOf(std::string const& target, std::ostream& file) {
   if (target == "stdout" || target == "cout") return std::cout;
   if (target == "stderr" || target == "cerr") return std::cerr;

@@ -10,8 +10,8 @@
 
 namespace tarn::tool {
 
-/// Where the console's printer writes: a standard stream, or a file that is added to. The printer loses what cannot be
-/// written and says nothing; here it is seen, and told while the user can still do something about it.
+/// The target of the console's printer: a standard stream, or a file to which it appends. The printer does not report
+/// output that could not be written. This class notices it, and reports it while the user can still act.
 ///
 ///     LogTarget log("pump.log");
 ///     {
@@ -26,12 +26,13 @@ class LogTarget {
 
   [[nodiscard]] std::ostream& stream() noexcept { return out_; }
 
-  /// Whether there is a use in going on. When the file cannot be written `err` gets that told, once until it can be
-  /// again, and it is tried anew from then on: a disk may get room. But a reader who is gone does not come back, and
-  /// neither do those of a standard stream, of which nothing is said here.
+  /// Returns whether it makes sense to continue. If the file cannot be written, reports that to `err`, once until it
+  /// can be written again, and tries again each time: a disk can get free space. A reader who is gone does not come
+  /// back; then the result is false. The same holds for the reader of a standard stream, about which nothing is
+  /// reported here.
   [[nodiscard]] bool takesMore(std::ostream& err);
 
-  /// Ends the log, and tells a last time. Whether all that was printed has been written, from beginning to end.
+  /// Ends the log, and reports a last time. Returns whether everything that was printed has been written.
   [[nodiscard]] bool finish(std::ostream& err);
 
  private:

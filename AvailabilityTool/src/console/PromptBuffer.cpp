@@ -9,7 +9,7 @@ PromptBuffer::~PromptBuffer() {
   try {
     below_.sputn(kept_.data(), static_cast<std::streamsize>(kept_.size()));
     below_.pubsync();
-  } catch (...) {  // there is no stream any more that could be told
+  } catch (...) {  // there is no stream left to report it to
     kept_.clear();
   }
 }

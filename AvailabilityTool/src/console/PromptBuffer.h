@@ -5,18 +5,18 @@
 
 namespace tarn::tool {
 
-/// Stands under an output stream and keeps back the last line as long as it is not ended, so that it can be taken as a
-/// prompt. Lines go on to the buffer below when they end; a flush reaches that too, but does not let go of the line.
+/// The buffer of an output stream that holds back the last line until it ends, so that it can serve as a prompt.
+/// Complete lines go to the buffer below. A flush reaches that buffer too, but the last line stays here.
 class PromptBuffer final : public std::streambuf {
  public:
   /// `below` must outlive this buffer.
   explicit PromptBuffer(std::streambuf& below) noexcept : below_(below) {}
-  /// Hands on what it has kept back.
+  /// Writes what was held back.
   ~PromptBuffer() override;
   PromptBuffer(PromptBuffer const&) = delete;
   PromptBuffer& operator=(PromptBuffer const&) = delete;
 
-  /// The line that is not ended, which is then no longer kept and never written.
+  /// Returns the line that has not ended. It is then no longer held back, and never written.
   [[nodiscard]] std::string takePrompt();
 
  protected:

@@ -1,5 +1,5 @@
-// The signals are blocked but for the time of waiting, so a handler runs at one place only, and all it does is to note
-// its signal. That leaves no gap in which a signal could come between being looked for and being waited for.
+// The signals are blocked except during the wait. So a handler runs at one place only, and it only stores its signal.
+// No signal can get lost between the check for a signal and the wait for one.
 #include "console/ReadingSignals.h"
 
 #include <array>
@@ -75,7 +75,7 @@ void ReadingSignals::letAct(int signal) const noexcept {
   ::sigaddset(&alone, signal);
   ::sigaction(signal, &byDefault, &before);
   ::raise(signal);
-  ::sigprocmask(SIG_UNBLOCK, &alone, nullptr);  // it acts here
+  ::sigprocmask(SIG_UNBLOCK, &alone, nullptr);  // the signal takes effect here
   ::sigprocmask(SIG_BLOCK, &alone, nullptr);
   ::sigaction(signal, &before, nullptr);
 }

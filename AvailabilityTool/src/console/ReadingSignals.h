@@ -5,9 +5,9 @@
 
 namespace tarn::tool {
 
-/// Signals that concern a program that waits for keys with the terminal in a mode of its own. While an object lives
-/// they do not act but are held until `waitForInput`, which tells of them one by one; so nothing happens at an odd
-/// moment. What the program was started to ignore stays ignored. One object at a time.
+/// The signals that matter to a program that waits for keys while the terminal is in its editing mode. While an object
+/// exists, these signals are held until `waitForInput`, which returns them one by one. So they never interrupt other
+/// code. Signals that the program was started to ignore stay ignored. There can be one object at a time.
 class ReadingSignals {
  public:
   ReadingSignals() noexcept;
@@ -15,11 +15,11 @@ class ReadingSignals {
   ReadingSignals(ReadingSignals const&) = delete;
   ReadingSignals& operator=(ReadingSignals const&) = delete;
 
-  /// Waits until the descriptor has input or has ended, and returns 0; or until there is a signal, and returns that.
-  /// Negative when it cannot wait.
+  /// Waits until the descriptor has input or has ended, and returns 0, or until there is a signal, and returns its
+  /// number. Negative if it cannot wait.
   [[nodiscard]] int waitForInput(int descriptor) const noexcept;
 
-  /// Has the signal do to the program what it does by default: to stop it, to end it.
+  /// Lets the signal have its default effect, such as stopping or ending the program.
   void letAct(int signal) const noexcept;
 
  private:
@@ -31,8 +31,8 @@ class ReadingSignals {
   sigset_t maskBefore_{};
 };
 
-/// Signals of the interrupt key while the program works. The first from `allowOne` on is passed over, so that the work
-/// is finished; the next ends the program. When the object goes, all is as before.
+/// Handles the interrupt key while the program works. The first signal after `allowOne` is ignored, so that the work is
+/// finished; the next one ends the program. The destructor restores the previous state.
 class InterruptGrace {
  public:
   InterruptGrace() noexcept;

@@ -11,13 +11,13 @@
 
 namespace tarn::tool {
 
-/// While it lives, `std::cin` gives lines that are edited on the terminal, with history and completion, and the text
-/// without a line end that was written to `std::cout` last is the prompt. A loop that writes a prompt and reads a line
-/// needs to know nothing of it.
+/// While an object exists, `std::cin` returns lines that are edited on the terminal, with history and completion. The
+/// last text written to `std::cout` without a line end is the prompt. A loop that writes a prompt and reads a line
+/// works unchanged.
 class TerminalInput {
  public:
-  /// Null where there is no terminal on which lines can be edited; then nothing is changed. `state` is what completion
-  /// is about, and must outlive it.
+  /// Null, and nothing changes, if there is no terminal on which lines can be edited. Completion uses `state`, which
+  /// must outlive the object.
   [[nodiscard]] static std::unique_ptr<TerminalInput> open(ProvisionalTDF const& state);
 
   ~TerminalInput();

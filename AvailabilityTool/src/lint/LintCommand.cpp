@@ -1,5 +1,4 @@
-// `zev lint`. What is to be told, and in which words, is the business of the rule language; here it is shown and
-// counted.
+// `zev lint`. The rule language finds the diagnostics and words them. They are printed and counted here.
 #include "lint/LintCommand.h"
 
 #include <algorithm>
@@ -49,14 +48,14 @@ int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
 
 void addLintCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<LintOptions>();
-  CLI::App* command = app.add_subcommand("lint", "Tell all that is wrong or doubtful in rule files");
-  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml")
+  CLI::App* command = app.add_subcommand("lint", "Find what is wrong or doubtful in rule files");
+  command->add_option("--rules", options->rules, "Rule files, and folders with *.rules.yaml")
       ->type_name("PATH")
       ->required();
   command->footer(
-      "All files together make one rule database; of a folder all *.rules.yaml are taken, in order of their names.\n"
-      "Each error and warning is told with its file, line and column, and with what to write instead. Errors keep\n"
-      "the rules from being loaded; warnings are passed over by all other commands.\n"
+      "All files together are one rule database. From a folder all *.rules.yaml are taken, in the order of their\n"
+      "names. Each error and warning is printed with its file, line and column, and with what to write instead.\n"
+      "Rules with errors cannot be loaded. All other commands ignore warnings.\n"
       "Examples: zev lint --rules flow.rules.yaml\n"
       "          zev lint --rules rules/\n"
       "Exit status: 0 nothing found, 1 errors or warnings, 2 a file could not be read.");

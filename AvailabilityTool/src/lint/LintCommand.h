@@ -6,8 +6,8 @@
 
 namespace tarn::tool {
 
-/// Adds `zev lint`: tells all that is wrong or doubtful in rule files. When the command line asks for it, `chosen`
-/// becomes what does it; `app` must then still be there.
+/// Adds `zev lint` to the program, which finds what is wrong or doubtful in rule files. If the command line asks for
+/// it, parsing sets `chosen`. `app` must still exist then.
 void addLintCommand(CLI::App& app, Command& chosen);
 
 }  // namespace tarn::tool

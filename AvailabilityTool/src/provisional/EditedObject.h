@@ -11,19 +11,19 @@
 
 namespace tarn::tool {
 
-/// A provisional state with all that it stands on, in the order in which these things live: the rules, the model, the
-/// quantity modifier of the rules, and the state.
+/// A provisional state with everything it needs, in the order of their lifetimes: the rules, the model, the quantity
+/// modifier of the rules, and the state.
 class EditedObject {
  public:
-  /// A state of the object at `root`, not yet initialised, over an empty model. Throws a `Failure` when `root` is no
-  /// path of an object.
+  /// A state of the object at `root` over an empty model. It is not initialised yet. Throws a `Failure` if `root` is
+  /// not the path of an object.
   EditedObject(std::unique_ptr<PhysicsData> rules, std::string const& root);
 
   [[nodiscard]] PhysicsData const& rules() const noexcept { return *rules_; }
   [[nodiscard]] ProvisionalTDF& state() noexcept { return state_; }
 
   void setModel(ModelState const& model);
-  /// Runs the first walk. `basedOn` is the object that a new one starts from; empty for none.
+  /// Runs the first walk. `basedOn` is the object that a new object is copied from, or empty.
   void initialise(std::string const& basedOn, ModelState const& guide);
 
  private:

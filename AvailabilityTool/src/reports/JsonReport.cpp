@@ -1,4 +1,4 @@
-// The form for programs: one line a model, so that a run over many can be read as a stream.
+// The format for programs: one line per model, so that a program can read the output of a long run as a stream.
 #include "reports/JsonReport.h"
 
 #include <ostream>

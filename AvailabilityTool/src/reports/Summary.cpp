@@ -1,4 +1,4 @@
-// The last line of a run, for a reader who wants to know at a glance whether all is well.
+// The last line of a run. It says whether anything was found.
 #include "reports/Summary.h"
 
 #include "cli/Counted.h"

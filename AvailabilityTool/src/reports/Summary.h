@@ -7,7 +7,7 @@
 
 namespace tarn::tool {
 
-/// Counts what a run over models found.
+/// Counts the findings of a run over models.
 class Summary {
  public:
   void add(session::Findings const& findings) noexcept;
@@ -17,7 +17,7 @@ class Summary {
   /// 0, 1 or 2, see `ExitStatus`.
   [[nodiscard]] int exitStatus() const noexcept;
 
-  /// One line: "3 models, 1 with findings: 2 dependency errors, 1 unknown name." Kinds with no finding are left out.
+  /// One line: "3 models, 1 with findings: 2 dependency errors, 1 unknown name." Kinds without findings are left out.
   [[nodiscard]] std::string text() const;
 
  private:

@@ -1,5 +1,4 @@
-// The form for people. The validator's two kinds look as the console prints them, so that a reader of one knows the
-// other.
+// The format for people. The two kinds of the validator have the format in which the console prints them.
 #include "reports/TextReport.h"
 
 #include <ostream>

@@ -1,4 +1,4 @@
-// `zev show`: the state that an object has after the first walk under the rules, or a part of it.
+// `zev show`: prints the state of an object after the first walk under the rules, or a part of it.
 #include "show/ShowCommand.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ struct ShowOptions {
   std::string item;
 };
 
-/// Whether the state holds an object at the path, or could: something is there, below it, or potential.
+/// Whether there is an object at the path, or something below it, or something potential.
 bool isObject(ProvisionalTDF const& state, std::string const& path) {
   ModelState const& active = state.getActiveTDFState();
   auto const found = active.lower_bound(path);
@@ -61,7 +61,7 @@ int show(ShowOptions const& options, std::ostream& out, std::ostream& err) {
   try {
     path = TDFPath(options.item);
   } catch (Error const& error) {
-    throw Failure(error.getMessage() + "; give the path of an object or of a parameter");
+    throw Failure(error.getMessage() + "; give the path of an object or a parameter");
   }
   if (path.size() == 0 || !path.isSingleton() || isObject(object.state(), path.getFullPath())) {
     printer.printObjectState(path.getFullPath());
@@ -75,25 +75,26 @@ int show(ShowOptions const& options, std::ostream& out, std::ostream& err) {
 
 void addShowCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ShowOptions>();
-  CLI::App* command = app.add_subcommand("show", "Show what the rules make of an object");
-  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+  CLI::App* command = app.add_subcommand("show", "Show an object as the rules complete it");
+  command
+      ->add_option("--rules", options->rules,
+                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
       ->type_name("PATH")
       ->allow_extra_args(false)
       ->required();
-  command->add_option("--model", options->model, "A file of model text; - is the standard input")
+  command->add_option("--model", options->model, "A file with model text; - is the standard input")
       ->type_name("FILE")
       ->required();
   command->add_option("--root", options->root, "The object to show, with everything below it")
       ->type_name("OBJECT")
       ->required();
-  command
-      ->add_option("ITEM", options->item, "The path of an object or a parameter at or below the root: show only that")
+  command->add_option("ITEM", options->item, "An object or a parameter at or below the root: show only this")
       ->type_name("");
   command->footer(
-      "The object is shown as it stands after one walk under the rules: with the defaults of what is required, and\n"
-      "without what is not available. Shown whole, it is model text that can be loaded again. Of an ITEM that is an\n"
-      "object its parameters are shown, and what \"zev console\" could activate in it; of a parameter its value, and\n"
-      "the values that are allowed.\n"
+      "The object is shown as it is after one walk under the rules: required items have their defaults, and items\n"
+      "that are not available are gone. Without an ITEM, the output is model text that can be loaded again. For an\n"
+      "ITEM that is an object, the output is its parameters and what \"zev console\" could activate in it; for a\n"
+      "parameter, its value and the allowed values.\n"
       "Examples: zev show --rules flow.rules.yaml --model pump.tdf --root /Case/Domain:rotor\n"
       "          zev show --rules rules/ --model pump.tdf --root /Case /Case/Domain:rotor/Material\n"
       "Exit status: 0, or 2 for wrong usage or a file that could not be read.");

@@ -1,7 +1,7 @@
-// `zev validate`: has each model read and judged on one of several threads, and reports in the order of the models from
-// one thread, as soon as the findings of the next one are there: what a long run finds comes as it is made, only the
-// models that are being judged are in memory, and nobody can tell from the output how many threads there were. A model
-// that cannot be read is told and does not keep the others from being judged.
+// `zev validate`: several threads read and judge the models. One thread reports the findings, in the order of the
+// models, as soon as the next ones are ready. So a long run prints its findings while it works, only the models that
+// are being judged are in memory, and the output does not depend on the number of threads. A model that cannot be read
+// is reported, and the others are still judged.
 #include "validate/ValidateCommand.h"
 
 #include <algorithm>
@@ -75,15 +75,15 @@ session::Findings judgeModel(session::ModelJudge const& judge, std::string const
   } catch (Failure const& failure) {
     throw Failure(name + ": " + failure.what());
   } catch (Error const& error) {
-    throw Failure(name + ": the validation broke off: " + error.getMessage());
+    throw Failure(name + ": the validation stopped: " + error.getMessage());
   } catch (std::bad_alloc const&) {
-    throw Failure(name + ": the memory does not suffice for this model");
+    throw Failure(name + ": there is not enough memory for this model");
   }
 }
 
 int validate(ValidateOptions const& options, std::ostream& out, std::ostream& err) {
   if (std::count(options.models.begin(), options.models.end(), "-") > 1) {
-    throw Failure("\"-\" is given twice, but the standard input can be read once; give it once");
+    throw Failure("\"-\" is given twice, but the standard input can be read only once; give it once");
   }
   std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
   session::JudgeOptions judgeOptions = options.judge;
@@ -122,42 +122,44 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ValidateOptions>();
   auto phases = std::make_shared<std::string>("all");
   auto format = std::make_shared<std::string>("text");
-  CLI::App* command = app.add_subcommand("validate", "Tell what is wrong in models");
-  command->add_option("--rules", options->rules, "Rule files, and folders of *.rules.yaml; they make one rule database")
+  CLI::App* command = app.add_subcommand("validate", "Find what is wrong in models");
+  command
+      ->add_option("--rules", options->rules,
+                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
       ->type_name("PATH")
       ->allow_extra_args(false)
       ->required();
   command
       ->add_option("--root", options->judge.roots,
-                   "Look only at these objects and below; without it, at all that the rules look at")
+                   "Judge only these objects and everything below; default: all that the rules look at")
       ->type_name("OBJECT")
       ->allow_extra_args(false);
   command
       ->add_option("--phase", *phases,
-                   "What to check: dependency, each object by itself; global, the model as a whole; without it, all")
+                   "dependency, each object by itself; global, the model as a whole; or all, the default")
       ->type_name("dependency|global|all")
       ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
   command->add_flag("--only-validator", options->judge.onlyValidator,
-                    "Tell neither names that the rules do not know nor values of the wrong type or out of bounds");
-  command->add_option("--format", *format, "text, blocks for people, or json, a line for each model; without it, text")
+                    "Do not report unknown names, values of the wrong type and values out of bounds");
+  command->add_option("--format", *format, "text, blocks for people, the default; or json, one line for each model")
       ->type_name("text|json")
       ->check(CLI::IsMember({"text", "json"}).description(""));
   command
-      ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; without it, as many as there are cores")
+      ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; default: the number of processor cores")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));
-  command->add_option("MODEL", options->models, "Files of model text; - is the standard input")
+  command->add_option("MODEL", options->models, "Files with model text; - is the standard input")
       ->type_name("")
       ->required();
   command->footer(
-      "A model is text, a line for each parameter, or nested blocks as \"zev show\" prints them:\n"
+      "A model is text: one line for each parameter, or nested blocks as \"zev show\" prints them.\n"
       "          /Case/Domain:rotor/Material=Water\n"
-      "One with a malformed line gets no verdict: the line is told instead.\n"
+      "A model with a malformed line is not judged; the line is reported instead.\n"
       "Examples: zev validate --rules flow.rules.yaml pump.tdf fan.tdf\n"
       "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.tdf\n"
-      "Findings go to the standard output, one line that sums them up goes to the standard error.\n"
-      "Behind --rules every further *.yaml, and every folder with *.rules.yaml, belongs to the rules; behind --root\n"
-      "what begins with / and is no file is an object. The last argument is a MODEL when there is no other.\n"
+      "Findings go to the standard output, and one line that sums them up to the standard error.\n"
+      "After --rules, every further *.yaml and every folder with *.rules.yaml belongs to the rules. After --root, an\n"
+      "argument that begins with / and is not a file is an object. The last argument is a MODEL if there is no other.\n"
       "Exit status: 0 nothing found, 1 findings, 2 wrong usage or a file that could not be read.");
   command->callback([options, phases, format, &chosen] {
     static std::map<std::string, PhysicsValidator2::ValType> const phaseOf = {

@@ -1,5 +1,5 @@
-// The base of the family's exceptions, and the few kinds that the helpers of this layer throw themselves. The texts are
-// composed when they are asked for: most errors are caught for their bare message.
+// The base of the family's exceptions, and the few exceptions that this layer throws itself. The texts are composed on
+// demand, because most handlers use only the bare message.
 #include <tarn/Error.h>
 
 #include <ostream>
@@ -42,7 +42,7 @@ std::string Error::errorMessage() const {
     if (!className_.empty() && !method_.empty()) text += "::";
     text += method_;
   }
-  // Asked for virtually, so that a derived error that words its message itself is composed with that wording.
+  // A virtual call, so that the composed text contains the message of a derived error that words it itself.
   std::string const message = getMessage();
   if (!text.empty() && !message.empty()) text += ": ";
   return text + message;

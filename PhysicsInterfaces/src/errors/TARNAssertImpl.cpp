@@ -1,5 +1,5 @@
-// The one way in which the family reports that a promise of its own code does not hold. It throws: a host with unsaved
-// work decides itself what to do, and the console tool shows the error and goes on.
+// Reports that an assumption of the family's own code does not hold. It throws, so a host with unsaved work can decide
+// what to do. The console tool shows the error and continues.
 #include <tarn/TARNAssertImpl.h>
 
 #include <tarn/Error.h>

@@ -1,5 +1,4 @@
-// Where measurements go: one sink a thread, so that a host that measures one thread hears nothing of the others and no
-// lock is needed.
+// Each thread has its own sink. So a host that measures one thread gets nothing from the others, and no lock is needed.
 #include <tarn/MeasurementSink.h>
 
 namespace tarn {

@@ -1,4 +1,4 @@
-// Measures an operation and its sections. Without a sink nothing is copied and no clock is read, so timers may stand in
+// Measures an operation and its sections. Without a sink nothing is copied and no clock is read, so timers are cheap in
 // code that is called often.
 #include <tarn/OperationTimer.h>
 
@@ -11,14 +11,14 @@ OperationTimer::OperationTimer(std::string const& name) : sink_(MeasurementSink:
 }
 
 OperationTimer::~OperationTimer() {
-  // A sink that was replaced may be gone by now.
+  // A sink that was replaced may have been destroyed.
   if (!sink_ || sink_ != MeasurementSink::get()) return;
   auto const now = Clock::now();
   try {
     endSection(now);
     sink_->operationEnded(name_, now - start_, sections_);
   } catch (...) {
-    // Nothing may leave a destructor. What is lost is a measurement, not a result.
+    // A destructor must not throw. Only a measurement is lost.
   }
 }
 

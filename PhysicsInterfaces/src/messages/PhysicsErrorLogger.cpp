@@ -1,5 +1,5 @@
-// The home of the logger interface's virtual table, so that every library of the family sees one and the same type.
-// A logger that keeps its findings in memory comes with the validator.
+// Defines the destructor here, so that there is one virtual table and every library of the family sees the same type.
+// The validator's library has a logger that keeps its findings in memory.
 #include <tarn/PhysicsErrorLogger.h>
 
 namespace tarn {

@@ -1,5 +1,4 @@
-// A finding is a fault unless it is told otherwise; only beta messages name a level.
-// Texts are made elsewhere: this is the record that carries them to a logger.
+// A finding is a fault by default; only beta messages have another level. The sentences are made elsewhere.
 #include <tarn/PhysicsErrorMsg.h>
 
 namespace tarn {

@@ -1,10 +1,10 @@
-// Fills the tokens %1 to %9 of a message, one value after the other. The rule is: look for the token from the front,
-// replace two characters by the value, look again from the front, until there is none.
+// Fills the tokens %1 to %9 of a message, one value after the other. The rule is: search the token from the front,
+// replace its two characters by the value, and search again from the front, until there is no token.
 //
-// Where replacing comes to an end, its result does not depend on which token is replaced first: two tokens never
-// overlap. So the text is walked once from left to right, on a stack of parts still to come, and a token is replaced as
-// soon as its last character has gone to the result; one that arises across the border of a value is seen as well.
-// Where replacing has no end, only the tokens that stood in the text at first are replaced.
+// If replacing ends, the result does not depend on the order of the replacements, because two tokens never overlap. So
+// the text is read once from left to right, with a stack of the parts still to read. A token is replaced as soon as its
+// last character is in the result. This also finds a token that arises across the border of a value. If replacing would
+// not end, only the tokens of the original text are replaced.
 #include <tarn/UserMsg.h>
 
 #include <iostream>
@@ -17,8 +17,8 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t replacedLength = 2;
-// What tokens that arise while replacing may add, in bytes, before replacing is taken for endless. No message for a
-// reader comes near it.
+// The number of bytes that tokens which arise while replacing may add before replacing counts as endless. No message
+// for a reader is that long.
 constexpr std::size_t addedLimit = std::size_t{1} << 18;
 
 std::size_t count(std::string_view text, std::string_view token) {
@@ -39,8 +39,8 @@ std::string replaceOnce(std::string_view text, std::string_view token, std::stri
   }
 }
 
-// Whether what replaces a token can go on making tokens without using up the text: it joins with what is before it and
-// with what is behind it. A shorter replacement cannot, since the text shrinks.
+// Whether the replacement of a token can make new tokens without end, by joining with the text before and after it. A
+// shorter replacement cannot, because the text shrinks.
 bool mayBeEndless(std::string_view replacement, std::string_view token) {
   if (replacement.size() < token.size()) return false;
   bool joinsLeft = false;
@@ -52,10 +52,10 @@ bool mayBeEndless(std::string_view replacement, std::string_view token) {
   return joinsLeft && joinsRight;
 }
 
-// The text with the token replaced until there is none; nothing when that has no end.
+// The text with all tokens replaced, or nothing if replacing would not end.
 std::optional<std::string> replaceAll(std::string_view text, std::string_view token, std::string_view value,
                                       std::size_t tokens) {
-  std::string_view const kept = token.substr(replacedLength);  // of a token of three characters the last one stays
+  std::string_view const kept = token.substr(replacedLength);  // the last of three characters stays
   std::string const replacement = std::string(value).append(kept);
   if (replacement.find(token) != std::string::npos) return std::nullopt;
   std::size_t allowed = std::string_view::npos;

@@ -1,5 +1,5 @@
-// The home of the model interface's virtual table, so that every library of the family sees one and the same type.
-// The models themselves are made by those who derive from it.
+// Defines the destructor here, so that there is one virtual table and every library of the family sees the same type.
+// Models derive from the interface elsewhere.
 #include <tarn/ModelTDF.h>
 
 namespace tarn {

@@ -1,5 +1,5 @@
-// The grammar of a single line of model text. Which blocks are open is not known here, so a path is not checked either:
-// the reader has mostly seen it in the line before.
+// The grammar of a single line of model text. The open blocks are not known here. A path is not checked here either,
+// because most lines have the same path as the line before.
 #include "model/ModelTextLine.h"
 
 #include <tarn/StringUtilities.h>
@@ -20,7 +20,7 @@ BlockLabel labelOf(std::string_view text) noexcept {
   return {trimmed(text.substr(0, colon)), trimmed(text.substr(colon + 1))};
 }
 
-// What stands behind "END #", or a view without data when the text is no such line.
+// The text after "END #", or a view without data if the line is not an END.
 std::string_view behindEnd(std::string_view text) noexcept {
   if (!text.starts_with("END")) return {};
   std::string_view const rest = trimmed(text.substr(3));

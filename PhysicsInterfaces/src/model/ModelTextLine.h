@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// Type and name of a block as its opening line and its `END` give them. A name that equals the type is no name.
+/// Type and name of a block as its opening line and its `END` give them. A name that equals the type counts as no name.
 struct BlockLabel {
   std::string_view type;
   std::string_view name;
@@ -17,7 +17,7 @@ struct BlockLabel {
   friend bool operator==(BlockLabel const& a, BlockLabel const& b) noexcept;
 };
 
-/// One line of model text, taken apart without a look at the lines around it. All views point into the line.
+/// The parts of one line of model text, without regard to the other lines. All views point into the line.
 struct ModelTextLine {
   enum class Kind { Blank, Item, Parameter, Opening, End, Other };
 

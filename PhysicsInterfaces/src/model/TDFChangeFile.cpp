@@ -1,10 +1,10 @@
-// Reads model text: splits it into lines, keeps the blocks that are open, and gathers the items. All views point into
-// the one buffer of a file, and the path of an item is parsed only when it is not that of the item before, which makes
-// reading a matter of some hundred nanoseconds a line. The grammar of a line is not here.
+// Reads model text: splits it into lines, keeps the open blocks, and collects the items. All views point into the one
+// buffer of a file. The path of an item is parsed only if it differs from that of the item before. So a line takes a
+// few hundred nanoseconds. The grammar of a line is in ModelTextLine.
 //
-// Lenient reading goes on after a fault. For that it must know which opening line belongs to which `END`;
-// `BlockMatching` finds out in a second look at the text, which is taken at the first fault that asks for it and never
-// in good text.
+// Lenient reading continues after a fault. It must then know which opening line belongs to which `END`. `BlockMatching`
+// finds that out in a second pass over the text. The pass is made at the first fault that needs it, and never for good
+// text.
 #include <tarn/TDFChangeFile.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ using path_syntax::shown;
                   std::string("cannot ") + what + ' ' + name + ": " + std::generic_category().message(error));
 }
 
-// Everything that `take(buffer, size)` gives until it gives less than was asked for.
+// All data that `take(buffer, size)` returns, until it returns less than `size`.
 template <typename Take>
 std::string readToEnd(Take take) {
   std::string text;
@@ -65,7 +65,7 @@ std::string readStandardInput() {
       return static_cast<std::size_t>(std::cin.rdbuf()->sgetn(buffer, static_cast<std::streamsize>(size)));
     });
     failed = std::ferror(stdin) != 0;
-  } catch (std::ios_base::failure const&) {  // from a stream that does not share the buffer of C
+  } catch (std::ios_base::failure const&) {  // a stream that is not synchronised with C
     failed = true;
   }
   if (failed) failToRead("read", "the standard input", errno ? errno : EIO);
@@ -108,13 +108,13 @@ class Lines {
   std::size_t number_ = 0;
 };
 
-// Whether the line opens a block or, at fault as it is, seems to be meant to.
+// Whether the line opens a block, or is a malformed line that seems to be meant to.
 bool seemsToOpen(ModelTextLine const& line) noexcept {
   return line.kind == Kind::Opening || (line.kind == Kind::Parameter && line.label.type.data());
 }
 
-// Which `END` belongs to which opening line: to the innermost one of its type and name that is still open. What was
-// opened within and not closed is passed over.
+// Finds which `END` belongs to which opening line: the innermost open one of its type and name. Blocks that were opened
+// within it and not closed are skipped.
 class BlockMatching {
  public:
   explicit BlockMatching(std::string_view text) {
@@ -147,7 +147,7 @@ class BlockMatching {
     }
   }
 
-  /// Of an `END` the line that opened its block, of an opening line the line that closes it; 0 when there is none.
+  /// For an `END`, the line that opened its block. For an opening line, the line that closes it. 0 if there is none.
   [[nodiscard]] std::size_t partner(std::size_t line) const noexcept { return partner_[line]; }
 
  private:
@@ -187,8 +187,8 @@ class Reader {
     std::size_t number;
     std::size_t indent;
     std::size_t outerPathSize;
-    bool skipped;                      // there is no place for what it holds
-    bool holdsSomething = false;       // a parameter or a block
+    bool skipped;                      // its content is skipped
+    bool holdsSomething = false;       // it contains a parameter or a block
     std::optional<TDFPath> path = {};  // parsed when the first item asks for it
   };
 
@@ -267,8 +267,8 @@ class Reader {
     }
   }
 
-  // An opening line that is at fault. When its block is closed further on, what stands between has no place; when not,
-  // the line was not meant to open anything.
+  // A malformed opening line. If its block is closed later, the lines between are skipped. If not, the line was not
+  // meant to open a block.
   void openFaulty(ModelTextLine const& line) {
     if (matching().partner(number_) != 0) push(line, true);
   }
@@ -295,7 +295,7 @@ class Reader {
     }
   }
 
-  // Lenient only: an `END` that is not the one of the innermost block.
+  // Lenient mode only: an `END` that does not belong to the innermost block.
   void closeOutOfTurn(ModelTextLine const& line) {
     std::size_t const opened = matching().partner(number_);
     auto const target = std::lower_bound(open_.begin(), open_.end(), opened,
@@ -317,7 +317,7 @@ class Reader {
     open_.pop_back();
   }
 
-  // `block` is the innermost one, so `path_` is its path.
+  // `block` is the innermost block, so `path_` is its path.
   TDFPath const& pathOf(Block& block) {
     if (!block.path) block.path.emplace(path_);
     return *block.path;
@@ -336,7 +336,7 @@ class Reader {
     return {};
   }
 
-  // Strict reading ends here.
+  // Strict mode stops here.
   void tell(std::string const& reason, std::size_t offset) const {
     std::size_t column = 1;
     for (char const c : line_.substr(0, offset)) column += (static_cast<unsigned char>(c) & 0xC0u) == 0x80u ? 0 : 1;
@@ -360,8 +360,8 @@ class Reader {
   std::string_view line_;
   std::size_t number_ = 0;
   std::vector<Block> open_;
-  std::string path_;               // of the innermost open block, but for those that are skipped
-  std::string_view lastPathText_;  // of the item before, and what was made of it
+  std::string path_;               // of the innermost open block that is not skipped
+  std::string_view lastPathText_;  // the path text of the previous item, and its parsed path
   TDFPath lastPath_;
   std::optional<BlockMatching> matching_;
   std::vector<TDFChange>& items_;
@@ -396,7 +396,7 @@ ModelState TDFChangeFile::toModelState() const {
   std::string const* path = nullptr;
   ObjectState* object = nullptr;
   for (TDFChange const& item : items_) {
-    // Items of one object mostly follow each other.
+    // Most items of one object are adjacent.
     if (!path || *path != item.getFullPath()) {
       path = &item.getFullPath();
       object = &state[*path];

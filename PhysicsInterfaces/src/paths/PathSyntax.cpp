@@ -1,5 +1,5 @@
-// The grammar of object paths, apart from what is made of them: one look from left to right that knows the place of the
-// first fault, for `TDFPath`, for `TDFChange` and for the columns that `TDFChangeFile` tells.
+// The grammar of object paths: one pass from left to right that finds the position of the first fault. `TDFPath` and
+// `TDFChange` use it, and `TDFChangeFile` for the columns in its messages.
 #include "paths/PathSyntax.h"
 
 namespace tarn::path_syntax {
@@ -28,7 +28,7 @@ Fault findFault(std::string_view path) noexcept {
     if (colon != std::string_view::npos) {
       std::size_t const second = component.find(':', colon + 1);
       if (second != std::string_view::npos) return {"a component of the path holds a second \":\"", begin + second};
-      if (colon + 1 == component.size()) return {"the name behind \":\" is missing", begin + colon};
+      if (colon + 1 == component.size()) return {"the name after \":\" is missing", begin + colon};
     }
     if (end == std::string_view::npos) return {};
     begin = end + 1;

@@ -6,7 +6,7 @@
 
 namespace tarn::path_syntax {
 
-/// What is wrong with a text, and where. No fault when `reason` is null.
+/// What is wrong with a text, and at which position. There is no fault if `reason` is null.
 struct Fault {
   char const* reason = nullptr;
   std::size_t offset = 0;  // in bytes from the start of the text
@@ -14,7 +14,7 @@ struct Fault {
   explicit operator bool() const noexcept { return reason != nullptr; }
 };
 
-/// The first fault of a path that is not the root; so "" and "/" are at fault here.
+/// The first fault of a path that is not the root. So "" and "/" are faults here.
 [[nodiscard]] Fault findFault(std::string_view path) noexcept;
 
 /// `text` between double quotes for a message: cut in the middle when it is long, control characters shown as "?".

@@ -1,4 +1,4 @@
-// Order and division of path strings, straight on the characters: these run inside the comparisons of sorted stores, so
+// Compares and splits path strings character by character. Sorted containers call these for every comparison, so
 // nothing is parsed and nothing allocated.
 #include <tarn/PathUtils.h>
 
@@ -11,9 +11,9 @@ std::string const nameSeparator = ":";
 
 namespace {
 
-// The place of a character among those that may stand at the first difference of two paths. With the end of the path
-// before "/", "/" before ":" and ":" before all others, comparing characters is comparing components: a type or a name
-// that ends here is a prefix of the one that goes on, and a component without a name comes before one with.
+// The rank of a character at the first difference of two paths. The end of the path comes before "/", "/" before ":",
+// and ":" before all others. With this order, comparing characters is the same as comparing components: a type or name
+// that ends here is a prefix of the longer one, and a component without a name comes before one with a name.
 int rankAt(std::string const& path, std::size_t i) noexcept {
   if (i == path.size()) return 0;
   char const c = path[i];

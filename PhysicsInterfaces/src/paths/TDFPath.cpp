@@ -1,5 +1,5 @@
-// A parsed path is an immutable body that copies share; a change of name makes a new one. A component keeps a name only
-// when it has one of its own, so that a long path costs little more than its text.
+// A parsed path is an immutable body that copies share. Changing a name makes a new body. A component stores a name
+// only if it has one of its own, so a long path takes little more memory than its text.
 #include <tarn/TDFPath.h>
 
 #include <algorithm>

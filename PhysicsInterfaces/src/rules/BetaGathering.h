@@ -6,8 +6,8 @@
 
 namespace tarn {
 
-/// Where the beta messages of an evaluation go: to the controller of the evaluation, else to the one that is attached
-/// to the database, else nowhere (null).
+/// The controller that collects the beta messages of an evaluation: that of the evaluation, otherwise the one that is
+/// attached to the database, otherwise null.
 inline BetaLoggingController* betaTarget(EvalContext const* evalContext, PhysicsData const* data) noexcept {
   if (evalContext != nullptr && evalContext->getBetaLoggingController() != nullptr) {
     return evalContext->getBetaLoggingController();

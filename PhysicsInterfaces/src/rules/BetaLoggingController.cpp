@@ -1,4 +1,4 @@
-// The messages are few and short-lived: a validator clears them after each rule, so plain ordered maps serve.
+// There are few messages, and a validator clears them after each rule. So plain ordered maps are fast enough.
 
 #include <tarn/BetaLoggingController.h>
 

@@ -39,7 +39,7 @@ bool ObjDependDef::addParam(ParamAvail entry) {
   auto owned = std::make_unique<ParamAvail>(std::move(entry));
   owned->data_ = data_;
   owned->valueDef_ = nullptr;
-  // Of the lists, what cannot be taken back comes last.
+  // The steps that cannot be undone come last.
   std::size_t const place = params_.size();
   params_.push_back(std::move(owned));
   ParamAvail const& added = *params_.back();

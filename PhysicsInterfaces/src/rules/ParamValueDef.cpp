@@ -1,5 +1,5 @@
-// What the value rules of a parameter come to in the present state of the model. The expressions themselves are opaque
-// here; this source holds how allowed values, checks, subset, defaults and overrides work together.
+// Evaluates the value rule of a parameter. The expressions are opaque here. This source defines how allowed values,
+// checks, subset, defaults and overrides work together.
 
 #include <tarn/ParamValueDef.h>
 
@@ -49,7 +49,7 @@ ParamAllowedValues ParamValueDef::evaluateAllowedValues(ModelRules const* rules,
   result.allowsAnyValue = allowsAnyValue;
   result.allowedValues = allowedValues->evaluate(context, evalContext);
 
-  // The list is shared as it is unless something is really taken from it.
+  // The list is copied only if a value is removed from it.
   if (!allowedValueChecks.empty() || !unusedValues.empty()) {
     std::vector<std::string_view> withdrawn;
     for (auto const& [value, check] : allowedValueChecks) {

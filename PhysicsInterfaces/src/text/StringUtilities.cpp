@@ -1,4 +1,4 @@
-// Small text helpers that the whole family shares. None of them depends on the locale of the process.
+// Small text helpers. None depends on the locale of the process.
 #include <tarn/StringUtilities.h>
 
 #include <algorithm>
@@ -8,17 +8,17 @@ namespace tarn::StringUtilities {
 
 namespace {
 
-// Longer texts are no slips of a key; the distance costs the product of the lengths.
+// Longer texts are not misspelt names. The distance takes the product of the lengths.
 constexpr std::size_t longestSlip = 200;
 
-// How many slips a text of this length may hold and still be recognised.
+// How many wrong characters a text of this length may have and still be recognised.
 std::size_t slipLimit(std::size_t length) noexcept {
   std::size_t const bySize = length <= 4 ? 1 : length <= 8 ? 2 : 3;
   return std::min(bySize, length / 3);
 }
 
-// The number of insertions, deletions, replacements and swaps of neighbours that lead from `a` to `b`, or `limit` + 1
-// as soon as it is known to be above `limit`.
+// The number of insertions, deletions, replacements and swaps of neighbours that change `a` into `b`, or `limit` + 1 as
+// soon as it is certain to exceed `limit`.
 std::size_t editDistance(std::string_view a, std::string_view b, std::size_t limit) {
   std::vector<std::size_t> beforeLast(b.size() + 1);
   std::vector<std::size_t> last(b.size() + 1);
@@ -35,8 +35,8 @@ std::size_t editDistance(std::string_view a, std::string_view b, std::size_t lim
       }
       least = std::min(least, row[j]);
     }
-    // A later row builds on this one, or on the one before through a swap, which costs one more than what it builds on
-    // there; no cell of the last row can then be lower than the least of these two.
+    // A later row depends on this row, or through a swap, which costs one more, on the row before. So no cell of the
+    // last row can be less than the least of these two.
     if (least > limit && *std::min_element(last.begin(), last.end()) >= limit) return limit + 1;
     std::swap(beforeLast, last);
     std::swap(last, row);
@@ -44,7 +44,7 @@ std::size_t editDistance(std::string_view a, std::string_view b, std::size_t lim
   return std::min(last[b.size()], limit + 1);
 }
 
-// Calls `take` with each item of `text`; an empty text has none, otherwise every delimiter divides.
+// Calls `take` with each item of `text`. An empty text has no items; otherwise every delimiter separates two.
 template <typename Take>
 void forEachItem(std::string_view text, char delimiter, Take take) {
   if (text.empty()) return;
@@ -72,7 +72,7 @@ bool leadingSubstrEqual(std::string const& a, std::string const& b, unsigned lon
 
 void splitPathName(std::string const& paramPath, std::string* objPath, std::string* name) {
   std::size_t const slash = paramPath.rfind('/');
-  // Both parts are taken before either is written: a caller may divide a text into itself.
+  // Copy both parts before writing either: a result may be the text itself.
   std::string before = slash == std::string::npos ? std::string() : paramPath.substr(0, slash);
   std::string behind = slash == std::string::npos ? paramPath : paramPath.substr(slash + 1);
   if (objPath) *objPath = std::move(before);
@@ -145,13 +145,13 @@ std::string nearMatch(std::string_view text, std::vector<std::string> const& can
   std::string const* nearest = nullptr;
   std::size_t limit = slipLimit(text.size());
   for (std::string const& candidate : candidates) {
-    if (limit == 0) break;  // nothing can be nearer than what was found
+    if (limit == 0) break;  // no candidate can be nearer
     auto const [shorter, longer] = std::minmax({candidate.size(), text.size()});
     if (longer - shorter > limit || candidate == text) continue;
     std::size_t const distance = editDistance(text, candidate, limit);
     if (distance > limit) continue;
     nearest = &candidate;
-    limit = distance - 1;  // only a nearer one replaces it, so the first of several stands
+    limit = distance - 1;  // only a nearer one replaces it, so the first of several counts
   }
   return nearest ? *nearest : std::string();
 }

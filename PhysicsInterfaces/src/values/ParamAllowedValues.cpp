@@ -1,4 +1,4 @@
-// Questions about evaluated allowed values. How they are evaluated from rules is not here.
+// Queries on evaluated allowed values. ParamValueDef evaluates them.
 #include <tarn/ParamAllowedValues.h>
 
 #include <utility>

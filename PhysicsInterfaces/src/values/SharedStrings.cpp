@@ -1,6 +1,6 @@
-// An immutable list of texts behind one shared body. A long list gets an index at the first question for an item. Two
-// threads may ask first at once: each makes an index, one of them is kept by compare-exchange, the other one is dropped
-// again, and whoever reads the pointer sees a finished index.
+// An immutable list of strings with one shared body. A long list gets an index at the first call of `contains`. If two
+// threads make that call at once, each makes an index. A compare-exchange keeps one of them, and the other is deleted.
+// A thread that reads the pointer always sees a complete index.
 #include <tarn/SharedStrings.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using Index = std::unordered_set<std::string_view>;
 
-// Up to here comparing lengths and bytes one after the other is quicker than hashing the question.
+// Up to this size, comparing the items one by one is faster than hashing.
 constexpr std::size_t searchedItems = 16;
 
 }  // namespace
@@ -36,7 +36,8 @@ struct SharedStrings::Body {
   }
 
   std::vector<std::string> const items;
-  mutable std::atomic<Index const*> index{nullptr};  // null until the first question; the views point into `items`
+  mutable std::atomic<Index const*> index{
+      nullptr};  // null until the first call of `contains`; its views point into `items`
 };
 
 SharedStrings::SharedStrings(std::vector<std::string> items)

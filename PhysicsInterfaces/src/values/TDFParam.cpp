@@ -1,5 +1,5 @@
-// What the texts of parameter values mean. Nothing here depends on the locale, and numbers and quantities are read
-// without an allocation: they are read for every bound and every comparison.
+// Reads the texts of parameter values. Nothing depends on the locale. Numbers and quantities are read without
+// allocation, because every bound and every comparison reads them.
 #include <tarn/TDFParam.h>
 
 #include <array>
@@ -23,14 +23,14 @@ bool isDigit(char c) noexcept {
   return c >= '0' && c <= '9';
 }
 
-// The parts of a decimal number: [sign] digits [. digits] [e [sign] digits], with a digit before or behind the point.
+// The parts of a decimal number: [sign] digits [. digits] [e [sign] digits], with a digit before or after the point.
 struct Decimal {
   bool negative = false;
   std::string_view whole;
   std::string_view fraction;
   bool negativeExponent = false;
   std::string_view exponent;
-  std::string_view unsignedText;  // all but the sign
+  std::string_view unsignedText;  // without the sign
 };
 
 std::string_view takeDigits(std::string_view& text) noexcept {
@@ -41,7 +41,7 @@ std::string_view takeDigits(std::string_view& text) noexcept {
   return digits;
 }
 
-// Takes a sign off the front; returns whether it was a minus.
+// Removes a sign from the front. Returns whether it was a minus.
 bool takeSign(std::string_view& text) noexcept {
   bool const negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text.remove_prefix(1);
@@ -68,8 +68,8 @@ std::optional<Decimal> parseDecimal(std::string_view text) noexcept {
   return number;
 }
 
-// Whether a number that is out of the range of a double is too large, not too small: the power of ten of its first
-// digit that counts tells.
+// Whether a number outside the range of a double is too large rather than too small. The power of ten of its first
+// non-zero digit decides.
 bool isTooLarge(Decimal const& number) noexcept {
   long long power = 0;
   if (std::size_t const first = number.whole.find_first_not_of('0'); first != std::string_view::npos) {
@@ -79,7 +79,7 @@ bool isTooLarge(Decimal const& number) noexcept {
   } else {
     return false;
   }
-  constexpr long long farOut = 1'000'000'000'000'000;  // beyond the length of any text
+  constexpr long long farOut = 1'000'000'000'000'000;  // more than the length of any text
   long long exponent = 0;
   for (char const c : number.exponent) {
     if (exponent < farOut) exponent = exponent * 10 + (c - '0');
@@ -102,7 +102,7 @@ bool itemsEqual(TDFParam::Type type, std::string_view a, std::string_view b) noe
   return false;
 }
 
-// The items of a list, one after the other.
+// Iterates over the items of a list.
 class Items {
  public:
   explicit Items(std::string_view text) noexcept : rest_(text), done_(text.empty()) {}
@@ -168,7 +168,7 @@ std::pair<float, bool> TDFParam::valueAsFloat(std::string const& value, std::str
     units.clear();
     return {0.0F, false};
   }
-  // Taken first: a caller may hand in the value itself as one of the two results.
+  // Copy first: one of the two results may be the value itself.
   std::string numberText(quantity->numberText);
   std::string unitsText(quantity->units);
   auto const result = static_cast<float>(quantity->number);
@@ -184,7 +184,8 @@ std::optional<double> TDFParam::asNumber(std::string_view text) noexcept {
   double number = 0;
   std::errc const status = std::from_chars(digits.data(), digits.data() + digits.size(), number).ec;
   if (status == std::errc::result_out_of_range) {
-    // The reader does not say which end of the range was left. Below it `strtod` gives zero.
+    // `from_chars` does not say at which end the number is out of range. For a number that is too small `strtod` gives
+    // 0.
     if (isTooLarge(*decimal)) return std::nullopt;
     number = 0;
   } else if (status != std::errc()) {

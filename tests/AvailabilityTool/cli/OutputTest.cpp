@@ -58,7 +58,7 @@ std::string failureOf(std::ostream& out) {
   }
 }
 
-std::string const remedy = "; let its reader read to the end, or write to a file on a disk that has room";
+std::string const remedy = "; let its reader read to the end, or write to a file on a disk with free space";
 
 TEST(WriteErrors, WhatIsWrittenArrives) {
   Disk disk(100);

@@ -258,7 +258,7 @@ TEST(TDFChangeFile, TellsEveryFaultOfALineWithItsPlace) {
            Row{"//A=1", "2:1: a component of the path is empty"},
            Row{"/Case//A=1", "2:6: a component of the path is empty"},
            Row{"/Case//", "2:6: a component of the path is empty"},
-           Row{"/Case/Domain:/A=1", "2:13: the name behind \":\" is missing"},
+           Row{"/Case/Domain:/A=1", "2:13: the name after \":\" is missing"},
            Row{"/Case/:rotor/A=1", "2:7: the type before \":\" is missing"},
            Row{"/Case/Domain:a:b/A=1", "2:15: a component of the path holds a second \":\""},
            Row{"/\xC3\x84/\xC3\x96:a:b/A=1", "2:7: a component of the path holds a second \":\""},

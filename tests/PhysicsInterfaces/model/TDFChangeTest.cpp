@@ -59,8 +59,8 @@ TEST(TDFChange, RefusesWhatIsNoChangeAndSaysWhy) {
            Row{"/A//B=1", "a component of the path is empty"},
            Row{"/A//", "a component of the path is empty"},
            Row{"/:x/B=1", "the type before \":\" is missing"},
-           Row{"/A:/B=1", "the name behind \":\" is missing"},
-           Row{"/A:/", "the name behind \":\" is missing"},
+           Row{"/A:/B=1", "the name after \":\" is missing"},
+           Row{"/A:/", "the name after \":\" is missing"},
            Row{"/A:x:y/B=1", "a component of the path holds a second \":\""},
        }) {
     std::string message;

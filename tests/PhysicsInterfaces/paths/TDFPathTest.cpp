@@ -162,8 +162,8 @@ TEST(TDFPath, RefusesWhatIsNoPathAndSaysWhy) {
            Row{"//Case", "\"//Case\" is not a path: a component of the path is empty"},
            Row{"/:rotor", "\"/:rotor\" is not a path: the type before \":\" is missing"},
            Row{"/:", "\"/:\" is not a path: the type before \":\" is missing"},
-           Row{"/Domain:", "\"/Domain:\" is not a path: the name behind \":\" is missing"},
-           Row{"/Domain:/B", "\"/Domain:/B\" is not a path: the name behind \":\" is missing"},
+           Row{"/Domain:", "\"/Domain:\" is not a path: the name after \":\" is missing"},
+           Row{"/Domain:/B", "\"/Domain:/B\" is not a path: the name after \":\" is missing"},
            Row{"/Domain:a:b", "\"/Domain:a:b\" is not a path: a component of the path holds a second \":\""},
            Row{"/Domain::", "\"/Domain::\" is not a path: a component of the path holds a second \":\""},
        }) {
