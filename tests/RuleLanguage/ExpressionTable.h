@@ -81,7 +81,7 @@ class ExpressionTable : public testing::Test {
     for (std::size_t i = 0; i < table.size(); ++i) {
       auto const* def = data->getParamValueDef("/Case/Domain", "Case " + std::to_string(i), true);
       expectAlike(table[i], [&](EvalContext* evaluation) {
-        return listText(def->evaluateAllowedValues(data->getRules(), context_, evaluation).allowedValues);
+        return listText(def->evaluateAllowedValues(data->getRules(), context_, evaluation).allowedValues.vector());
       });
     }
   }

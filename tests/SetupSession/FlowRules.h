@@ -3,39 +3,17 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
-#include <utility>
 
-#include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
 #include <tarn/PhysicsData.h>
+#include <tarn/RuleLambdas.h>
 
 namespace tarn::session {
 
-/// Holds while the parameter of the object under judgement has the value.
-class HasValue final : public Condition {
- public:
-  HasValue(std::string name, std::string value) : name_(std::move(name)), value_(std::move(value)) {}
-  [[nodiscard]] bool evaluate(TDFContext const& context, EvalContext* evalContext) const override {
-    return evalContext->getDB()->getParameterValue(context.objPath(), name_) == value_;
-  }
-
- private:
-  std::string name_;
-  std::string value_;
-};
-
-/// The value of a parameter, as a bound that moves with the model.
-class ValueOf final : public TextExpression {
- public:
-  ValueOf(std::string path, std::string name) : path_(std::move(path)), name_(std::move(name)) {}
-  [[nodiscard]] std::string evaluate(TDFContext const&, EvalContext* evalContext) const override {
-    return evalContext->getDB()->getParameterValue(path_, name_);
-  }
-
- private:
-  std::string path_;
-  std::string name_;
-};
+/// The value of a parameter of one object, whichever object owns the rule.
+inline std::unique_ptr<TextExpression> valueOf(std::string const& path, std::string const& name) {
+  return lambda::text([=](TDFContext const&, ModelTDF const& model) { return model.getParameterValue(path, name); });
+}
 
 inline ParamAvail parameter(std::string const& name) {
   ParamAvail entry;

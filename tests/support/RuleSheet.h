@@ -93,7 +93,8 @@ struct ObjectSheet {
 template <typename Base, typename Result>
 class KeptByLook final : public Base {
  public:
-  KeptByLook(LookSheet look, RuleFunction<Result> function) : look_(std::move(look)), function_(std::move(function)) {}
+  KeptByLook(LookSheet look, lambda::Function<Result> function)
+      : look_(std::move(look)), function_(std::move(function)) {}
 
   [[nodiscard]] Result evaluate(TDFContext const& context, EvalContext* evalContext) const override {
     EvalCache* const cache = evalContext->getCache();
@@ -112,7 +113,7 @@ class KeptByLook final : public Base {
 
  private:
   LookSheet look_;
-  RuleFunction<Result> function_;
+  lambda::Function<Result> function_;
   mutable std::map<std::string, char> keys_;  // only their addresses count
 };
 

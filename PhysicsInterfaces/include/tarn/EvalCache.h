@@ -29,8 +29,8 @@ class TARN_EXPORT EvalCache {
   void enable(bool on) noexcept { enabled_ = on; }
   [[nodiscard]] bool isEnabled() const noexcept { return enabled_; }
 
-  /// The result that is stored for the expression at the address `rule`, or null. Always null while disabled. Valid until
-  /// `clear`, or as long as the cache.
+  /// The result that is stored for the expression at the address `rule`, or null. Always null while disabled. Valid
+  /// until `clear`, or as long as the cache.
   [[nodiscard]] Result const* find(void const* rule) const;
   /// Stores a result and returns it. While disabled, stores nothing and returns null.
   Result const* store(void const* rule, Result result);

@@ -89,6 +89,13 @@ TEST_F(PhysicsValidator2, TheNumbersOfPhasesAndResultsAreFixed) {
   EXPECT_EQ(static_cast<int>(Validator::ValAllErrors), 3);
 }
 
+TEST_F(PhysicsValidator2, PhasesAndResultsAreCombinedWithoutACast) {
+  Validator::ValType const phases = Validator::ValDependency | Validator::ValGlobal;
+  Validator::ValStatus const status = Validator::ValDependencyErrors | Validator::ValGlobalErrors;
+  EXPECT_EQ(phases, Validator::ValAll);
+  EXPECT_EQ(status, Validator::ValAllErrors);
+}
+
 // --- What is remembered ----------------------------------------------------------------------------------------------
 
 TEST_F(PhysicsValidator2, TheSameModelIsJudgedOnce) {

@@ -19,7 +19,7 @@ class RuleQuantityModifierTest : public testing::Test {
     EXPECT_TRUE(rules_.addQuantityType("Dimensionless", {}));
     ObjDependDef& inlet = rules_.addObject("/Case/Inlet");
     ParamValueDef flow = valueOfType(TDFParam::Real);
-    flow.quantityType = std::make_unique<ValueOf>("/Case/Inlet:hub", "Flow Is");
+    flow.quantityType = valueOf("/Case/Inlet:hub", "Flow Is");
     EXPECT_TRUE(inlet.addParam(parameter("Flow"), std::move(flow)));
     EXPECT_TRUE(inlet.addParam(parameter("Swirl"), valueOfType(TDFParam::Real)));
   }

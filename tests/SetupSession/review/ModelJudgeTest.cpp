@@ -12,13 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class NeverHolds final : public GlobalCheck {
- public:
-  [[nodiscard]] std::pair<bool, PhysicsErrorMsg> evaluate(EvalContext*) const override {
-    return {false, PhysicsErrorMsg("The case is not well posed.")};
-  }
-};
-
 class ModelJudgeTest : public testing::Test {
  protected:
   ModelJudgeTest() {
@@ -71,7 +64,8 @@ TEST_F(ModelJudgeTest, TheValidatorAloneLeavesOutTheOtherAnalyses) {
 }
 
 TEST_F(ModelJudgeTest, ThePhaseConcernsTheValidatorOnly) {
-  EXPECT_TRUE(rules_.addGlobalCheck("well posed", std::make_unique<NeverHolds>()));
+  EXPECT_TRUE(rules_.addGlobalCheck("well posed", lambda::globalCheck([](ModelTDF const&) { return false; },
+                                                                      PhysicsErrorMsg("The case is not well posed."))));
   JudgeOptions options;
   options.phases = PhysicsValidator2::ValGlobal;
   Findings findings = judge(faulty_, options);

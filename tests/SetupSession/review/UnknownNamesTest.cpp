@@ -31,12 +31,12 @@ class UnknownNamesTest : public testing::Test {
     EXPECT_TRUE(flowCase.addChild(child("Domain", false)));
     EXPECT_TRUE(flowCase.addChild(child("Solver Control", true)));
     ChildAvail rotating = child("Rotation", true);
-    rotating.available = std::make_unique<HasValue>("Flow Regime", "Rotating");
+    rotating.available = lambda::when("Flow Regime", "Rotating");
     EXPECT_TRUE(flowCase.addChild(std::move(rotating)));
     ObjDependDef& domain = rules_.addObject("/Case/Domain");
     EXPECT_TRUE(domain.addParam(parameter("Material"), valueOfType(TDFParam::String)));
     ParamAvail speed = parameter("Angular Velocity");
-    speed.available = std::make_unique<HasValue>("Motion", "Rotating");
+    speed.available = lambda::when("Motion", "Rotating");
     EXPECT_TRUE(domain.addParam(std::move(speed), valueOfType(TDFParam::Real)));
     EXPECT_TRUE(domain.addParam(parameter("Motion"), valueOfType(TDFParam::String)));
     EXPECT_TRUE(domain.addChild(child("Boundary", false)));

@@ -148,7 +148,7 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
   PhysicsData rules;
   ObjDependDef& flowCase = rules.addObject("/Case");
   ParamAvail unavailable = parameter("Speed");
-  unavailable.available = std::make_unique<HasValue>("Motion", "Rotating");
+  unavailable.available = lambda::when("Motion", "Rotating");
   EXPECT_TRUE(flowCase.addParam(std::move(unavailable), oneOf(TDFParam::Real, {"automatic"})));
   ParamAvail relaxed = parameter("Width");
   relaxed.validationRelaxed = true;
@@ -168,7 +168,7 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
 TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
   PhysicsData rules;
   ChildAvail rotation = child("Rotation", true);
-  rotation.available = std::make_unique<HasValue>("Motion", "Rotating");
+  rotation.available = lambda::when("Motion", "Rotating");
   EXPECT_TRUE(rules.addObject("/Case").addChild(std::move(rotation)));
   EXPECT_TRUE(rules.addObject("/Case/Rotation").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
   DynamicTDF model(false);
@@ -183,7 +183,7 @@ TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
 TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
   PhysicsData rules;
   ParamValueDef def = valueOfType(TDFParam::Real);
-  def.upperBound = std::make_unique<ValueOf>("/Case", "Maximum Speed");
+  def.upperBound = valueOf("/Case", "Maximum Speed");
   EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Speed"), std::move(def)));
   DynamicTDF model(false);
   model.setParameter("/Case", "Speed", "7");
