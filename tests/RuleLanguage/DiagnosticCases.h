@@ -40,7 +40,7 @@ struct DiagnosticCase {
   std::string expected;  // the rules with their expectations, as the file holds them
 };
 
-/// The cases of one file, and what stands before the first.
+/// The cases of one file, and the text before the first case.
 struct DiagnosticCases {
   std::string heading;
   std::vector<DiagnosticCase> cases;

@@ -152,7 +152,7 @@ inline std::string errorsOf(std::string const& text, LoadLimits const& limits = 
 /// the expression from 1; "" when there are none. A check 'rotating' may be called; `sections` can add lists.
 inline std::string conditionFault(std::string const& expression, std::string const& sections = {},
                                   LoadLimits const& limits = {}) {
-  // What double quotes would have to escape stands in a block of its own, for the sake of the columns.
+  // An expression with characters that double quotes would escape is written as a block, so that columns stay the same.
   bool const block = expression.find_first_of("\"\\") != std::string::npos;
   std::string const before = block ? "    " : "  tested: \"";
   std::string file = "Rule Database: 1\n" + sections + "Checks:\n  rotating: true\n";

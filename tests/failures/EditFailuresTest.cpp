@@ -1,6 +1,6 @@
-// What is left of an edit that fails in the middle, wherever that is. The edit has been made or it has not, and both
-// are told apart by the next update, which gives what it would give without the failure; never is there half of an
-// edit, and nothing that the user has entered is lost. Made once more, the edit is as if it had not failed.
+// Edits that fail in the middle, at every point. The edit either has been made or has not been made. The next update
+// shows which, and gives the same result as without the failure. An edit is never made in part, and nothing that the
+// user entered is lost. Making the edit again gives the same result as if it had not failed.
 
 #include <tarn/ProvisionalTDF.h>
 
@@ -27,7 +27,7 @@ namespace {
 using Strings = std::vector<std::string>;
 using ParamSet = std::set<std::pair<std::string, std::string>>;
 
-/// What a user interface shows of the state.
+/// The part of the state that a user interface shows.
 struct Shown {
   ModelState active;
   ParamSet potentialParams;
@@ -59,7 +59,7 @@ struct Shown {
   friend bool operator==(Shown const&, Shown const&) = default;
 };
 
-/// What an edit tells of its changes.
+/// The changes that an edit reports.
 struct Told {
   std::vector<ProvisionalTDF::ParamId> added, modified, lost;
   Strings deletedObjects, newPotentialObjects, gonePotentialObjects;
@@ -148,7 +148,7 @@ void EditFailures::theEditCanBeMadeAgain(FailingCall call) {
   Shown const later(*undisturbed);
   Told const told(*undisturbed);
 
-  // What is left of the failures between these is known from the test above.
+  // The test above checks the state after each failure between these.
   forEveryFailureOf(call, {.alone = 2, .withAllBehind = 0}, [&](Attempt& attempt) {
     auto const state = prepared();
     // The second time it may be refused, as an object that is there already is.
@@ -338,7 +338,7 @@ TEST_F(BrokenUpdate, AnObjectIsCopiedAsItIsOnceTheUpdateIsComplete) {
   EXPECT_TRUE(Shown(state) == Shown(undisturbed)) << testing::PrintToString(state.getActiveTDFState());
 }
 
-// What is printed.
+// Printing.
 
 TEST(PrintingFailures, AnEditStandsAlthoughItsAccountCouldNotBePrinted) {
   RotorRules const rules;

@@ -1,5 +1,5 @@
-// Takes the place of the program's operator new, so every allocation of the libraries and of the standard library comes
-// by here. What is counted and what fails is that of the thread that attempts an operation.
+// Replaces the program's operator new, so every allocation of the libraries and of the standard library passes here.
+// Only allocations of the thread that attempts an operation are counted and fail.
 
 #include "failures/Injection.h"
 

@@ -17,12 +17,12 @@
 ///       EXPECT_EQ(model.hasObject("/Case/Domain:rotor"), !failed);
 ///     });
 ///
-/// goes through the braces again and again: the first time, the first allocation that the attempted operation makes
-/// throws `std::bad_alloc`, then the second, and so on, until the operation has got through. Then some of that once
-/// more, with all allocations failing behind the first that does, as they do when memory is really at an end.
+/// repeats the braces. The first time, the first allocation of the attempted operation throws `std::bad_alloc`, then
+/// the second, and so on, until the operation succeeds. Then some of these runs are repeated with all allocations
+/// failing after the first failure, as they do when memory has really run out.
 namespace tarn::test {
 
-/// What fails: an allocation anywhere in the program, or what calls `mayFail`.
+/// The kind of call that fails: an allocation anywhere in the program, or a call of `mayFail`.
 enum class FailingCall { Allocation, Hook };
 
 /// Thrown by `mayFail`.
@@ -30,7 +30,7 @@ struct Interruption : std::runtime_error {
   Interruption() : std::runtime_error("interrupted") {}
 };
 
-/// To be called by whatever of a test the library calls and may fail: a rule, a model, a hook, a stream.
+/// Call this in every part of a test that the library calls and that may fail: a rule, a model, a hook, a stream.
 void mayFail();
 
 /// How many allocations of this thread have not been freed.
@@ -77,19 +77,20 @@ class Attempt {
   bool reached_ = false;
 };
 
-/// Which failures are tried: each first, second, third one, and so on. 0 is none.
+/// Which failures are tried: 1 for each of them, 2 for every second, 3 for every third, and so on. 0 tries no failures.
 struct Steps {
   std::size_t alone = 1;
   std::size_t withAllBehind = 4;
 };
 
-/// See above. What the braces leave allocated is a leak, and fails the test as well.
+/// See above. Memory that the braces leave allocated is a leak, and also fails the test.
 inline void forEveryFailureOf(FailingCall call, Steps steps, std::function<void(Attempt&)> const& braces) {
   for (bool const allBehind : {false, true}) {
     std::size_t const step = allBehind ? steps.withAllBehind : steps.alone;
     for (std::size_t passed = 0; step != 0; passed += step) {
       SCOPED_TRACE("failure " + std::to_string(passed + 1) + (allBehind ? " and all behind it" : ""));
-      // What is made once in the life of the program, at its first use, is no leak: the second time it is there.
+      // An allocation that is made once in the life of the program, at its first use, is not a leak: the second run
+      // does not repeat it.
       Attempt attempt(call, passed, allBehind);
       std::ptrdiff_t const before = liveAllocations();
       braces(attempt);
@@ -99,7 +100,7 @@ inline void forEveryFailureOf(FailingCall call, Steps steps, std::function<void(
         braces(again);
         EXPECT_EQ(liveAllocations() - beforeAgain, 0) << "allocations are left";
       }
-      if (testing::Test::HasFailure()) return;  // one place tells enough
+      if (testing::Test::HasFailure()) return;  // one failure is enough to report
       if (!attempt.wasReached()) {
         EXPECT_GT(passed, 0U) << "the operation has nothing that can fail";
         break;

@@ -157,7 +157,7 @@ Objects:
         Parameter Type: Real
 )--";
 
-/// What rules say of a model.
+/// The answers of the rules for a model.
 std::vector<std::string> said(PhysicsData const& rules) {
   MapModel const model = {{"/Case", {{"Largest Angular Velocity", "200 [rad/s]"}}},
                           {"/Case/Domain:rotor of the pump", {{"Motion of the Domain", "Rotating about an Axis"}}}};

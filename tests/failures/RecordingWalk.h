@@ -10,7 +10,7 @@
 
 namespace tarn::test {
 
-/// A walk that writes down what its hooks are told, and in which each hook may fail.
+/// A walk that records the arguments of its hooks, and in which each hook may fail.
 class RecordingWalk final : public DependencyAnalyser {
  public:
   using DependencyAnalyser::DependencyAnalyser;

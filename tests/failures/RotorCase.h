@@ -15,7 +15,7 @@ namespace tarn::test {
 
 inline std::string const rotor = "/Case/Domain:rotor";
 
-/// A rule that fails where it is told to.
+/// A rule that fails where the test demands it.
 inline std::unique_ptr<Condition> failingWhen(std::string const& name, std::string const& value) {
   return when([=](TDFContext const& at, ModelTDF const& model) {
     mayFail();
@@ -97,14 +97,14 @@ struct RotorRules : PhysicsData {
           mayFail();
           return model.hasObject(rotor + "/Monitor:pressure at the head");
         },
-        PhysicsErrorMsg("Nothing tells whether the run of the pump has converged."));
+        PhysicsErrorMsg("Nothing shows whether the run of the pump has converged."));
     rules.globalCheck(
         "A regime is needed",
         [](ModelTDF const& model) {
           mayFail();
           return model.hasParameter("/Case", "Flow Regime of the Case");
         },
-        PhysicsErrorMsg("Nothing tells whether the flow in the pump is turbulent."));
+        PhysicsErrorMsg("Nothing shows whether the flow in the pump is turbulent."));
   }
 
   static std::unique_ptr<TextExpression> copyOf(std::string const& name) {

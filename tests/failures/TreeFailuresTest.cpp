@@ -1,5 +1,5 @@
-// Trees without memory. A single edit has been made or it has not, and so has its entry in the log. Of a load a part
-// may be there; the same load once more gives what it gives undisturbed.
+// Trees without memory. A single edit and its entry in the log either have been made or have not been made. A load may
+// have been made in part. Loading again gives the same result as without the failure.
 
 #include <tarn/DynamicTDF.h>
 
@@ -123,7 +123,7 @@ TEST(TreeFailures, AnObjectIsDeletedOrNot) {
   isMadeOrNot([](auto& tree) { tree.deleteObject(rotor + "/Boundary:casing of the pump"); });
 }
 
-/// The log tells exactly of what has gone.
+/// The log lists exactly the deleted part.
 TEST(TreeFailures, OfASubtreeThatCouldNotBeDeletedWholeThePartThatIsGoneIsLogged) {
   forEveryFailureOf(FailingCall::Allocation, [&](Attempt& attempt) {
     DynamicTDF tree;
@@ -142,7 +142,7 @@ TEST(TreeFailures, OfASubtreeThatCouldNotBeDeletedWholeThePartThatIsGoneIsLogged
   });
 }
 
-/// What is not recorded needs no memory.
+/// Deleting without recording needs no memory.
 TEST(TreeFailures, WithoutALogDeletingDoesNotFail) {
   std::string const motion = "Motion of the Domain";
   DynamicTDF tree(false);

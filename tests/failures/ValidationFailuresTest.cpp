@@ -1,6 +1,6 @@
-// A validation that breaks off, and the next one of the same validator. That may be of the same model or of another
-// one, and tells what it would have told. It is never taken for one that has been made already, and nothing of the one
-// that broke off is silent about a fault in the other.
+// A validation that breaks off, and the next validation of the same validator, of the same model or of another one. The
+// next one reports the same faults as a new validator. The broken one never counts as done, and nothing that it left
+// hides a fault of the next model.
 
 #include <tarn/PhysicsValidator2.h>
 
@@ -21,7 +21,7 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-/// Keeps what it is told, and may fail at each operation.
+/// Keeps all messages, and may fail at each operation.
 class FailingLogger final : public PhysicsErrorLogger {
  public:
   void logDependencyError(std::string const& path, PhysicsErrorMsg const& message) override {
@@ -109,15 +109,15 @@ ModelState const faulty = {{"/Case", {{"Turbulence Intensity", "0.05 of the spee
                              {"Variables to be Written", "Pressure of the Fluid,Colour of the Fluid"}}},
                            {rotor + "/Monitor:temperature of the oil", {{"Place", "0 [m]"}}}};
 
-/// One value is another.
+/// One value is different.
 ModelState const faultyOtherwise = [] {
   ModelState model = faulty;
   model[rotor]["Fluid in the Domain"] = "Quicksilver of a thermometer";
   return model;
 }();
 
-/// What was absent is there, and is not right. Were it taken for what has been tried out as absent, nothing would be
-/// said about it.
+/// The absent objects are present now, and are faulty. If the validator took them for the placeholders that it tried
+/// before, it would report nothing about them.
 ModelState const withWhatWasAbsent = [] {
   ModelState model = faulty;
   model["/Case"]["Flow Regime of the Case"] = "Laminar";
@@ -131,7 +131,7 @@ ModelState const empty;
 
 class ValidationFailures : public testing::TestWithParam<FailingCall> {
  protected:
-  /// After a failure in the validation of `broken`, behind one of `before`, `next` is judged as ever.
+  /// After a validation of `before` and a failing validation of `broken`, `next` is judged as by a new validator.
   void theNextIsJudgedAsEver(ModelState const* before, ModelState const& broken, ModelState const& next) {
     Verdict const expected(rules_, next);
     bool const isSame = &broken == &next;
@@ -152,7 +152,7 @@ class ValidationFailures : public testing::TestWithParam<FailingCall> {
     });
   }
 
-  /// Of the same model the logger keeps what it was told before the failure.
+  /// If the model is the same, the logger keeps the messages from before the failure.
   static void expectBehindThoseOfTheBrokenRun(Strings const& logged, Strings const& expected) {
     ASSERT_GE(logged.size(), expected.size());
     auto const behind = static_cast<std::ptrdiff_t>(logged.size() - expected.size());
@@ -195,7 +195,7 @@ TEST_P(ValidationFailures, AnEmptyModelIsJudgedAnew) {
   theNextIsJudgedAsEver(&faulty, faultyOtherwise, empty);
 }
 
-/// Of a known model no rule is asked, but memory is needed all the same.
+/// No rule is evaluated for a known model, but memory is still needed.
 TEST(KnownModelFailures, AVerdictThatStandsStandsOn) {
   RotorRules const rules;
   Verdict const expected(rules, faulty);

@@ -26,7 +26,7 @@ struct Edit {
   };
 
   Kind kind = Kind::SetParam;
-  /// Of an object: the one that is edited, or that holds the parameter.
+  /// The path of the object that is edited, or that holds the parameter.
   std::string path;
   /// The name of the parameter, or the new name of the object. Not used by the other kinds.
   std::string name;

@@ -22,11 +22,11 @@ class ProvTDFLogger;
 class ProvTDFObserver;
 class QuantityModifier;
 
-/// One object of a model, with everything below it, while a user edits it. The rules are applied after every edit: what
-/// they withdraw disappears, what they require comes with its default, and what they offer waits until the user
-/// activates it. Each edit reports exactly what it changed, so that a user interface refreshes only that. The model
-/// itself, the base model, is only read. This class is made for authors of such user interfaces. What follows is the
-/// manual.
+/// One object of a model, with everything below it, while a user edits it. The rules are applied after every edit:
+/// items that they withdraw disappear, items that they require appear with their default, and items that they offer
+/// wait until the user activates them. An item is a parameter or a child object. Each edit reports exactly what it
+/// changed, so that a user interface refreshes only that. The model itself, the base model, is only read. This class is
+/// made for authors of such user interfaces. Its manual follows.
 ///
 /// A worked example. The rules give a domain the required parameter Motion, which is Stationary or Rotating and
 /// Stationary by default; Angular Velocity, required while Motion is Rotating; and a Title, which is optional.
@@ -53,44 +53,43 @@ class QuantityModifier;
 ///
 /// 1. Construct with the rules and the path of the object, the active root.
 /// 2. `setLogger` or `setObserver`, if edits are to be printed or followed.
-/// 3. `initialise`, or `initialiseBasedOn` for a new object that starts as a copy. Before that there is nothing to
-/// edit:
-///    edits and `baseUpdate` do nothing, and every getter answers empty.
+/// 3. `initialise`, or `initialiseBasedOn` for a new object that starts as a copy. Before the start, edits and
+///    `baseUpdate` do nothing, and every getter returns something empty.
 /// 4. Edits, in any order and number, and `baseUpdate` whenever the base model has changed. Each is one update. Read
-/// the
-///    getters after it.
-/// 5. Take `getActiveTDFState` where the result is wanted. Nothing is ever written to the base model. The state can be
-///    passed to `initialise` of another object as its guide.
+///    the getters after it.
+/// 5. Read the result from `getActiveTDFState`. Nothing is ever written to the base model. The state can be passed to
+///    `initialise` of another object as its guide.
 ///
-/// The rules, the modifier, the base model and the observer are not owned. They must outlive this object, or be
-/// replaced before they end. A base model that a `ProvTDFDriver` has loaded belongs to the driver: see
-/// `ProvTDFDriver::getLoadedBaseModel` before using the state after the driver. One thread at a time.
+/// The rules, the modifier, the base model and the observer are not owned. They must outlive this object; a base model
+/// and an observer can instead be replaced before they end. A base model that a `ProvTDFDriver` has loaded belongs to
+/// the driver: read `ProvTDFDriver::getLoadedBaseModel` if you use the state after the driver has ended. Only one
+/// thread at a time may use this object.
 ///
 /// ## What is kept
 ///
-/// The *active state* is the legal result, and the only thing that is published. Each update works it out anew.
+/// The *active state* is the legal result, and the only thing that is published. Each update computes it again.
 ///
-/// The *guide* is the record of what was asked for: the values that the base model held at the start, those passed to
+/// The *guide* is the record of all requests: the values that the base model held at the start, the values passed to
 /// `initialise`, and everything that the user has set since. The rules are not applied to the guide. A value that they
-/// refuse stays in it and comes back by itself when they allow it again, so nothing that the user entered is lost. Only
-/// an override of the rules replaces a value in the guide.
+/// refuse stays in the guide, and comes back by itself when they allow it again. So nothing that the user entered is
+/// lost. Besides the user, only an override of the rules replaces a value in the guide.
 ///
-/// *Decisions* are what the user switched on or off. A decision holds until the opposite decision, also while the item
-/// does not exist. It cannot be withdrawn: no edit makes an item undecided again. The only exception is
+/// *Decisions* record which items the user switched on or off. A decision holds until the opposite decision, even while
+/// the item does not exist. It cannot be withdrawn: no edit makes an item undecided again. The only exception is
 /// `removeNamedObject`, which forgets the decisions inside the removed object.
 ///
-/// Required items are in the active state whatever the user says. An optional item is a parameter that is available and
-/// not required, or a coupled child object of that kind. It is in the active state if it is wanted. The decision on it
-/// says whether it is wanted; without a decision it is wanted if the guide holds it. An optional item that is not
-/// wanted is *potential*: it is on offer, and listed as such. A child object that is optional and not coupled is not
-/// the user's choice here; it is mirrored from the base model.
+/// Required items are always in the active state. An optional item is a parameter, or a coupled child object, that is
+/// available and not required. It is in the active state if it is wanted. The decision on it says whether it is wanted.
+/// Without a decision, it is wanted if the guide holds it. An optional item that is not wanted is *potential*: it is on
+/// offer, and is listed as potential. A child object that is optional and not coupled is not the user's choice here; it
+/// is mirrored from the base model.
 ///
 /// ## One update
 ///
 /// One update walks through the rules once, from the active root: each object's parameters in the order of the rules,
-/// then its children. The walk is not repeated until nothing changes. So a rule sees the new values of what comes
-/// before it and the old values of what comes after it, and rules that look ahead settle with the next edit. Rules read
-/// the active state at and below the active root, and the base model everywhere else.
+/// then its children. The walk is not repeated until nothing changes. So a rule sees the new values of everything
+/// before it and the old values of everything after it. A rule that reads ahead sees the new values at the next edit.
+/// Rules read the active state at and below the active root, and the base model everywhere else.
 ///
 /// The value of an available parameter:
 ///
@@ -103,26 +102,27 @@ class QuantityModifier;
 /// | switched on, the guide has no value              | the default, or "" when there is none                  |
 /// | required only                                    | the default, or "" when there is none                  |
 ///
-/// The first row needs care when a parameter has allowed values. If it is wanted, an override outside the allowed
-/// values is refused, as the third row says; when the default takes its place, the guide takes the refused override
-/// over all the same. If it is required only, the override is taken as it is, also outside the allowed values.
+/// The first row needs care when a parameter has allowed values. If the parameter is wanted, an override outside the
+/// allowed values is refused, as the third row says. If the default then replaces the override, the guide still takes
+/// over the refused override. If the parameter is required only, the override is used as it is, even outside the
+/// allowed values.
 ///
-/// Items of a list that are not allowed are left out. If all allowed values are required, the missing ones are added
-/// after the user's. Only the number of items decides whether some are missing, so a list that repeats one value
-/// instead of another counts as complete.
+/// In a list value, entries that are not allowed are left out. If all allowed values are required, the missing ones are
+/// added after the user's entries. Only the number of entries decides whether some are missing. So a list that repeats
+/// one value instead of another counts as complete.
 ///
-/// A parameter that the rules withdraw is gone and is not potential. Its value in the guide and the decision on it
-/// wait.
+/// A parameter that the rules withdraw is gone and is not potential. Its value in the guide and the decision on it are
+/// kept, and apply again when the rules make it available.
 ///
-/// When the rules offer a subset of the allowed values, a value that the user once selected outside the subset stays on
+/// When the rules offer a subset of the allowed values, a value outside the subset that the user once selected stays on
 /// offer as long as it is allowed. This widening applies to parameters that are wanted. A required parameter that the
 /// user switched off stays present, but is offered the rule's own subset only, as if nothing had been selected.
 ///
 /// ## What each getter holds
 ///
-/// Every getter is about the last update. What it returns by reference stays valid and unchanged until the next edit or
-/// `baseUpdate`; arguments of an edit may be such references. There is no list of new objects: their parameters show
-/// that they are present.
+/// Every getter describes the last update. A reference that it returns stays valid, and its content unchanged, until
+/// the next edit or `baseUpdate`. Arguments of an edit may be such references. There is no list of new objects: their
+/// parameters show that they are present.
 ///
 /// | Getter                       | after an edit that applied                         | after a refused edit |
 /// |------------------------------|----------------------------------------------------|----------------------|
@@ -144,53 +144,56 @@ class QuantityModifier;
 /// | `isUserNamedTypeAvailable`   | as found in the update                             | the same as before   |
 ///
 /// The change lists `getNewlyAvailParams`, `getModParams`, `getNewlyUnavailParams` and `getDeletedObjects` are a log of
-/// events, not their net effect. What came and went within one update is in both lists. What came and then changed is
-/// in two. A parameter that left and came back is among the new ones, whether it was lost or only potential in between.
+/// events, not their net effect. A parameter that came and left within one update is in the lists of both events. A
+/// parameter that came and then changed is listed as new and as modified. A parameter that left and came back is listed
+/// as new, whether it was lost or only potential in between.
 ///
-/// To bring a copy of the active state up to date: first erase what was deleted and what left, including what became
-/// potential (`getNewlyUnavailParams`, `getDeletedObjects`, and those of `getNewlyAvailPotParams` that
-/// `getActiveTDFState` lacks). Then set everything new or modified that is present to its `getParamValue`.
+/// To bring a copy of the active state up to date, first erase the objects of `getDeletedObjects`, the parameters of
+/// `getNewlyUnavailParams`, and the parameters of `getNewlyAvailPotParams` that `getActiveTDFState` lacks. Then set
+/// every new or modified parameter that is present to its `getParamValue`.
 ///
 /// ## Edits that do not apply
 ///
 /// An edit outside the active root, or of an object to which it does not apply, is refused. Nothing changes, no walk is
-/// made, and the lists are as the last column says. That includes the lists of what is potential and of what is empty,
-/// because only a walk fills them. Keep your own copy on screen until the next edit that applies; after it, everything
-/// potential is listed as newly available again. `apply` returns the reason of a refusal, and an observer is given it;
-/// the nine operations do not report it.
+/// made, and the lists are as the last column says. This includes the lists of potential items and of empty parameters,
+/// because only a walk fills them. Keep your own copy on screen until the next edit that applies. After that edit,
+/// everything potential is listed as newly available again. `apply` returns the reason of a refusal, and an observer
+/// receives it. The nine operations do not report it.
 ///
-/// Unreadable paths are a different matter. `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath` for
-/// an object path at or below the active root that it cannot read. After that nothing has changed, not even the lists,
-/// and no observer is called. The other edits only compare paths: a decision on an unreadable path is stored and has no
-/// effect, and there is no object to remove, duplicate or rename.
+/// Unreadable paths are handled differently. `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath`
+/// for an object path at or below the active root that it cannot read. After that nothing has changed, not even the
+/// lists, and no observer is called. The other edits only compare paths: a decision on an unreadable path is stored and
+/// has no effect, and an object with an unreadable path does not exist, so it cannot be removed, duplicated or renamed.
 ///
 /// ## Failures
 ///
-/// What a rule, the base model or the modifier throws passes to the caller, and so does `std::bad_alloc`. The object
-/// remains usable, and so do guide and decisions: an edit has been made or it has not, and there is never half of one.
+/// An exception of a rule, the base model or the modifier passes to the caller, and so does `std::bad_alloc`. The
+/// object, its guide and its decisions remain usable. The edit either has been made or has not been made; it is never
+/// made in part, with one exception below.
 ///
 /// - If it has not been made, the active state is as before. Make the edit again.
 /// - If it has been made, its update is incomplete: the active state reads as empty and the change lists are of no use.
-///   The edit is not lost. The next edit completes the update, whatever it is, and so does `baseUpdate`. Making the
-///   same edit again does no harm. A refused edit tries to complete it and does not report a failure; the active state
-///   then shows whether it succeeded. `duplicateNamedObject` and `renameNamedObject` copy nothing from an incomplete
-///   update: they complete it first, or throw. Refresh everything from the getters then. All bounds and quantity types
-///   are reported anew.
+///   The edit is not lost. Any next edit completes the update, and so does `baseUpdate`. Making the same edit again
+///   does no harm. A refused edit tries to complete the update and does not report a failure; the active state then
+///   shows whether it succeeded. `duplicateNamedObject` and `renameNamedObject` copy nothing from an incomplete update:
+///   they complete it first, or throw. Refresh everything from the getters after the update is complete. All bounds and
+///   quantity types are reported again.
 ///
-/// `initialise`, `initialiseBasedOn` and `baseUpdate` follow the same rule: they have begun, or have changed nothing.
-/// One edit may be made in part: a duplicate under the name of an object that waits in the guide. Some of its values
-/// may then be replaced, and the same edit again replaces the rest. What the observer throws passes to the caller as
-/// well; the edit is complete then, and only what the observer does with it is not.
+/// `initialise`, `initialiseBasedOn` and `baseUpdate` follow the same rule: either they have taken effect and only the
+/// update is incomplete, or they have changed nothing. One edit may be made in part: a duplicate under the name of an
+/// object that waits in the guide. Some values of that object may then be replaced. Making the same edit again replaces
+/// the rest. An exception of the observer passes to the caller as well. The edit is complete then; only the observer's
+/// own work may be incomplete.
 ///
 /// ## Cost
 ///
-/// One update evaluates all rules of the active root, however little the edit changes. Rules keep results that do not
-/// depend on the object at hand until something in the active state changes during the walk. So a list of all objects
-/// of a type, asked for by a rule of each of them, is made once in a walk that changes nothing, and once more after
-/// each change. The environment variable `TARN_PHYSVAL_DONTUSECACHE`, when it is on, see `BoolFromEnvironment`, makes a
-/// walk evaluate every rule afresh; the results are the same. The active state is brought up to date by what changed,
-/// and made anew only when much did. The getters compute nothing, except those that return by value. No operation
-/// recurses; depth is limited by memory.
+/// One update evaluates all rules of the active root, even if the edit changes little. A result that does not depend on
+/// the object at hand is kept until something in the active state changes during the walk. For example, every object of
+/// a type has a rule that asks for the list of all objects of that type. A walk that changes nothing makes this list
+/// once, and each change makes it necessary once more. If the environment variable `TARN_PHYSVAL_DONTUSECACHE` is on
+/// (see `BoolFromEnvironment`), a walk evaluates every rule afresh; the results are the same. The changes of an update
+/// are applied to the active state, which is built again only when there are many. The getters compute nothing, except
+/// those that return by value. No operation recurses; depth is limited by memory.
 class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
  public:
   /// Object path and name of a parameter.
@@ -199,9 +202,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   using ParamsByObject = std::multimap<std::string, std::string>;
 
   /// A state for the object at `p_activeRoot` under these rules. With "" the active root is the root of the tree, so
-  /// the whole model is edited; "/" is read as "". Everything then comes from the active state and rules do not see the
-  /// base model at all, except that the list of all objects at the root is the base model's. Write an object whose name
-  /// equals its type without the name, as the model itself does.
+  /// the whole model is edited; "/" is read as "". Rules then read the active state only and never the base model, with
+  /// one exception: the list of all objects at the root is the base model's. Write an object whose name equals its type
+  /// without the name, as the model itself does.
   ProvisionalTDF(PhysicsData const* p_data, std::string const& p_activeRoot);
   /// With a modifier that names the quantity types of real parameters; null for none.
   ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier, std::string const& p_activeRoot);
@@ -209,10 +212,10 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   ProvisionalTDF& operator=(ProvisionalTDF const&) = delete;
   virtual ~ProvisionalTDF();
 
-  /// Prints the start and every later edit, each with what it changed. Null ends it.
+  /// Prints the start and every later edit, each with its changes. Null ends the printing.
   void setLogger(ProvTDFLogger* p_logger) noexcept;
-  /// Calls `p_observer` after the start and after every later edit. Null ends it. There is one observer at a time, and
-  /// a logger is one, so this replaces the logger and `setLogger` replaces the observer.
+  /// Calls `p_observer` after the start and after every later edit. Null ends the calls. There is one observer at a
+  /// time. A logger is an observer, so this replaces the logger, and `setLogger` replaces the observer.
   void setObserver(ProvTDFObserver* p_observer) noexcept;
 
   /// @name The start, and a changed base model
@@ -220,43 +223,43 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// @{
 
   /// Starts from the object as the base model has it. The base model need not have it. `p_guideState` overlays its
-  /// values and may name any object. What the rules refuse of it waits in the guide; what it names outside the active
-  /// root has no effect. Values of the base model that are blank count as not given; those of `p_guideState` count.
+  /// values and may name any object. Values of `p_guideState` that the rules refuse wait in the guide. Objects outside
+  /// the active root have no effect. A blank value of the base model counts as not given. A blank value of
+  /// `p_guideState` counts as a value.
   ///
-  /// With a logger, the whole base model is printed after the first update, not only the branch under the active root,
-  /// and after it the command "initialise" with the changes of that update.
+  /// With a logger, the whole base model is printed after the first update, not only the branch under the active root.
+  /// The command "initialise" follows, with the changes of that update.
   ///
   /// Throws the `Error` of `TDFPath` when it cannot read the active root or a path in `p_guideState`. Then nothing has
-  /// started, or what had started before goes on as it was, and `initialise` may be called again.
+  /// started, or a state that had started before continues unchanged. `initialise` may be called again.
   ///
-  /// A second call starts over with the guide but keeps the decisions, the remembered selections, and which default
-  /// names were dealt with.
+  /// A second call starts over with the guide but keeps the decisions, the remembered selections, and the record of
+  /// which default names were handled.
   void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
 
   /// Starts as a copy of the object at `p_basedOnPath` of the base model. The path qualifies if all of this holds:
   ///
   /// - it and the active root are equal up to their last ":", so both are named objects of one type and parent. The
-  /// test
-  ///   compares text only: a singleton inside a named object, `/Case/Domain:a/Heat`, has such a ":" too;
+  ///   test compares text only: a singleton inside a named object, `/Case/Domain:a/Heat`, has such a ":" too;
   /// - the base model has the object at `p_basedOnPath`;
   /// - the base model does not have the active root.
   ///
-  /// In every other case this is the same as `initialise`, without notice.
+  /// In every other case this does the same as `initialise`, and does not report that.
   ///
   /// The values of the copied object count even if they are blank, unlike those that `initialise` takes from the base
-  /// model. Of an object that the copy and `p_guideState` both have, the copied parameters are used and those of
-  /// `p_guideState` are dropped as a whole. Such a new object has nothing in the base model to mirror, so its optional
-  /// children that are not coupled are left out for good, even if the base model gets the object later.
+  /// model. If the copy and `p_guideState` both have an object, its copied parameters are used, and all its parameters
+  /// of `p_guideState` are dropped. Such a new object has nothing in the base model to mirror. So its optional children
+  /// that are not coupled are left out permanently, even if the base model gets the object later.
   void initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base, ModelState const& p_guideState);
 
-  /// Follows a base model that has changed, or another one, and updates. The guide is not touched: it keeps the values
-  /// that the base model had at the start. What the base model changes under the active root shows only in mirrored
-  /// children. No observer is called, and a logger prints nothing.
+  /// Updates after the base model has changed, or replaces it by another one. The guide is not touched: it keeps the
+  /// values that the base model had at the start. A change of the base model under the active root shows only in
+  /// mirrored children. No observer is called, and a logger prints nothing.
   void baseUpdate(ModelTDF const* p_base);
   /// @}
 
-  /// Makes an edit. Does exactly what the operation of its kind does, and returns why the edit was refused, or nothing
-  /// when it was made. See `Refusal` for all reasons.
+  /// Makes an edit. Does exactly what the operation of its kind does. Returns why the edit was refused, or nothing when
+  /// it was made. See `Refusal` for all reasons.
   [[nodiscard]] std::optional<Refusal> apply(Edit const& p_edit);
 
   /// @name Edits
@@ -264,9 +267,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// each of them, also when it is refused. See above for edits that do not apply and for unreadable paths.
   /// @{
 
-  /// Writes a value to the guide. That makes the parameter wanted, and optional objects above it as well. Those that
-  /// the user switched off are not: then the value waits for `activateOptParam` or `activateOptObject`. "" is a value
-  /// like any other. The rules need not know the parameter.
+  /// Writes a value to the guide. This makes the parameter wanted, and the optional objects above it as well. A
+  /// parameter or object that the user switched off stays off; the value then waits for `activateOptParam` or
+  /// `activateOptObject`. "" is a value like any other. The rules need not know the parameter.
   void activeSetParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
 
   /// Switches an optional parameter on. The guide's value comes back, if there is one; otherwise the default, or "".
@@ -276,14 +279,14 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// offered the rule's own subset.
   void deactivateOptParam(std::string const& p_objPath, std::string const& p_name);
 
-  /// Switch an optional object on or off. What the guide holds inside it stays and comes back with it. A decision on an
+  /// Switch an optional object on or off. Its content stays in the guide and comes back with it. A decision on an
   /// object that the rules do not know is kept, too.
   void activateOptObject(std::string const& p_path);
   void deactivateOptObject(std::string const& p_path);
 
-  /// Asks for a named object. It appears where names are the user's choice, and where the type is optional and the
-  /// rules allow that name. For a required type with a closed list of names, the rules alone decide. Refused: a path
-  /// whose last component has no name or one that equals its type, and an object that was asked for already.
+  /// Asks for a named object. It appears if the user chooses the names of its type, or if the type is optional and the
+  /// rules allow that name. For a required type with a closed list of names, the rules alone decide. Refused for a path
+  /// whose last component has no name or a name that equals its type, and for an object that was asked for already.
   void addNewNamedObject(std::string const& p_path);
 
   /// Takes a named object out of the guide and forgets the decisions on all paths whose text begins with `p_path`. That
@@ -291,14 +294,14 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// that only the rules ask for cannot be removed.
   void removeNamedObject(std::string const& p_path);
 
-  /// Asks for a copy of a present named object under a new name beside it, with all values that are in force, including
-  /// defaults and overrides. Decisions are not copied. Refused: the active root itself, an absent object, a singleton,
-  /// a new name that is present already or cannot be a name.
+  /// Asks for a copy of a present named object under a new name and the same parent, with all values that are in force,
+  /// including defaults and overrides. Decisions are not copied. Refused for the active root itself, an absent object,
+  /// a singleton, and a new name that is present already or cannot be a name.
   void duplicateNamedObject(std::string const& p_path, std::string const& p_newName);
 
   /// Duplicates an object and removes the original. It is reported as a deletion and new parameters, and decisions on
   /// the old name are forgotten. When only the rules ask for the original, it cannot be removed and the edit counts as
-  /// refused. The copy has been asked for all the same and shows up with the next walk.
+  /// refused. The copy is still asked for, and appears with the next walk.
   void renameNamedObject(std::string const& p_path, std::string const& p_newName);
   /// @}
 
@@ -313,42 +316,43 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   [[nodiscard]] bool hasParameter(std::string const& p_objPath, std::string const& p_name) const;
   /// The value in the active state, "" when the parameter is not there.
   [[nodiscard]] std::string const& getParamValue(std::string const& p_objPath, std::string const& p_name) const;
-  /// All allowed values of a parameter that is present or potential. Empty when it may take any text, and when there is
-  /// no such parameter.
+  /// All allowed values of a parameter that is present or potential. Empty when it may have any value, and when there
+  /// is no such parameter.
   [[nodiscard]] std::vector<std::string> getAllowedParamValues(std::string const& p_objPath,
                                                                std::string const& p_name) const;
-  /// The subset of them that is on offer, with what the user once selected outside it. Empty when there is no subset,
-  /// and for a parameter that is only potential: what it will offer is known when it is activated. For a required
-  /// parameter that the user switched off, the rule's own subset.
+  /// The subset of the allowed values that is on offer, with the values that the user once selected outside it. Empty
+  /// when there is no subset, and for a parameter that is only potential: its subset is known when it is activated. For
+  /// a required parameter that the user switched off, this is the rule's own subset.
   [[nodiscard]] std::vector<std::string> getSubsetAllowedParamValues(std::string const& p_objPath,
                                                                      std::string const& p_name) const;
   /// The present objects that match a path pattern, relative to the object at `p_contextPath`; see `PathPattern`.
   /// Throws an `Error` for a string that is not a pattern.
   [[nodiscard]] std::vector<std::string> getPathExpansion(std::string const& p_path,
                                                           std::string const& p_contextPath) const;
-  /// The paths of the present parameters that have no value, in the order of the walk. Those of which the rules say
-  /// that they need no value are left out. With `p_typedOnly`, only those of type Integer, Real, their lists, and
+  /// The paths of the present parameters that have no value, in the order of the walk. Parameters that need no value
+  /// according to the rules are left out. With `p_typedOnly`, only those of type Integer, Real, their lists, and
   /// String.
   [[nodiscard]] std::vector<std::string> const& getEmptyParameters(bool p_typedOnly) const noexcept;
-  /// Whether a first object of a required named type may be added: there is none below `p_parentPath`, and a new one
-  /// would hold or offer something. Logarithmic.
+  /// Whether a first object of a required named type may be added: no object of this type exists below `p_parentPath`,
+  /// and a new one would hold or offer something. Logarithmic.
   [[nodiscard]] bool isUserNamedTypeAvailable(std::string const& p_parentPath, std::string const& p_type) const;
   /// @}
 
   /// @name What the last update changed
-  /// See the table above. Parameters are listed in the order of events, objects in the order of their deletion. Of a
-  /// deleted subtree only the top is listed. An object that is required but holds nothing goes without an entry. An
-  /// object of a type that its parent asks for, but for which there are no rules, comes and goes with every walk and is
-  /// listed each time.
+  /// See the table above. Parameters are listed in the order of events, objects in the order of their deletion. For a
+  /// deleted subtree, only the top is listed. A required object that holds nothing is deleted without an entry. If a
+  /// parent asks for a type that has no rules, the object of that type comes and goes with every walk and is listed
+  /// each time.
   /// @{
   [[nodiscard]] std::vector<ParamId> const& getModParams() const noexcept;
-  /// Includes what became potential or unavailable later in the same update: ask `hasParameter` whether it is present.
+  /// Includes parameters that became potential or unavailable later in the same update: ask `hasParameter` whether a
+  /// parameter is present.
   [[nodiscard]] std::vector<ParamId> const& getNewlyAvailParams() const noexcept;
-  /// Without what became potential; `getNewlyAvailPotParams` lists that.
+  /// Parameters that became potential are not listed here, but in `getNewlyAvailPotParams`.
   [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
-  /// Path of the parameter to its lower and upper bound. May list a parameter in an object named "__%%dummy%%__", by
-  /// which the library finds out about types that have no object yet. Ignore such entries.
+  /// Path of the parameter to its lower and upper bound. May list a parameter in an object named "__%%dummy%%__". The
+  /// library uses that object to find out about types that have no object yet. Ignore such entries.
   [[nodiscard]] std::map<std::string, std::pair<std::string, std::string>> const& getModBoundsParams() const noexcept;
   /// Path of the parameter to its quantity type.
   [[nodiscard]] std::map<std::string, std::string> const& getModQuantParams() const noexcept;

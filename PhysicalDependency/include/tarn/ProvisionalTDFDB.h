@@ -8,9 +8,9 @@
 
 namespace tarn {
 
-/// Two models read as one. Everything at or below one path, the active root, comes from the active model. All else
-/// comes from the base model. So the rules can judge an object that is being edited in its place in the whole model,
-/// although neither model is copied.
+/// Two models read as one. Everything at or below one path, the active root, comes from the active model. Everything
+/// else comes from the base model. So the rules can judge an object that is being edited in its place in the whole
+/// model, although neither model is copied.
 ///
 ///     ProvisionalTDFDB view("/Case/Domain:rotor", &edited, &whole);
 ///     view.getParameterValue("/Case/Domain:rotor", "Motion");    // from edited

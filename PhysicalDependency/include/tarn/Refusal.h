@@ -25,8 +25,8 @@ enum class Refusal : int {
   NameTaken = 7,
   /// The object was asked for already: the guide holds it, even if the rules do not let it be present. Adding.
   AlreadyAskedFor = 8,
-  /// The object is present because the rules ask for it, and nobody else did. Removing has no effect on it. Renaming
-  /// cannot remove the original, but the copy has been asked for and shows up with the next walk.
+  /// The object is present only because the rules ask for it. Removing has no effect on it. Renaming cannot remove the
+  /// original, but the copy has been asked for and shows up with the next walk.
   StandsByTheRules = 9
 };
 

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-/// Writes `state` as nested blocks, behind one blank line:
+/// Writes `state` as nested blocks, after one blank line:
 ///
 ///     Case:
 ///       Flow Regime = Turbulent
@@ -24,12 +24,12 @@ namespace tarn {
 /// state writes with such a name, `/Case/Domain:Domain`, prints like the singleton `/Case/Domain`, and is read back as
 /// that. If the state has both, they share one block.
 ///
-/// `TDFChangeFile` reads the text back to the same state if its lines can be told apart: types and names contain no
-/// "=", parameter names no ":"; types and parameter names do not begin with "#", "/" or "END #"; no string has white
-/// space at its ends, and no value contains a line end. An object without parameters is read back if nothing is below
-/// it; otherwise the objects below imply it.
+/// `TDFChangeFile` reads the text back to the same state if its lines are unambiguous: types and names contain no "=",
+/// parameter names no ":"; types and parameter names do not begin with "#", "/" or "END #"; no string has white space
+/// at its ends, and no value contains a line end. An object without parameters is read back if nothing is below it;
+/// otherwise the objects below imply it.
 ///
-/// Throws the `Error` of `TDFPath` for an object path that it cannot read. What comes before that object may or may not
+/// Throws the `Error` of `TDFPath` for an object path that it cannot read. The text before that object may or may not
 /// have been written then. Flushes `stream` once, at the end.
 TARN_EXPORT void printModelState(ModelState const& state, std::ostream& stream);
 

@@ -1,5 +1,5 @@
-// What the user has switched on and off. Every walk asks this for every available parameter, and mostly there is no
-// entry. So a look-up builds no key.
+// The items that the user has switched on and off. Every walk looks up every available parameter, and usually there is
+// no entry. So a look-up builds no key.
 
 #include "provisional/ActivityDecisions.h"
 

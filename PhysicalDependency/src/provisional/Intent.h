@@ -11,7 +11,7 @@
 
 namespace tarn {
 
-/// What the user asked for, in all updates so far. Walks read it, and add to it what the rules settle for good.
+/// The user's requests of all updates so far. Walks read them, and add what the rules settle permanently.
 struct Intent {
   /// The values and objects that were asked for. Nobody reads its log, which would grow with every edit.
   DynamicTDF guide{false};

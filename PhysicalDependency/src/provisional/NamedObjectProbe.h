@@ -10,9 +10,9 @@ class ProvisionalFacts;
 /// into the active tree in the middle of a walk. The walk goes through it like any other object, and then it is taken
 /// out again.
 ///
-/// Nothing of it may remain. While it exists, the active tree does not record and quantity types are not tracked. What
-/// the walk leaves of it in the active tree, the guide and the potential items goes with it. Only bounds are tracked as
-/// always, and those of the probe are published. There is one probe at a time.
+/// Nothing of it may remain. While it exists, the active tree does not record and quantity types are not tracked.
+/// Everything that the walk leaves of it in the active tree, the guide and the potential items is removed with it. Only
+/// bounds are tracked as always, and those of the probe are published. There is one probe at a time.
 class NamedObjectProbe {
  public:
   /// `facts` is used for as long as the probe lives.

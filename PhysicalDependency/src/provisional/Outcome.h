@@ -13,7 +13,7 @@ namespace tarn {
 
 class QuantityModifier;
 
-/// What the rules make of the intent, brought up to date by each walk.
+/// The result of the rules for the intent. Each walk brings it up to date.
 struct Outcome {
   explicit Outcome(QuantityModifier const* modifier) : quantities(modifier) {}
 

@@ -131,7 +131,7 @@ class ProvisionalFacts {
   Outcome m_outcome;
 
   EvalCache m_keptResults;
-  /// Of the active tree, when the results were last dropped.
+  /// The revision of the active tree when the results were last dropped.
   std::uint64_t m_revision = 0;
 };
 

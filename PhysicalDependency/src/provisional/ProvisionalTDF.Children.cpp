@@ -1,4 +1,4 @@
-// What a walk does to child objects. The hook for a child entry decides which objects of that type the active tree has.
+// How a walk handles child objects. The hook for a child entry decides which objects of that type the active tree has.
 // Right after the hook, the walk asks for them and enters exactly those.
 //
 // A required type has the names of its rule, or those of the guide if the rule leaves them open. An optional type that

@@ -1,6 +1,6 @@
-// What a user can do. An edit writes to the guide or to the decisions, never to the active tree, and then has the state
-// updated. The result shows whether the rules make something of it. A refused edit is updated without a walk, so its
-// lists are empty.
+// The edits of a user. An edit writes to the guide or to the decisions, never to the active tree, and then has the
+// state updated. The result shows whether the rules make something of it. A refused edit is updated without a walk, so
+// its lists are empty.
 
 #include <string_view>
 
@@ -34,8 +34,8 @@ std::optional<Refusal> ProvisionalTDF::Impl::apply(Edit const& p_edit) {
   return refusal;
 }
 
-/// The path is known to be at or below the active root. When this throws, nothing has changed, but for a copy that was
-/// made in part of an object that the guide had already.
+/// The path is known to be at or below the active root. When this throws, nothing has changed, with one exception: a
+/// copy onto an object that the guide had already may have been made in part.
 std::optional<Refusal> ProvisionalTDF::Impl::changeIntent(Edit const& p_edit) {
   switch (p_edit.kind) {
     case Edit::Kind::SetParam:

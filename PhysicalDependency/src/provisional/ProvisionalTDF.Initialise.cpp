@@ -25,7 +25,7 @@ bool areNamedAlike(std::string const& a, std::string const& b) {
 
 }  // namespace
 
-/// What reads a base model. It is complete before anything of the state changes.
+/// The objects that read a base model. They are complete before anything in the state changes.
 struct ProvisionalTDF::Impl::Attachment {
   Attachment(std::string const& p_activeRoot, ModelTDF const* p_active, ModelTDF const* p_base, EvalCache* p_results)
       : view(std::make_unique<ProvisionalTDFDB>(p_activeRoot, p_active, p_base)),

@@ -1,4 +1,4 @@
-// What a walk does to parameters. Each value is worked out anew from rule, guide and decision; the old value in the
+// How a walk handles parameters. Each value is worked out anew from rule, guide and decision; the old value in the
 // active tree plays no part. There are four cases of an available parameter, each with its handler: whether it is
 // wanted (G: by a decision of the user, or without a decision by the guide), and whether it has allowed values (AV).
 //

@@ -85,7 +85,7 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 
   m_newlyUnavailParams = active.getDeletedParameters();
   if (m_newlyUnavailParams.empty()) return;
-  // What is on offer now has not been lost.
+  // Parameters that are on offer now have not been lost.
   ParamsByObject const& potential = outcome().offers.getAddedParams();
   std::vector<std::pair<std::string_view, std::string_view>> onOffer(potential.begin(), potential.end());
   std::sort(onOffer.begin(), onOffer.end());
@@ -98,9 +98,9 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 /// Makes the state usable again after an exception has ended an update somewhere in the middle: no probe, recording and
 /// quantity tracker on, the named types in order.
 ///
-/// What had been found potential is forgotten. The tracker carries a walk that was not compared on into the next one,
-/// and those items would be listed twice there. This comes first, for then removing the probe needs no memory. Bounds
-/// and quantity types are forgotten because nobody reads the lists that would have reported them.
+/// The potential items found so far are forgotten. The tracker would carry a walk that was not compared into the next
+/// one, which would list those items twice. They are forgotten first, so that removing the probe needs no memory.
+/// Bounds and quantity types are forgotten because nobody reads the lists that would have reported them.
 void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
   m_facts.clearObjectReferences(std::string());
   if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();

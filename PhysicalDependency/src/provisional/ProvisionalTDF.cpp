@@ -1,4 +1,4 @@
-// The provisional state as its users see it: construction, the operations, and the getters. What they do is in
+// The provisional state as its users see it: construction, the operations, and the getters. The work is done in
 // `ProvisionalTDF::Impl`, by concern: the start in ProvisionalTDF.Initialise.cpp, the frame of an update in
 // .Update.cpp, the user's edits in .Edits.cpp, and what a walk does to parameters and children in .Parameters.cpp and
 // .Children.cpp.

@@ -22,7 +22,7 @@ class EvalContext;
 class ProvTDFObserver;
 class ProvisionalTDFDB;
 
-/// What a provisional state does. Its sources are divided by concern, as the groups of operations below are.
+/// The work of a provisional state. Its sources are divided by concern, like the groups of operations below.
 class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
  public:
   /// `p_owner` is the analyser whose walks this handles.
@@ -52,7 +52,7 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
   HandlerStatus onChildCheck(ChildAvailInfo const* p_info);
   HandlerStatus onEndObject(std::string const& p_path, bool p_required);
 
-  // What the getters answer from.
+  // The data that the getters return.
   [[nodiscard]] std::string const& activeRoot() const noexcept {
     return m_activeRoot;
   }
@@ -128,7 +128,7 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
 
   ProvTDFObserver* m_observer = nullptr;
 
-  // What the user asked for, and what the rules make of it.
+  // The user's requests, and the result of the rules for them.
   ProvisionalFacts m_facts;
   NamedObjectProbe m_probe{m_facts};
 
@@ -137,8 +137,8 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
   std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
   std::unique_ptr<EvalContext> m_evalContext;
 
-  // What the last update published beside the outcome. The state is brought up to date from the log of the active tree,
-  // unless the last update broke off.
+  // The data that the last update published in addition to the outcome. The state is brought up to date from the log of
+  // the active tree, unless the last update broke off.
   ModelState m_activeState;
   bool m_isStateCurrent = false;
   std::vector<ParamId> m_newlyUnavailParams;

@@ -20,7 +20,7 @@ class SubsetSelections {
   void rememberSubsetValues(std::string const& objPath, std::string const& name,
                             std::vector<std::string> const& values);
 
-  /// What was selected, in the order of first selection. Empty when nothing was. Valid until more is remembered.
+  /// The selected values, in the order of first selection. Empty when nothing was. Valid until more is remembered.
   [[nodiscard]] std::vector<std::string> const& getSubsetSelectionValues(std::string const& objPath,
                                                                          std::string const& name) const;
 

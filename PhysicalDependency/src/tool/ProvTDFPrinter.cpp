@@ -18,7 +18,7 @@ namespace tarn {
 
 namespace {
 
-/// A section of the update summary: a heading over the items, or the text that stands for no items.
+/// A section of the update summary: a heading over the items, or `emptyText` if there are no items.
 template <typename Items, typename PrintItem>
 void writeSection(std::ostream& out, std::string_view heading, std::string_view emptyText, Items const& items,
                   PrintItem const& printItem) {

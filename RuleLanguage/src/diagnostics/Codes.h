@@ -177,7 +177,7 @@ static_assert(
       }
       return true;
     }(),
-    "the rows stand in the order of the enumerators, and none is missing between them");
+    "the rows are in the order of the enumerators, and no row is missing between them");
 
 [[nodiscard]] constexpr DiagnosticCode const& infoOf(Code code) noexcept {
   return codeTable[static_cast<std::size_t>(code)].info;

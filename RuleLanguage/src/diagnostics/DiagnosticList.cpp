@@ -10,8 +10,8 @@ namespace tarn::rules {
 
 namespace {
 
-/// Of a line with more bytes only so many characters before and after the position are kept: a minified file can be one
-/// line of megabytes.
+/// A line with more bytes than `keptWhole` is shortened to `keptAround` characters before and after the position: a
+/// minified file can be one line of megabytes.
 constexpr std::size_t keptWhole = 2000;
 constexpr std::size_t keptAround = 200;
 

@@ -52,7 +52,7 @@ struct PathUse {
   Range range;            // in the expression that holds the path
 };
 
-/// What the result of an expression depends on, apart from the model.
+/// The inputs that the result of an expression depends on, apart from the model.
 struct Dependence {
   bool context = false;  // the object in whose context it is evaluated
   bool owner = false;    // the object that owns the rule

@@ -16,7 +16,7 @@ namespace tarn::rules {
 
 class NamedRule;
 
-/// What a function accepts as one of its arguments.
+/// The kind of argument that a function accepts.
 enum class Argument {
   Scalar,
   Text,

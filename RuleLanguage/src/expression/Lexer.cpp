@@ -26,7 +26,7 @@ bool isWordPart(char c) {
   return isWordStart(c) || isDigit(c);
 }
 
-/// What other languages write here.
+/// A notation of another language that users write by mistake.
 struct Mistake {
   std::string_view written;
   std::string_view instead;  // empty when no plain replacement is right

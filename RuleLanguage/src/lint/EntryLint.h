@@ -15,7 +15,7 @@ struct NameProblem {
   Code code;
   std::string message;
 };
-/// What is wrong with the name of an object of `type`; nothing when it is a good name.
+/// The problem of a name for an object of `type`. Empty when the name is good.
 [[nodiscard]] std::optional<NameProblem> problemOfName(std::string_view name, std::string_view type);
 
 }  // namespace tarn::rules

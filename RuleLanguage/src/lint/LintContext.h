@@ -34,8 +34,8 @@ struct EntryPositions {
                                            std::string_view name);
 };
 
-/// What the checks of the linter share: the rules, indexes over them that are made when first needed, and the way to
-/// report.
+/// Shared by all checks of the linter: the rules, indexes over them that are made when first needed, and the function
+/// that reports problems.
 class LintContext {
  public:
   /// All arguments must stay valid.

@@ -136,8 +136,8 @@ std::optional<std::string> writtenInScalar(YamlNode const& scalar, std::size_t o
     case Style::Plain:
       break;
   }
-  // A plain scalar must stay plain and keep its beginning and its end. What may end it depends on where it is written,
-  // so a character of that kind is accepted only when the replaced text has it too.
+  // A plain scalar must stay plain and keep its beginning and its end. The characters that may end it depend on where
+  // it is written. So such a character is accepted only when the replaced text has it too.
   std::string_view const value = scalar.value;
   std::string_view const former = value.substr(std::min(offset, value.size()), length);
   bool const atBegin = offset == 0;

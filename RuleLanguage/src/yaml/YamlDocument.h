@@ -28,7 +28,8 @@ struct YamlNode {
   std::size_t weight = 1;           // number of nodes in it, each alias counted as a copy
 
   [[nodiscard]] Place place() const noexcept { return {line, column}; }
-  /// Of a map or list in block style the end of its last item: blank lines and comments after it are not included.
+  /// The range of a map or list in block style ends with its last item: blank lines and comments after it are not
+  /// included.
   [[nodiscard]] SourceRange range() const noexcept { return {{line, column}, {endLine, endColumn}}; }
 };
 

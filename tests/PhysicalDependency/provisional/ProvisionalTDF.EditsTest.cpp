@@ -1,4 +1,4 @@
-// What each edit of a user does, when it applies and when it is refused, and what it prints of itself.
+// Each edit of a user: its effect when it applies, when it is refused, and its printed output.
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ std::string const inlet = rotor + "/Boundary:inlet";
 std::string const outlet = rotor + "/Boundary:outlet";
 std::string const wall = rotor + "/Boundary:wall";
 
-/// What the `Error` says that the action ends in.
+/// The message of the `Error` that the action throws.
 template <typename Action>
 std::string messageOfError(Action const& action) {
   try {

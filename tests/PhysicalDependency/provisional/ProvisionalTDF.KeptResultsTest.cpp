@@ -1,4 +1,4 @@
-// What rules keep of their results during a walk, and when it is dropped.
+// Which results of rules are kept during a walk, and when they are dropped.
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-// What becomes of one parameter: each row of the decision between guide, decision, allowed values, override and
-// default, and what is remembered of it for later walks.
+// The value of one parameter: each combination of guide, decision, allowed values, override and default, and what is
+// remembered for later walks.
 //
-// The guide cannot be read, so what it holds is shown by taking away what hides it: the parameter Control, which stands
-// ahead in the rules, switches overrides and allowed values.
+// The guide cannot be read, so the tests show its content by removing what hides it: the parameter Control, which comes
+// first in the rules, switches overrides and allowed values.
 
 #include <tarn/ProvisionalTDF.h>
 

@@ -1,4 +1,4 @@
-// What one update publishes, and what it leaves when its walk breaks off.
+// The lists that one update publishes, and the state that it leaves when its walk breaks off.
 
 #include <gtest/gtest.h>
 

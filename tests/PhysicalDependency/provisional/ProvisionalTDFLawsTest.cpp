@@ -1,5 +1,6 @@
-// What holds of every edit, whatever the rules, the models and the edits before it: random ones, with the seed told
-// when a law is broken. What a state is to be, not only how its answers fit together, is compared elsewhere.
+// Laws that hold for every edit, whatever the rules, the models and the edits before it. They are tested with random
+// ones, and the seed is printed when a law is broken. The laws only check that the answers of a state fit together;
+// other tests compare the whole state with the expected one.
 
 #include <gtest/gtest.h>
 

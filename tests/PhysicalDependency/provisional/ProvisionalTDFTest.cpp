@@ -1,4 +1,4 @@
-// What the provisional state answers about itself between two updates, and the manual's worked example.
+// The getters of the provisional state between two updates, and the manual's worked example.
 
 #include <tarn/ProvisionalTDF.h>
 

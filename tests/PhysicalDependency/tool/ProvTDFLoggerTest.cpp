@@ -22,7 +22,7 @@ using test::rotor;
 using test::Rules;
 using test::when;
 
-/// What a standard stream gets while this lives.
+/// Captures the text that a standard stream gets while this object lives.
 class Captured {
  public:
   explicit Captured(std::ostream& stream) : stream_(stream), before_(stream.rdbuf(text_.rdbuf())) {}
@@ -45,7 +45,7 @@ class ProvTDFLoggerTest : public test::ProvisionalTest {
   ProvTDFLoggerTest() { std::remove(file_.c_str()); }
   ~ProvTDFLoggerTest() override { std::remove(file_.c_str()); }
 
-  /// What `print` writes, without header and footer.
+  /// The text that `print` writes, without header and footer.
   std::string printed(std::function<void(ProvTDFLogger const&)> const& print) {
     Captured const out(std::cout);
     {

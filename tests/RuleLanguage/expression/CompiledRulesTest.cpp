@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-/// What the condition `expression` of a parameter in `/Case/Domain` reads: "${path/Name}" and "{path}" as texts, and
+/// The reads of the condition `expression` of a parameter in `/Case/Domain`: strings "${path/Name}" and "{path}", and
 /// "name()" when the identity of the context is used.
 std::vector<std::string> readsOf(std::string const& expression) {
   auto const data = parseRules(R"(Rule Database: 1

@@ -1,4 +1,4 @@
-// What each form of expression comes to: literals, values of parameters, logic, comparisons, membership, arithmetic,
+// The result of each form of expression: literals, values of parameters, logic, comparisons, membership, arithmetic,
 // paths and quantifiers. Functions, named rules and reads have tests of their own.
 
 #include "RuleLanguage/ExpressionTable.h"

@@ -1,5 +1,5 @@
-// What the parser says of expressions that are wrong: a table of expression and fault, "column+length: message" with
-// the column counted in the expression from 1. How expressions bind is tested with what they come to.
+// The messages of the parser for wrong expressions: a table of expression and fault, "column+length: message", where
+// the column counts from 1 in the expression. The precedence of operators is tested with the results of expressions.
 
 #include "RuleLanguage/ExpressionTable.h"
 

@@ -83,7 +83,7 @@ flow.rules.yaml:6:96: warning: the default 'c' is not among the allowed values
 )text");
 }
 
-/// The column, counted in characters, of each place in the last line of a text where `what` stands.
+/// The column, counted in characters, of each occurrence of `what` in the last line of a text.
 std::vector<std::size_t> columnsOf(std::string const& text, std::string const& what) {
   std::vector<std::size_t> columns;
   std::size_t column = 1;
@@ -94,7 +94,7 @@ std::vector<std::size_t> columnsOf(std::string const& text, std::string const& w
   return columns;
 }
 
-/// The columns that are told, each seen to be that of `what` in the part of the line that is shown.
+/// The reported columns. Checks that each is the column of `what` in the part of the line that is shown.
 std::vector<std::size_t> toldColumns(std::string const& text, std::string const& what) {
   std::vector<std::size_t> columns;
   for (Diagnostic const& one : lintText(text, "flow.rules.yaml").diagnostics) {

@@ -1,5 +1,5 @@
-// What a rule file comes to as a database: every section and attribute, the three kinds of value, and how several files
-// make one database. What is wrong with files is tested beside.
+// The database that is loaded from rule files: every section and attribute, the three kinds of value, and how several
+// files make one database. Faulty files have tests of their own.
 
 #include <tarn/rules/RuleLoader.h>
 
@@ -221,7 +221,7 @@ Objects:
         Context: Rotating
         Validation Relaxed: yes
         Description: Where the domain ends.
-        Reason: What does not turn has no boundaries.
+        Reason: A domain at rest has no boundaries.
         Beta Message: Boundaries are new.
         Singleton: yes
         Coupled: yes
@@ -243,7 +243,7 @@ Objects:
   EXPECT_TRUE(child.coupled);
   EXPECT_THAT(child.contexts, ElementsAre("Rotating"));
   EXPECT_EQ(child.description, "Where the domain ends.");
-  EXPECT_EQ(child.reason, "What does not turn has no boundaries.");
+  EXPECT_EQ(child.reason, "A domain at rest has no boundaries.");
   EXPECT_EQ(child.betaMessage, "Boundaries are new.");
   EXPECT_TRUE(child.evaluate(at.context, &at.evaluation));
   EXPECT_FALSE(child.evaluate(TDFContext("/Case"), &at.evaluation));
@@ -626,7 +626,7 @@ TEST(RuleLoader, BeyondTheLimitErrorsAreCountedOnly) {
 }
 
 /// Runs `work` and fails when it takes as long as only a careless quadratic algorithm does: minutes of the processor,
-/// where seconds are enough. What else the machine does is not counted.
+/// where seconds are enough. Other work of the machine is not counted.
 template <typename Work>
 void inShortTime(Work work) {
   std::clock_t const begin = std::clock();

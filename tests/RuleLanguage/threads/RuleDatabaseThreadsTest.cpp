@@ -40,7 +40,8 @@ using testing::StartsWith;
 using Transcript = std::vector<std::string>;
 using Job = std::function<Transcript(PhysicsData const&)>;
 
-/// What each job says, all on threads of their own. They begin together, so that first questions meet.
+/// The transcript of each job, each run on its own thread. The jobs begin together, so that their first look-ups
+/// coincide.
 std::vector<Transcript> onThreads(std::vector<Job> const& jobs, PhysicsData const& rules) {
   std::latch start(static_cast<std::ptrdiff_t>(jobs.size()));
   std::vector<std::future<Transcript>> running;
@@ -64,7 +65,7 @@ std::vector<Transcript> onOneThread(std::vector<Job> const& jobs, PhysicsData co
   return said;
 }
 
-/// Real parameters measure what the rules say, which may hang on the model.
+/// Real parameters have the quantity types of the rules, which may depend on the model.
 class QuantitiesOfRules final : public QuantityModifier {
  public:
   explicit QuantitiesOfRules(PhysicsData const& rules) noexcept : rules_(rules) {}
@@ -110,7 +111,7 @@ void tellUpdate(Transcript& transcript, ProvisionalTDF const& state) {
     transcript.push_back("measures " + path + ": " + quantity);
 }
 
-/// Edits the object at `root` of `model`, which is the job's own, and tells each update.
+/// Edits the object at `root` of `model`, which belongs to the job, and records each update.
 Job editing(ModelState model, std::string root, std::vector<std::string> edits) {
   return [model = std::move(model), root = std::move(root), edits = std::move(edits)](PhysicsData const& rules) {
     DynamicTDF base(false);
@@ -148,9 +149,9 @@ Job validating(std::vector<ModelState> models) {
   };
 }
 
-/// Pipes of a district heating net. What the threads may make for themselves is here: a list that is long enough for an
-/// index, fixed and by name; a part that does not hang on the pipe and is kept, `count`; calls of named rules; bounds
-/// and a quantity type that hang on the model; and a beta message.
+/// Pipes of a district heating net. The rules contain everything that threads may create on first use: a list that is
+/// long enough for an index, fixed and by name; a part that does not depend on the pipe and is kept, `count`; calls of
+/// named rules; bounds and a quantity type that depend on the model; and a beta message.
 constexpr char const* heatingRules = R"yaml(Rule Database: 1
 Pertinent Roots: [Case]
 Quantity Types:

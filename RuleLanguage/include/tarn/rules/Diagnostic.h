@@ -17,14 +17,14 @@ enum class Severity { Error, Warning };
 /// A change of a rule file that removes a problem. A program can apply it without asking what it means: replace the
 /// characters from `line`, `column` up to `endLine`, `endColumn` of `source` by `text`.
 struct TARN_EXPORT DiagnosticFix {
-  /// What the change does, as a menu would say it: "Replace 'exist' by 'exists'".
+  /// The effect of the change, as a menu would name it: "Replace 'exist' by 'exists'".
   std::string title;
   std::string source;
   std::size_t line = 1;
   std::size_t column = 1;
   std::size_t endLine = 1;
   std::size_t endColumn = 1;
-  /// Exactly as it has to stand in the file: quotes and escapes of YAML are included.
+  /// The replacement, exactly as the file must contain it: with the quotes and escapes of YAML.
   std::string text;
 };
 
@@ -48,8 +48,8 @@ struct TARN_EXPORT Diagnostic {
   /// One sentence. It ends with what to write instead when there is a near match or a common mistake.
   std::string message;
 
-  /// The text of line `line`, for display. Of a very long line only the part around `column` is kept; `sourceColumn` is
-  /// the column where that part begins.
+  /// The text of line `line`, for display. If the line is very long, only the part around `column` is kept.
+  /// `sourceColumn` is the column where that part begins.
   std::string sourceLine;
   std::size_t sourceColumn = 1;
 

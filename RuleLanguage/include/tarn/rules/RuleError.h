@@ -9,8 +9,8 @@
 
 namespace tarn::rules {
 
-/// Thrown by `loadRules` and `parseRules` when rule files contain errors. The message is all of them as text, so a
-/// program that only prints it tells its user everything:
+/// Thrown by `loadRules` and `parseRules` when rule files contain errors. The message contains all of them as text, so
+/// a program that only prints it shows its user everything:
 ///
 ///     try {
 ///       rules = tarn::rules::loadRules("flow.rules.yaml");

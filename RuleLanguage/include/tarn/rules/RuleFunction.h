@@ -24,9 +24,9 @@ struct RuleFunction {
   std::string_view group;
   /// Every form of the call, separated by ", ": `name(), name(set)`.
   std::string_view signature;
-  /// What the call returns, without a full stop at the end.
+  /// A description of the result of the call, without a full stop at the end.
   std::string_view help;
-  /// The kind of the result, in words: "a number". "a value" when it depends on the arguments.
+  /// The kind of the result, in words: "a number", or "a value" when it depends on the arguments.
   std::string_view result;
   /// How many arguments a call takes, at least and at most. Without an upper limit, `most` is `unlimited`.
   std::size_t least = 0;

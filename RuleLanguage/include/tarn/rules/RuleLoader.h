@@ -13,9 +13,8 @@
 
 namespace tarn::rules {
 
-/// Limits that keep hostile or broken files from exhausting memory, stack or time. What is beyond a limit is an error
-/// with the code "limit-exceeded" or, for a whole file, "unreadable-file". The defaults are far above every real rule
-/// base.
+/// Limits that keep hostile or broken files from exhausting memory, stack or time. Exceeding a limit is an error with
+/// the code "limit-exceeded" or, for a whole file, "unreadable-file". The defaults are far above every real rule base.
 struct LoadLimits {
   /// Bytes of one file.
   std::size_t fileSize = std::size_t{256} << 20;
@@ -38,8 +37,8 @@ struct LoadLimits {
   std::size_t errors = 1000;
 };
 
-/// Loads a rule database from files and folders, in the order given. A folder stands for its files `*.rules.yaml` in
-/// the order of their names; its subfolders are not read. A later file may continue an object of an earlier one: its
+/// Loads a rule database from files and folders, in the order given. A folder means its files `*.rules.yaml` in the
+/// order of their names; its subfolders are not read. A later file may continue an object of an earlier one: its
 /// entries are appended.
 ///
 /// Returns the complete database; it keeps no reference to the files. Throws a `RuleError` with all errors of all files
