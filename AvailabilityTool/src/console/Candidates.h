@@ -9,7 +9,7 @@ class ProvisionalTDF;
 
 namespace tarn::tool {
 
-/// What a component of a path, or the name of a file, leads to.
+/// The paths that a component of a path, or the name of a file, leads to.
 struct Candidate {
   /// The path that ends here is of the kind that is searched.
   bool whole = false;

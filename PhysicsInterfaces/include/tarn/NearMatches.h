@@ -12,8 +12,8 @@ namespace tarn {
 /// Searches for the names that were probably meant, with a limit on the total work.
 ///
 /// One search is linear in the number of candidates. So ten thousand misspelt names among ten thousand known ones would
-/// take minutes. Whoever proposes names for many misspelt ones makes one object for all of them; when its limit is
-/// reached, it proposes nothing more. For a single name use `StringUtilities::nearMatch`.
+/// take minutes. To propose names for many misspelt ones, make one object for all of them. When its limit is reached,
+/// it proposes nothing more. For a single name use `StringUtilities::nearMatch`.
 class TARN_EXPORT NearMatches {
  public:
   static constexpr std::size_t defaultLimit = 500'000;

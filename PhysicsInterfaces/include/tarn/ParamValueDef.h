@@ -59,7 +59,7 @@ class TARN_EXPORT ParamValueDef {
   /// The default. The first entry of `defaultChecks` whose condition holds takes precedence. Null: none.
   std::unique_ptr<TextExpression> defaultValue;
   std::vector<GuardedText> defaultChecks;
-  /// What replaces a default that is not allowed now: true for blank, false for the first value on offer.
+  /// The replacement of a default that is not allowed now: true for blank, false for the first value on offer.
   bool fallbackToBlankDefault = false;
 
   /// The first entry whose condition holds is the override in force.

@@ -72,8 +72,8 @@ class TARN_EXPORT PathPattern {
   bool resolve(TDFContext const& context, std::string& path) const;
 
   /// The objects that the pattern matches in `model`, each once, in the order of the model. `Type:*` reads the model by
-  /// `getChildObjectPathsByType`, `*` and `**` by `getChildObjectPaths`, depth first and parents before children. Of
-  /// steps to single objects only the last one is checked, by `hasObject`.
+  /// `getChildObjectPathsByType`, `*` and `**` by `getChildObjectPaths`, depth first and parents before children. When
+  /// steps lead to single objects, only the last of these steps is checked, by `hasObject`.
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, ModelTDF const& model) const;
 
   /// Calls `holds` for the objects that `expand` returns, in their order, until it returns true. Returns whether it

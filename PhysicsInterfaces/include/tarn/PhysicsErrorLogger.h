@@ -12,8 +12,8 @@ namespace tarn {
 ///
 /// The validator calls `reset` when it gets another model. Then it calls the two log operations in the order in which
 /// it finds something, and each of the two queries once at the end of its phase. A logger must keep its findings until
-/// the next `reset`: for an unchanged model the validator does not repeat them. What an operation throws ends the
-/// validation and reaches its caller.
+/// the next `reset`: for an unchanged model the validator does not repeat them. An exception that an operation throws
+/// ends the validation and reaches its caller.
 class TARN_EXPORT PhysicsErrorLogger {
  public:
   virtual ~PhysicsErrorLogger();

@@ -8,9 +8,9 @@
 
 namespace tarn {
 
-/// What the evaluation of an expression may read: values of parameters, the existence and number of objects, the name
-/// of its context. Explanation, lint, and everything that skips work because nothing has changed depend on it. So it
-/// must name at least what the evaluation reads; it may name more.
+/// The reads that the evaluation of an expression may make: values of parameters, the existence and number of objects,
+/// the name of its context. Explanation, lint, and everything that skips work because nothing has changed depend on it.
+/// So it must name at least what the evaluation reads; it may name more.
 struct TARN_EXPORT RuleReads {
   struct Parameter {
     /// The objects whose parameter is read. A relative pattern starts at the object that owns the rule.
@@ -25,7 +25,7 @@ struct TARN_EXPORT RuleReads {
   /// is read from the model.
   bool contextIdentity = false;
   /// The evaluation may read anything: the model, the context, and things outside the model that change between two
-  /// evaluations. What the other members list is then not complete. An expression with unknown reads is evaluated
+  /// evaluations. The lists of the other members are then incomplete. An expression with unknown reads is evaluated
   /// whenever its value is needed.
   bool unknown = false;
 

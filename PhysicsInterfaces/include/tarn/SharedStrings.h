@@ -29,7 +29,7 @@ class TARN_EXPORT SharedStrings {
   // A reference to the items of a temporary list would dangle: write `.vector()`.
   operator std::vector<std::string> const&() const&& = delete;
 
-  /// The items. The reference is valid as long as this list or a copy of it exists. Of a temporary list the items are
+  /// The items. The reference is valid as long as this list or a copy of it exists. The items of a temporary list are
   /// copied, because a reference to them would dangle at the end of the statement.
   [[nodiscard]] std::vector<std::string> const& vector() const& noexcept { return items(); }
   [[nodiscard]] std::vector<std::string> vector() const&& { return items(); }

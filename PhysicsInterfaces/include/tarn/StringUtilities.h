@@ -59,7 +59,7 @@ TARN_EXPORT void splitPathName(std::string const& paramPath, std::string* objPat
 [[nodiscard]] TARN_EXPORT std::string toLower(std::string text);
 [[nodiscard]] TARN_EXPORT std::string toUpper(std::string text);
 
-/// True when the texts are equal but for the case of letters.
+/// True when the texts are equal or differ only in the case of letters.
 [[nodiscard]] TARN_EXPORT bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace tarn::StringUtilities

@@ -56,7 +56,8 @@ class TARN_EXPORT TDFParam {
   [[nodiscard]] static std::pair<float, bool> valueAsFloat(std::string const& value, std::string& number,
                                                            std::string& units);
 
-  /// The value of the text as a number, quantity or logical value, as defined above. Empty if it is none.
+  /// The value of the text as a number, quantity or logical value, as defined above. Empty if the text is not of this
+  /// form.
   [[nodiscard]] static std::optional<double> asNumber(std::string_view text) noexcept;
   [[nodiscard]] static std::optional<Quantity> asQuantity(std::string_view text) noexcept;
   [[nodiscard]] static std::optional<bool> asLogical(std::string_view text) noexcept;

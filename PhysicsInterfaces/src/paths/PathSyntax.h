@@ -6,7 +6,7 @@
 
 namespace tarn::path_syntax {
 
-/// What is wrong with a text, and at which position. There is no fault if `reason` is null.
+/// The fault of a text, and its position. There is no fault if `reason` is null.
 struct Fault {
   char const* reason = nullptr;
   std::size_t offset = 0;  // in bytes from the start of the text

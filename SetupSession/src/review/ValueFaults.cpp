@@ -42,7 +42,7 @@ std::string notANumber(std::string_view text) {
   return corrected.empty() ? "is not a number" : "is not a number; units are written in brackets: " + shown(corrected);
 }
 
-// What is wrong with the quantity under these bounds; empty when it is within.
+// The fault of the quantity under these bounds. Empty when it is within them.
 std::string outOfBounds(TDFParam::Quantity const& quantity, std::pair<std::string, std::string> const& bounds) {
   auto const comparable = [&quantity](std::string const& bound) -> std::optional<double> {
     if (bound.empty()) return std::nullopt;
@@ -116,7 +116,7 @@ Walk::HandlerStatus Walk::onParamCheck(ParamAvailInfo const* info) {
   return Continue;
 }
 
-// What is wrong with a value, or with an item of a list, of element type `type`; empty when nothing is.
+// The fault of a value, or of an item of a list, of element type `type`. Empty when there is no fault.
 std::string Walk::faultOf(ParamAvailInfo const& info, std::string_view text, TDFParam::Type type) const {
   if (type == TDFParam::Logical) {
     if (TDFParam::asLogical(text) || isAllowed(info, text)) return {};

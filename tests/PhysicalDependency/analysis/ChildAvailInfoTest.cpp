@@ -1,4 +1,4 @@
-// What onChildCheck is told about a type of children.
+// The record of a type of children that onChildCheck gets.
 
 #include <tarn/ChildAvailInfo.h>
 
@@ -23,7 +23,7 @@ using test::never;
 using test::Rules;
 using Strings = std::vector<std::string>;
 
-/// Writes down all that each child record of a walk tells.
+/// Records the content of each child record of a walk.
 class ChildWalk final : public DependencyAnalyser {
  public:
   using DependencyAnalyser::DependencyAnalyser;

@@ -1,5 +1,5 @@
-// The walk: order of events, what it reads when, what the hooks' results do, and how it ends. What the records tell has
-// tests of its own.
+// The walk: the order of events, its reads and their order, the effect of the hooks' results, and its end. The content
+// of the records has tests of its own.
 
 #include <tarn/DependencyAnalyser.h>
 
@@ -91,7 +91,7 @@ class DependencyAnalyserTest : public testing::Test {
     return analyser_.events;
   }
 
-  /// What the hook does of which `Recorder` writes that line, without its marks.
+  /// Sets the action of the hook for which `Recorder` writes the line `event`, without its marks.
   void at(std::string const& event, Status result) {
     analyser_.at[event] = [result] { return result; };
   }
@@ -311,7 +311,7 @@ class DependencyAnalyserContextTest : public DependencyAnalyserTest {
     rules.child("Eddy").singleton().inContexts({"Turbulent"});
   }
 
-  /// The entries behind the first that are available.
+  /// The available entries after the first one.
   Strings availableWith(ObjectState const& state) {
     model_ = MapModel{{"/Case", state}};
     Strings available;
@@ -366,7 +366,7 @@ TEST_F(DependencyAnalyserContextTest, AParameterThatItsHookDeletesCountsAsAbsent
   EXPECT_EQ(availableWith({{"Compressible", "Yes"}}), (Strings{"Compressible", "Blank"}));
 }
 
-// What hooks do to the model.
+// Hooks that change the model.
 
 TEST_F(DependencyAnalyserTest, TheModelIsReadRightAfterTheHookForWhatIsRead) {
   MapModel model;
@@ -477,7 +477,7 @@ TEST_F(DependencyAnalyserTest, AHookMayWalkWithAnotherAnalyser) {
   EXPECT_EQ(other.events, (Strings{"begin /Case/Domain:rotor unknown required", "end /Case/Domain:rotor required"}));
 }
 
-// What the hooks return: every status at every hook.
+// The results of the hooks: every status at every hook.
 
 class DependencyAnalyserStatusTest : public DependencyAnalyserTest {
  protected:

@@ -31,7 +31,7 @@ using Strings = std::vector<std::string>;
 using Bounds = std::pair<std::string, std::string>;
 using Override = std::pair<bool, std::string>;
 
-/// An expression that tells how often it was evaluated: "1", "2", ...
+/// An expression that returns how often it was evaluated: "1", "2", ...
 std::unique_ptr<TextExpression> counting(int& count) {
   return text([&count](TDFContext const&, ModelTDF const&) { return std::to_string(++count); });
 }
@@ -60,7 +60,7 @@ class ObjDependencyTest : public testing::Test {
     return rules;
   }
 
-  /// The parameter entries in order, those that are available with a "+" behind the name.
+  /// The parameter entries in order. Available entries have a "+" after the name.
   static Strings walkParams(ObjDependency& rules) {
     Strings seen;
     for (rules.firstParam(); !rules.isDoneParam(); rules.nextParam()) {
@@ -582,7 +582,7 @@ TEST_F(ObjDependencyTest, OffAnEntryNothingIsAvailableAndOnlyTheNamesThatAreAlwa
   EXPECT_EQ(names.defaultNames, Strings{"wall"});
 }
 
-// What is evaluated once, and what every time.
+// Evaluation once or every time.
 
 TEST_F(ObjDependencyTest, BoundsAreEvaluatedOnceForEachStandOnAParameter) {
   int count = 0;

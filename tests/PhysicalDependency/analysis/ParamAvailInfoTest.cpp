@@ -1,4 +1,4 @@
-// What onParamCheck is told about a parameter, and what asking costs.
+// The record of a parameter that onParamCheck gets, and the cost of its getters.
 
 #include <tarn/ParamAvailInfo.h>
 

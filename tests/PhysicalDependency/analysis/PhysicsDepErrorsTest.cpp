@@ -16,7 +16,7 @@ Exception made() {
   return Exception("DynamicTDF::Node::ParamVal", "modifyValue", "The value does not fit.", errorType::InvalidState);
 }
 
-/// Everything that an error tells, as a caller sees it that catches the base.
+/// The content of an error, as seen by a caller that catches the base class.
 std::string told(Error const& error) {
   std::ostringstream written;
   error.write(written);

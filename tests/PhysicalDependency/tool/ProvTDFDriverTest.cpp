@@ -1,5 +1,5 @@
-// The command loop, driven as a user drives it: lines in, text out, compared whole. What the state printer writes for
-// an edit is its own business; sessions here run without a logger on the state where only the driver's words matter.
+// The command loop, driven as a user drives it: lines in, text out, compared whole. The output for an edit is tested
+// with the state printer. Sessions here run without a logger on the state when only the driver's own output matters.
 
 #include <tarn/ProvTDFDriver.h>
 
@@ -50,7 +50,7 @@ struct RotorRules : PhysicsData {
   }
 };
 
-/// What is printed when this path is refused.
+/// The text that is printed when this path is refused.
 std::string messageOfPath(std::string const& path) {
   std::ostringstream message;
   try {
@@ -77,7 +77,7 @@ class ProvTDFDriverTest : public testing::Test {
     printer_.reset();
   }
 
-  /// What the tool writes for the input.
+  /// The output of the tool for the input.
   std::string session(std::string const& input, bool quiet = true, bool strict = true) {
     std::istringstream in(input);
     std::ostringstream out;

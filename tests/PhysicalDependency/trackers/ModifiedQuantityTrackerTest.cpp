@@ -1,4 +1,4 @@
-// What becomes of a value on its way through the tracker, when the modifier is asked, and what is told of it.
+// The path of a value through the tracker: when the modifier is asked, the value that results, and what is reported.
 
 #include <tarn/ModifiedQuantityTracker.h>
 

@@ -1,4 +1,4 @@
-// What one walk found potential: what is kept, what a path finds, and what goes with a path.
+// The potential items that one walk found: what is kept, what a path finds, and what is removed with a path.
 
 #include <tarn/PotentialUpdateData.h>
 

@@ -1,5 +1,5 @@
-// Loading, merging and mirroring: what the tree holds afterwards. What they enter in the log stands in the test of the
-// change log.
+// Loading, merging and mirroring: the content of the tree afterwards. The test of the change log covers their log
+// entries.
 
 #include <tarn/DynamicTDF.h>
 

@@ -117,8 +117,8 @@ void expectSame(DynamicTDF const& tree, PlainModel const& plain, RandomEdits& ed
   }
 }
 
-/// What the log says, done to `before`. Folding is the reader's work: a parameter that stands in any list has the value
-/// that it has now, or is gone.
+/// Applies the log to `before`. The reader combines the entries: a parameter that is in any list has its present value,
+/// or is gone.
 ModelState replayed(ModelState before, DynamicTDF const& tree) {
   std::set<ParamId> touched;
   for (auto const* list : {&tree.getAddedParameters(), &tree.getModifiedParameters(), &tree.getDeletedParameters()}) {
@@ -135,7 +135,7 @@ ModelState replayed(ModelState before, DynamicTDF const& tree) {
   return before;
 }
 
-/// Of one parameter, additions and deletions take turns, so their numbers tell how it was before and is now.
+/// Additions and deletions of one parameter alternate, so their numbers show whether it existed before and exists now.
 void expectBalancedLog(ModelState const& before, DynamicTDF const& tree) {
   std::map<ParamId, int> balance;
   for (auto const& id : tree.getAddedParameters()) ++balance[id];
@@ -282,7 +282,7 @@ TEST(DynamicTDFLaws, ATreeThatIsLoadedAgainAndAgainIsAsOneLoadedOnce) {
       once.initialise(state.begin(), state.end(), skipEmpty);
       ASSERT_EQ(often.getState(""), once.getState("")) << "seed " << seed << ", load " << load;
       ASSERT_EQ(listing(often), listing(once)) << "seed " << seed << ", load " << load;
-      // What happens to it in between shows in no later load.
+      // Changes between two loads do not affect a later load.
       if (random() % 3 == 0) often.setParameter("/Case/Domain:a", "Extra", "1");
       if (random() % 3 == 0) often.setParameter("/Log", "Title", "by hand");
       if (random() % 5 == 0) often.deleteParameter("/Case", "Motion");

@@ -193,7 +193,7 @@ TEST_F(PVModelTDF, OfNamedObjectsOnlyALaterNameOfTheirsLeadsIntoTheSubtree) {
   EXPECT_FALSE(view_.isInMissingSubtree("/Case/Domain:a/Boundary:x/Layer:b"));
   EXPECT_FALSE(view_.isInMissingSubtree("/Case/Domain"));
   EXPECT_FALSE(view_.isInMissingSubtree("/Case/Domain:a/Boundary:"));
-  // Of a longer type the first ":" is taken for a later one.
+  // If a longer type begins with this type, its first ":" is taken for a later one.
   EXPECT_TRUE(view_.isInMissingSubtree("/Case/Domains:a"));
 }
 

@@ -358,7 +358,7 @@ TEST_F(PhysicsValidator2OnChildren, ObjectsWithoutAnEntryInTheirParentAreNotVisi
 
 class PhysicsValidator2OnBetaMessages : public ValidationTest {
  protected:
-  /// What the walk of `model` logs, with the levels.
+  /// The log of the walk of `model`, with the levels.
   Strings logged(ModelState const& model) {
     validator().setBetaLoggingController(&beta_);
     validator().setLogger(&recorded_);

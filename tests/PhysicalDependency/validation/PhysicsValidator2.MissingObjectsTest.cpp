@@ -1,5 +1,5 @@
-// Required objects that are absent: when their absence is a fault, what is said, in which order, and that nothing of
-// the trial is left. What goes on within a placeholder is seen by conditions that look around from there.
+// Required objects that are absent: when their absence is a fault, the messages and their order, and that nothing of
+// the trial is left. Conditions that read the model from inside a placeholder show what the walk does there.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

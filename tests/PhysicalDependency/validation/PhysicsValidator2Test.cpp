@@ -511,7 +511,7 @@ TEST_F(PhysicsValidator2, NoResultIsCachedFromOneRunToTheNext) {
   EXPECT_THAT(found, ElementsAre(false, true, false, true));
 }
 
-/// Notes what it is told, without the durations.
+/// Records all measurements, without the durations.
 class NotedMeasurements final : public MeasurementSink {
  public:
   NotedMeasurements() { set(this); }

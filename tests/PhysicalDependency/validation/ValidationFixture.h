@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of the validator share: conditions and checks that look at the evaluation itself, a logger that
+// Shared by the tests of the validator: conditions and checks that look at the evaluation itself, a logger that
 // remembers everything, and a fixture that validates a case of a pump.
 
 #include <gmock/gmock.h>
@@ -64,7 +64,7 @@ inline Decision counting(int& count) {
   };
 }
 
-/// Remembers what it is told, levels included, and how often it was reset.
+/// Records all messages with their levels, and how often it was reset.
 class RecordingLogger final : public PhysicsErrorLogger {
  public:
   void logDependencyError(std::string const& path, PhysicsErrorMsg const& message) override {

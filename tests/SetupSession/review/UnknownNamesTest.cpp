@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What the findings are about: "path" for an object, "path|name" for a parameter.
+// The names that the findings concern: "path" for an object, "path|name" for a parameter.
 std::vector<std::string> placesOf(UnknownNames::Result const& result) {
   std::vector<std::string> places;
   for (UnknownName const& one : result.names) places.push_back(one.path + (one.name ? '|' + *one.name : ""));
@@ -118,7 +118,7 @@ TEST_F(UnknownNamesTest, AnObjectThatOnlyADeeperPathImpliesIsToldOnce) {
 }
 
 TEST_F(UnknownNamesTest, AnUnknownObjectThatByteOrderTearsApartIsToldOnce) {
-  // "/Case/Mesh 2" stands between "/Case/Mesh" and what is below it.
+  // "/Case/Mesh 2" comes between "/Case/Mesh" and what is below it.
   EXPECT_THAT(placesOf(find({{"/Case/Mesh", {}}, {"/Case/Mesh 2", {}}, {"/Case/Mesh/Layer:1", {{"Height", "1"}}}})),
               ElementsAre("/Case/Mesh", "/Case/Mesh 2"));
 }

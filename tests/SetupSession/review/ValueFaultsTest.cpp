@@ -160,7 +160,7 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
 
   EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(2));
 
-  // What is allowed is asked for although the walk has not evaluated it.
+  // The allowed values are evaluated although the walk has not evaluated them.
   model.setParameter("/Case", "Speed", "automatic");
   EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
 }
@@ -189,7 +189,7 @@ TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
   model.setParameter("/Case", "Speed", "7");
   EvalContext context(&model);
 
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), IsEmpty()) << "a bound that is no number is none";
+  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), IsEmpty()) << "a bound that is not a number is ignored";
   model.setParameter("/Case", "Maximum Speed", "5");
   EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
 }

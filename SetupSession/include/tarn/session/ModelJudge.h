@@ -11,7 +11,7 @@
 
 namespace tarn::session {
 
-/// What a judge looks at.
+/// The parts of a model that a judge checks, and how.
 struct JudgeOptions {
   /// Paths of the objects where the walks start, in the form that `TDFPath::getFullPath` gives. Empty: the walks start
   /// at each object at the root of the model whose type is pertinent.
