@@ -18,7 +18,7 @@ cat >valve.md <<'END'
 Of a valve.
 
 - The seat stands in the body.
-- The flow is told.
+- The flow is told. Flows can be told apart.
 
 What is a valve? Nothing else. These are all the same.
 END
