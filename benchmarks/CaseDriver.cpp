@@ -6,7 +6,7 @@
 //     CaseDriver list                         names the operations
 //
 // Prints `operation <tab> milliseconds of processor time`, the median of many runs, one a line. The program ends with
-// an error when anything is not what the case says, so that no time of wrong work is ever printed.
+// an error when a result differs from the case. So it never prints the time of wrong work.
 #include <exception>
 #include <functional>
 #include <iostream>

@@ -1,5 +1,6 @@
-// Does what users do most on a small case, so that the processor's instructions can be counted: a measure of speed that
-// no other work on the machine disturbs. Run by `tools/instructions`, which says what it does with the counts.
+// Runs the most frequent operations of users on a small case and counts the processor's instructions. Other work on the
+// machine does not disturb this measure of speed. `tools/instructions` runs this program, and its header explains the
+// use of the counts.
 //
 //     CaseInstructions               each operation, counted when it runs under callgrind
 //     CaseInstructions --compiler    prints what compiled it

@@ -1,8 +1,7 @@
-// How many boundaries are inlets, outlets and walls, and which turbulence models they go with, was drawn at random once
-// for 25, 250 and 2500 domains and is a table since then: results stay comparable, and what an edit adds and removes
-// follow from the table alone. Their positions and the numbers come from a generator with a
-// fixed seed. `std::mt19937` gives the same sequence everywhere; the distributions and `std::shuffle` do not, so they
-// are not used.
+// The numbers of inlets, outlets and walls, and their turbulence models, were drawn at random once for 25, 250 and 2500
+// domains. They are now a table, so results stay comparable, and the table alone determines what an edit adds and
+// removes. Their positions and the numbers come from a generator with a fixed seed. `std::mt19937` gives the same
+// sequence everywhere; the distributions and `std::shuffle` do not, so they are not used.
 #include "CaseWorkload.h"
 
 #include <algorithm>

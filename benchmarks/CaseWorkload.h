@@ -46,7 +46,7 @@ class CaseWorkload {
   /// The expected findings: for each, the path of its object, sorted.
   [[nodiscard]] std::vector<std::string> const& findings() const noexcept { return findings_; }
 
-  /// One mistake for each kind of rule, to be made one at a time, for systems that tell only the first.
+  /// One mistake for each kind of rule. They are made one at a time, for systems that report only the first mistake.
   [[nodiscard]] std::vector<Mistake> mistakes() const;
   [[nodiscard]] ModelState with(Mistake const& mistake) const;
 

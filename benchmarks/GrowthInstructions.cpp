@@ -1,5 +1,6 @@
-// Feeds the libraries input that somebody made to be a burden, in three sizes, so that the processor's instructions can
-// be counted and be seen to grow as the input does. Run by `tools/instructions --growth`, which judges the counts.
+// Gives the libraries input that was made to be a burden, in three sizes. The counts of the processor's instructions
+// show whether the work grows in proportion to the input. `tools/instructions --growth` runs this program and judges
+// the counts.
 //
 //     GrowthInstructions               each kind of input, counted when it runs under callgrind
 //     GrowthInstructions --quadratic   only one kind, whose work grows with the square of its size

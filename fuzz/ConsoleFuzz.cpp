@@ -1,5 +1,5 @@
-// Any bytes as what a user types at the console: every line is obeyed or refused, no exception ends the loop, the state
-// is whole afterwards, and the same lines give the same text again. The output is discarded, and commands that take a
+// Any bytes as input of a user at the console. Every line is executed or refused, no exception ends the loop, the state
+// is intact afterwards, and the same lines give the same text again. The output is discarded, and commands that take a
 // file find only those of a temporary folder.
 
 #include <array>

@@ -1,10 +1,11 @@
 // Bytes as random rules, models and edits of the object `/Case/Domain:rotor`. After every edit the laws of
-// ProvisionalTDF hold, a second state that went the same way over a model of another kind agrees, and so does a plain
-// second reading of what the edits mean.
+// ProvisionalTDF hold. A second state with the same edits over a model of another kind agrees, and so does a plain
+// second implementation of the edits.
 //
-// The first byte says whether the rules are wild, the second how many of the others, by sixteen, are for the rules and
-// the models; what is left is for the edits. Rules take what they need beyond their bytes from a fixed sequence, so a
-// few bytes make a whole case and any byte can be changed without the rest changing its meaning.
+// The first byte decides whether the rules are wild. The second byte, times sixteen, is the number of bytes for the
+// rules and the models. The remaining bytes are for the edits. When rules need more than their bytes, they take them
+// from a fixed sequence. So a few bytes make a whole case, and a change of one byte does not change the meaning of the
+// others.
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 // Lines of bytes as paths, patterns, items of model text and values: each line is read as all of them, or refused with
-// an error; what was read prints back to what reads alike, and what the headers promise of one, two or three of them
-// holds.
+// an error. A result that was read prints as a text that reads as the same result. The promises of the headers about
+// one, two or three of them hold.
 
 #include <algorithm>
 #include <cmath>

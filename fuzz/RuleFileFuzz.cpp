@@ -1,5 +1,5 @@
-// Any bytes as a rule file: they are loaded, or refused with diagnostics whose places lie in the text and which can be
-// printed. The limits are narrow, to reach what lies beyond them quickly.
+// Any bytes as a rule file: they are loaded, or refused with diagnostics. The places of the diagnostics lie in the
+// text, and the diagnostics can be printed. The limits are low, so that input exceeds them quickly.
 
 #include <cstddef>
 #include <cstdint>

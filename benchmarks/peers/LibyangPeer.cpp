@@ -1,9 +1,9 @@
 // The case in libyang, the C library that validates configuration trees against YANG modules: a general rule engine
 // that many devices run. The module is case.yang.
 //
-// Where it does less than this library does, it is let off: it stops at the first fault, so only sound cases are timed;
-// it does not tell what is potential, so that is not asked; a value that is no longer allowed it reports and does not
-// reset, so no such edit is timed.
+// Work that it does not do is not measured. It stops at the first fault, so only sound cases are timed. It does not
+// report potential items, so nothing asks for them. It reports a value that is no longer allowed but does not reset it,
+// so no such edit is timed.
 #include <libyang/libyang.h>
 
 #include <algorithm>
@@ -157,8 +157,8 @@ std::size_t countParameters(lyd_node* tree) {
   return count;
 }
 
-/// How many parameters the difference creates or deletes. The operation of a node stands with it or with the nearest
-/// node above that has one.
+/// How many parameters the difference creates or deletes. The operation of a node is stored with it, or with the
+/// nearest node above that has one.
 std::size_t countOperation(lyd_node* tree, std::string_view operation) {
   std::size_t count = 0;
   visitParameters(tree, [&](lyd_node* parameter) {

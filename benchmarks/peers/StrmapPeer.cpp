@@ -1,9 +1,9 @@
-// The rules of the case written by hand in C++ over maps of strings: what a program would do that needs no rule files
-// and keeps its model in the plainest way that still has paths and names. A lower bound for a rule engine on such a
+// The rules of the case written by hand in C++ over maps of strings. A program without rule files would do this if it
+// kept its model in the simplest form that still has paths and names. This is a lower bound for a rule engine on such a
 // model.
 //
-// The rules of each type of object stand once, in a function that takes a visitor: one visitor judges what is there,
-// the other brings it in line and lists what it did.
+// The rules of each type of object are written once, in a function that takes a visitor. One visitor judges the model.
+// The other visitor corrects it and lists the changes.
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,6 +1,6 @@
-// The rules of the case written by hand in C++ over structures that know every parameter by its place: enumerations,
-// numbers, and a bit for each parameter that is there. No paths, no names, no texts. Nothing that evaluates these rules
-// can be faster by much; the distance to it is the price of everything else.
+// The rules of the case written by hand in C++ over structures with a member for every parameter: enumerations,
+// numbers, and a bit for each parameter that is present. There are no paths, names or strings. No program that
+// evaluates these rules can be much faster. The difference to this program is the price of everything else.
 #include <algorithm>
 #include <array>
 #include <bit>

@@ -1,5 +1,4 @@
-// Reads a YAML file with libyaml and does nothing with what it reads: the least that the loading of a rule file can
-// take that is built on this parser.
+// Reads a YAML file with libyaml and discards the content. Loading a rule file with this parser cannot take less time.
 //
 //     YamlPeer FILE
 #include <yaml.h>

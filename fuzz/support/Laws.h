@@ -15,7 +15,7 @@ namespace tarn::fuzz {
   std::abort();
 }
 
-/// Ends the program, with the law and what it was tried on told, when the law does not hold.
+/// Ends the program when the law does not hold, and prints the law and the input.
 inline void require(bool holds, std::string_view law, std::string_view input) {
   if (!holds) fail(law, input);
 }

@@ -1,4 +1,4 @@
-// The numbers on the page about limits against those that the program goes by.
+// The numbers on the page about limits are those that the program uses.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

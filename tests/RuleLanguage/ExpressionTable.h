@@ -40,7 +40,7 @@ inline std::string listText(std::vector<std::string> const& items) {
   return text + "]";
 }
 
-/// Tables of expressions and what they come to, one line a case, over the model of a pump:
+/// Tables of expressions and their results, one line a case, over the model of a pump:
 ///
 ///     expectTexts({{"1 + 2", "3"}, {"${Motion}", "Rotating"}});
 ///     expectLists({{"('b', 'a')", "[b, a]"}});

@@ -1,10 +1,10 @@
-// Answers questions about rules and a model, one a line, so that a document can show what a rule does and a test can
-// see that it is so.
+// Answers questions about rules and a model, one a line, so that a document can show the effect of a rule and a test
+// can check it.
 //
 //     ask MODEL RULES... < questions
 //
-// A question is a word and what it is asked of; the answer is one line. See `answer` for the words. Everything is asked
-// of the library as any program would ask it: this is a user of the library, not a part of it.
+// A question is a word and its arguments. The answer is one line. See `answer` for the words. The program uses the
+// library as any other program would. It is not a part of the library.
 #include <cstdio>
 #include <exception>
 #include <functional>

@@ -1,4 +1,5 @@
-// Completion in bash, as bash runs it: the words of a command line go in, the ways to go on come out.
+// Completion in bash, as bash runs it: the input is the words of a command line, the output is the possible
+// completions.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -2,11 +2,11 @@
 // byte. A case is a folder beside this file:
 //
 //     command   a shell command; `zev` is the built program, the current folder is the case
-//     stdin     what the command reads; none when the file is missing
-//     stdout, stderr, exit   what must come of it
+//     stdin     the input of the command; empty when the file is missing
+//     stdout, stderr, exit   the expected output and exit status
 //
-// To write stdout, stderr and exit anew from what the program does now, set TARN_UPDATE_GOLDEN=1, and read the
-// difference before you commit it. Where CI is set that is refused.
+// To write stdout, stderr and exit from the present output of the program, set TARN_UPDATE_GOLDEN=1, and read the
+// difference before you commit it. This is refused when CI is set.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -87,7 +87,7 @@ Outcome run(fs::path const& folder) {
   std::string const path = "PATH=" + fs::path(TARN_ZEV).parent_path().string() + ":/usr/bin:/bin";
   std::string const scratchVariable =
       "SCRATCH=" + scratch.string();  // a folder of its own, for what a case has to make
-  // A program that counts the lines that it runs does not tell of counts that it could not write.
+  // A program that counts its executed lines does not report counts that it could not write.
   char const* const environment[] = {path.c_str(), scratchVariable.c_str(), "LC_ALL=C.UTF-8",
                                      "GCOV_ERROR_FILE=/dev/null", nullptr};
   char const* const argv[] = {"/usr/bin/timeout", "--signal=KILL", "60", "/bin/sh", "-c", command.c_str(), nullptr};

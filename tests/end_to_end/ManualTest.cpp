@@ -1,4 +1,4 @@
-// The manual page against what the program itself says that it takes.
+// The manual page lists the options that the program itself reports.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ std::set<std::string> optionsIn(std::string const& text) {
   return options;
 }
 
-/// Lines of the manual from behind that with `title` to the next title at its level or above.
+/// The lines of the manual after the line with `title`, up to the next title at its level or above.
 std::string section(std::string const& title) {
   std::istringstream stream(outputOf("groff -Tascii -P-cbou -mandoc " + page));
   std::string text;
@@ -52,7 +52,7 @@ class Manual : public testing::TestWithParam<std::string> {};
 TEST_P(Manual, TellsTheOptionsOfTheHelpAndNoOthers) {
   std::set<std::string> expected = optionsIn(outputOf(std::string(TARN_ZEV) + ' ' + GetParam() + " --help"));
   ASSERT_THAT(expected, IsSupersetOf({"--help", "--rules"}));
-  expected.erase("--help");  // told once for all
+  expected.erase("--help");  // described once for all
   EXPECT_EQ(optionsIn(section("zev " + GetParam())), expected);
 }
 

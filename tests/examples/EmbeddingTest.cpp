@@ -1,4 +1,4 @@
-// The table of the embedding example, after every edit against the whole state.
+// The table of the embedding example is compared with the whole state after every edit.
 
 #include <gtest/gtest.h>
 

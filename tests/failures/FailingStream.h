@@ -7,8 +7,8 @@
 
 namespace tarn::test {
 
-/// Throws away what it is given, and may fail at each piece. Not so at a flush: a stream like the standard error, which
-/// flushes behind each piece, does it where the standard library lets nothing be thrown.
+/// Discards its input, and may fail at each piece, but not at a flush. A stream like the standard error flushes after
+/// each piece, and the standard library lets no exception pass there.
 class FailingBuffer final : public std::streambuf {
  private:
   std::streamsize xsputn(char const* /*text*/, std::streamsize size) override {

@@ -1,4 +1,4 @@
-// Reading model text and rules without memory: what is read again afterwards is read as ever.
+// Reading model text and rules without memory. Reading again afterwards gives the normal result.
 
 #include <gtest/gtest.h>
 
@@ -195,7 +195,7 @@ TEST(LoadFailures, RuleFilesCanBeLoadedAgain) {
   canBeLoadedAgain([&] { return rules::loadRules({folder.path()}); });
 }
 
-/// Never is a want of memory told as a fault of the file, nor is there less told of a file that has one.
+/// A lack of memory is never reported as a fault of the file, and never hides a fault of the file.
 TEST(LoadFailures, FaultsOfRulesAreAllToldOrMemoryIs) {
   auto const lint = [](char const* text) { return format(rules::lintText(text).diagnostics); };
   for (char const* const text : {ruleText, faultyRuleText}) {

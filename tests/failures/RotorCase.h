@@ -10,7 +10,7 @@
 #include "support/MapModel.h"
 #include "support/Rules.h"
 
-/// A pump's rotor with a bit of everything that rules can ask for, each of which may fail when it is asked.
+/// A pump's rotor with rules of every kind. Each rule may fail when it is evaluated.
 namespace tarn::test {
 
 inline std::string const rotor = "/Case/Domain:rotor";

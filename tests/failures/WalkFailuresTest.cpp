@@ -1,5 +1,5 @@
-// A walk that a hook, a rule, the model or memory ends in the middle, and questions about single rules. Nothing is kept
-// of it: the next walk of the same analyser is a walk as any other.
+// A walk that ends in the middle because of a hook, a rule, the model or a lack of memory, and questions about single
+// rules. Nothing is kept of it: the next walk of the same analyser is like any other.
 
 #include <gtest/gtest.h>
 

@@ -9,10 +9,11 @@
 
 namespace tarn::test {
 
-/// A new folder among those for temporary files. It goes, with all that is in it, when the object does.
+/// A new folder in the system's folder for temporary files. It is removed with all its content when the object is
+/// destroyed.
 class TemporaryFolder {
  public:
-  /// The folder's name begins with `name`. Throws `std::system_error` when there can be none.
+  /// The folder's name begins with `name`. Throws `std::system_error` when it cannot be created.
   explicit TemporaryFolder(std::string const& name) {
     std::string path = (std::filesystem::temp_directory_path() / name).string() + '-' + std::string(6, 'X');
     if (::mkdtemp(path.data()) == nullptr) throw std::system_error(errno, std::generic_category(), path);

@@ -17,7 +17,7 @@ class ParamAllowedValues;
 class ParamAvailInfo;
 class QuantityModifier;
 
-/// All facts of a provisional state: what the user asked for (`Intent`) and what the rules make of it (`Outcome`).
+/// All facts of a provisional state: the user's requests (`Intent`) and the result of the rules for them (`Outcome`).
 ///
 /// Walk handlers and edits read and write facts through this class only, one fact a call. So there is one place that
 /// knows which facts a visit used, and that every change of a fact passes through. Three things rely on that today: the

@@ -114,7 +114,7 @@ void ProvTDFPrinter::printObjectState(std::string const& path) const {
     out << '\n';
   }
 
-  // Those directly below, each once and in byte order: the last "/" of their paths is the one behind this path.
+  // The objects directly below, each once and in byte order: the last "/" of their paths is the one after this path.
   std::set<std::string_view> children;
   for (std::string const& object : provisional_->getAvailPotObjects()) {
     if (object.size() > path.size() && object.starts_with(path) && object.rfind('/') == path.size()) {

@@ -87,9 +87,9 @@ bool ProvisionalTDFDB::getChildObjectPathsByType(std::string const& path, std::s
   return getActiveParentChildItems(activeRoot_, out);
 }
 
-/// The model that answers for `path`, an object's or a parameter's: the active model at and below the active root. The
-/// byte behind the root is looked at so that a sibling whose name only begins like the root's stays with the base
-/// model.
+/// The model that answers for `path`, the path of an object or a parameter: the active model at and below the active
+/// root. The byte after the root is checked, so that a sibling whose name begins with the root's name stays with the
+/// base model.
 ModelTDF const* ProvisionalTDFDB::switchDB(std::string const& path) const noexcept {
   if (path.size() < activeRootLength_) return baseModel_;
   if (!StringUtilities::leadingSubstrEqual(activeRoot_, path, activeRootLength_)) return baseModel_;

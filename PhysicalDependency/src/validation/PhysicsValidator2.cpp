@@ -145,8 +145,8 @@ bool PhysicsValidator2::Impl::takeState(ModelState const& state, bool useStateAs
   RootFilter filter(roots_, useStateAsGiven);
   StateText text(lastStateText_);
   // An object with unchanged lines is in the tree unchanged. While no line differs, the next such object is the next
-  // one of the tree too and need not be looked for. An object without parameters has no line, so only the tree can
-  // tell.
+  // one of the tree too and need not be looked for. An object without parameters has no line, so only the tree shows
+  // whether it is there.
   DynamicTDFStateLoad load(filteredTree_, skipEmptyValues);
   bool hasSameObjects = isKnown;
   bool standAtSameObject = true;

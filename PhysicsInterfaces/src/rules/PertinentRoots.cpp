@@ -15,7 +15,7 @@ PertinentRoots::PertinentRoots(PhysicsData const& rules)
 
 std::vector<std::string> PertinentRoots::objectsIn(ModelState const& state) const {
   std::set<std::string, PathUtils::PathOrder> tops;
-  // A state is in byte order, so the paths below one object mostly stand together.
+  // A state is in byte order, so the paths below one object are usually adjacent.
   std::string_view last;
   for (auto const& entry : state) {
     std::string_view const path = entry.first;

@@ -56,8 +56,8 @@ struct EntryPlace {
 };
 
 /// Where everything in a rule base is written. It owns the text and the YAML of all files, and knows for every rule the
-/// node that it was read from. Lint works on it, and so can everything else that needs the files behind the rules; the
-/// rules themselves carry their `RulePlace` and live without it.
+/// node that it was read from. Lint works on it, and so can any code that needs the files of the rules. The rules
+/// themselves have their `RulePlace` and do not need the index.
 class RuleIndex {
  public:
   RuleIndex() = default;

@@ -15,7 +15,7 @@ bool always() {
   return true;
 }
 
-/// A device that gives so much and then fails, in the way in which a file stream does.
+/// A device that gives some bytes and then fails, as a file stream does.
 class BadDisk : public std::stringbuf {
  public:
   explicit BadDisk(std::string const& content) : std::stringbuf(content) {}

@@ -1,4 +1,4 @@
-// The rule cursor: both walks, what it answers on an entry and off one, and what it evaluates when.
+// The rule cursor: both walks, its answers on an entry and without one, and the time of each evaluation.
 
 #include <tarn/ObjDependency.h>
 

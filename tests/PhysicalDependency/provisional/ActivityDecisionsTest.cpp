@@ -1,4 +1,4 @@
-// The user's decisions: what is answered of each, and what an erasure takes along.
+// The user's decisions: the answer for each of them, and which of them an erasure removes.
 
 #include "provisional/ActivityDecisions.h"
 

@@ -1,5 +1,5 @@
 // Which child objects there are: each kind of child entry, the default names, the mirrored children, the probe of a
-// type that has no object yet, and what edits of named objects do.
+// type that has no object yet, and the effect of edits of named objects.
 
 #include <tarn/Error.h>
 #include <tarn/ProvisionalTDF.h>

@@ -1,4 +1,4 @@
-// The start from a base model and a guide state, the start as a copy, and what a changed base model does.
+// The start from a base model and a guide state, the start as a copy, and the effect of a changed base model.
 
 #include <gtest/gtest.h>
 

@@ -106,7 +106,7 @@ TEST_F(ProvisionalTDFLaws, AnEditThatChangesNothingPublishesNothing) {
   for (RandomProfile const profile : {wild, tame}) {
     forEachEdit(profile, [&](Run& run, StateSnapshot const& /*before*/) {
       if (hasUnknownTypes(run.random.rules)) return;
-      run.walkAgain();  // behind an edit that was refused, all that is potential is news
+      run.walkAgain();  // after a refused edit, everything potential is listed as new
       StateSnapshot const settled(*run.state);
       run.walkAgain();
       if (settled != StateSnapshot(*run.state)) return;  // rules that look ahead take more walks

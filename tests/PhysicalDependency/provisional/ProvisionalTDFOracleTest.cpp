@@ -1,4 +1,4 @@
-// The provisional state against a second, plain reading of what it should be, under random rules, models and edits.
+// The provisional state is compared with a second, plain implementation, under random rules, models and edits.
 
 #include <tarn/ProvisionalTDF.h>
 

@@ -1,4 +1,4 @@
-// Which bounds count as moved, within one batch and from batch to batch.
+// Which bounds count as changed, within one batch and from batch to batch.
 
 #include <tarn/BoundsTracker.h>
 

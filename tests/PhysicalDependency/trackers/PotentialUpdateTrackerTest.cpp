@@ -1,4 +1,4 @@
-// The comparison of two walks, and in which state what is answered.
+// The comparison of two walks, and the answers in each state of the tracker.
 
 #include <tarn/PotentialUpdateTracker.h>
 

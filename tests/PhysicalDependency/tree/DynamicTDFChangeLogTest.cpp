@@ -1,5 +1,5 @@
-// The change log of the editable tree: which operation enters what, in which order, and what stays while recording is
-// off.
+// The change log of the editable tree: the entries of each operation, their order, and the entries that stay while
+// recording is off.
 
 #include <tarn/DynamicTDF.h>
 

@@ -1,6 +1,5 @@
-// Laws of the editable tree under random edits: it agrees with a plain second model that is nothing but two maps, and
-// its change log, replayed on what was there before, gives what is there after. Seeds are fixed and printed with a
-// failure.
+// Laws of the editable tree under random edits: it agrees with a plain second model that consists of two maps, and its
+// change log, applied to the content before, gives the content after. Seeds are fixed and printed with a failure.
 
 #include <tarn/DynamicTDF.h>
 

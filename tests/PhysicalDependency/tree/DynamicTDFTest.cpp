@@ -714,7 +714,7 @@ TEST(DynamicTDF, TheStateOfABranchIsTakenOnWholeComponents) {
 }
 
 TEST(DynamicTDF, TheStateHoldsEveryObjectOnceWhereNamesSortBesideTheSlash) {
-  // A blank, a hyphen and a dot come before "/", a colon and letters behind it.
+  // A blank, a hyphen and a dot come before "/", a colon and letters after it.
   Strings const components{"/A", "/A B", "/A-B", "/A.", "/A:n", "/A:n m", "/AB", "/A:n.m"};
   Strings paths{""};
   for (std::string const& first : components) {

@@ -1,4 +1,4 @@
-// The hash of a path that is carried on from that of the parent: what the index of the tree rests on.
+// The hash of a path is computed from the hash of the parent. The index of the tree relies on it.
 
 #include "tree/PathHash.h"
 

@@ -1,5 +1,5 @@
-// The verdicts on the parameters and children of objects that are there, and the beta messages that go with them. Every
-// text is compared whole.
+// The verdicts on the parameters and children of present objects, and the beta messages that go with them. Every text
+// is compared whole.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -262,7 +262,7 @@ TEST_F(PhysicsValidator2OnMissingObjects, AGroupThatIsNotNeededDoesNotSilenceThe
                           "physically valid."));
 }
 
-// --- What the rules see, and what is left ----------------------------------------------------------------------------
+// --- The model that the rules see, and the state after a trial -------------------------------------------------------
 
 TEST_F(PhysicsValidator2OnMissingObjects, RulesSeeThePlaceholderForAsLongAsItIsTriedOut) {
   Strings notes;

@@ -1,5 +1,5 @@
-// The run: what of a model counts, what is remembered from call to call, the two phases, their order, and what an
-// exception leaves behind. The verdicts have tests of their own.
+// The run: which parts of a model count, what is remembered from call to call, the two phases, their order, and the
+// state after an exception. The verdicts have tests of their own.
 
 #include <tarn/PhysicsValidator2.h>
 
@@ -589,7 +589,7 @@ TEST_F(PhysicsValidator2, WhatARuleThrowsReachesTheCallerAndThePhaseIsRepeated) 
   broken = false;
   EXPECT_EQ(validate(model), Validator::ValDependencyErrors);
   EXPECT_EQ(checkAsked_, 1);
-  // The model is the same, so the first report of the broken run still stands.
+  // The model is the same, so the logger still has the first report of the broken run.
   EXPECT_THAT(loggedFaults(), ElementsAre(noRegime, noRegime));
 }
 

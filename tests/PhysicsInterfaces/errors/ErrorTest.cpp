@@ -1,4 +1,4 @@
-// The base of the exceptions: what handlers can ask, and how the whole text is composed.
+// The base of the exceptions: its getters, and how the whole text is composed.
 #include <tarn/Error.h>
 
 #include <gtest/gtest.h>

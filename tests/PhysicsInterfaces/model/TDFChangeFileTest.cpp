@@ -1,5 +1,5 @@
-// Model text: both forms, every fault with its exact text in both modes, what lenient reading makes of broken blocks,
-// and random bytes.
+// Model text: both forms, every fault with its exact text in both modes, the result of lenient reading for broken
+// blocks, and random bytes.
 #include <tarn/TDFChangeFile.h>
 
 #include <gtest/gtest.h>
@@ -210,7 +210,7 @@ TEST(TDFChangeFile, AFileThatCannotBeReadThrowsInBothModes) {
   std::filesystem::remove(directory);
 }
 
-/// An input that fails, in the way in which a file stream does.
+/// An input that fails as a file stream does.
 class BrokenInput : public std::streambuf {
  protected:
   std::streamsize xsgetn(char* /*buffer*/, std::streamsize /*size*/) override {

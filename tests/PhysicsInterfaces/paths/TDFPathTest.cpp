@@ -1,4 +1,4 @@
-// Parsed paths: what is in them, what is refused and why, and that copies do not know each other.
+// Parsed paths: their components, which texts are refused and why, and that copies are independent.
 #include <tarn/TDFPath.h>
 
 #include <gtest/gtest.h>

@@ -112,7 +112,7 @@ TEST(StringUtilities, FindsTheCandidateThatATextIsASlipOf) {
            Row{"Turbulence", {"Turbolents"}, "Turbolents"},                // three edits in ten
            Row{"Turbulence", {"Torbolents"}, ""},                          // four
            Row{"Turbulence", {"Turb"}, ""},                                // far too short
-           Row{"ab", {"ac"}, ""},                                          // too short to tell
+           Row{"ab", {"ac"}, ""},                                          // too short to decide
            Row{"Case", {"Case"}, ""},                                      // no slip at all
            Row{"Case", {}, ""},
            Row{"", {"a"}, ""},

@@ -1,4 +1,4 @@
-// Expressions as the records of a rule database hold them: what they are said to read, and how they were written.
+// Expressions in the records of a rule database: the reads that they report, and their source text.
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-// The table of functions: what it says of a function is true, and nothing that lists functions differs from it.
+// The table of functions: its statements about each function are true, and all lists of functions agree with it.
 
 #include <algorithm>
 #include <fstream>

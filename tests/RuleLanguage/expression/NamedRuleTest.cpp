@@ -1,4 +1,4 @@
-// Named checks and lists as the database hands them out, and what they cost when they call each other.
+// Named checks and lists from the database, and their cost when they call each other.
 
 #include <algorithm>
 #include <random>

@@ -1,6 +1,6 @@
-// One rule database, read by several threads at once. Each test works out first what one thread finds, under a database
-// of its own so that nothing is warm when the threads begin; the preset `tsan` also sees the races that happen to do no
-// harm.
+// One rule database, read by several threads at once. Each test first computes the result of one thread, with a
+// database of its own, so that no cache is filled when the threads begin. The preset `tsan` also finds races that
+// happen to do no harm.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

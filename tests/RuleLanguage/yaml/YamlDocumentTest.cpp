@@ -1,4 +1,4 @@
-// Where faults are said to stand, however YAML writes the text that holds them, and what is said of what is no YAML.
+// The reported positions of faults in every YAML notation, and the messages for text that is not YAML.
 
 #include <gmock/gmock.h>
 

@@ -36,7 +36,7 @@ struct RuleFunction {
   static constexpr std::size_t unlimited = static_cast<std::size_t>(-1);
 };
 
-/// All functions, in the order of the rule reference: those of one group stand together. The list and its texts stay
+/// All functions, in the order of the rule reference: functions of one group are adjacent. The list and its texts stay
 /// valid until the program ends.
 [[nodiscard]] TARN_EXPORT std::vector<RuleFunction> const& ruleFunctions();
 
