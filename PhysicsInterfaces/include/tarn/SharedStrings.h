@@ -23,10 +23,10 @@ class TARN_EXPORT SharedStrings {
   SharedStrings() noexcept = default;
   SharedStrings(std::vector<std::string> items);            // NOLINT(google-explicit-constructor)
   SharedStrings(std::initializer_list<std::string> items);  // NOLINT(google-explicit-constructor)
-  operator std::vector<std::string> const&() const& noexcept {
-    return vector();
-  }  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  operator std::vector<std::string> const&() const& noexcept { return vector(); }
   // A reference to the items of a temporary list would dangle: write `.vector()`.
+  // NOLINTNEXTLINE(google-explicit-constructor)
   operator std::vector<std::string> const&() const&& = delete;
 
   /// The items. The reference is valid as long as this list or a copy of it exists. The items of a temporary list are
