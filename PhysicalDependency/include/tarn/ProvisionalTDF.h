@@ -86,8 +86,8 @@ class QuantityModifier;
 ///
 /// ## One update
 ///
-/// One update walks through the rules once, from the active root: each object's parameters in the order of the rules,
-/// then its children. The walk is not repeated until nothing changes. So a rule sees the new values of everything
+/// One update walks through the rules, from the active root: each object's parameters in the order of the rules, then
+/// its children. The walk is made once, even if values change during it. So a rule sees the new values of everything
 /// before it and the old values of everything after it. A rule that reads ahead sees the new values at the next edit.
 /// Rules read the active state at and below the active root, and the base model everywhere else.
 ///
@@ -127,20 +127,20 @@ class QuantityModifier;
 /// | Getter                       | after an edit that applied                         | after a refused edit |
 /// |------------------------------|----------------------------------------------------|----------------------|
 /// | `getActiveTDFState`          | the result, without objects that hold no parameter | the same as before   |
-/// | `getNewlyAvailParams`        | what came into the active state                    | empty                |
-/// | `getModParams`               | what has another value or other allowed values     | empty                |
-/// | `getNewlyUnavailParams`      | what left it and is not potential now              | empty                |
-/// | `getDeletedObjects`          | the tops of what was deleted                       | empty                |
-/// | `getModBoundsParams`         | computed bounds that moved                         | empty                |
+/// | `getNewlyAvailParams`        | parameters that came into the active state         | empty                |
+/// | `getModParams`               | parameters whose value or allowed values changed   | empty                |
+/// | `getNewlyUnavailParams`      | parameters that left it and are not potential now  | empty                |
+/// | `getDeletedObjects`          | deleted objects, only the top of each subtree      | empty                |
+/// | `getModBoundsParams`         | computed bounds that changed                       | empty                |
 /// | `getModQuantParams`          | quantity types that were adjusted anew             | empty                |
-/// | `getEmptyParameters`         | all that have no value                             | empty                |
-/// | `getAvailPotObjects`,        | all that is potential                              | empty                |
+/// | `getEmptyParameters`         | all parameters that lack a value                   | empty                |
+/// | `getAvailPotObjects`,        | all potential items                                | empty                |
 /// | `getAvailPotParams`          |                                                    |                      |
-/// | `getNewlyAvailPotObjects`,   | what was not potential before                      | empty                |
+/// | `getNewlyAvailPotObjects`,   | items that were not potential before               | empty                |
 /// | `getNewlyAvailPotParams`     |                                                    |                      |
-/// | `getNewlyUnavailPotObjects`, | what was potential and is now neither potential    | all that was         |
-/// | `getNewlyUnavailPotParams`   | nor present                                        | potential            |
-/// | `getModPotParams`            | what is potential with other allowed values        | empty                |
+/// | `getNewlyUnavailPotObjects`, | items that were potential and are now neither      | all items that were  |
+/// | `getNewlyUnavailPotParams`   | potential nor present                              | potential            |
+/// | `getModPotParams`            | potential parameters with other allowed values     | empty                |
 /// | `isUserNamedTypeAvailable`   | as found in the update                             | the same as before   |
 ///
 /// The change lists `getNewlyAvailParams`, `getModParams`, `getNewlyUnavailParams` and `getDeletedObjects` are a log of
@@ -155,10 +155,10 @@ class QuantityModifier;
 /// ## Edits that do not apply
 ///
 /// An edit outside the active root, or of an object to which it does not apply, is refused. Nothing changes, no walk is
-/// made, and the lists are as the last column says. This includes the lists of potential items and of empty parameters,
-/// because only a walk fills them. Keep your own copy on screen until the next edit that applies. After that edit,
-/// everything potential is listed as newly available again. `apply` returns the reason of a refusal, and an observer
-/// receives it. The nine operations do not report it.
+/// made, and the lists are as in the last column above. This includes the lists of potential items and of empty
+/// parameters, because only a walk fills them. Keep your own copy on screen until the next edit that applies. After
+/// that edit, everything potential is listed as newly available again. `apply` returns the reason of a refusal, and an
+/// observer receives it. The nine operations do not report it.
 ///
 /// Unreadable paths are handled differently. `activeSetParam` and `addNewNamedObject` throw the `Error` of `TDFPath`
 /// for an object path at or below the active root that it cannot read. After that nothing has changed, not even the
@@ -222,10 +222,10 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// `p_base` is kept, and must live until the next `baseUpdate` or the end of this object.
   /// @{
 
-  /// Starts from the object as the base model has it. The base model need not have it. `p_guideState` overlays its
-  /// values and may name any object. Values of `p_guideState` that the rules refuse wait in the guide. Objects outside
-  /// the active root have no effect. A blank value of the base model counts as not given. A blank value of
-  /// `p_guideState` counts as a value.
+  /// Starts from the active root as it is in the base model, where it need not exist. `p_guideState` overlays the
+  /// values of the base model and may name any object. Values of `p_guideState` that the rules refuse wait in the
+  /// guide. Objects outside the active root have no effect. A blank value of the base model counts as not given. A
+  /// blank value of `p_guideState` counts as a value.
   ///
   /// With a logger, the whole base model is printed after the first update, not only the branch under the active root.
   /// The command "initialise" follows, with the changes of that update.
@@ -237,7 +237,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// which default names were handled.
   void initialise(ModelTDF const* p_base, ModelState const& p_guideState);
 
-  /// Starts as a copy of the object at `p_basedOnPath` of the base model. The path qualifies if all of this holds:
+  /// Starts as a copy of the object at `p_basedOnPath` of the base model. The path qualifies if all three conditions
+  /// hold:
   ///
   /// - it and the active root are equal up to their last ":", so both are named objects of one type and parent. The
   ///   test compares text only: a singleton inside a named object, `/Case/Domain:a/Heat`, has such a ":" too;
@@ -299,9 +300,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// a singleton, and a new name that is present already or cannot be a name.
   void duplicateNamedObject(std::string const& p_path, std::string const& p_newName);
 
-  /// Duplicates an object and removes the original. It is reported as a deletion and new parameters, and decisions on
-  /// the old name are forgotten. When only the rules ask for the original, it cannot be removed and the edit counts as
-  /// refused. The copy is still asked for, and appears with the next walk.
+  /// Duplicates an object and removes the original. The change is reported as a deletion and new parameters. Decisions
+  /// on the old name are forgotten. When only the rules ask for the original, it cannot be removed and the edit counts
+  /// as refused. The copy is still asked for, and appears with the next walk.
   void renameNamedObject(std::string const& p_path, std::string const& p_newName);
   /// @}
 
