@@ -34,7 +34,7 @@ class FlatWorkload::Generator {
   [[nodiscard]] bool once(std::size_t in) { return below(in) == 0; }
 
  private:
-  std::mt19937 engine_{20251121};
+  std::mt19937 engine_{4};
 };
 
 FlatWorkload::FlatWorkload() {
