@@ -1,6 +1,6 @@
-// Runs the most frequent operations of users on a small case and counts the processor's instructions. Other work on the
-// machine does not disturb this measure of speed. `tools/instructions` runs this program, and its header explains the
-// use of the counts.
+// Runs the most frequent operations of users on a small case, so that the processor's instructions can be counted.
+// Other work on the machine does not disturb this measure of speed. `tools/instructions` runs this program, and its
+// header explains the use of the counts.
 //
 //     CaseInstructions               each operation, counted when it runs under callgrind
 //     CaseInstructions --compiler    prints what compiled it

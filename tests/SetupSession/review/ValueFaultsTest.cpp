@@ -160,7 +160,7 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
 
   EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(2));
 
-  // The allowed values are evaluated although the walk has not evaluated them.
+  // The search evaluates the allowed values, although the walk has not done so.
   model.setParameter("/Case", "Speed", "automatic");
   EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
 }
