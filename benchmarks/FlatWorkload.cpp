@@ -1,6 +1,6 @@
-// The parameters form trees. A new parameter chooses its parent among four candidates and takes the deepest, which gives
-// long chains; three of ten parameters may become parents, so most have nothing below them. The generator has a fixed
-// seed, and `std::mt19937` gives the same sequence everywhere.
+// The parameters form trees. A new parameter chooses its parent among four candidates and takes the deepest, which
+// gives long chains; three of ten parameters may become parents, so most have nothing below them. The generator has a
+// fixed seed, and `std::mt19937` gives the same sequence everywhere.
 #include "FlatWorkload.h"
 
 #include <algorithm>

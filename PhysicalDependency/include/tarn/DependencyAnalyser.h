@@ -64,9 +64,9 @@ class PhysicsData;
 ///    entries. An empty value counts. A context rule parameter that is unavailable or absent leaves the previous value
 ///    in force.
 /// 4. For each child entry, in their order: the condition and then the names are evaluated; `onChildCheck`; if the type
-///    is available, the model is asked which children it has: of a singleton, whether there is the child without a
-///    name; of any other type, for the names of all children of the type, which are copied. Then each child found is
-///    walked whole, in the order of the model, before the next entry is looked at.
+///    is available, the model is asked which children it has. For a singleton, this is whether the child without a name
+///    exists. For any other type, these are the names of all children of the type, which are copied. Then each child
+///    found is walked whole, in the order of the model, before the next entry is evaluated.
 /// 5. `onEndObject`.
 ///
 /// So, unless `limitParams` narrows the walk, each entry of the rules has one hook call, whether or not the entry is

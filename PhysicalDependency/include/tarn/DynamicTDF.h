@@ -137,10 +137,10 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
   /// Linear in the length of the log, and not slower than `getState`.
   void refreshState(ModelState& state, std::string const& rootPath) const;
 
-  /// A number that is another one after every call that changed an object, a parameter, a value or allowed values. The
-  /// same number at two times means the same content, so a caller who keeps what it worked out from the tree can tell
-  /// when that is out of date. It may also change when nothing did. Numbers of two trees have no relation; `swap`
-  /// exchanges them with the content. Constant time.
+  /// A number that differs after every call that changed an object, a parameter, a value or allowed values. The same
+  /// number at two times means the same content. So a caller that keeps a result computed from the tree can detect when
+  /// it is out of date. The number may also change when the content did not. Numbers of two trees have no relation;
+  /// `swap` exchanges them with the content. Constant time.
   [[nodiscard]] std::uint64_t getRevision() const noexcept;
 
   /// Creates an object. With an empty `name`, or one that equals `type`, it is a singleton. Returns false, with nothing

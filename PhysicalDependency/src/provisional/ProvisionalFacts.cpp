@@ -266,8 +266,8 @@ void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
   TrackerAccess::forget(m_outcome.quantities);
 }
 
-/// A rule may have read what has just changed, so no result that was kept holds any more. Most writes of a walk change
-/// nothing.
+/// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk
+/// change nothing.
 void ProvisionalFacts::activeWritten() noexcept {
   std::uint64_t const revision = m_outcome.active.getRevision();
   if (revision == m_revision) return;

@@ -24,7 +24,7 @@ class QuantityModifier;
 /// results that rules keep during a walk are dropped with every change of the active tree, recording and quantities are
 /// switched off together for the probe, and what an update may leave half done is known.
 ///
-/// The getters of the provisional state read `outcome()` between updates. They are no part of a visit.
+/// The getters of the provisional state read `outcome()` between updates. They are not part of a visit.
 class ProvisionalFacts {
  public:
   using Strings = std::vector<std::string>;
@@ -107,9 +107,9 @@ class ProvisionalFacts {
 
   /// @name The frame of an update
   /// @{
-  /// Forgets what the last update changed. With `p_analyse`, also what only a walk can find again.
+  /// Forgets the changes of the last update. With `p_analyse`, also the facts that only a walk can find again.
   void beginUpdate(bool p_analyse);
-  /// Works out what the update changed of the offers, and puts the named types in order.
+  /// Determines the changes of the offers in this update, and sorts the named types.
   void completeUpdate();
   /// After a walk that was completed: its default names are no longer taken back.
   void confirmDefaultNames() noexcept { m_intent.defaultNamesOfUpdate.clear(); }

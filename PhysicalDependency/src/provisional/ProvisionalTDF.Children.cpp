@@ -121,7 +121,7 @@ void ProvisionalTDF::Impl::synchNamesOfGuide(std::string const& p_objPath, std::
   if (names.empty() && !m_probe.inTestNamedObject()) m_probe.createTestNamedObject(p_objPath, p_type);
 }
 
-/// An optional type that is not coupled has what the base model has, and nothing else.
+/// An optional type that is not coupled has exactly the objects of the base model.
 void ProvisionalTDF::Impl::mirrorBaseChildren(std::string const& p_objPath, std::string const& p_type) {
   std::vector<std::string> active;
   m_facts.getActivePaths(p_objPath, p_type, active);
@@ -133,7 +133,7 @@ void ProvisionalTDF::Impl::mirrorBaseChildren(std::string const& p_objPath, std:
   m_baseTDF.getChildObjectPathsByType(p_objPath, p_type, base);
   for (std::string const& path : base) m_facts.mirrorBranch(m_baseTDF, path);
   m_facts.deleteObjects(sortedDifference(active, base));
-  // The guide does not decide on these, so what it took from the base model at the start goes.
+  // The guide does not decide on these, so the objects that it took from the base model at the start are removed.
   m_facts.deleteGuideObjects(p_objPath, p_type);
 }
 

@@ -4,8 +4,8 @@
 // .Children.cpp.
 //
 // One idea carries all of it: intent (guide and decisions) and outcome (active tree) are kept apart. Edits change the
-// intent only. Each walk works the outcome out anew from intent and rules, never from the old outcome. So no edit has
-// to undo another, and what the rules take away comes back by itself.
+// intent only. Each walk computes the outcome again from intent and rules, never from the old outcome. So no edit has
+// to undo another, and items that the rules withdraw come back by themselves.
 
 #include <tarn/ProvisionalTDF.h>
 

@@ -97,8 +97,8 @@ ModelTDF const* ProvisionalTDFDB::switchDB(std::string const& path) const noexce
   return activeModel_;
 }
 
-/// Puts right what the base model said of the parent's children: `item`, the path or name of the active root, is to be
-/// among them exactly if the active model has the active root.
+/// Corrects the list of the parent's children from the base model: `item`, the path or name of the active root, must be
+/// in it exactly if the active model has the active root.
 bool ProvisionalTDFDB::getActiveParentChildItems(std::string const& item, std::vector<std::string>& out) const {
   bool const inBase = baseModel_->hasObject(activeRoot_);
   bool const inActive = activeModel_->hasObject(activeRoot_);
