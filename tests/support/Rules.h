@@ -22,6 +22,12 @@ using lambda::never;
 using lambda::text;
 using lambda::when;
 
+/// Counts its evaluations in `count`. The text is the new count: "1", "2" and so on. `count` must live as long as the
+/// expression.
+inline std::unique_ptr<TextExpression> countingText(int& count) {
+  return text([&count](TDFContext const&, ModelTDF const&) { return std::to_string(++count); });
+}
+
 /// Fills a rule database in a few lines. Every mark belongs to the parameter or child named last, and every parameter
 /// and child to the object named last.
 ///

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include <tarn/DependencyAnalyser.h>
 #include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 
+#include "support/ContinuingWalk.h"
 #include "support/MapModel.h"
 #include "support/Rules.h"
 
@@ -24,15 +24,12 @@ using test::Rules;
 using Strings = std::vector<std::string>;
 
 /// Records the content of each child record of a walk.
-class ChildWalk final : public DependencyAnalyser {
+class ChildWalk final : public test::ContinuingWalk {
  public:
-  using DependencyAnalyser::DependencyAnalyser;
+  using ContinuingWalk::ContinuingWalk;
   Strings told;
 
  private:
-  HandlerStatus onBeginObject(ObjBeginInfo const*) override { return Continue; }
-  HandlerStatus onBeginParam(std::string const&, std::string const&) override { return Continue; }
-  HandlerStatus onParamCheck(ParamAvailInfo const*) override { return Continue; }
   HandlerStatus onChildCheck(ChildAvailInfo const* info) override {
     std::string line = info->getObjPath() + '|' + info->getType() + ':';
     if (info->isAvailable()) line += " available";
@@ -48,7 +45,6 @@ class ChildWalk final : public DependencyAnalyser {
     told.push_back(line);
     return Continue;
   }
-  HandlerStatus onEndObject(std::string const&, bool) override { return Continue; }
 };
 
 class ChildAvailInfoTest : public testing::Test {

@@ -14,12 +14,15 @@
 #include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 
+#include "support/AllowedValues.h"
 #include "support/MapModel.h"
 #include "support/Rules.h"
 
 namespace tarn {
 namespace {
 
+using test::allowing;
+using test::countingText;
 using test::list;
 using test::listOf;
 using test::MapModel;
@@ -30,18 +33,6 @@ using test::when;
 using Strings = std::vector<std::string>;
 using Bounds = std::pair<std::string, std::string>;
 using Override = std::pair<bool, std::string>;
-
-/// An expression that returns how often it was evaluated: "1", "2", ...
-std::unique_ptr<TextExpression> counting(int& count) {
-  return text([&count](TDFContext const&, ModelTDF const&) { return std::to_string(++count); });
-}
-
-ParamAllowedValues allowing(Strings values) {
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  allowed.allowedValues = std::move(values);
-  return allowed;
-}
 
 /// A cursor on one object of a model that can be changed, under rules that a test fills in.
 class ObjDependencyTest : public testing::Test {
@@ -586,7 +577,7 @@ TEST_F(ObjDependencyTest, OffAnEntryNothingIsAvailableAndOnlyTheNamesThatAreAlwa
 
 TEST_F(ObjDependencyTest, BoundsAreEvaluatedOnceForEachStandOnAParameter) {
   int count = 0;
-  Rules(data_, "/Case/Domain").param("Speed").type(TDFParam::Real).bounds(counting(count), text("9"));
+  Rules(data_, "/Case/Domain").param("Speed").type(TDFParam::Real).bounds(countingText(count), text("9"));
   ObjDependency rules = rotorOnFirstParam();
   EXPECT_EQ(rules.getParamBounds(), Bounds("1", "9"));
   EXPECT_EQ(rules.getParamBounds(), Bounds("1", "9"));
@@ -596,7 +587,7 @@ TEST_F(ObjDependencyTest, BoundsAreEvaluatedOnceForEachStandOnAParameter) {
 
 TEST_F(ObjDependencyTest, TheDefaultIsEvaluatedOnceForEachStandOnAParameter) {
   int count = 0;
-  Rules(data_, "/Case/Domain").param("Speed").byDefault(counting(count)).param("Axis").byDefault("Z");
+  Rules(data_, "/Case/Domain").param("Speed").byDefault(countingText(count)).param("Axis").byDefault("Z");
   ObjDependency rules = rotorOnFirstParam();
   EXPECT_EQ(rules.getParamDefault(), "1");
   EXPECT_EQ(rules.getParamDefault(), "1");
@@ -623,7 +614,7 @@ TEST_F(ObjDependencyTest, ADefaultAskedInTheLightOfAllowedValuesFirstIsKeptForBo
 
 TEST_F(ObjDependencyTest, AnOverrideIsEvaluatedAtEveryQuestion) {
   int count = 0;
-  Rules(data_, "/Case/Domain").param("Speed").overriddenWhen(when("Motion", "Rotating"), counting(count));
+  Rules(data_, "/Case/Domain").param("Speed").overriddenWhen(when("Motion", "Rotating"), countingText(count));
   ObjDependency const rules = rotorOnFirstParam();
   EXPECT_EQ(rules.getParamValueOverride(), Override(true, "1"));
   EXPECT_EQ(rules.getParamValueOverride(allowing({"5"})), Override(true, "2"));
@@ -665,7 +656,7 @@ TEST_F(ObjDependencyTest, ACopyStandsWhereTheOriginalStandsAndGoesItsOwnWay) {
 
 TEST_F(ObjDependencyTest, ACopyKeepsWhatTheOriginalHasEvaluated) {
   int count = 0;
-  Rules(data_, "/Case/Domain").param("Speed").byDefault(counting(count));
+  Rules(data_, "/Case/Domain").param("Speed").byDefault(countingText(count));
   ObjDependency const original = rotorOnFirstParam();
   EXPECT_EQ(original.getParamDefault(), "1");
   ObjDependency copy(original);

@@ -9,16 +9,19 @@
 #include <utility>
 #include <vector>
 
-#include <tarn/DependencyAnalyser.h>
 #include <tarn/EvalContext.h>
 #include <tarn/PhysicsData.h>
 
+#include "support/AllowedValues.h"
+#include "support/ContinuingWalk.h"
 #include "support/MapModel.h"
 #include "support/Rules.h"
 
 namespace tarn {
 namespace {
 
+using test::allowing;
+using test::countingText;
 using test::listOf;
 using test::MapModel;
 using test::never;
@@ -30,17 +33,13 @@ using Bounds = std::pair<std::string, std::string>;
 using Override = std::pair<bool, std::string>;
 
 /// Hands each parameter record of a walk to a function.
-class ParamWalk final : public DependencyAnalyser {
+class ParamWalk final : public test::ContinuingWalk {
  public:
   using Look = std::function<void(ParamAvailInfo const&)>;
-  ParamWalk(PhysicsData const* rules, Look look) : DependencyAnalyser(rules), look_(std::move(look)) {}
+  ParamWalk(PhysicsData const* rules, Look look) : ContinuingWalk(rules), look_(std::move(look)) {}
 
  private:
-  HandlerStatus onBeginObject(ObjBeginInfo const*) override { return Continue; }
-  HandlerStatus onBeginParam(std::string const&, std::string const&) override { return Continue; }
   HandlerStatus onParamCheck(ParamAvailInfo const* info) override { return look_(*info), Continue; }
-  HandlerStatus onChildCheck(ChildAvailInfo const*) override { return Continue; }
-  HandlerStatus onEndObject(std::string const&, bool) override { return Continue; }
 
   Look look_;
 };
@@ -64,17 +63,6 @@ class ParamAvailInfoTest : public testing::Test {
   PhysicsData rules_;
   MapModel model_{{"/Case/Domain:rotor", {{"Motion", "Rotating"}}}};
 };
-
-std::unique_ptr<TextExpression> counting(int& count) {
-  return text([&count](TDFContext const&, ModelTDF const&) { return std::to_string(++count); });
-}
-
-ParamAllowedValues allowing(Strings values) {
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  allowed.allowedValues = std::move(values);
-  return allowed;
-}
 
 TEST_F(ParamAvailInfoTest, EachMarkIsToldByItsOwnQuestion) {
   rotor().param("Plain").type(TDFParam::Integer);
@@ -124,9 +112,9 @@ TEST_F(ParamAvailInfoTest, NothingIsEvaluatedThatIsNotAskedFor) {
   int count = 0;
   rotor()
       .param("Speed")
-      .byDefault(counting(count))
-      .bounds(counting(count), counting(count))
-      .overriddenWhen(when([&](auto&, auto&) { return ++count > 0; }), counting(count));
+      .byDefault(countingText(count))
+      .bounds(countingText(count), countingText(count))
+      .overriddenWhen(when([&](auto&, auto&) { return ++count > 0; }), countingText(count));
   each([&](ParamAvailInfo const& info) {
     EXPECT_TRUE(info.isAvailable() && info.hasDefault() && info.hasValueOverride() && info.hasDynamicBounds());
   });
@@ -135,7 +123,7 @@ TEST_F(ParamAvailInfoTest, NothingIsEvaluatedThatIsNotAskedFor) {
 
 TEST_F(ParamAvailInfoTest, BoundsAreEvaluatedOnce) {
   int count = 0;
-  rotor().param("Speed").bounds(counting(count), text("500"));
+  rotor().param("Speed").bounds(countingText(count), text("500"));
   each([&](ParamAvailInfo const& info) {
     EXPECT_EQ(info.getBounds(), Bounds("1", "500"));
     EXPECT_EQ(info.getBounds(), Bounds("1", "500"));
@@ -157,7 +145,7 @@ TEST_F(ParamAvailInfoTest, TheFormOfTheDefaultThatIsAskedFirstDecides) {
 
 TEST_F(ParamAvailInfoTest, AnOverrideIsEvaluatedAtEveryQuestion) {
   int count = 0;
-  rotor().param("Speed").overriddenWhen(test::always(), counting(count));
+  rotor().param("Speed").overriddenWhen(test::always(), countingText(count));
   each([&](ParamAvailInfo const& info) {
     EXPECT_EQ(info.getValueOverride(), Override(true, "1"));
     EXPECT_EQ(info.getValueOverride(allowing({"5"})), Override(true, "2"));

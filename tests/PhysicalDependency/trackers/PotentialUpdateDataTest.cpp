@@ -10,21 +10,17 @@
 #include <utility>
 #include <vector>
 
+#include "support/AllowedValues.h"
+
 namespace tarn {
 namespace {
 
+using test::allowing;
 using Strings = std::vector<std::string>;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 Pairs paramsOf(PotentialUpdateData const& data) {
   return {data.getParams().begin(), data.getParams().end()};
-}
-
-ParamAllowedValues allowed(std::vector<std::string> values) {
-  ParamAllowedValues record;
-  record.hasAllowedValues = true;
-  record.allowedValues = std::move(values);
-  return record;
 }
 
 TEST(PotentialUpdateData, ANewRecordIsEmpty) {
@@ -56,8 +52,8 @@ TEST(PotentialUpdateData, ParametersStandByObjectInTheOrderOfAdditionWithTheirDu
 
 TEST(PotentialUpdateData, TheAllowedValuesThatWereAddedFirstStand) {
   PotentialUpdateData data;
-  data.addParam("/Case", "Fluid", allowed({"Water"}));
-  data.addParam("/Case", "Fluid", allowed({"Air"}));
+  data.addParam("/Case", "Fluid", allowing({"Water"}));
+  data.addParam("/Case", "Fluid", allowing({"Air"}));
   EXPECT_EQ(data.getAllowedValueData("/Case", "Fluid").allowedValues, (Strings{"Water"}));
   EXPECT_EQ(data.getParams().size(), 2U);
 }
@@ -65,16 +61,16 @@ TEST(PotentialUpdateData, TheAllowedValuesThatWereAddedFirstStand) {
 TEST(PotentialUpdateData, AParameterWithoutAllowedValuesHasAnEmptyRecord) {
   PotentialUpdateData data;
   data.addParam("/Case", "Title");
-  data.addParam("/Case", "Fluid", allowed({"Water"}));
+  data.addParam("/Case", "Fluid", allowing({"Water"}));
   EXPECT_TRUE(data.getAllowedValueData("/Case", "Title").isEqualTo(ParamAllowedValues()));
   EXPECT_TRUE(data.getAllowedValueData("/Case/Solver", "Fluid").isEqualTo(ParamAllowedValues()));
 }
 
 TEST(PotentialUpdateData, AllowedValuesAreComparedAsWholeRecords) {
   PotentialUpdateData data;
-  data.addParam("/Case", "Fluid", allowed({"Water"}));
-  EXPECT_TRUE(data.compareAllowedValues("/Case", "Fluid", allowed({"Water"})));
-  EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", allowed({"Water", "Air"})));
+  data.addParam("/Case", "Fluid", allowing({"Water"}));
+  EXPECT_TRUE(data.compareAllowedValues("/Case", "Fluid", allowing({"Water"})));
+  EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", allowing({"Water", "Air"})));
   EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", ParamAllowedValues({"Water"}, {"Water"})));
   EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", ParamAllowedValues()));
 }
@@ -83,8 +79,8 @@ TEST(PotentialUpdateData, WithoutAnEntryOnlyEmptyAllowedValuesCompareEqual) {
   PotentialUpdateData data;
   data.addParam("/Case", "Title");
   EXPECT_TRUE(data.compareAllowedValues("/Case", "Title", ParamAllowedValues()));
-  EXPECT_TRUE(data.compareAllowedValues("/Case", "Title", allowed({})));  // the list counts, not the flags
-  EXPECT_FALSE(data.compareAllowedValues("/Case", "Title", allowed({"Water"})));
+  EXPECT_TRUE(data.compareAllowedValues("/Case", "Title", allowing({})));  // the list counts, not the flags
+  EXPECT_FALSE(data.compareAllowedValues("/Case", "Title", allowing({"Water"})));
   EXPECT_TRUE(data.compareAllowedValues("/Case/Solver", "Order", ParamAllowedValues()));
 }
 
@@ -92,7 +88,7 @@ TEST(PotentialUpdateData, AnEntryOfEmptyAllowedValuesIsComparedAsARecord) {
   PotentialUpdateData data;
   data.addParam("/Case", "Fluid", ParamAllowedValues());
   EXPECT_TRUE(data.compareAllowedValues("/Case", "Fluid", ParamAllowedValues()));
-  EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", allowed({})));
+  EXPECT_FALSE(data.compareAllowedValues("/Case", "Fluid", allowing({})));
 }
 
 TEST(PotentialUpdateData, AnObjectWithAPotentialParameterIsFoundAndSoAreTheObjectsAboveIt) {
@@ -134,7 +130,7 @@ TEST(PotentialUpdateData, ASubtreeIsFoundAlsoWherePathsStandBetweenInByteOrder) 
 TEST(PotentialUpdateData, ClearEmptiesEverything) {
   PotentialUpdateData data;
   data.addObject("/Case/Solver");
-  data.addParam("/Case", "Fluid", allowed({"Water"}));
+  data.addParam("/Case", "Fluid", allowing({"Water"}));
   data.clear();
   EXPECT_EQ(data.getObjects(), Strings());
   EXPECT_EQ(paramsOf(data), Pairs());
@@ -149,7 +145,7 @@ TEST(PotentialUpdateData, WithAPathGoesTheObjectAllBelowItAndTheirParameters) {
   data.addObject("/Case/Domain:stator");
   data.addObject("/Case/Domain:rotor2");
   data.addParam("/Case/Domain:rotor", "Title");
-  data.addParam("/Case/Domain:rotor/Boundary:inlet", "Fluid", allowed({"Water"}));
+  data.addParam("/Case/Domain:rotor/Boundary:inlet", "Fluid", allowing({"Water"}));
   data.addParam("/Case/Domain:rotor2", "Title");
   data.addParam("/Case", "Title");
   data.clearObjectReferences("/Case/Domain:rotor");
@@ -249,9 +245,9 @@ TEST(PotentialUpdateData, TheRootAsAnObjectsParentIsFoundAfterARemoval) {
 TEST(PotentialUpdateData, WithTheRootGoesEverythingHoweverItIsWritten) {
   for (std::string const root : {"", "/"}) {
     PotentialUpdateData data;
-    data.addParam("", "Version", allowed({"1", "2"}));
+    data.addParam("", "Version", allowing({"1", "2"}));
     data.addObject("/Case/Solver");
-    data.addParam("/Case/Domain:rotor", "Fluid", allowed({"Water", "Air"}));
+    data.addParam("/Case/Domain:rotor", "Fluid", allowing({"Water", "Air"}));
     data.clearObjectReferences(root);
     EXPECT_EQ(data.getObjects(), Strings());
     EXPECT_EQ(paramsOf(data), Pairs());
@@ -311,7 +307,7 @@ TEST(PotentialUpdateData, RandomAdditionsAndRemovalsAgreeWithAPlainReading) {
         data.addObject(path);
         plain.objects.push_back(path);
       } else if (action < 4) {
-        data.addParam(path, "P", allowed({path}));
+        data.addParam(path, "P", allowing({path}));
         plain.params.emplace_back(path, "P");
       } else {
         data.clearObjectReferences(path);

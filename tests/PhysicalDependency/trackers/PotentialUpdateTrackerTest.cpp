@@ -11,21 +11,17 @@
 
 #include <tarn/DynamicTDF.h>
 
+#include "support/AllowedValues.h"
+
 namespace tarn {
 namespace {
 
+using test::allowing;
 using Strings = std::vector<std::string>;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 Pairs listOf(PotentialUpdateTracker::Params const& params) {
   return {params.begin(), params.end()};
-}
-
-ParamAllowedValues allowed(std::vector<std::string> values) {
-  ParamAllowedValues record;
-  record.hasAllowedValues = true;
-  record.allowedValues = std::move(values);
-  return record;
 }
 
 std::string const rotor = "/Case/Domain:rotor";
@@ -62,7 +58,7 @@ TEST_F(PotentialUpdateTrackerTest, AllThatTheFirstWalkFindsIsAdded) {
   walk([](auto& found) {
     found.addObject("/Case/Solver");
     found.addParam(rotor, "Title");
-    found.addParam("/Case", "Fluid", allowed({"Water"}));
+    found.addParam("/Case", "Fluid", allowing({"Water"}));
   });
   EXPECT_EQ(tracker_.getAddedObjects(), (Strings{"/Case/Solver"}));
   EXPECT_EQ(listOf(tracker_.getAddedParams()), (Pairs{{"/Case", "Fluid"}, {rotor, "Title"}}));
@@ -75,7 +71,7 @@ TEST_F(PotentialUpdateTrackerTest, WhatWasPotentialAndStillIsIsNotTold) {
   auto const finds = [](auto& found) {
     found.addObject("/Case/Solver");
     found.addParam(rotor, "Title");
-    found.addParam("/Case", "Fluid", allowed({"Water"}));
+    found.addParam("/Case", "Fluid", allowing({"Water"}));
   };
   walk(finds);
   walk(finds);
@@ -105,22 +101,22 @@ TEST_F(PotentialUpdateTrackerTest, AParameterThatTheModelHoldsNowHasBeenActivate
 }
 
 TEST_F(PotentialUpdateTrackerTest, OtherAllowedValuesAreAChange) {
-  walk([](auto& found) { found.addParam(rotor, "Fluid", allowed({"Water"})); });
-  walk([](auto& found) { found.addParam(rotor, "Fluid", allowed({"Water", "Air"})); });
+  walk([](auto& found) { found.addParam(rotor, "Fluid", allowing({"Water"})); });
+  walk([](auto& found) { found.addParam(rotor, "Fluid", allowing({"Water", "Air"})); });
   EXPECT_EQ(listOf(tracker_.getChangedParams()), (Pairs{{rotor, "Fluid"}}));
   EXPECT_EQ(listOf(tracker_.getAddedParams()), Pairs());
   EXPECT_EQ(listOf(tracker_.getDeletedParams()), Pairs());
 }
 
 TEST_F(PotentialUpdateTrackerTest, AParameterThatLosesItsAllowedValuesIsChanged) {
-  walk([](auto& found) { found.addParam(rotor, "Fluid", allowed({"Water"})); });
+  walk([](auto& found) { found.addParam(rotor, "Fluid", allowing({"Water"})); });
   walk([](auto& found) { found.addParam(rotor, "Fluid"); });
   EXPECT_EQ(listOf(tracker_.getChangedParams()), (Pairs{{rotor, "Fluid"}}));
 }
 
 TEST_F(PotentialUpdateTrackerTest, AParameterThatGetsAllowedValuesIsChanged) {
   walk([](auto& found) { found.addParam(rotor, "Fluid"); });
-  walk([](auto& found) { found.addParam(rotor, "Fluid", allowed({"Water"})); });
+  walk([](auto& found) { found.addParam(rotor, "Fluid", allowing({"Water"})); });
   EXPECT_EQ(listOf(tracker_.getChangedParams()), (Pairs{{rotor, "Fluid"}}));
 }
 
@@ -129,11 +125,11 @@ TEST_F(PotentialUpdateTrackerTest, OfAnObjectInBothWalksEachParameterIsToldByIts
     found.addParam(rotor, "Activated");
     found.addParam(rotor, "Withdrawn");
     found.addParam(rotor, "Kept");
-    found.addParam(rotor, "Changed", allowed({"Water"}));
+    found.addParam(rotor, "Changed", allowing({"Water"}));
   });
   model_.setParameter(rotor, "Activated", "1");
   walk([](auto& found) {
-    found.addParam(rotor, "Changed", allowed({"Air"}));
+    found.addParam(rotor, "Changed", allowing({"Air"}));
     found.addParam(rotor, "Offered");
     found.addParam(rotor, "Kept");
   });
@@ -146,8 +142,8 @@ TEST_F(PotentialUpdateTrackerTest, OfOneObjectAddedAndDeletedStandInTheOrderOfTh
   walk([](auto& found) {
     found.addParam(rotor, "Z old");
     found.addParam(rotor, "A old");
-    found.addParam(rotor, "Z both", allowed({"Water"}));
-    found.addParam(rotor, "A both", allowed({"Water"}));
+    found.addParam(rotor, "Z both", allowing({"Water"}));
+    found.addParam(rotor, "A both", allowing({"Water"}));
   });
   walk([](auto& found) {
     found.addParam(rotor, "Z new");
@@ -176,8 +172,8 @@ TEST_F(PotentialUpdateTrackerTest, ObjectsOfOneWalkOnlyAreToldWhereverTheyStandA
 }
 
 TEST_F(PotentialUpdateTrackerTest, AParameterOfAnotherObjectIsOneAddedAndOneDeletedAndNeverAChange) {
-  walk([](auto& found) { found.addParam(rotor, "Fluid", allowed({"Water"})); });
-  walk([](auto& found) { found.addParam(stator, "Fluid", allowed({"Air"})); });
+  walk([](auto& found) { found.addParam(rotor, "Fluid", allowing({"Water"})); });
+  walk([](auto& found) { found.addParam(stator, "Fluid", allowing({"Air"})); });
   EXPECT_EQ(listOf(tracker_.getAddedParams()), (Pairs{{stator, "Fluid"}}));
   EXPECT_EQ(listOf(tracker_.getDeletedParams()), (Pairs{{rotor, "Fluid"}}));
   EXPECT_EQ(listOf(tracker_.getChangedParams()), Pairs());
@@ -195,12 +191,12 @@ TEST_F(PotentialUpdateTrackerTest, ANewParameterThatWasFoundTwiceIsToldTwice) {
 
 TEST_F(PotentialUpdateTrackerTest, AParameterInBothWalksIsComparedOnceHoweverOftenItWasFound) {
   walk([](auto& found) {
-    found.addParam(rotor, "Fluid", allowed({"Water"}));
-    found.addParam(rotor, "Fluid", allowed({"Water"}));
+    found.addParam(rotor, "Fluid", allowing({"Water"}));
+    found.addParam(rotor, "Fluid", allowing({"Water"}));
   });
   walk([](auto& found) {
-    found.addParam(rotor, "Fluid", allowed({"Air"}));
-    found.addParam(rotor, "Fluid", allowed({"Air"}));
+    found.addParam(rotor, "Fluid", allowing({"Air"}));
+    found.addParam(rotor, "Fluid", allowing({"Air"}));
   });
   EXPECT_EQ(listOf(tracker_.getChangedParams()), (Pairs{{rotor, "Fluid"}}));
 }
@@ -252,7 +248,7 @@ TEST_F(PotentialUpdateTrackerTest, OfTwoWalksTheDifferenceIsTold) {
 TEST_F(PotentialUpdateTrackerTest, ANewTrackerIgnoresWhatIsAddedAndComparesNothing) {
   tracker_.addObject(rotor);
   tracker_.addParam(rotor, "Title");
-  tracker_.addParam(rotor, "Fluid", allowed({"Water"}));
+  tracker_.addParam(rotor, "Fluid", allowing({"Water"}));
   tracker_.synchWithTDF(&model_);
   EXPECT_EQ(tracker_.getObjects(), Strings());
   EXPECT_EQ(listOf(tracker_.getParams()), Pairs());
@@ -264,13 +260,13 @@ TEST_F(PotentialUpdateTrackerTest, ANewTrackerIgnoresWhatIsAddedAndComparesNothi
 TEST_F(PotentialUpdateTrackerTest, DuringAWalkTheComparisonIsEmptyAndWhatWasFoundShows) {
   walk([](auto& found) {
     found.addObject(rotor);
-    found.addParam(rotor, "Fluid", allowed({"Water"}));
+    found.addParam(rotor, "Fluid", allowing({"Water"}));
   });
   EXPECT_FALSE(tracker_.getAllowedValueData(rotor, "Fluid").isEmpty());
   tracker_.start();
   expectNoComparison();
   tracker_.addObject(stator);
-  tracker_.addParam(stator, "Fluid", allowed({"Water"}));
+  tracker_.addParam(stator, "Fluid", allowing({"Water"}));
   expectNoComparison();
   EXPECT_EQ(tracker_.getObjects(), (Strings{stator}));
   EXPECT_EQ(listOf(tracker_.getParams()), (Pairs{{stator, "Fluid"}}));

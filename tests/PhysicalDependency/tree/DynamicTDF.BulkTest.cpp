@@ -11,17 +11,13 @@
 #include <tarn/Error.h>
 #include <tarn/PhysicsDepErrors.h>
 
+#include "support/AllowedValues.h"
+
 namespace tarn {
 namespace {
 
+using test::allowing;
 using Strings = std::vector<std::string>;
-
-ParamAllowedValues allowedOf(Strings values) {
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  allowed.allowedValues = std::move(values);
-  return allowed;
-}
 
 void load(DynamicTDF& model, ModelState const& state) {
   model.initialise(state.begin(), state.end());
@@ -252,16 +248,16 @@ TEST(DynamicTDFBulk, MergingAnObjectThatTheModelLacksCreatesItHere) {
 
 TEST(DynamicTDFBulk, MergingAPlainValueKeepsTheAllowedValues) {
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   ModelState const more{{"/Case", {{"Model", "LES"}}}};
   model.update(more.begin(), more.end());
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "LES");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST", "LES"})));
 }
 
 TEST(DynamicTDFBulk, LoadingAModelMakesOrdinaryParameters) {
   DynamicTDF source;
-  source.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  source.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   DynamicTDF model;
   model.initialise(&source, "");
   EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEmpty());
@@ -410,18 +406,18 @@ TEST(DynamicTDFBulk, ChildrenThatAreHereKeepTheirPlaceAndNewOnesGoBehindThemInTh
 
 TEST(DynamicTDFBulk, MirroringCopiesAllowedValues) {
   DynamicTDF source;
-  source.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  source.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"DES"}), "DES");
+  model.setParameter("/Case", "Model", allowing({"DES"}), "DES");
   model.copyBranch(&source, "/Case");
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "SST");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST", "LES"})));
 }
 
 TEST(DynamicTDFBulk, MirroringAllowedValuesOntoAnOrdinaryParameterThrowsAndKeepsWhatWasCopied) {
   DynamicTDF source;
   source.setParameter("/Case", "A", "copied");
-  source.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  source.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   source.setParameter("/Case", "Z", "not copied");
   DynamicTDF model;
   model.setParameter("/Case", "Model", "LES");
@@ -434,10 +430,10 @@ TEST(DynamicTDFBulk, MirroringAPlainValueOntoAnAllowedValueParameterKeepsTheAllo
   DynamicTDF source;
   source.setParameter("/Case", "Model", "LES");
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   model.copyBranch(&source, "/Case");
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "LES");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST", "LES"})));
 }
 
 TEST(DynamicTDFBulk, AnAllowedValueParameterWithAnEmptyRecordIsMirroredAsAPlainValue) {
@@ -447,7 +443,7 @@ TEST(DynamicTDFBulk, AnAllowedValueParameterWithAnEmptyRecordIsMirroredAsAPlainV
   model.setParameter("/Case", "Model", "SST");
   EXPECT_NO_THROW(model.copyBranch(&source, "/Case"));
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "LES");
-  EXPECT_THROW(model.setParameter("/Case", "Model", allowedOf({"LES"}), "LES"), physics_dep::invalidParamVal);
+  EXPECT_THROW(model.setParameter("/Case", "Model", allowing({"LES"}), "LES"), physics_dep::invalidParamVal);
 }
 
 // --- depth and width

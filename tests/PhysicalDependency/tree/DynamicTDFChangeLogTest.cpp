@@ -8,18 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "support/AllowedValues.h"
+
 namespace tarn {
 namespace {
 
+using test::allowing;
 using Strings = std::vector<std::string>;
 using Params = std::vector<DynamicTDF::ParamId>;
-
-ParamAllowedValues allowedOf(Strings values) {
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  allowed.allowedValues = std::move(values);
-  return allowed;
-}
 
 /// All four lists at once, so that a test says of each what it holds.
 struct Log {
@@ -86,18 +82,18 @@ TEST(DynamicTDFChangeLog, SettingTheSameValueButForWhiteSpaceIsNoEvent) {
 
 TEST(DynamicTDFChangeLog, AnAllowedValueParameterIsModifiedByAnotherValueOrOtherAllowedValues) {
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   EXPECT_EQ(logOf(model), (Log{{{"/Case", "Model"}}, {}, {}, {}}));
   model.resetChanges();
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), " SST ");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), " SST ");
   EXPECT_EQ(logOf(model), Log{});
-  model.setParameter("/Case", "Model", allowedOf({"SST"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST"}), "SST");
   EXPECT_EQ(logOf(model), (Log{{}, {{"/Case", "Model"}}, {}, {}}));
   model.resetChanges();
-  model.setParameter("/Case", "Model", allowedOf({"SST"}), "LES");
+  model.setParameter("/Case", "Model", allowing({"SST"}), "LES");
   EXPECT_EQ(logOf(model), (Log{{}, {{"/Case", "Model"}}, {}, {}}));
   model.resetChanges();
-  model.setParameter("/Case", "Model", allowedOf({"DES"}), "DES");
+  model.setParameter("/Case", "Model", allowing({"DES"}), "DES");
   EXPECT_EQ(logOf(model), (Log{{}, {{"/Case", "Model"}}, {}, {}}));
 }
 
@@ -237,8 +233,8 @@ TEST(DynamicTDFChangeLog, WithRecordingOffNoOperationChangesTheLists) {
 
   model.setParameter("/Case", "x", "1");
   model.setParameter("/Case", "x", "2");
-  model.setParameter("/Case", "y", allowedOf({"1"}), "1");
-  model.setParameter("/Case", "y", allowedOf({"1", "2"}), "2");
+  model.setParameter("/Case", "y", allowing({"1"}), "1");
+  model.setParameter("/Case", "y", allowing({"1", "2"}), "2");
   model.deleteParameter("/Case", "x");
   model.deleteObject("/Case/Domain:a/Boundary:in");
   model.deleteObjectUnrecorded("/Case/Domain:a/Boundary:out");

@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "support/AllowedValues.h"
+#include "support/RandomState.h"
+
 namespace tarn {
 namespace {
 
@@ -242,20 +245,6 @@ TEST(DynamicTDFLaws, AMirrorOfTheWholeTreeEqualsItAndASecondOneIsNoEvent) {
   }
 }
 
-/// A state of a few objects, most of them in every state, so that states that follow each other are often alike.
-ModelState randomState(std::mt19937& random) {
-  ModelState state;
-  for (std::string const path :
-       {"/Case", "/Case A", "/Case/Domain:a", "/Case/Domain:a/Wall", "/Case/Domain:b", "/Log"}) {
-    if (random() % 8 == 0) continue;
-    ObjectState& values = state[path];
-    for (std::string const name : {"Gravity", "Motion", "Title"}) {
-      if (random() % 6 != 0) values[name] = random() % 5 == 0 ? " " : std::to_string(random() % 3);
-    }
-  }
-  return state;
-}
-
 Strings listing(DynamicTDF const& tree, std::string const& path = "") {
   Strings all{path};
   Strings children;
@@ -272,7 +261,7 @@ TEST(DynamicTDFLaws, ATreeThatIsLoadedAgainAndAgainIsAsOneLoadedOnce) {
     std::mt19937 random(seed);
     DynamicTDF often(false);
     for (int load = 0; load < 50; ++load) {
-      ModelState const state = randomState(random);
+      ModelState const state = test::randomState(random, {"0", "1", "2", " "});
       auto const middle = std::next(state.begin(), static_cast<std::ptrdiff_t>(state.size() / 2));
       bool const skipEmpty = random() % 2 == 0;
       std::vector<DynamicTDF::StateRange> const parts{{state.begin(), middle}, {middle, state.end()}};
@@ -296,9 +285,7 @@ TEST(DynamicTDFLaws, AParameterOfAllowedValueTypeIsAnOrdinaryOneAfterALoad) {
   ModelState const state{{"/Case", {{"Motion", "Rotating"}}}};
   tree.initialise(state.begin(), state.end());
   tree.deleteParameter("/Case", "Motion");
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  tree.setParameter("/Case", "Motion", allowed, "Rotating");
+  tree.setParameter("/Case", "Motion", test::allowing({}), "Rotating");
   tree.initialise(state.begin(), state.end());
   EXPECT_FALSE(tree.getAllowedValueData("/Case", "Motion").hasAllowedValues);
 }

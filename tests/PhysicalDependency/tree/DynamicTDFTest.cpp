@@ -15,17 +15,13 @@
 #include <tarn/Error.h>
 #include <tarn/PhysicsDepErrors.h>
 
+#include "support/AllowedValues.h"
+
 namespace tarn {
 namespace {
 
+using test::allowing;
 using Strings = std::vector<std::string>;
-
-ParamAllowedValues allowedOf(Strings values) {
-  ParamAllowedValues allowed;
-  allowed.hasAllowedValues = true;
-  allowed.allowedValues = std::move(values);
-  return allowed;
-}
 
 /// A case with two domains; the rotor has a boundary.
 class PumpCase : public DynamicTDF {
@@ -175,9 +171,9 @@ TEST(DynamicTDF, AListReadAfterAnotherValueWasSetIsThatOfTheNewValue) {
 TEST(DynamicTDF, AListReadAfterAnAllowedValueParameterWasSetIsThatOfTheNewValue) {
   DynamicTDF model;
   Strings out;
-  model.setParameter("/Case", "Models", allowedOf({"a", "b"}), "a,b");
+  model.setParameter("/Case", "Models", allowing({"a", "b"}), "a,b");
   model.getParamValueAsList("/Case", "Models", out);
-  model.setParameter("/Case", "Models", allowedOf({"a", "b"}), "b");
+  model.setParameter("/Case", "Models", allowing({"a", "b"}), "b");
   model.getParamValueAsList("/Case", "Models", out);
   EXPECT_EQ(out, Strings{"b"});
 }
@@ -447,32 +443,32 @@ TEST(DynamicTDF, AnEmptyValueIsStored) {
 
 TEST(DynamicTDF, AllowedValuesAreKeptWithTheParameterAndNotEnforced) {
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), " none ");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), " none ");
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "none");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST", "LES"})));
 }
 
 TEST(DynamicTDF, AllowedValuesAreReplacedByTheNextOnes) {
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
-  model.setParameter("/Case", "Model", allowedOf({"SST"}), "SST");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST"})));
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST"}), "SST");
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST"})));
 }
 
 TEST(DynamicTDF, APlainValueOnAnAllowedValueParameterKeepsTheAllowedValues) {
   DynamicTDF model;
-  model.setParameter("/Case", "Model", allowedOf({"SST", "LES"}), "SST");
+  model.setParameter("/Case", "Model", allowing({"SST", "LES"}), "SST");
   model.setParameter("/Case", "Model", "LES");
   EXPECT_EQ(model.getParameterValue("/Case", "Model"), "LES");
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST", "LES"})));
-  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowedOf({"DES"}), "DES"));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST", "LES"})));
+  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowing({"DES"}), "DES"));
 }
 
 TEST(DynamicTDF, AParameterSetWithAnEmptyRecordIsOfAllowedValueType) {
   DynamicTDF model;
   model.setParameter("/Case", "Model", ParamAllowedValues(), "SST");
-  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowedOf({"SST"}), "SST"));
-  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowedOf({"SST"})));
+  EXPECT_NO_THROW(model.setParameter("/Case", "Model", allowing({"SST"}), "SST"));
+  EXPECT_TRUE(model.getAllowedValueData("/Case", "Model").isEqualTo(allowing({"SST"})));
 }
 
 TEST(DynamicTDF, AllowedValuesThatAreNotThereReadAsAnEmptyRecord) {
@@ -487,7 +483,7 @@ TEST(DynamicTDF, AllowedValuesForAnOrdinaryParameterThrowAndLeaveItAsItWas) {
   PumpCase model;
   model.resetChanges();
   try {
-    model.setParameter("/Case", "Flow Regime", allowedOf({"Laminar"}), "Laminar");
+    model.setParameter("/Case", "Flow Regime", allowing({"Laminar"}), "Laminar");
     FAIL() << "nothing was thrown";
   } catch (physics_dep::invalidParamVal const& error) {
     EXPECT_EQ(error.exceptionName(), "physical_dependency::invalidParamVal");
@@ -505,7 +501,7 @@ TEST(DynamicTDF, AllowedValuesForAnOrdinaryParameterThrowAndLeaveItAsItWas) {
 TEST(DynamicTDF, AParameterThatWasDeletedMayComeBackAsTheOtherKind) {
   PumpCase model;
   model.deleteParameter("/Case", "Flow Regime");
-  EXPECT_NO_THROW(model.setParameter("/Case", "Flow Regime", allowedOf({"Laminar"}), "Laminar"));
+  EXPECT_NO_THROW(model.setParameter("/Case", "Flow Regime", allowing({"Laminar"}), "Laminar"));
   EXPECT_FALSE(model.getAllowedValueData("/Case", "Flow Regime").isEmpty());
 }
 
@@ -789,9 +785,9 @@ TEST(DynamicTDF, TheRevisionIsAnotherOneAfterEveryChange) {
         [&] { tree.createObject("/Case", "Domain", "rotor"); },
         [&] { tree.setParameter("/Case/Domain:rotor", "Motion", "Resting"); },
         [&] { tree.setParameter("/Case/Domain:rotor", "Motion", "Rotating"); },
-        [&] { tree.setParameter("/Case", "Fluid", allowedOf({"Water"}), "Water"); },
+        [&] { tree.setParameter("/Case", "Fluid", allowing({"Water"}), "Water"); },
         [&] {
-          tree.setParameter("/Case", "Fluid", allowedOf({"Water", "Air"}), "Water");
+          tree.setParameter("/Case", "Fluid", allowing({"Water", "Air"}), "Water");
         },
         [&] { tree.deleteParameter("/Case", "Fluid"); },
         [&] { tree.copyBranch(&source, "/Case/Domain:rotor"); },

@@ -17,6 +17,7 @@
 #include <tarn/MeasurementSink.h>
 
 #include "PhysicalDependency/validation/ValidationFixture.h"
+#include "support/RandomState.h"
 
 namespace tarn {
 namespace {
@@ -129,20 +130,6 @@ TEST_F(PhysicsValidator2, AModelThatLostItsEndIsKnownAgain) {
   EXPECT_EQ(regimeAsked_, 2);
 }
 
-/// A model of a few objects, most of which are in every model, so that models which follow each other are often alike.
-ModelState randomModel(std::mt19937& random) {
-  ModelState model;
-  for (std::string const path :
-       {"/Case", "/Case A", "/Case/Domain:a", "/Case/Domain:a/Wall", "/Case/Domain:ab", "/Log"}) {
-    if (random() % 8 == 0) continue;
-    ObjectState& values = model[path];
-    for (std::string const name : {"Gravity", "Motion", "Title"}) {
-      if (random() % 6 != 0) values[name] = std::vector<std::string>{"1", "2", " ", "10\n/Case/Motion=1"}[random() % 4];
-    }
-  }
-  return model;
-}
-
 TEST_F(PhysicsValidator2, AValidatorThatHasSeenOtherModelsReadsTheNextOneAsAFreshOneDoes) {
   rule("/Case").param("Motion");
   auto const read = [this](Validator& validator, ModelState const& model) {
@@ -152,18 +139,19 @@ TEST_F(PhysicsValidator2, AValidatorThatHasSeenOtherModelsReadsTheNextOneAsAFres
     validator.dumpDB();
     return testing::internal::GetCapturedStdout();
   };
+  Strings const values = {"1", "2", " ", "10\n/Case/Motion=1"};
   for (unsigned seed = 1; seed <= 30; ++seed) {
     std::mt19937 random(seed);
     Validator often(&rules_);
-    ModelState model = randomModel(random);
+    ModelState model = randomState(random, values);
     for (int call = 0; call < 60; ++call) {
       // Other models, and those that differ in one parameter.
-      if (random() % 4 == 0) model = randomModel(random);
-      ObjectState& values = std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()))->second;
-      if (!values.empty() && random() % 2 == 0) {
-        values.erase(std::next(values.begin(), static_cast<std::ptrdiff_t>(random() % values.size())));
+      if (random() % 4 == 0) model = randomState(random, values);
+      ObjectState& object = std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()))->second;
+      if (!object.empty() && random() % 2 == 0) {
+        object.erase(std::next(object.begin(), static_cast<std::ptrdiff_t>(random() % object.size())));
       } else {
-        values["Title"] = std::to_string(random() % 200);
+        object["Title"] = std::to_string(random() % 200);
       }
       Validator fresh(&rules_);
       ASSERT_EQ(read(often, model), read(fresh, model)) << "seed " << seed << ", call " << call;
