@@ -22,6 +22,11 @@ using lambda::never;
 using lambda::text;
 using lambda::when;
 
+/// The value of a parameter of the object.
+inline std::unique_ptr<TextExpression> valueOf(std::string const& name) {
+  return text([=](TDFContext const& at, ModelTDF const& model) { return model.getParameterValue(at.objPath(), name); });
+}
+
 /// Counts its evaluations in `count`. The text is the new count: "1", "2" and so on. `count` must live as long as the
 /// expression.
 inline std::unique_ptr<TextExpression> countingText(int& count) {
@@ -150,7 +155,8 @@ class Rules {
     return *this;
   }
   Rules& bounds(std::string const& lower, std::string const& upper) { return bounds(text(lower), text(upper)); }
-  Rules& quantityType(std::string const& key) { return values().quantityType = text(key), *this; }
+  Rules& quantityType(std::unique_ptr<TextExpression> key) { return values().quantityType = std::move(key), *this; }
+  Rules& quantityType(std::string const& key) { return quantityType(text(key)); }
 
   // Marks of a child.
 

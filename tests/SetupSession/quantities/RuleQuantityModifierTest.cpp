@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <string>
 
 #include <tarn/DynamicTDF.h>
 
-#include "SetupSession/FlowRules.h"
+#include "support/Rules.h"
 
 namespace tarn::session {
 namespace {
@@ -15,13 +15,10 @@ namespace {
 class RuleQuantityModifierTest : public testing::Test {
  protected:
   RuleQuantityModifierTest() {
-    EXPECT_TRUE(rules_.addQuantityType("Mass Flow", {"kg/s", "g/s"}));
-    EXPECT_TRUE(rules_.addQuantityType("Dimensionless", {}));
-    ObjDependDef& inlet = rules_.addObject("/Case/Inlet");
-    ParamValueDef flow = valueOfType(TDFParam::Real);
-    flow.quantityType = valueOf("/Case/Inlet:hub", "Flow Is");
-    EXPECT_TRUE(inlet.addParam(parameter("Flow"), std::move(flow)));
-    EXPECT_TRUE(inlet.addParam(parameter("Swirl"), valueOfType(TDFParam::Real)));
+    test::Rules inlet(rules_, "/Case/Inlet");
+    inlet.quantity("Mass Flow", {"kg/s", "g/s"}).quantity("Dimensionless", {});
+    inlet.param("Flow").type(TDFParam::Real).quantityType(test::valueOf("Flow Is"));
+    inlet.param("Swirl").type(TDFParam::Real);
   }
 
   void flowIs(std::string const& type) { model_.setParameter("/Case/Inlet:hub", "Flow Is", type); }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "SetupSession/FlowRules.h"
+#include "support/Rules.h"
 
 namespace tarn::session {
 namespace {
@@ -15,15 +15,11 @@ using testing::SizeIs;
 class ModelJudgeTest : public testing::Test {
  protected:
   ModelJudgeTest() {
-    rules_.addPertinentRoot("Case");
-    ObjDependDef& flowCase = rules_.addObject("/Case");
-    ParamAvail regime = parameter("Flow Regime");
-    regime.required = true;
-    EXPECT_TRUE(flowCase.addParam(std::move(regime), oneOf(TDFParam::String, {"Laminar", "Turbulent"})));
-    EXPECT_TRUE(flowCase.addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
-    ParamAvail combustion = parameter("Combustion");
-    combustion.betaMessage = "Combustion is not released.";
-    EXPECT_TRUE(flowCase.addParam(std::move(combustion), valueOfType(TDFParam::Logical)));
+    test::Rules rules(rules_);
+    rules.pertinentRoot("Case").object("/Case");
+    rules.param("Flow Regime").required().allowed({"Laminar", "Turbulent"});
+    rules.param("Speed").type(TDFParam::Real);
+    rules.param("Combustion").type(TDFParam::Logical).beta("Combustion is not released.");
   }
 
   Findings judge(ModelState model, JudgeOptions options = {}) {
@@ -64,8 +60,8 @@ TEST_F(ModelJudgeTest, TheValidatorAloneLeavesOutTheOtherAnalyses) {
 }
 
 TEST_F(ModelJudgeTest, ThePhaseConcernsTheValidatorOnly) {
-  EXPECT_TRUE(rules_.addGlobalCheck("well posed", lambda::globalCheck([](ModelTDF const&) { return false; },
-                                                                      PhysicsErrorMsg("The case is not well posed."))));
+  test::Rules(rules_).globalCheck(
+      "well posed", [](ModelTDF const&) { return false; }, PhysicsErrorMsg("The case is not well posed."));
   JudgeOptions options;
   options.phases = PhysicsValidator2::ValGlobal;
   Findings findings = judge(faulty_, options);

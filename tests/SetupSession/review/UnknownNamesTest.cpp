@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "SetupSession/FlowRules.h"
+#include "support/Rules.h"
 
 namespace tarn::session {
 namespace {
@@ -25,23 +25,19 @@ std::string messageOf(UnknownNames::Result const& result) {
 class UnknownNamesTest : public testing::Test {
  protected:
   UnknownNamesTest() {
-    rules_.addPertinentRoot("Case");
-    ObjDependDef& flowCase = rules_.addObject("/Case");
-    EXPECT_TRUE(flowCase.addParam(parameter("Flow Regime"), valueOfType(TDFParam::String)));
-    EXPECT_TRUE(flowCase.addChild(child("Domain", false)));
-    EXPECT_TRUE(flowCase.addChild(child("Solver Control", true)));
-    ChildAvail rotating = child("Rotation", true);
-    rotating.available = lambda::when("Flow Regime", "Rotating");
-    EXPECT_TRUE(flowCase.addChild(std::move(rotating)));
-    ObjDependDef& domain = rules_.addObject("/Case/Domain");
-    EXPECT_TRUE(domain.addParam(parameter("Material"), valueOfType(TDFParam::String)));
-    ParamAvail speed = parameter("Angular Velocity");
-    speed.available = lambda::when("Motion", "Rotating");
-    EXPECT_TRUE(domain.addParam(std::move(speed), valueOfType(TDFParam::Real)));
-    EXPECT_TRUE(domain.addParam(parameter("Motion"), valueOfType(TDFParam::String)));
-    EXPECT_TRUE(domain.addChild(child("Boundary", false)));
-    EXPECT_TRUE(rules_.addObject("/Case/Domain/Boundary").addParam(parameter("Kind"), valueOfType(TDFParam::String)));
-    EXPECT_TRUE(rules_.addObject("/Case/Rotation").addParam(parameter("Axis"), valueOfType(TDFParam::String)));
+    test::Rules rules(rules_);
+    rules.pertinentRoot("Case").object("/Case");
+    rules.param("Flow Regime");
+    rules.child("Domain");
+    rules.child("Solver Control").singleton();
+    rules.child("Rotation").singleton().availableWhen(test::when("Flow Regime", "Rotating"));
+    rules.object("/Case/Domain");
+    rules.param("Material");
+    rules.param("Angular Velocity").type(TDFParam::Real).availableWhen(test::when("Motion", "Rotating"));
+    rules.param("Motion");
+    rules.child("Boundary");
+    rules.object("/Case/Domain/Boundary").param("Kind");
+    rules.object("/Case/Rotation").param("Axis");
   }
 
   UnknownNames::Result find(ModelState const& model, std::vector<std::string> const& roots = {}) {
@@ -77,11 +73,9 @@ TEST_F(UnknownNamesTest, AParameterLikeNoOtherIsToldWithoutASuggestion) {
 
 TEST_F(UnknownNamesTest, OfVeryManyUnknownNamesTheLastAreToldWithoutASuggestion) {
   PhysicsData rules;
-  rules.addPertinentRoot("Case");
-  ObjDependDef& flowCase = rules.addObject("/Case");
   ObjectState misspelt;
   for (int i = 10'000; i < 11'000; ++i) {
-    EXPECT_TRUE(flowCase.addParam(parameter("Probe " + std::to_string(i)), valueOfType(TDFParam::String)));
+    test::Rules(rules, "/Case").pertinentRoot("Case").param("Probe " + std::to_string(i));
     misspelt["Porbe " + std::to_string(i)] = "1";
   }
   std::vector<UnknownName> const names = UnknownNames(rules).find({{"/Case", misspelt}}, {}).names;

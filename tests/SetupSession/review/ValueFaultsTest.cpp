@@ -3,29 +3,38 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <vector>
 
-#include <tarn/DynamicTDF.h>
-#include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
 
-#include "SetupSession/FlowRules.h"
+#include "support/MapModel.h"
+#include "support/Rules.h"
 
 namespace tarn::session {
 namespace {
 
+using test::MapModel;
+using test::Rules;
+using test::text;
+using test::valueOf;
+using test::when;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// The rest of the sentence behind 'which ', for one parameter "P" in /Case with the given rule and value; "" when there
-// is no fault.
-std::string faultOf(ParamValueDef def, std::string const& value) {
-  PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("P"), std::move(def)));
-  DynamicTDF model(false);
-  model.setParameter("/Case", "P", value);
+/// The faults of all values in and below /Case.
+std::vector<ValueFault> faultsOf(PhysicsData const& rules, ModelTDF const& model) {
   EvalContext context(&model);
-  std::vector<ValueFault> const faults = ValueFaults(rules).find({"/Case"}, context);
+  return ValueFaults(rules).find({"/Case"}, context);
+}
+
+/// The rest of the sentence after "which ", for one parameter in /Case with this value. Empty when there is no fault.
+/// `rule` marks the parameter with its value rule.
+std::string faultOf(std::function<void(Rules&)> const& rule, std::string const& value) {
+  PhysicsData data;
+  rule(Rules(data, "/Case").param("P"));
+  std::vector<ValueFault> const faults = faultsOf(data, MapModel{{"/Case", {{"P", value}}}});
   if (faults.empty()) return {};
   EXPECT_THAT(faults, SizeIs(1));
   std::string const& message = faults.front().message;
@@ -41,7 +50,8 @@ struct Row {
 class ValueFaultsOfTypes : public testing::TestWithParam<Row> {};
 
 TEST_P(ValueFaultsOfTypes, AreTold) {
-  EXPECT_EQ(faultOf(valueOfType(GetParam().type), GetParam().value), GetParam().fault) << GetParam().value;
+  Row const& row = GetParam();
+  EXPECT_EQ(faultOf([&row](Rules& rule) { rule.type(row.type); }, row.value), row.fault) << row.value;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -63,8 +73,9 @@ INSTANTIATE_TEST_SUITE_P(
 class ValueFaultsOfBounds : public testing::TestWithParam<Row> {};
 
 TEST_P(ValueFaultsOfBounds, AreTold) {
-  EXPECT_EQ(faultOf(between(GetParam().type, "0 [m]", "10 [m]"), GetParam().value), GetParam().fault)
-      << GetParam().value;
+  Row const& row = GetParam();
+  EXPECT_EQ(faultOf([&row](Rules& rule) { rule.type(row.type).bounds("0 [m]", "10 [m]"); }, row.value), row.fault)
+      << row.value;
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ValueFaultsOfBounds,
@@ -80,13 +91,9 @@ INSTANTIATE_TEST_SUITE_P(Table, ValueFaultsOfBounds,
 
 TEST(ValueFaults, TellPathNameValueAndASentence) {
   PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("/Case").addChild(child("Domain", false)));
-  EXPECT_TRUE(rules.addObject("/Case/Domain").addParam(parameter("Angular Velocity"), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("/Case/Domain:rotor", "Angular Velocity", "fast");
-  EvalContext context(&model);
+  Rules(rules, "/Case").child("Domain").object("/Case/Domain").param("Angular Velocity").type(TDFParam::Real);
 
-  std::vector<ValueFault> const faults = ValueFaults(rules).find({"/Case"}, context);
+  auto const faults = faultsOf(rules, MapModel{{"/Case/Domain:rotor", {{"Angular Velocity", "fast"}}}});
 
   ASSERT_THAT(faults, SizeIs(1));
   EXPECT_EQ(faults[0].path, "/Case/Domain:rotor");
@@ -100,12 +107,9 @@ TEST(ValueFaults, TellPathNameValueAndASentence) {
 
 TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
   PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Times"), valueOfType(TDFParam::RealList)));
-  DynamicTDF model(false);
-  model.setParameter("/Case", "Times", "0, soon, later");
-  EvalContext context(&model);
+  Rules(rules, "/Case").param("Times").type(TDFParam::RealList);
 
-  std::vector<ValueFault> const faults = ValueFaults(rules).find({"/Case"}, context);
+  auto const faults = faultsOf(rules, MapModel{{"/Case", {{"Times", "0, soon, later"}}}});
 
   ASSERT_THAT(faults, SizeIs(1));
   EXPECT_EQ(faults[0].value, "0, soon, later");
@@ -117,12 +121,9 @@ TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
 TEST(ValueFaults, ShowOfALongValueTheBeginning) {
   std::string const value(99, 'x');
   PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("P"), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("/Case", "P", value + "\u00e9" + value);
-  EvalContext context(&model);
+  Rules(rules, "/Case").param("P").type(TDFParam::Real);
 
-  std::vector<ValueFault> const faults = ValueFaults(rules).find({"/Case"}, context);
+  auto const faults = faultsOf(rules, MapModel{{"/Case", {{"P", value + "\u00e9" + value}}}});
 
   ASSERT_THAT(faults, SizeIs(1));
   EXPECT_EQ(faults[0].value, value + "\u00e9" + value);
@@ -131,75 +132,63 @@ TEST(ValueFaults, ShowOfALongValueTheBeginning) {
 }
 
 TEST(ValueFaults, ATextAmongTheAllowedValuesIsOfTheRightType) {
-  EXPECT_EQ(faultOf(oneOf(TDFParam::Real, {"automatic", "1", "2"}), "automatic"), "");
-  EXPECT_EQ(faultOf(oneOf(TDFParam::Real, {"automatic", "1", "2"}), "manual"), "is not a number.");
-  EXPECT_EQ(faultOf(oneOf(TDFParam::Integer, {"1.5"}), "1.5"), "");
-  EXPECT_EQ(faultOf(oneOf(TDFParam::Logical, {"ask"}), "ask"), "");
-  EXPECT_EQ(faultOf(oneOf(TDFParam::RealList, {"start", "end"}), "start, 2, end"), "");
+  auto const automaticOrNumber = [](Rules& rule) { rule.type(TDFParam::Real).allowed({"automatic", "1", "2"}); };
+  EXPECT_EQ(faultOf(automaticOrNumber, "automatic"), "");
+  EXPECT_EQ(faultOf(automaticOrNumber, "manual"), "is not a number.");
+  EXPECT_EQ(faultOf([](Rules& rule) { rule.type(TDFParam::Integer).allowed({"1.5"}); }, "1.5"), "");
+  EXPECT_EQ(faultOf([](Rules& rule) { rule.type(TDFParam::Logical).allowed({"ask"}); }, "ask"), "");
+  auto const startToEnd = [](Rules& rule) { rule.type(TDFParam::RealList).allowed({"start", "end"}); };
+  EXPECT_EQ(faultOf(startToEnd, "start, 2, end"), "");
 }
 
 TEST(ValueFaults, ANumberAmongTheAllowedValuesKeepsItsBounds) {
-  ParamValueDef def = oneOf(TDFParam::Real, {"20"});
-  def.upperBound = std::make_unique<FixedText>("10");
-  EXPECT_EQ(faultOf(std::move(def), "20"), "is above its upper bound 10.");
+  auto const twentyUpToTen = [](Rules& rule) { rule.type(TDFParam::Real).allowed({"20"}).bounds(nullptr, text("10")); };
+  EXPECT_EQ(faultOf(twentyUpToTen, "20"), "is above its upper bound 10.");
 }
 
 TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
   PhysicsData rules;
-  ObjDependDef& flowCase = rules.addObject("/Case");
-  ParamAvail unavailable = parameter("Speed");
-  unavailable.available = lambda::when("Motion", "Rotating");
-  EXPECT_TRUE(flowCase.addParam(std::move(unavailable), oneOf(TDFParam::Real, {"automatic"})));
-  ParamAvail relaxed = parameter("Width");
-  relaxed.validationRelaxed = true;
-  EXPECT_TRUE(flowCase.addParam(std::move(relaxed), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("/Case", "Speed", "fast");
-  model.setParameter("/Case", "Width", "wide");
-  EvalContext context(&model);
-
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(2));
+  Rules(rules, "/Case")
+      .param("Speed")
+      .type(TDFParam::Real)
+      .allowed({"automatic"})
+      .availableWhen(when("Motion", "Rotating"))
+      .param("Width")
+      .type(TDFParam::Real)
+      .relaxed();
+  MapModel model{{"/Case", {{"Speed", "fast"}, {"Width", "wide"}}}};
+  EXPECT_THAT(faultsOf(rules, model), SizeIs(2));
 
   // The search evaluates the allowed values, although the walk has not done so.
-  model.setParameter("/Case", "Speed", "automatic");
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
+  model.set("/Case", "Speed", "automatic");
+  EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
 TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
   PhysicsData rules;
-  ChildAvail rotation = child("Rotation", true);
-  rotation.available = lambda::when("Motion", "Rotating");
-  EXPECT_TRUE(rules.addObject("/Case").addChild(std::move(rotation)));
-  EXPECT_TRUE(rules.addObject("/Case/Rotation").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("/Case/Rotation", "Speed", "fast");
-  EvalContext context(&model);
+  Rules(rules, "/Case").child("Rotation").singleton().availableWhen(when("Motion", "Rotating"));
+  Rules(rules, "/Case/Rotation").param("Speed").type(TDFParam::Real);
+  MapModel model{{"/Case/Rotation", {{"Speed", "fast"}}}};
 
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), IsEmpty());
-  model.setParameter("/Case", "Motion", "Rotating");
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
+  EXPECT_THAT(faultsOf(rules, model), IsEmpty());
+  model.set("/Case", "Motion", "Rotating");
+  EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
 TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
   PhysicsData rules;
-  ParamValueDef def = valueOfType(TDFParam::Real);
-  def.upperBound = valueOf("/Case", "Maximum Speed");
-  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Speed"), std::move(def)));
-  DynamicTDF model(false);
-  model.setParameter("/Case", "Speed", "7");
-  EvalContext context(&model);
+  Rules(rules, "/Case").param("Speed").type(TDFParam::Real).bounds(nullptr, valueOf("Maximum Speed"));
+  MapModel model{{"/Case", {{"Speed", "7"}}}};
 
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), IsEmpty()) << "a bound that is not a number is ignored";
-  model.setParameter("/Case", "Maximum Speed", "5");
-  EXPECT_THAT(ValueFaults(rules).find({"/Case"}, context), SizeIs(1));
+  EXPECT_THAT(faultsOf(rules, model), IsEmpty()) << "a bound that is not a number is ignored";
+  model.set("/Case", "Maximum Speed", "5");
+  EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
 TEST(ValueFaults, EachRootIsWalked) {
   PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("/Case").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("/Case:a", "Speed", "fast");
-  model.setParameter("/Case:b", "Speed", "slow");
+  Rules(rules, "/Case").param("Speed").type(TDFParam::Real);
+  MapModel const model{{"/Case:a", {{"Speed", "fast"}}}, {"/Case:b", {{"Speed", "slow"}}}};
   EvalContext context(&model);
   ValueFaults analysis(rules);
 
@@ -210,11 +199,9 @@ TEST(ValueFaults, EachRootIsWalked) {
 
 TEST(ValueFaults, TheRulesOfTheEmptyTypePathAreThoseOfTheRootOfTheModel) {
   PhysicsData rules;
-  EXPECT_TRUE(rules.addObject("").addParam(parameter("Version"), valueOfType(TDFParam::Integer)));
-  EXPECT_TRUE(rules.addObject("Case").addParam(parameter("Speed"), valueOfType(TDFParam::Real)));
-  DynamicTDF model(false);
-  model.setParameter("", "Version", "first");
-  model.setParameter("/Case", "Speed", "fast");
+  Rules(rules, "").param("Version").type(TDFParam::Integer);
+  Rules(rules, "Case").param("Speed").type(TDFParam::Real);
+  MapModel const model{{"", {{"Version", "first"}}}, {"/Case", {{"Speed", "fast"}}}};
   EvalContext context(&model);
 
   std::vector<ValueFault> const faults = ValueFaults(rules).find({"", "/Case"}, context);
