@@ -20,8 +20,6 @@ using testing::IsEmpty;
 
 // --- Parameters ------------------------------------------------------------------------------------------------------
 
-std::string const noRegime =
-    "/Case | The parameter \"Regime\" should exist in the object \"/Case\" but is not present.";
 std::string const strayRegime =
     "/Case | The parameter \"Regime\" is present in the object \"/Case\" but it is not physically valid.";
 

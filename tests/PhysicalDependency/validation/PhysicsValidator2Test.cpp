@@ -28,8 +28,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Validator = PhysicsValidator2;
 
-std::string const noRegime =
-    "/Case | The parameter \"Regime\" should exist in the object \"/Case\" but is not present.";
 std::string const strayMotion =
     "/Case | The parameter \"Motion\" is present in the object \"/Case\" but it is not physically valid.";
 

@@ -28,6 +28,10 @@ namespace tarn::validation_test {
 
 using Strings = std::vector<std::string>;
 
+/// The fault of a case that lacks its required parameter "Regime".
+inline std::string const noRegime =
+    "/Case | The parameter \"Regime\" should exist in the object \"/Case\" but is not present.";
+
 /// Decides on the availability of an item of the object at `objPath`; sees cache and beta controller as well.
 using Decision = std::function<bool(std::string const& objPath, EvalContext& evalContext)>;
 

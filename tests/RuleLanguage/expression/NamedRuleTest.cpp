@@ -291,21 +291,32 @@ class RandomCondition {
   std::mt19937 random_;
 };
 
-TEST_F(NamedRules, ACacheMakesNoDifferenceToAnyRandomCondition) {
-  unsigned const seed = 20261121;
+std::vector<std::string> randomConditions(unsigned seed, int count, int depth) {
   RandomCondition random(seed);
+  std::vector<std::string> conditions;
+  for (int i = 0; i < count; ++i) conditions.push_back(random.condition(depth));
+  return conditions;
+}
+
+/// A rule file with the named checks that random conditions call, and with the conditions as "random 0", "random 1" and
+/// so on.
+std::string fileWith(std::vector<std::string> const& conditions) {
   std::string file = R"(Rule Database: 1
 Checks:
   absolute: count({/Case/Domain:*}, ${Motion} == 'Rotating') == 1
   of context: any({Boundary:*}, ${Kind} == 'Inlet') and ${Motion} == 'Rotating'
   of owner: any({/Case/Domain:*}, ${Material} == ${@/Material})
 )";
-  std::vector<std::string> conditions;
-  for (int i = 0; i < 400; ++i) {
-    conditions.push_back(random.condition(4));
-    file += "  random " + std::to_string(i) + ": " + test::yamlText(conditions.back()) + "\n";
+  for (std::size_t i = 0; i < conditions.size(); ++i) {
+    file += "  random " + std::to_string(i) + ": " + test::yamlText(conditions[i]) + "\n";
   }
-  auto const data = parseRules(file);
+  return file;
+}
+
+TEST_F(NamedRules, ACacheMakesNoDifferenceToAnyRandomCondition) {
+  unsigned const seed = 20261121;
+  auto const conditions = randomConditions(seed, 400, 4);
+  auto const data = parseRules(fileWith(conditions));
   std::vector<std::string> const contexts = {"", "/Case", "/Case/Domain:rotor", "/Case/Domain:stator",
                                              "/Case/Domain:rotor/Boundary:in"};
   EvalCache cache;
@@ -321,19 +332,8 @@ Checks:
 
 TEST_F(NamedRules, WhatARandomConditionIsSaidToReadIsAllThatCanChangeIt) {
   unsigned const seed = 7;
-  RandomCondition random(seed);
-  std::string file = R"(Rule Database: 1
-Checks:
-  absolute: count({/Case/Domain:*}, ${Motion} == 'Rotating') == 1
-  of context: any({Boundary:*}, ${Kind} == 'Inlet') and ${Motion} == 'Rotating'
-  of owner: any({/Case/Domain:*}, ${Material} == ${@/Material})
-)";
-  std::vector<std::string> conditions;
-  for (int i = 0; i < 300; ++i) {
-    conditions.push_back(random.condition(3));
-    file += "  random " + std::to_string(i) + ": " + test::yamlText(conditions.back()) + "\n";
-  }
-  auto const data = parseRules(file);
+  auto const conditions = randomConditions(seed, 300, 3);
+  auto const data = parseRules(fileWith(conditions));
   TDFContext const owner("/Case/Domain:rotor");
   struct Change {
     std::string object;
