@@ -83,6 +83,13 @@ std::string parameter(std::string const& name, std::string const& attributes) {
   return "      " + name + ": {" + attributes + "}\n";
 }
 
+/// Rules of as many object types below the case, each with one parameter "Name".
+std::string objectTypes(std::size_t count) {
+  return repeated(count, [](std::size_t i) {
+    return "  /Case/T" + number(i) + ":\n    Parameters:\n" + parameter("Name", "Parameter Type: String");
+  });
+}
+
 /// A domain and its boundaries, as little of them as judging takes.
 std::string const flowRules = header + R"yaml(
 Objects:
@@ -183,10 +190,9 @@ Work editAgain(std::string const& ruleText, std::string const& model) {
 /// Reads model text with faults, which are reported one by one.
 Work readLeniently(std::string model) {
   return [model = std::move(model)] {
-    std::ostringstream told;
-    test::Redirected const errors(std::cerr, told.rdbuf());
+    test::Captured const errors(std::cerr);
     (void)TDFChangeFile({}, {model}, TDFChangeFile::Lenient).toModelState();
-    require(!told.str().empty(), "no fault is reported");
+    require(!errors.text().empty(), "no fault is reported");
   };
 }
 
@@ -197,10 +203,7 @@ Work command(std::string lines) {
     DynamicTDF const base(false);
     ProvisionalTDF state(rules.get(), nullptr, "/Case");
     state.initialise(&base, {});
-    std::istringstream in(lines);
-    std::ostringstream out;
-    test::Redirected const input(std::cin, in.rdbuf());
-    test::Redirected const output(std::cout, out.rdbuf());
+    test::Dialogue const dialogue(lines);
     ProvTDFLogger printer(&state, "stdout");
     state.setLogger(&printer);
     ProvTDFDriver(true, true, "/Case", rules.get(), &printer, &state).waitInput();
@@ -270,10 +273,7 @@ std::vector<Kind> kindsOfRules() {
        [=](std::size_t n) {
          std::string text = caseWith("    Children:\n");
          text += repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; });
-         text += repeated(n, [](std::size_t i) {
-           return "  /Case/T" + number(i) + ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
-         });
-         return lint(text, true);
+         return lint(text + objectTypes(n), true);
        }},
       {"object types far down", 20,
        [=](std::size_t n) {
@@ -394,12 +394,7 @@ std::vector<Kind> kindsOfRules() {
              header + "Checks:\n" +
                  repeated(n, [](std::size_t i) { return "  c" + number(i) + ": ${Name} == '" + number(i) + "'\n"; }) +
                  "Objects:\n  /Case:\n    Children:\n" +
-                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; }) +
-                 repeated(n,
-                          [](std::size_t i) {
-                            return "  /Case/T" + number(i) +
-                                   ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
-                          }),
+                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; }) + objectTypes(n),
              true);
        }},
       {"many paths through all objects over many object types", 60,
@@ -410,11 +405,7 @@ std::vector<Kind> kindsOfRules() {
                      n, [](std::size_t i) { return "  c" + number(i) + ": exists({/Case/**/T" + number(i) + "})\n"; }) +
                  "Objects:\n  /Case:\n    Children:\n" +
                  repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {Singleton: yes}\n"; }) +
-                 repeated(n,
-                          [](std::size_t i) {
-                            return "  /Case/T" + number(i) +
-                                   ":\n    Parameters:\n      Name: {Parameter Type: String}\n";
-                          }),
+                 objectTypes(n),
              true);
        }},
       {"many slips in one line of a rule file", 100,

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -13,6 +12,7 @@
 
 #include "Places.h"
 #include "RuleLanguage/DiagnosticCases.h"
+#include "support/FileText.h"
 
 namespace tarn::rules::test {
 namespace {
@@ -37,9 +37,7 @@ class RuleFileWithExpectations : public testing::TestWithParam<std::string> {};
 
 TEST_P(RuleFileWithExpectations, GivesExactlyThese) {
   fs::path const path = fs::path(TARN_SOURCE_DIR) / "tests/RuleLanguage/cases" / GetParam();
-  std::ifstream stream(path, std::ios::binary);
-  std::string const file{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  auto const cases = splitCases(file);
+  auto const cases = splitCases(tarn::test::fileText(path));
   ASSERT_FALSE(cases.cases.empty()) << path;
 
   if (isSet("TARN_UPDATE_CASES")) {

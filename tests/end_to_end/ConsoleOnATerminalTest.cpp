@@ -5,11 +5,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 
 #include "Places.h"
 #include "end_to_end/Terminal.h"
+#include "support/FileText.h"
 #include "support/TemporaryFolder.h"
 
 namespace tarn::test {
@@ -352,8 +352,7 @@ TEST_F(ConsoleOnATerminal, WithOutputToAFileLinesAreReadAsTheyCome) {
   Terminal terminal(folder(), {"/bin/sh", "-c", command + " >" + (home_ / "out").string()}, environment());
   terminal.type("foo\nq\n");
   EXPECT_EQ(terminal.waitForEnd(), 0);
-  std::ifstream stream(home_ / "out");
-  std::string const out{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  std::string const out = fileText(home_ / "out");
   EXPECT_THAT(out, AllOf(HasSubstr("ZEV> Unrecognised command \"foo\".\nZEV> "), Not(HasSubstr("\x1b"))));
   EXPECT_FALSE(fs::exists(home_ / ".local"));
 }

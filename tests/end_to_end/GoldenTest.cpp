@@ -16,12 +16,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "Places.h"
+#include "support/FileText.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -39,11 +39,6 @@ std::vector<std::string> caseNames() {
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string contentOf(fs::path const& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 void write(fs::path const& file, std::string const& content) {
@@ -82,7 +77,7 @@ Outcome run(fs::path const& folder) {
   fs::path const& scratch = scratchFolder.path();
   fs::path const input = fs::exists(folder / "stdin") ? folder / "stdin" : fs::path("/dev/null");
 
-  std::string const command = contentOf(folder / "command");
+  std::string const command = tarn::test::fileText(folder / "command");
   // Nothing of the caller's surroundings gets in, so that a case comes out alike everywhere.
   std::string const path = "PATH=" + fs::path(TARN_ZEV).parent_path().string() + ":/usr/bin:/bin";
   std::string const scratchVariable =
@@ -101,7 +96,7 @@ Outcome run(fs::path const& folder) {
   EXPECT_EQ(::waitpid(child, &status, 0), child);
   for (int const descriptor : {in, out, err}) ::close(descriptor);
 
-  Outcome outcome{contentOf(scratch / "stdout"), contentOf(scratch / "stderr"), ""};
+  Outcome outcome{tarn::test::fileText(scratch / "stdout"), tarn::test::fileText(scratch / "stderr"), ""};
   outcome.exit = (WIFEXITED(status) ? std::to_string(WEXITSTATUS(status))
                                     : "killed by signal " + std::to_string(WTERMSIG(status))) +
                  '\n';
@@ -121,9 +116,9 @@ TEST_P(Golden, ComesOutAsRecorded) {
     write(folder / "exit", outcome.exit);
     return;
   }
-  EXPECT_EQ(outcome.out, contentOf(folder / "stdout")) << "in " << folder / "stdout";
-  EXPECT_EQ(outcome.err, contentOf(folder / "stderr")) << "in " << folder / "stderr";
-  EXPECT_EQ(outcome.exit, contentOf(folder / "exit")) << "in " << folder / "exit";
+  EXPECT_EQ(outcome.out, tarn::test::fileText(folder / "stdout")) << "in " << folder / "stdout";
+  EXPECT_EQ(outcome.err, tarn::test::fileText(folder / "stderr")) << "in " << folder / "stderr";
+  EXPECT_EQ(outcome.exit, tarn::test::fileText(folder / "exit")) << "in " << folder / "exit";
 }
 
 // A name for the test; folders have words with hyphens.

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <ios>
+#include <iostream>
+#include <sstream>
 #include <streambuf>
+#include <string>
 
 namespace tarn::test {
 
@@ -19,6 +22,31 @@ class Redirected {
  private:
   std::ios& stream_;
   std::streambuf* former_;
+};
+
+/// Takes what is written to a standard stream for as long as this lives.
+class Captured {
+ public:
+  explicit Captured(std::ostream& stream) : redirected_(stream, text_.rdbuf()) {}
+
+  [[nodiscard]] std::string text() const { return text_.str(); }
+
+ private:
+  std::ostringstream text_;
+  Redirected redirected_;
+};
+
+/// Gives `input` to the program as its standard input, and takes its standard output, for as long as this lives.
+class Dialogue {
+ public:
+  explicit Dialogue(std::string const& input) : input_(input), redirected_(std::cin, input_.rdbuf()) {}
+
+  [[nodiscard]] std::string output() const { return output_.text(); }
+
+ private:
+  std::istringstream input_;
+  Redirected redirected_;
+  Captured output_{std::cout};
 };
 
 }  // namespace tarn::test

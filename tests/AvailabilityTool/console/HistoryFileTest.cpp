@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <iterator>
 
+#include "support/FileText.h"
 #include "support/TemporaryFolder.h"
 
 namespace tarn::tool {
@@ -36,10 +36,7 @@ class HistoryFileTest : public testing::Test {
  protected:
   static fs::perms permissionsOf(fs::path const& path) { return fs::status(path).permissions(); }
   void write(std::string const& content) const { std::ofstream(path()) << content; }
-  std::string content() const {
-    std::ifstream stream(path());
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  }
+  std::string content() const { return test::fileText(path()); }
   fs::path path() const { return folder_ / "history"; }
 
   test::TemporaryFolder temporary_{"zev-history"};

@@ -7,8 +7,6 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
-#include <sstream>
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/PhysicsData.h>
@@ -240,16 +238,15 @@ TEST(LineCompleter, KnowsTheCommandsThatTheLoopKnowsAndNoOthers) {
   PumpRules rules;
   ProvisionalTDF state(&rules, "/Case");
   ProvTDFLogger logger(&state, "/dev/null");
-  std::istringstream in(lines);
-  std::ostringstream out;
+  std::string out;
   {
-    test::Redirected const input(std::cin, in.rdbuf());
-    test::Redirected const output(std::cout, out.rdbuf());
+    test::Dialogue const dialogue(lines);
     ProvTDFDriver(false, true, "/Case", &rules, &logger, &state).waitInput();
+    out = dialogue.output();
   }
 
   std::erase_if(words, [&](std::string const& word) {
-    return out.str().find("Unrecognised command \"" + word + "\".") != std::string::npos;
+    return out.find("Unrecognised command \"" + word + "\".") != std::string::npos;
   });
   std::sort(words.begin(), words.end());
   EXPECT_EQ(LineCompleter::commands(), words);

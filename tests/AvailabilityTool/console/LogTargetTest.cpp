@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
 #include "cli/Failure.h"
+#include "support/FileText.h"
 #include "support/TemporaryFolder.h"
 
 namespace tarn::tool {
@@ -40,10 +40,7 @@ class SmallDisk {
 
 class LogTargetTest : public testing::Test {
  protected:
-  std::string content() const {
-    std::ifstream stream(file_);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  }
+  std::string content() const { return test::fileText(file_); }
   std::string told() const { return told_.str(); }
   std::string tooLarge() const {
     return "zev: the log \"" + file_ +

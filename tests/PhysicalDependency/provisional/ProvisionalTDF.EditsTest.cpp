@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -18,6 +17,7 @@
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
 #include "support/EditResult.h"
+#include "support/FileText.h"
 
 namespace tarn {
 namespace {
@@ -596,10 +596,7 @@ class ProvisionalEditsPrintedTest : public ProvisionalEditsTest {
     printer_.emplace(&state(), file_);
     state().setLogger(&*printer_);
   }
-  std::string printed() const {
-    std::ifstream file(file_);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
+  std::string printed() const { return test::fileText(file_); }
   /// The lines that say which command was given.
   Strings commands() const {
     Strings lines;

@@ -26,7 +26,8 @@
 namespace tarn {
 namespace {
 
-using test::Redirected;
+using test::Captured;
+using test::Dialogue;
 using test::Rules;
 using test::when;
 
@@ -67,25 +68,20 @@ class ProvTDFDriverTest : public testing::Test {
     base_.setParameter("/Case/Domain:rotor", "Motion", "Rotating");
     state_.initialise(&base_, {});
     // Its header is of no interest here.
-    std::ostringstream header;
-    Redirected const out(std::cout, header.rdbuf());
+    Captured const header(std::cout);
     printer_ = std::make_unique<ProvTDFLogger>(&state_, "stdout");
   }
   ~ProvTDFDriverTest() override {
-    std::ostringstream footer;
-    Redirected const out(std::cout, footer.rdbuf());
+    Captured const footer(std::cout);
     printer_.reset();
   }
 
   /// The output of the tool for the input.
   std::string session(std::string const& input, bool quiet = true, bool strict = true) {
-    std::istringstream in(input);
-    std::ostringstream out;
-    Redirected const fromInput(std::cin, in.rdbuf());
-    Redirected const toOutput(std::cout, out.rdbuf());
+    Dialogue const dialogue(input);
     ProvTDFDriver driver(strict, quiet, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
     driver.waitInput();
-    return out.str();
+    return dialogue.output();
   }
 
   /// The name of a file with that content, which goes with the test.
@@ -186,17 +182,13 @@ TEST_F(ProvTDFDriverTest, PrintingTheStateShowsTheActiveBranch) {
 TEST_F(ProvTDFDriverTest, AProgramPrintsTheStateWithoutACommand) {
   std::string const asCommand = session("ps\n");
   ProvTDFDriver const driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
-  std::ostringstream out;
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Captured const out(std::cout);
   driver.printState();
-  EXPECT_EQ(out.str(), asCommand);
+  EXPECT_EQ(out.text(), asCommand);
 }
 
 TEST_F(ProvTDFDriverTest, ACopyKeepsTheModelThatItsOriginalLoaded) {
-  std::istringstream in("l " + file("/Case/Domain:rotor/Title=loaded\n") + "\nq\n");
-  std::ostringstream out;
-  Redirected const fromInput(std::cin, in.rdbuf());
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Dialogue const dialogue("l " + file("/Case/Domain:rotor/Title=loaded\n") + "\nq\n");
   auto original = std::make_unique<ProvTDFDriver>(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
   auto copy = std::make_unique<ProvTDFDriver>(*original);
   original->waitInput();
@@ -206,7 +198,7 @@ TEST_F(ProvTDFDriverTest, ACopyKeepsTheModelThatItsOriginalLoaded) {
 
   state_.activeSetParam("/Case/Domain:rotor", "Title", "edited");
   EXPECT_EQ(value("Title"), "edited");
-  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(dialogue.output(), "");
   state_.baseUpdate(&base_);  // the model goes with the copy
 }
 
@@ -216,10 +208,7 @@ TEST_F(ProvTDFDriverTest, AHostThatKeepsTheLoadedModelGoesOnWithTheStateWithoutT
       .required()
       .byDefault(test::text(
           [](TDFContext const&, ModelTDF const& model) { return model.getParameterValue("/Case", "Title"); }));
-  std::istringstream in("l " + file("/Case/Title=loaded\n/Case/Domain:rotor/Motion=Stationary\n") + "\nq\n");
-  std::ostringstream out;
-  Redirected const fromInput(std::cin, in.rdbuf());
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Dialogue const dialogue("l " + file("/Case/Title=loaded\n/Case/Domain:rotor/Motion=Stationary\n") + "\nq\n");
   auto driver = std::make_unique<ProvTDFDriver>(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
   EXPECT_EQ(driver->getLoadedBaseModel(), nullptr);
   driver->waitInput();
@@ -325,26 +314,20 @@ TEST_F(ProvTDFDriverTest, APathThatCannotBeParsedLeavesTheLoopRunning) {
 TEST_F(ProvTDFDriverTest, LoadingAFileMakesANewStateFromItAndTheFirstValueOfAParameterStands) {
   auto const name = file(
       "/Case/Domain:rotor/Motion=Stationary\n/Case/Domain:rotor/Motion=Rotating\n/Case/Domain:rotor/Title=loaded\n");
-  std::istringstream in("l " + name + "\n");
-  std::ostringstream out;
-  Redirected const fromInput(std::cin, in.rdbuf());
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Dialogue const dialogue("l " + name + "\n");
   ProvTDFDriver driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
   driver.waitInput();
-  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(dialogue.output(), "");
   EXPECT_EQ(value("Motion"), "Stationary");
   EXPECT_EQ(value("Title"), "loaded");
   state_.baseUpdate(&base_);  // the driver's own model goes with it
 }
 
 TEST_F(ProvTDFDriverTest, LoadingFromTheStandardInputTakesTheRestOfItAndQuits) {
-  std::istringstream in("l -\n/Case/Domain:rotor/Title=piped\n/Case/Domain:rotor/Motion=Stationary\n");
-  std::ostringstream out;
-  Redirected const fromInput(std::cin, in.rdbuf());
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Dialogue const dialogue("l -\n/Case/Domain:rotor/Title=piped\n/Case/Domain:rotor/Motion=Stationary\n");
   ProvTDFDriver driver(true, true, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
   driver.waitInput();
-  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(dialogue.output(), "");
   EXPECT_EQ(value("Title"), "piped");
   EXPECT_EQ(value("Motion"), "Stationary");
   state_.baseUpdate(&base_);  // the driver's own model goes with it
@@ -399,15 +382,12 @@ TEST_F(ProvTDFDriverTest, ValidatingAnEmptyFileSaysNothing) {
 }
 
 TEST_F(ProvTDFDriverTest, ASecondCallAfterQuittingWritesTheBannerAndReturns) {
-  std::istringstream in("q\nfoo\n");
-  std::ostringstream out;
-  Redirected const fromInput(std::cin, in.rdbuf());
-  Redirected const toOutput(std::cout, out.rdbuf());
+  Dialogue const dialogue("q\nfoo\n");
   ProvTDFDriver driver(true, false, "/Case/Domain:rotor", &rules_, printer_.get(), &state_);
   driver.waitInput();
-  std::string const first = out.str();
+  std::string const first = dialogue.output();
   driver.waitInput();
-  EXPECT_EQ(out.str(), first + first.substr(0, first.size() - 5));
+  EXPECT_EQ(dialogue.output(), first + first.substr(0, first.size() - 5));
 }
 
 }  // namespace

@@ -8,34 +8,22 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
+#include "support/FileText.h"
+#include "support/Redirected.h"
 
 namespace tarn {
 namespace {
 
+using test::Captured;
+using test::fileText;
 using test::rotor;
 using test::Rules;
 using test::when;
-
-/// Captures the text that a standard stream gets while this object lives.
-class Captured {
- public:
-  explicit Captured(std::ostream& stream) : stream_(stream), before_(stream.rdbuf(text_.rdbuf())) {}
-  ~Captured() { stream_.rdbuf(before_); }
-  Captured(Captured const&) = delete;
-  Captured& operator=(Captured const&) = delete;
-  std::string text() const { return text_.str(); }
-
- private:
-  std::ostringstream text_;
-  std::ostream& stream_;
-  std::streambuf* before_;
-};
 
 std::string const header = "# BEGIN PROVISIONAL TDF LOGGING ( Active TDF Root = /Case/Domain:rotor )\n\n";
 std::string const footer = "\n# END PROVISIONAL TDF LOGGING ( Active TDF Root = /Case/Domain:rotor )\n";
@@ -65,11 +53,6 @@ class ProvTDFLoggerTest : public test::ProvisionalTest {
   }
   std::string printedUpdates() {
     return printed([](auto const& printer) { printer.printUpdates(); });
-  }
-
-  static std::string contentOf(std::string const& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
   }
 
   std::string const file_ = testing::TempDir() + "ProvTDFLoggerTest.log";
@@ -114,7 +97,7 @@ TEST_F(ProvTDFLoggerTest, TheSameWordWithACapitalIsAFileName) {
   Captured const out(std::cout);
   { ProvTDFLogger const printer(&state(), testing::TempDir() + "Stdout"); }
   EXPECT_EQ(out.text(), "");
-  EXPECT_EQ(contentOf(testing::TempDir() + "Stdout"), header + footer);
+  EXPECT_EQ(fileText(testing::TempDir() + "Stdout"), header + footer);
   std::remove((testing::TempDir() + "Stdout").c_str());
 }
 
@@ -122,14 +105,14 @@ TEST_F(ProvTDFLoggerTest, AFileIsAppendedTo) {
   start();
   { ProvTDFLogger(&state(), file_).printString("first"); }
   { ProvTDFLogger(&state(), file_).printString("second"); }
-  EXPECT_EQ(contentOf(file_), header + "first\n" + footer + header + "second\n" + footer);
+  EXPECT_EQ(fileText(file_), header + "first\n" + footer + header + "second\n" + footer);
 }
 
 TEST_F(ProvTDFLoggerTest, WhatIsPrintedCanBeReadAtOnce) {
   start();
   ProvTDFLogger const printer(&state(), file_);
   printer.printString("now");
-  EXPECT_EQ(contentOf(file_), header + "now\n");
+  EXPECT_EQ(fileText(file_), header + "now\n");
 }
 
 TEST_F(ProvTDFLoggerTest, AFileThatCannotBeOpenedSwallowsWhatIsPrinted) {
@@ -147,7 +130,7 @@ TEST_F(ProvTDFLoggerTest, CopiesShareTheFileAndEachPrintsAFooter) {
     printer.reset();
     copy.printString("still there");
   }
-  EXPECT_EQ(contentOf(file_), header + footer + "still there\n" + footer);
+  EXPECT_EQ(fileText(file_), header + footer + "still there\n" + footer);
 }
 
 TEST_F(ProvTDFLoggerTest, TheFooterDoesNotNeedTheState) {
@@ -156,7 +139,7 @@ TEST_F(ProvTDFLoggerTest, TheFooterDoesNotNeedTheState) {
     ProvTDFLogger const printer(&*state, file_);
     state.reset();
   }
-  EXPECT_EQ(contentOf(file_), header + footer);
+  EXPECT_EQ(fileText(file_), header + footer);
 }
 
 // The state.

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "PhysicsInterfaces/CapturedCerr.h"
+#include "support/Redirected.h"
 
 namespace tarn {
 namespace {
@@ -60,12 +60,12 @@ TEST(UserMsg, AValueThatGrowsForEverAcrossItsBordersIsPutInOnce) {
 }
 
 TEST(UserMsg, ATokenOfTwoDigitsLosesTwoCharactersOnly) {
-  tarn::test::CapturedCerr const quiet;
+  tarn::test::Captured const quiet(std::cerr);
   EXPECT_EQ(filled("[%9]", {"1", "2", "3", "4", "5", "6", "7", "8", "%10", "J"}), "[J0]");
 }
 
 TEST(UserMsg, WarnsForEachOfItsTwoTextsWhenTheTokenIsNowhere) {
-  tarn::test::CapturedCerr const errors;
+  tarn::test::Captured const errors(std::cerr);
   EXPECT_EQ(filled("Nothing to fill", {"lost \"value\""}), "Nothing to fill");
   EXPECT_EQ(errors.text(),
             "Warning: token %1 was not used in the message: \"lost \"value\"\""
@@ -73,7 +73,7 @@ TEST(UserMsg, WarnsForEachOfItsTwoTextsWhenTheTokenIsNowhere) {
 }
 
 TEST(UserMsg, CountsAValueThatFoundNoToken) {
-  tarn::test::CapturedCerr const errors;
+  tarn::test::Captured const errors(std::cerr);
   EXPECT_EQ(filled("only %2", {"a", "b"}), "only b");
   EXPECT_NE(errors.text().find("token %1 was"), std::string::npos);
   EXPECT_EQ(errors.text().find("token %2"), std::string::npos);
@@ -143,7 +143,7 @@ TEST(UserMsg, EqualsTheStepByStepVersionForAllShortTextsAndValues) {
 }
 
 TEST(UserMsg, EqualsTheStepByStepVersionForTheTenthToken) {
-  tarn::test::CapturedCerr const quiet;
+  tarn::test::Captured const quiet(std::cerr);
   for (std::string const& text : textsUpTo(5, "%10")) {
     if (text.find("%10") == std::string::npos) continue;
     for (std::string const& value : textsUpTo(3, "%10")) {

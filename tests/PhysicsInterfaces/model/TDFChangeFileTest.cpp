@@ -19,7 +19,6 @@
 
 #include <tarn/Error.h>
 
-#include "PhysicsInterfaces/CapturedCerr.h"
 #include "support/Redirected.h"
 
 namespace tarn {
@@ -42,7 +41,7 @@ struct Lenient {
 };
 
 Lenient readLenient(std::string const& text) {
-  tarn::test::CapturedCerr const errors;
+  tarn::test::Captured const errors(std::cerr);
   std::string const items = listed(TDFChangeFile({}, {text}, TDFChangeFile::Lenient));
   return {items, errors.text()};
 }
@@ -179,10 +178,9 @@ TEST(TDFChangeFile, ReadsAnEmptyFile) {
 
 TEST(TDFChangeFile, ReadsTheStandardInput) {
   std::istringstream input("/Case/A=1\n/Case/B\n");
-  std::streambuf* const before = std::cin.rdbuf(input.rdbuf());
-  tarn::test::CapturedCerr const errors;
+  tarn::test::Redirected const fromInput(std::cin, input.rdbuf());
+  tarn::test::Captured const errors(std::cerr);
   std::string const items = listed(TDFChangeFile({"-"}, {}, TDFChangeFile::Lenient));
-  std::cin.rdbuf(before);
   EXPECT_EQ(items, "/Case|A|1\n");
   EXPECT_EQ(errors.text(),
             "<stdin>:2:1: neither \"=\" in the line nor \"/\" at its end; write path/name=value, or path/ for an "
@@ -319,7 +317,7 @@ TEST(TDFChangeFile, ABlockLeftOpenIsToldWhereItWasOpened) {
 }
 
 TEST(TDFChangeFile, ABlockLeftOpenInOneFileIsNotOpenInTheNext) {
-  tarn::test::CapturedCerr const errors;
+  tarn::test::Captured const errors(std::cerr);
   EXPECT_EQ(listed(TDFChangeFile({}, {"Case:\nA=1", "B=2"}, TDFChangeFile::Lenient)), "/Case|A|1\n|B|2\n");
   EXPECT_EQ(errors.text(), "<text 1>:1:1: the block is left open; close it with \"END # Case:\"\n");
 }

@@ -1,6 +1,5 @@
 // The codes of diagnostics: their names are fit for programs, and the rule reference lists them all.
 
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -12,16 +11,12 @@
 #include <tarn/rules/Diagnostic.h>
 
 #include "Places.h"
+#include "support/FileText.h"
 
 namespace tarn::rules {
 namespace {
 
-std::string fileText(std::string const& path) {
-  std::ifstream file(std::string(TARN_SOURCE_DIR "/") + path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
+using tarn::test::fileText;
 
 TEST(DiagnosticCodes, AreWordsInLowerCaseWithHyphensEachOnce) {
   std::regex const form("[a-z]+(-[a-z]+)*");
@@ -46,7 +41,7 @@ TEST(DiagnosticCodes, TheRuleReferenceListsThemInTheirOrder) {
     listed += "| `" + std::string(code.name) + "` | " + (code.severity == Severity::Error ? "error" : "warning") +
               " | " + std::string(code.meaning) + " |\n";
   }
-  std::string const reference = fileText("docs/rule-reference.md");
+  std::string const reference = fileText(TARN_SOURCE_DIR "/docs/rule-reference.md");
   auto const begin = reference.find("\n### Codes\n");
   ASSERT_NE(begin, std::string::npos);
   std::istringstream section(reference.substr(begin, reference.find("\n### ", begin + 1) - begin));

@@ -1,7 +1,6 @@
 // The table of functions: its statements about each function are true, and all lists of functions agree with it.
 
 #include <algorithm>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -13,16 +12,12 @@
 
 #include "Places.h"
 #include "RuleLanguage/ExpressionTable.h"
+#include "support/FileText.h"
 
 namespace tarn::rules {
 namespace {
 
-std::string fileText(std::string const& path) {
-  std::ifstream file(std::string(TARN_SOURCE_DIR "/") + path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
+using tarn::test::fileText;
 
 /// The tables of functions as the rule reference shows them, group by group.
 std::string referenceTables() {
@@ -41,7 +36,7 @@ std::string referenceTables() {
 }
 
 TEST(RuleFunction, TheRuleReferenceShowsEveryFunctionAsTheTableDescribesIt) {
-  std::string const reference = fileText("docs/rule-reference.md");
+  std::string const reference = fileText(TARN_SOURCE_DIR "/docs/rule-reference.md");
   auto const begin = reference.find("\n### Functions\n");
   ASSERT_NE(begin, std::string::npos);
   std::istringstream section(reference.substr(begin + 1, reference.find("\n## ", begin) - begin));
@@ -58,7 +53,7 @@ TEST(RuleFunction, TheRuleReferenceShowsEveryFunctionAsTheTableDescribesIt) {
 }
 
 TEST(RuleFunction, TheFuzzerIsGivenEveryFunction) {
-  std::istringstream dictionary(fileText("fuzz/dictionaries/ExpressionFuzz"));
+  std::istringstream dictionary(fileText(TARN_SOURCE_DIR "/fuzz/dictionaries/ExpressionFuzz"));
   std::set<std::string> given;
   for (std::string line; std::getline(dictionary, line);) {
     auto const bracket = line.find('(');
