@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <tarn/Error.h>
+#include <tarn/PathPattern.h>
 #include <tarn/ProvisionalTDF.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFPath.h>
@@ -37,18 +38,9 @@ void addWaysTo(Map const& byObject, std::string const& folder, std::string const
   }
 }
 
-std::string escaped(std::string const& path) {
-  std::string text;
-  for (char const c : path) {
-    if (c != '/' && c != ':') text += '\\';
-    text += c;
-  }
-  return text;
-}
-
 std::vector<std::string> childrenOf(ProvisionalTDF const& state, std::string const& path) {
   try {
-    return state.getPathExpansion(escaped(path) + "/*", "");
+    return state.getPathExpansion(PathPattern::escapedPath(path) + "/*", "");
   } catch (Error const&) {  // the text is not a path, so nothing is below it
     return {};
   }

@@ -90,6 +90,10 @@ class TARN_EXPORT PathPattern {
   /// The pattern as text that parses back to it.
   [[nodiscard]] std::string text() const;
 
+  /// The path of an object as the beginning of a pattern: characters that mean something in patterns are escaped, "/"
+  /// and ":" still separate. So `escapedPath(path) + "/*"` names the children of exactly that object. "" for the root.
+  [[nodiscard]] static std::string escapedPath(std::string_view path);
+
  private:
   void classify() noexcept;
 

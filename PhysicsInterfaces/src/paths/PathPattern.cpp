@@ -32,6 +32,17 @@ void PathPattern::classify() noexcept {
                         [](Step const& step) { return step.kind == StepKind::Child || step.kind == StepKind::Parent; });
 }
 
+std::string PathPattern::escapedPath(std::string_view path) {
+  std::string out;
+  while (!path.empty()) {
+    std::size_t const end = std::min(path.find_first_of("/:"), path.size());
+    appendEscaped(out, path.substr(0, end));
+    if (end < path.size()) out += path[end];
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return out;
+}
+
 std::string PathPattern::text() const {
   std::string out;
   bool separate = false;

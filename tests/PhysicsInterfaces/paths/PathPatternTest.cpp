@@ -36,6 +36,19 @@ TEST(PathPattern, ItsTextParsesBackToIt) {
   }
 }
 
+TEST(PathPattern, AnEscapedPathNamesExactlyThatObject) {
+  EXPECT_EQ(PathPattern::escapedPath(""), "");
+  EXPECT_EQ(PathPattern::escapedPath("/Case/Domain:rotor 1"), "/Case/Domain:rotor 1");
+  EXPECT_EQ(PathPattern::escapedPath("/Case/Domain:*"), R"(/Case/Domain:\*)");
+  EXPECT_EQ(PathPattern::escapedPath("/Case/**/Domain:a}b"), R"(/Case/\*\*/Domain:a\}b)");
+  EXPECT_EQ(PathPattern::escapedPath("/Case/..:^x"), R"(/Case/\..:\^x)");
+
+  PathPattern const pattern(PathPattern::escapedPath("/Case/Domain:*"));
+  ASSERT_EQ(pattern.steps().size(), 2U);
+  EXPECT_EQ(pattern.steps()[1].kind, PathPattern::StepKind::Child);
+  EXPECT_EQ(pattern.steps()[1].name, "*");
+}
+
 TEST(PathPattern, TheTextOfTheContextItselfIsEmpty) {
   EXPECT_EQ(PathPattern().text(), "");
 }
