@@ -651,6 +651,10 @@ std::vector<Kind> kindsOfEdits() {
            parameter("P", "Required: yes, Parameter Type: String, Value List Source: \"names({/Case/Domain:*})\"")),
       kind("edited: names of all domains from a named list",
            parameter("P", "Required: yes, Parameter Type: String, Value List Source: \"list('domains')\"")),
+      kind("edited: a subset of the names of all domains",
+           parameter("P",
+                     "Required: yes, Parameter Type: String, Value List Source: \"names({/Case/Domain:*})\", "
+                     "Subset Value List Source: \"names(filter({/Case/Domain:*}, ${Motion} == 'Resting'))\"")),
       kind("edited: a default from all domains", parameter("P",
                                                            "Required: yes, Parameter Type: Real, Default Value: \"= "
                                                            "max(values(${/Case/Domain:*/Speed}))\"")),

@@ -46,6 +46,10 @@ class TARN_EXPORT SharedStrings {
   /// an index. So n calls take O(n + size), not O(n * size).
   [[nodiscard]] bool contains(std::string_view item) const;
 
+  /// Whether every item of `other` is one of these items. Linear in the size of both; constant time when the last call
+  /// was about the same two lists or copies of them.
+  [[nodiscard]] bool containsAll(SharedStrings const& other) const;
+
   /// Whether both have the same items in the same order. Constant time for two copies of one list.
   friend TARN_EXPORT bool operator==(SharedStrings const& a, SharedStrings const& b) noexcept;
   friend bool operator==(SharedStrings const& a, std::vector<std::string> const& b) noexcept { return a.items() == b; }

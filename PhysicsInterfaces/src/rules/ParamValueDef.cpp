@@ -71,11 +71,11 @@ ParamAllowedValues ParamValueDef::evaluateAllowedValues(ModelRules const* rules,
   if (subset) {
     result.hasSubset = true;
     result.subsetValues = subset->evaluate(context, evalContext);
-    auto const isAllowed = [&](std::string const& value) { return result.allowedValues.contains(value); };
-    auto const& all = result.subsetValues.vector();
-    if (!std::all_of(all.begin(), all.end(), isAllowed)) {
+    if (!result.allowedValues.containsAll(result.subsetValues)) {
+      auto const& all = result.subsetValues.vector();
       std::vector<std::string> left;
-      std::copy_if(all.begin(), all.end(), std::back_inserter(left), isAllowed);
+      std::copy_if(all.begin(), all.end(), std::back_inserter(left),
+                   [&](std::string const& value) { return result.allowedValues.contains(value); });
       result.subsetValues = std::move(left);
     }
   }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <unordered_set>
 #include <utility>
 
@@ -16,6 +17,12 @@ using Index = std::unordered_set<std::string_view>;
 
 // Up to this size, comparing the items one by one is faster than hashing.
 constexpr std::size_t searchedItems = 16;
+
+/// A number that no other body ever has: an address may be used again.
+std::uint64_t nextId() noexcept {
+  static std::atomic<std::uint64_t> next{1};
+  return next.fetch_add(1, std::memory_order_relaxed);
+}
 
 }  // namespace
 
@@ -38,6 +45,11 @@ struct SharedStrings::Body {
   std::vector<std::string> const items;
   mutable std::atomic<Index const*> index{
       nullptr};  // null until the first call of `contains`; its views point into `items`
+
+  std::uint64_t const id = nextId();
+  // The last answer of `containsAll`: twice the id of the other body, plus one when all its items are here. One word,
+  // so that threads never read half an answer.
+  mutable std::atomic<std::uint64_t> lastAnswer{0};
 };
 
 SharedStrings::SharedStrings(std::vector<std::string> items)
@@ -57,6 +69,17 @@ bool SharedStrings::contains(std::string_view item) const {
     return std::find(body_->items.begin(), body_->items.end(), item) != body_->items.end();
   }
   return body_->getIndex().contains(item);
+}
+
+bool SharedStrings::containsAll(SharedStrings const& other) const {
+  if (!other.body_ || body_ == other.body_) return true;
+  if (!body_) return false;
+  std::uint64_t const known = body_->lastAnswer.load(std::memory_order_relaxed);
+  if (known >> 1 == other.body_->id) return (known & 1) != 0;
+  bool const answer =
+      std::all_of(other.begin(), other.end(), [this](std::string const& item) { return contains(item); });
+  body_->lastAnswer.store(other.body_->id << 1 | std::uint64_t{answer}, std::memory_order_relaxed);
+  return answer;
 }
 
 bool operator==(SharedStrings const& a, SharedStrings const& b) noexcept {

@@ -68,14 +68,46 @@ TEST(SharedStrings, FindsAnItemThatHoldsANulByte) {
   EXPECT_FALSE(list.contains("a"));
 }
 
+TEST(SharedStrings, KnowsWhetherItContainsAllItemsOfAnotherList) {
+  SharedStrings const all(numbered(100));
+  SharedStrings const some(numbered(20));
+  SharedStrings const others{"material 1", "Water"};
+  SharedStrings const none;
+  // Answers are kept, so each pair is asked twice, and in between comes another one.
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_TRUE(all.containsAll(some));
+    EXPECT_TRUE(all.containsAll(some));
+    EXPECT_FALSE(all.containsAll(others));
+    EXPECT_FALSE(all.containsAll(others));
+    EXPECT_FALSE(some.containsAll(all));
+    EXPECT_TRUE(all.containsAll(all));
+    EXPECT_TRUE(all.containsAll(none));
+    EXPECT_TRUE(none.containsAll(none));
+    EXPECT_FALSE(none.containsAll(some));
+  }
+}
+
+TEST(SharedStrings, DoesNotTakeANewListForOneThatIsGone) {
+  SharedStrings const all(numbered(100));
+  for (int round = 0; round < 20; ++round) {
+    EXPECT_TRUE(all.containsAll(SharedStrings{"material 1", "material 2"}));
+    EXPECT_FALSE(all.containsAll(SharedStrings{"material 1", "Water"}));
+  }
+}
+
 TEST(SharedStrings, CanBeAskedByManyThreadsAtOnce) {
   for (int round = 0; round < 50; ++round) {
     SharedStrings const list(numbered(200));
+    SharedStrings const inside(numbered(20));
+    SharedStrings const outside{"Water"};
     std::atomic<int> found{0};
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
-      threads.emplace_back([list, &found] {
+      threads.emplace_back([list, &inside, &outside, &found] {
         for (int i = 0; i < 400; ++i) found += list.contains("material " + std::to_string(i)) ? 1 : 0;
+        for (int i = 0; i < 20; ++i) {
+          EXPECT_EQ(list.containsAll(i % 2 == 0 ? inside : outside), i % 2 == 0);
+        }
       });
     }
     for (std::thread& thread : threads) thread.join();
