@@ -25,7 +25,8 @@ class DynamicTDFStateLoad {
 
   /// The next object is `path`, and its values are unchanged.
   [[nodiscard]] bool keep(std::string const& path) {
-    if (at_ >= store_.lastLoad().size() || !store_.isFoundUnder(*store_.lastLoad()[at_], path)) return false;
+    if (at_ >= store_.lastLoad().size()) return false;
+    if (!DynamicTDFAccess::NodeStore::isFoundUnder(*store_.lastLoad()[at_], path)) return false;
     ++at_;
     return true;
   }

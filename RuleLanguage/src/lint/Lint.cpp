@@ -25,7 +25,7 @@ void checkRoots(LintContext& context) {
     auto const near = context.hints().nearest(root, context.types().childTypes(""));
     auto& warning = context.warn(Code::UnknownRootType, place,
                                  "there are no rules for the root type " + inQuotes(root) + orDidYouMean(near));
-    if (!listed.contains(near)) context.fixText(warning, place, root, near);
+    if (!listed.contains(near)) LintContext::fixText(warning, place, root, near);
   }
 }
 
