@@ -1,0 +1,128 @@
+// An update that visits only what an edit concerns does exactly what a walk of everything does: under random rules,
+// models and sessions, with rules that throw and allocations that fail in the middle.
+//
+// The tests make some thousand steps. With TARN_EQUAL_WALKS_STEPS, the last test makes that many, from the seed
+// TARN_EQUAL_WALKS_SEED on, and reports its progress:
+//
+//     TARN_EQUAL_WALKS_STEPS=1000000 build/dev/bin/FailuresTest --gtest_filter='EqualWalks.*MoreSteps*'
+
+#include "support/EqualWalks.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <string>
+
+#include "failures/Injection.h"
+
+namespace tarn::test {
+namespace {
+
+constexpr std::uint32_t someSeed = 3;
+
+bool failAllocation(std::size_t allocation, std::function<void()> const& operation) {
+  Attempt attempt(FailingCall::Allocation, allocation, false);
+  return attempt(operation);
+}
+
+std::size_t numberFrom(char const* variable, std::size_t otherwise) {
+  char const* const text = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+  return text != nullptr ? std::stoul(text) : otherwise;
+}
+
+/// A case with a parameter Motion and a parameter that is present while there is a motion.
+SessionStart caseWithMotion() {
+  SessionStart start;
+  start.root = "/Case";
+  ObjectText object;
+  object.typePath = "/Case";
+  object.params = {{"Motion", {"Required: yes", "Parameter Type: String"}},
+                   {"Speed", {"Required: yes", "Parameter Type: Real", "Available: ${Motion} == 'Rotating'"}}};
+  start.rules.objects.push_back(object);
+  return start;
+}
+
+TEST(EqualWalks, TwoStatesOfOneSessionAreEqualAfterEveryStep) {
+  EqualWalksReport const report = checkEqualWalks({.firstSeed = 1, .steps = 5000});
+  ASSERT_EQ(report.broken, "");
+  EXPECT_GT(report.changing, report.steps / 3);
+  EXPECT_GT(report.refused, 100U);
+  EXPECT_GT(report.thrown, 10U);
+}
+
+TEST(EqualWalks, TwoStatesAreEqualAfterAnAllocationFailedInBoth) {
+  EqualWalksReport const report =
+      checkEqualWalks({.firstSeed = 100'001, .steps = 3000, .failAllocation = failAllocation});
+  ASSERT_EQ(report.broken, "");
+  EXPECT_GT(report.failedAllocations, 5U);
+  EXPECT_LT(report.incomparable, report.sessions / 20);
+}
+
+TEST(EqualWalks, AnEditOfOneStateOnlyIsReportedWithBothContents) {
+  EqualWalks walks(caseWithMotion(), nullptr, false);
+  ASSERT_EQ(walks.brokenByStart(), "");
+  walks.makeInFirstOnly(Edit::setParam("/Case", "Motion", "Rotating"));
+  EXPECT_EQ(walks.difference(),
+            "the guide differs\n"
+            "  first: \n    /\n    /Case/\n      Motion = Rotating\n"
+            "  second: \n    /\n    /Case/");
+}
+
+TEST(EqualWalks, AMemoryThatOnlyLaterEditsShowIsCompared) {
+  EqualWalks walks(caseWithMotion(), nullptr, false);
+  walks.makeInFirstOnly(Edit::setParam("/Case", "Unknown to the Rules", "1"));
+  EXPECT_TRUE(walks.difference().starts_with("the guide differs")) << walks.difference();
+}
+
+TEST(EqualWalks, AListOfTheLastUpdateIsCompared) {
+  EqualWalks walks(caseWithMotion(), nullptr, false);
+  SessionStep step;
+  step.edit = Edit::setParam("/Case", "Motion", "Rotating");
+  ASSERT_EQ(walks.make(step), "");
+  walks.makeInFirstOnly(step.edit);  // the same trees, but now the update changed nothing
+  EXPECT_EQ(walks.difference(), "getModParams differs\n  first: nothing\n  second: \n    (/Case | Motion)");
+}
+
+/// A session is broken here when one of its edits sets "Motion" to "Rotating" in one state only.
+TEST(EqualWalks, ASessionIsShortenedToTheStepsAndRulesThatBreakTheLaw) {
+  RandomRuleBase random{RandomNumbers(someSeed)};
+  Session session{random.start(), {}};
+  EqualWalks walks(session.start, nullptr, false);
+  for (int i = 0; i < 10; ++i) {
+    session.steps.push_back(random.nextStep(walks.state()));
+    ASSERT_EQ(walks.make(session.steps.back()), "");
+  }
+  // An allocation that fails in the second state only stands for a fault of the library: the failure is hidden, so the
+  // state seems to have made the edit.
+  session.steps[6].failingAllocation = 0;
+  int calls = 0;
+  FailAllocation const hiddenFailure = [&calls](std::size_t, std::function<void()> const& operation) {
+    if (++calls % 2 == 1) operation();
+    return false;
+  };
+  ASSERT_NE(brokenBy(session, hiddenFailure), "");
+  Session const brief = shortened(session, hiddenFailure);
+  EXPECT_EQ(brief.steps.size(), 1U);
+  EXPECT_NE(brokenBy(brief, hiddenFailure), "");
+  EXPECT_TRUE(explained(brief, hiddenFailure).find("# steps:") != std::string::npos);
+}
+
+TEST(EqualWalks, TwoStatesStayEqualInMoreStepsWhenAsked) {
+  EqualWalksPlan plan;
+  plan.steps = numberFrom("TARN_EQUAL_WALKS_STEPS", 500);
+  plan.firstSeed = static_cast<std::uint32_t>(numberFrom("TARN_EQUAL_WALKS_SEED", 200'001));
+  plan.failAllocation = failAllocation;
+  if (plan.steps > 10'000) {
+    plan.progress = [](std::uint32_t seed, std::size_t steps) {
+      if (seed % 1000 == 0) std::cout << "seed " << seed << ", " << steps << " steps" << std::endl;
+    };
+  }
+  EqualWalksReport const report = checkEqualWalks(plan);
+  EXPECT_EQ(report.broken, "");
+  EXPECT_GE(report.steps, plan.steps);
+}
+
+}  // namespace
+}  // namespace tarn::test
