@@ -85,7 +85,6 @@ TEST(EqualWalks, AListOfTheLastUpdateIsCompared) {
   EXPECT_EQ(walks.difference(), "getModParams differs\n  first: nothing\n  second: \n    (/Case | Motion)");
 }
 
-/// A session is broken here when one of its edits sets "Motion" to "Rotating" in one state only.
 TEST(EqualWalks, ASessionIsShortenedToTheStepsAndRulesThatBreakTheLaw) {
   RandomRuleBase random{RandomNumbers(someSeed)};
   Session session{random.start(), {}};
@@ -94,8 +93,8 @@ TEST(EqualWalks, ASessionIsShortenedToTheStepsAndRulesThatBreakTheLaw) {
     session.steps.push_back(random.nextStep(walks.state()));
     ASSERT_EQ(walks.make(session.steps.back()), "");
   }
-  // An allocation that fails in the second state only stands for a fault of the library: the failure is hidden, so the
-  // state seems to have made the edit.
+  // This step is made in the first state only, and its failure in the second is hidden. So the step acts as a fault of
+  // the library.
   session.steps[6].failingAllocation = 0;
   int calls = 0;
   FailAllocation const hiddenFailure = [&calls](std::size_t, std::function<void()> const& operation) {

@@ -1,4 +1,4 @@
-// Two states in one session, and the search for a short session that tells them apart.
+// Two states in one session, and the search for a short session in which they differ.
 
 #include "support/EqualWalks.h"
 
@@ -23,18 +23,16 @@ namespace tarn::test {
 namespace {
 
 // The guide, the base tree and the switch of the walks are not public. An explicit instantiation may name private
-// members, which needs no friend in the library.
-auto& implementationOf(ProvisionalTDF const& state);
-auto const& factsOf(ProvisionalTDF const& state);
-auto const& intentOf(ProvisionalTDF const& state);
+// members, so the library needs no friend for tests.
+Outcome const& outcomeOf(ProvisionalTDF const& state);
+Intent const& intentOf(ProvisionalTDF const& state);
 DynamicTDF const& baseTreeOf(ProvisionalTDF const& state);
 
 template <auto Impl, auto Facts, auto Intent, auto Base>
 struct Inside {
-  friend auto& implementationOf(ProvisionalTDF const& state) { return *(state.*Impl); }
-  friend auto const& factsOf(ProvisionalTDF const& state) { return implementationOf(state).*Facts; }
-  friend auto const& intentOf(ProvisionalTDF const& state) { return factsOf(state).*Intent; }
-  friend DynamicTDF const& baseTreeOf(ProvisionalTDF const& state) { return implementationOf(state).*Base; }
+  friend Outcome const& outcomeOf(ProvisionalTDF const& state) { return (state.*Impl)->outcome(); }
+  friend tarn::Intent const& intentOf(ProvisionalTDF const& state) { return ((*(state.*Impl)).*Facts).*Intent; }
+  friend DynamicTDF const& baseTreeOf(ProvisionalTDF const& state) { return (*(state.*Impl)).*Base; }
 };
 template struct Inside<&ProvisionalTDF::m_impl, &ProvisionalTDF::Impl::m_facts, &ProvisionalFacts::m_intent,
                        &ProvisionalTDF::Impl::m_baseTDF>;
@@ -157,7 +155,7 @@ void compareLists(Comparison& comparison) {
       "getEmptyParameters(true)", [](auto const& state) -> auto& { return state.getEmptyParameters(true); });
 }
 
-/// What is asked about one item at a time. Both states have the same items by now.
+/// The getters that are asked about one item at a time. Both states have the same items by now.
 void compareItems(Comparison& comparison, ProvisionalTDF const& one) {
   auto const compareParam = [&](std::string const& path, std::string const& name) {
     std::string const of = " of " + path + '/' + name;
@@ -235,8 +233,7 @@ void forceFullWalks(ProvisionalTDF& state, bool on) {
 std::string firstDifference(ProvisionalTDF const& a, ProvisionalTDF const& b) {
   Comparison comparison(a, b);
   compareTrees(comparison);
-  comparison.compare("the active tree",
-                     [](ProvisionalTDF const& state) { return dump(factsOf(state).outcome().active); });
+  comparison.compare("the active tree", [](ProvisionalTDF const& state) { return dump(outcomeOf(state).active); });
   compareLists(comparison);
   if (comparison.difference().empty()) compareItems(comparison, a);
   comparison.compare("the printed text", printed);

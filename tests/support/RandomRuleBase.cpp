@@ -65,7 +65,7 @@ std::string parentOf(std::string const& path) {
   return path.substr(0, path.rfind('/'));
 }
 
-/// What the functions of a program's entry look at, as a text.
+/// The part of the model that the functions of a program's entry read, as a text.
 std::string lookedUp(ProgramEntry const& entry, TDFContext const& at, ModelTDF const& model) {
   std::string const& path = at.objPath();
   Strings found;

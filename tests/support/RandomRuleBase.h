@@ -103,7 +103,7 @@ struct SessionStep {
   [[nodiscard]] std::string text() const;
 };
 
-/// What a session starts with.
+/// The start of a session.
 struct SessionStart {
   RuleBaseText rules;
   std::string root;
