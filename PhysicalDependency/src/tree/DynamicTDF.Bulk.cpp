@@ -223,8 +223,9 @@ void DynamicTDF::Impl::copyNodeParameters(Node const& sourceNode, Node& targetNo
     if (sourceParam != sourceNode.params.end() && sourceParam->name() == param->name()) {
       ++param;
     } else {
-      nodes_.noteChange();
       changes_.recordDeleted(objPath, param->name());
+      tellParamSet(targetNode, param->name());
+      nodes_.noteChange();
       param = targetNode.params.erase(param);
     }
   }

@@ -162,6 +162,7 @@ void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& 
   if (node->params.find(name) == nullptr) return;
   // Recorded first, because the caller's strings may belong to the parameter that is erased.
   impl_->changes_.recordDeleted(objPath, name);
+  impl_->tellParamSet(*node, name);
   impl_->nodes_.noteChange();
   node->params.erase(name);
 }
@@ -250,6 +251,7 @@ void DynamicTDF::Impl::addParameter(std::string const& objPath, std::string cons
     changes_.takeBackAdded();
     throw;
   }
+  tellParamSet(node, pooled);
 }
 
 void DynamicTDF::Impl::deleteObject(std::string const& path) {
@@ -284,6 +286,9 @@ bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
       }
     }
     Node* const parent = node->parent;
+    if (nodes_.listener() != nullptr) {
+      for (auto const& param : node->params) tellParamSet(*node, param.name());
+    }
     nodes_.removeLeaf(*node);
     if (isTop) return true;
     node = parent;
@@ -292,7 +297,8 @@ bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
 
 /// Changes a value and enters the change in the log: both or neither.
 template <class Change>
-void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string const& name, Change const& change) {
+void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string const& name, Node const& node,
+                                         Change const& change) {
   nodes_.noteChange();
   changes_.recordModified(objPath, name);
   try {
@@ -301,6 +307,11 @@ void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string
     changes_.takeBackModified();
     throw;
   }
+  if (nodes_.listener() != nullptr) nodes_.listener()->onParamChange(node.hash, name);
+}
+
+void DynamicTDF::Impl::tellParamSet(Node const& node, std::string_view name) const noexcept {
+  if (nodes_.listener() != nullptr) nodes_.listener()->onParamSetChange(node.hash, name);
 }
 
 void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string const& name, std::string const& value,
@@ -309,7 +320,7 @@ void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string co
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
     if (param->value() != cleaned) {
-      recordingModified(objPath, name, [&] { param->setValue(cleaned); });
+      recordingModified(objPath, name, node, [&] { param->setValue(cleaned); });
     }
   } else {
     addParameter(objPath, name, node, cleaned);
@@ -322,7 +333,7 @@ void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string co
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
     if (!param->hasAllowedValues() || param->value() != cleaned || !param->allowedValues().isEqualTo(allowedValues)) {
-      recordingModified(objPath, name, [&] { param->modifyValue(allowedValues, cleaned); });
+      recordingModified(objPath, name, node, [&] { param->modifyValue(allowedValues, cleaned); });
     }
   } else {
     addParameter(objPath, name, node, allowedValues, cleaned);

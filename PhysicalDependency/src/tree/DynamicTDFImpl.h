@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
@@ -30,7 +31,8 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Impl {
   template <class Change>
   void changeObject(std::string const& path, Change const& change);
   template <class Change>
-  void recordingModified(std::string const& objPath, std::string const& name, Change const& change);
+  void recordingModified(std::string const& objPath, std::string const& name, Node const& node, Change const& change);
+  void tellParamSet(Node const& node, std::string_view name) const noexcept;
   template <class... Initial>
   void addParameter(std::string const& objPath, std::string const& name, Node& node, Initial const&... initial);
   void setParameters(std::string topPath, ModelTDF const& model);

@@ -138,6 +138,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
 }
 
 void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
+  if (listener_ != nullptr) listener_->onObjectSetChange(node.parent->hash, node.type, node.hash);
   noteChange();
   forget(node);
   forgetLoad();
@@ -175,6 +176,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& ha
   made->nextInBucket = std::move(bucket);
   bucket = std::move(made);
   ++size_;
+  if (listener_ != nullptr) listener_->onObjectSetChange(parent->hash, bucket->type, hash);
   return *bucket;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tree/DynamicTDFNode.h"
+#include "tree/TreeListener.h"
 
 namespace tarn {
 
@@ -49,6 +50,15 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   }
   void noteChange() noexcept {
     ++revision_;
+  }
+
+  /// Null, which it is at the start, for none. The store tells it of objects; who changes a parameter tells it of that.
+  /// `reset` tells it nothing.
+  void setListener(TreeListener * listener) noexcept {
+    listener_ = listener;
+  }
+  [[nodiscard]] TreeListener* listener() const noexcept {
+    return listener_;
   }
 
   /// The types and parameter names of the tree.
@@ -104,6 +114,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   std::size_t size_ = 0;
   std::uint64_t revision_ = 0;
   bool hasOtherwiseListed_ = false;
+  TreeListener* listener_ = nullptr;
   std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;
 
