@@ -15,7 +15,7 @@
 #include <tarn/Error.h>
 #include <tarn/ProvTDFPrinter.h>
 
-#include "provisional/ProvisionalTDFImpl.h"
+#include "provisional/ProvisionalTDFAccess.h"
 #include "support/MapModel.h"
 
 namespace tarn::test {
@@ -225,9 +225,7 @@ bool changedAnything(ProvisionalTDF const& state) {
 }  // namespace
 
 void forceFullWalks(ProvisionalTDF& state, bool on) {
-  // Every update is a full walk so far.
-  (void)state;
-  (void)on;
+  ProvisionalTDFAccess::walkEverything(state, on);
 }
 
 std::string firstDifference(ProvisionalTDF const& a, ProvisionalTDF const& b) {

@@ -91,6 +91,9 @@ class TARN_EXPORT ObjDependency {
   /// are ignored. Rules may have thousands of entries for an object that holds a dozen parameters. With the names that
   /// the object holds, the walk is linear in their number.
   void limitParams(std::vector<std::string> const& names, bool andRequired);
+  /// Moves to the entry at index `place`, as if the walk had come there with this context rule value. The object must
+  /// have rules with so many entries. For a caller who knows that the entries before it need no evaluation.
+  void goToParam(std::size_t place, std::string const& contextRuleValue);
   [[nodiscard]] bool isDoneParam() const noexcept { return currParam_ == nullptr; }
 
   /// Sets the value of the current context rule parameter. It selects the entries after this one, until another value
@@ -135,6 +138,8 @@ class TARN_EXPORT ObjDependency {
   /// @{
   void firstChild();
   void nextChild();
+  /// As `goToParam`.
+  void goToChild(std::size_t place, std::string const& contextRuleValue);
   [[nodiscard]] bool isDoneChild() const noexcept { return currChild_ == nullptr; }
 
   /// Returns whether children of the type are available: the entry is live, its condition holds, and if it has allowed

@@ -54,6 +54,7 @@ class TARN_EXPORT PotentialUpdateData {
   [[nodiscard]] bool hasObjPotentialChildren(std::string const& path) const;
 
  private:
+  friend class FollowedOffers;  // for the library's own sources
   void resetParents(std::string const& parentOfRemoved);
   [[nodiscard]] ParamAllowedValues const* findAllowedValues(std::string const& objPath, std::string const& name) const;
 

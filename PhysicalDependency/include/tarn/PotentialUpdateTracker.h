@@ -79,6 +79,7 @@ class TARN_EXPORT PotentialUpdateTracker {
   /// @}
 
  private:
+  friend class FollowedOffers;  // for the library's own sources
   enum class State : int { Idle = 0, Collecting = 1, Synched = 2 };
 
   void synchParams(DynamicTDF const& model);

@@ -368,7 +368,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// @}
 
  private:
-  using DependencyAnalyser::analyse;  // a walk outside of an update would leave the lists in disorder
+  friend struct ProvisionalTDFAccess;  // for the library's own sources and tests
+  using DependencyAnalyser::analyse;   // a walk outside of an update would leave the lists in disorder
   class Impl;
 
   // The walk. All but the first always continue.

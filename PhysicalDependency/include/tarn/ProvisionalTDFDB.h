@@ -56,6 +56,11 @@ class TARN_EXPORT ProvisionalTDFDB : public ModelTDF {
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
 
+  /// Whether `path`, of an object or a parameter, is at or below the active root, so that the active model answers.
+  [[nodiscard]] bool isActivePath(std::string const& path) const noexcept;
+  /// Whether a list of children of the object at `path` comes from the base model, in whole or in part.
+  [[nodiscard]] bool listsBaseChildren(std::string const& path) const noexcept;
+
  private:
   [[nodiscard]] ModelTDF const* switchDB(std::string const& path) const noexcept;
   bool getActiveParentChildItems(std::string const& item, std::vector<std::string>& out) const;

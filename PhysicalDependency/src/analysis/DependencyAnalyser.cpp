@@ -1,9 +1,6 @@
 // The walk under the rules. It keeps the open objects on a stack of its own, so that a deep model cannot exhaust the
 // thread's stack. Each entry of that stack is a rule cursor and the children found for its current child entry.
 //
-// The records that hooks get are thin adapters of the cursor. A question goes to the rules when it is asked. So a hook
-// pays only for its questions and sees the model as it has changed it.
-//
 // The times at which the model is read are essential: only directly after the hook for the entry in question, because
 // hooks create and delete the items of the entry. Do not move a read before its hook.
 #include <tarn/DependencyAnalyser.h>
@@ -19,99 +16,15 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/TDFPath.h>
 
+#include "analysis/AvailInfoAdapters.h"
+
 namespace tarn {
 
 namespace {
 
-/// Returns whether the text can be a type or a name in a path.
-bool isPlainWord(std::string_view text) noexcept {
-  return !text.empty() && text.find_first_of("/:") == std::string_view::npos;
-}
-
 /// Thrown to leave the walk when a hook returns `Abort`. The message helps in a debugger.
 struct AbortException {
   std::string message;
-};
-
-class ObjBeginInfoAdapter final : public ObjBeginInfo {
- public:
-  ObjBeginInfoAdapter(std::string const& path, ObjDependency const& dep, bool required, bool coupled)
-      : path_(path), dep_(dep), required_(required), coupled_(coupled) {}
-
-  std::string const& getObjPath() const override { return path_; }
-  bool isValid() const override { return dep_.isValid(); }
-  bool isRequired() const override { return required_; }
-  bool isCoupled() const override { return coupled_; }
-
- private:
-  std::string const& path_;
-  ObjDependency const& dep_;
-  bool required_;
-  bool coupled_;
-};
-
-class ParamAvailInfoAdapter final : public ParamAvailInfo {
- public:
-  ParamAvailInfoAdapter(std::string const& path, bool available, ObjDependency const& dep,
-                        ParamAllowedValues const& allowed)
-      : path_(path),
-        available_(available),
-        dep_(dep),
-        allowed_(allowed),
-        completeListRequired_(dep.isCompleteListRequired()) {}
-
-  std::string const& getName() const override { return dep_.getParamName(); }
-  std::string const& getObjPath() const override { return path_; }
-  TDFParam::Type getType() const override { return dep_.getParamType(); }
-  bool isListType() const override { return TDFParam::isListType(getType()); }
-  bool isCompleteListRequired() const override { return completeListRequired_; }
-  bool isAvailable() const override { return available_; }
-  bool isRequired() const override { return dep_.isParamRequired(); }
-  bool hasValidationRelaxed() const override { return dep_.hasParamValidationRelaxed(); }
-  bool hasDynamicBounds() const override { return dep_.hasParamDynamicBounds(); }
-  std::pair<std::string, std::string> const& getBounds() const override { return dep_.getParamBounds(); }
-  bool hasDefault() const override { return dep_.hasParamDefault(); }
-  std::string const& getDefault(ParamAllowedValues const& allowed) const override {
-    return dep_.getParamDefault(allowed);
-  }
-  std::string const& getDefault() const override { return dep_.getParamDefault(); }
-  bool hasValueOverride() const override { return dep_.hasParamValueOverride(); }
-  std::pair<bool, std::string> getValueOverride(ParamAllowedValues const& allowed) const override {
-    return dep_.getParamValueOverride(allowed);
-  }
-  std::pair<bool, std::string> getValueOverride() const override { return dep_.getParamValueOverride(); }
-  ParamAllowedValues const& getAllowedValues() const override { return allowed_; }
-
- private:
-  std::string const& path_;
-  bool available_;
-  ObjDependency const& dep_;
-  ParamAllowedValues const& allowed_;
-  bool completeListRequired_;
-};
-
-class ChildAvailInfoAdapter final : public ChildAvailInfo {
- public:
-  ChildAvailInfoAdapter(std::string const& path, bool available, ObjDependency const& dep,
-                        ObjDependency::AllowedNameData const& names)
-      : path_(path), available_(available), dep_(dep), names_(names) {}
-
-  std::string const& getType() const override { return dep_.getChildType(); }
-  std::string const& getObjPath() const override { return path_; }
-  bool isAvailable() const override { return available_; }
-  bool isRequired() const override { return dep_.isChildRequired(); }
-  bool isSingleton() const override { return dep_.isChildSingleton(); }
-  bool hasValidationRelaxed() const override { return dep_.hasChildValidationRelaxed(); }
-  bool isCoupled() const override { return dep_.isChildCoupled(); }
-  bool hasAllowedNames() const override { return !isSingleton() && names_.hasAllowedNames; }
-  NameRange getAllowedNames() const override { return {names_.allowedNames.begin(), names_.allowedNames.end()}; }
-  NameRange getDefaultNames() const override { return {names_.defaultNames.begin(), names_.defaultNames.end()}; }
-
- private:
-  std::string const& path_;
-  bool available_;
-  ObjDependency const& dep_;
-  ObjDependency::AllowedNameData const& names_;
 };
 
 }  // namespace

@@ -51,6 +51,11 @@ void ObjDependency::nextParam() {
   initCurrParam(limited_ ? nextOfLimited() : objDef_->nextParamAvail(paramCursor_, contextRuleValue_));
 }
 
+void ObjDependency::goToParam(std::size_t place, std::string const& contextRuleValue) {
+  contextRuleValue_ = contextRuleValue;
+  initCurrParam(objDef_->paramAvailAt(place, contextRuleValue_));
+}
+
 void ObjDependency::limitParams(std::vector<std::string> const& names, bool andRequired) {
   if (objDef_ == nullptr) return;
   limited_ = true;
@@ -171,6 +176,11 @@ void ObjDependency::firstChild() {
 
 void ObjDependency::nextChild() {
   if (objDef_ != nullptr) std::tie(currChild_, currChildLive_) = objDef_->nextChildAvail(childCursor_);
+}
+
+void ObjDependency::goToChild(std::size_t place, std::string const& contextRuleValue) {
+  contextRuleValue_ = contextRuleValue;
+  std::tie(currChild_, currChildLive_) = objDef_->childAvailAt(place, contextRuleValue_);
 }
 
 bool ObjDependency::isChildAvailable(AllowedNameData& out) const {

@@ -32,16 +32,20 @@ void ActivityDecisions::setObject(std::string const& path, bool on) {
   optObjActivity_.insert_or_assign(path, on);
 }
 
-void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path) {
-  eraseFromOptActivityMap(path, optParamActivity_);
-  eraseFromOptActivityMap(path, optObjActivity_);
+void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path,
+                                                 std::function<void(std::string const&)> const& onErased) {
+  eraseFromOptActivityMap(path, optParamActivity_, onErased);
+  eraseFromOptActivityMap(path, optObjActivity_, onErased);
 }
 
-void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map) {
+void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map,
+                                                std::function<void(std::string const&)> const& onErased) {
   // In byte order, all keys that begin with `path` follow each other, and `path` itself comes first.
   auto const first = map.lower_bound(path);
   auto last = first;
-  while (last != map.end() && last->first.starts_with(path)) ++last;
+  for (; last != map.end() && last->first.starts_with(path); ++last) {
+    if (onErased != nullptr) onErased(last->first);
+  }
   map.erase(first, last);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -24,12 +25,15 @@ class ActivityDecisions {
   /// Forgets the decisions on all items whose path begins with the characters of `path`: on a named object and what is
   /// in it, but also on its siblings with a longer name. For `/Case/Domain:a` the decisions on `/Case/Domain:ab` go,
   /// too, and the guide decides on them from then on. Callers rely on this comparison of characters.
-  void eraseFromOptActivityMaps(std::string const& path);
+  /// Calls `onErased`, if given, with the key of each of them: the path, or the path of the object, "/" and the name.
+  void eraseFromOptActivityMaps(std::string const& path,
+                                std::function<void(std::string const&)> const& onErased = nullptr);
 
  private:
   using OptActivityMap = std::map<std::string, bool, ParamKeyOrder>;
 
-  static void eraseFromOptActivityMap(std::string const& path, OptActivityMap& map);
+  static void eraseFromOptActivityMap(std::string const& path, OptActivityMap& map,
+                                      std::function<void(std::string const&)> const& onErased);
 
   OptActivityMap optParamActivity_;
   OptActivityMap optObjActivity_;

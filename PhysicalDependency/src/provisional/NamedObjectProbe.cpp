@@ -24,9 +24,9 @@ void NamedObjectProbe::deleteTestNamedObject() {
   facts_.publishChanges(false);  // still off, unless this has failed before
   // Before recording starts again, since an unrecorded deletion also logs the parameters that go.
   facts_.deleteObjectUnrecorded(testNamedObjectPath_);
-  facts_.publishChanges(true);
   // Overrides and default objects that its walk wrote.
   facts_.deleteGuideObject(testNamedObjectPath_);
+  facts_.publishChanges(true);
   // Last, since it alone can fail, and then only where it finds something.
   facts_.clearObjectReferences(testNamedObjectPath_);
   clearPath();

@@ -7,9 +7,11 @@
 
 #include <tarn/StringUtilities.h>
 
+#include "incremental/FactMarks.h"
 #include "provisional/ParamKey.h"
 #include "provisional/dumpModelState.h"
 #include "trackers/TrackerAccess.h"
+#include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
 
@@ -84,29 +86,36 @@ void ProvisionalFacts::updateGuide(ModelState const& p_state) {
 
 void ProvisionalFacts::setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on) {
   m_intent.decisions.setParam(p_objPath, p_name, p_on);
+  if (m_marks != nullptr) m_marks->onParamDecision(p_objPath, p_name);
 }
 
 void ProvisionalFacts::setObjActivity(std::string const& p_path, bool p_on) {
   m_intent.decisions.setObject(p_path, p_on);
+  if (m_marks != nullptr) m_marks->onObjectDecision(p_path);
 }
 
 void ProvisionalFacts::eraseFromOptActivityMaps(std::string const& p_path) {
-  m_intent.decisions.eraseFromOptActivityMaps(p_path);
+  m_intent.decisions.eraseFromOptActivityMaps(p_path, [this](std::string const& key) {
+    if (m_marks != nullptr) m_marks->onDecisionForgotten(key);
+  });
 }
 
 void ProvisionalFacts::rememberSubsetValue(std::string const& p_objPath, std::string const& p_name,
                                            std::string const& p_value) {
-  m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value);
+  bool const isNew = m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value);
+  if (isNew && m_marks != nullptr) m_marks->onOwnMemory();
 }
 
 void ProvisionalFacts::rememberSubsetValues(std::string const& p_objPath, std::string const& p_name,
                                             Strings const& p_values) {
-  m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values);
+  bool const areNew = m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values);
+  if (areNew && m_marks != nullptr) m_marks->onOwnMemory();
 }
 
 void ProvisionalFacts::setDefaultNamesApplied(std::string const& p_key) {
   m_intent.defaultNamesOfUpdate.push_back(p_key);
   m_intent.defaultNamesApplied.insert(p_key);
+  if (m_marks != nullptr) m_marks->onOwnMemory();
 }
 
 void ProvisionalFacts::takeBackDefaultNamesApplied(std::string const& p_key) noexcept {
@@ -135,7 +144,9 @@ bool ProvisionalFacts::getActivePaths(std::string const& p_objPath, std::string 
 }
 
 bool ProvisionalFacts::isBarren(std::string const& p_path) const {
-  return m_outcome.active.isObjectEmpty(p_path) && !m_outcome.offers.hasObjPotentialChildren(p_path);
+  if (!m_outcome.active.isObjectEmpty(p_path)) return false;
+  if (m_marks == nullptr) return !m_outcome.offers.hasObjPotentialChildren(p_path);
+  return m_isTrying ? !m_triedOffers.hasObjPotentialChildren(p_path) : m_ending->offers == 0;
 }
 
 void ProvisionalFacts::dumpActive(std::string const& p_path, ModelState& p_state) const {
@@ -202,30 +213,59 @@ std::string ProvisionalFacts::modifyQuantity(ModelTDF const* p_view, std::string
 
 void ProvisionalFacts::addPotentialObject(std::string const& p_path) {
   deleteObject(p_path);
-  m_outcome.offers.addObject(p_path);
+  if (m_visit == nullptr) {
+    m_outcome.offers.addObject(p_path);
+  } else if (m_isTrying) {
+    m_triedOffers.addObject(p_path);
+  } else {
+    m_visit->offeredObjects.push_back(p_path);
+  }
 }
 
 void ProvisionalFacts::addPotentialParam(std::string const& p_objPath, std::string const& p_name) {
   deleteParam(p_objPath, p_name);
-  m_outcome.offers.addParam(p_objPath, p_name);
+  if (m_visit == nullptr) {
+    m_outcome.offers.addParam(p_objPath, p_name);
+  } else if (m_isTrying) {
+    m_triedOffers.addParam(p_objPath, p_name);
+  } else {
+    m_visit->offersParam = true;
+  }
 }
 
 void ProvisionalFacts::addPotentialParam(std::string const& p_objPath, std::string const& p_name,
                                          ParamAllowedValues const& p_allowed) {
   deleteParam(p_objPath, p_name);
-  m_outcome.offers.addParam(p_objPath, p_name, p_allowed);
+  if (m_visit == nullptr) {
+    m_outcome.offers.addParam(p_objPath, p_name, p_allowed);
+  } else if (m_isTrying) {
+    m_triedOffers.addParam(p_objPath, p_name);
+  } else {
+    m_visit->offersParam = true;
+    m_visit->allowed = p_allowed;
+  }
 }
 
 void ProvisionalFacts::clearObjectReferences(std::string const& p_path) {
-  m_outcome.offers.clearObjectReferences(p_path);
+  if (m_visit == nullptr) m_outcome.offers.clearObjectReferences(p_path);
+  m_triedOffers.clear();
 }
 
 void ProvisionalFacts::addEmptyParam(std::string const& p_objPath, std::string const& p_name, bool p_isTyped) {
+  if (m_visit != nullptr) {
+    m_visit->isEmpty = true;
+    m_visit->isEmptyTyped = p_isTyped;
+    return;
+  }
   m_outcome.emptyParams.push_back(ParamKey{p_objPath, p_name}.text());
   if (p_isTyped) m_outcome.emptyTypedParams.push_back(m_outcome.emptyParams.back());
 }
 
 void ProvisionalFacts::addUserNamedType(std::string const& p_parentPath, std::string const& p_type) {
+  if (m_visit != nullptr) {
+    m_visit->offersName = true;
+    return;
+  }
   m_outcome.userNamedTypes.emplace_back(p_parentPath, p_type);
 }
 
@@ -236,21 +276,33 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
     m_outcome.active.stopRecordingUpdates();
   }
   m_outcome.quantities.enable(p_on);
+  m_isTrying = !p_on;
+  if (m_marks != nullptr) m_marks->setMuted(!p_on);
 }
 
 // The frame of an update.
 
-void ProvisionalFacts::beginUpdate(bool p_analyse) {
+void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
+  m_kind = p_kind;
   m_outcome.active.resetChanges();
-  m_outcome.offers.start();
   m_outcome.quantities.reset();
   m_outcome.bounds.reset();
+  if (p_kind == UpdateKind::FollowedWalk) {
+    m_listings.beginChanges();
+    return;
+  }
+  m_listings.beginAll();
+  m_outcome.offers.start();
   m_outcome.emptyParams.clear();
   m_outcome.emptyTypedParams.clear();
-  if (p_analyse) m_outcome.userNamedTypes.clear();
+  if (p_kind != UpdateKind::WithoutWalk) m_outcome.userNamedTypes.clear();
 }
 
 void ProvisionalFacts::completeUpdate() {
+  if (m_kind == UpdateKind::FirstFollowedWalk || m_kind == UpdateKind::FollowedWalk) {
+    m_listings.complete();
+    return;
+  }
   m_outcome.offers.synchWithTDF(&m_outcome.active);
   std::sort(m_outcome.userNamedTypes.begin(), m_outcome.userNamedTypes.end());
 }
@@ -264,6 +316,21 @@ void ProvisionalFacts::abandonUpdate() noexcept {
 void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
   TrackerAccess::forget(m_outcome.bounds);
   TrackerAccess::forget(m_outcome.quantities);
+}
+
+void ProvisionalFacts::follow(FactMarks* p_marks) noexcept {
+  m_marks = p_marks;
+  DynamicTDFAccess::storeOf(m_outcome.active).setListener(p_marks == nullptr ? nullptr : &p_marks->activeListener());
+  DynamicTDFAccess::storeOf(m_intent.guide).setListener(p_marks == nullptr ? nullptr : &p_marks->guideListener());
+  if (p_marks != nullptr) return;
+  m_listings.clear();
+  m_visit = nullptr;
+  m_ending = nullptr;
+}
+
+bool ProvisionalFacts::hasAmbiguousPaths() const noexcept {
+  return DynamicTDFAccess::storeOf(m_outcome.active).hasOtherwiseListed() ||
+         DynamicTDFAccess::storeOf(m_intent.guide).hasOtherwiseListed();
 }
 
 /// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk

@@ -8,21 +8,35 @@
 #include <tarn/ModelState.h>
 
 #include "provisional/Intent.h"
+#include "provisional/Listings.h"
 #include "provisional/Outcome.h"
 
 namespace tarn {
 
+class FactMarks;
 class ModelTDF;
 class ParamAllowedValues;
 class ParamAvailInfo;
 class QuantityModifier;
 
+/// What an update does to bring the outcome up to date.
+enum class UpdateKind {
+  WithoutWalk,
+  /// A walk of everything, which keeps nothing for the next one.
+  FullWalk,
+  /// A walk of everything, from which on walks are followed.
+  FirstFollowedWalk,
+  /// A walk of what changes concern.
+  FollowedWalk
+};
+
 /// All facts of a provisional state: the user's requests (`Intent`) and the result of the rules for them (`Outcome`).
 ///
 /// Walk handlers and edits read and write facts through this class only, one fact a call. So there is one place that
-/// knows which facts a visit used, and that every change of a fact passes through. Three things rely on that today: the
-/// results that rules keep during a walk are dropped with every change of the active tree, recording and quantities are
-/// switched off together for the probe, and what an update may leave half done is known.
+/// knows which facts a visit used, and that every change of a fact passes through. These things rely on that: while
+/// walks are followed, every change marks the visits that it concerns, and what a visit offers is listed under that
+/// visit; while they are not, the results that rules keep are dropped with every change of the active tree; recording
+/// and quantities are switched off together for the probe; and what an update may leave half done is known.
 ///
 /// The getters of the provisional state read `outcome()` between updates. They are not part of a visit.
 class ProvisionalFacts {
@@ -107,8 +121,8 @@ class ProvisionalFacts {
 
   /// @name The frame of an update
   /// @{
-  /// Forgets the changes of the last update. With `p_analyse`, also the facts that only a walk can find again.
-  void beginUpdate(bool p_analyse);
+  /// Forgets the changes of the last update, and the facts that the update finds again.
+  void beginUpdate(UpdateKind p_kind);
   /// Determines the changes of the offers in this update, and sorts the named types.
   void completeUpdate();
   /// After a walk that was completed: its default names are no longer taken back.
@@ -117,6 +131,19 @@ class ProvisionalFacts {
   void abandonUpdate() noexcept;
   /// The next update reports all bounds and quantity types anew.
   void forgetBoundsAndQuantities() noexcept;
+  /// @}
+
+  /// @name Followed walks
+  /// @{
+  /// From now on, every change marks the visits that it concerns; null ends that. `p_marks` is used until then.
+  void follow(FactMarks* p_marks) noexcept;
+  /// Until the next call, the offers and the empty parameters are those of this visit. Null for no visit.
+  void collectInto(VisitResult* p_result) noexcept { m_visit = p_result; }
+  /// Until the next call, `isBarren` is asked about an object, which is this one unless one is tried. Null for none.
+  void setEndingObject(WalkObject const* p_object) noexcept { m_ending = p_object; }
+  [[nodiscard]] Listings& listings() noexcept { return m_listings; }
+  /// Whether a path in one of the trees can be written in two ways. Then paths do not identify items.
+  [[nodiscard]] bool hasAmbiguousPaths() const noexcept;
   /// @}
 
   [[nodiscard]] Outcome const& outcome() const noexcept { return m_outcome; }
@@ -130,6 +157,16 @@ class ProvisionalFacts {
   Intent m_intent;
   Outcome m_outcome;
 
+  // While walks are followed.
+  FactMarks* m_marks = nullptr;
+  Listings m_listings{m_outcome};
+  VisitResult* m_visit = nullptr;
+  WalkObject const* m_ending = nullptr;
+  /// An object is tried, and these are the offers in it.
+  bool m_isTrying = false;
+  PotentialUpdateData m_triedOffers;
+
+  UpdateKind m_kind = UpdateKind::WithoutWalk;
   EvalCache m_keptResults;
   /// The revision of the active tree when the results were last dropped.
   std::uint64_t m_revision = 0;

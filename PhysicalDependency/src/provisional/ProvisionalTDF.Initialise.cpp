@@ -64,7 +64,7 @@ void ProvisionalTDF::Impl::initialiseBasedOn(std::string const& p_basedOnPath, M
 void ProvisionalTDF::Impl::baseUpdate(ModelTDF const* p_base) {
   if (!isInitialised()) return;
   Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
-  attach(attachment);
+  attach(attachment, *p_base);
   updateActiveTDF(true);
 }
 
@@ -84,17 +84,19 @@ void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF
                          root.isSingleton() ? std::string() : root.getLastName());
   }
 
+  m_walk.forget();  // it follows the guide that goes
   m_facts.startWithGuide(p_guide, p_hasBaseObject);
-  attach(attachment);
+  attach(attachment, *p_base);
   updateActiveTDF(true);
   if (m_observer != nullptr) m_observer->onInitialised(*p_base);
 }
 
 /// Lets this state read the base model of `p_attachment`, which gets what was there before.
-void ProvisionalTDF::Impl::attach(Attachment& p_attachment) noexcept {
+void ProvisionalTDF::Impl::attach(Attachment& p_attachment, ModelTDF const& p_base) noexcept {
   m_evalContext.swap(p_attachment.context);
   m_provisionalDB.swap(p_attachment.view);
   m_baseTDF.swap(p_attachment.tree);
+  m_walk.attach(*m_provisionalDB, p_base);
 }
 
 }  // namespace tarn

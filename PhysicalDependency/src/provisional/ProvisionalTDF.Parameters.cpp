@@ -182,10 +182,15 @@ bool ProvisionalTDF::Impl::handle_NoG_NoAV_AvailParam(std::string const& p_objPa
 bool ProvisionalTDF::Impl::updateFreeParam(std::string const& p_objPath, std::string const& p_name,
                                            std::string const& p_value, bool p_isOverride,
                                            ParamAvailInfo const* p_info) {
-  std::string const value = m_facts.modifyQuantity(m_provisionalDB.get(), p_objPath, p_name, p_value, p_info);
+  std::string const value = m_facts.modifyQuantity(modelOfRules(), p_objPath, p_name, p_value, p_info);
   m_facts.updateBounds(p_objPath, p_name, p_info);
   if (p_isOverride) m_facts.setGuideParam(p_objPath, p_name, value);
   return m_facts.updateParam(p_objPath, p_name, value);
+}
+
+/// What the modifier reads is followed like what rules read.
+ModelTDF const* ProvisionalTDF::Impl::modelOfRules() const noexcept {
+  return m_walk.isFollowing() ? m_walk.model() : m_provisionalDB.get();
 }
 
 bool ProvisionalTDF::Impl::isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const {

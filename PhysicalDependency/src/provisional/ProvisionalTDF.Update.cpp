@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 
 #include <tarn/BoolFromEnvironment.h>
 #include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
 #include <tarn/OperationTimer.h>
+#include <tarn/PhysicsData.h>
 #include <tarn/ProvisionalTDFDB.h>
 
 #include "provisional/ProvisionalTDFImpl.h"
@@ -39,11 +41,11 @@ class KeepingResults {
 void ProvisionalTDF::Impl::updateActiveTDF(bool p_analyse) {
   try {
     OperationTimer timer("ProvisionalTDF::updateActiveTDF");
-    rememberStartState(p_analyse);
+    UpdateKind const kind = p_analyse ? kindOfWalk() : UpdateKind::WithoutWalk;
+    rememberStartState(kind);
     if (p_analyse) {
       timer.enterSection("analyse");
-      KeepingResults const results(m_facts.keptResults());
-      m_owner.analyse(m_activeRoot, m_evalContext.get());
+      walk(kind);
     }
     timer.enterSection("extract updates");
     extractUpdateInformation();
@@ -51,9 +53,32 @@ void ProvisionalTDF::Impl::updateActiveTDF(bool p_analyse) {
     recoverFromBrokenUpdate();
     throw;
   }
+  m_walk.complete();
   if (!p_analyse) return;
   m_isWalkDue = false;
   m_facts.confirmDefaultNames();
+}
+
+/// A derived class may have hooks of its own, and beta messages are given whenever a rule is evaluated. So these see
+/// every visit of every walk.
+UpdateKind ProvisionalTDF::Impl::kindOfWalk() const noexcept {
+  bool const needsEveryVisit =
+      m_walksEverything || m_rules.attachedController() != nullptr || typeid(m_owner) != typeid(ProvisionalTDF);
+  if (needsEveryVisit) return UpdateKind::FullWalk;
+  return m_walk.isFollowing() ? UpdateKind::FollowedWalk : UpdateKind::FirstFollowedWalk;
+}
+
+void ProvisionalTDF::Impl::walk(UpdateKind p_kind) {
+  if (p_kind != UpdateKind::FullWalk) {
+    m_walk.run(m_activeRoot);
+    return;
+  }
+  KeepingResults const results(m_facts.keptResults());
+  m_owner.analyse(m_activeRoot, m_evalContext.get());
+}
+
+void ProvisionalTDF::Impl::walkTried(std::string const& p_path, EvalContext* p_context) {
+  m_owner.analyse(p_path, p_context);
 }
 
 /// Comes before an update without a walk, which would otherwise publish what a broken update has left in the active
@@ -63,10 +88,12 @@ void ProvisionalTDF::Impl::completeBrokenUpdate() {
   updateActiveTDF(true);
   // Nobody reads the lists of this update. So the edit reports bounds and quantity types once more.
   m_facts.forgetBoundsAndQuantities();
+  m_walk.forget();
 }
 
-void ProvisionalTDF::Impl::rememberStartState(bool p_analyse) {
-  m_facts.beginUpdate(p_analyse);
+void ProvisionalTDF::Impl::rememberStartState(UpdateKind p_kind) {
+  if (p_kind == UpdateKind::WithoutWalk || p_kind == UpdateKind::FullWalk) m_walk.forget();
+  m_facts.beginUpdate(p_kind);
   m_newlyUnavailParams.clear();
   m_probe.clearPath();
 }
@@ -102,6 +129,7 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 /// one, which would list those items twice. They are forgotten first, so that removing the probe needs no memory.
 /// Bounds and quantity types are forgotten because nobody reads the lists that would have reported them.
 void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
+  m_walk.forget();
   m_facts.clearObjectReferences(std::string());
   if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();
   m_facts.forgetBoundsAndQuantities();

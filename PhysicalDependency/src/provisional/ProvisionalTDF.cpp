@@ -31,17 +31,21 @@ std::string canonicalRoot(std::string const& path) {
 
 }  // namespace
 
-ProvisionalTDF::Impl::Impl(ProvisionalTDF& p_owner, QuantityModifier const* p_modifier, std::string const& p_activeRoot)
-    : m_owner(p_owner), m_activeRoot(canonicalRoot(p_activeRoot)), m_facts(p_modifier) {}
+ProvisionalTDF::Impl::Impl(ProvisionalTDF& p_owner, PhysicsData const& p_rules, QuantityModifier const* p_modifier,
+                           std::string const& p_activeRoot)
+    : m_owner(p_owner), m_rules(p_rules), m_activeRoot(canonicalRoot(p_activeRoot)), m_facts(p_modifier) {}
 
-ProvisionalTDF::Impl::~Impl() = default;
+/// The trees go with their facts, and would tell the walk of it.
+ProvisionalTDF::Impl::~Impl() {
+  m_walk.forget();
+}
 
 ProvisionalTDF::ProvisionalTDF(PhysicsData const* p_data, std::string const& p_activeRoot)
     : ProvisionalTDF(p_data, nullptr, p_activeRoot) {}
 
 ProvisionalTDF::ProvisionalTDF(PhysicsData const* p_data, QuantityModifier const* p_modifier,
                                std::string const& p_activeRoot)
-    : DependencyAnalyser(p_data), m_impl(std::make_unique<Impl>(*this, p_modifier, p_activeRoot)) {}
+    : DependencyAnalyser(p_data), m_impl(std::make_unique<Impl>(*this, *p_data, p_modifier, p_activeRoot)) {}
 
 ProvisionalTDF::~ProvisionalTDF() = default;
 

@@ -13,6 +13,7 @@
 #include <tarn/ProvisionalTDF.h>
 #include <tarn/Refusal.h>
 
+#include "provisional/AffectedWalk.h"
 #include "provisional/NamedObjectProbe.h"
 #include "provisional/ProvisionalFacts.h"
 
@@ -23,10 +24,11 @@ class ProvTDFObserver;
 class ProvisionalTDFDB;
 
 /// The work of a provisional state. Its sources are divided by concern, like the groups of operations below.
-class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
+class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHandler {
  public:
   /// `p_owner` is the analyser whose walks this handles.
-  Impl(ProvisionalTDF & p_owner, QuantityModifier const* p_modifier, std::string const& p_activeRoot);
+  Impl(ProvisionalTDF & p_owner, PhysicsData const& p_rules, QuantityModifier const* p_modifier,
+       std::string const& p_activeRoot);
   ~Impl();
   Impl(Impl const&) = delete;
   Impl& operator=(Impl const&) = delete;
@@ -46,11 +48,20 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
   // Edits: ProvisionalTDF.Edits.cpp.
   std::optional<Refusal> apply(Edit const& p_edit);
 
+  /// From now on, every update with a walk walks everything.
+  void walkEverything(bool p_on) noexcept {
+    m_walksEverything = p_on;
+  }
+
   // The walk. All but the first always continue.
-  HandlerStatus onBeginObject(ObjBeginInfo const* p_info);
-  HandlerStatus onParamCheck(ParamAvailInfo const* p_info);
-  HandlerStatus onChildCheck(ChildAvailInfo const* p_info);
-  HandlerStatus onEndObject(std::string const& p_path, bool p_required);
+  HandlerStatus onBeginObject(ObjBeginInfo const* p_info) override;
+  HandlerStatus onParamCheck(ParamAvailInfo const* p_info) override;
+  HandlerStatus onChildCheck(ChildAvailInfo const* p_info) override;
+  HandlerStatus onEndObject(std::string const& p_path, bool p_required) override;
+  [[nodiscard]] bool isTrying() const noexcept override {
+    return m_probe.inTestNamedObject();
+  }
+  void walkTried(std::string const& p_path, EvalContext* p_context) override;
 
   // The data that the getters return.
   [[nodiscard]] std::string const& activeRoot() const noexcept {
@@ -76,7 +87,7 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
   struct Attachment;
   void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState, DynamicTDF& p_guide) const;
   void initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject);
-  void attach(Attachment & p_attachment) noexcept;
+  void attach(Attachment & p_attachment, ModelTDF const& p_base) noexcept;
 
   // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named after two facts:
   // whether the guide (G) wants it, and whether it has allowed values (AV). Each returns whether it left the parameter
@@ -90,6 +101,7 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
                                   ParamAvailInfo const* p_info);
   bool updateFreeParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value,
                        bool p_isOverride, ParamAvailInfo const* p_info);
+  [[nodiscard]] ModelTDF const* modelOfRules() const noexcept;
   [[nodiscard]] bool isWantedByGuide(std::string const& p_objPath, std::string const& p_name) const;
 
   // Children: ProvisionalTDF.Children.cpp.
@@ -117,13 +129,16 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
 
   // The frame of an update: ProvisionalTDF.Update.cpp.
   void updateActiveTDF(bool p_analyse);
-  void rememberStartState(bool p_analyse);
+  [[nodiscard]] UpdateKind kindOfWalk() const noexcept;
+  void walk(UpdateKind p_kind);
+  void rememberStartState(UpdateKind p_kind);
   void extractUpdateInformation();
   void completeBrokenUpdate();
   void recoverFromBrokenUpdate() noexcept;
 
   // Constant after construction.
   ProvisionalTDF& m_owner;
+  PhysicsData const& m_rules;
   std::string const m_activeRoot;
 
   ProvTDFObserver* m_observer = nullptr;
@@ -136,6 +151,9 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl {
   DynamicTDF m_baseTDF{false};
   std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
   std::unique_ptr<EvalContext> m_evalContext;
+
+  AffectedWalk m_walk{m_facts, *this, m_rules};
+  bool m_walksEverything = false;
 
   // The data that the last update published in addition to the outcome. The state is brought up to date from the log of
   // the active tree, unless the last update broke off.

@@ -7,27 +7,30 @@
 
 namespace tarn {
 
-void SubsetSelections::SubsetSelection::add(std::string const& value) {
+bool SubsetSelections::SubsetSelection::add(std::string const& value) {
   auto const [place, isNew] = seen.insert(value);
-  if (!isNew) return;
+  if (!isNew) return false;
   try {
     values.push_back(value);
   } catch (...) {
     seen.erase(place);  // otherwise it would count as remembered
     throw;
   }
+  return true;
 }
 
-void SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,
+bool SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,
                                            std::string const& value) {
-  getSubsetSelection(objPath, name).add(value);
+  return getSubsetSelection(objPath, name).add(value);
 }
 
-void SubsetSelections::rememberSubsetValues(std::string const& objPath, std::string const& name,
+bool SubsetSelections::rememberSubsetValues(std::string const& objPath, std::string const& name,
                                             std::vector<std::string> const& values) {
-  if (values.empty()) return;
+  if (values.empty()) return false;
   SubsetSelection& selection = getSubsetSelection(objPath, name);
-  for (std::string const& value : values) selection.add(value);
+  bool areNew = false;
+  for (std::string const& value : values) areNew = selection.add(value) || areNew;
+  return areNew;
 }
 
 std::vector<std::string> const& SubsetSelections::getSubsetSelectionValues(std::string const& objPath,

@@ -16,8 +16,9 @@ namespace tarn {
 /// forgotten.
 class SubsetSelections {
  public:
-  void rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value);
-  void rememberSubsetValues(std::string const& objPath, std::string const& name,
+  /// Both return whether there was anything new to remember.
+  bool rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value);
+  bool rememberSubsetValues(std::string const& objPath, std::string const& name,
                             std::vector<std::string> const& values);
 
   /// The selected values, in the order of first selection. Empty when nothing was. Valid until more is remembered.
@@ -35,7 +36,7 @@ class SubsetSelections {
     std::vector<std::string> values;
     std::unordered_set<std::string> seen;  // the same, for membership
 
-    void add(std::string const& value);
+    bool add(std::string const& value);
   };
 
   SubsetSelection& getSubsetSelection(std::string const& objPath, std::string const& name);

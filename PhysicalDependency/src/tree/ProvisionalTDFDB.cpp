@@ -87,14 +87,21 @@ bool ProvisionalTDFDB::getChildObjectPathsByType(std::string const& path, std::s
   return getActiveParentChildItems(activeRoot_, out);
 }
 
-/// The model that answers for `path`, the path of an object or a parameter: the active model at and below the active
-/// root. The byte after the root is checked, so that a sibling whose name begins with the root's name stays with the
-/// base model.
+/// The byte after the root is checked, so that a sibling whose name begins with the root's name stays with the base
+/// model.
+bool ProvisionalTDFDB::isActivePath(std::string const& path) const noexcept {
+  if (path.size() < activeRootLength_) return false;
+  if (!StringUtilities::leadingSubstrEqual(activeRoot_, path, activeRootLength_)) return false;
+  return path.size() == activeRootLength_ || path[activeRootLength_] == '/';
+}
+
+bool ProvisionalTDFDB::listsBaseChildren(std::string const& path) const noexcept {
+  return path == parentPath_ || !isActivePath(path);
+}
+
+/// The model that answers for `path`, the path of an object or a parameter.
 ModelTDF const* ProvisionalTDFDB::switchDB(std::string const& path) const noexcept {
-  if (path.size() < activeRootLength_) return baseModel_;
-  if (!StringUtilities::leadingSubstrEqual(activeRoot_, path, activeRootLength_)) return baseModel_;
-  if (path.size() > activeRootLength_ && path[activeRootLength_] != '/') return baseModel_;
-  return activeModel_;
+  return isActivePath(path) ? activeModel_ : baseModel_;
 }
 
 /// Corrects the list of the parent's children from the base model: `item`, the path or name of the active root, must be

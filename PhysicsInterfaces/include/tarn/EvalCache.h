@@ -17,6 +17,9 @@ namespace tarn {
 /// A cache belongs to one unchanged model. If the model that the rules read changes, make a new cache or call `clear`.
 /// If it changes for a while only, disable the cache for that time: the results that it holds are used again when it is
 /// enabled. A cache starts disabled. It is for one thread.
+///
+/// Who evaluates an expression calls `find` first. If that gives nothing, it evaluates the expression and calls `store`
+/// for it. Derive from this class to learn which results are used, and where their evaluation begins and ends.
 class TARN_EXPORT EvalCache {
  public:
   using Result = std::variant<bool, double, std::string, SharedStrings>;
@@ -24,16 +27,16 @@ class TARN_EXPORT EvalCache {
   EvalCache();
   EvalCache(EvalCache const&) = delete;
   EvalCache& operator=(EvalCache const&) = delete;
-  ~EvalCache();
+  virtual ~EvalCache();
 
   void enable(bool on) noexcept { enabled_ = on; }
   [[nodiscard]] bool isEnabled() const noexcept { return enabled_; }
 
   /// The result that is stored for the expression at the address `rule`, or null. Always null while disabled. Valid
   /// until `clear`, or as long as the cache.
-  [[nodiscard]] Result const* find(void const* rule) const;
+  [[nodiscard]] virtual Result const* find(void const* rule) const;
   /// Stores a result and returns it. While disabled, stores nothing and returns null.
-  Result const* store(void const* rule, Result result);
+  virtual Result const* store(void const* rule, Result result);
 
   /// Removes all results, in constant time. Their memory is used again for later results of the same expressions.
   void clear() noexcept { ++generation_; }

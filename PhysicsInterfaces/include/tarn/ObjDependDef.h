@@ -73,8 +73,13 @@ class TARN_EXPORT ObjDependDef {
   /// The entry at index `place` of `params`, and whether it is live with this context rule value.
   [[nodiscard]] std::pair<ParamAvail const*, bool> paramAvailAt(std::size_t place,
                                                                 std::string const& contextRuleValue) const;
+  /// The entry at index `place` of `children`, and whether it is live with this context rule value.
+  [[nodiscard]] std::pair<ChildAvail const*, bool> childAvailAt(std::size_t place,
+                                                                std::string const& contextRuleValue) const;
   /// The index in `params` of the entry of that name, or `noPlace`. One hash look-up.
   [[nodiscard]] std::size_t placeOfParam(std::string_view name) const;
+  /// The index in `children` of the entry of that type, or `noPlace`. One hash look-up.
+  [[nodiscard]] std::size_t placeOfChild(std::string_view type) const;
   static constexpr std::size_t noPlace = static_cast<std::size_t>(-1);
   /// The indices in `params` of the entries that were added as required, ascending.
   [[nodiscard]] std::vector<std::size_t> const& requiredParams() const noexcept { return requiredParams_; }

@@ -88,8 +88,7 @@ std::pair<ChildAvail const*, bool> ObjDependDef::firstChildAvail(CACursor& curso
 
 std::pair<ChildAvail const*, bool> ObjDependDef::nextChildAvail(CACursor& cursor) const {
   if (cursor.next_ >= children_.size()) return {nullptr, false};
-  auto const& entry = *children_[cursor.next_++];
-  return {&entry, isLive(entry.contexts, cursor.context_)};
+  return childAvailAt(cursor.next_++, cursor.context_);
 }
 
 std::pair<ParamAvail const*, bool> ObjDependDef::paramAvailAt(std::size_t place,
@@ -98,9 +97,20 @@ std::pair<ParamAvail const*, bool> ObjDependDef::paramAvailAt(std::size_t place,
   return {&entry, isLive(entry.contexts, contextRuleValue)};
 }
 
+std::pair<ChildAvail const*, bool> ObjDependDef::childAvailAt(std::size_t place,
+                                                              std::string const& contextRuleValue) const {
+  ChildAvail const& entry = *children_[place];
+  return {&entry, isLive(entry.contexts, contextRuleValue)};
+}
+
 std::size_t ObjDependDef::placeOfParam(std::string_view name) const {
   auto const found = byName_.find(name);
   return found == byName_.end() ? noPlace : found->second;
+}
+
+std::size_t ObjDependDef::placeOfChild(std::string_view type) const {
+  auto const found = byType_.find(type);
+  return found == byType_.end() ? noPlace : found->second;
 }
 
 ParamAvail const* ObjDependDef::findParam(std::string_view name) const {

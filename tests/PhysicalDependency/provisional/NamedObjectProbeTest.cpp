@@ -57,7 +57,7 @@ TEST_F(NamedObjectProbeTest, WhileItExistsNothingIsRecordedAndNoQuantityAdjusted
 }
 
 TEST_F(NamedObjectProbeTest, NothingRemainsOfItAndAllIsOnAgain) {
-  facts_.beginUpdate(true);
+  facts_.beginUpdate(UpdateKind::FullWalk);
   probe_.createTestNamedObject(rotor, "Boundary");
   facts_.updateParam(path_ + "/Patch", "Area", "1");
   facts_.setGuideParam(path_, "Kind", "Wall");

@@ -1,0 +1,185 @@
+#include "incremental/FactMarks.h"
+
+#include <algorithm>
+
+#include <tarn/PathUtils.h>
+
+namespace tarn {
+
+namespace {
+
+Fact anyChange() noexcept {
+  return factOf(FactKind::Any, PathHash());
+}
+
+}  // namespace
+
+void FactMarks::beginVisit(WalkObject& object, WalkObject::Entry entry) noexcept {
+  object.unmark(entry);
+  object_ = &object;
+  entry_ = entry;
+  changed_.clear();
+  recorder.begin();
+}
+
+void FactMarks::endVisit() {
+  recorder.end();
+  WalkObject& object = *object_;
+  object_ = nullptr;
+  std::vector<Fact>& reads = recorder.uniqueReads();
+  bool const hasReadChange = std::any_of(changed_.begin(), changed_.end(), [&reads](Fact fact) {
+    return std::binary_search(reads.begin(), reads.end(), fact);
+  });
+  if (hasReadChange) markVisit(object, entry_);
+  if (reads.size() > maxReads) reads.assign(1, anyChange());
+  readers.setReads({object.handle, entry_}, object.reads[entry_], reads);
+}
+
+void FactMarks::onParamDecision(std::string_view objPath, std::string_view name) noexcept {
+  markParam(PathHash(objPath), name, Self::IsMarked);
+  markAbove(objPath);
+}
+
+void FactMarks::onObjectDecision(std::string_view path) noexcept {
+  markAbove(path);
+}
+
+/// The name of a parameter may hold a "/", so each of them may divide the key.
+void FactMarks::onDecisionForgotten(std::string_view key) noexcept {
+  for (std::size_t slash = key.find('/'); slash != std::string_view::npos; slash = key.find('/', slash + 1)) {
+    markParam(PathHash(key.substr(0, slash)), key.substr(slash + 1), Self::IsMarked);
+  }
+  markAbove(key);
+}
+
+/// Marks the visit that decides on the object at `path`. If the walk has not come so far down, it may have tried an
+/// object on the way, so that the visit which did that is concerned.
+void FactMarks::markAbove(std::string_view path) noexcept {
+  while (!path.empty()) {
+    std::string_view const parent = PathUtils::parentOf(path);
+    PathHash const hash(parent);
+    markChildren(hash, PathUtils::lastType(path), Self::IsMarked);
+    bool isWalked = false;
+    tree.forEachAt(hash, [&isWalked](WalkObject&) { isWalked = true; });
+    if (isWalked) return;
+    path = parent;
+  }
+}
+
+void FactMarks::onOwnMemory() noexcept {
+  if (object_ != nullptr) markVisit(*object_, entry_);
+}
+
+void FactMarks::markVisit(WalkObject& object, WalkObject::Entry entry) noexcept {
+  if (object.isSkipped) return;
+  if (entry >= object.numEntries() || !tree.mark(object, entry)) isLost_ = true;
+}
+
+void FactMarks::clear() noexcept {
+  tree.clear();
+  readers.clear();
+  results.forgetAll();
+  recorder.end();
+  object_ = nullptr;
+  changed_.clear();
+  pending_.clear();
+  isMuted_ = false;
+  isLost_ = false;
+}
+
+/// Marks all readers of a fact. A kept result that has read it does not hold any more, so its readers are concerned,
+/// too, and so on.
+void FactMarks::change(Fact fact) noexcept {
+  try {
+    pending_.push_back(fact);
+    while (!pending_.empty()) {
+      Fact const changed = pending_.back();
+      pending_.pop_back();
+      if (object_ != nullptr) changed_.push_back(changed);
+      readers.forEachReader(changed, [this](ReaderIndex::Reader reader) { markReader(reader); });
+    }
+  } catch (...) {
+    isLost_ = true;
+  }
+}
+
+void FactMarks::markReader(ReaderIndex::Reader reader) noexcept {
+  if (reader.group == RecordedResults::group) {
+    if (results.drop(reader.item)) {
+      try {
+        pending_.push_back(RecordedResults::factOfResult(reader.item));
+      } catch (...) {
+        isLost_ = true;
+      }
+    }
+    return;
+  }
+  markVisit(*tree.byHandle(reader.group), reader.item);
+}
+
+void FactMarks::markParam(PathHash const& object, std::string_view name, Self self) noexcept {
+  tree.forEachAt(object, [&](WalkObject& found) {
+    if (found.rules == nullptr) return;
+    std::size_t const place = found.rules->placeOfParam(name);
+    if (place != ObjDependDef::noPlace) markItem(found, static_cast<WalkObject::Entry>(place), self);
+  });
+}
+
+void FactMarks::markChildren(PathHash const& object, std::string_view type, Self self) noexcept {
+  tree.forEachAt(object, [&](WalkObject& found) {
+    if (found.rules == nullptr) return;
+    std::size_t const place = found.rules->placeOfChild(type);
+    if (place == ObjDependDef::noPlace) return;
+    markItem(found, found.numParams() + static_cast<WalkObject::Entry>(place), self);
+  });
+}
+
+void FactMarks::markItem(WalkObject& object, WalkObject::Entry entry, Self self) noexcept {
+  if (self == Self::IsLeftOut && &object == object_ && entry == entry_) return;
+  markVisit(object, entry);
+}
+
+// What a tree tells.
+
+void FactMarks::Active::onParamSetChange(PathHash const& object, std::string_view name) noexcept {
+  if (marks_.isMuted_) return;
+  marks_.change(factOf(FactKind::ParamNames, object));
+  onParamChange(object, name);
+}
+
+void FactMarks::Active::onParamChange(PathHash const& object, std::string_view name) noexcept {
+  if (marks_.isMuted_) return;
+  marks_.change(factOf(FactKind::Param, object, name));
+  marks_.change(anyChange());
+  marks_.markParam(object, name, Self::IsLeftOut);
+}
+
+/// An object that is deleted, or comes back, is walked as a new one. What it held is gone, and the visits in it wrote
+/// that.
+void FactMarks::Active::onObjectSetChange(PathHash const& parent, std::string_view type,
+                                          PathHash const& object) noexcept {
+  if (marks_.isMuted_) return;
+  marks_.change(factOf(FactKind::Object, object));
+  marks_.change(factOf(FactKind::Children, parent, type));
+  marks_.change(factOf(FactKind::AllChildren, parent));
+  marks_.change(anyChange());
+  marks_.markChildren(parent, type, Self::IsLeftOut);
+  marks_.tree.forEachAt(object, [this](WalkObject& found) {
+    if (!marks_.tree.markAll(found)) marks_.isLost_ = true;
+  });
+}
+
+void FactMarks::Guide::onParamSetChange(PathHash const& object, std::string_view name) noexcept {
+  if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
+}
+
+void FactMarks::Guide::onParamChange(PathHash const& object, std::string_view name) noexcept {
+  if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
+}
+
+void FactMarks::Guide::onObjectSetChange(PathHash const& parent, std::string_view type,
+                                         PathHash const& /*object*/) noexcept {
+  if (!marks_.isMuted_) marks_.markChildren(parent, type, Self::IsMarked);
+}
+
+}  // namespace tarn

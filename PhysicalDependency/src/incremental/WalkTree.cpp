@@ -1,0 +1,260 @@
+// The objects of a followed walk and the marks in them. An object with a mark in it or below it is known to its parent,
+// so a walk finds the next mark without passing over what is unmarked.
+
+#include "incremental/WalkTree.h"
+
+#include <bit>
+#include <utility>
+
+#include <tarn/ChildAvail.h>
+#include <tarn/ParamAvail.h>
+#include <tarn/ParamValueDef.h>
+#include <tarn/RuleReads.h>
+
+namespace tarn {
+
+namespace {
+
+constexpr WalkObject::Entry bitsOfWord = 64;
+
+WalkObject::Entry paramsOf(ObjDependDef const* rules) noexcept {
+  return rules == nullptr ? 0 : static_cast<WalkObject::Entry>(rules->params().size());
+}
+
+WalkObject::Entry entriesOf(ObjDependDef const* rules) noexcept {
+  return rules == nullptr ? 0 : static_cast<WalkObject::Entry>(rules->params().size() + rules->children().size());
+}
+
+template <class Expression>
+void collect(std::unique_ptr<Expression> const& expression, RuleReads& reads) {
+  if (expression != nullptr) expression->collectReads(reads);
+}
+
+void collect(std::vector<ParamValueDef::GuardedText> const& texts, RuleReads& reads) {
+  for (auto const& text : texts) {
+    collect(text.when, reads);
+    collect(text.value, reads);
+  }
+}
+
+bool readsUnknown(ParamAvail const& entry) {
+  RuleReads reads;
+  collect(entry.available, reads);
+  if (ParamValueDef const* const value = entry.valueDef()) {
+    collect(value->allowedValues, reads);
+    for (auto const& [text, check] : value->allowedValueChecks) collect(check, reads);
+    collect(value->subset, reads);
+    collect(value->defaultValue, reads);
+    collect(value->defaultChecks, reads);
+    collect(value->overrideChecks, reads);
+    collect(value->lowerBound, reads);
+    collect(value->upperBound, reads);
+    collect(value->quantityType, reads);
+  }
+  return reads.unknown;
+}
+
+bool readsUnknown(ChildAvail const& entry) {
+  RuleReads reads;
+  collect(entry.available, reads);
+  collect(entry.allowedNamesSource, reads);
+  collect(entry.defaultNamesSource, reads);
+  return reads.unknown;
+}
+
+template <class EntryRules>
+void addTraits(EntryRules const& entry, WalkObject::Entry place, EntryTraits& traits) {
+  if (readsUnknown(entry)) traits.unfollowed.push_back(place);
+  if (!entry.contexts.empty()) traits.inContexts.push_back(place);
+}
+
+/// A position in the walk below some object: a visit of the object, or what is below one of its child visits.
+struct Position {
+  WalkObject const* object;
+  WalkObject::Entry entry;
+  bool isBelow = false;
+  std::uint32_t place = 0;
+
+  void climb() noexcept {
+    entry = object->childEntry;
+    place = object->place;
+    isBelow = true;
+    object = object->parent;
+  }
+};
+
+}  // namespace
+
+WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits const* objTraits,
+                       WalkObject* parentObject)
+    : path(std::move(objPath)),
+      rules(objRules),
+      traits(objTraits),
+      parent(parentObject),
+      depth(parentObject == nullptr ? 0 : parentObject->depth + 1),
+      paramEntries(paramsOf(objRules)),
+      reads(entriesOf(objRules), ReaderIndex::nothing),
+      outputs(entriesOf(objRules)),
+      marks((entriesOf(objRules) + bitsOfWord - 1) / bitsOfWord) {
+  markAll();
+}
+
+WalkObject::Entry WalkObject::nextMarked(Entry from) const noexcept {
+  if (markCount == 0 || from >= numEntries()) return numEntries();
+  std::size_t word = from / bitsOfWord;
+  std::uint64_t bits = marks[word] & ~std::uint64_t{0} << from % bitsOfWord;
+  while (bits == 0) {
+    if (++word == marks.size()) return numEntries();
+    bits = marks[word];
+  }
+  return static_cast<Entry>(word * bitsOfWord) + static_cast<Entry>(std::countr_zero(bits));
+}
+
+bool WalkObject::mark(Entry entry) noexcept {
+  std::uint64_t& word = marks[entry / bitsOfWord];
+  std::uint64_t const bit = std::uint64_t{1} << entry % bitsOfWord;
+  if ((word & bit) != 0) return false;
+  word |= bit;
+  ++markCount;
+  return true;
+}
+
+void WalkObject::markAll() noexcept {
+  for (std::uint64_t& word : marks) word = ~std::uint64_t{0};
+  if (Entry const rest = numEntries() % bitsOfWord; rest != 0) marks.back() = (std::uint64_t{1} << rest) - 1;
+  markCount = numEntries();
+}
+
+void WalkObject::unmark(Entry entry) noexcept {
+  std::uint64_t& word = marks[entry / bitsOfWord];
+  std::uint64_t const bit = std::uint64_t{1} << entry % bitsOfWord;
+  if ((word & bit) == 0) return;
+  word &= ~bit;
+  --markCount;
+}
+
+void WalkObject::unmarkAll() noexcept {
+  for (std::uint64_t& word : marks) word = 0;
+  markCount = 0;
+}
+
+std::string const& WalkObject::contextBefore(Entry entry) const {
+  static std::string const none;
+  auto const after = contextValues.lower_bound(entry);
+  return after == contextValues.begin() ? none : std::prev(after)->second;
+}
+
+bool comesBefore(VisitRef a, VisitRef b) noexcept {
+  Position first{a.object, a.entry};
+  Position second{b.object, b.entry};
+  while (first.object->depth > second.object->depth) first.climb();
+  while (second.object->depth > first.object->depth) second.climb();
+  while (first.object != second.object) {
+    first.climb();
+    second.climb();
+  }
+  if (first.entry != second.entry) return first.entry < second.entry;
+  if (first.isBelow != second.isBelow) return second.isBelow;
+  return first.place < second.place;
+}
+
+WalkTree::WalkTree() = default;
+
+WalkTree::~WalkTree() {
+  clear();
+}
+
+WalkObject& WalkTree::makeRoot(std::string path, ObjDependDef const* rules) {
+  root_ = std::make_unique<WalkObject>(std::move(path), rules, traitsOf(rules), nullptr);
+  root_->isRequired = true;
+  list(*root_);
+  return *root_;
+}
+
+std::unique_ptr<WalkObject> WalkTree::makeChild(WalkObject& parent, WalkObject::Entry entry, std::string path,
+                                                ObjDependDef const* rules) {
+  auto made = std::make_unique<WalkObject>(std::move(path), rules, traitsOf(rules), &parent);
+  made->childEntry = entry;
+  made->place = parent.nextPlace++;
+  parent.dirtyChildren.emplace(made->ownKey(), made.get());
+  list(*made);
+  return made;
+}
+
+void WalkTree::unlist(WalkObject& top) {
+  forEachObject(top, [this](WalkObject& object) {
+    auto const [first, last] = byPath_.equal_range(static_cast<std::uint64_t>(PathHash(object.path).value()));
+    for (auto at = first; at != last; ++at) {
+      if (at->second != &object) continue;
+      byPath_.erase(at);
+      break;
+    }
+    byHandle_[object.handle] = nullptr;
+    freeHandles_.push_back(object.handle);
+  });
+}
+
+bool WalkTree::mark(WalkObject& object, WalkObject::Entry entry) noexcept {
+  return !object.mark(entry) || noteDirty(object);
+}
+
+bool WalkTree::markAll(WalkObject& object) noexcept {
+  object.markAll();
+  object.isNew = true;
+  return noteDirty(object);
+}
+
+/// The children that are known to be dirty have parents that are.
+bool WalkTree::noteDirty(WalkObject& object) noexcept {
+  try {
+    for (WalkObject* at = &object; at->parent != nullptr; at = at->parent) {
+      if (!at->parent->dirtyChildren.emplace(at->ownKey(), at).second) break;
+    }
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+EntryTraits const* WalkTree::traitsOf(ObjDependDef const* rules) {
+  auto const [place, isNew] = traits_.try_emplace(rules);
+  EntryTraits& traits = place->second;
+  if (!isNew || rules == nullptr) return &traits;
+  WalkObject::Entry entry = 0;
+  for (auto const& param : rules->params()) addTraits(*param, entry++, traits);
+  for (auto const& child : rules->children()) addTraits(*child, entry++, traits);
+  return &traits;
+}
+
+void WalkTree::list(WalkObject& object) {
+  if (freeHandles_.empty()) {
+    object.handle = static_cast<std::uint32_t>(byHandle_.size());
+    byHandle_.push_back(&object);
+  } else {
+    object.handle = freeHandles_.back();
+    freeHandles_.pop_back();
+    byHandle_[object.handle] = &object;
+  }
+  byPath_.emplace(static_cast<std::uint64_t>(PathHash(object.path).value()), &object);
+}
+
+/// Objects go leaves first: destroying them as a whole would recurse for every level.
+void WalkTree::clear() noexcept {
+  byPath_.clear();
+  byHandle_.clear();
+  freeHandles_.clear();
+  WalkObject* at = root_.get();
+  while (at != nullptr) {
+    if (!at->children.empty()) {
+      at = at->children.back().get();
+    } else if (at->parent != nullptr) {
+      at = at->parent;
+      at->children.pop_back();
+    } else {
+      at = nullptr;
+    }
+  }
+  root_.reset();
+}
+
+}  // namespace tarn

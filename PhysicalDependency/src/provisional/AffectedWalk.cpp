@@ -1,0 +1,284 @@
+// The walk keeps the open objects on a stack of its own, like the walk of everything, and calls the same hooks with the
+// same records. It differs in how it moves: from one marked visit to the next.
+
+#include "provisional/AffectedWalk.h"
+
+#include <algorithm>
+#include <typeinfo>
+#include <unordered_map>
+#include <utility>
+
+#include <tarn/BoolFromEnvironment.h>
+#include <tarn/DynamicTDF.h>
+#include <tarn/ObjDependency.h>
+#include <tarn/PathUtils.h>
+#include <tarn/PhysicsData.h>
+#include <tarn/ProvisionalTDFDB.h>
+#include <tarn/TDFPath.h>
+
+#include "analysis/AvailInfoAdapters.h"
+#include "provisional/ProvisionalFacts.h"
+
+namespace tarn {
+
+namespace {
+
+std::string childPath(WalkObject const& parent, std::string const& type, bool isSingleton, std::string const& name) {
+  std::string path;
+  path.reserve(parent.path.size() + type.size() + name.size() + 2);
+  path.append(parent.path).append(1, '/').append(type);
+  if (!isSingleton) path.append(1, ':').append(name);
+  return path;
+}
+
+/// Rules keep results only during a walk.
+class KeepingResults {
+ public:
+  explicit KeepingResults(EvalCache& results) : results_(results) {
+    results_.enable(!BoolFromEnvironment("TARN_PHYSVAL_DONTUSECACHE"));
+  }
+  ~KeepingResults() { results_.enable(false); }
+  KeepingResults(KeepingResults const&) = delete;
+  KeepingResults& operator=(KeepingResults const&) = delete;
+
+ private:
+  EvalCache& results_;
+};
+
+}  // namespace
+
+/// An object whose end has not been visited yet.
+struct AffectedWalk::OpenObject {
+  OpenObject(WalkObject& walkObject, EvalContext* context, PhysicsData const* rules)
+      : object(walkObject), cursor(walkObject.path, walkObject.rules, context, rules) {}
+
+  WalkObject& object;
+  ObjDependency cursor;
+  /// The walk has passed all entries before this one, and all children before that one.
+  WalkObject::Entry nextEntry = 0;
+  WalkObject::ChildKey nextChild = 0;
+};
+
+void AffectedWalk::attach(ProvisionalTDFDB const& view, ModelTDF const& base) noexcept {
+  forget();
+  view_ = &view;
+  model_.reset();
+  // A derived class may answer otherwise than its tree.
+  base_ = typeid(base) == typeid(DynamicTDF) ? dynamic_cast<DynamicTDF const*>(&base) : nullptr;
+}
+
+void AffectedWalk::run(std::string const& root) {
+  KeepingResults const results(marks_.results);
+  beginWalk(root);
+  std::vector<std::unique_ptr<OpenObject>> stack;
+  open(stack, *marks_.tree.root());
+  while (step(stack)) {
+  }
+  if (base_ != nullptr) baseRevision_ = base_->getRevision();
+}
+
+void AffectedWalk::beginWalk(std::string const& root) {
+  if (isFollowing()) {
+    // The host may have changed the base model without notice.
+    if (base_ == nullptr || base_->getRevision() != baseRevision_) marks_.onOutside();
+    return;
+  }
+  if (model_ == nullptr) {
+    model_ = std::make_unique<RecordedModel>(*view_, marks_.recorder);
+    context_ = std::make_unique<EvalContext>(model_.get(), &marks_.results);
+  }
+  std::string const path = TDFPath(root).getFullPath();
+  marks_.tree.makeRoot(path, rules_.getObjDependDef(PathUtils::typePathOf(path), true));
+  facts_.follow(&marks_);
+}
+
+void AffectedWalk::complete() noexcept {
+  dropped_.clear();
+  if (marks_.isLost() || facts_.hasAmbiguousPaths()) forget();
+}
+
+void AffectedWalk::forget() noexcept {
+  facts_.follow(nullptr);
+  marks_.clear();
+  dropped_.clear();
+  result_ = {};
+}
+
+void AffectedWalk::open(std::vector<std::unique_ptr<OpenObject>>& stack, WalkObject& object) {
+  stack.push_back(std::make_unique<OpenObject>(object, context_.get(), &rules_));
+  if (!object.isNew) return;
+  object.isNew = false;
+  ObjBeginInfoAdapter const info(object.path, stack.back()->cursor, object.isRequired, object.isCoupled);
+  object.isSkipped = handler_.onBeginObject(&info) == DependencyAnalyser::SkipObject;
+  if (object.isSkipped) object.unmarkAll();
+}
+
+/// Runs the next marked visit, enters the next object with one, or ends an object. Returns false after the last one.
+bool AffectedWalk::step(std::vector<std::unique_ptr<OpenObject>>& stack) {
+  OpenObject& top = *stack.back();
+  WalkObject& object = top.object;
+  WalkObject::Entry const entry = object.nextMarked(top.nextEntry);
+  auto const child = object.dirtyChildren.lower_bound(top.nextChild);
+  bool const hasChild = child != object.dirtyChildren.end();
+  if (entry < object.numEntries() && (!hasChild || WalkObject::childKey(entry, 0) <= child->first)) {
+    // A visit comes before the children of its entry.
+    top.nextEntry = entry + 1;
+    top.nextChild = std::max(top.nextChild, WalkObject::childKey(entry, 0));
+    visit(top, entry);
+  } else if (hasChild) {
+    WalkObject& next = *child->second;
+    top.nextEntry = std::max(top.nextEntry, next.childEntry + 1);
+    top.nextChild = child->first + 1;
+    open(stack, next);
+  } else {
+    endObject(object);
+    stack.pop_back();
+  }
+  return !stack.empty();
+}
+
+void AffectedWalk::endObject(WalkObject& object) {
+  facts_.setEndingObject(&object);
+  handler_.onEndObject(object.path, object.isRequired);
+  facts_.setEndingObject(nullptr);
+  if (object.parent != nullptr && object.isClean() && !object.isNew)
+    object.parent->dirtyChildren.erase(object.ownKey());
+}
+
+void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
+  WalkObject& object = open.object;
+  result_ = {};
+  facts_.collectInto(&result_);
+  marks_.beginVisit(object, entry);
+  if (entry < object.numParams()) {
+    visitParam(open, entry);
+  } else {
+    visitChildren(open, entry);
+  }
+  marks_.endVisit();
+  facts_.collectInto(nullptr);
+  facts_.listings().set(object, entry, std::move(result_));
+  auto const& unfollowed = object.traits->unfollowed;
+  if (std::binary_search(unfollowed.begin(), unfollowed.end(), entry)) marks_.markVisit(object, entry);
+}
+
+void AffectedWalk::visitParam(OpenObject& open, WalkObject::Entry entry) {
+  WalkObject& object = open.object;
+  ObjDependency& cursor = open.cursor;
+  cursor.goToParam(entry, object.contextBefore(entry));
+  ParamAllowedValues allowed;
+  bool const isAvailable = cursor.isParamAvailable(allowed);
+  ParamAvailInfoAdapter const info(object.path, isAvailable, cursor, allowed);
+  handler_.onParamCheck(&info);
+  if (!cursor.isParamContextRule()) return;
+  std::string const& name = cursor.getParamName();
+  bool const isPresent = isAvailable && view_->hasParameter(object.path, name);
+  setContextValue(object, entry, isPresent ? &view_->getParameterValue(object.path, name) : nullptr);
+}
+
+/// The value of a context rule parameter is read only by what comes after it in the same object. Null for none.
+void AffectedWalk::setContextValue(WalkObject& object, WalkObject::Entry entry, std::string const* value) {
+  auto const known = object.contextValues.find(entry);
+  bool const isSame = value == nullptr ? known == object.contextValues.end()
+                                       : known != object.contextValues.end() && known->second == *value;
+  if (isSame) return;
+  if (value == nullptr) {
+    object.contextValues.erase(known);
+  } else {
+    object.contextValues[entry] = *value;
+  }
+  auto const& inContexts = object.traits->inContexts;
+  for (auto at = std::upper_bound(inContexts.begin(), inContexts.end(), entry); at != inContexts.end(); ++at) {
+    marks_.markVisit(object, *at);
+  }
+}
+
+void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
+  WalkObject& object = open.object;
+  ObjDependency& cursor = open.cursor;
+  cursor.goToChild(entry - object.numParams(), object.contextBefore(entry));
+  std::vector<std::string> names;
+  {
+    ObjDependency::AllowedNameData nameData;
+    bool const isAvailable = cursor.isChildAvailable(nameData);
+    ChildAvailInfoAdapter const info(object.path, isAvailable, cursor, nameData);
+    handler_.onChildCheck(&info);
+    if (isAvailable && cursor.isChildSingleton()) {
+      if (view_->hasObject(childPath(object, cursor.getChildType(), true, {}))) names.emplace_back();
+    } else if (isAvailable) {
+      view_->getChildObjectNamesByType(object.path, cursor.getChildType(), names);
+    }
+  }
+  if (handler_.isTrying()) {
+    // The tried object is the last one, and normally the only one.
+    if (names.size() != 1) marks_.lose();
+    std::string const tried = childPath(object, cursor.getChildType(), false, names.back());
+    names.pop_back();
+    handler_.walkTried(tried, context_.get());
+  }
+  setChildren(object, entry, cursor.getChildType(), cursor.isChildSingleton(), names);
+}
+
+/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept; all
+/// others are new.
+void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
+                               std::vector<std::string> const& names) {
+  auto& children = object.children;
+  auto const before = [](std::unique_ptr<WalkObject> const& child, WalkObject::Entry e) {
+    return child->childEntry < e;
+  };
+  auto const begin = std::lower_bound(children.begin(), children.end(), entry, before);
+  auto const end = std::lower_bound(begin, children.end(), entry + 1, before);
+  auto const isNamed = [&](std::unique_ptr<WalkObject> const& child, std::string const& name) {
+    std::size_t const beforeName = object.path.size() + type.size() + 2;
+    return isSingleton || (child->path.size() == beforeName + name.size() && child->path.ends_with(name));
+  };
+  if (std::equal(begin, end, names.begin(), names.end(), isNamed)) return;
+
+  std::unordered_map<std::string_view, std::size_t> placeOf;  // of the former children
+  std::vector<std::unique_ptr<WalkObject>> former(std::make_move_iterator(begin), std::make_move_iterator(end));
+  for (std::size_t i = 0; i < former.size(); ++i) placeOf.emplace(former[i]->path, i);
+
+  std::vector<std::unique_ptr<WalkObject>> now;
+  now.reserve(names.size());
+  std::size_t next = 0;  // the first of the former children that may still be kept
+  for (std::string const& name : names) {
+    // The object is found under another path than the one under which the walk enters it.
+    if (!isSingleton && name == type) marks_.lose();
+    std::string path = childPath(object, type, isSingleton, name);
+    auto const known = placeOf.find(path);
+    if (known != placeOf.end() && known->second >= next) {
+      next = known->second + 1;
+      now.push_back(std::move(former[known->second]));
+    } else {
+      now.push_back(newChild(object, entry, std::move(path)));
+    }
+  }
+  for (std::unique_ptr<WalkObject>& child : former) {
+    if (child != nullptr) drop(std::move(child));
+  }
+  auto const place = children.erase(begin, end);
+  children.insert(place, std::make_move_iterator(now.begin()), std::make_move_iterator(now.end()));
+}
+
+std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObject::Entry entry, std::string path) {
+  ChildAvail const& rules = *parent.rules->children()[entry - parent.numParams()];
+  (void)TDFPath(path);  // throws for a path that cannot be read
+  auto child = marks_.tree.makeChild(parent, entry, path,
+                                     rules_.getObjDependDef(parent.rules->typePath() + '/' + rules.type, true));
+  child->isRequired = rules.required;
+  child->isCoupled = rules.coupled || rules.allowedNamesSource != nullptr;
+  return child;
+}
+
+void AffectedWalk::drop(std::unique_ptr<WalkObject> top) {
+  top->parent->dirtyChildren.erase(top->ownKey());
+  forEachObject(*top, [this](WalkObject& object) {
+    facts_.listings().remove(object);
+    for (ReaderIndex::Reads& reads : object.reads) marks_.readers.clearReads(reads);
+  });
+  marks_.tree.unlist(*top);
+  dropped_.push_back(std::move(top));
+}
+
+}  // namespace tarn

@@ -1,0 +1,153 @@
+#include "provisional/Listings.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "provisional/ParamKey.h"
+
+namespace tarn {
+
+namespace {
+
+void countOffers(WalkObject& object, std::size_t before, std::size_t after) noexcept {
+  if (before == after) return;
+  auto const change = static_cast<std::uint32_t>(after - before);  // wraps around, as the sum does
+  for (WalkObject* at = &object; at != nullptr; at = at->parent) at->offers += change;
+}
+
+std::vector<std::string> textsIf(bool isListed, WalkObject const& object, WalkObject::Entry entry) {
+  if (!isListed) return {};
+  return {ParamKey{object.path, object.rules->params()[entry]->name}.text()};
+}
+
+}  // namespace
+
+void Listings::beginAll() noexcept {
+  clear();
+  offers_.beginAll();
+}
+
+void Listings::beginChanges() {
+  isChanging_ = true;
+  offers_.beginChanges();
+}
+
+void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
+  if (entry < object.numParams()) {
+    setParam(object, entry, result);
+  } else {
+    setChildren(object, entry, std::move(result));
+  }
+}
+
+void Listings::remove(WalkObject& object) {
+  for (WalkObject::Entry entry = 0; entry < object.numEntries(); ++entry) {
+    if (object.outputs[entry] != 0) set(object, entry, {});
+  }
+}
+
+void Listings::setParam(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
+  unsigned const before = object.outputs[entry];
+  unsigned const now = (result.offersParam ? WalkObject::Offered : 0U) | (result.isEmpty ? WalkObject::Empty : 0U) |
+                       (result.isEmptyTyped ? WalkObject::EmptyTyped : 0U);
+  if (((before | now) & WalkObject::Offered) != 0) setOffer(object, entry, result);
+  if (((before ^ now) & WalkObject::Empty) != 0) {
+    list(emptyParams_, outcome_.emptyParams, {&object, entry}, textsIf(result.isEmpty, object, entry));
+  }
+  if (((before ^ now) & WalkObject::EmptyTyped) != 0) {
+    list(emptyTypedParams_, outcome_.emptyTypedParams, {&object, entry}, textsIf(result.isEmptyTyped, object, entry));
+  }
+  object.outputs[entry] = static_cast<std::uint8_t>(now);
+}
+
+void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
+  std::string const& name = object.rules->params()[entry]->name;
+  bool const wasOffered = (object.outputs[entry] & WalkObject::Offered) != 0;
+  ParamAllowedValues const* const allowed = result.allowed ? &*result.allowed : nullptr;
+  if (wasOffered && result.offersParam) {
+    offers_.changeParam(object.path, entry, name, allowed);
+    return;
+  }
+  countOffers(object, wasOffered ? 1 : 0, result.offersParam ? 1 : 0);
+  if (wasOffered) {
+    offers_.removeParam(object.offerAt[entry], entry);
+    return;
+  }
+  if (object.offerAt.empty()) object.offerAt.resize(object.numParams());
+  WalkObject::Entry next = entry + 1;
+  while (next < object.endOfOffers && (object.outputs[next] & WalkObject::Offered) == 0) ++next;
+  FollowedOffers::Place const* const place = next < object.endOfOffers ? &object.offerAt[next] : nullptr;
+  object.endOfOffers = std::max(object.endOfOffers, entry + 1);
+  object.offerAt[entry] = offers_.addParam(place, object.path, entry, name, allowed);
+}
+
+void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
+  bool const offeredName = (object.outputs[entry] & WalkObject::OffersName) != 0;
+  if (offeredName != result.offersName) {
+    std::string const& type = object.rules->children()[entry - object.numParams()]->type;
+    (result.offersName ? addedTypes_ : removedTypes_).emplace_back(object.path, type);
+  }
+  std::vector<std::string> before;
+  if (auto const known = object.offeredObjects.find(entry); known != object.offeredObjects.end()) {
+    before = known->second;
+  }
+  if (before != result.offeredObjects) {
+    offers_.changeObjects(before, result.offeredObjects);
+    countOffers(object, before.size(), result.offeredObjects.size());
+    list(offeredObjects_, offers_.objects(), {&object, entry}, result.offeredObjects);
+    if (result.offeredObjects.empty()) {
+      object.offeredObjects.erase(entry);
+    } else {
+      object.offeredObjects[entry] = result.offeredObjects;
+    }
+  }
+  object.outputs[entry] = static_cast<std::uint8_t>((result.offersName ? WalkObject::OffersName : 0U) |
+                                                    (result.offeredObjects.empty() ? 0U : WalkObject::OffersObjects));
+}
+
+void Listings::list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now) {
+  if (isChanging_) {
+    order.replace(visit, std::move(now));
+    return;
+  }
+  for (std::string& text : now) {
+    texts.push_back(std::move(text));
+    order.append(visit);
+  }
+}
+
+void Listings::complete() {
+  offeredObjects_.apply(offers_.objects());
+  emptyParams_.apply(outcome_.emptyParams);
+  emptyTypedParams_.apply(outcome_.emptyTypedParams);
+  offers_.complete(outcome_.active);
+  changeNamedTypes();
+}
+
+/// One pass over the types, however many change.
+void Listings::changeNamedTypes() {
+  if (addedTypes_.empty() && removedTypes_.empty()) return;
+  std::sort(addedTypes_.begin(), addedTypes_.end());
+  std::sort(removedTypes_.begin(), removedTypes_.end());
+  std::vector<NamedType>& types = outcome_.userNamedTypes;
+  std::vector<NamedType> kept;
+  std::set_difference(std::make_move_iterator(types.begin()), std::make_move_iterator(types.end()),
+                      removedTypes_.begin(), removedTypes_.end(), std::back_inserter(kept));
+  types.clear();
+  std::merge(std::make_move_iterator(kept.begin()), std::make_move_iterator(kept.end()),
+             std::make_move_iterator(addedTypes_.begin()), std::make_move_iterator(addedTypes_.end()),
+             std::back_inserter(types));
+  addedTypes_.clear();
+  removedTypes_.clear();
+}
+
+void Listings::clear() noexcept {
+  isChanging_ = false;
+  offeredObjects_.clear();
+  emptyParams_.clear();
+  emptyTypedParams_.clear();
+  addedTypes_.clear();
+  removedTypes_.clear();
+}
+
+}  // namespace tarn

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tarn/ParamAllowedValues.h>
+
+#include "incremental/WalkOrder.h"
+#include "incremental/WalkTree.h"
+#include "provisional/Outcome.h"
+#include "trackers/FollowedOffers.h"
+
+namespace tarn {
+
+/// What one visit contributes to the lists that a whole walk makes up.
+struct VisitResult {
+  bool offersParam = false;
+  /// Empty for a parameter that is offered without allowed values.
+  std::optional<ParamAllowedValues> allowed;
+  bool isEmpty = false;
+  bool isEmptyTyped = false;
+  std::vector<std::string> offeredObjects;
+  bool offersName = false;
+};
+
+/// Keeps the lists of an outcome up to date visit by visit: what is on offer, the parameters without a value, and the
+/// types of which a user may add an object. After each walk they are as if a walk of everything had made them.
+class Listings {
+ public:
+  explicit Listings(Outcome& outcome) noexcept : outcome_(outcome), offers_(outcome.offers) {}
+  Listings(Listings const&) = delete;
+  Listings& operator=(Listings const&) = delete;
+
+  /// Begins the walk that makes the lists. They are empty.
+  void beginAll() noexcept;
+  /// Begins a later walk, which changes them.
+  void beginChanges();
+  /// Takes over the result of a visit that has run.
+  void set(WalkObject& object, WalkObject::Entry entry, VisitResult result);
+  /// Takes all results of an object away.
+  void remove(WalkObject& object);
+  /// Ends a walk: the lists are up to date. Objects that were removed may go after that.
+  void complete();
+  void clear() noexcept;
+
+ private:
+  using NamedType = std::pair<std::string, std::string>;
+
+  void setParam(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
+  void setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result);
+  void setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
+  void list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now);
+  void changeNamedTypes();
+
+  Outcome& outcome_;
+  FollowedOffers offers_;
+  bool isChanging_ = false;
+  WalkOrder offeredObjects_;
+  WalkOrder emptyParams_;
+  WalkOrder emptyTypedParams_;
+  std::vector<NamedType> addedTypes_;
+  std::vector<NamedType> removedTypes_;
+};
+
+}  // namespace tarn
