@@ -1,7 +1,9 @@
 // The format for programs: one line per model, so that a program can read the output of a long run as a stream.
 #include "reports/JsonReport.h"
 
+#include <algorithm>
 #include <ostream>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -11,6 +13,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Of more allowed values than these a finding gives only the number: thousands of findings may have the same long list.
+constexpr std::size_t mostAllowed = 100;
+
 Json placeOf(TextPlace const& place) {
   return {{"file", place.source()}, {"line", place.line()}, {"column", place.column()}};
 }
@@ -19,7 +24,12 @@ void addExpected(Json& json, session::Expected const& expected) {
   auto const add = [&json](char const* key, auto const& value) {
     if (value) json[key] = *value;
   };
-  if (!expected.allowed.empty()) json["allowed"] = expected.allowed.vector();
+  if (!expected.allowed.empty()) {
+    auto const& all = expected.allowed.vector();
+    auto const end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostAllowed));
+    json["allowed"] = std::vector<std::string>(all.begin(), end);
+    if (end != all.end()) json["allowedCount"] = all.size();
+  }
   add("lowerBound", expected.lowerBound);
   if (expected.lowerBoundExcluded) json["lowerBoundExcluded"] = true;
   add("upperBound", expected.upperBound);

@@ -140,6 +140,17 @@ TEST(JsonReport, GivesAFindingWithAllThatIsKnownOfIt) {
       "\n");
 }
 
+TEST(JsonReport, GivesTheFirstHundredAllowedValuesAndHowManyThereAre) {
+  std::vector<std::string> names;
+  for (int i = 1; i <= 101; ++i) names.push_back("plane " + std::to_string(i));
+  Finding one = finding(FindingCode::ValueNotAllowed, "/Case", "No such plane.");
+  one.expected.allowed = names;
+  session::Findings findings;
+  findings.list = {one};
+  std::string const json = jsonOf(findings);
+  EXPECT_NE(json.find(R"("plane 100"],"allowedCount":101},)"), std::string::npos) << json;
+}
+
 TEST(JsonReport, OfACleanModelHasAllKeys) {
   EXPECT_EQ(jsonOf({}),
             R"({"model":"pump.tdf","status":0,"dependency":[],"global":[],"unknown":[],"values":[],"beta":[],)"
