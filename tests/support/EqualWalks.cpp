@@ -224,12 +224,6 @@ bool changedAnything(ProvisionalTDF const& state) {
 
 }  // namespace
 
-void forceFullWalks(ProvisionalTDF& state, bool on) {
-  // Every update is a full walk so far.
-  (void)state;
-  (void)on;
-}
-
 std::string firstDifference(ProvisionalTDF const& a, ProvisionalTDF const& b) {
   Comparison comparison(a, b);
   compareTrees(comparison);
