@@ -24,7 +24,7 @@ TEST(JournalFailures, AMarkIsSetOrNot) {
   forEveryFailureOf(FailingCall::Allocation, [](Attempt& attempt) {
     Journal journal;
     TwoFlags flags;
-    journal.attach(flags);
+    flags.attachTo(journal);
     bool const failed = attempt([&] { (void)journal.mark(); });
     EXPECT_EQ(journal.isRecording(), !failed);
     flags.first = flags.second = true;
@@ -32,7 +32,6 @@ TEST(JournalFailures, AMarkIsSetOrNot) {
     flags.first = flags.second = false;
     journal.rollback(mark);
     EXPECT_TRUE(flags.first && flags.second);
-    journal.detach(flags);
   });
 }
 

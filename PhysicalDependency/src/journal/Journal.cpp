@@ -6,15 +6,23 @@
 
 namespace tarn {
 
+Journal::Participant::~Participant() {
+  if (journal_ == nullptr) return;
+  Participant** place = &journal_->participants_;
+  while (*place != this) place = &(*place)->next_;
+  *place = next_;
+}
+
 Journal::~Journal() {
   forgetSteps();
+  for (; participants_ != nullptr; participants_ = participants_->next_) participants_->journal_ = nullptr;
   while (free_ != nullptr) (void)takeFirst(free_);
 }
 
 Journal::Mark Journal::mark() {
   Mark const mark(position(), ++depth_);
   try {
-    for (Participant* const participant : participants_) participant->noteAtMark(*this);
+    for (auto* store = participants_; store != nullptr; store = store->next_) store->noteAtMark(*this);
   } catch (...) {
     rollback(mark);
     throw;

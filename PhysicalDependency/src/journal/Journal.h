@@ -6,7 +6,6 @@
 #include <new>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace tarn {
 
@@ -29,8 +28,7 @@ namespace tarn {
 /// for the step, the write has not happened. Where a write must not fail, use `CannotFail`.
 ///
 /// Memory grows with the writes since the outermost mark, by one block of `blockSize` bytes and what a write removed.
-/// The blocks are used again. A journal must outlive its participants. Its destructor forgets the steps and undoes
-/// nothing.
+/// The blocks are used again. The destructor forgets the steps and undoes nothing.
 class Journal {
  public:
   /// The limit for what a step holds, in bytes.
@@ -39,14 +37,24 @@ class Journal {
   /// A store that notes at each mark what its writes do not record: flags, and the lengths of lists that only grow.
   class Participant {
    public:
+    Participant(Participant const&) = delete;
+    Participant& operator=(Participant const&) = delete;
+    /// From now on, the journal asks at each mark. To be called once.
+    void attachTo(Journal& journal) noexcept {
+      journal_ = &journal;
+      next_ = std::exchange(journal.participants_, this);
+    }
     /// Adds steps that take the store back to what it holds now. When it throws, the mark is not set.
     virtual void noteAtMark(Journal& journal) = 0;
 
    protected:
     Participant() = default;
-    Participant(Participant const&) = default;
-    Participant& operator=(Participant const&) = default;
-    ~Participant() = default;
+    virtual ~Participant();
+
+   private:
+    friend class Journal;
+    Journal* journal_ = nullptr;
+    Participant* next_ = nullptr;
   };
 
  private:
@@ -142,10 +150,6 @@ class Journal {
   Journal& operator=(Journal const&) = delete;
   ~Journal();
 
-  /// `participant` is not owned, and must be detached before it is destroyed.
-  void attach(Participant& participant) { participants_.push_back(&participant); }
-  void detach(Participant& participant) noexcept { std::erase(participants_, &participant); }
-
   /// Sets a mark inside all open ones. Without memory it throws and sets none.
   [[nodiscard]] Mark mark();
   /// Takes the state back to the mark and ends it.
@@ -183,6 +187,15 @@ class Journal {
     last_ = std::move(step.block_);
   }
 
+  /// Calls `write`, and adds the step `undo` unless `journal` is null. When one of them throws, neither has happened.
+  template <class Write, class Undo>
+  static void perform(Journal* journal, Write const& write, Undo undo) {
+    Prepared<Undo> step;
+    if (journal != nullptr) step = journal->prepare(std::move(undo));
+    write();
+    if (step) journal->keep(std::move(step));
+  }
+
   /// For an operation that takes back its own half when it fails: `undoTo` undoes all steps that were added after
   /// `position` was asked for. Both are for use inside one mark.
   [[nodiscard]] Position position() const noexcept { return Position(last_.get()); }
@@ -194,7 +207,7 @@ class Journal {
   void freeBlock(std::unique_ptr<Block> block) noexcept;
   void forgetSteps() noexcept;
 
-  std::vector<Participant*> participants_;
+  Participant* participants_ = nullptr;
   std::size_t depth_ = 0;
   std::unique_ptr<Block> last_;
 

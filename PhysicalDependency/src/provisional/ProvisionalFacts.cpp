@@ -4,14 +4,28 @@
 #include "provisional/ProvisionalFacts.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <tarn/StringUtilities.h>
 
+#include "journal/JournaledWrites.h"
 #include "provisional/ParamKey.h"
 #include "provisional/dumpModelState.h"
 #include "trackers/TrackerAccess.h"
+#include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
+
+ProvisionalFacts::ProvisionalFacts(QuantityModifier const* modifier) : m_outcome(modifier) {
+  attachTo(m_journal);
+  DynamicTDFAccess::attach(m_intent.guide, m_journal);
+  DynamicTDFAccess::attach(m_outcome.active, m_journal);
+}
+
+void ProvisionalFacts::noteAtMark(Journal& p_journal) {
+  TrackerAccess::noteAtMark(m_outcome.bounds, p_journal);
+  TrackerAccess::noteAtMark(m_outcome.quantities, p_journal);
+}
 
 // Intent: reading.
 
@@ -83,41 +97,50 @@ void ProvisionalFacts::updateGuide(ModelState const& p_state) {
 }
 
 void ProvisionalFacts::setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on) {
-  m_intent.decisions.setParam(p_objPath, p_name, p_on);
+  m_intent.decisions.setParam(p_objPath, p_name, p_on, recording());
 }
 
 void ProvisionalFacts::setObjActivity(std::string const& p_path, bool p_on) {
-  m_intent.decisions.setObject(p_path, p_on);
+  m_intent.decisions.setObject(p_path, p_on, recording());
 }
 
 void ProvisionalFacts::eraseFromOptActivityMaps(std::string const& p_path) {
-  m_intent.decisions.eraseFromOptActivityMaps(p_path);
+  m_intent.decisions.eraseFromOptActivityMaps(p_path, recording());
 }
 
 void ProvisionalFacts::rememberSubsetValue(std::string const& p_objPath, std::string const& p_name,
                                            std::string const& p_value) {
-  m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value);
+  m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value, recording());
 }
 
 void ProvisionalFacts::rememberSubsetValues(std::string const& p_objPath, std::string const& p_name,
                                             Strings const& p_values) {
-  m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values);
+  m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values, recording());
 }
 
 void ProvisionalFacts::setDefaultNamesApplied(std::string const& p_key) {
-  m_intent.defaultNamesOfUpdate.push_back(p_key);
-  m_intent.defaultNamesApplied.insert(p_key);
+  journaled::append(recording(), m_intent.defaultNamesOfUpdate, p_key);
+  journaled::emplace(recording(), m_intent.defaultNamesApplied, p_key);
 }
 
 void ProvisionalFacts::takeBackDefaultNamesApplied(std::string const& p_key) noexcept {
   m_intent.defaultNamesApplied.erase(p_key);
 }
 
-void ProvisionalFacts::startWithGuide(DynamicTDF& p_guide, bool p_hasBaseObject) noexcept {
-  m_intent.guide.swap(p_guide);
-  for (std::string const& key : m_intent.defaultNamesOfUpdate) m_intent.defaultNamesApplied.erase(key);
-  m_intent.defaultNamesOfUpdate.clear();
-  m_intent.hasBaseObject = p_hasBaseObject;
+void ProvisionalFacts::startWithGuide(std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject) noexcept {
+  Journal::CannotFail const scope(m_journal);
+  DynamicTDFAccess::attach(*p_guide, m_journal);
+  m_intent.guide.swap(*p_guide);
+  if (m_journal.isRecording()) {
+    m_journal.add([this, former = std::move(p_guide)]() noexcept { m_intent.guide.swap(*former); });
+  }
+  journaled::Erasing erasing(recording(), m_intent.defaultNamesApplied);
+  for (std::string const& key : m_intent.defaultNamesOfUpdate) {
+    auto const applied = m_intent.defaultNamesApplied.find(key);
+    if (applied != m_intent.defaultNamesApplied.end()) erasing.erase(applied);
+  }
+  journaled::assign(recording(), m_intent.defaultNamesOfUpdate, {});
+  journaled::assign(recording(), m_intent.hasBaseObject, p_hasBaseObject);
 }
 
 // Outcome: reading.
@@ -191,13 +214,13 @@ bool ProvisionalFacts::updateParam(std::string const& p_objPath, std::string con
 
 void ProvisionalFacts::updateBounds(std::string const& p_objPath, std::string const& p_name,
                                     ParamAvailInfo const* p_info) {
-  m_outcome.bounds.updateBounds(p_objPath, p_name, p_info);
+  TrackerAccess::updateBounds(m_outcome.bounds, p_objPath, p_name, p_info, recording());
 }
 
 std::string ProvisionalFacts::modifyQuantity(ModelTDF const* p_view, std::string const& p_objPath,
                                              std::string const& p_name, std::string const& p_value,
                                              ParamAvailInfo const* p_info) {
-  return m_outcome.quantities.modifyQuantity(p_view, p_objPath, p_name, p_value, p_info);
+  return TrackerAccess::modifyQuantity(m_outcome.quantities, p_view, p_objPath, p_name, p_value, p_info, recording());
 }
 
 void ProvisionalFacts::addPotentialObject(std::string const& p_path) {
@@ -243,8 +266,8 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
 void ProvisionalFacts::beginUpdate(bool p_analyse) {
   m_outcome.active.resetChanges();
   m_outcome.offers.start();
-  m_outcome.quantities.reset();
-  m_outcome.bounds.reset();
+  TrackerAccess::reset(m_outcome.quantities, recording());
+  TrackerAccess::reset(m_outcome.bounds, recording());
   m_outcome.emptyParams.clear();
   m_outcome.emptyTypedParams.clear();
   if (p_analyse) m_outcome.userNamedTypes.clear();
@@ -255,6 +278,11 @@ void ProvisionalFacts::completeUpdate() {
   std::sort(m_outcome.userNamedTypes.begin(), m_outcome.userNamedTypes.end());
 }
 
+void ProvisionalFacts::confirmDefaultNames() noexcept {
+  Journal::CannotFail const scope(m_journal);
+  if (!m_intent.defaultNamesOfUpdate.empty()) journaled::assign(recording(), m_intent.defaultNamesOfUpdate, {});
+}
+
 void ProvisionalFacts::abandonUpdate() noexcept {
   m_outcome.emptyParams.clear();
   m_outcome.emptyTypedParams.clear();
@@ -262,8 +290,9 @@ void ProvisionalFacts::abandonUpdate() noexcept {
 }
 
 void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
-  TrackerAccess::forget(m_outcome.bounds);
-  TrackerAccess::forget(m_outcome.quantities);
+  Journal::CannotFail const scope(m_journal);
+  TrackerAccess::forget(m_outcome.bounds, recording());
+  TrackerAccess::forget(m_outcome.quantities, recording());
 }
 
 /// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk

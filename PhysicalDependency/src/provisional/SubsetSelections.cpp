@@ -3,31 +3,40 @@
 
 #include "provisional/SubsetSelections.h"
 
+#include "journal/JournaledWrites.h"
 #include "provisional/ValueLists.h"
 
 namespace tarn {
 
-void SubsetSelections::SubsetSelection::add(std::string const& value) {
-  auto const [place, isNew] = seen.insert(value);
-  if (!isNew) return;
-  try {
+void SubsetSelections::SubsetSelection::add(std::string const& value, Journal* journal) {
+  if (seen.contains(value)) return;
+  auto const write = [&] {
     values.push_back(value);
-  } catch (...) {
-    seen.erase(place);  // otherwise it would count as remembered
-    throw;
-  }
+    try {
+      seen.insert(value);
+    } catch (...) {
+      values.pop_back();
+      throw;
+    }
+  };
+  Journal::perform(journal, write, [this]() noexcept { takeBack(); });
+}
+
+void SubsetSelections::SubsetSelection::takeBack() noexcept {
+  seen.erase(values.back());
+  values.pop_back();
 }
 
 void SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,
-                                           std::string const& value) {
-  getSubsetSelection(objPath, name).add(value);
+                                           std::string const& value, Journal* journal) {
+  getSubsetSelection(objPath, name, journal).add(value, journal);
 }
 
 void SubsetSelections::rememberSubsetValues(std::string const& objPath, std::string const& name,
-                                            std::vector<std::string> const& values) {
+                                            std::vector<std::string> const& values, Journal* journal) {
   if (values.empty()) return;
-  SubsetSelection& selection = getSubsetSelection(objPath, name);
-  for (std::string const& value : values) selection.add(value);
+  SubsetSelection& selection = getSubsetSelection(objPath, name, journal);
+  for (std::string const& value : values) selection.add(value, journal);
 }
 
 std::vector<std::string> const& SubsetSelections::getSubsetSelectionValues(std::string const& objPath,
@@ -50,11 +59,11 @@ ParamAllowedValues SubsetSelections::widenAllowedSubset(std::vector<std::string>
 }
 
 SubsetSelections::SubsetSelection& SubsetSelections::getSubsetSelection(std::string const& objPath,
-                                                                        std::string const& name) {
+                                                                        std::string const& name, Journal* journal) {
   ParamKey const key{objPath, name};
-  auto const place = selections_.lower_bound(key);
-  if (place != selections_.end() && !selections_.key_comp()(key, place->first)) return place->second;
-  return selections_.emplace_hint(place, key.text(), SubsetSelection())->second;
+  auto const present = selections_.find(key);
+  if (present != selections_.end()) return present->second;
+  return journaled::emplace(journal, selections_, key.text(), SubsetSelection()).first->second;
 }
 
 }  // namespace tarn

@@ -7,6 +7,7 @@
 
 #include <tarn/ParamAllowedValues.h>
 
+#include "journal/Journal.h"
 #include "provisional/ParamKey.h"
 
 namespace tarn {
@@ -16,9 +17,11 @@ namespace tarn {
 /// forgotten.
 class SubsetSelections {
  public:
-  void rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value);
-  void rememberSubsetValues(std::string const& objPath, std::string const& name,
-                            std::vector<std::string> const& values);
+  /// What is new is recorded in `journal`, unless that is null.
+  void rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value,
+                           Journal* journal = nullptr);
+  void rememberSubsetValues(std::string const& objPath, std::string const& name, std::vector<std::string> const& values,
+                            Journal* journal = nullptr);
 
   /// The selected values, in the order of first selection. Empty when nothing was. Valid until more is remembered.
   [[nodiscard]] std::vector<std::string> const& getSubsetSelectionValues(std::string const& objPath,
@@ -35,10 +38,11 @@ class SubsetSelections {
     std::vector<std::string> values;
     std::unordered_set<std::string> seen;  // the same, for membership
 
-    void add(std::string const& value);
+    void add(std::string const& value, Journal* journal);
+    void takeBack() noexcept;
   };
 
-  SubsetSelection& getSubsetSelection(std::string const& objPath, std::string const& name);
+  SubsetSelection& getSubsetSelection(std::string const& objPath, std::string const& name, Journal* journal);
 
   std::map<std::string, SubsetSelection, ParamKeyOrder> selections_;
 };

@@ -62,8 +62,7 @@ class ChangeRecord {
   void clear(Journal* journal) {
     if (!recording_) return;
     if (journal != nullptr) {
-      auto& kept = journal->add(Cleared{this, {}, {}, {}, {}});
-      kept();
+      journal->add(Cleared{this, {}, {}, {}, {}})();
       return;
     }
     empty(addedParams_);
@@ -90,7 +89,7 @@ class ChangeRecord {
     }
   }
 
-  /// The lists that were cleared, and the step that brings them back.
+  /// Lists to exchange with those of the log. So the step also clears them.
   struct Cleared {
     void operator()() noexcept {
       log->addedParams_.swap(addedParams);

@@ -244,12 +244,6 @@ std::vector<std::string> const& DynamicTDF::getDeletedObjects() const noexcept {
   return impl_->changes_.deletedObjects();
 }
 
-void DynamicTDF::Impl::attach(Journal& journal) {
-  journal.attach(*this);
-  attachedTo_ = &journal;
-  nodes_.setJournal(&journal);
-}
-
 void DynamicTDF::Impl::noteAtMark(Journal& journal) {
   changes_.noteAtMark(journal);
   journal.add([this, has = nodes_.hasOtherwiseListed()]() noexcept { nodes_.setOtherwiseListed(has); });

@@ -19,13 +19,6 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Impl final : Journal::Participa
   class StateWalk;
 
   explicit Impl(bool recordUpdates) : changes_(recordUpdates) {}
-  Impl(Impl const&) = delete;
-  Impl& operator=(Impl const&) = delete;
-  ~Impl() {
-    if (attachedTo_ != nullptr) attachedTo_->detach(*this);
-  }
-
-  void attach(Journal & journal);
   void noteAtMark(Journal & journal) override;
 
   /// The path of `child` as listings give it. `parentPath` is the path of its parent.
@@ -66,7 +59,6 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Impl final : Journal::Participa
 
   NodeStore nodes_;
   ChangeRecord changes_;
-  Journal* attachedTo_ = nullptr;
   /// Set during a bulk load that asks for it. `doSetParameter` then ignores empty values.
   bool skipEmptyValues_ = false;
 };
@@ -76,9 +68,12 @@ struct DynamicTDFAccess {
   using Node = DynamicTDF::Node;
   using NodeStore = DynamicTDF::NodeStore;
 
-  /// All later changes of the tree are recorded in `journal`, which must outlive it. A change of the journal's owner by
-  /// `swap` is not recorded: the journal goes with the content. To be called once.
-  static void attach(DynamicTDF& tree, Journal& journal) { tree.impl_->attach(journal); }
+  /// All later changes of the tree are recorded in `journal`, which must outlive it. `swap` is not recorded, and the
+  /// journal goes with the content. To be called once.
+  static void attach(DynamicTDF& tree, Journal& journal) noexcept {
+    tree.impl_->attachTo(journal);
+    tree.impl_->nodes_.setJournal(&journal);
+  }
 
   [[nodiscard]] static NodeStore& storeOf(DynamicTDF& tree) noexcept { return tree.impl_->nodes_; }
   [[nodiscard]] static NodeStore const& storeOf(DynamicTDF const& tree) noexcept { return tree.impl_->nodes_; }

@@ -12,10 +12,7 @@ namespace {
 /// A store of the plainest kind: a text, each write of which can be undone.
 class Text final : public Journal::Participant {
  public:
-  explicit Text(Journal& journal) : journal_(journal) { journal_.attach(*this); }
-  ~Text() { journal_.detach(*this); }
-  Text(Text const&) = delete;
-  Text& operator=(Text const&) = delete;
+  explicit Text(Journal& journal) : journal_(journal) { attachTo(journal); }
 
   void append(char letter) {
     if (journal_.isRecording()) journal_.add([this]() noexcept { text_.pop_back(); });
@@ -139,11 +136,18 @@ TEST(Journal, AParticipantNotesAtEachMarkWhatItsWritesDoNotRecord) {
   EXPECT_EQ(text.text(), "");
 }
 
-TEST(Journal, AParticipantThatIsDetachedIsNotAskedAnyMore) {
+TEST(Journal, AParticipantThatIsGoneIsNotAskedAnyMore) {
   Journal journal;
   { Text const text(journal); }
   Journal::Mark const mark = journal.mark();
   journal.rollback(mark);
+}
+
+TEST(Journal, AParticipantMayOutliveIt) {
+  auto journal = std::make_unique<Journal>();
+  Text const text(*journal);
+  journal.reset();
+  EXPECT_EQ(text.text(), "");
 }
 
 TEST(Journal, APreparedStepCountsOnceItIsKept) {
