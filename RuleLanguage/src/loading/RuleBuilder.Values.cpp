@@ -2,6 +2,7 @@
 // depend on conditions. Expressions and lists that are written alike in many places are parsed once and shared.
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <tarn/StringUtilities.h>
@@ -119,7 +120,7 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
   use.role = role;
   use.typePath = owner_.typePath;
   use.entry = owner_.entry;
-  use.ofChild = owner_.ofChild;
+  use.kind = owner_.kind;
   use.attribute = attribute;
   index_.uses_.push_back(std::move(use));
 }
@@ -147,6 +148,48 @@ std::unique_ptr<TextExpression> RuleBuilder::textOrExpression(Item const& item, 
   auto text = std::make_unique<FixedText>(item.node->value);
   text->setRulePlace(item.place());
   return text;
+}
+
+void RuleBuilder::readLevel(Item const& item, CheckLevel& level) {
+  auto const text = scalar(item, "Level");
+  if (!text) return;
+  if (*text == "Error") {
+    level = CheckLevel::Error;
+  } else if (*text == "Warning") {
+    level = CheckLevel::Warning;
+  } else {
+    auto const near = StringUtilities::nearMatch(*text, {"Error", "Warning"});
+    auto& diagnostic = error(Code::UnknownLevel, item,
+                             "unknown level " + inQuotes(text->substr(0, 60)) +
+                                 (near.empty() ? std::string("; the levels are Error and Warning") : didYouMean(near)));
+    if (!near.empty()) fixText(diagnostic, item, near);
+  }
+}
+
+std::unique_ptr<TextExpression> RuleBuilder::count(Item const& item, std::string_view attribute) {
+  auto text = textOrExpression(item, attribute);
+  if (!text || isExpression(*item.node)) return text;
+  auto const number = TDFParam::asNumber(item.node->value);
+  if (number && *number >= 0 && *number == std::trunc(*number)) return text;
+  error(Code::InvalidCount, item,
+        std::string(attribute) + " must be a whole number from 0 on, or an expression after '=', not " +
+            inQuotes(std::string_view(item.node->value).substr(0, 60)));
+  return nullptr;
+}
+
+std::unique_ptr<TextPattern> RuleBuilder::pattern(Item const& item) {
+  auto const text = scalar(item, "Pattern");
+  if (!text) return nullptr;
+  auto& known = patterns_[std::string(*text)];
+  if (!known) {
+    auto expression = std::make_shared<RegularExpression>(std::string(*text));
+    if (!expression->fault().empty()) {
+      error(Code::InvalidPattern, item, "this is not a regular expression: " + expression->fault());
+      return nullptr;
+    }
+    known = std::move(expression);
+  }
+  return std::make_unique<RegularPattern>(known);
 }
 
 std::unique_ptr<ListExpression> RuleBuilder::listExpression(Item const& item, std::string_view attribute) {
