@@ -97,17 +97,37 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
   auto& shared = shared_[static_cast<std::size_t>(role)];
   skipped = item.beginOfExpression(skipped);
   auto const text = StringUtilities::trimmed(std::string_view(item.node->value).substr(skipped));
-  auto known = shared.find(text);
-  if (known == shared.end()) {
+  auto const known = shared.find(text);
+  CompiledPtr compiled = known != shared.end() ? known->second : nullptr;
+  if (!compiled) {
     auto result = parsed(item, skipped, role);
     if (!result.expression) return nullptr;
-    auto compiled = std::make_shared<Compiled>();
-    compiled->expression = keepContextFreeParts(std::move(result.expression));
-    compiled->source = text;
-    known = shared.emplace(text, std::move(compiled)).first;
+    auto made = std::make_shared<Compiled>();
+    made->expression = keepContextFreeParts(std::move(result.expression));
+    made->source = text;
+    toBind(*made->expression, item, skipped);
+    compiled = std::move(made);
+    // Units that are wrong are reported in every place, so an expression with units is not shared.
+    if (result.hasQuantities) {
+      unshared_.push_back(compiled);
+    } else {
+      shared.emplace(text, compiled);
+    }
   }
-  noteUse(item, skipped, known->second, role, attribute);
-  return known->second;
+  noteUse(item, skipped, compiled, role, attribute);
+  return compiled;
+}
+
+void RuleBuilder::toBind(Expression& expression, Item const& item, std::size_t skipped) {
+  unbound_.push_back({&expression, item, skipped});
+}
+
+void RuleBuilder::bindQuantities() {
+  if (quantityTypesAreWrong_) return;
+  QuantityIndex const index(*data_);
+  for (auto const& [expression, item, skipped] : unbound_) {
+    for (auto& issue : QuantityBinding(index).bind(*expression)) report(item, skipped, std::move(issue));
+  }
 }
 
 void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
@@ -215,6 +235,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     return nullptr;
   }
   std::vector<GuardedList::Item> items;
+  std::vector<Unbound> parts;
   bool good = true;
   for (auto const* child : children) {
     Item const childItem{item.source, child};
@@ -232,6 +253,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
+        if (result.expression) parts.push_back({result.expression.get(), part, skipped});
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);
           named->nesting = std::max(named->nesting, result.depth);
@@ -261,6 +283,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     items.push_back(std::move(guarded));
   }
   if (!good) return nullptr;
+  unbound_.insert(unbound_.end(), parts.begin(), parts.end());
   return std::make_unique<GuardedList>(std::move(items));
 }
 

@@ -55,7 +55,9 @@ void RuleBuilder::build() {
       if (found != file.sections.end()) (this->*section)({file.source, found->second});
     };
     read("Pertinent Roots", &RuleBuilder::readRoots);
+    std::size_t const errorsBefore = diagnostics_.errorCount();
     read("Quantity Types", &RuleBuilder::readQuantityTypes);
+    quantityTypesAreWrong_ |= diagnostics_.errorCount() != errorsBefore;
     read("Objects", &RuleBuilder::readObjects);
     read("Global Checks", &RuleBuilder::readGlobalChecks);
   }
@@ -65,6 +67,7 @@ void RuleBuilder::build() {
       index_.uses_.back().named = later.named;
     }
   }
+  bindQuantities();
 }
 
 // Problems

@@ -76,6 +76,7 @@ class RuleBuilder {
     NamedRule* rule = nullptr;
     Item name;
     Item body;
+    std::size_t skipped = 0;  // bytes of the body before its expression
     ExpressionPtr expression;
     std::string source;
     std::vector<NamedRule const*> calls;
@@ -126,6 +127,11 @@ class RuleBuilder {
   void noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
                std::string_view attribute);
 
+  /// Remembers a parsed expression for `bindQuantities`.
+  void toBind(Expression& expression, Item const& item, std::size_t skipped);
+  /// Gives all numbers in expressions their quantity types, when all rules are read.
+  void bindQuantities();
+
   // Sections
   void readHeader(File& file);
   void registerNamed(File const& file);
@@ -171,10 +177,19 @@ class RuleBuilder {
   std::unordered_map<std::string, Item> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
+  std::vector<CompiledPtr> unshared_;
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   std::unordered_map<std::string, std::shared_ptr<RegularExpression const>> patterns_;
   Owner owner_;
   std::vector<LaterUse> laterUses_;
+
+  struct Unbound {
+    Expression* expression;
+    Item item;
+    std::size_t skipped;
+  };
+  std::vector<Unbound> unbound_;  // called rules come before their callers
+  bool quantityTypesAreWrong_ = false;
 };
 
 }  // namespace tarn::rules
