@@ -42,9 +42,15 @@ Run validation(PhysicsData const* rules, ModelState const& model, void (Repeated
   return [=] { return timed([&] { (*validation.*validate)(); }); };
 }
 
-Run editing(PhysicsData const* rules, CaseWorkload const& workload, EditCounts (RepeatedEditing::*edit)()) {
-  auto const editing = std::make_shared<RepeatedEditing>(rules, workload, workload.valid());
-  return [=] { return timed([&] { (*editing.*edit)(); }); };
+template <auto Edit, Updates How>
+Run editing(CaseWorkload const& workload, PhysicsData const* rules) {
+  auto const editing = std::make_shared<RepeatedEditing>(rules, workload, workload.valid(), How);
+  return [=] { return timed([&] { (*editing.*Edit)(); }); };
+}
+
+template <Updates How>
+Run starting(CaseWorkload const& workload, PhysicsData const* rules) {
+  return [=, &workload] { return RepeatedEditing(rules, workload, workload.valid(), How).startTime(); };
 }
 
 std::vector<Operation> operations() {
@@ -71,14 +77,12 @@ std::vector<Operation> operations() {
            return time;
          };
        }},
-      {"edit local",
-       [](CaseWorkload const& workload, PhysicsData const* rules) {
-         return editing(rules, workload, &RepeatedEditing::editOneBoundary);
-       }},
-      {"edit global",
-       [](CaseWorkload const& workload, PhysicsData const* rules) {
-         return editing(rules, workload, &RepeatedEditing::editWholeCase);
-       }},
+      {"edit local", editing<&RepeatedEditing::editOneBoundary, Updates::Affected>},
+      {"edit local, full walk", editing<&RepeatedEditing::editOneBoundary, Updates::Full>},
+      {"edit global", editing<&RepeatedEditing::editWholeCase, Updates::Affected>},
+      {"edit global, full walk", editing<&RepeatedEditing::editWholeCase, Updates::Full>},
+      {"start", starting<Updates::Affected>},
+      {"start, full walk", starting<Updates::Full>},
       // With the base model, as a host has to fill it.
       {"begin editing",
        [](CaseWorkload const& workload, PhysicsData const* rules) -> Run {
@@ -113,6 +117,30 @@ std::vector<Operation> operations() {
 
 void print(std::string const& what, double value) {
   std::cout << what << '\t' << value << std::endl;
+}
+
+/// Whether many edits in a row leave speed and memory unchanged. The first edits of every inlet come before, so that
+/// all that is kept once is there.
+void printManyEdits(CaseWorkload const& workload, PhysicsData const* rules) {
+  constexpr std::size_t edits = 10'000;
+  RepeatedEditing editing(rules, workload, workload.valid());
+  auto const thousand = [&] {
+    return timed([&] {
+             for (std::size_t i = 0; i < 1000; ++i) editing.editOneBoundary();
+           }) /
+           1000;
+  };
+  for (std::size_t domain = 0; domain < workload.domains(); ++domain) {
+    editing.editOneBoundary();
+    editing.editOneBoundary();
+  }
+  double const atFirst = thousand();
+  double const bytes = heapBytes();
+  double atLast = 0;
+  for (std::size_t i = 0; i < edits / 1000; ++i) atLast = thousand();
+  print("many edits, at first", atFirst);
+  print("many edits, at last", atLast);
+  print("many edits, more bytes", heapBytes() - bytes);
 }
 
 int run(std::vector<std::string> const& arguments) {
@@ -153,6 +181,7 @@ int run(std::vector<std::string> const& arguments) {
   if (arguments.size() == 1) {
     print("parameters", static_cast<double>(workload.parameters()));
     print("bytes a parameter", RepeatedEditing(rules.get(), workload, workload.valid()).bytesPerParameter());
+    if (workload.domains() <= 25) printManyEdits(workload, rules.get());
   }
   return 0;
 }

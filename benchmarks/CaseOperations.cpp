@@ -10,6 +10,7 @@
 #include <tarn/rules/RuleLoader.h>
 
 #include "Measure.h"
+#include "support/FullWalks.h"
 
 namespace tarn::benchmarks {
 
@@ -93,7 +94,8 @@ std::vector<std::string> RepeatedValidation::findings() const {
   return paths;
 }
 
-RepeatedEditing::RepeatedEditing(PhysicsData const* rules, CaseWorkload const& workload, ModelState const& model)
+RepeatedEditing::RepeatedEditing(PhysicsData const* rules, CaseWorkload const& workload, ModelState const& model,
+                                 Updates updates)
     : base_(false) {
   base_.initialise(model.begin(), model.end());
   for (std::size_t domain = 0; domain < workload.domains(); ++domain) {
@@ -101,7 +103,8 @@ RepeatedEditing::RepeatedEditing(PhysicsData const* rules, CaseWorkload const& w
   }
   double const before = heapBytes();
   state_ = std::make_unique<ProvisionalTDF>(rules, roots.front());
-  state_->initialise(&base_, {});
+  test::forceFullWalks(*state_, updates == Updates::Full);
+  startTime_ = timed([&] { state_->initialise(&base_, {}); });
   bytes_ = heapBytes() - before;
   parameters_ = CaseWorkload::countParameters(state_->getActiveTDFState());
 }

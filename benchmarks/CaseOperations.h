@@ -51,10 +51,19 @@ class RepeatedValidation {
   std::string& notes_;
 };
 
+/// How a state is updated after an edit.
+enum class Updates {
+  /// Visits only what the edit concerns, as users have it.
+  Affected,
+  /// Walks everything, to compare.
+  Full
+};
+
 /// The whole case as a user edits it.
 class RepeatedEditing {
  public:
-  RepeatedEditing(PhysicsData const* rules, CaseWorkload const& workload, ModelState const& model);
+  RepeatedEditing(PhysicsData const* rules, CaseWorkload const& workload, ModelState const& model,
+                  Updates updates = Updates::Affected);
 
   /// Makes the inlet of one domain a wall, and an inlet again with the next call; then that of the next domain.
   EditCounts editOneBoundary();
@@ -64,7 +73,9 @@ class RepeatedEditing {
   EditCounts edit(std::string const& object, std::string const& parameter, std::string const& value);
 
   [[nodiscard]] ProvisionalTDF const& state() const noexcept { return *state_; }
-  /// Heap memory of the state, without the model that it reads.
+  /// The milliseconds that the start took.
+  [[nodiscard]] double startTime() const noexcept { return startTime_; }
+  /// Heap memory of the state after the start, without the model that it reads.
   [[nodiscard]] double bytesPerParameter() const noexcept { return bytes_ / static_cast<double>(parameters_); }
 
  private:
@@ -72,6 +83,7 @@ class RepeatedEditing {
   std::unique_ptr<ProvisionalTDF> state_;
   std::vector<std::string> inlets_;
   std::size_t edits_ = 0;
+  double startTime_ = 0;
   double bytes_ = 0;
   std::size_t parameters_ = 0;
 };

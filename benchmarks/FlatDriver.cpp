@@ -1,10 +1,11 @@
 // Times this library on the flat workload: 13,000 options in one object, with rules in chains.
 //
-//     FlatDriver [EDITS]     1,000 edits if no number is given
+//     FlatDriver [EDITS]     1,000 edits if no number is given; a tenth of them is also made with full walks
 //
 // Prints `operation <tab> milliseconds of processor time`, one a line. An edit switches an option off or on again and
 // reads every getter. The program ends with an error when an edit does not change exactly what the workload says. So it
 // never prints the time of wrong work.
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -22,13 +23,14 @@
 #include "CaseOperations.h"
 #include "FlatWorkload.h"
 #include "Measure.h"
+#include "support/FullWalks.h"
 
 namespace {
 
 using namespace tarn;
 using namespace tarn::benchmarks;
 
-void print(char const* what, double value) {
+void print(std::string const& what, double value) {
   std::cout << what << '\t' << value << std::endl;
 }
 
@@ -73,17 +75,22 @@ void run(std::size_t edits) {
   last = "true";
   DynamicTDF base(false);
   base.initialise(model.begin(), model.end());
-  double const before = heapBytes();
-  ProvisionalTDF state(database.get(), FlatWorkload::object());
-  print("begin editing", timed([&] { state.initialise(&base, {}); }));
-  print("bytes a parameter", (heapBytes() - before) / static_cast<double>(FlatWorkload::parameterCount));
+  // The same edits with full walks have the same names with this at their ends.
+  for (std::string const suffix : {"", ", full walk"}) {
+    double const before = heapBytes();
+    ProvisionalTDF state(database.get(), FlatWorkload::object());
+    test::forceFullWalks(state, !suffix.empty());
+    print("start" + suffix, timed([&] { state.initialise(&base, {}); }));
+    print("bytes a parameter" + suffix, (heapBytes() - before) / static_cast<double>(FlatWorkload::parameterCount));
 
-  std::vector<double> times;
-  for (std::size_t i = 0; i < edits; ++i) {
-    times.push_back(edit(state, workload, FlatWorkload::parameterOfEdit(i / 2), i % 2 == 1));
+    std::vector<double> times;
+    std::size_t const count = suffix.empty() ? edits : std::max<std::size_t>(edits / 10, 2);
+    for (std::size_t i = 0; i < count; ++i) {
+      times.push_back(edit(state, workload, FlatWorkload::parameterOfEdit(i / 2), i % 2 == 1));
+    }
+    print("edit, mean" + suffix, std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(count));
+    print("edit, median" + suffix, median(std::move(times)));
   }
-  print("edit, mean", std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(times.size()));
-  print("edit, median", median(std::move(times)));
 }
 
 }  // namespace

@@ -29,7 +29,7 @@
 #include <tarn/ProvisionalTDF.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
-#include <tarn/session/ModelJudge.h>
+#include <tarn/session/Review.h>
 
 #include "reports/JsonReport.h"
 #include "reports/TextReport.h"
@@ -141,7 +141,7 @@ Work judge(std::string const& ruleText, std::string model) {
   std::shared_ptr<PhysicsData const> const rules = rules::parseRules(ruleText);
   return [rules, model = std::move(model)] {
     session::Findings const findings =
-        session::ModelJudge(*rules, {}).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
+        session::Review(*rules).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
     std::ostringstream out;
     tool::writeTextReport(out, "model.tdf", findings);
     tool::writeJsonReport(out, "model.tdf", findings);

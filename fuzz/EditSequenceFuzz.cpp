@@ -1,6 +1,6 @@
 // Bytes as random rules, models and edits of the object `/Case/Domain:rotor`. After every edit the laws of
-// ProvisionalTDF hold. A second state with the same edits over a model of another kind agrees, and so does a plain
-// second implementation of the edits.
+// ProvisionalTDF hold. A second state agrees, which has the same edits over a model of another kind and walks
+// everything for each of them. A plain second implementation of the edits agrees as well.
 //
 // The first byte decides whether the rules are wild. The second byte, times sixteen, is the number of bytes for the
 // rules and the models. The remaining bytes are for the edits. When rules need more than their bytes, they take them
@@ -24,6 +24,7 @@
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
 #include "fuzz/support/Laws.h"
 #include "support/EditLaws.h"
+#include "support/EqualWalks.h"
 
 namespace {
 
@@ -55,6 +56,7 @@ class Readings {
     sheet_.fill(rules_);
     state_ = std::make_unique<tarn::ProvisionalTDF>(&rules_, &modifier_, RandomCase::root);
     twin_ = std::make_unique<tarn::ProvisionalTDF>(&rules_, &modifier_, RandomCase::root);
+    tarn::test::forceFullWalks(*twin_, true);
     state_->initialise(&model_, random.guide);
     twin_->initialise(tree_.get(), random.guide);
     plain_.initialise(base, random.guide);

@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   auto const found = tarn::rules::lintText(text, "fuzz", limits);
   bool errors = false;
   for (auto const& diagnostic : found.diagnostics) {
-    errors = errors || diagnostic.severity == tarn::rules::Severity::Error;
+    errors = errors || preventsLoading(diagnostic);
     // Only the count that follows too many errors has no place.
     bool const hasPlace = diagnostic.line >= 1 && diagnostic.line <= lines + 1 && diagnostic.column >= 1;
     bool const isCount = &diagnostic == &found.diagnostics.back() && found.diagnostics.size() > limits.errors;

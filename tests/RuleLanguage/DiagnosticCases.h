@@ -19,7 +19,7 @@
 // Lines that begin with "#!" are taken out before the rules are read, so they can follow any line, also one inside a
 // text of several lines. An expectation belongs to the last line before it that stays; several may follow one line:
 //
-//     #! error COLUMNS CODE: MESSAGE       or warning; the message is compared whole
+//     #! error COLUMNS CODE: MESSAGE       or warning, or note; the message is compared whole
 //     #!   note COLUMNS MESSAGE            belongs to the error or warning above it
 //     #!   fix COLUMNS TEXT: TITLE         the same; a line feed in the text is written \n
 //

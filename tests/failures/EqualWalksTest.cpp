@@ -20,8 +20,6 @@
 namespace tarn::test {
 namespace {
 
-constexpr std::uint32_t someSeed = 3;
-
 bool failAllocation(std::size_t allocation, std::function<void()> const& operation) {
   Attempt attempt(FailingCall::Allocation, allocation, false);
   return attempt(operation);
@@ -86,26 +84,43 @@ TEST(EqualWalks, AListOfTheLastUpdateIsCompared) {
 }
 
 TEST(EqualWalks, ASessionIsShortenedToTheStepsAndRulesThatBreakTheLaw) {
-  RandomRuleBase random{RandomNumbers(someSeed)};
-  Session session{random.start(), {}};
-  EqualWalks walks(session.start, nullptr, false);
-  for (int i = 0; i < 10; ++i) {
-    session.steps.push_back(random.nextStep(walks.state()));
-    ASSERT_EQ(walks.make(session.steps.back()), "");
+  Session session{caseWithMotion(), {}};
+  session.start.base = {{"/Case", {{"Title", "Pump"}}}, {"/Case/Domain:rotor", {}}};
+  for (char const* value : {"Stationary", "Rotating", "Rotating", "Oscillating"}) {
+    session.steps.emplace_back().edit = Edit::setParam("/Case", "Motion", value);
   }
-  // This step is made in the first state only, and its failure in the second is hidden. So the step acts as a fault of
-  // the library.
-  session.steps[6].failingAllocation = 0;
+  // The second state does not make this step, and its failure is hidden. So the step acts as a fault of the library:
+  // the guides are equal, but the lists of the second state are still those of the step before.
+  session.steps[2].failingAllocation = 0;
   int calls = 0;
   FailAllocation const hiddenFailure = [&calls](std::size_t, std::function<void()> const& operation) {
     if (++calls % 2 == 1) operation();
     return false;
   };
-  ASSERT_NE(brokenBy(session, hiddenFailure), "");
-  Session const brief = shortened(session, hiddenFailure);
-  EXPECT_EQ(brief.steps.size(), 1U);
-  EXPECT_NE(brokenBy(brief, hiddenFailure), "");
-  EXPECT_TRUE(explained(brief, hiddenFailure).find("# steps:") != std::string::npos);
+  EXPECT_EQ(explained(session, hiddenFailure),
+            "getNewlyAvailParams differs\n"
+            "  first: nothing\n"
+            "  second: \n"
+            "    (/Case | Motion)\n"
+            "\n"
+            "in the session\n"
+            "Rule Database: 1\n"
+            "Pertinent Roots: [Case]\n"
+            "Quantity Types:\n"
+            "  Mass Flow: {Units: [kg/s]}\n"
+            "  Volume Flow: {Units: [m^3/s]}\n"
+            "Objects:\n"
+            "  /Case:\n"
+            "    Description: An object.\n"
+            "    Parameters:\n"
+            "      Motion:\n"
+            "        Parameter Type: String\n"
+            "# active root: /Case\n"
+            "# base model:\n"
+            "# guide:\n"
+            "# steps:\n"
+            "- set /Case | Motion = Rotating\n"
+            "- with failing allocation 0, set /Case | Motion = Rotating\n");
 }
 
 TEST(EqualWalks, TwoStatesStayEqualInMoreStepsWhenAsked) {

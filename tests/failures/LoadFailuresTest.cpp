@@ -166,7 +166,7 @@ std::vector<std::string> said(PhysicsData const& rules) {
     EvalContext context(&model);
     all.push_back(name + (rules.getGlobalCheck(name, true)->evaluate(&context).first ? " passes" : " fails"));
   }
-  for (auto const& [type, units] : rules.quantityTypes()) all.push_back(type + " in " + units.front());
+  for (auto const& [type, units] : rules.quantityTypes()) all.push_back(type + " in " + units.firstUnit());
   for (std::string const& root : rules.getPertinentGlobalCheckRoots()) all.push_back("root " + root);
   return all;
 }

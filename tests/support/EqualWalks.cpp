@@ -224,10 +224,6 @@ bool changedAnything(ProvisionalTDF const& state) {
 
 }  // namespace
 
-void forceFullWalks(ProvisionalTDF& state, bool on) {
-  ProvisionalTDFAccess::walkEverything(state, on);
-}
-
 std::string firstDifference(ProvisionalTDF const& a, ProvisionalTDF const& b) {
   Comparison comparison(a, b);
   compareTrees(comparison);

@@ -12,6 +12,7 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/ProvisionalTDF.h>
 
+#include "support/FullWalks.h"
 #include "support/RandomRuleBase.h"
 
 /// The law that an update which visits only what an edit concerns does exactly what a walk of everything does. Two
@@ -24,9 +25,6 @@
 /// When the law is broken, the session is made as short as possible and printed with its rules, its models and the
 /// first getter that differs.
 namespace tarn::test {
-
-/// Makes every update of `state` a full walk, or lets it visit only what is concerned.
-void forceFullWalks(ProvisionalTDF& state, bool on);
 
 /// The first of all getters, trees and printed texts in which the two states differ, with both contents; "" if there
 /// is none.

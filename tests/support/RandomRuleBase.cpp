@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include <tarn/RuleLambdas.h>
+#include <tarn/StringUtilities.h>
 #include <tarn/rules/RuleLoader.h>
 
 #include "support/EditResult.h"
@@ -154,6 +155,13 @@ std::unique_ptr<PhysicsData> RuleBaseText::load() const {
   for (ObjectText const& object : objects) {
     for (ProgramEntry const& entry : object.programs) addProgram(data->addObject(object.typePath), entry);
   }
+  // The rules of the root of the model, which rule files cannot name.
+  ChildAvail topmost;
+  topmost.type = "Case";
+  topmost.required = true;
+  topmost.singleton = true;
+  topmost.coupled = true;
+  (void)data->addObject("").addChild(std::move(topmost));
   return data;
 }
 
@@ -256,16 +264,20 @@ EntryText RandomRuleBase::someParam(std::string const& name) {
   lines.push_back("Parameter Type: " + type);
   if (chance(2)) lines.emplace_back("Required: yes");
   if (chance(5)) lines.emplace_back("Context Rule: yes");
-  if (chance(6)) lines.push_back("Context: " + flowList({someOf({"Water", "Air", "1", ""}), "a"}));
+  if (chance(8)) lines.push_back("Context: " + flowList({someOf({"Water", "Air", "1"}), "a", ""}));
   if (chance(8)) lines.emplace_back("Validation Relaxed: yes");
   if (chance(8)) lines.push_back("Beta Message: The parameter " + name + " is new.");
-  if (chance(2)) lines.push_back("Available: " + quoted(someCondition(2)));
+  if (chance(2)) lines.push_back("Available: " + quoted(someAvailability()));
   bool const isList = type.ends_with("List");
-  if (chance(2)) {
+  if (name == "Inflow" ? chance(6) : chance(2)) {
     addAllowedValues(param);
     if (isList && chance(3)) lines.emplace_back("Complete List Required: yes");
   }
-  if (chance(2)) lines.push_back("Default Value: " + (chance(2) ? quoted("= " + someText(2)) : quoted(someValue())));
+  if (name == "Inflow") {
+    lines.emplace_back("Default Value: 2 [m^3/s]");
+  } else if (chance(2)) {
+    lines.push_back("Default Value: " + (chance(2) ? quoted("= " + someText(2)) : quoted(someValue())));
+  }
   if (chance(6)) {
     lines.push_back("Default Value Check List: [{When: " + quoted(someCondition(1)) +
                     ", Value: " + quoted("= " + someText(1)) + "}]");
@@ -309,9 +321,9 @@ EntryText RandomRuleBase::someChild(std::string const& type) {
   auto& lines = child.lines;
   if (chance(2)) lines.emplace_back("Required: yes");
   if (!chance(3)) lines.emplace_back("Coupled: yes");
-  if (chance(6)) lines.push_back("Context: " + flowList({someOf({"Water", "Air", "1", ""}), "a"}));
+  if (chance(8)) lines.push_back("Context: " + flowList({someOf({"Water", "Air", "1"}), "a", ""}));
   if (chance(8)) lines.push_back("Beta Message: The objects " + type + " are new.");
-  if (chance(3)) lines.push_back("Available: " + quoted(someCondition(2)));
+  if (chance(3)) lines.push_back("Available: " + quoted(someAvailability()));
   if (type == singletonType) {
     lines.emplace_back("Singleton: yes");
     return child;
@@ -319,7 +331,7 @@ EntryText RandomRuleBase::someChild(std::string const& type) {
   if (chance(3)) {
     lines.push_back("Allowed Names: " + (chance(2) ? flowList(someAmong(namePool)) : quoted("= " + someNames())));
   }
-  if (chance(3)) {
+  if (!chance(3)) {
     lines.push_back("Default Names: " + (chance(2) ? flowList(someAmong(namePool)) : quoted("= " + someNames())));
   }
   return child;
@@ -378,6 +390,12 @@ std::string RandomRuleBase::someObjects() {
                                    "{..}",
                                    "{/*}"};
   return someOf(patterns);
+}
+
+/// Most conditions fail, and what is not available changes nothing else.
+std::string RandomRuleBase::someAvailability() {
+  std::string const condition = someCondition(2);
+  return chance(3) ? condition : "not (" + condition + ") or ${Motion} == 'Air'";
 }
 
 std::string RandomRuleBase::someCondition(int depth) {
@@ -520,15 +538,25 @@ std::string RandomRuleBase::someComponent() {
   return '/' + type + (type == singletonType ? std::string() : ':' + someOf(namePool));
 }
 
-std::string RandomRuleBase::someObject(std::string const& above, std::size_t most) {
-  std::string path = above;
-  for (std::size_t depth = pick(most + 1); depth > 0; --depth) path += someComponent();
+/// A path of one of the object types of the rules, now and then of any types.
+std::string RandomRuleBase::someObject() {
+  std::string path = RandomCase::root;
+  if (chance(8)) {
+    for (std::size_t depth = pick(deepest); depth > 0; --depth) path += someComponent();
+    return path;
+  }
+  constexpr std::string_view domain = "/Case/Domain";
+  std::string const& typePath = start_.rules.objects[pick(start_.rules.objects.size())].typePath;
+  if (!typePath.starts_with(domain)) return path;
+  for (auto const& type : StringUtilities::splitValue(typePath.substr(domain.size()), '/')) {
+    if (!type.empty()) path += '/' + type + (type == singletonType ? std::string() : ':' + someOf(namePool));
+  }
   return path;
 }
 
-void RandomRuleBase::fill(ModelState& state, std::string const& above) {
-  for (std::size_t n = pick(6); n > 0; --n) {
-    ObjectState& object = state[someObject(above, deepest)];
+void RandomRuleBase::fill(ModelState& state, std::string const& domain) {
+  for (std::size_t n = pick(8); n > 0; --n) {
+    ObjectState& object = state[domain + someObject().substr(RandomCase::root.size())];
     for (std::string const& name : someAmong(paramPool)) object[name] = someValue();
   }
 }
@@ -538,7 +566,6 @@ ModelState RandomRuleBase::someBase() {
   for (std::string const& name : someAmong({"Motion", "Fluid", "Level"})) base["/Case"][name] = someValue();
   if (!chance(3)) fill(base, RandomCase::root);
   if (chance(2)) fill(base, "/Case/Domain:stator");
-  if (chance(4)) fill(base, "/Case");
   return base;
 }
 
@@ -577,15 +604,18 @@ Edit RandomRuleBase::someEdit(ProvisionalTDF const& state) {
   edit.kind = kind < 9 ? static_cast<Edit::Kind>(kind) : Edit::Kind::SetParam;
   edit.value = someValue();
   edit.name = someOf(paramPool);
-  edit.path = chance(2) ? somePresentObject(state) : someObject(RandomCase::root, 3);
+  edit.path = chance(4) ? someObject() : somePresentObject(state);
   if (edit.path.empty() && edit.kind <= Edit::Kind::DeactivateParam) edit.path = RandomCase::root;
   switch (edit.kind) {
     case Edit::Kind::SetParam:
+      if (auto const params = state.getActiveTDFState().find(edit.path);
+          params != state.getActiveTDFState().end() && !chance(4)) {
+        edit.name = std::next(params->second.begin(), static_cast<std::ptrdiff_t>(pick(params->second.size())))->first;
+      }
       if (chance(3)) {
         auto const allowed = state.getAllowedParamValues(edit.path, edit.name);
         if (!allowed.empty()) edit.value = someOf(allowed);
       }
-      if (chance(12)) edit.name = "Program 1";
       break;
     case Edit::Kind::ActivateParam:
     case Edit::Kind::DeactivateParam:
@@ -599,7 +629,8 @@ Edit RandomRuleBase::someEdit(ProvisionalTDF const& state) {
       if (auto const& offers = state.getAvailPotObjects(); chance(2) && !offers.empty()) edit.path = someOf(offers);
       break;
     case Edit::Kind::AddObject:
-      edit.path += '/' + someOf(typePool) + ':' + someOf(namePool);
+    case Edit::Kind::RemoveObject:
+      if (chance(2)) edit.path = someObject();
       break;
     case Edit::Kind::DuplicateObject:
     case Edit::Kind::RenameObject:

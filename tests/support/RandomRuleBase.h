@@ -148,6 +148,7 @@ class RandomRuleBase {
   // Texts of the rule language. `depth` limits the nesting.
   [[nodiscard]] std::string someParamPath();
   [[nodiscard]] std::string someObjects();
+  [[nodiscard]] std::string someAvailability();
   [[nodiscard]] std::string someCondition(int depth);
   [[nodiscard]] std::string someText(int depth);
   [[nodiscard]] std::string someNumber(int depth);
@@ -159,8 +160,8 @@ class RandomRuleBase {
   // Models.
   [[nodiscard]] std::string someValue();
   [[nodiscard]] std::string someComponent();
-  [[nodiscard]] std::string someObject(std::string const& above, std::size_t most);
-  void fill(ModelState& state, std::string const& above);
+  [[nodiscard]] std::string someObject();
+  void fill(ModelState& state, std::string const& domain);
   [[nodiscard]] ModelState someBase();
   [[nodiscard]] ModelState someGuide();
   [[nodiscard]] std::string somePresentObject(ProvisionalTDF const& state);

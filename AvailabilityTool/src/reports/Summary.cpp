@@ -1,18 +1,37 @@
 // The last line of a run. It says whether anything was found.
 #include "reports/Summary.h"
 
+#include <utility>
+
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 
 namespace tarn::tool {
 
+namespace {
+
+using session::FindingKind;
+
+constexpr std::array<std::pair<FindingKind, char const*>, 7> names = {{{FindingKind::Model, "model error"},
+                                                                       {FindingKind::Dependency, "dependency error"},
+                                                                       {FindingKind::Global, "general physics error"},
+                                                                       {FindingKind::UnknownName, "unknown name"},
+                                                                       {FindingKind::Value, "value fault"},
+                                                                       {FindingKind::Count, "count fault"},
+                                                                       {FindingKind::ObjectCheck, "failed check"}}};
+
+}  // namespace
+
 void Summary::add(session::Findings const& findings) noexcept {
   ++models_;
   if (findings.any()) ++withFindings_;
-  dependency_ += findings.dependency.size();
-  global_ += findings.global.size();
-  unknown_ += findings.unknown.size();
-  values_ += findings.values.size();
+  for (session::Finding const& finding : findings.list) {
+    if (finding.severity == session::Severity::Error) {
+      ++errors_[static_cast<std::size_t>(finding.kind())];
+    } else {
+      ++warnings_;
+    }
+  }
   beta_ += findings.beta.size();
   passedOver_ += findings.objectsPassedOver;
 }
@@ -37,10 +56,8 @@ std::string Summary::text() const {
       text += counted(count, name);
       first = false;
     };
-    kind(dependency_, "dependency error");
-    kind(global_, "general physics error");
-    kind(unknown_, "unknown name");
-    kind(values_, "value fault");
+    for (auto const& [found, name] : names) kind(errors_[static_cast<std::size_t>(found)], name);
+    kind(warnings_, "warning");
     text += '.';
   }
   if (beta_ > 0) text += ' ' + counted(beta_, "beta message") + '.';

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 
@@ -24,10 +25,8 @@ class Summary {
   std::size_t models_ = 0;
   std::size_t withFindings_ = 0;
   std::size_t failures_ = 0;
-  std::size_t dependency_ = 0;
-  std::size_t global_ = 0;
-  std::size_t unknown_ = 0;
-  std::size_t values_ = 0;
+  std::array<std::size_t, static_cast<std::size_t>(session::FindingKind::Beta)> errors_ = {};  // by kind
+  std::size_t warnings_ = 0;
   std::size_t beta_ = 0;
   std::size_t passedOver_ = 0;
 };

@@ -2,13 +2,44 @@
 #include "reports/TextReport.h"
 
 #include <ostream>
+#include <string_view>
 
 namespace tarn::tool {
 
 namespace {
 
-void writeBlock(std::ostream& out, char const* heading, std::string const& path, std::string const& message) {
-  out << "**" << heading << " on path \"" << path << "\"\n---\n" << message << "\n===\n";
+std::string_view headingOf(session::Finding const& finding) {
+  if (finding.severity == session::Severity::Warning) return "Warning";
+  switch (finding.kind()) {
+    case session::FindingKind::Model:
+      return "Model error";
+    case session::FindingKind::Dependency:
+      return "Dependency error";
+    case session::FindingKind::Global:
+      return "General physics errors detected ";
+    case session::FindingKind::UnknownName:
+      return "Unknown name";
+    case session::FindingKind::Value:
+      return "Value fault";
+    case session::FindingKind::Count:
+      return "Count fault";
+    case session::FindingKind::ObjectCheck:
+      return "Failed check";
+    case session::FindingKind::Beta:
+      return "Beta message";
+  }
+  return {};
+}
+
+// Findings about the whole model have no path.
+bool isAboutAnObject(session::Finding const& finding) {
+  return finding.code != session::FindingCode::NothingToReview && finding.kind() != session::FindingKind::Global;
+}
+
+void writeBlock(std::ostream& out, session::Finding const& finding) {
+  out << "**" << headingOf(finding);
+  if (isAboutAnObject(finding)) out << " on path \"" << finding.path << '"';
+  out << "\n---\n" << finding.message << "\n===\n";
 }
 
 }  // namespace
@@ -16,13 +47,8 @@ void writeBlock(std::ostream& out, char const* heading, std::string const& path,
 void writeTextReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
   if (!findings.any() && findings.beta.empty()) return;
   out << modelName << ":\n";
-  for (auto const& [path, message] : findings.dependency) writeBlock(out, "Dependency error", path, message);
-  for (std::string const& message : findings.global) {
-    out << "**General physics errors detected \n---\n" << message << "\n===\n";
-  }
-  for (session::UnknownName const& name : findings.unknown) writeBlock(out, "Unknown name", name.path, name.message);
-  for (session::ValueFault const& fault : findings.values) writeBlock(out, "Value fault", fault.path, fault.message);
-  for (auto const& [path, message] : findings.beta) writeBlock(out, "Beta message", path, message);
+  for (session::Finding const& finding : findings.list) writeBlock(out, finding);
+  for (session::Finding const& remark : findings.beta) writeBlock(out, remark);
 }
 
 }  // namespace tarn::tool

@@ -19,7 +19,7 @@
 #include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFChangeFile.h>
-#include <tarn/session/ModelJudge.h>
+#include <tarn/session/Review.h>
 
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
@@ -41,7 +41,7 @@ enum class Format { Text, Json };
 struct ValidateOptions {
   std::vector<std::string> rules;
   std::vector<std::string> models;
-  session::JudgeOptions judge;
+  session::ReviewOptions review;
   Format format = Format::Text;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
@@ -65,10 +65,10 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
 }
 
 // Reads one model and judges it.
-session::Findings judgeModel(session::ModelJudge const& judge, std::string const& name) {
-  ModelState model = readModelFile(name, TDFChangeFile::Strict);
+session::Findings judgeModel(session::Review const& review, std::string const& name) {
+  ModelState const model = readModelFile(name, TDFChangeFile::Strict);
   try {
-    session::Findings findings = judge.judge(std::move(model));
+    session::Findings findings = review.judge(model);
     if (findings.missingRoots.empty()) return findings;
     throw Failure("the model has no object \"" + findings.missingRoots.front() +
                   "\"; give --root the path of one that it has");
@@ -86,12 +86,12 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
     throw Failure("\"-\" is given twice, but the standard input can be read only once; give it once");
   }
   std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
-  session::JudgeOptions judgeOptions = options.judge;
-  judgeOptions.roots = checkedRoots(judgeOptions.roots, *rules);
-  session::ModelJudge const judge(*rules, std::move(judgeOptions));
+  session::ReviewOptions reviewOptions = options.review;
+  reviewOptions.roots = checkedRoots(reviewOptions.roots, *rules);
+  session::Review const review(*rules, std::move(reviewOptions));
 
   OrderedResults<session::Findings> results(options.models.size(), options.jobs,
-                                            [&](std::size_t i) { return judgeModel(judge, options.models[i]); });
+                                            [&](std::size_t i) { return judgeModel(review, options.models[i]); });
   Summary summary;
   Progress progress(err, standardErrorIsTerminal(), options.models.size());
   for (std::string const& name : options.models) {
@@ -130,7 +130,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
       ->allow_extra_args(false)
       ->required();
   command
-      ->add_option("--root", options->judge.roots,
+      ->add_option("--root", options->review.roots,
                    "Judge only these objects and everything below; default: all that the rules look at")
       ->type_name("OBJECT")
       ->allow_extra_args(false);
@@ -139,7 +139,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
                    "dependency, each object by itself; global, the model as a whole; or all, the default")
       ->type_name("dependency|global|all")
       ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
-  command->add_flag("--only-validator", options->judge.onlyValidator,
+  command->add_flag("--only-validator", options->review.onlyValidator,
                     "Do not report unknown names, values of the wrong type and values out of bounds");
   command->add_option("--format", *format, "text, blocks for people, the default; or json, one line for each model")
       ->type_name("text|json")
@@ -166,7 +166,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
         {"dependency", PhysicsValidator2::ValDependency},
         {"global", PhysicsValidator2::ValGlobal},
         {"all", PhysicsValidator2::ValAll}};
-    options->judge.phases = phaseOf.at(*phases);
+    options->review.phases = phaseOf.at(*phases);
     options->format = *format == "json" ? Format::Json : Format::Text;
     chosen = [options](std::ostream& out, std::ostream& err) { return validate(*options, out, err); };
   });

@@ -8,6 +8,7 @@
 
 namespace tarn {
 
+class Journal;
 class ParamAvailInfo;
 
 /// Watches the bounds that the rules compute from the model, and reports which of them changed in a batch of edits.
@@ -42,16 +43,13 @@ class TARN_EXPORT BoundsTracker {
 
  private:
   friend struct TrackerAccess;  // for the library's own sources
-  void forget() noexcept {
-    updatedBounds_.clear();
-    knownBounds_.clear();
-  }
-  void storeUpdatedBounds(std::string const& objPath, std::string const& name, Bounds const& bounds);
+  void updateBounds(std::string const& objPath, std::string const& name, ParamAvailInfo const* info, Journal* journal);
+  void storeUpdatedBounds(std::string const& objPath, std::string const& name, Bounds const& bounds, Journal* journal);
 
   bool enabled_ = true;
   // The current batch.
   std::map<std::string, Bounds> updatedBounds_;
-  // Entries are removed only by `forget`.
+  // Entries are removed only by `TrackerAccess::forget`.
   std::map<std::string, Bounds> knownBounds_;
 };
 

@@ -7,6 +7,7 @@
 
 namespace tarn {
 
+class Journal;
 class ModelTDF;
 class ParamAvailInfo;
 class QuantityModifier;
@@ -50,15 +51,14 @@ class TARN_EXPORT ModifiedQuantityTracker {
 
  private:
   friend struct TrackerAccess;  // for the library's own sources
-  void forget() noexcept {
-    modifiedParams_.clear();
-    knownQuantities_.clear();
-  }
-  void storeModifiedQuantity(std::string const& objPath, std::string const& name, std::string const& quantityType);
+  [[nodiscard]] std::string modifyQuantity(ModelTDF const* model, std::string const& objPath, std::string const& name,
+                                           std::string const& value, ParamAvailInfo const* info, Journal* journal);
+  void storeModifiedQuantity(std::string const& objPath, std::string const& name, std::string const& quantityType,
+                             Journal* journal);
 
   QuantityModifier const* modifier_;
   bool enabled_ = true;
-  // Entries are removed only by `forget`.
+  // Entries are removed only by `TrackerAccess::forget`.
   std::map<std::string, std::string> knownQuantities_;
   // The current batch.
   std::map<std::string, std::string> modifiedParams_;

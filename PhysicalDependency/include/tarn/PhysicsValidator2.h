@@ -16,6 +16,7 @@ namespace tarn {
 class BetaLoggingController;
 class PhysicsData;
 class PhysicsErrorLogger;
+class PhysicsFaultObserver;
 
 /// Judges a whole model against the rule database and reports in the user's words what is physically wrong: missing or
 /// invalid parameters and objects, values outside the allowed ones, and failed checks of the whole model.
@@ -118,6 +119,11 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
   /// Sets where findings are logged. Null, the initial state, switches validation off. A new logger does not get the
   /// earlier findings again as long as the model stays the same.
   void setLogger(PhysicsErrorLogger* logger) noexcept;
+
+  /// Sets who gets each finding as data. The observer is called directly before the logger gets the sentence, and is
+  /// not owned. Null, the initial state, means nobody. Set it before the first `validate` of a model, because a phase
+  /// that has run for a model is not repeated. What the observer throws ends the validation and reaches the caller.
+  void setFaultObserver(PhysicsFaultObserver* observer) noexcept;
 
   /// Sets the controller that gathers beta messages while rules are evaluated. With null, the initial state, no beta
   /// messages are logged.

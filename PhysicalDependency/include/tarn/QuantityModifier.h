@@ -27,6 +27,11 @@ class TARN_EXPORT QuantityModifier {
   [[nodiscard]] virtual std::string getQuantityUnits(std::string const& quantityType,
                                                      std::string const& units) const = 0;
 
+  /// Whether the answers depend on nothing but the arguments and on what is read from `model`. Then the modifier is
+  /// asked again only when something that it has read changes. With false, the default, it is asked in every update
+  /// about every present real parameter without allowed values: always safe, and slower.
+  [[nodiscard]] virtual bool readsOnlyModel() const noexcept { return false; }
+
  protected:
   QuantityModifier() = default;
   QuantityModifier(QuantityModifier const&) = default;

@@ -35,21 +35,14 @@ void FactMarks::endVisit() {
   readers.setReads({object.handle, entry_}, object.reads[entry_], reads);
 }
 
-void FactMarks::onParamDecision(std::string_view objPath, std::string_view name) noexcept {
-  markParam(PathHash(objPath), name, Self::IsMarked);
-  markAbove(objPath);
-}
-
-void FactMarks::onObjectDecision(std::string_view path) noexcept {
-  markAbove(path);
-}
-
-/// The name of a parameter may hold a "/", so each of them may divide the key.
-void FactMarks::onDecisionForgotten(std::string_view key) noexcept {
+/// The name of a parameter may hold a "/", so each of them may divide the key. The running visit may have tried the
+/// object of the item.
+void FactMarks::onOwnFact(std::string_view key) noexcept {
   for (std::size_t slash = key.find('/'); slash != std::string_view::npos; slash = key.find('/', slash + 1)) {
     markParam(PathHash(key.substr(0, slash)), key.substr(slash + 1), Self::IsMarked);
   }
   markAbove(key);
+  if (isMuted_) repeatVisit();
 }
 
 /// Marks the visit that decides on the object at `path`. If the walk has not come so far down, it may have tried an
@@ -66,7 +59,7 @@ void FactMarks::markAbove(std::string_view path) noexcept {
   }
 }
 
-void FactMarks::onOwnMemory() noexcept {
+void FactMarks::repeatVisit() noexcept {
   if (object_ != nullptr) markVisit(*object_, entry_);
 }
 

@@ -50,12 +50,11 @@ class FactMarks {
 
   /// @name Changes
   /// @{
-  void onParamDecision(std::string_view objPath, std::string_view name) noexcept;
-  void onObjectDecision(std::string_view path) noexcept;
-  /// Of a decision on a parameter or an object, by its key.
-  void onDecisionForgotten(std::string_view key) noexcept;
-  /// The running visit has changed something that it reads and nobody else does.
-  void onOwnMemory() noexcept;
+  /// A fact of an item that is in no tree: the decision on it, or what is remembered of it. `key` is the path of an
+  /// object; or that of a parameter's object, "/" and its name; or that of a parent, "/" and the type of its children.
+  void onOwnFact(std::string_view key) noexcept;
+  /// The running visit runs again in the next walk.
+  void repeatVisit() noexcept;
   /// What is outside of the active root may have changed.
   void onOutside() noexcept { change(factOf(FactKind::Outside, PathHash())); }
   void markVisit(WalkObject& object, WalkObject::Entry entry) noexcept;

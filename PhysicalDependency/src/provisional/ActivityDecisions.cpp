@@ -3,6 +3,10 @@
 
 #include "provisional/ActivityDecisions.h"
 
+#include <utility>
+
+#include "journal/JournaledWrites.h"
+
 namespace tarn {
 
 namespace {
@@ -24,29 +28,34 @@ ActivityState ActivityDecisions::ofObject(std::string const& path) const {
   return decisionIn(optObjActivity_, path);
 }
 
-void ActivityDecisions::setParam(std::string const& objPath, std::string const& name, bool on) {
-  optParamActivity_.insert_or_assign(ParamKey{objPath, name}.text(), on);
+void ActivityDecisions::setParam(std::string const& objPath, std::string const& name, bool on, Journal* journal) {
+  set(optParamActivity_, ParamKey{objPath, name}.text(), on, journal);
 }
 
-void ActivityDecisions::setObject(std::string const& path, bool on) {
-  optObjActivity_.insert_or_assign(path, on);
+void ActivityDecisions::setObject(std::string const& path, bool on, Journal* journal) {
+  set(optObjActivity_, path, on, journal);
 }
 
-void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path,
+void ActivityDecisions::set(OptActivityMap& map, std::string key, bool on, Journal* journal) {
+  auto const [entry, isNew] = journaled::emplace(journal, map, std::move(key), on);
+  if (!isNew) journaled::assign(journal, entry->second, on);
+}
+
+void ActivityDecisions::eraseFromOptActivityMaps(std::string const& path, Journal* journal,
                                                  std::function<void(std::string const&)> const& onErased) {
-  eraseFromOptActivityMap(path, optParamActivity_, onErased);
-  eraseFromOptActivityMap(path, optObjActivity_, onErased);
+  eraseFromOptActivityMap(path, optParamActivity_, journal, onErased);
+  eraseFromOptActivityMap(path, optObjActivity_, journal, onErased);
 }
 
-void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map,
+void ActivityDecisions::eraseFromOptActivityMap(std::string const& path, OptActivityMap& map, Journal* journal,
                                                 std::function<void(std::string const&)> const& onErased) {
   // In byte order, all keys that begin with `path` follow each other, and `path` itself comes first.
-  auto const first = map.lower_bound(path);
-  auto last = first;
-  for (; last != map.end() && last->first.starts_with(path); ++last) {
-    if (onErased != nullptr) onErased(last->first);
+  journaled::Erasing erasing(journal, map);
+  auto entry = map.lower_bound(path);
+  while (entry != map.end() && entry->first.starts_with(path)) {
+    if (onErased != nullptr) onErased(entry->first);
+    entry = erasing.erase(entry);
   }
-  map.erase(first, last);
 }
 
 }  // namespace tarn

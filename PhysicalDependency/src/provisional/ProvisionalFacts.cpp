@@ -4,16 +4,29 @@
 #include "provisional/ProvisionalFacts.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <tarn/StringUtilities.h>
 
 #include "incremental/FactMarks.h"
+#include "journal/JournaledWrites.h"
 #include "provisional/ParamKey.h"
 #include "provisional/dumpModelState.h"
 #include "trackers/TrackerAccess.h"
 #include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
+
+ProvisionalFacts::ProvisionalFacts(QuantityModifier const* modifier) : m_outcome(modifier) {
+  attachTo(m_journal);
+  DynamicTDFAccess::attach(m_intent.guide, m_journal);
+  DynamicTDFAccess::attach(m_outcome.active, m_journal);
+}
+
+void ProvisionalFacts::noteAtMark(Journal& p_journal) {
+  TrackerAccess::noteAtMark(m_outcome.bounds, p_journal);
+  TrackerAccess::noteAtMark(m_outcome.quantities, p_journal);
+}
 
 // Intent: reading.
 
@@ -85,48 +98,58 @@ void ProvisionalFacts::updateGuide(ModelState const& p_state) {
 }
 
 void ProvisionalFacts::setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on) {
-  m_intent.decisions.setParam(p_objPath, p_name, p_on);
-  if (m_marks != nullptr) m_marks->onParamDecision(p_objPath, p_name);
+  m_intent.decisions.setParam(p_objPath, p_name, p_on, recording());
+  ownFactWritten(ParamKey{p_objPath, p_name}.text());
 }
 
 void ProvisionalFacts::setObjActivity(std::string const& p_path, bool p_on) {
-  m_intent.decisions.setObject(p_path, p_on);
-  if (m_marks != nullptr) m_marks->onObjectDecision(p_path);
+  m_intent.decisions.setObject(p_path, p_on, recording());
+  ownFactWritten(p_path);
 }
 
 void ProvisionalFacts::eraseFromOptActivityMaps(std::string const& p_path) {
-  m_intent.decisions.eraseFromOptActivityMaps(p_path, [this](std::string const& key) {
-    if (m_marks != nullptr) m_marks->onDecisionForgotten(key);
-  });
+  m_intent.decisions.eraseFromOptActivityMaps(p_path, recording(),
+                                              [this](std::string const& key) { ownFactWritten(key); });
 }
 
 void ProvisionalFacts::rememberSubsetValue(std::string const& p_objPath, std::string const& p_name,
                                            std::string const& p_value) {
-  bool const isNew = m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value);
-  if (isNew && m_marks != nullptr) m_marks->onOwnMemory();
+  if (m_intent.selections.rememberSubsetValue(p_objPath, p_name, p_value, recording())) {
+    ownFactWritten(ParamKey{p_objPath, p_name}.text());
+  }
 }
 
 void ProvisionalFacts::rememberSubsetValues(std::string const& p_objPath, std::string const& p_name,
                                             Strings const& p_values) {
-  bool const areNew = m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values);
-  if (areNew && m_marks != nullptr) m_marks->onOwnMemory();
+  if (m_intent.selections.rememberSubsetValues(p_objPath, p_name, p_values, recording())) {
+    ownFactWritten(ParamKey{p_objPath, p_name}.text());
+  }
 }
 
 void ProvisionalFacts::setDefaultNamesApplied(std::string const& p_key) {
-  m_intent.defaultNamesOfUpdate.push_back(p_key);
-  m_intent.defaultNamesApplied.insert(p_key);
-  if (m_marks != nullptr) m_marks->onOwnMemory();
+  journaled::append(recording(), m_intent.defaultNamesOfUpdate, p_key);
+  journaled::emplace(recording(), m_intent.defaultNamesApplied, p_key);
+  ownFactWritten(p_key);
 }
 
 void ProvisionalFacts::takeBackDefaultNamesApplied(std::string const& p_key) noexcept {
   m_intent.defaultNamesApplied.erase(p_key);
 }
 
-void ProvisionalFacts::startWithGuide(DynamicTDF& p_guide, bool p_hasBaseObject) noexcept {
-  m_intent.guide.swap(p_guide);
-  for (std::string const& key : m_intent.defaultNamesOfUpdate) m_intent.defaultNamesApplied.erase(key);
-  m_intent.defaultNamesOfUpdate.clear();
-  m_intent.hasBaseObject = p_hasBaseObject;
+void ProvisionalFacts::startWithGuide(std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject) noexcept {
+  Journal::CannotFail const scope(m_journal);
+  DynamicTDFAccess::attach(*p_guide, m_journal);
+  m_intent.guide.swap(*p_guide);
+  if (m_journal.isRecording()) {
+    m_journal.add([this, former = std::move(p_guide)]() noexcept { m_intent.guide.swap(*former); });
+  }
+  journaled::Erasing erasing(recording(), m_intent.defaultNamesApplied);
+  for (std::string const& key : m_intent.defaultNamesOfUpdate) {
+    auto const applied = m_intent.defaultNamesApplied.find(key);
+    if (applied != m_intent.defaultNamesApplied.end()) erasing.erase(applied);
+  }
+  journaled::assign(recording(), m_intent.defaultNamesOfUpdate, {});
+  journaled::assign(recording(), m_intent.hasBaseObject, p_hasBaseObject);
 }
 
 // Outcome: reading.
@@ -202,13 +225,14 @@ bool ProvisionalFacts::updateParam(std::string const& p_objPath, std::string con
 
 void ProvisionalFacts::updateBounds(std::string const& p_objPath, std::string const& p_name,
                                     ParamAvailInfo const* p_info) {
-  m_outcome.bounds.updateBounds(p_objPath, p_name, p_info);
+  TrackerAccess::updateBounds(m_outcome.bounds, p_objPath, p_name, p_info, recording());
 }
 
 std::string ProvisionalFacts::modifyQuantity(ModelTDF const* p_view, std::string const& p_objPath,
                                              std::string const& p_name, std::string const& p_value,
                                              ParamAvailInfo const* p_info) {
-  return m_outcome.quantities.modifyQuantity(p_view, p_objPath, p_name, p_value, p_info);
+  if (m_marks != nullptr && TrackerAccess::mayAnswerOtherwise(m_outcome.quantities, *p_info)) m_marks->repeatVisit();
+  return TrackerAccess::modifyQuantity(m_outcome.quantities, p_view, p_objPath, p_name, p_value, p_info, recording());
 }
 
 void ProvisionalFacts::addPotentialObject(std::string const& p_path) {
@@ -285,8 +309,8 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
 void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
   m_kind = p_kind;
   m_outcome.active.resetChanges();
-  m_outcome.quantities.reset();
-  m_outcome.bounds.reset();
+  TrackerAccess::reset(m_outcome.quantities, recording());
+  TrackerAccess::reset(m_outcome.bounds, recording());
   if (p_kind == UpdateKind::FollowedWalk) {
     m_listings.beginChanges();
     return;
@@ -307,6 +331,11 @@ void ProvisionalFacts::completeUpdate() {
   std::sort(m_outcome.userNamedTypes.begin(), m_outcome.userNamedTypes.end());
 }
 
+void ProvisionalFacts::confirmDefaultNames() noexcept {
+  Journal::CannotFail const scope(m_journal);
+  if (!m_intent.defaultNamesOfUpdate.empty()) journaled::assign(recording(), m_intent.defaultNamesOfUpdate, {});
+}
+
 void ProvisionalFacts::abandonUpdate() noexcept {
   m_outcome.emptyParams.clear();
   m_outcome.emptyTypedParams.clear();
@@ -314,8 +343,9 @@ void ProvisionalFacts::abandonUpdate() noexcept {
 }
 
 void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
-  TrackerAccess::forget(m_outcome.bounds);
-  TrackerAccess::forget(m_outcome.quantities);
+  Journal::CannotFail const scope(m_journal);
+  TrackerAccess::forget(m_outcome.bounds, recording());
+  TrackerAccess::forget(m_outcome.quantities, recording());
 }
 
 void ProvisionalFacts::follow(FactMarks* p_marks) noexcept {
@@ -331,6 +361,11 @@ void ProvisionalFacts::follow(FactMarks* p_marks) noexcept {
 bool ProvisionalFacts::hasAmbiguousPaths() const noexcept {
   return DynamicTDFAccess::storeOf(m_outcome.active).hasOtherwiseListed() ||
          DynamicTDFAccess::storeOf(m_intent.guide).hasOtherwiseListed();
+}
+
+/// For a fact of an item that is not in a tree. The item is known by the key under which its decision is kept.
+void ProvisionalFacts::ownFactWritten(std::string_view p_key) noexcept {
+  if (m_marks != nullptr) m_marks->onOwnFact(p_key);
 }
 
 /// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk

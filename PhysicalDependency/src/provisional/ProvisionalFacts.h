@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <tarn/EvalCache.h>
 #include <tarn/ModelState.h>
 
+#include "journal/Journal.h"
 #include "provisional/Intent.h"
 #include "provisional/Listings.h"
 #include "provisional/Outcome.h"
@@ -39,13 +42,14 @@ enum class UpdateKind {
 /// and quantities are switched off together for the probe; and what an update may leave half done is known.
 ///
 /// The getters of the provisional state read `outcome()` between updates. They are not part of a visit.
-class ProvisionalFacts {
+class ProvisionalFacts final : public Journal::Participant {
  public:
   using Strings = std::vector<std::string>;
 
-  explicit ProvisionalFacts(QuantityModifier const* modifier) : m_outcome(modifier) {}
-  ProvisionalFacts(ProvisionalFacts const&) = delete;
-  ProvisionalFacts& operator=(ProvisionalFacts const&) = delete;
+  explicit ProvisionalFacts(QuantityModifier const* modifier);
+
+  /// Records all changes while a mark is open.
+  [[nodiscard]] Journal& journal() noexcept { return m_journal; }
 
   /// @name Intent: reading
   /// @{
@@ -68,7 +72,7 @@ class ProvisionalFacts {
   void setGuideParam(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
   void deleteGuideParam(std::string const& p_objPath, std::string const& p_name);
   bool createGuideObject(std::string const& p_parentPath, std::string const& p_type, std::string const& p_name);
-  /// Cannot fail.
+  /// Cannot fail while the journal does not record.
   void deleteGuideObject(std::string const& p_path);
   void deleteGuideObjects(std::string const& p_objPath, std::string const& p_type);
   void updateGuide(ModelState const& p_state);
@@ -79,9 +83,9 @@ class ProvisionalFacts {
   void rememberSubsetValues(std::string const& p_objPath, std::string const& p_name, Strings const& p_values);
   void setDefaultNamesApplied(std::string const& p_key);
   void takeBackDefaultNamesApplied(std::string const& p_key) noexcept;
-  /// Begins with another guide, which gets the old one. The default names that an incomplete update has dealt with are
-  /// to come again, for their objects go with the old guide.
-  void startWithGuide(DynamicTDF& p_guide, bool p_hasBaseObject) noexcept;
+  /// Begins with another guide. The default names that an incomplete update has dealt with are to come again, because
+  /// their objects go with the old guide.
+  void startWithGuide(std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject) noexcept;
   /// @}
 
   /// @name Outcome: reading
@@ -126,7 +130,7 @@ class ProvisionalFacts {
   /// Determines the changes of the offers in this update, and sorts the named types.
   void completeUpdate();
   /// After a walk that was completed: its default names are no longer taken back.
-  void confirmDefaultNames() noexcept { m_intent.defaultNamesOfUpdate.clear(); }
+  void confirmDefaultNames() noexcept;
   /// After an update that failed: no offers, no empty parameters, the named types in order.
   void abandonUpdate() noexcept;
   /// The next update reports all bounds and quantity types anew.
@@ -153,7 +157,12 @@ class ProvisionalFacts {
 
  private:
   void activeWritten() noexcept;
+  void ownFactWritten(std::string_view p_key) noexcept;
+  void noteAtMark(Journal& p_journal) override;
+  [[nodiscard]] Journal* recording() noexcept { return m_journal.isRecording() ? &m_journal : nullptr; }
 
+  /// Destroyed after what it records.
+  Journal m_journal;
   Intent m_intent;
   Outcome m_outcome;
 

@@ -1,6 +1,7 @@
 // The start of the provisional state, and what it does when its base model changes. The start fills the guide; from
 // then on the base model only feeds the rules and the children that are mirrored.
 
+#include <memory>
 #include <utility>
 
 #include <tarn/EvalContext.h>
@@ -39,9 +40,7 @@ struct ProvisionalTDF::Impl::Attachment {
 };
 
 void ProvisionalTDF::Impl::initialise(ModelTDF const* p_base, ModelState const& p_guideState) {
-  DynamicTDF guide(false);
-  initialiseGuideDB(p_base, p_guideState, guide);
-  initialiseInternal(p_base, guide, m_facts.hasBaseObject());
+  initialiseInternal(p_base, makeGuide(p_base, p_guideState), m_facts.hasBaseObject());
 }
 
 void ProvisionalTDF::Impl::initialiseBasedOn(std::string const& p_basedOnPath, ModelTDF const* p_base,
@@ -56,9 +55,7 @@ void ProvisionalTDF::Impl::initialiseBasedOn(std::string const& p_basedOnPath, M
   ModelState guideState = withLeadingPathReplaced(std::move(original), p_basedOnPath, m_activeRoot);
   // Where both have an object, that of the original stays whole.
   guideState.insert(p_guideState.begin(), p_guideState.end());
-  DynamicTDF guide(false);
-  initialiseGuideDB(p_base, guideState, guide);
-  initialiseInternal(p_base, guide, false);
+  initialiseInternal(p_base, makeGuide(p_base, guideState), false);
 }
 
 void ProvisionalTDF::Impl::baseUpdate(ModelTDF const* p_base) {
@@ -68,15 +65,18 @@ void ProvisionalTDF::Impl::baseUpdate(ModelTDF const* p_base) {
   updateActiveTDF(true);
 }
 
-void ProvisionalTDF::Impl::initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState,
-                                             DynamicTDF& p_guide) const {
-  p_guide.initialise(p_base, m_activeRoot, true);
-  p_guide.update(p_guideState.begin(), p_guideState.end(), false);
+std::unique_ptr<DynamicTDF> ProvisionalTDF::Impl::makeGuide(ModelTDF const* p_base,
+                                                            ModelState const& p_guideState) const {
+  auto guide = std::make_unique<DynamicTDF>(false);
+  guide->initialise(p_base, m_activeRoot, true);
+  guide->update(p_guideState.begin(), p_guideState.end(), false);
+  return guide;
 }
 
 /// Takes `p_guide` over. Half a start would lose what the user entered. So everything that can fail comes before the
 /// first change, except for the update, which is due from then on.
-void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject) {
+void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, std::unique_ptr<DynamicTDF> p_guide,
+                                              bool p_hasBaseObject) {
   Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
   TDFPath const root(m_activeRoot);
   if (root.numComponent() > 0) {  // the root of the tree is always there
@@ -85,7 +85,7 @@ void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, DynamicTDF
   }
 
   m_walk.forget();  // it follows the guide that goes
-  m_facts.startWithGuide(p_guide, p_hasBaseObject);
+  m_facts.startWithGuide(std::move(p_guide), p_hasBaseObject);
   attach(attachment, *p_base);
   updateActiveTDF(true);
   if (m_observer != nullptr) m_observer->onInitialised(*p_base);

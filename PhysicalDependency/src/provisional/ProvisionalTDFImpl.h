@@ -85,8 +85,8 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
 
   // The start.
   struct Attachment;
-  void initialiseGuideDB(ModelTDF const* p_base, ModelState const& p_guideState, DynamicTDF& p_guide) const;
-  void initialiseInternal(ModelTDF const* p_base, DynamicTDF& p_guide, bool p_hasBaseObject);
+  [[nodiscard]] std::unique_ptr<DynamicTDF> makeGuide(ModelTDF const* p_base, ModelState const& p_guideState) const;
+  void initialiseInternal(ModelTDF const* p_base, std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject);
   void attach(Attachment & p_attachment, ModelTDF const& p_base) noexcept;
 
   // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named after two facts:

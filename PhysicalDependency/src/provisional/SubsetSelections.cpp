@@ -3,33 +3,42 @@
 
 #include "provisional/SubsetSelections.h"
 
+#include "journal/JournaledWrites.h"
 #include "provisional/ValueLists.h"
 
 namespace tarn {
 
-bool SubsetSelections::SubsetSelection::add(std::string const& value) {
-  auto const [place, isNew] = seen.insert(value);
-  if (!isNew) return false;
-  try {
+bool SubsetSelections::SubsetSelection::add(std::string const& value, Journal* journal) {
+  if (seen.contains(value)) return false;
+  auto const write = [&] {
     values.push_back(value);
-  } catch (...) {
-    seen.erase(place);  // otherwise it would count as remembered
-    throw;
-  }
+    try {
+      seen.insert(value);
+    } catch (...) {
+      values.pop_back();
+      throw;
+    }
+  };
+  Journal::perform(journal, write, [this]() noexcept { takeBack(); });
   return true;
 }
 
+void SubsetSelections::SubsetSelection::takeBack() noexcept {
+  seen.erase(values.back());
+  values.pop_back();
+}
+
 bool SubsetSelections::rememberSubsetValue(std::string const& objPath, std::string const& name,
-                                           std::string const& value) {
-  return getSubsetSelection(objPath, name).add(value);
+                                           std::string const& value, Journal* journal) {
+  return getSubsetSelection(objPath, name, journal).add(value, journal);
 }
 
 bool SubsetSelections::rememberSubsetValues(std::string const& objPath, std::string const& name,
-                                            std::vector<std::string> const& values) {
+                                            std::vector<std::string> const& values, Journal* journal) {
   if (values.empty()) return false;
-  SubsetSelection& selection = getSubsetSelection(objPath, name);
+  SubsetSelection& selection = getSubsetSelection(objPath, name, journal);
   bool areNew = false;
-  for (std::string const& value : values) areNew = selection.add(value) || areNew;
+  for (std::string const& value : values) areNew = selection.add(value, journal) || areNew;
   return areNew;
 }
 
@@ -53,11 +62,11 @@ ParamAllowedValues SubsetSelections::widenAllowedSubset(std::vector<std::string>
 }
 
 SubsetSelections::SubsetSelection& SubsetSelections::getSubsetSelection(std::string const& objPath,
-                                                                        std::string const& name) {
+                                                                        std::string const& name, Journal* journal) {
   ParamKey const key{objPath, name};
-  auto const place = selections_.lower_bound(key);
-  if (place != selections_.end() && !selections_.key_comp()(key, place->first)) return place->second;
-  return selections_.emplace_hint(place, key.text(), SubsetSelection())->second;
+  auto const present = selections_.find(key);
+  if (present != selections_.end()) return present->second;
+  return journaled::emplace(journal, selections_, key.text(), SubsetSelection()).first->second;
 }
 
 }  // namespace tarn

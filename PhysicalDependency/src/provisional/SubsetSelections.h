@@ -7,6 +7,7 @@
 
 #include <tarn/ParamAllowedValues.h>
 
+#include "journal/Journal.h"
 #include "provisional/ParamKey.h"
 
 namespace tarn {
@@ -16,10 +17,11 @@ namespace tarn {
 /// forgotten.
 class SubsetSelections {
  public:
-  /// Both return whether there was anything new to remember.
-  bool rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value);
-  bool rememberSubsetValues(std::string const& objPath, std::string const& name,
-                            std::vector<std::string> const& values);
+  /// Both return whether there was anything new to remember. That is recorded in `journal`, unless it is null.
+  bool rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value,
+                           Journal* journal = nullptr);
+  bool rememberSubsetValues(std::string const& objPath, std::string const& name, std::vector<std::string> const& values,
+                            Journal* journal = nullptr);
 
   /// The selected values, in the order of first selection. Empty when nothing was. Valid until more is remembered.
   [[nodiscard]] std::vector<std::string> const& getSubsetSelectionValues(std::string const& objPath,
@@ -36,10 +38,11 @@ class SubsetSelections {
     std::vector<std::string> values;
     std::unordered_set<std::string> seen;  // the same, for membership
 
-    bool add(std::string const& value);
+    bool add(std::string const& value, Journal* journal);
+    void takeBack() noexcept;
   };
 
-  SubsetSelection& getSubsetSelection(std::string const& objPath, std::string const& name);
+  SubsetSelection& getSubsetSelection(std::string const& objPath, std::string const& name, Journal* journal);
 
   std::map<std::string, SubsetSelection, ParamKeyOrder> selections_;
 };

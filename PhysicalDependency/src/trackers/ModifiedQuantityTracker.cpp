@@ -9,6 +9,8 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
+#include "journal/JournaledWrites.h"
+
 namespace tarn {
 
 QuantityModifier::~QuantityModifier() = default;
@@ -16,6 +18,12 @@ QuantityModifier::~QuantityModifier() = default;
 std::string ModifiedQuantityTracker::modifyQuantity(ModelTDF const* model, std::string const& objPath,
                                                     std::string const& name, std::string const& value,
                                                     ParamAvailInfo const* info) {
+  return modifyQuantity(model, objPath, name, value, info, nullptr);
+}
+
+std::string ModifiedQuantityTracker::modifyQuantity(ModelTDF const* model, std::string const& objPath,
+                                                    std::string const& name, std::string const& value,
+                                                    ParamAvailInfo const* info, Journal* journal) {
   if (!enabled_ || modifier_ == nullptr || info->getType() != TDFParam::Real) return value;
 
   bool const isBlank = StringUtilities::trimmed(value).empty();
@@ -27,21 +35,21 @@ std::string ModifiedQuantityTracker::modifyQuantity(ModelTDF const* model, std::
   if (modifier_->getQuantityType(model, objPath, name, quantityType) != 1) return value;
 
   // A parameter without a value has a quantity type too, and an editor needs it.
-  storeModifiedQuantity(objPath, name, quantityType);
+  storeModifiedQuantity(objPath, name, quantityType, journal);
   if (isBlank) return {};
   return number + " [" + modifier_->getQuantityUnits(quantityType, units) + "]";
 }
 
 void ModifiedQuantityTracker::storeModifiedQuantity(std::string const& objPath, std::string const& name,
-                                                    std::string const& quantityType) {
+                                                    std::string const& quantityType, Journal* journal) {
   std::string key = objPath + PathUtils::pathSeparator + name;
-  auto const [known, isNew] = knownQuantities_.try_emplace(key, quantityType);
+  auto const [known, isNew] = journaled::emplace(journal, knownQuantities_, key, quantityType);
   if (!isNew) {
     if (known->second == quantityType) return;
-    known->second = quantityType;
+    journaled::assign(journal, known->second, quantityType);
   }
   // An existing entry of this batch stays, because readers get the first change.
-  modifiedParams_.try_emplace(std::move(key), quantityType);
+  journaled::emplace(journal, modifiedParams_, std::move(key), quantityType);
 }
 
 }  // namespace tarn

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "journal/Journal.h"
 
 namespace tarn {
 
@@ -43,8 +46,25 @@ class ChangeRecord {
     if (recording_) deletedObjects_.push_back(std::move(path));
   }
 
-  void clear() noexcept {
+  /// Adds the step that takes the lists back to what they hold now, as long as they only grow and shrink to it again.
+  void noteAtMark(Journal& journal) {
+    journal.add([this, recording = recording_, added = addedParams_.size(), deleted = deletedParams_.size(),
+                 modified = modifiedParams_.size(), objects = deletedObjects_.size()]() noexcept {
+      recording_ = recording;
+      shorten(addedParams_, added);
+      shorten(deletedParams_, deleted);
+      shorten(modifiedParams_, modified);
+      shorten(deletedObjects_, objects);
+    });
+  }
+
+  /// `journal` keeps the lists, unless it is null. Without memory for that it throws and clears nothing.
+  void clear(Journal* journal) {
     if (!recording_) return;
+    if (journal != nullptr) {
+      journal->add(Cleared{this, {}, {}, {}, {}})();
+      return;
+    }
     empty(addedParams_);
     empty(deletedParams_);
     empty(modifiedParams_);
@@ -67,6 +87,25 @@ class ChangeRecord {
     } else {
       list.clear();
     }
+  }
+
+  /// Lists to exchange with those of the log. So the step also clears them.
+  struct Cleared {
+    void operator()() noexcept {
+      log->addedParams_.swap(addedParams);
+      log->deletedParams_.swap(deletedParams);
+      log->modifiedParams_.swap(modifiedParams);
+      log->deletedObjects_.swap(deletedObjects);
+    }
+
+    ChangeRecord* log;
+    std::vector<ParamId> addedParams, deletedParams, modifiedParams;
+    std::vector<std::string> deletedObjects;
+  };
+
+  template <class Entry>
+  static void shorten(std::vector<Entry>& list, std::size_t size) noexcept {
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(size), list.end());
   }
 
   void append(std::vector<ParamId>& list, std::string_view objPath, std::string_view name) {

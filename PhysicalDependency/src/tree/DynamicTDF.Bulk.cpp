@@ -60,7 +60,9 @@ void DynamicTDF::initialise(ModelState::const_iterator begin, ModelState::const_
 }
 
 void DynamicTDF::initialise(std::vector<StateRange> const& parts, bool skipEmpty) {
-  if (!impl_->changes_.isRecording() && impl_->refill(parts, skipEmpty)) return;
+  // Refilling is not recorded in a journal, which keeps the whole former content instead.
+  bool const mayRefill = !impl_->changes_.isRecording() && impl_->nodes_.journal() == nullptr;
+  if (mayRefill && impl_->refill(parts, skipEmpty)) return;
   impl_->clear();
   Impl::SkipEmptyScope const mode(*impl_, skipEmpty);
   std::vector<Node*> loaded;
@@ -223,10 +225,7 @@ void DynamicTDF::Impl::copyNodeParameters(Node const& sourceNode, Node& targetNo
     if (sourceParam != sourceNode.params.end() && sourceParam->name() == param->name()) {
       ++param;
     } else {
-      changes_.recordDeleted(objPath, param->name());
-      tellParamSet(targetNode, param->name());
-      nodes_.noteChange();
-      param = targetNode.params.erase(param);
+      param = eraseParam(objPath, targetNode, param);
     }
   }
 }
@@ -255,8 +254,14 @@ void DynamicTDF::Impl::deleteObsoleteChildren(Node const& sourceNode, Node const
 }
 
 void DynamicTDF::Impl::clear() {
+  auto const before = nodes_.positionInJournal();
   nodes_.reset();
-  changes_.clear();
+  try {
+    changes_.clear(nodes_.journal());
+  } catch (...) {
+    nodes_.journal()->undoTo(*before);  // it alone can fail to keep the log
+    throw;
+  }
 }
 
 }  // namespace tarn

@@ -6,11 +6,52 @@
 
 #include <tarn/StringUtilities.h>
 
+#include <optional>
 #include <utility>
 
 #include "tree/SharedEmpty.h"
 
 namespace tarn {
+
+struct DynamicTDF::Impl::AddedParam {
+  void operator()() noexcept {
+    tree->tellParamSet(*node, *name);
+    tree->nodes_.noteChange();
+    node->params.takeBack(inserted);
+  }
+
+  Impl* tree;
+  Node* node;
+  std::string const* name;
+  Node::Params::Inserted inserted;
+};
+
+struct DynamicTDF::Impl::ChangedParam {
+  void operator()() noexcept {
+    tree->nodes_.noteChange();
+    *node->params.find(*name) = std::move(before);
+    tree->tellParam(*node, *name);
+  }
+
+  Impl* tree;
+  Node* node;
+  std::string const* name;
+  Node::ParamVal before;
+};
+
+struct DynamicTDF::Impl::ErasedParam {
+  void operator()() noexcept {
+    std::string const& name = erased->entry.name();
+    tree->nodes_.noteChange();
+    node->params.putBack(*std::move(erased));
+    tree->tellParamSet(*node, name);
+  }
+
+  Impl* tree;
+  Node* node;
+  /// Empty until the parameter is erased.
+  std::optional<Node::Params::Erased> erased;
+};
 
 DynamicTDF::DynamicTDF(bool recordUpdates) : impl_(std::make_unique<Impl>(recordUpdates)) {}
 
@@ -159,12 +200,7 @@ void DynamicTDF::deleteObjectUnrecorded(std::string const& path) {
 void DynamicTDF::deleteParameter(std::string const& objPath, std::string const& name) {
   Node* const node = impl_->nodes_.find(objPath);
   if (node == nullptr) return;
-  if (node->params.find(name) == nullptr) return;
-  // Recorded first, because the caller's strings may belong to the parameter that is erased.
-  impl_->changes_.recordDeleted(objPath, name);
-  impl_->tellParamSet(*node, name);
-  impl_->nodes_.noteChange();
-  node->params.erase(name);
+  if (auto const param = node->params.at(name); param != node->params.end()) impl_->eraseParam(objPath, *node, param);
 }
 
 void DynamicTDF::setParameter(std::string const& objPath, std::string const& name, std::string const& value) {
@@ -189,7 +225,7 @@ void DynamicTDF::stopRecordingUpdates() {
 }
 
 void DynamicTDF::resetChanges() {
-  impl_->changes_.clear();
+  impl_->changes_.clear(impl_->nodes_.journal());
 }
 
 std::vector<DynamicTDF::ParamId> const& DynamicTDF::getAddedParameters() const noexcept {
@@ -206,6 +242,11 @@ std::vector<DynamicTDF::ParamId> const& DynamicTDF::getModifiedParameters() cons
 
 std::vector<std::string> const& DynamicTDF::getDeletedObjects() const noexcept {
   return impl_->changes_.deletedObjects();
+}
+
+void DynamicTDF::Impl::noteAtMark(Journal& journal) {
+  changes_.noteAtMark(journal);
+  journal.add([this, has = nodes_.hasOtherwiseListed()]() noexcept { nodes_.setOtherwiseListed(has); });
 }
 
 std::string DynamicTDF::Impl::childPath(std::string const& parentPath, Node const& child) {
@@ -226,11 +267,12 @@ template <class Change>
 void DynamicTDF::Impl::changeObject(std::string const& path, Change const& change) {
   if (Node* const node = nodes_.find(path)) return change(*node);
   Node* present = nullptr;
+  auto const before = nodes_.positionInJournal();
   Node& made = nodes_.create(path, &present);
   try {
     change(made);
   } catch (...) {
-    nodes_.removeUpTo(*present, made);
+    nodes_.takeBackCreation(*present, made, before);
     throw;
   }
 }
@@ -243,15 +285,39 @@ void DynamicTDF::Impl::addParameter(std::string const& objPath, std::string cons
   nodes_.noteChange();
   nodes_.forgetLoad();
   std::string const& pooled = nodes_.names().intern(name);
+  Journal* const journal = nodes_.journal();
+  Journal::Prepared<AddedParam> step;
+  if (journal != nullptr) step = journal->prepare(AddedParam{this, &node, &pooled, {}});
   // Recorded first, because the caller's strings may be values of this object, which move when it gets another one.
   changes_.recordAdded(objPath, pooled);
   try {
-    node.params.insert(pooled, std::move(param));
+    auto const inserted = node.params.insert(pooled, std::move(param));
+    if (step) step->inserted = inserted;
   } catch (...) {
     changes_.takeBackAdded();
     throw;
   }
+  if (step) journal->keep(std::move(step));
   tellParamSet(node, pooled);
+}
+
+/// Erases a parameter and enters that in the log. Returns the position of the next one.
+DynamicTDF::Node::Params::Iterator DynamicTDF::Impl::eraseParam(std::string const& objPath, Node& node,
+                                                                Node::Params::Iterator param) {
+  Journal* const journal = nodes_.journal();
+  Journal::Prepared<ErasedParam> step;
+  if (journal != nullptr) step = journal->prepare(ErasedParam{this, &node, std::nullopt});
+  // Recorded first, because the caller's string may belong to the parameter that is erased.
+  changes_.recordDeleted(objPath, param->name());
+  tellParamSet(node, param->name());
+  nodes_.noteChange();
+  Node::Params::Erased erased = node.params.takeOut(param);
+  auto const next = node.params.after(erased);
+  if (step) {
+    step->erased.emplace(std::move(erased));
+    journal->keep(std::move(step));
+  }
+  return next;
 }
 
 void DynamicTDF::Impl::deleteObject(std::string const& path) {
@@ -265,12 +331,13 @@ void DynamicTDF::Impl::deleteObject(std::string const& path) {
   if (deleteNodeAndChildren(top)) changes_.recordDeletedObject(std::move(top));
 }
 
-/// Deletes the object at `path` with everything below it, and returns whether there was one. While nothing is recorded
-/// it cannot fail, and the string may be deleted with the object.
+/// Deletes the object at `path` with everything below it, and returns whether there was one. While neither log nor
+/// journal records it cannot fail. While the log does not record, the string may be deleted with the object.
 bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
   Node* const top = nodes_.find(path);
   if (top == nullptr || top == &nodes_.root()) return false;
 
+  NodeStore::Removed* const removed = nodes_.recordRemoval();
   // Leaves first, and the last child before the first: readers of the log see this order.
   for (Node* node = top;;) {
     while (!node->children.empty()) node = node->children.last();
@@ -289,7 +356,7 @@ bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
     if (nodes_.listener() != nullptr) {
       for (auto const& param : node->params) tellParamSet(*node, param.name());
     }
-    nodes_.removeLeaf(*node);
+    nodes_.removeLeaf(*node, removed);
     if (isTop) return true;
     node = parent;
   }
@@ -297,8 +364,13 @@ bool DynamicTDF::Impl::deleteNodeAndChildren(std::string const& path) {
 
 /// Changes a value and enters the change in the log: both or neither.
 template <class Change>
-void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string const& name, Node const& node,
-                                         Change const& change) {
+void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string const& name, Node& node,
+                                         Node::ParamVal const& param, Change const& change) {
+  Journal* const journal = nodes_.journal();
+  Journal::Prepared<ChangedParam> step;
+  if (journal != nullptr) {
+    step = journal->prepare(ChangedParam{this, &node, &nodes_.names().intern(name), param.copy()});
+  }
   nodes_.noteChange();
   changes_.recordModified(objPath, name);
   try {
@@ -307,6 +379,11 @@ void DynamicTDF::Impl::recordingModified(std::string const& objPath, std::string
     changes_.takeBackModified();
     throw;
   }
+  if (step) journal->keep(std::move(step));
+  tellParam(node, name);
+}
+
+void DynamicTDF::Impl::tellParam(Node const& node, std::string_view name) const noexcept {
   if (nodes_.listener() != nullptr) nodes_.listener()->onParamChange(node.hash, name);
 }
 
@@ -320,7 +397,7 @@ void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string co
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
     if (param->value() != cleaned) {
-      recordingModified(objPath, name, node, [&] { param->setValue(cleaned); });
+      recordingModified(objPath, name, node, *param, [&] { param->setValue(cleaned); });
     }
   } else {
     addParameter(objPath, name, node, cleaned);
@@ -333,7 +410,7 @@ void DynamicTDF::Impl::doSetParameter(std::string const& objPath, std::string co
   if (skipEmptyValues_ && cleaned.empty()) return;
   if (Node::ParamVal* const param = node.params.find(name)) {
     if (!param->hasAllowedValues() || param->value() != cleaned || !param->allowedValues().isEqualTo(allowedValues)) {
-      recordingModified(objPath, name, node, [&] { param->modifyValue(allowedValues, cleaned); });
+      recordingModified(objPath, name, node, *param, [&] { param->modifyValue(allowedValues, cleaned); });
     }
   } else {
     addParameter(objPath, name, node, allowedValues, cleaned);

@@ -83,7 +83,7 @@ void DynamicTDF::Node::ChildList::append(Node& child) {
   // The groups come first: if memory runs out there, the list is unchanged.
   if (byType_ != nullptr) {
     appendTo(*byType_, child);
-  } else if (size_ + 1 == manyChildren) {
+  } else if (isAboutToGroup()) {
     auto groups = std::make_unique<Groups>();
     for (Node& present : *this) appendTo(*groups, present);
     appendTo(*groups, child);
@@ -100,9 +100,18 @@ void DynamicTDF::Node::ChildList::remove(Node& child) noexcept {
   if (byType_ != nullptr) removeFrom(*byType_, child);
   (child.previousSibling == nullptr ? first_ : child.previousSibling->nextSibling) = child.nextSibling;
   (child.nextSibling == nullptr ? last_ : child.nextSibling->previousSibling) = child.previousSibling;
-  child.previousSibling = nullptr;
-  child.nextSibling = nullptr;
   --size_;
+}
+
+void DynamicTDF::Node::ChildList::putBack(Node& child) noexcept {
+  if (byType_ != nullptr) putBackIn(*byType_, child);
+  (child.previousSibling == nullptr ? first_ : child.previousSibling->nextSibling) = &child;
+  (child.nextSibling == nullptr ? last_ : child.nextSibling->previousSibling) = &child;
+  ++size_;
+}
+
+bool DynamicTDF::Node::ChildList::isAboutToGroup() const noexcept {
+  return byType_ == nullptr && size_ + 1 == manyChildren;
 }
 
 void DynamicTDF::Node::ChildList::appendTo(Groups& groups, Node& child) {
@@ -119,14 +128,16 @@ void DynamicTDF::Node::ChildList::removeFrom(Groups& groups, Node& child) noexce
     child.previousOfType->nextOfType = child.nextOfType;
     child.nextOfType->previousOfType = child.previousOfType;
   } else {
-    auto const place = groups.find(child.type);
-    Group& group = place->second;
+    Group& group = groups.find(child.type)->second;
     (child.previousOfType == nullptr ? group.first : child.previousOfType->nextOfType) = child.nextOfType;
     (child.nextOfType == nullptr ? group.last : child.nextOfType->previousOfType) = child.previousOfType;
-    if (group.first == nullptr) groups.erase(place);
   }
-  child.previousOfType = nullptr;
-  child.nextOfType = nullptr;
+}
+
+void DynamicTDF::Node::ChildList::putBackIn(Groups& groups, Node& child) noexcept {
+  Group& group = groups.find(child.type)->second;
+  (child.previousOfType == nullptr ? group.first : child.previousOfType->nextOfType) = &child;
+  (child.nextOfType == nullptr ? group.last : child.nextOfType->previousOfType) = &child;
 }
 
 bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePool& names) {
@@ -149,7 +160,7 @@ bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePoo
     param.setValue(cleaned);
     ++present;
   }
-  while (present != params.end()) present = params.erase(present);
+  while (present != params.end()) present = params.after(params.takeOut(present));
   return true;
 }
 

@@ -78,10 +78,18 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     }
 
     void append(Node& child);
+    /// The child keeps its siblings, so that `putBack` finds its position.
     void remove(Node& child) noexcept;
+    /// Undoes `remove`. What was done after it must have been undone.
+    void putBack(Node& child) noexcept;
+
+    /// Whether the next child makes the list keep its children by type.
+    [[nodiscard]] bool isAboutToGroup() const noexcept;
+    /// Undoes the making of the groups. To be called before the child that made them is removed.
+    void ungroup() noexcept { byType_.reset(); }
 
    private:
-    /// The children of one type. There is at least one.
+    /// The children of one type. A group stays when its last child goes: there are few types.
     struct Group {
       Node* first = nullptr;
       Node* last = nullptr;
@@ -91,6 +99,7 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
 
     static void appendTo(Groups& groups, Node& child);
     static void removeFrom(Groups& groups, Node& child) noexcept;
+    static void putBackIn(Groups& groups, Node& child) noexcept;
 
     Node* first_ = nullptr;
     Node* last_ = nullptr;
@@ -160,6 +169,10 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
 
   [[nodiscard]] std::string const& value() const noexcept {
     return value_;
+  }
+  /// The same value and allowed values.
+  [[nodiscard]] ParamVal copy() const {
+    return hasAllowedValues() ? ParamVal(*extras_->allowedValues, value_) : ParamVal(value_);
   }
   [[nodiscard]] bool hasAllowedValues() const noexcept {
     return extras_ != nullptr && extras_->allowedValues.has_value();

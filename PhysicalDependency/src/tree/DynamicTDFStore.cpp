@@ -101,6 +101,7 @@ DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path, Node** 
   }
 
   TDFPath const missing = readBelow(path, known.size());
+  auto const before = positionInJournal();
   std::size_t begin = known.size();
   Node* const top = current;
   if (present != nullptr) *present = top;
@@ -114,16 +115,21 @@ DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path, Node** 
       begin = end;
     }
   } catch (...) {
-    removeUpTo(*top, *current);
+    takeBackCreation(*top, *current, before);
     throw;
   }
   return *current;
 }
 
-void DynamicTDF::NodeStore::removeUpTo(Node const& kept, Node& made) noexcept {
+void DynamicTDF::NodeStore::takeBackCreation(Node const& kept, Node& made,
+                                             std::optional<Journal::Position> const& before) noexcept {
+  if (before) {
+    journal_->undoTo(*before);
+    return;
+  }
   for (Node* node = &made; node != &kept;) {
     Node* const parent = node->parent;
-    removeLeaf(*node);
+    removeLeaf(*node, nullptr);
     node = parent;
   }
 }
@@ -137,7 +143,16 @@ DynamicTDF::Node& DynamicTDF::NodeStore::findCreateChild(Node& parent, std::stri
   return insert(&parent, hash, component);
 }
 
-void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
+DynamicTDF::NodeStore::Removed* DynamicTDF::NodeStore::recordRemoval() {
+  return journal() == nullptr ? nullptr : &journal()->add(Removed(*this));
+}
+
+void DynamicTDF::NodeStore::removeLeaf(Node& node, Removed* removed) noexcept {
+  std::unique_ptr<Node> own = unlink(node);
+  if (removed != nullptr) removed->take(std::move(own));
+}
+
+std::unique_ptr<DynamicTDF::Node> DynamicTDF::NodeStore::unlink(Node& node) noexcept {
   if (listener_ != nullptr) listener_->onObjectSetChange(node.parent->hash, node.type, node.hash);
   noteChange();
   forget(node);
@@ -145,11 +160,58 @@ void DynamicTDF::NodeStore::removeLeaf(Node& node) noexcept {
   node.parent->children.remove(node);
   std::unique_ptr<Node>* place = &buckets_[bucketOf(node.hash)];
   while (place->get() != &node) place = &(*place)->nextInBucket;
-  *place = std::move(node.nextInBucket);
+  std::unique_ptr<Node> own = std::move(*place);
+  *place = std::move(own->nextInBucket);
   --size_;
+  return own;
+}
+
+void DynamicTDF::NodeStore::link(std::unique_ptr<Node> node) noexcept {
+  std::unique_ptr<Node>& bucket = buckets_[bucketOf(node->hash)];
+  node->nextInBucket = std::move(bucket);
+  bucket = std::move(node);
+  ++size_;
+}
+
+/// Undoes the removal of an object. It still has its parameters, and its neighbours from then are its neighbours again.
+void DynamicTDF::NodeStore::putBack(std::unique_ptr<Node> node) noexcept {
+  Node& own = *node;
+  noteChange();
+  own.parent->children.putBack(own);
+  link(std::move(node));
+  if (listener_ == nullptr) return;
+  listener_->onObjectSetChange(own.parent->hash, own.type, own.hash);
+  for (auto const& param : own.params) listener_->onParamSetChange(own.hash, param.name());
+}
+
+DynamicTDF::NodeStore::Removed::~Removed() {
+  while (last_ != nullptr) (void)takeBack();
+}
+
+void DynamicTDF::NodeStore::Removed::take(std::unique_ptr<Node> node) noexcept {
+  node->nextInBucket = std::move(last_);
+  last_ = std::move(node);
+}
+
+std::unique_ptr<DynamicTDF::Node> DynamicTDF::NodeStore::Removed::takeBack() noexcept {
+  std::unique_ptr<Node> node = std::move(last_);
+  last_ = std::move(node->nextInBucket);
+  return node;
+}
+
+void DynamicTDF::NodeStore::Removed::operator()() noexcept {
+  while (last_ != nullptr) store_->putBack(takeBack());
 }
 
 void DynamicTDF::NodeStore::reset() {
+  if (Journal* const journal = this->journal()) {
+    // A store of its own keeps the former objects.
+    auto kept = std::make_unique<NodeStore>();
+    NodeStore& former = *kept;
+    journal->add([this, kept = std::move(kept)]() noexcept { swapContent(*kept); });
+    swapContent(former);
+    return;
+  }
   // The new root is made before anything is removed, so without memory the objects stay.
   std::vector<std::unique_ptr<Node>> buckets(1);
   buckets.front() = std::make_unique<Node>(nullptr, PathHash(), sharedEmptyString(), "");
@@ -170,14 +232,21 @@ DynamicTDF::Node& DynamicTDF::NodeStore::insert(Node* parent, PathHash const& ha
   noteChange();
   forgetLoad();
   auto made = std::make_unique<Node>(parent, hash, names_.intern(words.substr(0, colon)), name);
-  parent->children.append(*made);
-  if (!made->listedAsFound) hasOtherwiseListed_ = true;
-  std::unique_ptr<Node>& bucket = buckets_[bucketOf(hash)];
-  made->nextInBucket = std::move(bucket);
-  bucket = std::move(made);
-  ++size_;
-  if (listener_ != nullptr) listener_->onObjectSetChange(parent->hash, bucket->type, hash);
-  return *bucket;
+  Node& node = *made;
+  if (Journal* const journal = this->journal()) {
+    auto step = journal->prepare([this, &node, grouped = parent->children.isAboutToGroup()]() noexcept {
+      if (grouped) node.parent->children.ungroup();
+      (void)unlink(node);
+    });
+    parent->children.append(node);
+    journal->keep(std::move(step));
+  } else {
+    parent->children.append(node);
+  }
+  if (!node.listedAsFound) hasOtherwiseListed_ = true;
+  link(std::move(made));
+  if (listener_ != nullptr) listener_->onObjectSetChange(parent->hash, node.type, hash);
+  return node;
 }
 
 std::size_t DynamicTDF::NodeStore::bucketOf(PathHash const& hash) const noexcept {
@@ -198,6 +267,23 @@ void DynamicTDF::NodeStore::grow() {
   }
 }
 
+/// Exchanges the objects. The kept look-ups of both are lost.
+void DynamicTDF::NodeStore::swapContent(NodeStore& other) noexcept {
+  noteChange();
+  names_.swap(other.names_);
+  buckets_.swap(other.buckets_);
+  std::swap(size_, other.size_);
+  std::swap(hasOtherwiseListed_, other.hasOtherwiseListed_);
+  std::swap(root_, other.root_);
+  forgetLookUps();
+  other.forgetLookUps();
+}
+
+void DynamicTDF::NodeStore::forgetLookUps() noexcept {
+  forgetLoad();
+  for (Found& found : found_) found.node = nullptr;
+}
+
 /// Removes the objects of each chain one by one. Destroying a chain as a whole would recurse for every object in it.
 void DynamicTDF::NodeStore::clear() noexcept {
   for (std::unique_ptr<Node>& chain : buckets_) {
@@ -205,9 +291,8 @@ void DynamicTDF::NodeStore::clear() noexcept {
   }
   size_ = 0;
   hasOtherwiseListed_ = false;
-  forgetLoad();
   root_ = nullptr;
-  for (Found& found : found_) found.node = nullptr;
+  forgetLookUps();
 }
 
 /// Removes the kept look-ups of an object that is about to be removed.

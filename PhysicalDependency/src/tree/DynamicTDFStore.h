@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "journal/Journal.h"
 #include "tree/DynamicTDFNode.h"
 #include "tree/TreeListener.h"
 
@@ -42,6 +44,9 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   [[nodiscard]] bool hasOtherwiseListed() const noexcept {
     return hasOtherwiseListed_;
   }
+  void setOtherwiseListed(bool has) noexcept {
+    hasOtherwiseListed_ = has;
+  }
 
   /// Another number after every change to objects, parameters and values. Objects count by themselves; who changes a
   /// parameter calls `noteChange` before.
@@ -61,6 +66,20 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     return listener_;
   }
 
+  /// Null, which it is at the start, for none. The store records objects; who changes a parameter records that. Not
+  /// owned, and not exchanged by `reset`.
+  void setJournal(Journal * journal) noexcept {
+    journal_ = journal;
+  }
+  /// Null also while the journal does not record.
+  [[nodiscard]] Journal* journal() const noexcept {
+    return journal_ != nullptr && journal_->isRecording() ? journal_ : nullptr;
+  }
+  /// The position in the journal, if it records.
+  [[nodiscard]] std::optional<Journal::Position> positionInJournal() const noexcept {
+    return journal() == nullptr ? std::nullopt : std::optional(journal()->position());
+  }
+
   /// The types and parameter names of the tree.
   [[nodiscard]] NamePool& names() noexcept {
     return names_;
@@ -75,10 +94,32 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// be one that `TDFPath` accepts.
   Node& findCreateChild(Node & parent, std::string_view component);
 
-  /// Removes an object that has no children and is not the root.
-  void removeLeaf(Node & node) noexcept;
-  /// Removes `made` and the objects above it, up to but not including `kept`. None of them may have another child.
-  void removeUpTo(Node const& kept, Node& made) noexcept;
+  /// Removed objects that a journal keeps, and the step that puts them back.
+  class Removed {
+   public:
+    explicit Removed(NodeStore& store) noexcept : store_(&store) {}
+    Removed(Removed&&) noexcept = default;
+    Removed& operator=(Removed&&) = delete;
+    ~Removed();
+    void take(std::unique_ptr<Node> node) noexcept;
+    void operator()() noexcept;
+
+   private:
+    [[nodiscard]] std::unique_ptr<Node> takeBack() noexcept;
+
+    NodeStore* store_;
+    /// The one that was removed last. The others follow as in a bucket.
+    std::unique_ptr<Node> last_;
+  };
+
+  /// Adds the step for the objects that are removed next, so that removing them does not fail. Null when no journal
+  /// records.
+  [[nodiscard]] Removed* recordRemoval();
+  /// Removes an object that has no children and is not the root. Gives it to `removed`, unless that is null.
+  void removeLeaf(Node & node, Removed * removed) noexcept;
+  /// Takes back the creation of `made` and of the objects above it, up to but not including `kept`. Nothing below or
+  /// beside them may have been created since. `before` is the position in the journal before the creation.
+  void takeBackCreation(Node const& kept, Node& made, std::optional<Journal::Position> const& before) noexcept;
 
   /// Returns whether the object is the one that `find` returns for the path.
   [[nodiscard]] static bool isFoundUnder(Node const& node, std::string_view path) noexcept;
@@ -103,6 +144,11 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   [[nodiscard]] Node* search(std::string_view path) const;
   void forget(Node const& node) const noexcept;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
+  [[nodiscard]] std::unique_ptr<Node> unlink(Node & node) noexcept;
+  void link(std::unique_ptr<Node> node) noexcept;
+  void putBack(std::unique_ptr<Node> node) noexcept;
+  void swapContent(NodeStore & other) noexcept;
+  void forgetLookUps() noexcept;
   [[nodiscard]] std::size_t bucketOf(PathHash const& hash) const noexcept;
   void grow();
   void clear() noexcept;
@@ -115,6 +161,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   std::uint64_t revision_ = 0;
   bool hasOtherwiseListed_ = false;
   TreeListener* listener_ = nullptr;
+  Journal* journal_ = nullptr;
   std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;
 

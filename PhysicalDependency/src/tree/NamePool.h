@@ -19,6 +19,7 @@ class NamePool {
   }
 
   void clear() noexcept { names_.clear(); }
+  void swap(NamePool& other) noexcept { names_.swap(other.names_); }
 
  private:
   struct Hash {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,51 +84,112 @@ class NameTable {
       }
       return nullptr;
     }
-    Chunk& chunk = chunkOf(name);
-    auto const place = placeIn(chunk, name);
-    return place != chunk.end() && place->name() == name ? &place->value : nullptr;
+    Chunk& own = chunk(chunkOf(name));
+    auto const place = placeIn(own, name);
+    return place != own.end() && place->name() == name ? &place->value : nullptr;
   }
   [[nodiscard]] Value const* find(std::string_view name) const noexcept {
     return const_cast<NameTable*>(this)->find(name);
   }
 
+  /// Returns the end when there is no such entry.
+  [[nodiscard]] Iterator at(std::string_view name) noexcept {
+    std::size_t const number = chunkOf(name);
+    Chunk& own = chunk(number);
+    auto const place = placeIn(own, name);
+    if (place == own.end() || place->name() != name) return end();
+    return Iterator(this, number, static_cast<std::size_t>(place - own.begin()));
+  }
   [[nodiscard]] Value& valueAt(Iterator place) noexcept { return chunk(place.chunk_)[place.place_].value; }
 
+  /// Where an insertion put its entry, so that `takeBack` can restore the table exactly.
+  struct Inserted {
+    std::size_t chunk = 0;
+    std::size_t place = 0;
+    /// The chunk that was split to make room.
+    std::optional<std::size_t> split;
+  };
+
+  /// An entry that was taken out, with the memory that it leaves empty, so that `putBack` needs none.
+  struct Erased {
+    Entry entry;
+    std::size_t chunk;
+    std::size_t place;
+    /// The chunk itself, if this was its only entry and the table has others.
+    std::vector<Entry> emptied;
+    /// The list of the other chunks, if none is left in it.
+    std::unique_ptr<std::vector<std::vector<Entry>>> others;
+  };
+
   /// Adds an entry. The table must not have one of that name. `pooledName` must outlive the table.
-  void insert(std::string const& pooledName, Value&& value) {
-    Chunk& chunk = chunkOf(pooledName);
-    if (chunk.size() == chunkLimit) {
-      split(chunk);
-      insert(pooledName, std::move(value));
-      return;
+  Inserted insert(std::string const& pooledName, Value&& value) {
+    Inserted inserted;
+    inserted.chunk = chunkOf(pooledName);
+    if (chunk(inserted.chunk).size() == chunkLimit) {
+      split(inserted.chunk);
+      inserted.split = inserted.chunk;
+      inserted.chunk = chunkOf(pooledName);
     }
-    // Grows in small steps, because there are very many small tables and few of them become large.
-    if (chunk.size() == chunk.capacity()) chunk.reserve(chunk.size() + std::max<std::size_t>(2, chunk.size() / 2));
-    chunk.emplace(placeIn(chunk, pooledName), pooledName, std::move(value));
+    Chunk& own = chunk(inserted.chunk);
+    // Grows in small steps, because there are very many small tables and few of them become large. After a split there
+    // is room, so this cannot leave half an insertion.
+    if (own.size() == own.capacity()) own.reserve(own.size() + std::max<std::size_t>(2, own.size() / 2));
+    auto const place = own.emplace(placeIn(own, pooledName), pooledName, std::move(value));
+    inserted.place = static_cast<std::size_t>(place - own.begin());
+    return inserted;
+  }
+
+  /// Undoes an insertion. What was done after it must have been undone.
+  void takeBack(Inserted const& inserted) noexcept {
+    Chunk& own = chunk(inserted.chunk);
+    own.erase(own.begin() + static_cast<std::ptrdiff_t>(inserted.place));
+    if (!inserted.split) return;
+    Chunk& lower = chunk(*inserted.split);
+    Chunk& upper = chunk(*inserted.split + 1);
+    // A chunk that was split has room for all that it held.
+    lower.insert(lower.end(), std::make_move_iterator(upper.begin()), std::make_move_iterator(upper.end()));
+    others_->erase(others_->begin() + static_cast<std::ptrdiff_t>(*inserted.split));
+    if (others_->empty()) others_.reset();
   }
 
   /// Makes room for `count` entries in an empty table.
   void reserve(std::size_t count) { first_.reserve(std::min(count, chunkLimit)); }
 
-  /// Returns whether there was such an entry.
-  bool erase(std::string_view name) noexcept {
-    Chunk& chunk = chunkOf(name);
-    auto const place = placeIn(chunk, name);
-    if (place == chunk.end() || place->name() != name) return false;
-    chunk.erase(place);
-    dropIfEmpty(chunk);
-    return true;
-  }
-  /// Returns the position after the erased one.
-  Iterator erase(Iterator place) noexcept {
+  Erased takeOut(Iterator place) noexcept {
     Chunk& own = chunk(place.chunk_);
-    own.erase(own.begin() + static_cast<std::ptrdiff_t>(place.place_));
-    if (place.place_ < own.size()) return place;
-    bool const isLast = place.chunk_ + 1 == chunkCount();
-    bool const drops = own.empty() && others_ != nullptr;
-    dropIfEmpty(own);
-    if (isLast) return end();
-    return Iterator(this, drops ? place.chunk_ : place.chunk_ + 1, 0);
+    auto const entry = own.begin() + static_cast<std::ptrdiff_t>(place.place_);
+    Erased erased{std::move(*entry), place.chunk_, place.place_, {}, nullptr};
+    own.erase(entry);
+    if (!own.empty() || others_ == nullptr) return erased;
+    erased.emptied = std::move(own);
+    if (place.chunk_ == 0) first_ = std::move(others_->front());
+    auto const removed = std::max<std::size_t>(place.chunk_, 1) - 1;
+    others_->erase(others_->begin() + static_cast<std::ptrdiff_t>(removed));
+    if (others_->empty()) erased.others = std::move(others_);
+    return erased;
+  }
+
+  /// Undoes a `takeOut`. What was done after it must have been undone. Each chunk then has the memory that it had, so
+  /// nothing is allocated.
+  void putBack(Erased&& erased) noexcept {
+    if (erased.emptied.capacity() != 0) {
+      if (erased.others != nullptr) others_ = std::move(erased.others);
+      if (erased.chunk == 0) {
+        others_->insert(others_->begin(), std::move(first_));
+        first_ = std::move(erased.emptied);
+      } else {
+        others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(erased.chunk - 1), std::move(erased.emptied));
+      }
+    }
+    Chunk& own = chunk(erased.chunk);
+    own.insert(own.begin() + static_cast<std::ptrdiff_t>(erased.place), std::move(erased.entry));
+  }
+
+  /// Returns the position of the entry that followed an erased one.
+  [[nodiscard]] Iterator after(Erased const& erased) const noexcept {
+    if (erased.chunk >= chunkCount()) return end();
+    if (erased.place < chunk(erased.chunk).size()) return Iterator(this, erased.chunk, erased.place);
+    return erased.chunk + 1 >= chunkCount() ? end() : Iterator(this, erased.chunk + 1, 0);
   }
 
  private:
@@ -138,12 +200,12 @@ class NameTable {
   [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
   [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
 
-  /// Returns the chunk that holds an entry of that name or would hold it.
-  [[nodiscard]] Chunk& chunkOf(std::string_view name) noexcept {
-    if (others_ == nullptr) return first_;
+  /// Returns the number of the chunk that holds an entry of that name or would hold it.
+  [[nodiscard]] std::size_t chunkOf(std::string_view name) const noexcept {
+    if (others_ == nullptr) return 0;
     auto const behind = std::upper_bound(others_->begin(), others_->end(), name,
                                          [](std::string_view a, Chunk const& b) { return a < b.front().name(); });
-    return behind == others_->begin() ? first_ : *std::prev(behind);
+    return static_cast<std::size_t>(behind - others_->begin());
   }
 
   [[nodiscard]] static typename Chunk::iterator placeIn(Chunk& chunk, std::string_view name) noexcept {
@@ -154,8 +216,7 @@ class NameTable {
   }
 
   /// Splits a chunk in two. The lower one keeps its position. Names that are inserted in order leave full chunks.
-  void split(Chunk& full) {
-    std::size_t const number = &full == &first_ ? 0 : static_cast<std::size_t>(&full - others_->data()) + 1;
+  void split(std::size_t number) {
     std::size_t const kept = number + 1 == chunkCount() ? chunkLimit - 1 : chunkLimit / 2;
     Chunk upper;
     upper.reserve(chunkLimit);
@@ -172,17 +233,6 @@ class NameTable {
     added.insert(added.end(), std::make_move_iterator(lower.begin() + static_cast<std::ptrdiff_t>(kept)),
                  std::make_move_iterator(lower.end()));
     lower.erase(lower.begin() + static_cast<std::ptrdiff_t>(kept), lower.end());
-  }
-
-  void dropIfEmpty(Chunk& chunk) noexcept {
-    if (!chunk.empty() || others_ == nullptr) return;
-    if (&chunk == &first_) {
-      first_ = std::move(others_->front());
-      others_->erase(others_->begin());
-    } else {
-      others_->erase(others_->begin() + (&chunk - others_->data()));
-    }
-    if (others_->empty()) others_.reset();
   }
 
   // In order. No chunk is empty except the first one of an empty table.

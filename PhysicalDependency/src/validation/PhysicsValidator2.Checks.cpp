@@ -28,7 +28,8 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableParam(Pa
     ParamAllowedValues const& allowed = info->getAllowedValues();
     if (allowed.hasAllowedValues && !allowed.allowsAnyValue) checkAllowedValues(objPath, name, *value, info);
   } else if (info->isRequired()) {
-    logError(objPath, formatMissingParam(objPath, name));
+    logError({.kind = PhysicsFault::MissingParameter, .path = objPath, .item = name},
+             formatMissingParam(objPath, name));
   }
   return Continue;
 }
@@ -36,7 +37,10 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableParam(Pa
 PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableParam(ParamAvailInfo const* info) {
   std::string const& objPath = info->getObjPath();
   std::string const& name = info->getName();
-  if (currentObject_->findValue(name) != nullptr) logError(objPath, formatInvalidParam(objPath, name));
+  if (std::string const* const value = currentObject_->findValue(name)) {
+    logError({.kind = PhysicsFault::ParameterNotAvailable, .path = objPath, .item = name, .value = *value},
+             formatInvalidParam(objPath, name));
+  }
   return Continue;
 }
 
@@ -48,7 +52,9 @@ void PhysicsValidator2::Impl::checkAllowedValues(std::string const& objPath, std
     if (allowed.contains(value)) {
       logIfParamValueBetaMessage(objPath, name, value);
     } else {
-      logError(objPath, formatInvalidValue(objPath, name, allowed.vector(), value));
+      logError(
+          {.kind = PhysicsFault::ValueNotAllowed, .path = objPath, .item = name, .value = value, .allowed = allowed},
+          formatInvalidValue(objPath, name, allowed.vector(), value));
     }
     return;
   }
@@ -56,7 +62,15 @@ void PhysicsValidator2::Impl::checkAllowedValues(std::string const& objPath, std
   std::vector<std::string> values;
   filteredTree_.getParamValueAsList(objPath, name, values);
   std::vector<std::string> const disallowed = setDifferenceOf(values, allowed);
-  if (!disallowed.empty()) logError(objPath, formatInvalidValues(objPath, name, allowed.vector(), disallowed));
+  if (!disallowed.empty()) {
+    logError({.kind = PhysicsFault::ValueNotAllowed,
+              .path = objPath,
+              .item = name,
+              .value = value,
+              .wrong = disallowed,
+              .allowed = allowed},
+             formatInvalidValues(objPath, name, allowed.vector(), disallowed));
+  }
   // Beta messages are rare. Without any, the good values are not needed.
   if (betaController_ != nullptr && betaController_->anyLoggedMessages()) {
     for (std::string const& good : setDifferenceOf(values, disallowed)) {
@@ -90,13 +104,17 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableChild(
   std::string const& objPath = info->getObjPath();
   std::string const& type = info->getType();
   if (info->isSingleton()) {
-    if (filteredTree_.hasObject(objPath + "/" + type)) logError(objPath, formatInvalidSingleton(objPath, type));
+    if (filteredTree_.hasObject(objPath + "/" + type)) {
+      logError({.kind = PhysicsFault::ObjectNotAvailable, .path = objPath, .item = type},
+               formatInvalidSingleton(objPath, type));
+    }
     return Continue;
   }
 
   std::vector<std::string> names;
   if (filteredTree_.getChildObjectNamesByType(objPath, type, names)) {
-    logError(objPath, formatInvalidNamedObjs(objPath, type, names));
+    logError({.kind = PhysicsFault::ObjectNotAvailable, .path = objPath, .item = type, .wrong = names},
+             formatInvalidNamedObjs(objPath, type, names));
   }
   return Continue;
 }
@@ -111,22 +129,36 @@ void PhysicsValidator2::Impl::checkChildNames(std::string const& objPath, std::s
   Strings const allowed(firstAllowed, lastAllowed);
 
   std::vector<std::string> const disallowed = setDifferenceOf(names, allowed);
-  if (!disallowed.empty()) logError(objPath, formatInvalidNames(objPath, type, allowed, disallowed));
+  if (!disallowed.empty()) {
+    logError({.kind = PhysicsFault::ObjectNameNotAllowed,
+              .path = objPath,
+              .item = type,
+              .wrong = disallowed,
+              .allowed = std::vector<std::string>(firstAllowed, lastAllowed)},
+             formatInvalidNames(objPath, type, allowed, disallowed));
+  }
   if (info->isRequired()) {
     std::vector<std::string> const missing = setDifferenceOf(allowed, names);
     if (!missing.empty()) beginMissingNamedObjs(objPath, type, missing);
   }
 }
 
-void PhysicsValidator2::Impl::logError(std::string const& objPath, std::string const& text) {
-  logger_->logDependencyError(objPath, PhysicsErrorMsg(text));
+void PhysicsValidator2::Impl::observe(PhysicsFault const& fault) {
+  if (observer_ != nullptr) observer_->onFault(fault);
+}
+
+void PhysicsValidator2::Impl::logError(PhysicsFault fault, std::string const& text) {
+  fault.message = text;
+  observe(fault);
+  logger_->logDependencyError(std::string(fault.path), PhysicsErrorMsg(text));
 }
 
 void PhysicsValidator2::Impl::logBetaMessage(std::string const& objPath, std::string const& item,
                                              std::vector<std::string> const& messages) {
   if (messages.empty()) return;
-  logger_->logDependencyError(objPath + "/" + item,
-                              PhysicsErrorMsg(StringUtilities::vectorToString(messages, '\n'), PhysicsErrorMsg::Beta));
+  PhysicsErrorMsg const message(StringUtilities::vectorToString(messages, '\n'), PhysicsErrorMsg::Beta);
+  observe({.kind = PhysicsFault::BetaMessage, .path = objPath, .item = item, .message = message.message});
+  logger_->logDependencyError(objPath + "/" + item, message);
 }
 
 void PhysicsValidator2::Impl::logIfParamBetaMessage(std::string const& objPath, std::string const& name) {

@@ -77,9 +77,14 @@ void PhysicsValidator2::Impl::logMissingObjError() {
   if (!missingRecord_.hasReported()) return;
   std::string const& objPath = missingRecord_.objPath();
   std::string const& type = missingRecord_.type();
-  logError(objPath, missingRecord_.isSingleton()
-                        ? ValidationMessages::formatMissingSingleton(objPath, type)
-                        : ValidationMessages::formatMissingNamedObjs(objPath, type, missingRecord_.getReportedNames()));
+  PhysicsFault fault = {.kind = PhysicsFault::MissingObject, .path = objPath, .item = type};
+  if (missingRecord_.isSingleton()) {
+    logError(fault, ValidationMessages::formatMissingSingleton(objPath, type));
+    return;
+  }
+  std::vector<std::string> const names = missingRecord_.getReportedNames();
+  fault.wrong = names;
+  logError(fault, ValidationMessages::formatMissingNamedObjs(objPath, type, names));
 }
 
 /// The record is cleared last, so that all of it is repeated after a failure.

@@ -83,7 +83,9 @@ PhysicsValidator2::Impl::Impl(PhysicsValidator2& self, PhysicsData const& rules)
       // The trees are only loaded and read, and a log of a large load costs more than the load.
       filteredTree_(false),
       missingTree_(false) {
-  for (std::string const& name : rules.getGlobalCheckNames()) globalChecks_.push_back(rules.getGlobalCheck(name, true));
+  for (std::string const& name : rules.getGlobalCheckNames()) {
+    globalChecks_.emplace_back(name, rules.getGlobalCheck(name, true));
+  }
 }
 
 PhysicsValidator2::ValStatus PhysicsValidator2::Impl::doValidate(ValType type, ModelState const& state,
@@ -113,9 +115,11 @@ PhysicsValidator2::ValStatus PhysicsValidator2::Impl::doValidate(ValType type, M
 }
 
 void PhysicsValidator2::Impl::evaluateGlobalChecks(EvalContext* evalContext) {
-  for (GlobalCheck const* const check : globalChecks_) {
+  for (auto const& [name, check] : globalChecks_) {
     auto const [passed, message] = check->evaluate(evalContext);
-    if (!passed) logger_->logGlobalError(message);
+    if (passed) continue;
+    observe({.kind = PhysicsFault::GlobalCheckFailed, .item = name, .message = message.message});
+    logger_->logGlobalError(message);
   }
 }
 
@@ -259,6 +263,10 @@ PhysicsValidator2::ValStatus PhysicsValidator2::validate(ValType type, ModelStat
 
 void PhysicsValidator2::setLogger(PhysicsErrorLogger* logger) noexcept {
   impl_->logger_ = logger;
+}
+
+void PhysicsValidator2::setFaultObserver(PhysicsFaultObserver* observer) noexcept {
+  impl_->observer_ = observer;
 }
 
 void PhysicsValidator2::setBetaLoggingController(BetaLoggingController* controller) noexcept {

@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/PertinentRoots.h>
+#include <tarn/PhysicsFault.h>
 #include <tarn/PhysicsValidator2.h>
 
 #include "validation/MissingObjRecord.h"
@@ -60,7 +62,8 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
   void logMissingObjError();
   void resetMissingObjMode();
 
-  void logError(std::string const& objPath, std::string const& text);
+  void observe(PhysicsFault const& fault);
+  void logError(PhysicsFault fault, std::string const& text);
   void logBetaMessage(std::string const& objPath, std::string const& item, std::vector<std::string> const& messages);
   void logIfParamBetaMessage(std::string const& objPath, std::string const& name);
   void logIfParamValueBetaMessage(std::string const& objPath, std::string const& name, std::string const& value);
@@ -73,10 +76,11 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
 
   // Constant after construction.
   PertinentRoots roots_;
-  std::vector<GlobalCheck const*> globalChecks_;
+  std::vector<std::pair<std::string, GlobalCheck const*>> globalChecks_;  // by name, in the order of the rules
 
   // Set by the host.
   PhysicsErrorLogger* logger_ = nullptr;
+  PhysicsFaultObserver* observer_ = nullptr;
   BetaLoggingController* betaController_ = nullptr;
 
   // The model that was validated last.

@@ -32,6 +32,11 @@ class TARN_EXPORT ChildAvail {
   /// The names of the first children of a required type that has no allowed names. Null: none.
   std::unique_ptr<ListExpression> defaultNamesSource;
 
+  /// How many children of this type there must be at least, and may be at most: numbers as texts, evaluated in the
+  /// parent. Null: no limit. A review judges them where the type is available; walks, editing and the validator do not.
+  std::unique_ptr<TextExpression> minimumCount;
+  std::unique_ptr<TextExpression> maximumCount;
+
   /// As in `ParamAvail`.
   std::vector<std::string> contexts;
   std::unique_ptr<Condition> available;

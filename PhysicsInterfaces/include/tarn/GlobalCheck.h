@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <tarn/CheckLevel.h>
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
 #include <tarn/PhysicsErrorMsg.h>
@@ -14,6 +15,14 @@ class TARN_EXPORT GlobalCheck : public RuleExpression {
  public:
   /// Returns whether the check passes, and the message for the user. The message is used only if it fails.
   [[nodiscard]] virtual std::pair<bool, PhysicsErrorMsg> evaluate(EvalContext* evalContext) const = 0;
+
+  /// The level of a failure in a review. A validator does not look at it. Set it before the check is shared between
+  /// threads.
+  [[nodiscard]] CheckLevel level() const noexcept { return level_; }
+  void setLevel(CheckLevel level) noexcept { level_ = level; }
+
+ private:
+  CheckLevel level_ = CheckLevel::Error;
 };
 
 }  // namespace tarn

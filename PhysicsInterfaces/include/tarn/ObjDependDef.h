@@ -4,11 +4,13 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include <tarn/ChildAvail.h>
 #include <tarn/Export.h>
+#include <tarn/ObjectCheck.h>
 #include <tarn/ParamAvail.h>
 #include <tarn/ParamValueDef.h>
 #include <tarn/RulePlace.h>
@@ -49,12 +51,13 @@ class TARN_EXPORT ObjDependDef {
 
   [[nodiscard]] std::string const& typePath() const noexcept { return typePath_; }
 
-  /// Adds an entry at the end. Returns false, and changes nothing, if the object has an entry of that name. Throws
-  /// `std::bad_alloc`, and adds nothing, when memory runs out.
+  /// Adds an entry at the end. Returns false, and changes nothing, if the object has an entry of that name and kind.
+  /// Throws `std::bad_alloc`, and adds nothing, when memory runs out.
   [[nodiscard]] bool addParam(ParamAvail entry, ParamValueDef valueDef);
   /// Adds an entry without a value rule. Operations that need its values then throw. Meant for tests of that case.
   [[nodiscard]] bool addParam(ParamAvail entry);
   [[nodiscard]] bool addChild(ChildAvail entry);
+  [[nodiscard]] bool addCheck(ObjectCheck check);
 
   /// The entries one by one, as a walk visits them. The pointer is null at the end. The bool says whether the entry is
   /// live: its `contexts` contain `contextRuleValue`, the value of the last context rule parameter before it, which is
@@ -69,6 +72,9 @@ class TARN_EXPORT ObjDependDef {
   /// All entries, live or not, in order.
   [[nodiscard]] std::vector<std::unique_ptr<ParamAvail>> const& params() const noexcept { return params_; }
   [[nodiscard]] std::vector<std::unique_ptr<ChildAvail>> const& children() const noexcept { return children_; }
+
+  /// The checks of every object of the type, in the order in which they were added.
+  [[nodiscard]] std::vector<std::unique_ptr<ObjectCheck>> const& checks() const noexcept { return checks_; }
 
   /// The entry at index `place` of `params`, and whether it is live with this context rule value.
   [[nodiscard]] std::pair<ParamAvail const*, bool> paramAvailAt(std::size_t place,
@@ -95,11 +101,13 @@ class TARN_EXPORT ObjDependDef {
   std::string typePath_;
   std::vector<std::unique_ptr<ParamAvail>> params_;
   std::vector<std::unique_ptr<ChildAvail>> children_;
+  std::vector<std::unique_ptr<ObjectCheck>> checks_;
   std::vector<std::unique_ptr<ParamValueDef>> valueDefs_;
   std::vector<std::size_t> requiredParams_;
   // Places by name. The keys are the names of the entries themselves.
   std::unordered_map<std::string_view, std::size_t> byName_;
   std::unordered_map<std::string_view, std::size_t> byType_;
+  std::unordered_set<std::string_view> checkNames_;
 };
 
 }  // namespace tarn

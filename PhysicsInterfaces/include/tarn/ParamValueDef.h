@@ -14,12 +14,13 @@
 #include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
 #include <tarn/TDFParam.h>
+#include <tarn/TextPattern.h>
 
 namespace tarn {
 
-/// The value rule of a parameter: its type, allowed values, default, override, bounds and quantity type. Fill the
-/// fields and pass the record to `ObjDependDef::addParam`. The `ModelRules` of the evaluating operations may be null;
-/// then only the controller of the `EvalContext` collects beta messages.
+/// The value rule of a parameter: its type, allowed values, default, override, bounds, pattern and quantity type. Fill
+/// the fields and pass the record to `ObjDependDef::addParam`. The `ModelRules` of the evaluating operations may be
+/// null; then only the controller of the `EvalContext` collects beta messages.
 ///
 /// Null members. Every expression may be null. A null condition holds always. The other null expressions mean that the
 /// rule has no such part, with two consequences that are easy to miss: with `allowedValues` null the parameter has no
@@ -68,9 +69,18 @@ class TARN_EXPORT ParamValueDef {
   /// Null: no bound.
   std::unique_ptr<TextExpression> lowerBound;
   std::unique_ptr<TextExpression> upperBound;
+  /// A value equal to the bound is outside. A review judges this; nothing else reads it.
+  bool lowerBoundExcluded = false;
+  bool upperBoundExcluded = false;
 
   /// Its value is a key of `PhysicsData::quantityTypes`. Null: none.
   std::unique_ptr<TextExpression> quantityType;
+
+  /// The pattern that a String, or each item of a String List, must match as a whole. Null: any text will do. A review
+  /// judges it; nothing else reads it.
+  std::unique_ptr<TextPattern> pattern;
+  /// For people: the sentence for a text that does not match. Empty: a sentence that shows the pattern.
+  std::string patternMessage;
 
   /// Where the parameter is written: its name. The texts, lists and conditions above have places of their own.
   RulePlace rulePlace;

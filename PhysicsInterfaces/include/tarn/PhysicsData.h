@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include <tarn/ModelRules.h>
 #include <tarn/ObjDependDef.h>
 #include <tarn/ParamValueDef.h>
+#include <tarn/QuantityType.h>
 
 namespace tarn {
 
@@ -51,10 +54,12 @@ class TARN_EXPORT PhysicsData {
   /// them.
   [[nodiscard]] std::vector<std::string> const& getPertinentGlobalCheckRoots() const noexcept { return roots_; }
 
-  /// Every quantity type with its units. A value without usable units gets the first of them.
-  [[nodiscard]] std::map<std::string, std::vector<std::string>> const& quantityTypes() const noexcept {
+  /// Every quantity type by its name.
+  [[nodiscard]] std::map<std::string, QuantityType, std::less<>> const& quantityTypes() const noexcept {
     return quantityTypes_;
   }
+  /// The quantity type of that name, or null.
+  [[nodiscard]] QuantityType const* findQuantityType(std::string_view name) const;
   /// The object types that have rules, in the order in which they were added.
   [[nodiscard]] std::vector<ObjDependDef const*> const& objects() const noexcept { return objectOrder_; }
   [[nodiscard]] std::vector<std::string> getCheckNames() const;
@@ -78,6 +83,8 @@ class TARN_EXPORT PhysicsData {
   [[nodiscard]] bool addCheck(std::string const& name, std::unique_ptr<Check> check);
   [[nodiscard]] bool addList(std::string const& name, std::unique_ptr<List> list);
   [[nodiscard]] bool addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check);
+  [[nodiscard]] bool addQuantityType(std::string const& name, QuantityType type);
+  /// The same for a type whose units have no conversions.
   [[nodiscard]] bool addQuantityType(std::string const& name, std::vector<std::string> const& units);
   /// Adds a type, unless it is there already.
   void addPertinentRoot(std::string const& type);
@@ -91,7 +98,7 @@ class TARN_EXPORT PhysicsData {
   std::map<std::string, std::unique_ptr<GlobalCheck>> globalChecks_;
   std::vector<std::string> globalCheckOrder_;
   std::vector<std::string> roots_;
-  std::map<std::string, std::vector<std::string>> quantityTypes_;
+  std::map<std::string, QuantityType, std::less<>> quantityTypes_;
   BetaLoggingController* beta_ = nullptr;
 };
 

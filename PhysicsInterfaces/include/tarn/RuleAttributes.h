@@ -27,6 +27,10 @@ inline constexpr std::string_view fallbackToBlankDefault = "Fallback To Blank De
 inline constexpr std::string_view valueOverrideCheckList = "Value Override Check List";
 inline constexpr std::string_view lowerBound = "Lower Bound";
 inline constexpr std::string_view upperBound = "Upper Bound";
+inline constexpr std::string_view lowerBoundExcluded = "Lower Bound Excluded";
+inline constexpr std::string_view upperBoundExcluded = "Upper Bound Excluded";
+inline constexpr std::string_view pattern = "Pattern";
+inline constexpr std::string_view patternMessage = "Pattern Message";
 inline constexpr std::string_view quantityType = "Quantity Type";
 inline constexpr std::string_view completeListRequired = "Complete List Required";
 

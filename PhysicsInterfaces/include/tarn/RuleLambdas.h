@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,7 @@
 #include <tarn/RuleReads.h>
 #include <tarn/SharedStrings.h>
 #include <tarn/TDFContext.h>
+#include <tarn/TextPattern.h>
 
 /// Rule expressions made of functions, for a program that fills a `PhysicsData` itself:
 ///
@@ -144,6 +146,28 @@ class FunctionGlobalCheck final : public GlobalCheck {
         return SharedStrings(std::move(items));
       },
       RuleReads::ofOwnParameter(name));
+}
+/// @}
+
+/// @name Patterns
+/// @{
+/// A pattern that `matches` decides; messages show it as `text`.
+class FunctionPattern final : public TextPattern {
+ public:
+  FunctionPattern(std::string text, std::function<bool(std::string_view)> matches)
+      : text_(std::move(text)), matches_(std::move(matches)) {}
+
+  [[nodiscard]] bool matches(std::string_view text) const override { return matches_(text); }
+  [[nodiscard]] std::string text() const override { return text_; }
+
+ private:
+  std::string text_;
+  std::function<bool(std::string_view)> matches_;
+};
+
+[[nodiscard]] inline std::unique_ptr<TextPattern> pattern(std::string text,
+                                                          std::function<bool(std::string_view)> matches) {
+  return std::make_unique<FunctionPattern>(std::move(text), std::move(matches));
 }
 /// @}
 

@@ -68,6 +68,18 @@ bool ObjDependDef::addChild(ChildAvail entry) {
   return true;
 }
 
+bool ObjDependDef::addCheck(ObjectCheck check) {
+  if (checkNames_.contains(check.name)) return false;
+  checks_.push_back(std::make_unique<ObjectCheck>(std::move(check)));
+  try {
+    checkNames_.insert(checks_.back()->name);
+  } catch (...) {
+    checks_.pop_back();
+    throw;
+  }
+  return true;
+}
+
 std::pair<ParamAvail const*, bool> ObjDependDef::firstParamAvail(PACursor& cursor) const {
   cursor.next_ = 0;
   return nextParamAvail(cursor, {});

@@ -89,8 +89,17 @@ bool PhysicsData::addGlobalCheck(std::string const& name, std::unique_ptr<Global
   return true;
 }
 
+QuantityType const* PhysicsData::findQuantityType(std::string_view name) const {
+  auto const found = quantityTypes_.find(name);
+  return found == quantityTypes_.end() ? nullptr : &found->second;
+}
+
+bool PhysicsData::addQuantityType(std::string const& name, QuantityType type) {
+  return quantityTypes_.try_emplace(name, std::move(type)).second;
+}
+
 bool PhysicsData::addQuantityType(std::string const& name, std::vector<std::string> const& units) {
-  return quantityTypes_.try_emplace(name, units).second;
+  return addQuantityType(name, QuantityType(units));
 }
 
 void PhysicsData::addPertinentRoot(std::string const& type) {

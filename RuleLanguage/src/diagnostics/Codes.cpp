@@ -1,5 +1,7 @@
 #include "diagnostics/Codes.h"
 
+#include <algorithm>
+
 namespace tarn::rules {
 
 namespace {
@@ -14,6 +16,25 @@ constexpr auto publicRows = [] {
 
 std::span<DiagnosticCode const> diagnosticCodes() noexcept {
   return publicRows;
+}
+
+std::string_view severityName(Severity severity) noexcept {
+  switch (severity) {
+    case Severity::Error:
+      return "error";
+    case Severity::Warning:
+      return "warning";
+    case Severity::Note:
+      return "note";
+  }
+  return "";
+}
+
+bool preventsLoading(Diagnostic const& diagnostic) noexcept {
+  if (diagnostic.severity != Severity::Error) return false;
+  auto const row = std::find_if(codeTable.begin(), codeTable.end(),
+                                [&](CodeRow const& one) { return one.info.name == diagnostic.code; });
+  return row == codeTable.end() || row->code < firstLintCode;
 }
 
 }  // namespace tarn::rules

@@ -40,6 +40,12 @@ enum class Code : std::uint8_t {
   UnknownParameterType,
   NotAListType,
   NoUnits,
+  InvalidUnits,
+  InvalidConversion,
+  NoUnitDefinitions,
+  InvalidPattern,
+  InvalidCount,
+  UnknownLevel,
   CircularCall,
   // Expressions
   ExpressionSyntax,
@@ -50,6 +56,9 @@ enum class Code : std::uint8_t {
   WrongOperandKind,
   InvalidPath,
   SeveralParameters,
+  UnitsOfNoType,
+  UnitsOfAnotherType,
+  AmbiguousUnits,
   // Lint
   UnknownRootType,
   UnknownObjectPath,
@@ -71,7 +80,20 @@ enum class Code : std::uint8_t {
   BoundsReversed,
   UnknownQuantityType,
   NeverLive,
+  MissingRoots,
+  NoConversion,
+  UnitsNotListed,
+  BoundWithoutUnits,
+  DifferentQuantities,
+  RequiresNothing,
+  NeverAdded,
+  CountsReversed,
+  DefaultNotMatching,
+  PatternMatchesEmpty,
 };
+
+/// Lint alone finds this code and those after it.
+inline constexpr Code firstLintCode = Code::UnknownRootType;
 
 struct CodeRow {
   Code code;
@@ -115,6 +137,17 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::NotAListType,
      {"not-a-list-type", Severity::Error, "A parameter has an attribute that only list types can have."}},
     {Code::NoUnits, {"no-units", Severity::Error, "A quantity type lists no units."}},
+    {Code::InvalidUnits,
+     {"invalid-units", Severity::Error,
+      "The text of a unit is too long, or holds a bracket, which no value can have."}},
+    {Code::InvalidConversion,
+     {"invalid-conversion", Severity::Error,
+      "The factor or the offset of a unit is not a number, the factor is zero, or the first unit has a conversion."}},
+    {Code::NoUnitDefinitions,
+     {"no-unit-definitions", Severity::Error, "The units library cannot read its definitions of units."}},
+    {Code::InvalidPattern, {"invalid-pattern", Severity::Error, "A pattern is not a regular expression."}},
+    {Code::InvalidCount, {"invalid-count", Severity::Error, "A count of children is not a whole number from 0 on."}},
+    {Code::UnknownLevel, {"unknown-level", Severity::Error, "The level of a check is neither Error nor Warning."}},
     {Code::CircularCall, {"circular-call", Severity::Error, "Named rules call each other in a circle."}},
 
     {Code::ExpressionSyntax,
@@ -134,6 +167,16 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::SeveralParameters,
      {"several-parameters", Severity::Error,
       "A path that can match several parameters is used where one value is needed."}},
+    {Code::UnitsOfNoType,
+     {"units-of-no-type", Severity::Error, "An expression has a quantity whose units no quantity type lists."}},
+    {Code::UnitsOfAnotherType,
+     {"units-of-another-type", Severity::Error,
+      "An expression takes a quantity together with one of a quantity type that does not list its units."}},
+    {Code::AmbiguousUnits,
+     {"ambiguous-units", Severity::Error,
+      "An expression has a quantity whose units several quantity types convert differently, and does not show which "
+      "one "
+      "is meant."}},
 
     {Code::UnknownRootType,
      {"unknown-root-type", Severity::Warning, "Pertinent Roots names a type that has no rules."}},
@@ -168,6 +211,31 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
      {"unknown-quantity-type", Severity::Warning, "A parameter has a quantity type that is not under Quantity Types."}},
     {Code::NeverLive,
      {"never-live", Severity::Warning, "The context of an entry can never occur, so the entry is never live."}},
+    {Code::MissingRoots,
+     {"missing-roots", Severity::Error, "No file names Pertinent Roots, so no model can be judged."}},
+    {Code::NoConversion,
+     {"no-conversion", Severity::Warning, "Units of a quantity type cannot be converted to its first unit."}},
+    {Code::UnitsNotListed,
+     {"units-not-listed", Severity::Error,
+      "A bound, default or override is given in units that the quantity type of its parameter does not list."}},
+    {Code::BoundWithoutUnits,
+     {"bound-without-units", Severity::Note,
+      "A bound of a quantity has no units, so it counts in the first unit of the quantity type."}},
+    {Code::DifferentQuantities,
+     {"different-quantities", Severity::Warning,
+      "Quantities of different types are compared or added, or one is the bound, default or override of the other."}},
+    {Code::RequiresNothing,
+     {"requires-nothing", Severity::Warning,
+      "A child type is required, but its names are free and it has no minimum count, so no child need exist."}},
+    {Code::NeverAdded,
+     {"never-added", Severity::Warning,
+      "A child type with free names is neither required nor coupled, so no edit can add such a child."}},
+    {Code::CountsReversed,
+     {"counts-reversed", Severity::Warning, "The maximum count of a child type is below its minimum count."}},
+    {Code::DefaultNotMatching,
+     {"default-not-matching", Severity::Warning, "A default does not match the pattern of its parameter."}},
+    {Code::PatternMatchesEmpty,
+     {"pattern-matches-empty-text", Severity::Note, "A pattern matches the empty text too."}},
 });
 
 static_assert(

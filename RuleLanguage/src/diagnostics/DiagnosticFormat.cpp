@@ -65,7 +65,7 @@ void appendPlace(std::string& out, Shown const& one, std::string_view label) {
 
 std::string format(Diagnostic const& diagnostic) {
   std::string out;
-  appendPlace(out, diagnostic, diagnostic.severity == Severity::Error ? "error" : "warning");
+  appendPlace(out, diagnostic, severityName(diagnostic.severity));
   for (auto const& note : diagnostic.notes) appendPlace(out, note, "note");
   return out;
 }

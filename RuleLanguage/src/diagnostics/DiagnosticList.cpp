@@ -94,7 +94,7 @@ std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& fil
   };
   // A part that several aliases refer to is read several times. Its diagnostics are kept once.
   std::set<std::tuple<std::string_view, std::size_t, std::size_t, std::string_view>> told;
-  if (!warnings) std::erase_if(list_, [](Diagnostic const& one) { return one.severity == Severity::Warning; });
+  if (!warnings) std::erase_if(list_, [](Diagnostic const& one) { return one.severity != Severity::Error; });
   std::stable_sort(list_.begin(), list_.end(), [&](auto const& a, auto const& b) { return key(a) < key(b); });
   std::vector<Diagnostic> result;
   result.reserve(list_.size() + 1);  // the views into its elements must stay valid

@@ -59,8 +59,24 @@ std::optional<bool> Expression::logical(Frame const& frame) const {
 double Expression::number(Frame const& frame) const {
   if (kind_ == Kind::Truth) return std::numeric_limits<double>::quiet_NaN();
   std::string buffer;
-  return textNumber(textIn(frame, buffer));
+  return numberOf(textIn(frame, buffer));
 }
+
+double Expression::numberOf(std::string_view text) const noexcept {
+  auto const quantity = TDFParam::asQuantity(text);
+  if (!quantity) return std::numeric_limits<double>::quiet_NaN();
+  return quantity_ != nullptr ? quantity_->numberOf(*quantity) : quantity->number;
+}
+
+std::vector<double> Expression::numbers(Frame const& frame) const {
+  auto const items = list(frame);
+  std::vector<double> result;
+  result.reserve(items.size());
+  for (auto const& item : items) result.push_back(numberOf(item));
+  return result;
+}
+
+void Expression::bind(QuantityBinding& /*binding*/) {}
 
 std::string Expression::text(Frame const& frame) const {
   if (kind_ == Kind::Truth) return truth(frame) ? "true" : "false";

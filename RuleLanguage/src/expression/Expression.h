@@ -12,11 +12,14 @@
 
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
+#include <tarn/QuantityType.h>
 #include <tarn/RuleReads.h>
 #include <tarn/SharedStrings.h>
 #include <tarn/TDFContext.h>
 
 namespace tarn::rules {
+
+class QuantityBinding;
 
 /// The kind of an expression's result. A `Value` is text that its user may read as a number, truth value or list: a
 /// parameter, or a choice between results of different kinds.
@@ -95,6 +98,8 @@ class Expression {
   [[nodiscard]] virtual std::string text(Frame const& frame) const;
   [[nodiscard]] virtual SharedStrings list(Frame const& frame) const;
   [[nodiscard]] virtual std::vector<std::string> objects(Frame const& frame) const;
+  /// The numbers of the items of the list form. An item that is not a number is a NaN.
+  [[nodiscard]] virtual std::vector<double> numbers(Frame const& frame) const;
 
   /// True when `holds` returns true for one of the objects. It is called for them in order, and not after that.
   [[nodiscard]] virtual bool anyObject(Frame const& frame, ObjectQuestion const& holds) const;
@@ -111,14 +116,38 @@ class Expression {
   /// Adds everything that an evaluation may read as seen from `base`, including called rules.
   virtual void collectReads(RuleReads& reads, PathPattern const& base) const = 0;
 
+  /// Gives this node and its operands their quantity types. Called once, when all rules are read and before the first
+  /// evaluation.
+  virtual void bind(QuantityBinding& binding);
+  /// Tells the quantities that are written out in this number, and that have no type yet, that they are of this type.
+  virtual void assume(QuantityType const& /*type*/, QuantityBinding& /*binding*/) {}
+
+  /// The quantity type in whose first unit the number form counts; null when it has none, or it is not known before an
+  /// evaluation. Known once the node is bound.
+  [[nodiscard]] QuantityType const* quantity() const noexcept { return quantity_; }
+  /// The same, or the type that the number most likely has.
+  [[nodiscard]] virtual QuantityType const* likelyQuantity() const noexcept { return quantity_; }
+  /// Whether the number form may be the result of a conversion, which rounds.
+  [[nodiscard]] bool isConverted() const noexcept { return isConverted_; }
+
   /// The operands, for tools that look for patterns in an expression.
   [[nodiscard]] virtual std::vector<Expression const*> operands() const { return {}; }
   /// The objects in whose context operand `i` is evaluated, when this node is evaluated at `base`.
   [[nodiscard]] virtual PathPattern operandBase(std::size_t /*i*/, PathPattern const& base) const { return base; }
 
+ protected:
+  void setQuantity(QuantityType const* type, bool isConverted) noexcept {
+    quantity_ = type;
+    isConverted_ = isConverted;
+  }
+  /// The number of a text of this node, converted when the quantity type is known.
+  [[nodiscard]] double numberOf(std::string_view text) const noexcept;
+
  private:
   Range range_;
   Kind kind_;
+  bool isConverted_ = false;
+  QuantityType const* quantity_ = nullptr;
 };
 
 using ExpressionPtr = std::unique_ptr<Expression>;

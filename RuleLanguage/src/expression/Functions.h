@@ -65,6 +65,8 @@ struct Function {
   bool readsContextIdentity = false;
   /// Items of the first so many arguments can be items of the result.
   std::size_t itemsFrom = 0;
+  /// The result counts in the unit of the first so many arguments, which are quantities of one type.
+  std::size_t quantitiesFrom = 0;
   Evaluation evaluate;
 
   [[nodiscard]] Argument argument(std::size_t i) const noexcept {

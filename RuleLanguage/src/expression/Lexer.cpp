@@ -40,7 +40,7 @@ constexpr std::array<Mistake, 9> mistakes = {{
     {"<>", "!=", "'<>' is not part of the language; write '!='"},
     {"=", "==", "'=' does not compare; write '=='"},
     {"!", "not", "'!' is not part of the language; write 'not'"},
-    {"[", "", "units cannot be written in an expression; a quantity counts as its number"},
+    {"[", "", "units belong behind a number that is written out: 12 [m/s]"},
     {"$", "", "'$' must be followed by a path in braces: ${Name}"},
     {"}", "", "'}' has no '{' before it"},
 }};
@@ -78,6 +78,7 @@ bool Lexer::next(Token& token, Issue& issue) {
 }
 
 bool Lexer::number(Token& token, Issue& issue) {
+  std::size_t const begin = position_;
   std::size_t end = position_;
   auto const digits = [&] {
     while (end < text_.size() && isDigit(text_[end])) ++end;
@@ -108,6 +109,18 @@ bool Lexer::number(Token& token, Issue& issue) {
   token.text = text_.substr(position_, end - position_);
   token.number = *value;
   position_ = end;
+  while (end < text_.size() && StringUtilities::isSpace(text_[end])) ++end;
+  if (end == text_.size() || text_[end] != '[') return true;
+  std::size_t const close = text_.find_first_of("[]", end + 1);
+  if (close == std::string_view::npos || text_[close] == '[') {
+    issue.range = {end, (close == std::string_view::npos ? text_.size() : close) - end};
+    issue.message = "the units that begin here have no closing ']'";
+    return false;
+  }
+  token.hasUnits = true;
+  token.units = text_.substr(end + 1, close - end - 1);
+  position_ = close + 1;
+  token.text = text_.substr(begin, position_ - begin);
   return true;
 }
 

@@ -16,6 +16,8 @@ struct Token {
   Range range;
   std::string text;
   double number = 0;
+  std::string units;  // of a number that is followed by its units in brackets
+  bool hasUnits = false;
   std::size_t contentOffset = 0;  // position of the first character of a path inside its braces
 };
 

@@ -22,6 +22,7 @@ class NamedRule {
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
   /// Null before `bind`.
   [[nodiscard]] Expression const* expression() const noexcept { return expression_.get(); }
+  [[nodiscard]] Expression* expression() noexcept { return expression_.get(); }
   [[nodiscard]] std::string const& source() const noexcept { return source_; }
   [[nodiscard]] Dependence const& dependence() const noexcept { return dependence_; }
 

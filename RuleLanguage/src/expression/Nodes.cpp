@@ -8,9 +8,11 @@
 
 #include <tarn/EvalCache.h>
 #include <tarn/PathUtils.h>
+#include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
 #include "expression/NamedRule.h"
+#include "expression/NearMatch.h"
 
 namespace tarn::rules {
 
@@ -53,6 +55,59 @@ std::string const& Literal::textIn(Frame const& frame, std::string& buffer) cons
   return kind() == Kind::Text ? text_ : Expression::textIn(frame, buffer);
 }
 
+// QuantityLiteral
+
+void QuantityLiteral::convert(QuantityUnit const& unit) {
+  if (unit.isConvertible) number_ = number_ * unit.factor + unit.offset;
+  settled_ = true;
+}
+
+void QuantityLiteral::assume(QuantityType const& type, QuantityBinding& binding) {
+  if (settled_) return;
+  if (auto const* unit = type.find(units_)) {
+    setQuantity(&type, type.hasConversions());
+    convert(*unit);
+    return;
+  }
+  settled_ = true;
+  binding.report({range(),
+                  "the quantity type " + inQuotes(binding.index().nameOf(type)) + " does not list the units [" +
+                      units_.substr(0, 60) + "]; it lists " + listedUnits(type),
+                  Code::UnitsOfAnotherType});
+}
+
+void QuantityLiteral::settle(QuantityBinding& binding) {
+  if (settled_) return;
+  QuantityUnit const* unit = nullptr;
+  QuantityType const* first = nullptr;
+  bool isConverted = false;
+  for (auto const& [name, type] : binding.index().data().quantityTypes()) {
+    auto const* found = type.find(units_);
+    if (found == nullptr) continue;
+    isConverted |= type.hasConversions();
+    bool const differs = unit != nullptr && (found->isConvertible != unit->isConvertible ||
+                                             found->factor != unit->factor || found->offset != unit->offset);
+    if (differs) {
+      binding.report({range(),
+                      "it is not known which quantity type this is of: " + inQuotes(binding.index().nameOf(*first)) +
+                          " and " + inQuotes(name) + " convert [" + units_.substr(0, 60) +
+                          "] differently; write the number in the unit in which the other numbers count",
+                      Code::AmbiguousUnits});
+      settled_ = true;
+      return;
+    }
+    if (unit == nullptr) first = &type;
+    unit = found;
+  }
+  if (unit == nullptr) {
+    binding.report({range(), "no quantity type lists the units [" + units_.substr(0, 60) + "]", Code::UnitsOfNoType});
+    settled_ = true;
+    return;
+  }
+  setQuantity(nullptr, isConverted);
+  convert(*unit);
+}
+
 // ListLiteral
 
 ListLiteral::ListLiteral(Range range, std::vector<ExpressionPtr> items) : Expression(Kind::List, range) {
@@ -75,6 +130,18 @@ SharedStrings ListLiteral::list(Frame const& frame) const {
   texts.reserve(items_.size());
   for (auto const& item : items_) texts.push_back(item->text(frame));
   return texts;
+}
+
+std::vector<double> ListLiteral::numbers(Frame const& frame) const {
+  if (items_.empty()) return Expression::numbers(frame);
+  std::vector<double> result;
+  result.reserve(items_.size());
+  for (auto const& item : items_) result.push_back(item->number(frame));
+  return result;
+}
+
+void ListLiteral::bind(QuantityBinding& binding) {
+  for (auto const& item : items_) item->bind(binding);
 }
 
 Dependence ListLiteral::dependence() const {
@@ -137,6 +204,117 @@ std::string const& ParameterReference::textIn(Frame const& frame, std::string& b
   return frame.model.getParameterValue(*path, name_);
 }
 
+ParamValueDef const* ParameterReference::valueRule(std::string const& path) const {
+  return data_ != nullptr ? data_->getParamValueDef(PathUtils::typePathOf(path), name_, true) : nullptr;
+}
+
+QuantityType const* ParameterReference::quantityAt(Frame const& frame, std::string const& path) const {
+  if (mixed_ == nullptr) return quantity();
+  auto const* rule = valueRule(path);
+  auto const found = mixed_->each.find(rule);
+  if (found == mixed_->each.end()) return nullptr;
+  if (found->second != nullptr) return found->second;
+  return data_->findQuantityType(rule->evaluateQuantityType(data_->getRules(), TDFContext(path), frame.evalContext));
+}
+
+namespace {
+
+/// The number of a value of a parameter whose quantity type `type` gives. It is asked only when there are units to
+/// convert, because a value without them counts as it stands.
+template <typename Type>
+double convertedNumber(std::string_view value, Type type) {
+  auto const parsed = TDFParam::asQuantity(value);
+  if (!parsed) return notANumber;
+  if (parsed->units.empty()) return parsed->number;
+  QuantityType const* const known = type();
+  return known != nullptr ? known->numberOf(*parsed) : parsed->number;
+}
+
+}  // namespace
+
+double ParameterReference::number(Frame const& frame) const {
+  std::string buffer;
+  auto const* path = objectPath(frame, buffer);
+  if (path == nullptr) return notANumber;
+  return convertedNumber(frame.model.getParameterValue(*path, name_), [&] { return quantityAt(frame, *path); });
+}
+
+std::vector<double> ParameterReference::numbers(Frame const& frame) const {
+  std::string buffer;
+  auto const* path = objectPath(frame, buffer);
+  auto const items = list(frame);
+  std::vector<double> result;
+  result.reserve(items.size());
+  for (auto const& item : items) {
+    result.push_back(convertedNumber(item, [&] { return path != nullptr ? quantityAt(frame, *path) : nullptr; }));
+  }
+  return result;
+}
+
+std::vector<double> ParameterReference::numbersOfAll(Frame const& frame) const {
+  std::vector<double> result;
+  forEachPresent(frame, [&](std::string const& path) {
+    result.push_back(
+        convertedNumber(frame.model.getParameterValue(path, name_), [&] { return quantityAt(frame, path); }));
+  });
+  return result;
+}
+
+std::optional<bool> ParameterReference::equalQuantities(Frame const& frame, std::string const& value,
+                                                        ParameterReference const& other,
+                                                        std::string const& otherValue) const {
+  // Almost no parameter is a quantity. For those nothing is looked up.
+  auto const mayHaveType = [](ParameterReference const& one) {
+    return one.quantity() != nullptr || one.mixed_ != nullptr;
+  };
+  if (!mayHaveType(*this) || !mayHaveType(other)) return std::nullopt;
+  std::string buffer;
+  auto const* path = objectPath(frame, buffer);
+  auto const* type = path != nullptr ? quantityAt(frame, *path) : nullptr;
+  if (type == nullptr) return std::nullopt;
+  auto const* rule = valueRule(*path);
+  bool const isList = rule != nullptr && TDFParam::isListType(rule->type);
+  auto const* otherPath = other.objectPath(frame, buffer);
+  if (otherPath == nullptr || other.quantityAt(frame, *otherPath) != type) return std::nullopt;
+
+  auto const itemsOf = [&](std::string const& text) {
+    return isList ? StringUtilities::stringToVector(text, ',') : std::vector<std::string>{text};
+  };
+  auto const items = itemsOf(value);
+  auto const otherItems = itemsOf(otherValue);
+  if (items.size() != otherItems.size()) return std::nullopt;
+  bool equal = true;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    auto const a = TDFParam::asQuantity(items[i]);
+    auto const b = TDFParam::asQuantity(otherItems[i]);
+    auto const x = a ? type->inFirstUnit(*a) : std::nullopt;
+    auto const y = b ? type->inFirstUnit(*b) : std::nullopt;
+    if (!x || !y) return std::nullopt;
+    equal = equal && QuantityType::areEqual(*x, *y);
+  }
+  return equal;
+}
+
+void ParameterReference::bind(QuantityBinding& binding) {
+  auto known = binding.index().of(name_);
+  if (known == nullptr) return;
+  if (known->sure != nullptr) {
+    setQuantity(known->sure, known->sure->hasConversions());
+    return;
+  }
+  if (fixed_) {
+    // The object type is known, so its rule decides, unless that computes the type.
+    auto const found = known->each.find(valueRule(fixedPath_));
+    if (found == known->each.end()) return;
+    if (found->second != nullptr) {
+      setQuantity(found->second, found->second->hasConversions());
+      return;
+    }
+  }
+  setQuantity(nullptr, true);
+  mixed_ = std::move(known);
+}
+
 std::string ParameterReference::text(Frame const& frame) const {
   std::string buffer;
   return textIn(frame, buffer);
@@ -163,23 +341,14 @@ bool ParameterReference::exists(Frame const& frame) const {
 
 std::vector<std::string> ParameterReference::values(Frame const& frame) const {
   std::vector<std::string> result;
-  auto const take = [&](std::string const& path) {
-    if (frame.model.hasParameter(path, name_)) result.push_back(frame.model.getParameterValue(path, name_));
-  };
-  if (objects_.isSingle()) {
-    std::string buffer;
-    if (auto const* path = objectPath(frame, buffer)) take(*path);
-  } else {
-    for (auto const& path : objects_.expand(frame.context, frame.model)) take(path);
-  }
+  forEachPresent(frame, [&](std::string const& path) { result.push_back(frame.model.getParameterValue(path, name_)); });
   return result;
 }
 
 std::optional<TDFParam::Type> ParameterReference::declaredType(Frame const& frame) const {
   std::string buffer;
   auto const* path = objectPath(frame, buffer);
-  if (path == nullptr || data_ == nullptr) return std::nullopt;
-  auto const* def = data_->getParamValueDef(PathUtils::typePathOf(*path), name_, true);
+  auto const* def = path != nullptr ? valueRule(*path) : nullptr;
   return def != nullptr ? std::optional(def->type) : std::nullopt;
 }
 
@@ -242,6 +411,36 @@ std::vector<Expression const*> Operation::operands() const {
   return pointers(operands_);
 }
 
+void Operation::bind(QuantityBinding& binding) {
+  for (auto const& operand : operands_) operand->bind(binding);
+  bindResult(binding);
+}
+
+void Operation::unify(std::size_t from, std::size_t to, QuantityBinding& binding) {
+  QuantityType const* sure = nullptr;
+  QuantityType const* likely = nullptr;
+  bool differ = false;
+  bool isConverted = false;
+  for (std::size_t i = from; i < to; ++i) {
+    auto const& operand = *operands_[i];
+    isConverted |= operand.isConverted();
+    if (auto const* type = operand.quantity()) {
+      differ |= sure != nullptr && sure != type;
+      sure = type;
+    } else if (operand.isConverted()) {
+      // A type that only an evaluation shows: the result's type is not known before that either.
+      differ = true;
+    }
+    if (likely == nullptr) likely = operand.likelyQuantity();
+  }
+  if (likely != nullptr) assumeAll(from, to, *likely, binding);
+  setQuantity(differ ? nullptr : sure, isConverted);
+}
+
+void Operation::assumeAll(std::size_t from, std::size_t to, QuantityType const& type, QuantityBinding& binding) {
+  for (std::size_t i = from; i < to; ++i) operands_[i]->assume(type, binding);
+}
+
 // Logic
 
 bool Logic::truth(Frame const& frame) const {
@@ -282,6 +481,16 @@ Comparison::Comparison(Operator op, Range range, std::vector<ExpressionPtr> oper
   }
 }
 
+void Comparison::bindResult(QuantityBinding& binding) {
+  unify(0, 2, binding);
+  isTolerant_ = left().isConverted() || right().isConverted();
+  setQuantity(nullptr, false);
+}
+
+bool Comparison::equalNumbers(double a, double b) const noexcept {
+  return a == b || (isTolerant_ && QuantityType::areEqual(a, b));
+}
+
 bool Comparison::equal(Frame const& frame) const {
   switch (mode_) {
     case Mode::Truth: {
@@ -290,7 +499,7 @@ bool Comparison::equal(Frame const& frame) const {
       return a && b && *a == *b;
     }
     case Mode::Number:
-      return left().number(frame) == right().number(frame);
+      return equalNumbers(left().number(frame), right().number(frame));
     case Mode::Text:
     case Mode::Parameters:
       break;
@@ -303,6 +512,8 @@ bool Comparison::equal(Frame const& frame) const {
     auto const* leftParameter = dynamic_cast<ParameterReference const*>(&left());
     auto const* rightParameter = dynamic_cast<ParameterReference const*>(&right());
     if (leftParameter != nullptr && rightParameter != nullptr) {
+      if (a == b) return true;
+      if (auto const known = leftParameter->equalQuantities(frame, a, *rightParameter, b)) return *known;
       auto type = leftParameter->declaredType(frame);
       if (!type) type = rightParameter->declaredType(frame);
       if (type) return TDFParam::valuesEqual(*type, a, b);
@@ -317,16 +528,21 @@ bool Comparison::truth(Frame const& frame) const {
       return equal(frame);
     case Operator::NotEqual:
       return !equal(frame);
-    case Operator::Less:
-      return left().number(frame) < right().number(frame);
-    case Operator::LessEqual:
-      return left().number(frame) <= right().number(frame);
-    case Operator::Greater:
-      return left().number(frame) > right().number(frame);
-    case Operator::GreaterEqual:
-      return left().number(frame) >= right().number(frame);
+    default:
+      break;
   }
-  return false;
+  double const a = left().number(frame);
+  double const b = right().number(frame);
+  switch (operator_) {
+    case Operator::Less:
+      return a < b && !equalNumbers(a, b);
+    case Operator::LessEqual:
+      return a <= b || equalNumbers(a, b);
+    case Operator::Greater:
+      return a > b && !equalNumbers(a, b);
+    default:
+      return a >= b || equalNumbers(a, b);
+  }
 }
 
 // Membership
@@ -374,6 +590,40 @@ std::string Arithmetic::text(Frame const& frame) const {
   std::string buffer;
   for (std::size_t i = numeric_ > 1 ? numeric_ : 0; i < size(); ++i) result += operand(i).textIn(frame, buffer);
   return result;
+}
+
+void Arithmetic::assume(QuantityType const& type, QuantityBinding& binding) {
+  if (kind() != Kind::Number) return;
+  if (isSum()) {
+    assumeAll(0, numeric_, type, binding);
+    return;
+  }
+  // In a product at most one factor is a quantity of the type of the product: the others are plain numbers, or the
+  // quantities that are written out are of types that are not known here.
+  if (isConverted()) return;
+  assumeAll(0, 1, type, binding);
+  for (std::size_t i = 1; i < size(); ++i) {
+    if (operators_[i] == '*') assumeAll(i, i + 1, type, binding);
+  }
+}
+
+void Arithmetic::bindResult(QuantityBinding& binding) {
+  if (isSum()) {
+    unify(0, numeric_, binding);
+    if (kind() != Kind::Number) setQuantity(nullptr, isConverted());
+    return;
+  }
+  // A product counts in the unit of its one quantity, the others being plain numbers.
+  QuantityType const* type = nullptr;
+  std::size_t quantities = 0;
+  bool isConverted = false;
+  for (std::size_t i = 0; i < size(); ++i) {
+    isConverted |= operand(i).isConverted();
+    if (operand(i).quantity() == nullptr && !operand(i).isConverted()) continue;
+    ++quantities;
+    type = operators_[i] == '*' ? operand(i).quantity() : nullptr;
+  }
+  setQuantity(quantities == 1 ? type : nullptr, isConverted);
 }
 
 // Quantifier
@@ -478,7 +728,32 @@ void FunctionCall::collectReads(RuleReads& reads, PathPattern const& base) const
   if (ofContext && !base.isAbsolute()) reads.contextIdentity = true;
 }
 
+std::vector<double> FunctionCall::numbers(Frame const& frame) const {
+  // The parameters that a path matches may be of different quantity types.
+  if (function_->argument(0) == Argument::Parameters) {
+    return static_cast<ParameterReference const&>(operand(0)).numbersOfAll(frame);
+  }
+  return Expression::numbers(frame);
+}
+
+void FunctionCall::assume(QuantityType const& type, QuantityBinding& binding) {
+  assumeAll(0, std::min(size(), function_->quantitiesFrom), type, binding);
+}
+
+void FunctionCall::bindResult(QuantityBinding& binding) {
+  unify(0, std::min(size(), function_->quantitiesFrom), binding);
+}
+
 // NamedCall
+
+std::vector<double> NamedCall::numbers(Frame const& frame) const {
+  return rule_->expression()->numbers(frame);
+}
+
+void NamedCall::bind(QuantityBinding& /*binding*/) {
+  auto const* called = rule_->expression();
+  if (called != nullptr) setQuantity(called->quantity(), called->isConverted());
+}
 
 bool NamedCall::truth(Frame const& frame) const {
   return kind() == Kind::Truth ? rule_->expression()->truth(frame) : Expression::truth(frame);

@@ -10,6 +10,7 @@
 
 #include "expression/Expression.h"
 #include "expression/Functions.h"
+#include "expression/Quantities.h"
 
 // The kinds of nodes of a parsed expression. The rule reference says what each one means.
 
@@ -51,6 +52,35 @@ class Literal final : public Expression {
   bool truth_ = false;
 };
 
+/// A quantity as written: `500 [ms]`. As a text it is what is written. As a number it counts in the first unit of its
+/// quantity type, which is that of the numbers it is taken together with.
+class QuantityLiteral final : public Expression {
+ public:
+  QuantityLiteral(Range range, double number, std::string units, std::string text)
+      : Expression(Kind::Number, range), number_(number), units_(std::move(units)), text_(std::move(text)) {}
+
+  [[nodiscard]] double number(Frame const& /*frame*/) const override { return number_; }
+  [[nodiscard]] std::string text(Frame const& /*frame*/) const override { return text_; }
+  [[nodiscard]] std::string const& textIn(Frame const& /*frame*/, std::string& /*buffer*/) const override {
+    return text_;
+  }
+  [[nodiscard]] Dependence dependence() const override { return {}; }
+  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+
+  void bind(QuantityBinding& binding) override { binding.open(*this); }
+  void assume(QuantityType const& type, QuantityBinding& binding) override;
+  /// Gives a literal without a type the conversion on which all types that list its units agree.
+  void settle(QuantityBinding& binding);
+
+ private:
+  void convert(QuantityUnit const& unit);
+
+  double number_;  // in the first unit once it is settled
+  std::string units_;
+  std::string text_;
+  bool settled_ = false;
+};
+
 /// A list that is written out. Its items are texts or values.
 class ListLiteral final : public Expression {
  public:
@@ -60,6 +90,8 @@ class ListLiteral final : public Expression {
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
+  [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
+  void bind(QuantityBinding& binding) override;
   /// The items, when all of them are texts that are written out; otherwise empty.
   [[nodiscard]] SharedStrings const& fixedItems() const noexcept { return fixed_; }
 
@@ -81,6 +113,7 @@ class GuardedList final : public Expression {
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
+  // Its parts are written in different places, so each is bound by itself.
 
  private:
   std::vector<Item> items_;
@@ -96,11 +129,26 @@ class ParameterReference final : public Expression {
   }
 
   [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override;
+  [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::string text(Frame const& frame) const override;
   [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override;
+  /// The numbers of the items of a list parameter.
+  [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void bind(QuantityBinding& binding) override;
+  [[nodiscard]] QuantityType const* likelyQuantity() const noexcept override {
+    return mixed_ != nullptr ? mixed_->likely : quantity();
+  }
+
+  /// The numbers of all parameters that the path matches and the model has.
+  [[nodiscard]] std::vector<double> numbersOfAll(Frame const& frame) const;
+  /// Whether the two values are equal as quantities. Nothing when the two parameters are not of one quantity type, or a
+  /// value cannot be converted.
+  [[nodiscard]] std::optional<bool> equalQuantities(Frame const& frame, std::string const& value,
+                                                    ParameterReference const& other,
+                                                    std::string const& otherValue) const;
 
   /// True when one of the objects that the path matches has the parameter.
   [[nodiscard]] bool exists(Frame const& frame) const;
@@ -115,6 +163,23 @@ class ParameterReference final : public Expression {
  private:
   /// The path of the object, or null when there is none. A path that has to be made is put into `buffer`.
   [[nodiscard]] std::string const* objectPath(Frame const& frame, std::string& buffer) const;
+  /// Calls `each` with the path of every object that the path matches and that has the parameter.
+  template <typename Each>
+  void forEachPresent(Frame const& frame, Each each) const {
+    auto const visit = [&](std::string const& path) {
+      if (frame.model.hasParameter(path, name_)) each(path);
+    };
+    if (objects_.isSingle()) {
+      std::string buffer;
+      if (auto const* path = objectPath(frame, buffer)) visit(*path);
+    } else {
+      for (auto const& path : objects_.expand(frame.context, frame.model)) visit(path);
+    }
+  }
+  /// The value rule of the parameter in the object at `path`, or null.
+  [[nodiscard]] ParamValueDef const* valueRule(std::string const& path) const;
+  /// The quantity type of the parameter in the object at `path`, or null.
+  [[nodiscard]] QuantityType const* quantityAt(Frame const& frame, std::string const& path) const;
 
   PathPattern objects_;
   std::string name_;
@@ -122,6 +187,8 @@ class ParameterReference final : public Expression {
   std::string fixedPath_;
   bool local_ = false;  // of the context object itself
   bool fixed_ = false;  // of the object at fixedPath_, whatever the context
+  // The types of all parameters of this name, when they differ. Null otherwise: then `quantity` holds for all.
+  std::shared_ptr<ParameterQuantity const> mixed_;
 };
 
 /// `{pattern}`.
@@ -151,8 +218,17 @@ class Operation : public Expression {
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
+  /// Binds the operands, and then the node itself by `bindResult`.
+  void bind(QuantityBinding& binding) final;
 
  protected:
+  /// Gives the node its quantity type. The operands have theirs.
+  virtual void bindResult(QuantityBinding& /*binding*/) {}
+  /// The type of a number that is one of the operands `from` up to, not including, `to`, or a sum of them. Quantities
+  /// that are written out among them take that type.
+  void unify(std::size_t from, std::size_t to, QuantityBinding& binding);
+  void assumeAll(std::size_t from, std::size_t to, QuantityType const& type, QuantityBinding& binding);
+
   [[nodiscard]] Expression const& operand(std::size_t i) const { return *operands_[i]; }
   [[nodiscard]] std::size_t size() const noexcept { return operands_.size(); }
   [[nodiscard]] std::span<ExpressionPtr const> all() const noexcept { return operands_; }
@@ -187,10 +263,13 @@ class Comparison final : public Operation {
 
  private:
   enum class Mode { Truth, Number, Text, Parameters };
+  void bindResult(QuantityBinding& binding) override;
   [[nodiscard]] bool equal(Frame const& frame) const;
+  [[nodiscard]] bool equalNumbers(double a, double b) const noexcept;
 
   Operator operator_;
   Mode mode_;
+  bool isTolerant_ = false;  // a side is converted, so equal numbers may differ by rounding
 };
 
 /// `in` and `not in`.
@@ -217,8 +296,14 @@ class Arithmetic final : public Operation {
       : Operation(kind, range, std::move(operands)), operators_(std::move(operators)), numeric_(numeric) {}
   [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::string text(Frame const& frame) const override;
+  void assume(QuantityType const& type, QuantityBinding& binding) override;
+  /// Whether terms are added, and how many of them as numbers.
+  [[nodiscard]] bool isSum() const noexcept { return operators_.front() == '+'; }
+  [[nodiscard]] std::size_t numericTerms() const noexcept { return numeric_; }
 
  private:
+  void bindResult(QuantityBinding& binding) override;
+
   std::string operators_;
   std::size_t numeric_;
 };
@@ -228,6 +313,10 @@ class Negation final : public Operation {
  public:
   Negation(Range range, std::vector<ExpressionPtr> operands) : Operation(Kind::Number, range, std::move(operands)) {}
   [[nodiscard]] double number(Frame const& frame) const override { return -operand(0).number(frame); }
+  void assume(QuantityType const& type, QuantityBinding& binding) override { assumeAll(0, 1, type, binding); }
+
+ private:
+  void bindResult(QuantityBinding& binding) override { unify(0, 1, binding); }
 };
 
 /// `if(c, a, b)`: returns the chosen branch in the form that is asked for.
@@ -245,8 +334,11 @@ class Choice final : public Operation {
   [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override {
     return chosen(frame).objects(frame);
   }
+  [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override { return chosen(frame).numbers(frame); }
+  void assume(QuantityType const& type, QuantityBinding& binding) override { assumeAll(1, 3, type, binding); }
 
  private:
+  void bindResult(QuantityBinding& binding) override { unify(1, 3, binding); }
   [[nodiscard]] Expression const& chosen(Frame const& frame) const {
     return operand(0).truth(frame) ? operand(1) : operand(2);
   }
@@ -282,9 +374,13 @@ class FunctionCall final : public Operation {
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
+  void assume(QuantityType const& type, QuantityBinding& binding) override;
   [[nodiscard]] Function const& function() const noexcept { return *function_; }
 
  private:
+  void bindResult(QuantityBinding& binding) override;
+
   Function const* function_;
 };
 
@@ -296,6 +392,8 @@ class NamedCall final : public Expression {
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
+  void bind(QuantityBinding& binding) override;
   [[nodiscard]] NamedRule const& rule() const noexcept { return *rule_; }
 
  private:
@@ -312,8 +410,11 @@ class Kept final : public Operation {
   [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::string text(Frame const& frame) const override;
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
+  void assume(QuantityType const& type, QuantityBinding& binding) override { assumeAll(0, 1, type, binding); }
 
  private:
+  void bindResult(QuantityBinding& binding) override { unify(0, 1, binding); }
+
   template <typename Result, typename Evaluate>
   Result kept(Frame const& frame, Evaluate evaluate) const;
 };

@@ -14,7 +14,8 @@ namespace tarn::rules {
 namespace {
 
 bool isLiteral(Expression const& expression) {
-  return dynamic_cast<Literal const*>(&expression) != nullptr;
+  return dynamic_cast<Literal const*>(&expression) != nullptr ||
+         dynamic_cast<QuantityLiteral const*>(&expression) != nullptr;
 }
 
 std::string needed(std::string_view what, Expression const& operand) {

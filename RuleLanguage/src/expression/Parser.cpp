@@ -67,6 +67,7 @@ class Parser {
     result.issues = std::move(issues_);
     result.calls = std::move(calls_);
     result.depth = deepest_;
+    result.hasQuantities = hasQuantities_;
     return result;
   }
 
@@ -319,6 +320,10 @@ class Parser {
     switch (token.kind) {
       case TokenKind::Number:
         advance();
+        if (token.hasUnits) {
+          hasQuantities_ = true;
+          return std::make_unique<QuantityLiteral>(token.range, token.number, token.units, token.text);
+        }
         return std::make_unique<Literal>(token.range, token.number);
       case TokenKind::Text:
         advance();
@@ -602,6 +607,7 @@ class Parser {
   Range last_;
   std::size_t depth_ = 0;
   std::size_t deepest_ = 0;
+  bool hasQuantities_ = false;
   std::vector<Issue> issues_;
   std::vector<RuleCall> calls_;
   OperandChecks checks_;

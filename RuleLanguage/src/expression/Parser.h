@@ -41,7 +41,8 @@ struct ParsedExpression {
   ExpressionPtr expression;   // null when there are issues
   std::vector<Issue> issues;  // in the order of their positions; a syntax error ends parsing
   std::vector<RuleCall> calls;
-  std::size_t depth = 0;  // levels of nesting, without those of called rules
+  std::size_t depth = 0;       // levels of nesting, without those of called rules
+  bool hasQuantities = false;  // a quantity with its units is written out in it
 };
 
 /// Parses and checks an expression: syntax, names and arguments, kinds of operands. Named rules are looked up in

@@ -384,7 +384,7 @@ class NameCheck {
 };
 
 void checkNames(LintContext& context, ExpressionUse const& use) {
-  if (!use.ofChild || (use.attribute != "Allowed Names" && use.attribute != "Default Names")) return;
+  if (use.kind != EntryKind::Child || (use.attribute != "Allowed Names" && use.attribute != "Default Names")) return;
   NameCheck check(context, use);
   if (use.role == Role::List) check.checkList(*use.compiled->expression);
   if (use.role == Role::Text) check.checkText(*use.compiled->expression);

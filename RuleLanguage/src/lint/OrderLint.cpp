@@ -26,7 +26,7 @@ std::map<std::string, Range> rangesOf(ExpressionUse const& use) {
 
 bool isLaterParameter(LintContext& context, ObjDependDef const& object, ExpressionUse const& use,
                       std::string const& name) {
-  if (use.ofChild) return false;
+  if (use.kind == EntryKind::Child) return false;
   if (name == use.entry) return use.attribute == "Available";
   auto const& positions = context.positionsOf(object).params;
   return EntryPositions::indexIn(positions, name) > EntryPositions::indexIn(positions, use.entry);
@@ -36,7 +36,7 @@ bool isLaterParameter(LintContext& context, ObjDependDef const& object, Expressi
 /// type, that is not known, and the answer is false.
 bool isLaterObject(LintContext& context, ExpressionUse const& use, std::string const& target) {
   std::string reader = use.typePath;
-  if (use.ofChild) reader += "/" + use.entry;
+  if (use.kind == EntryKind::Child) reader += "/" + use.entry;
   std::size_t common = 0;
   std::size_t i = 0;
   for (; i < reader.size() && i < target.size() && reader[i] == target[i]; ++i) {
@@ -59,7 +59,7 @@ bool isLaterObject(LintContext& context, ExpressionUse const& use, std::string c
   auto const& children = context.positionsOf(*object).children;
   auto const at = EntryPositions::indexIn(children, typeBelow(target));
   // A parameter of the parent itself comes before all of its children.
-  if (!use.ofChild && use.typePath == parent) return at < children.size();
+  if (use.kind != EntryKind::Child && use.typePath == parent) return at < children.size();
   return at < children.size() && at > EntryPositions::indexIn(children, typeBelow(reader));
 }
 
@@ -69,10 +69,15 @@ bool isDecidedByRules(LintContext const& context, std::string const& typePath) {
   return child != nullptr && (child->singleton || child->allowedNamesSource != nullptr);
 }
 
+/// A review evaluates such an expression after all walks, when everything is decided.
+bool isForReview(ExpressionUse const& use) {
+  return use.kind == EntryKind::Check || use.attribute == "Minimum Count" || use.attribute == "Maximum Count";
+}
+
 }  // namespace
 
 void checkOrder(LintContext& context, ExpressionUse const& use) {
-  if (use.typePath.empty()) return;
+  if (use.typePath.empty() || isForReview(use)) return;
   auto const* object = context.data().getObjDependDef(use.typePath, true);
   if (object == nullptr) return;
   RuleReads reads;
@@ -92,7 +97,7 @@ void checkOrder(LintContext& context, ExpressionUse const& use) {
       return own ? isLaterParameter(context, *object, use, read.name) : isLaterObject(context, use, typePath);
     });
     if (!allLater) continue;
-    if (own && !use.ofChild && use.entry == read.name) {
+    if (own && use.kind != EntryKind::Child && use.entry == read.name) {
       context.warn(Code::DependsOnItself, use, rangeOf(read.name),
                    "the availability of " + inQuotes(read.name) + " depends on its own value");
     } else {

@@ -58,6 +58,7 @@ void RuleBuilder::parseNamedBodies() {
     auto const takeExpression = [&](std::size_t skipped, Role role) {
       if (!scalar(pending.body, isList ? "a computed list" : "a check")) return;
       skipped = pending.body.beginOfExpression(skipped);
+      pending.skipped = skipped;
       auto result = parsed(pending.body, skipped, role);
       pending.expression = std::move(result.expression);
       pending.source = StringUtilities::trimmed(std::string_view(pending.body.node->value).substr(skipped));
@@ -151,7 +152,10 @@ void RuleBuilder::bindNamedRules() {
                   " calls of named rules; use fewer calls");
         pending.callCount = 0;
       }
-      if (pending.expression) pending.rule->bind(std::move(pending.expression), std::move(pending.source));
+      if (pending.expression) {
+        pending.rule->bind(std::move(pending.expression), std::move(pending.source));
+        toBind(*pending.rule->expression(), pending.body, pending.skipped);
+      }
       states[&pending] = State::Done;
       stack.pop_back();
     }

@@ -1,4 +1,4 @@
-// Reads the section `Objects`: object types, their parameters and their children.
+// Reads the section `Objects`: object types, their parameters, children and checks.
 
 #include <algorithm>
 #include <array>
@@ -18,11 +18,12 @@ namespace {
 
 using StringUtilities::isSpace;
 
-enum class ObjectKey { Description, Parameters, Children };
+enum class ObjectKey { Description, Parameters, Children, Checks };
 constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
     {"Description", ObjectKey::Description},
     {"Parameters", ObjectKey::Parameters},
     {"Children", ObjectKey::Children},
+    {"Checks", ObjectKey::Checks},
 });
 
 enum class ParamKey {
@@ -51,6 +52,10 @@ enum class ParamKey {
   OverrideChecks,
   LowerBound,
   UpperBound,
+  LowerExcluded,
+  UpperExcluded,
+  Pattern,
+  PatternMessage,
   QuantityType
 };
 namespace attributes = RuleAttributes;
@@ -80,6 +85,10 @@ constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
     {attributes::valueOverrideCheckList, ParamKey::OverrideChecks},
     {attributes::lowerBound, ParamKey::LowerBound},
     {attributes::upperBound, ParamKey::UpperBound},
+    {attributes::lowerBoundExcluded, ParamKey::LowerExcluded},
+    {attributes::upperBoundExcluded, ParamKey::UpperExcluded},
+    {attributes::pattern, ParamKey::Pattern},
+    {attributes::patternMessage, ParamKey::PatternMessage},
     {attributes::quantityType, ParamKey::QuantityType},
 });
 
@@ -94,7 +103,9 @@ enum class ChildKey {
   Singleton,
   Coupled,
   AllowedNames,
-  DefaultNames
+  DefaultNames,
+  MinimumCount,
+  MaximumCount
 };
 constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Available", ChildKey::Available},
@@ -108,6 +119,16 @@ constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Coupled", ChildKey::Coupled},
     {"Allowed Names", ChildKey::AllowedNames},
     {"Default Names", ChildKey::DefaultNames},
+    {"Minimum Count", ChildKey::MinimumCount},
+    {"Maximum Count", ChildKey::MaximumCount},
+});
+
+enum class CheckKey { When, Check, Message, Level };
+constexpr auto checkKeys = std::to_array<Key<CheckKey>>({
+    {"When", CheckKey::When},
+    {"Check", CheckKey::Check},
+    {"Message", CheckKey::Message},
+    {"Level", CheckKey::Level},
 });
 
 bool holdsSeparator(std::string_view name) {
@@ -151,7 +172,7 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
   auto& object = data_->addObject(name.node->value);
   if (!object.rulePlace.isKnown()) object.rulePlace = name.place();
   if (keepPlaces_) index_.objects_.try_emplace(name.node->value, name);
-  owner_ = {name.node->value, {}, false};
+  owner_ = {name.node->value, {}, EntryKind::Parameter};
   forEachKnown(body, "an object", objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
     switch (key) {
       case ObjectKey::Description:
@@ -162,31 +183,36 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
       case ObjectKey::Parameters:
         forEach(value, "Parameters",
                 [&](Item const& entry, Item const& attributes) { readParameter(object, entry, attributes); });
-        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
+        sectionsSeen_.push_back({name.node->value, EntryKind::Parameter, value});
         break;
       case ObjectKey::Children:
         forEach(value, "Children",
                 [&](Item const& entry, Item const& attributes) { readChild(object, entry, attributes); });
-        sectionsSeen_.push_back({name.node->value, key == ObjectKey::Children, value});
+        sectionsSeen_.push_back({name.node->value, EntryKind::Child, value});
+        break;
+      case ObjectKey::Checks:
+        forEach(value, "Checks",
+                [&](Item const& entry, Item const& attributes) { readObjectCheck(object, entry, attributes); });
+        sectionsSeen_.push_back({name.node->value, EntryKind::Check, value});
         break;
     }
   });
 }
 
-Item RuleBuilder::formerPlace(std::string const& typePath, bool ofChild, std::string const& name) {
-  auto const keyOf = [](std::string const& path, bool child, std::string_view entry) {
-    return (path + (child ? "\nc" : "\np")).append(entry);
+Item RuleBuilder::formerPlace(std::string const& typePath, EntryKind kind, std::string const& name) {
+  auto const keyOf = [](std::string const& path, EntryKind entryKind, std::string_view entry) {
+    return (path + "\n" + std::to_string(static_cast<int>(entryKind)) + "\n").append(entry);
   };
   for (; sectionsIndexed_ < sectionsSeen_.size(); ++sectionsIndexed_) {
     auto const& seen = sectionsSeen_[sectionsIndexed_];
     if (seen.section.node->kind != YamlNode::Kind::Mapping) continue;
     auto const& children = seen.section.node->children;
     for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
-      formerPlaces_.try_emplace(keyOf(seen.typePath, seen.ofChildren, children[i]->value),
+      formerPlaces_.try_emplace(keyOf(seen.typePath, seen.kind, children[i]->value),
                                 Item{seen.section.source, children[i]});
     }
   }
-  auto const found = formerPlaces_.find(keyOf(typePath, ofChild, name));
+  auto const found = formerPlaces_.find(keyOf(typePath, kind, name));
   return found == formerPlaces_.end() ? Item{} : found->second;
 }
 
@@ -234,7 +260,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     error(Code::InvalidName, name, "a parameter name cannot contain '/' or ':'");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, false};
+  owner_ = {object.typePath(), name.node->value, EntryKind::Parameter};
 
   ParamAvail entry;
   ParamValueDef def;
@@ -369,6 +395,18 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
       case ParamKey::UpperBound:
         def.upperBound = textOrExpression(value, attribute);
         break;
+      case ParamKey::LowerExcluded:
+        yesNo(value, def.lowerBoundExcluded);
+        break;
+      case ParamKey::UpperExcluded:
+        yesNo(value, def.upperBoundExcluded);
+        break;
+      case ParamKey::Pattern:
+        def.pattern = pattern(value);
+        break;
+      case ParamKey::PatternMessage:
+        text(value, attribute, def.patternMessage);
+        break;
       case ParamKey::QuantityType:
         def.quantityType = textOrExpression(value, attribute);
         break;
@@ -390,7 +428,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
               std::string(TDFParam::typeName(def.type)));
   }
   if (!object.addParam(std::move(entry), std::move(def))) {
-    twice(Code::DuplicateName, name, formerPlace(object.typePath(), false, name.node->value),
+    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Parameter, name.node->value),
           "the object already has a parameter " + inQuotes(name.node->value));
     return;
   }
@@ -404,7 +442,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
           "a child type cannot contain '/' or ':'; give deeper objects their own entries under Objects");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, true};
+  owner_ = {object.typePath(), name.node->value, EntryKind::Child};
 
   ChildAvail entry;
   entry.type = name.node->value;
@@ -451,14 +489,55 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
       case ChildKey::DefaultNames:
         entry.defaultNamesSource = names(value, attribute);
         break;
+      case ChildKey::MinimumCount:
+        entry.minimumCount = count(value, attribute);
+        break;
+      case ChildKey::MaximumCount:
+        entry.maximumCount = count(value, attribute);
+        break;
     }
   });
   if (!object.addChild(std::move(entry))) {
-    twice(Code::DuplicateName, name, formerPlace(object.typePath(), true, name.node->value),
+    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Child, name.node->value),
           "the object already has a child type " + inQuotes(name.node->value));
     return;
   }
   if (keepPlaces_) index_.children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+}
+
+void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item const& body) {
+  if (!isName(name, "the name of a check")) return;
+  owner_ = {object.typePath(), name.node->value, EntryKind::Check};
+  ObjectCheck check;
+  check.name = name.node->value;
+  check.rulePlace = name.place();
+  bool checkGiven = false;
+  bool messageGiven = false;
+  forEachKnown(body, "a check of an object", checkKeys, [&](CheckKey key, Item const& keyItem, Item const& value) {
+    std::string_view const attribute = keyItem.node->value;
+    switch (key) {
+      case CheckKey::When:
+        check.when = condition(value, attribute);
+        break;
+      case CheckKey::Check:
+        checkGiven = true;
+        check.check = condition(value, attribute);
+        break;
+      case CheckKey::Message:
+        messageGiven = true;
+        check.message = textOrExpression(value, attribute);
+        break;
+      case CheckKey::Level:
+        readLevel(value, check.level);
+        break;
+    }
+  });
+  if (!checkGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Check'");
+  if (!messageGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Message'");
+  if (!object.addCheck(std::move(check))) {
+    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Check, name.node->value),
+          "the object already has a check " + inQuotes(name.node->value));
+  }
 }
 
 }  // namespace tarn::rules

@@ -2,6 +2,7 @@
 // depend on conditions. Expressions and lists that are written alike in many places are parsed once and shared.
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <tarn/StringUtilities.h>
@@ -96,17 +97,37 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
   auto& shared = shared_[static_cast<std::size_t>(role)];
   skipped = item.beginOfExpression(skipped);
   auto const text = StringUtilities::trimmed(std::string_view(item.node->value).substr(skipped));
-  auto known = shared.find(text);
-  if (known == shared.end()) {
+  auto const known = shared.find(text);
+  CompiledPtr compiled = known != shared.end() ? known->second : nullptr;
+  if (!compiled) {
     auto result = parsed(item, skipped, role);
     if (!result.expression) return nullptr;
-    auto compiled = std::make_shared<Compiled>();
-    compiled->expression = keepContextFreeParts(std::move(result.expression));
-    compiled->source = text;
-    known = shared.emplace(text, std::move(compiled)).first;
+    auto made = std::make_shared<Compiled>();
+    made->expression = keepContextFreeParts(std::move(result.expression));
+    made->source = text;
+    toBind(*made->expression, item, skipped);
+    compiled = std::move(made);
+    // Units that are wrong are reported in every place, so an expression with units is not shared.
+    if (result.hasQuantities) {
+      unshared_.push_back(compiled);
+    } else {
+      shared.emplace(text, compiled);
+    }
   }
-  noteUse(item, skipped, known->second, role, attribute);
-  return known->second;
+  noteUse(item, skipped, compiled, role, attribute);
+  return compiled;
+}
+
+void RuleBuilder::toBind(Expression& expression, Item const& item, std::size_t skipped) {
+  unbound_.push_back({&expression, item, skipped});
+}
+
+void RuleBuilder::bindQuantities() {
+  if (quantityTypesAreWrong_) return;
+  QuantityIndex const index(*data_);
+  for (auto const& [expression, item, skipped] : unbound_) {
+    for (auto& issue : QuantityBinding(index).bind(*expression)) report(item, skipped, std::move(issue));
+  }
 }
 
 void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
@@ -119,7 +140,7 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
   use.role = role;
   use.typePath = owner_.typePath;
   use.entry = owner_.entry;
-  use.ofChild = owner_.ofChild;
+  use.kind = owner_.kind;
   use.attribute = attribute;
   index_.uses_.push_back(std::move(use));
 }
@@ -149,6 +170,48 @@ std::unique_ptr<TextExpression> RuleBuilder::textOrExpression(Item const& item, 
   return text;
 }
 
+void RuleBuilder::readLevel(Item const& item, CheckLevel& level) {
+  auto const text = scalar(item, "Level");
+  if (!text) return;
+  if (*text == "Error") {
+    level = CheckLevel::Error;
+  } else if (*text == "Warning") {
+    level = CheckLevel::Warning;
+  } else {
+    auto const near = StringUtilities::nearMatch(*text, {"Error", "Warning"});
+    auto& diagnostic = error(Code::UnknownLevel, item,
+                             "unknown level " + inQuotes(text->substr(0, 60)) +
+                                 (near.empty() ? std::string("; the levels are Error and Warning") : didYouMean(near)));
+    if (!near.empty()) fixText(diagnostic, item, near);
+  }
+}
+
+std::unique_ptr<TextExpression> RuleBuilder::count(Item const& item, std::string_view attribute) {
+  auto text = textOrExpression(item, attribute);
+  if (!text || isExpression(*item.node)) return text;
+  auto const number = TDFParam::asNumber(item.node->value);
+  if (number && *number >= 0 && *number == std::trunc(*number)) return text;
+  error(Code::InvalidCount, item,
+        std::string(attribute) + " must be a whole number from 0 on, or an expression after '=', not " +
+            inQuotes(std::string_view(item.node->value).substr(0, 60)));
+  return nullptr;
+}
+
+std::unique_ptr<TextPattern> RuleBuilder::pattern(Item const& item) {
+  auto const text = scalar(item, "Pattern");
+  if (!text) return nullptr;
+  auto& known = patterns_[std::string(*text)];
+  if (!known) {
+    auto expression = std::make_shared<RegularExpression>(std::string(*text));
+    if (!expression->fault().empty()) {
+      error(Code::InvalidPattern, item, "this is not a regular expression: " + expression->fault());
+      return nullptr;
+    }
+    known = std::move(expression);
+  }
+  return std::make_unique<RegularPattern>(known);
+}
+
 std::unique_ptr<ListExpression> RuleBuilder::listExpression(Item const& item, std::string_view attribute) {
   return placed<CompiledList>(compiled(item, 0, Role::List, attribute), item, 0);
 }
@@ -172,6 +235,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     return nullptr;
   }
   std::vector<GuardedList::Item> items;
+  std::vector<Unbound> parts;
   bool good = true;
   for (auto const* child : children) {
     Item const childItem{item.source, child};
@@ -189,6 +253,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
+        if (result.expression) parts.push_back({result.expression.get(), part, skipped});
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);
           named->nesting = std::max(named->nesting, result.depth);
@@ -218,6 +283,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     items.push_back(std::move(guarded));
   }
   if (!good) return nullptr;
+  unbound_.insert(unbound_.end(), parts.begin(), parts.end());
   return std::make_unique<GuardedList>(std::move(items));
 }
 

@@ -3,7 +3,7 @@
 // problems of all files.
 //
 // RuleBuilder.Values.cpp reads the kinds of values, RuleBuilder.NamedRules.cpp the named rules, RuleBuilder.Objects.cpp
-// the rules of objects.
+// the rules of objects, RuleBuilder.Quantities.cpp the quantity types.
 
 #include "loading/RuleBuilder.h"
 
@@ -29,12 +29,9 @@ constexpr auto fileKeys = std::to_array<Key<FileKey>>({
     {"Global Checks", FileKey::GlobalChecks},
 });
 
-enum class UnitsKey { Units };
-constexpr auto unitsKeys = std::to_array<Key<UnitsKey>>({{"Units", UnitsKey::Units}});
-
-enum class GlobalKey { Check, Message };
-constexpr auto globalKeys =
-    std::to_array<Key<GlobalKey>>({{"Check", GlobalKey::Check}, {"Message", GlobalKey::Message}});
+enum class GlobalKey { Check, Message, Level };
+constexpr auto globalKeys = std::to_array<Key<GlobalKey>>(
+    {{"Check", GlobalKey::Check}, {"Message", GlobalKey::Message}, {"Level", GlobalKey::Level}});
 
 }  // namespace
 
@@ -58,7 +55,9 @@ void RuleBuilder::build() {
       if (found != file.sections.end()) (this->*section)({file.source, found->second});
     };
     read("Pertinent Roots", &RuleBuilder::readRoots);
+    std::size_t const errorsBefore = diagnostics_.errorCount();
     read("Quantity Types", &RuleBuilder::readQuantityTypes);
+    quantityTypesAreWrong_ |= diagnostics_.errorCount() != errorsBefore;
     read("Objects", &RuleBuilder::readObjects);
     read("Global Checks", &RuleBuilder::readGlobalChecks);
   }
@@ -68,6 +67,7 @@ void RuleBuilder::build() {
       index_.uses_.back().named = later.named;
     }
   }
+  bindQuantities();
 }
 
 // Problems
@@ -160,30 +160,6 @@ void RuleBuilder::readRoots(Item const& section) {
   }
 }
 
-void RuleBuilder::readQuantityTypes(Item const& section) {
-  forEach(section, "Quantity Types", [&](Item const& name, Item const& body) {
-    if (!isName(name, "a quantity type")) return;
-    auto const [former, isNew] = quantityNames_.try_emplace(name.node->value, name);
-    if (!isNew) {
-      twice(Code::DuplicateName, name, former->second, inQuotes(name.node->value) + " is given twice");
-      return;
-    }
-    bool unitsGiven = false;
-    forEachKnown(body, "a quantity type", unitsKeys, [&](UnitsKey, Item const&, Item const& value) {
-      unitsGiven = true;
-      auto units = texts(value, false);
-      if (!units) return;
-      if (units->empty()) {
-        error(Code::NoUnits, value, "a quantity type needs at least one unit");
-        return;
-      }
-      (void)data_->addQuantityType(name.node->value, *units);
-    });
-    if (!unitsGiven && canHoldKeys(*body.node))
-      error(Code::MissingKey, name, "the quantity type has no 'Units'; write {Units: [...]}");
-  });
-}
-
 void RuleBuilder::readGlobalChecks(Item const& section) {
   owner_ = {};
   forEach(section, "Global Checks", [&](Item const& name, Item const& body) {
@@ -197,13 +173,20 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
     Item message;
     CompiledPtr condition;
     std::unique_ptr<TextExpression> text;
+    CheckLevel level = CheckLevel::Error;
     forEachKnown(body, "a global check", globalKeys, [&](GlobalKey key, Item const&, Item const& value) {
-      if (key == GlobalKey::Check) {
-        check = value;
-        condition = compiled(value, 0, Role::Condition, "Check");
-      } else {
-        message = value;
-        text = textOrExpression(value, "Message");
+      switch (key) {
+        case GlobalKey::Check:
+          check = value;
+          condition = compiled(value, 0, Role::Condition, "Check");
+          break;
+        case GlobalKey::Message:
+          message = value;
+          text = textOrExpression(value, "Message");
+          break;
+        case GlobalKey::Level:
+          readLevel(value, level);
+          break;
       }
     });
     if (!check && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Check'");
@@ -211,6 +194,7 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
     if (condition && text) {
       auto rule = std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text));
       rule->setRulePlace(check.placeOfExpression(0));
+      rule->setLevel(level);
       (void)data_->addGlobalCheck(name.node->value, std::move(rule));
     }
   });

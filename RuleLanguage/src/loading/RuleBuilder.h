@@ -18,6 +18,7 @@
 #include "expression/CompiledRules.h"
 #include "expression/Parser.h"
 #include "loading/RuleIndex.h"
+#include "patterns/RegularExpression.h"
 #include "yaml/ScalarText.h"
 
 namespace tarn::rules {
@@ -56,7 +57,7 @@ class RuleBuilder {
   struct Owner {
     std::string typePath;
     std::string entry;
-    bool ofChild = false;
+    EntryKind kind = EntryKind::Parameter;
   };
 
   /// An expression that a list or a named rule owns. It is parsed again as a use of its own when all named rules are
@@ -75,6 +76,7 @@ class RuleBuilder {
     NamedRule* rule = nullptr;
     Item name;
     Item body;
+    std::size_t skipped = 0;  // bytes of the body before its expression
     ExpressionPtr expression;
     std::string source;
     std::vector<NamedRule const*> calls;
@@ -83,10 +85,10 @@ class RuleBuilder {
     std::size_t callCount = 0;  // calls in one evaluation, those inside called rules included
   };
 
-  /// A `Parameters` or `Children` section that was read.
+  /// A `Parameters`, `Children` or `Checks` section that was read.
   struct SeenSection {
     std::string typePath;
-    bool ofChildren;
+    EntryKind kind;
     Item section;
   };
 
@@ -125,6 +127,11 @@ class RuleBuilder {
   void noteUse(Item const& item, std::size_t skipped, CompiledPtr const& compiled, Role role,
                std::string_view attribute);
 
+  /// Remembers a parsed expression for `bindQuantities`.
+  void toBind(Expression& expression, Item const& item, std::size_t skipped);
+  /// Gives all numbers in expressions their quantity types, when all rules are read.
+  void bindQuantities();
+
   // Sections
   void readHeader(File& file);
   void registerNamed(File const& file);
@@ -132,14 +139,23 @@ class RuleBuilder {
   void bindNamedRules();
   void readRoots(Item const& section);
   void readQuantityTypes(Item const& section);
+  [[nodiscard]] std::vector<QuantityUnit> unitsOfList(Item const& list);
+  [[nodiscard]] std::vector<QuantityUnit> unitsOfMap(Item const& map);
+  void readConversion(Item const& item, bool isFirst, QuantityUnit& unit);
+  [[nodiscard]] bool readNumber(Item const& item, std::string_view what, double& number);
+  [[nodiscard]] bool isUnit(Item const& item);
   void readObjects(Item const& section);
   void readObject(Item const& name, Item const& body);
   void readParameter(ObjDependDef& object, Item const& name, Item const& body);
   void readChild(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
+  void readObjectCheck(ObjDependDef& object, Item const& name, Item const& body);
+  [[nodiscard]] std::unique_ptr<TextExpression> count(Item const& item, std::string_view attribute);
+  [[nodiscard]] std::unique_ptr<TextPattern> pattern(Item const& item);
+  void readLevel(Item const& item, CheckLevel& level);
   void readGlobalChecks(Item const& section);
   /// Where an entry was given before, in an earlier section of its object. Empty when it was not.
-  [[nodiscard]] Item formerPlace(std::string const& typePath, bool ofChild, std::string const& name);
+  [[nodiscard]] Item formerPlace(std::string const& typePath, EntryKind kind, std::string const& name);
   [[nodiscard]] bool isTypePath(Item const& item);
   [[nodiscard]] bool isName(Item const& item, std::string_view what);
 
@@ -155,14 +171,25 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> listNames_;
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
+  bool noDefinitionsReported_ = false;
   std::vector<SeenSection> sectionsSeen_;  // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, Item> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
+  std::vector<CompiledPtr> unshared_;
   std::unordered_map<std::string, SharedStrings> sharedLists_;
+  std::unordered_map<std::string, std::shared_ptr<RegularExpression const>> patterns_;
   Owner owner_;
   std::vector<LaterUse> laterUses_;
+
+  struct Unbound {
+    Expression* expression;
+    Item item;
+    std::size_t skipped;
+  };
+  std::vector<Unbound> unbound_;  // called rules come before their callers
+  bool quantityTypesAreWrong_ = false;
 };
 
 }  // namespace tarn::rules

@@ -36,6 +36,9 @@ struct Item {
   [[nodiscard]] RulePlace placeOfExpression(std::size_t skipped) const;
 };
 
+/// A kind of entry of an object.
+enum class EntryKind { Parameter, Child, Check };
+
 /// One use of an expression: where it is written and what it is used for.
 struct ExpressionUse {
   Item item;                // the scalar that holds it
@@ -43,8 +46,8 @@ struct ExpressionUse {
   CompiledPtr compiled;
   Role role = Role::Condition;
   std::string typePath;  // of the object that owns the rule; empty for checks, lists and global checks
-  std::string entry;     // the parameter or child type
-  bool ofChild = false;
+  std::string entry;     // the parameter, child type or check
+  EntryKind kind = EntryKind::Parameter;
   std::string attribute;
   NamedRule const* named = nullptr;  // the named rule, when the expression is its body
 };
@@ -91,6 +94,8 @@ class RuleIndex {
   }
   [[nodiscard]] std::map<std::string, Item> const& objectPlaces() const { return objects_; }
   [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
+  /// The name of each quantity type, and its list or map of units.
+  [[nodiscard]] std::vector<std::pair<Item, Item>> const& quantityTypePlaces() const { return quantityTypes_; }
   [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
 
  private:
@@ -107,6 +112,7 @@ class RuleIndex {
   std::map<std::pair<std::string, std::string>, EntryPlace> children_;
   std::map<std::string, Item> objects_;
   std::vector<std::pair<std::string, Item>> roots_;
+  std::vector<std::pair<Item, Item>> quantityTypes_;
   std::map<NamedRule const*, Item> namedPlaces_;
 };
 

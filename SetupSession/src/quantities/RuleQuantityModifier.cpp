@@ -1,7 +1,5 @@
 #include <tarn/session/RuleQuantityModifier.h>
 
-#include <algorithm>
-
 #include <tarn/EvalContext.h>
 #include <tarn/PathUtils.h>
 #include <tarn/TDFContext.h>
@@ -20,10 +18,9 @@ int RuleQuantityModifier::getQuantityType(ModelTDF const* model, std::string con
 }
 
 std::string RuleQuantityModifier::getQuantityUnits(std::string const& quantityType, std::string const& units) const {
-  auto const type = rules_->quantityTypes().find(quantityType);
-  if (type == rules_->quantityTypes().end() || type->second.empty()) return units;
-  auto const& listed = type->second;
-  return std::find(listed.begin(), listed.end(), units) != listed.end() ? units : listed.front();
+  QuantityType const* const type = rules_->findQuantityType(quantityType);
+  if (type == nullptr || type->units().empty() || type->find(units) != nullptr) return units;
+  return type->firstUnit();
 }
 
 }  // namespace tarn::session

@@ -6,7 +6,7 @@
 // Paths come in the order of the model, in which most objects come right after their parent. The levels of one path are
 // kept for the next, so each object is judged once. Byte order can separate an object from its children (`/Case B` is
 // between `/Case` and `/Case/Domain`). So the unknown objects are remembered as well, and none is reported twice.
-#include <tarn/session/UnknownNames.h>
+#include "review/UnknownNames.h"
 
 #include <algorithm>
 #include <map>
@@ -18,6 +18,8 @@
 #include <tarn/PathUtils.h>
 #include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
+
+#include "review/ReviewJudge.h"
 
 namespace tarn::session {
 
@@ -83,7 +85,8 @@ class Search {
   bool judgeObject(std::string const& path, std::string_view type, bool named);
   bool judgeRootObject(std::string const& path, std::string const& type);
   void judgeParameters(std::string const& path, ObjectState const& parameters);
-  void report(std::string path, std::optional<std::string> name, std::string message);
+  void report(FindingCode code, std::string const& path, std::string const& item, std::string const& fact,
+              std::string match = {});
 
   PhysicsData const& rules_;
   PertinentRoots const roots_;
@@ -136,17 +139,17 @@ bool Search::judgeObject(std::string const& path, std::string_view type, bool na
 
   std::string const place = quoted(PathUtils::parentOf(path));
   if (!entry) {
-    report(path, std::nullopt,
-           "The rules know no object of the type " + quoted(type) + " in the object " + place +
-               didYouMean(near_.find(parent, typeName, false)));
+    std::string match = near_.find(parent, typeName, false);
+    report(FindingCode::UnknownObject, path, typeName,
+           "The rules know no object of the type " + quoted(type) + " in the object " + place, std::move(match));
   } else if (named) {
-    report(path, std::nullopt,
+    report(FindingCode::ObjectNameNotExpected, path, typeName,
            "The rules know only one object of the type " + quoted(type) + " in the object " + place +
-               ", without a name of its own.");
+               ", without a name of its own");
   } else {
-    report(path, std::nullopt,
+    report(FindingCode::ObjectNameMissing, path, typeName,
            "The rules know objects of the type " + quoted(type) + " in the object " + place +
-               " only with a name: " + quoted(typeName + ":NAME") + '.');
+               " only with a name: " + quoted(typeName + ":NAME"));
   }
   unknownObjects_.insert(path);
   return false;
@@ -154,12 +157,12 @@ bool Search::judgeObject(std::string const& path, std::string_view type, bool na
 
 bool Search::judgeRootObject(std::string const& path, std::string const& type) {
   if (roots_.hasType(type)) return true;
-  std::string const match = StringUtilities::nearMatch(type, rules_.getPertinentGlobalCheckRoots());
+  std::string match = StringUtilities::nearMatch(type, rules_.getPertinentGlobalCheckRoots());
   if (match.empty()) {
     ++result_.objectsPassedOver;
   } else {
-    report(path, std::nullopt,
-           "The rules know no object of the type " + quoted(type) + " at the root of the model" + didYouMean(match));
+    report(FindingCode::UnknownObject, path, type,
+           "The rules know no object of the type " + quoted(type) + " at the root of the model", std::move(match));
   }
   unknownObjects_.insert(path);
   return false;
@@ -170,13 +173,26 @@ void Search::judgeParameters(std::string const& path, ObjectState const& paramet
   for (auto const& [name, value] : parameters) {
     if (rules && rules->findParam(name)) continue;
     std::string const place = path.empty() ? " at the root of the model" : " in the object " + quoted(path);
-    report(path, name,
-           "The rules know no parameter " + quoted(name) + place + didYouMean(near_.find(rules, name, true)));
+    std::string match = near_.find(rules, name, true);
+    report(FindingCode::UnknownParameter, path, name, "The rules know no parameter " + quoted(name) + place,
+           std::move(match));
+    result_.names.back().value = value;
   }
 }
 
-void Search::report(std::string path, std::optional<std::string> name, std::string message) {
-  result_.names.push_back({std::move(path), std::move(name), std::move(message)});
+// `item` is the name of a parameter or the type of an object, `fact` the sentence without its end, and `match` the name
+// that was probably meant.
+void Search::report(FindingCode code, std::string const& path, std::string const& item, std::string const& fact,
+                    std::string match) {
+  Finding finding = makeFinding(code, path, fact + didYouMean(match));
+  if (code == FindingCode::UnknownParameter) {
+    finding.name = item;
+  } else {
+    finding.type = item;
+    if (code != FindingCode::UnknownObject) finding.rule = placeOfChildRule(rules_, PathUtils::parentOf(path), item);
+  }
+  if (!match.empty()) finding.expected.nearMatch = std::move(match);
+  result_.names.push_back(std::move(finding));
 }
 
 }  // namespace

@@ -88,5 +88,40 @@ TEST(ActivityDecisions, AnErasureLeavesWhatStandsBeforeAndBehind) {
   EXPECT_EQ(decisions.ofObject("/Case"), ActivityState::SetOff);
 }
 
+TEST(ActivityDecisions, ARollbackForgetsAFirstDecisionAndRestoresAChangedOne) {
+  Journal journal;
+  ActivityDecisions decisions;
+  decisions.setParam(wall, "Label", true);
+  decisions.setObject(wall, false);
+  Journal::Mark const mark = journal.mark();
+  decisions.setParam(wall, "Label", false, &journal);
+  decisions.setParam(wall, "Area", true, &journal);
+  decisions.setObject(wall, true, &journal);
+  decisions.setObject("/Case", true, &journal);
+  journal.rollback(mark);
+  EXPECT_EQ(decisions.ofParam(wall, "Label"), ActivityState::SetOn);
+  EXPECT_EQ(decisions.ofParam(wall, "Area"), ActivityState::Unset);
+  EXPECT_EQ(decisions.ofObject(wall), ActivityState::SetOff);
+  EXPECT_EQ(decisions.ofObject("/Case"), ActivityState::Unset);
+}
+
+TEST(ActivityDecisions, ARollbackRestoresWhatWasErasedAndThenDecidedAnew) {
+  Journal journal;
+  ActivityDecisions decisions;
+  decisions.setParam(wall, "Label", true);
+  decisions.setObject(wall, true);
+  decisions.setObject(wall + "2", false);
+  Journal::Mark const mark = journal.mark();
+  decisions.setObject(wall + "3", true, &journal);
+  decisions.eraseFromOptActivityMaps(wall, &journal);
+  EXPECT_EQ(decisions.ofObject(wall + "2"), ActivityState::Unset);
+  decisions.setObject(wall, false, &journal);
+  journal.rollback(mark);
+  EXPECT_EQ(decisions.ofParam(wall, "Label"), ActivityState::SetOn);
+  EXPECT_EQ(decisions.ofObject(wall), ActivityState::SetOn);
+  EXPECT_EQ(decisions.ofObject(wall + "2"), ActivityState::SetOff);
+  EXPECT_EQ(decisions.ofObject(wall + "3"), ActivityState::Unset);
+}
+
 }  // namespace
 }  // namespace tarn

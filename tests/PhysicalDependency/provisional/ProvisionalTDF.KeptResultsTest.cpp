@@ -10,6 +10,7 @@
 #include <tarn/EvalContext.h>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
+#include "provisional/ProvisionalTDFAccess.h"
 
 namespace tarn {
 namespace {
@@ -63,7 +64,9 @@ class ProvisionalKeptResultsTest : public test::ProvisionalTest {
     rules.child("Shaft").required().singleton().availableWhen(std::make_unique<Shared>(isImpeller_));
     rules.object("/Case/Domain/Shaft").param("Length").required().byDefault("1");
   }
+  /// In walks of everything. Walks that leave visits out have results of their own.
   int evaluationsOf(std::function<void()> const& edit) {
+    ProvisionalTDFAccess::walkEverything(state(), true);
     evaluations_ = 0;
     edit();
     return evaluations_;

@@ -64,5 +64,28 @@ TEST(SubsetSelections, WhereAnyValueIsAllowedNothingIsAdded) {
   EXPECT_TRUE(widened({"Air"}, allowed).isEqualTo(allowed));
 }
 
+TEST(SubsetSelections, ARollbackForgetsWhatWasSelectedSinceAndNoMore) {
+  Journal journal;
+  SubsetSelections selections;
+  selections.rememberSubsetValue("/Case", "Fluid", "Water");
+  Journal::Mark const mark = journal.mark();
+  selections.rememberSubsetValues("/Case", "Fluid", {"Oil", "Water", "Air"}, &journal);
+  selections.rememberSubsetValue("/Case", "Coolant", "Water", &journal);
+  journal.rollback(mark);
+  EXPECT_EQ(selections.getSubsetSelectionValues("/Case", "Fluid"), (Strings{"Water"}));
+  EXPECT_EQ(selections.getSubsetSelectionValues("/Case", "Coolant"), Strings());
+}
+
+TEST(SubsetSelections, AValueThatARollbackForgotCanBeSelectedAgain) {
+  Journal journal;
+  SubsetSelections selections;
+  for (int i = 0; i < 2; ++i) {
+    Journal::Mark const mark = journal.mark();
+    selections.rememberSubsetValues("/Case", "Fluid", {"Water", "Oil"}, &journal);
+    EXPECT_EQ(selections.getSubsetSelectionValues("/Case", "Fluid"), (Strings{"Water", "Oil"}));
+    journal.rollback(mark);
+  }
+}
+
 }  // namespace
 }  // namespace tarn

@@ -79,7 +79,7 @@ class QuantitiesOfRules final : public QuantityModifier {
     return rules_.quantityTypes().contains(quantityType) ? 1 : 0;
   }
   [[nodiscard]] std::string getQuantityUnits(std::string const& quantityType, std::string const&) const override {
-    return rules_.quantityTypes().at(quantityType).front();
+    return rules_.findQuantityType(quantityType)->firstUnit();
   }
 
  private:

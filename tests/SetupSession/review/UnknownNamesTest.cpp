@@ -1,4 +1,4 @@
-#include <tarn/session/UnknownNames.h>
+#include "review/UnknownNames.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using testing::IsEmpty;
 // The names that the findings concern: "path" for an object, "path|name" for a parameter.
 std::vector<std::string> placesOf(UnknownNames::Result const& result) {
   std::vector<std::string> places;
-  for (UnknownName const& one : result.names) places.push_back(one.path + (one.name ? '|' + *one.name : ""));
+  for (Finding const& one : result.names) places.push_back(one.path + (one.name ? '|' + *one.name : ""));
   return places;
 }
 
@@ -78,7 +78,7 @@ TEST_F(UnknownNamesTest, OfVeryManyUnknownNamesTheLastAreToldWithoutASuggestion)
     test::Rules(rules, "/Case").pertinentRoot("Case").param("Probe " + std::to_string(i));
     misspelt["Porbe " + std::to_string(i)] = "1";
   }
-  std::vector<UnknownName> const names = UnknownNames(rules).find({{"/Case", misspelt}}, {}).names;
+  std::vector<Finding> const names = UnknownNames(rules).find({{"/Case", misspelt}}, {}).names;
   ASSERT_EQ(names.size(), 1000u);
   EXPECT_EQ(names.front().message,
             "The rules know no parameter \"Porbe 10000\" in the object \"/Case\"; did you mean \"Probe 10000\"?");

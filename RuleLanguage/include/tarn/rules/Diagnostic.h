@@ -11,8 +11,19 @@
 
 namespace tarn::rules {
 
-/// An error keeps rules from being loaded. A warning does not.
-enum class Severity { Error, Warning };
+/// How serious a problem is.
+enum class Severity {
+  /// The rules are wrong. An error of form keeps them from being loaded. An error that only lint finds does not: the
+  /// rules work, but a part of them cannot do what it says.
+  Error,
+  /// The rules are doubtful.
+  Warning,
+  /// The rules are right as they stand, but may be read in another way than they are meant.
+  Note
+};
+
+/// "error", "warning" or "note".
+[[nodiscard]] TARN_EXPORT std::string_view severityName(Severity severity) noexcept;
 
 /// A change of a rule file that removes a problem. A program can apply it without asking what it means: replace the
 /// characters from `line`, `column` up to `endLine`, `endColumn` of `source` by `text`.
@@ -83,6 +94,10 @@ struct TARN_EXPORT DiagnosticCode {
 
 /// All codes, each name once. The span is valid until the program ends.
 [[nodiscard]] TARN_EXPORT std::span<DiagnosticCode const> diagnosticCodes() noexcept;
+
+/// Whether rules with this problem cannot be loaded. False for a warning, for a note, and for an error that only lint
+/// finds.
+[[nodiscard]] TARN_EXPORT bool preventsLoading(Diagnostic const& diagnostic) noexcept;
 
 /// The diagnostic as text for people; every line ends with a line feed:
 ///

@@ -25,6 +25,9 @@ class TARN_EXPORT RuleQuantityModifier final : public QuantityModifier {
   /// type is not in the rules or lists none.
   [[nodiscard]] std::string getQuantityUnits(std::string const& quantityType, std::string const& units) const override;
 
+  /// True: the rules do not change, and what they read outside of the model they say.
+  [[nodiscard]] bool readsOnlyModel() const noexcept override { return true; }
+
  private:
   PhysicsData const* rules_;
 };

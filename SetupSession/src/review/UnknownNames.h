@@ -1,25 +1,14 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include <tarn/Export.h>
 #include <tarn/ModelState.h>
 #include <tarn/PhysicsData.h>
+#include <tarn/session/Finding.h>
 
 namespace tarn::session {
-
-/// An object or a parameter of a model for which the rules have no entry.
-struct UnknownName {
-  /// Path of the unknown object, or of the object that holds the unknown parameter.
-  std::string path;
-  /// Name of the parameter; empty when the object itself is unknown.
-  std::optional<std::string> name;
-  /// One sentence. It proposes the name that was probably meant, if there is one.
-  std::string message;
-};
 
 /// Finds everything in a model that the rules do not know: above all mistyped names. A validator that follows the rules
 /// never visits these items.
@@ -33,11 +22,11 @@ struct UnknownName {
 /// Objects at the root of the model whose type is not pertinent do not concern the rules. They are only counted, unless
 /// their type is similar to a pertinent one: then they are reported as misspelt. A parameter at the root itself is
 /// unknown.
-class TARN_EXPORT UnknownNames {
+class UnknownNames {
  public:
   struct Result {
     /// In the order of the model.
-    std::vector<UnknownName> names;
+    std::vector<Finding> names;
     /// Number of objects at the root of the model that were only counted.
     std::size_t objectsPassedOver = 0;
   };

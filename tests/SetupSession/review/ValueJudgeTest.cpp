@@ -1,4 +1,4 @@
-#include <tarn/session/ValueFaults.h>
+#include "review/ValueJudge.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 
 #include <tarn/EvalContext.h>
 
+#include "review/ReviewWalk.h"
 #include "support/MapModel.h"
 #include "support/Rules.h"
 
@@ -23,10 +24,17 @@ using test::when;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// The faults of all values in and below /Case.
-std::vector<ValueFault> faultsOf(PhysicsData const& rules, ModelTDF const& model) {
-  EvalContext context(&model);
-  return ValueFaults(rules).find({"/Case"}, context);
+/// The faults of all values in and below `roots`.
+std::vector<Finding> faultsOf(PhysicsData const& rules, ModelTDF const& model,
+                              std::vector<std::string> const& roots = {"/Case"}) {
+  EvalContext evaluation(&model);
+  std::vector<Finding> findings;
+  ReviewContext context = {rules, model, evaluation, findings};
+  std::vector<std::unique_ptr<ReviewJudge>> judges;
+  judges.push_back(std::make_unique<ValueJudge>());
+  ReviewWalk walk(context, std::move(judges));
+  for (std::string const& root : roots) walk.from(root);
+  return findings;
 }
 
 /// The rest of the sentence after "which ", for one parameter in /Case with this value. Empty when there is no fault.
@@ -34,7 +42,7 @@ std::vector<ValueFault> faultsOf(PhysicsData const& rules, ModelTDF const& model
 std::string faultOf(std::function<void(Rules&)> const& rule, std::string const& value) {
   PhysicsData data;
   rule(Rules(data, "/Case").param("P"));
-  std::vector<ValueFault> const faults = faultsOf(data, MapModel{{"/Case", {{"P", value}}}});
+  std::vector<Finding> const faults = faultsOf(data, MapModel{{"/Case", {{"P", value}}}});
   if (faults.empty()) return {};
   EXPECT_THAT(faults, SizeIs(1));
   std::string const& message = faults.front().message;
@@ -47,15 +55,15 @@ struct Row {
   char const* fault;
 };
 
-class ValueFaultsOfTypes : public testing::TestWithParam<Row> {};
+class ValueJudgeOfTypes : public testing::TestWithParam<Row> {};
 
-TEST_P(ValueFaultsOfTypes, AreTold) {
+TEST_P(ValueJudgeOfTypes, AreTold) {
   Row const& row = GetParam();
   EXPECT_EQ(faultOf([&row](Rules& rule) { rule.type(row.type); }, row.value), row.fault) << row.value;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, ValueFaultsOfTypes,
+    Table, ValueJudgeOfTypes,
     testing::Values(
         Row{TDFParam::String, "12 m", ""}, Row{TDFParam::StringList, "a, ,b", ""}, Row{TDFParam::Integer, "12", ""},
         Row{TDFParam::Integer, "-3 [K]", ""}, Row{TDFParam::Integer, "1.5e3", ""}, Row{TDFParam::Integer, "2.0", ""},
@@ -70,15 +78,15 @@ INSTANTIATE_TEST_SUITE_P(
         Row{TDFParam::RealList, "1,,3", "is not a number."},
         Row{TDFParam::LogicalList, "true, maybe", "is not a logical value such as true or false."}));
 
-class ValueFaultsOfBounds : public testing::TestWithParam<Row> {};
+class ValueJudgeOfBounds : public testing::TestWithParam<Row> {};
 
-TEST_P(ValueFaultsOfBounds, AreTold) {
+TEST_P(ValueJudgeOfBounds, AreTold) {
   Row const& row = GetParam();
   EXPECT_EQ(faultOf([&row](Rules& rule) { rule.type(row.type).bounds("0 [m]", "10 [m]"); }, row.value), row.fault)
       << row.value;
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, ValueFaultsOfBounds,
+INSTANTIATE_TEST_SUITE_P(Table, ValueJudgeOfBounds,
                          testing::Values(Row{TDFParam::Real, "5 [m]", ""}, Row{TDFParam::Real, "0 [m]", ""},
                                          Row{TDFParam::Real, "10 [m]", ""},
                                          Row{TDFParam::Real, "-1 [m]", "is below its lower bound 0 [m]."},
@@ -89,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(Table, ValueFaultsOfBounds,
                                          Row{TDFParam::Real, "-1 [mm]", ""},  //
                                          Row{TDFParam::String, "-1 [m]", ""}));
 
-TEST(ValueFaults, TellPathNameValueAndASentence) {
+TEST(ValueJudge, TellPathNameValueAndASentence) {
   PhysicsData rules;
   Rules(rules, "/Case").child("Domain").object("/Case/Domain").param("Angular Velocity").type(TDFParam::Real);
 
@@ -105,7 +113,7 @@ TEST(ValueFaults, TellPathNameValueAndASentence) {
       "a number.");
 }
 
-TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
+TEST(ValueJudge, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
   PhysicsData rules;
   Rules(rules, "/Case").param("Times").type(TDFParam::RealList);
 
@@ -118,7 +126,7 @@ TEST(ValueFaults, OfAListTellTheFirstItemAtFaultAndTheWholeValue) {
             "number.");
 }
 
-TEST(ValueFaults, ShowOfALongValueTheBeginning) {
+TEST(ValueJudge, ShowOfALongValueTheBeginning) {
   std::string const value(99, 'x');
   PhysicsData rules;
   Rules(rules, "/Case").param("P").type(TDFParam::Real);
@@ -131,7 +139,7 @@ TEST(ValueFaults, ShowOfALongValueTheBeginning) {
             "The parameter \"P\" in the object \"/Case\" has the value \"" + value + "...\", which is not a number.");
 }
 
-TEST(ValueFaults, ATextAmongTheAllowedValuesIsOfTheRightType) {
+TEST(ValueJudge, ATextAmongTheAllowedValuesIsOfTheRightType) {
   auto const automaticOrNumber = [](Rules& rule) { rule.type(TDFParam::Real).allowed({"automatic", "1", "2"}); };
   EXPECT_EQ(faultOf(automaticOrNumber, "automatic"), "");
   EXPECT_EQ(faultOf(automaticOrNumber, "manual"), "is not a number.");
@@ -141,12 +149,12 @@ TEST(ValueFaults, ATextAmongTheAllowedValuesIsOfTheRightType) {
   EXPECT_EQ(faultOf(startToEnd, "start, 2, end"), "");
 }
 
-TEST(ValueFaults, ANumberAmongTheAllowedValuesKeepsItsBounds) {
+TEST(ValueJudge, ANumberAmongTheAllowedValuesKeepsItsBounds) {
   auto const twentyUpToTen = [](Rules& rule) { rule.type(TDFParam::Real).allowed({"20"}).bounds(nullptr, text("10")); };
   EXPECT_EQ(faultOf(twentyUpToTen, "20"), "is above its upper bound 10.");
 }
 
-TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
+TEST(ValueJudge, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
   PhysicsData rules;
   Rules(rules, "/Case")
       .param("Speed")
@@ -164,7 +172,7 @@ TEST(ValueFaults, AreToldOfParametersThatAreNotAvailableOrRelaxed) {
   EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
-TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
+TEST(ValueJudge, AreNotSoughtInObjectsThatAreNotAvailable) {
   PhysicsData rules;
   Rules(rules, "/Case").child("Rotation").singleton().availableWhen(when("Motion", "Rotating"));
   Rules(rules, "/Case/Rotation").param("Speed").type(TDFParam::Real);
@@ -175,7 +183,7 @@ TEST(ValueFaults, AreNotSoughtInObjectsThatAreNotAvailable) {
   EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
-TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
+TEST(ValueJudge, BoundsThatReadTheModelAreThoseOfNow) {
   PhysicsData rules;
   Rules(rules, "/Case").param("Speed").type(TDFParam::Real).bounds(nullptr, valueOf("Maximum Speed"));
   MapModel model{{"/Case", {{"Speed", "7"}}}};
@@ -185,26 +193,23 @@ TEST(ValueFaults, BoundsThatReadTheModelAreThoseOfNow) {
   EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
-TEST(ValueFaults, EachRootIsWalked) {
+TEST(ValueJudge, EachRootIsWalked) {
   PhysicsData rules;
   Rules(rules, "/Case").param("Speed").type(TDFParam::Real);
   MapModel const model{{"/Case:a", {{"Speed", "fast"}}}, {"/Case:b", {{"Speed", "slow"}}}};
-  EvalContext context(&model);
-  ValueFaults analysis(rules);
 
-  EXPECT_THAT(analysis.find({"/Case:a", "/Case:b"}, context), SizeIs(2));
-  EXPECT_THAT(analysis.find({"/Case:b"}, context), SizeIs(1));
-  EXPECT_THAT(analysis.find({}, context), IsEmpty());
+  EXPECT_THAT(faultsOf(rules, model, {"/Case:a", "/Case:b"}), SizeIs(2));
+  EXPECT_THAT(faultsOf(rules, model, {"/Case:b"}), SizeIs(1));
+  EXPECT_THAT(faultsOf(rules, model, {}), IsEmpty());
 }
 
-TEST(ValueFaults, TheRulesOfTheEmptyTypePathAreThoseOfTheRootOfTheModel) {
+TEST(ValueJudge, TheRulesOfTheEmptyTypePathAreThoseOfTheRootOfTheModel) {
   PhysicsData rules;
   Rules(rules, "").param("Version").type(TDFParam::Integer);
   Rules(rules, "Case").param("Speed").type(TDFParam::Real);
   MapModel const model{{"", {{"Version", "first"}}}, {"/Case", {{"Speed", "fast"}}}};
-  EvalContext context(&model);
 
-  std::vector<ValueFault> const faults = ValueFaults(rules).find({"", "/Case"}, context);
+  std::vector<Finding> const faults = faultsOf(rules, model, {"", "/Case"});
   ASSERT_THAT(faults, SizeIs(1)) << "rules under \"Case\", without a \"/\", are never applied";
   EXPECT_EQ(faults[0].path, "");
   EXPECT_EQ(faults[0].name, "Version");

@@ -1,4 +1,4 @@
-#include <tarn/RulePlace.h>
+#include <tarn/TextPlace.h>
 
 #include <memory>
 #include <string>
@@ -10,7 +10,7 @@
 namespace tarn {
 namespace {
 
-TEST(RulePlace, OfARuleThatAProgramMadeIsNotKnown) {
+TEST(TextPlace, OfARuleThatAProgramMadeIsNotKnown) {
   PhysicsData data;
   auto& object = data.addObject("/Case");
   ParamAvail entry;
@@ -30,8 +30,8 @@ TEST(RulePlace, OfARuleThatAProgramMadeIsNotKnown) {
   EXPECT_EQ(param.rulePlace.text(), "");
 }
 
-TEST(RulePlace, ReadsAsCompilersWriteIt) {
-  RulePlace const place(std::make_shared<std::string const>("flow.rules.yaml"), 34, 20);
+TEST(TextPlace, ReadsAsCompilersWriteIt) {
+  TextPlace const place(std::make_shared<std::string const>("flow.rules.yaml"), 34, 20);
   EXPECT_TRUE(place.isKnown());
   EXPECT_EQ(place.source(), "flow.rules.yaml");
   EXPECT_EQ(place.line(), 34U);
@@ -39,9 +39,9 @@ TEST(RulePlace, ReadsAsCompilersWriteIt) {
   EXPECT_EQ(place.text(), "flow.rules.yaml:34:20");
 }
 
-TEST(RulePlace, ACopyOutlivesTheRulesAndSharesTheNameOfTheFile) {
+TEST(TextPlace, ACopyOutlivesTheRulesAndSharesTheNameOfTheFile) {
   auto name = std::make_shared<std::string const>("flow.rules.yaml");
-  RulePlace copy;
+  TextPlace copy;
   {
     FixedText text("Laminar");
     text.setRulePlace({name, 3, 7});

@@ -1,13 +1,13 @@
-#include <tarn/RulePlace.h>
+#include <tarn/TextPlace.h>
 
 namespace tarn {
 
-std::string const& RulePlace::source() const noexcept {
+std::string const& TextPlace::source() const noexcept {
   static std::string const none;
   return source_ ? *source_ : none;
 }
 
-std::string RulePlace::text() const {
+std::string TextPlace::text() const {
   if (!isKnown()) return {};
   return *source_ + ":" + std::to_string(line_) + ":" + std::to_string(column_);
 }

@@ -1,0 +1,7 @@
+#include <tarn/PhysicsFault.h>
+
+namespace tarn {
+
+PhysicsFaultObserver::~PhysicsFaultObserver() = default;
+
+}  // namespace tarn

@@ -1,0 +1,7 @@
+#include <tarn/TextPattern.h>
+
+namespace tarn {
+
+TextPattern::~TextPattern() = default;
+
+}  // namespace tarn

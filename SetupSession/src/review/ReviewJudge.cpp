@@ -1,0 +1,38 @@
+#include "review/ReviewJudge.h"
+
+#include <utility>
+
+#include <tarn/PathUtils.h>
+
+#include "review/ValueJudge.h"
+
+namespace tarn::session {
+
+std::vector<std::unique_ptr<ReviewJudge>> makeReviewJudges() {
+  std::vector<std::unique_ptr<ReviewJudge>> judges;
+  judges.push_back(std::make_unique<ValueJudge>());
+  return judges;
+}
+
+TextPlace placeOfParamRule(PhysicsData const& rules, std::string_view path, std::string_view name) {
+  ObjDependDef const* const object = rules.getObjDependDef(PathUtils::typePathOf(path), false);
+  ParamAvail const* const entry = object ? object->findParam(name) : nullptr;
+  return entry ? entry->rulePlace : TextPlace();
+}
+
+TextPlace placeOfChildRule(PhysicsData const& rules, std::string_view path, std::string_view type) {
+  ObjDependDef const* const object = rules.getObjDependDef(PathUtils::typePathOf(path), false);
+  ChildAvail const* const entry = object ? object->findChild(type) : nullptr;
+  return entry ? entry->rulePlace : TextPlace();
+}
+
+Finding makeFinding(FindingCode code, std::string path, std::string message) {
+  Finding finding;
+  finding.code = code;
+  finding.severity = describe(code).severity;
+  finding.path = std::move(path);
+  finding.message = std::move(message);
+  return finding;
+}
+
+}  // namespace tarn::session
