@@ -67,7 +67,7 @@ class FactMarks {
 
  private:
   /// A visit with more reads counts as reading any change. So what is kept for a visit has a limit.
-  static constexpr std::size_t maxReads = 4096;
+  static constexpr std::size_t maxReads = 1024;
 
   class Active final : public TreeListener {
    public:

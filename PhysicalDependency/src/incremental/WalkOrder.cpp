@@ -12,9 +12,15 @@ void WalkOrder::apply(std::vector<std::string>& list) {
                    [](Replacement const& a, Replacement const& b) { return comesBefore(a.visit, b.visit); });
   auto const start = std::lower_bound(visits_.begin(), visits_.end(), replacements_.front().visit, comesBefore);
   auto const kept = static_cast<std::size_t>(start - visits_.begin());
-  std::vector<std::string> tail(std::make_move_iterator(list.begin() + static_cast<std::ptrdiff_t>(kept)),
-                                std::make_move_iterator(list.end()));
+  std::size_t size = list.size();
+  for (Replacement const& replacement : replacements_) size += replacement.texts.size();
+  // All memory comes first, so that the list does not get lost half way.
   std::vector<VisitRef> const visitsOfTail(start, visits_.end());
+  visits_.reserve(size);
+  list.reserve(size);
+  std::vector<std::string> tail;
+  tail.reserve(list.size() - kept);
+  std::move(list.begin() + static_cast<std::ptrdiff_t>(kept), list.end(), std::back_inserter(tail));
   list.resize(kept);
   visits_.resize(kept);
 

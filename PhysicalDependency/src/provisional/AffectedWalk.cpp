@@ -214,13 +214,18 @@ void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
     if (names.size() != 1) marks_.lose();
     std::string const tried = childPath(object, cursor.getChildType(), false, names.back());
     names.pop_back();
+    // Nobody is told of the tried object. So results that rules keep do not hold while it exists, nor those made then
+    // afterwards.
+    bool const areKept = marks_.results.isEnabled();
+    marks_.results.enable(false);
     handler_.walkTried(tried, context_.get());
+    marks_.results.enable(areKept);
   }
   setChildren(object, entry, cursor.getChildType(), cursor.isChildSingleton(), names);
 }
 
-/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept; all
-/// others are new.
+/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept. New
+/// ones are placed behind them. So what comes behind a new one is new, too: such objects were deleted and made again.
 void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                                std::vector<std::string> const& names) {
   auto& children = object.children;
@@ -241,13 +246,15 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
 
   std::vector<std::unique_ptr<WalkObject>> now;
   now.reserve(names.size());
+  std::uint32_t const firstNewPlace = object.nextPlace;
   std::size_t next = 0;  // the first of the former children that may still be kept
   for (std::string const& name : names) {
     // The object is found under another path than the one under which the walk enters it.
     if (!isSingleton && name == type) marks_.lose();
     std::string path = childPath(object, type, isSingleton, name);
     auto const known = placeOf.find(path);
-    if (known != placeOf.end() && known->second >= next) {
+    bool const isBehindNew = !now.empty() && now.back()->place >= firstNewPlace;
+    if (known != placeOf.end() && known->second >= next && !isBehindNew) {
       next = known->second + 1;
       now.push_back(std::move(former[known->second]));
     } else {

@@ -30,6 +30,13 @@ void Listings::beginAll() noexcept {
 void Listings::beginChanges() {
   isChanging_ = true;
   offers_.beginChanges();
+  beforeWalk_ = journal_.mark();
+}
+
+void Listings::abandon() noexcept {
+  if (beforeWalk_) journal_.rollback(*beforeWalk_);
+  beforeWalk_.reset();
+  offers_.abandonChanges();
 }
 
 void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
@@ -78,7 +85,7 @@ void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult
   while (next < object.endOfOffers && (object.outputs[next] & WalkObject::Offered) == 0) ++next;
   FollowedOffers::Place const* const place = next < object.endOfOffers ? &object.offerAt[next] : nullptr;
   object.endOfOffers = std::max(object.endOfOffers, entry + 1);
-  object.offerAt[entry] = offers_.addParam(place, object.path, entry, name, allowed);
+  offers_.addParam(place, object.path, entry, name, allowed, object.offerAt[entry]);
 }
 
 void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
@@ -122,6 +129,8 @@ void Listings::complete() {
   emptyTypedParams_.apply(outcome_.emptyTypedParams);
   offers_.complete(outcome_.active);
   changeNamedTypes();
+  if (beforeWalk_) journal_.release(*beforeWalk_);
+  beforeWalk_.reset();
 }
 
 /// One pass over the types, however many change.
@@ -142,6 +151,8 @@ void Listings::changeNamedTypes() {
 }
 
 void Listings::clear() noexcept {
+  if (beforeWalk_) journal_.release(*beforeWalk_);
+  beforeWalk_.reset();
   isChanging_ = false;
   offeredObjects_.clear();
   emptyParams_.clear();

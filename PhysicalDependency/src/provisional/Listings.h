@@ -29,7 +29,7 @@ struct VisitResult {
 /// types of which a user may add an object. After each walk they are as if a walk of everything had made them.
 class Listings {
  public:
-  explicit Listings(Outcome& outcome) noexcept : outcome_(outcome), offers_(outcome.offers) {}
+  explicit Listings(Outcome& outcome) noexcept : outcome_(outcome), offers_(outcome.offers, journal_) {}
   Listings(Listings const&) = delete;
   Listings& operator=(Listings const&) = delete;
 
@@ -41,6 +41,8 @@ class Listings {
   void set(WalkObject& object, WalkObject::Entry entry, VisitResult result);
   /// Takes all results of an object away.
   void remove(WalkObject& object);
+  /// Ends a walk that broke off. The next walk is compared with the last one that was completed.
+  void abandon() noexcept;
   /// Ends a walk: the lists are up to date. Objects that were removed may go after that.
   void complete();
   void clear() noexcept;
@@ -55,6 +57,9 @@ class Listings {
   void changeNamedTypes();
 
   Outcome& outcome_;
+  /// Records the running walk of changes, so that it can break off.
+  Journal journal_;
+  std::optional<Journal::Mark> beforeWalk_;
   FollowedOffers offers_;
   bool isChanging_ = false;
   WalkOrder offeredObjects_;

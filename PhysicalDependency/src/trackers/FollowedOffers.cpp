@@ -3,11 +3,38 @@
 
 #include "trackers/FollowedOffers.h"
 
+#include <iterator>
 #include <set>
+#include <utility>
 
 #include <tarn/DynamicTDF.h>
 
+#include "journal/JournaledWrites.h"
+
 namespace tarn {
+
+namespace {
+
+/// Puts a removed parameter back before the one that came after it.
+struct PutBack {
+  void operator()() noexcept { place = params.insert(next, std::move(node)); }
+
+  PotentialUpdateData::Params& params;
+  FollowedOffers::Place& place;
+  FollowedOffers::Place next;
+  PotentialUpdateData::Params::node_type node;
+};
+
+}  // namespace
+
+void FollowedOffers::abandonChanges() noexcept {
+  if (!isChanging_) return;
+  std::swap(tracker_.previous_, tracker_.current_);
+  tracker_.current_.clear();
+  params_.clear();
+  objects_.clear();
+  isChanging_ = false;
+}
 
 void FollowedOffers::beginChanges() {
   params_.clear();
@@ -18,25 +45,37 @@ void FollowedOffers::beginChanges() {
   isChanging_ = true;
 }
 
-FollowedOffers::Place FollowedOffers::addParam(Place const* next, std::string const& objPath, std::uint32_t entry,
-                                               std::string const& name, ParamAllowedValues const* allowed) {
+void FollowedOffers::addParam(Place const* next, std::string const& objPath, std::uint32_t entry,
+                              std::string const& name, ParamAllowedValues const* allowed, Place& place) {
   noteParam(objPath, entry, name, false, true);
   auto& params = tracker_.current_.params_;
-  Place const place = next != nullptr ? params.emplace_hint(*next, objPath, name) : params.emplace(objPath, name);
-  setAllowed(objPath, name, allowed);
-  return place;
+  Journal::perform(
+      recording(),
+      [&] { place = next != nullptr ? params.emplace_hint(*next, objPath, name) : params.emplace(objPath, name); },
+      [&params, &place]() noexcept { params.erase(place); });
+  if (allowed != nullptr) setAllowed(objPath, name, *allowed);
 }
 
 void FollowedOffers::changeParam(std::string const& objPath, std::uint32_t entry, std::string const& name,
                                  ParamAllowedValues const* allowed) {
   noteParam(objPath, entry, name, true, true);
-  setAllowed(objPath, name, allowed);
+  if (allowed != nullptr) {
+    setAllowed(objPath, name, *allowed);
+  } else {
+    eraseAllowed(objPath, name);
+  }
 }
 
-void FollowedOffers::removeParam(Place place, std::uint32_t entry) {
+void FollowedOffers::removeParam(Place& place, std::uint32_t entry) {
   noteParam(place->first, entry, place->second, true, false);
-  setAllowed(place->first, place->second, nullptr);
-  tracker_.current_.params_.erase(place);
+  eraseAllowed(place->first, place->second);
+  auto& params = tracker_.current_.params_;
+  Place const next = std::next(place);
+  if (journal_.isRecording()) {
+    journal_.add(PutBack{params, place, next, {}}).node = params.extract(place);
+  } else {
+    params.erase(place);
+  }
 }
 
 void FollowedOffers::changeObjects(std::vector<std::string> const& before, std::vector<std::string> const& after) {
@@ -89,14 +128,21 @@ void FollowedOffers::noteParam(std::string const& objPath, std::uint32_t entry, 
 }
 
 void FollowedOffers::setAllowed(std::string const& objPath, std::string const& name,
-                                ParamAllowedValues const* allowed) {
+                                ParamAllowedValues const& allowed) {
+  using ByName = std::map<std::string, ParamAllowedValues>;
+  ByName& byName = journaled::emplace(recording(), tracker_.current_.allowedValues_, objPath, ByName()).first->second;
+  auto const [entry, isNew] = journaled::emplace(recording(), byName, name, allowed);
+  if (!isNew) journaled::assign(recording(), entry->second, ParamAllowedValues(allowed));
+}
+
+void FollowedOffers::eraseAllowed(std::string const& objPath, std::string const& name) {
   auto& byObject = tracker_.current_.allowedValues_;
-  if (allowed != nullptr) {
-    byObject[objPath].insert_or_assign(name, *allowed);
-  } else if (auto const object = byObject.find(objPath); object != byObject.end()) {
-    object->second.erase(name);
-    if (object->second.empty()) byObject.erase(object);
+  auto const object = byObject.find(objPath);
+  if (object == byObject.end()) return;
+  if (auto const entry = object->second.find(name); entry != object->second.end()) {
+    journaled::Erasing(recording(), object->second).erase(entry);
   }
+  if (object->second.empty()) journaled::Erasing(recording(), byObject).erase(object);
 }
 
 }  // namespace tarn

@@ -9,6 +9,8 @@
 #include <tarn/ParamAllowedValues.h>
 #include <tarn/PotentialUpdateTracker.h>
 
+#include "journal/Journal.h"
+
 namespace tarn {
 
 class DynamicTDF;
@@ -20,7 +22,8 @@ class FollowedOffers {
   /// Where the potential parameter is in the tracker's list.
   using Place = PotentialUpdateData::Params::iterator;
 
-  explicit FollowedOffers(PotentialUpdateTracker& tracker) noexcept : tracker_(tracker) {}
+  /// Changes of parameters are recorded in `journal` while that records. Both are used as long as this exists.
+  FollowedOffers(PotentialUpdateTracker& tracker, Journal& journal) noexcept : tracker_(tracker), journal_(journal) {}
 
   /// Begins the walk that starts to follow. It adds all items. The tracker's `start` has run.
   void beginAll() noexcept { isChanging_ = false; }
@@ -31,19 +34,23 @@ class FollowedOffers {
   /// `entry` is the place of the parameter in the rules of its object, and orders the potential parameters of an
   /// object. `allowed` is null for a parameter that is offered without allowed values.
   /// @{
-  /// Adds a parameter before another one of the same object, or as the last one of the object.
-  Place addParam(Place const* next, std::string const& objPath, std::uint32_t entry, std::string const& name,
-                 ParamAllowedValues const* allowed);
+  /// Adds a parameter before another one of the same object, or as the last one of the object. `place` becomes where it
+  /// is, and is kept true by later calls and by rollbacks.
+  void addParam(Place const* next, std::string const& objPath, std::uint32_t entry, std::string const& name,
+                ParamAllowedValues const* allowed, Place& place);
   /// Keeps the parameter, with other allowed values.
   void changeParam(std::string const& objPath, std::uint32_t entry, std::string const& name,
                    ParamAllowedValues const* allowed);
-  void removeParam(Place place, std::uint32_t entry);
+  void removeParam(Place& place, std::uint32_t entry);
   /// @}
 
   /// The objects that one visit offers change from `before` to `after`. Their list is changed by the caller.
   void changeObjects(std::vector<std::string> const& before, std::vector<std::string> const& after);
   [[nodiscard]] std::vector<std::string>& objects() noexcept { return tracker_.current_.objects_; }
 
+  /// Ends a walk of the second kind that broke off, after its changes were rolled back: the items of the walk before it
+  /// are those with which the next walk compares.
+  void abandonChanges() noexcept;
   /// Ends a walk of either kind, instead of the tracker's `synchWithTDF`.
   void complete(DynamicTDF const& model);
 
@@ -62,9 +69,13 @@ class FollowedOffers {
 
   void noteParam(std::string const& objPath, std::uint32_t entry, std::string const& name, bool wasOffered,
                  bool isOffered);
-  void setAllowed(std::string const& objPath, std::string const& name, ParamAllowedValues const* allowed);
+  void setAllowed(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowed);
+  void eraseAllowed(std::string const& objPath, std::string const& name);
+
+  [[nodiscard]] Journal* recording() noexcept { return journal_.isRecording() ? &journal_ : nullptr; }
 
   PotentialUpdateTracker& tracker_;
+  Journal& journal_;
   bool isChanging_ = false;
   // The items that changed in this walk. Sorted as the tracker's lists are.
   std::map<std::pair<std::string, std::uint32_t>, ParamChange> params_;
