@@ -17,6 +17,7 @@ enum class FactKind : std::uint64_t {
   Object,      // the existence of an object
   Children,    // an object's children of one type, and their order
   AllChildren,
+  GuideObject,  // the existence of an object in the guide, for who has made it and nothing in it
   Kept,     // a result that rules keep
   Outside,  // anything outside of the active root
   Any       // any change of the active tree

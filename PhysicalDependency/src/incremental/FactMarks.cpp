@@ -127,6 +127,24 @@ void FactMarks::markChildren(PathHash const& object, std::string_view type, Self
   });
 }
 
+/// While an object is tried, only what happens to it and below it is nobody's business. The others that can change then
+/// are above it.
+bool FactMarks::isMutedFor(PathHash const& object) const noexcept {
+  if (!isMuted_ || object_ == nullptr) return false;
+  for (WalkObject const* above = object_; above != nullptr; above = above->parent) {
+    if (PathHash(above->path) == object) return false;
+  }
+  return true;
+}
+
+void FactMarks::recordSafely(Fact fact) noexcept {
+  try {
+    recorder.record(fact);
+  } catch (...) {
+    isLost_ = true;
+  }
+}
+
 void FactMarks::markItem(WalkObject& object, WalkObject::Entry entry, Self self) noexcept {
   if (self == Self::IsLeftOut && &object == object_ && entry == entry_) return;
   markVisit(object, entry);
@@ -151,7 +169,7 @@ void FactMarks::Active::onParamChange(PathHash const& object, std::string_view n
 /// that.
 void FactMarks::Active::onObjectSetChange(PathHash const& parent, std::string_view type,
                                           PathHash const& object) noexcept {
-  if (marks_.isMuted_) return;
+  if (marks_.isMutedFor(object)) return;
   marks_.change(factOf(FactKind::Object, object));
   marks_.change(factOf(FactKind::Children, parent, type));
   marks_.change(factOf(FactKind::AllChildren, parent));
@@ -170,9 +188,15 @@ void FactMarks::Guide::onParamChange(PathHash const& object, std::string_view na
   if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
 }
 
+/// A value for a tried object is taken away with that object. What remains are the objects above it that were missing.
 void FactMarks::Guide::onObjectSetChange(PathHash const& parent, std::string_view type,
-                                         PathHash const& /*object*/) noexcept {
-  if (!marks_.isMuted_) marks_.markChildren(parent, type, Self::IsMarked);
+                                         PathHash const& object) noexcept {
+  if (marks_.isMutedFor(object)) {
+    marks_.recordSafely(factOf(FactKind::GuideObject, PathHash(marks_.object_->path)));
+    return;
+  }
+  marks_.change(factOf(FactKind::GuideObject, object));
+  marks_.markChildren(parent, type, Self::IsMarked);
 }
 
 }  // namespace tarn

@@ -97,6 +97,8 @@ class FactMarks {
   void markReader(ReaderIndex::Reader reader) noexcept;
   void markParam(PathHash const& object, std::string_view name, Self self) noexcept;
   void markChildren(PathHash const& object, std::string_view type, Self self) noexcept;
+  [[nodiscard]] bool isMutedFor(PathHash const& object) const noexcept;
+  void recordSafely(Fact fact) noexcept;
   void markAbove(std::string_view path) noexcept;
   void markItem(WalkObject& object, WalkObject::Entry entry, Self self) noexcept;
 

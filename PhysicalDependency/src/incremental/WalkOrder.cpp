@@ -4,10 +4,17 @@
 #include <iterator>
 #include <utility>
 
+#include "journal/JournaledWrites.h"
+
 namespace tarn {
 
-void WalkOrder::apply(std::vector<std::string>& list) {
+void WalkOrder::apply(std::vector<std::string>& list, Journal* journal) {
   if (replacements_.empty()) return;
+  if (journal != nullptr) {
+    // The journal keeps the former ones; these copies are changed.
+    journaled::assign(journal, list, std::vector<std::string>(list));
+    journaled::assign(journal, visits_, std::vector<VisitRef>(visits_));
+  }
   std::stable_sort(replacements_.begin(), replacements_.end(),
                    [](Replacement const& a, Replacement const& b) { return comesBefore(a.visit, b.visit); });
   auto const start = std::lower_bound(visits_.begin(), visits_.end(), replacements_.front().visit, comesBefore);

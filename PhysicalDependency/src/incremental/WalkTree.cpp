@@ -3,6 +3,7 @@
 
 #include "incremental/WalkTree.h"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -99,6 +100,20 @@ WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryT
   markAll();
 }
 
+/// Leaves go first: destroying the children as a whole would recurse for every level.
+WalkObject::~WalkObject() {
+  for (WalkObject* at = this; at != this || !children.empty();) {
+    if (at->children.empty()) {
+      at = at->parent;
+      at->children.pop_back();
+    } else if (at->children.back() == nullptr) {
+      at->children.pop_back();
+    } else {
+      at = at->children.back().get();
+    }
+  }
+}
+
 WalkObject::Entry WalkObject::nextMarked(Entry from) const noexcept {
   if (markCount == 0 || from >= numEntries()) return numEntries();
   std::size_t word = from / bitsOfWord;
@@ -158,6 +173,18 @@ bool comesBefore(VisitRef a, VisitRef b) noexcept {
   return first.place < second.place;
 }
 
+WalkObject* nextBelow(WalkObject const& top, WalkObject& object) noexcept {
+  if (!object.children.empty()) return object.children.front().get();
+  for (WalkObject* at = &object; at != &top; at = at->parent) {
+    auto const& siblings = at->parent->children;
+    auto const next =
+        std::upper_bound(siblings.begin(), siblings.end(), at->ownKey(),
+                         [](WalkObject::ChildKey key, auto const& sibling) { return key < sibling->ownKey(); });
+    if (next != siblings.end()) return next->get();
+  }
+  return nullptr;
+}
+
 WalkTree::WalkTree() = default;
 
 WalkTree::~WalkTree() {
@@ -181,7 +208,7 @@ std::unique_ptr<WalkObject> WalkTree::makeChild(WalkObject& parent, WalkObject::
   return made;
 }
 
-void WalkTree::unlist(WalkObject& top) {
+void WalkTree::unlist(WalkObject& top) noexcept {
   forEachObject(top, [this](WalkObject& object) {
     auto const [first, last] = byPath_.equal_range(static_cast<std::uint64_t>(PathHash(object.path).value()));
     for (auto at = first; at != last; ++at) {
@@ -192,6 +219,10 @@ void WalkTree::unlist(WalkObject& top) {
     byHandle_[object.handle] = nullptr;
     freeHandles_.push_back(object.handle);
   });
+}
+
+void WalkTree::relist(WalkObject& top) {
+  forEachObject(top, [this](WalkObject& object) { list(object); });
 }
 
 bool WalkTree::mark(WalkObject& object, WalkObject::Entry entry) noexcept {
@@ -229,6 +260,8 @@ EntryTraits const* WalkTree::traitsOf(ObjDependDef const* rules) {
 void WalkTree::list(WalkObject& object) {
   if (freeHandles_.empty()) {
     object.handle = static_cast<std::uint32_t>(byHandle_.size());
+    // There is room for every handle, so that taking objects out cannot fail.
+    if (freeHandles_.capacity() <= byHandle_.size()) freeHandles_.reserve(2 * byHandle_.size() + 1);
     byHandle_.push_back(&object);
   } else {
     object.handle = freeHandles_.back();
@@ -238,22 +271,10 @@ void WalkTree::list(WalkObject& object) {
   byPath_.emplace(static_cast<std::uint64_t>(PathHash(object.path).value()), &object);
 }
 
-/// Objects go leaves first: destroying them as a whole would recurse for every level.
 void WalkTree::clear() noexcept {
   byPath_.clear();
   byHandle_.clear();
   freeHandles_.clear();
-  WalkObject* at = root_.get();
-  while (at != nullptr) {
-    if (!at->children.empty()) {
-      at = at->children.back().get();
-    } else if (at->parent != nullptr) {
-      at = at->parent;
-      at->children.pop_back();
-    } else {
-      at = nullptr;
-    }
-  }
   root_.reset();
 }
 

@@ -30,6 +30,9 @@ struct WalkObject {
   using Entry = std::uint32_t;
 
   WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits const* objTraits, WalkObject* parentObject);
+  WalkObject(WalkObject const&) = delete;
+  WalkObject& operator=(WalkObject const&) = delete;
+  ~WalkObject();
 
   [[nodiscard]] Entry numParams() const noexcept { return paramEntries; }
   [[nodiscard]] Entry numEntries() const noexcept { return static_cast<Entry>(outputs.size()); }
@@ -119,7 +122,9 @@ class WalkTree {
   std::unique_ptr<WalkObject> makeChild(WalkObject& parent, WalkObject::Entry entry, std::string path,
                                         ObjDependDef const* rules);
   /// Takes an object and everything below it out of the look-ups.
-  void unlist(WalkObject& top);
+  void unlist(WalkObject& top) noexcept;
+  /// Undoes that. When memory runs out it throws, and the tree must be cleared.
+  void relist(WalkObject& top);
 
   /// The objects whose path has this hash. Mostly one or none.
   template <class Visit>
@@ -151,16 +156,13 @@ class WalkTree {
   std::unique_ptr<WalkObject> root_;
 };
 
-/// Calls `visit` with `top` and everything below it, parents before children.
+/// The next object of a walk over `top` and everything below it, parents before children. Null after the last one.
+[[nodiscard]] WalkObject* nextBelow(WalkObject const& top, WalkObject& object) noexcept;
+
+/// Calls `visit` with `top` and everything below it, parents before children. Takes no memory.
 template <class Visit>
 void forEachObject(WalkObject& top, Visit visit) {
-  std::vector<WalkObject*> pending{&top};
-  while (!pending.empty()) {
-    WalkObject& object = *pending.back();
-    pending.pop_back();
-    visit(object);
-    for (auto const& child : object.children) pending.push_back(child.get());
-  }
+  for (WalkObject* object = &top; object != nullptr; object = nextBelow(top, *object)) visit(*object);
 }
 
 }  // namespace tarn

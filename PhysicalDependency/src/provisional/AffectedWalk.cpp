@@ -17,6 +17,7 @@
 #include <tarn/TDFPath.h>
 
 #include "analysis/AvailInfoAdapters.h"
+#include "journal/JournaledWrites.h"
 #include "provisional/ProvisionalFacts.h"
 
 namespace tarn {
@@ -57,6 +58,23 @@ struct AffectedWalk::OpenObject {
   /// The walk has passed all entries before this one, and all children before that one.
   WalkObject::Entry nextEntry = 0;
   WalkObject::ChildKey nextChild = 0;
+};
+
+/// What takes the children of an entry back.
+struct AffectedWalk::FormerChildren {
+  void operator()() noexcept {
+    try {
+      walk->restoreChildren(*this);
+    } catch (...) {
+      walk->marks_.lose();
+    }
+  }
+
+  AffectedWalk* walk;
+  WalkObject* parent;
+  WalkObject::Entry entry;
+  std::vector<WalkObject*> order;
+  std::vector<std::unique_ptr<WalkObject>> dropped;
 };
 
 void AffectedWalk::attach(ProvisionalTDFDB const& view, ModelTDF const& base) noexcept {
@@ -156,6 +174,9 @@ void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
     visitChildren(open, entry);
   }
   marks_.endVisit();
+  if (Journal* const journal = facts_.listings().recording()) {
+    journal->add([this, &object, entry]() noexcept { marks_.markVisit(object, entry); });
+  }
   facts_.collectInto(nullptr);
   facts_.listings().set(object, entry, std::move(result_));
   auto const& unfollowed = object.traits->unfollowed;
@@ -182,10 +203,12 @@ void AffectedWalk::setContextValue(WalkObject& object, WalkObject::Entry entry, 
   bool const isSame = value == nullptr ? known == object.contextValues.end()
                                        : known != object.contextValues.end() && known->second == *value;
   if (isSame) return;
+  Journal* const journal = facts_.listings().recording();
   if (value == nullptr) {
-    object.contextValues.erase(known);
+    journaled::Erasing(journal, object.contextValues).erase(known);
   } else {
-    object.contextValues[entry] = *value;
+    auto const place = journaled::emplace(journal, object.contextValues, entry, std::string()).first;
+    journaled::assign(journal, place->second, std::string(*value));
   }
   auto const& inContexts = object.traits->inContexts;
   for (auto at = std::upper_bound(inContexts.begin(), inContexts.end(), entry); at != inContexts.end(); ++at) {
@@ -244,6 +267,13 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
   std::vector<std::unique_ptr<WalkObject>> former(std::make_move_iterator(begin), std::make_move_iterator(end));
   for (std::size_t i = 0; i < former.size(); ++i) placeOf.emplace(former[i]->path, i);
 
+  FormerChildren* record = nullptr;
+  if (Journal* const journal = facts_.listings().recording()) {
+    FormerChildren made{this, &object, entry, {}, {}};
+    for (auto const& child : former) made.order.push_back(child.get());
+    record = &journal->add(std::move(made));
+  }
+
   std::vector<std::unique_ptr<WalkObject>> now;
   now.reserve(names.size());
   std::uint32_t const firstNewPlace = object.nextPlace;
@@ -261,8 +291,11 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
       now.push_back(newChild(object, entry, std::move(path)));
     }
   }
+  std::vector<std::unique_ptr<WalkObject>>& dropped = record != nullptr ? record->dropped : dropped_;
   for (std::unique_ptr<WalkObject>& child : former) {
-    if (child != nullptr) drop(std::move(child));
+    if (child == nullptr) continue;
+    drop(*child);
+    dropped.push_back(std::move(child));
   }
   auto const place = children.erase(begin, end);
   children.insert(place, std::make_move_iterator(now.begin()), std::make_move_iterator(now.end()));
@@ -278,14 +311,55 @@ std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObjec
   return child;
 }
 
-void AffectedWalk::drop(std::unique_ptr<WalkObject> top) {
-  top->parent->dirtyChildren.erase(top->ownKey());
-  forEachObject(*top, [this](WalkObject& object) {
-    facts_.listings().remove(object);
+/// Takes an object out of the walk. It may come back.
+void AffectedWalk::drop(WalkObject& top) {
+  forEachObject(top, [this](WalkObject& object) { facts_.listings().remove(object); });
+  removeFromTree(top);
+}
+
+void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
+  top.parent->dirtyChildren.erase(top.ownKey());
+  forEachObject(top, [this](WalkObject& object) {
     for (ReaderIndex::Reads& reads : object.reads) marks_.readers.clearReads(reads);
   });
-  marks_.tree.unlist(*top);
-  dropped_.push_back(std::move(top));
+  marks_.tree.unlist(top);
+}
+
+/// Children that were there before come back, and all visits in those that were dropped are marked: nobody knows any
+/// more what they have read. Children that were not there go; the lists do not refer to them any more.
+void AffectedWalk::restoreChildren(FormerChildren& former) {
+  auto& children = former.parent->children;
+  auto const isBefore = [](std::unique_ptr<WalkObject> const& child, WalkObject::Entry e) {
+    return child->childEntry < e;
+  };
+  auto const begin = std::lower_bound(children.begin(), children.end(), former.entry, isBefore);
+  auto const end = std::lower_bound(begin, children.end(), former.entry + 1, isBefore);
+  std::unordered_map<WalkObject const*, std::unique_ptr<WalkObject>> known;
+  std::vector<WalkObject*> dropped;
+  for (auto child = begin; child != end; ++child) known.emplace(child->get(), std::move(*child));
+  for (auto& child : former.dropped) {
+    dropped.push_back(child.get());
+    known.emplace(child.get(), std::move(child));
+  }
+  std::vector<std::unique_ptr<WalkObject>> before;
+  for (WalkObject const* const child : former.order) {
+    auto const place = known.find(child);
+    before.push_back(std::move(place->second));
+    known.erase(place);
+  }
+  for (auto const& [child, owned] : known) removeFromTree(*owned);
+  auto const place = children.erase(begin, end);
+  children.insert(place, std::make_move_iterator(before.begin()), std::make_move_iterator(before.end()));
+  for (WalkObject* const child : dropped) {
+    marks_.tree.relist(*child);
+    forEachObject(*child, [this](WalkObject& object) {
+      if (!marks_.tree.markAll(object)) marks_.lose();
+    });
+  }
+}
+
+void AffectedWalk::checkRollback() noexcept {
+  if (marks_.isLost()) forget();
 }
 
 }  // namespace tarn

@@ -74,6 +74,8 @@ class AffectedWalk {
   void complete() noexcept;
   /// The next walk is one of everything.
   void forget() noexcept;
+  /// After a rollback: forgets everything if that could not be followed.
+  void checkRollback() noexcept;
   /// The model that rules read in a walk.
   [[nodiscard]] ModelTDF const* model() const noexcept { return model_.get(); }
 
@@ -91,7 +93,10 @@ class AffectedWalk {
   void setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                    std::vector<std::string> const& names);
   std::unique_ptr<WalkObject> newChild(WalkObject& parent, WalkObject::Entry entry, std::string path);
-  void drop(std::unique_ptr<WalkObject> top);
+  void drop(WalkObject& top);
+  struct FormerChildren;
+  void restoreChildren(FormerChildren& former);
+  void removeFromTree(WalkObject& top) noexcept;
 
   ProvisionalFacts& facts_;
   WalkHandler& handler_;

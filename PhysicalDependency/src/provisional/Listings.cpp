@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <iterator>
 
+#include "journal/JournaledWrites.h"
 #include "provisional/ParamKey.h"
 
 namespace tarn {
 
 namespace {
 
-void countOffers(WalkObject& object, std::size_t before, std::size_t after) noexcept {
-  if (before == after) return;
+void addOffers(WalkObject& object, std::size_t before, std::size_t after) noexcept {
   auto const change = static_cast<std::uint32_t>(after - before);  // wraps around, as the sum does
   for (WalkObject* at = &object; at != nullptr; at = at->parent) at->offers += change;
 }
@@ -29,6 +29,7 @@ void Listings::beginAll() noexcept {
 
 void Listings::beginChanges() {
   isChanging_ = true;
+  if (isHidden_) showOrHide();
   offers_.beginChanges();
   beforeWalk_ = journal_.mark();
 }
@@ -37,6 +38,45 @@ void Listings::abandon() noexcept {
   if (beforeWalk_) journal_.rollback(*beforeWalk_);
   beforeWalk_.reset();
   offers_.abandonChanges();
+}
+
+void Listings::hide() {
+  offers_.hide();
+  if (!isHidden_) showOrHide();
+}
+
+void Listings::showOrHide() {
+  auto const exchange = [this]() noexcept {
+    hiddenParams_.swap(outcome_.emptyParams);
+    hiddenTypedParams_.swap(outcome_.emptyTypedParams);
+    isHidden_ = !isHidden_;
+  };
+  if (recording() != nullptr) journal_.add(exchange);
+  exchange();
+}
+
+void Listings::countOffers(WalkObject& object, std::size_t before, std::size_t after) {
+  if (before == after) return;
+  if (recording() != nullptr) {
+    journal_.add([&object, before, after]() noexcept { addOffers(object, after, before); });
+  }
+  addOffers(object, before, after);
+}
+
+Journal::Mark Listings::mark() {
+  Journal::Mark const made = journal_.mark();
+  ++openMarks_;
+  return made;
+}
+
+void Listings::rollback(Journal::Mark mark, std::size_t stillOpen) noexcept {
+  journal_.rollback(mark);
+  openMarks_ = stillOpen;
+}
+
+void Listings::release(Journal::Mark mark, std::size_t stillOpen) noexcept {
+  journal_.release(mark);
+  openMarks_ = stillOpen;
 }
 
 void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
@@ -64,7 +104,7 @@ void Listings::setParam(WalkObject& object, WalkObject::Entry entry, VisitResult
   if (((before ^ now) & WalkObject::EmptyTyped) != 0) {
     list(emptyTypedParams_, outcome_.emptyTypedParams, {&object, entry}, textsIf(result.isEmptyTyped, object, entry));
   }
-  object.outputs[entry] = static_cast<std::uint8_t>(now);
+  journaled::assign(recording(), object.outputs[entry], static_cast<std::uint8_t>(now));
 }
 
 void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
@@ -102,14 +142,13 @@ void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitRes
     offers_.changeObjects(before, result.offeredObjects);
     countOffers(object, before.size(), result.offeredObjects.size());
     list(offeredObjects_, offers_.objects(), {&object, entry}, result.offeredObjects);
-    if (result.offeredObjects.empty()) {
-      object.offeredObjects.erase(entry);
-    } else {
-      object.offeredObjects[entry] = result.offeredObjects;
-    }
+    auto const known = journaled::emplace(recording(), object.offeredObjects, entry, std::vector<std::string>()).first;
+    journaled::assign(recording(), known->second, result.offeredObjects);
+    if (result.offeredObjects.empty()) journaled::Erasing(recording(), object.offeredObjects).erase(known);
   }
-  object.outputs[entry] = static_cast<std::uint8_t>((result.offersName ? WalkObject::OffersName : 0U) |
-                                                    (result.offeredObjects.empty() ? 0U : WalkObject::OffersObjects));
+  unsigned const now = (result.offersName ? WalkObject::OffersName : 0U) |
+                       (result.offeredObjects.empty() ? 0U : WalkObject::OffersObjects);
+  journaled::assign(recording(), object.outputs[entry], static_cast<std::uint8_t>(now));
 }
 
 void Listings::list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now) {
@@ -124,9 +163,9 @@ void Listings::list(WalkOrder& order, std::vector<std::string>& texts, VisitRef 
 }
 
 void Listings::complete() {
-  offeredObjects_.apply(offers_.objects());
-  emptyParams_.apply(outcome_.emptyParams);
-  emptyTypedParams_.apply(outcome_.emptyTypedParams);
+  offeredObjects_.apply(offers_.objects(), recording());
+  emptyParams_.apply(outcome_.emptyParams, recording());
+  emptyTypedParams_.apply(outcome_.emptyTypedParams, recording());
   offers_.complete(outcome_.active);
   changeNamedTypes();
   if (beforeWalk_) journal_.release(*beforeWalk_);
@@ -139,6 +178,7 @@ void Listings::changeNamedTypes() {
   std::sort(addedTypes_.begin(), addedTypes_.end());
   std::sort(removedTypes_.begin(), removedTypes_.end());
   std::vector<NamedType>& types = outcome_.userNamedTypes;
+  if (recording() != nullptr) journaled::assign(recording(), types, std::vector<NamedType>(types));
   std::vector<NamedType> kept;
   std::set_difference(std::make_move_iterator(types.begin()), std::make_move_iterator(types.end()),
                       removedTypes_.begin(), removedTypes_.end(), std::back_inserter(kept));
@@ -154,6 +194,10 @@ void Listings::clear() noexcept {
   if (beforeWalk_) journal_.release(*beforeWalk_);
   beforeWalk_.reset();
   isChanging_ = false;
+  isHidden_ = false;
+  hiddenParams_.clear();
+  hiddenTypedParams_.clear();
+  offers_.beginAll();
   offeredObjects_.clear();
   emptyParams_.clear();
   emptyTypedParams_.clear();

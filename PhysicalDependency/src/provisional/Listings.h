@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -45,7 +46,21 @@ class Listings {
   void abandon() noexcept;
   /// Ends a walk: the lists are up to date. Objects that were removed may go after that.
   void complete();
+  /// Instead of a walk: the lists are empty until the next walk, which then finds everything on offer anew. The named
+  /// types stay.
+  void hide();
   void clear() noexcept;
+
+  /// @name Marks
+  /// While a mark is open, everything that is changed here and in the objects of the walk is recorded.
+  /// @{
+  [[nodiscard]] Journal::Mark mark();
+  /// `stillOpen` is the number of marks that are open after it.
+  void rollback(Journal::Mark mark, std::size_t stillOpen) noexcept;
+  void release(Journal::Mark mark, std::size_t stillOpen) noexcept;
+  /// Null while no mark is open.
+  [[nodiscard]] Journal* recording() noexcept { return openMarks_ == 0 ? nullptr : &journal_; }
+  /// @}
 
  private:
   using NamedType = std::pair<std::string, std::string>;
@@ -55,10 +70,13 @@ class Listings {
   void setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
   void list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now);
   void changeNamedTypes();
+  void countOffers(WalkObject& object, std::size_t before, std::size_t after);
+  void showOrHide();
 
   Outcome& outcome_;
-  /// Records the running walk of changes, so that it can break off.
+  /// Records the running walk of changes, so that it can break off, and everything while marks are open.
   Journal journal_;
+  std::size_t openMarks_ = 0;
   std::optional<Journal::Mark> beforeWalk_;
   FollowedOffers offers_;
   bool isChanging_ = false;
@@ -67,6 +85,10 @@ class Listings {
   WalkOrder emptyTypedParams_;
   std::vector<NamedType> addedTypes_;
   std::vector<NamedType> removedTypes_;
+  /// The empty parameters while the lists are hidden.
+  bool isHidden_ = false;
+  std::vector<std::string> hiddenParams_;
+  std::vector<std::string> hiddenTypedParams_;
 };
 
 }  // namespace tarn

@@ -307,12 +307,15 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
 // The frame of an update.
 
 void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
-  m_kind = p_kind;
   m_outcome.active.resetChanges();
   TrackerAccess::reset(m_outcome.quantities, recording());
   TrackerAccess::reset(m_outcome.bounds, recording());
   if (p_kind == UpdateKind::FollowedWalk) {
     m_listings.beginChanges();
+    return;
+  }
+  if (p_kind == UpdateKind::WithoutWalk && m_marks != nullptr) {
+    m_listings.hide();
     return;
   }
   m_listings.beginAll();
@@ -323,7 +326,7 @@ void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
 }
 
 void ProvisionalFacts::completeUpdate() {
-  if (m_kind == UpdateKind::FirstFollowedWalk || m_kind == UpdateKind::FollowedWalk) {
+  if (m_marks != nullptr) {
     m_listings.complete();
     return;
   }
@@ -349,6 +352,7 @@ void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
 }
 
 void ProvisionalFacts::follow(FactMarks* p_marks) noexcept {
+  if (p_marks == nullptr && m_marks != nullptr) keepListsOfMarks();
   m_marks = p_marks;
   DynamicTDFAccess::storeOf(m_outcome.active).setListener(p_marks == nullptr ? nullptr : &p_marks->activeListener());
   DynamicTDFAccess::storeOf(m_intent.guide).setListener(p_marks == nullptr ? nullptr : &p_marks->guideListener());
@@ -365,7 +369,101 @@ bool ProvisionalFacts::hasAmbiguousPaths() const noexcept {
 
 /// For a fact of an item that is not in a tree. The item is known by the key under which its decision is kept.
 void ProvisionalFacts::ownFactWritten(std::string_view p_key) noexcept {
-  if (m_marks != nullptr) m_marks->onOwnFact(p_key);
+  if (m_marks == nullptr) return;
+  m_marks->onOwnFact(p_key);
+  if (!m_journal.isRecording()) return;
+  try {
+    m_ownFacts.emplace_back(p_key);
+  } catch (...) {
+    m_marks->lose();
+  }
+}
+
+// Marks.
+
+std::size_t ProvisionalFacts::mark() {
+  std::size_t const number = m_openMarks.size();
+  m_openMarks.reserve(number + 1);
+  OpenMark made{m_journal.mark(), {}, {}, m_ownFacts.size()};
+  try {
+    if (m_marks != nullptr) {
+      made.listings = m_listings.mark();
+    } else {
+      made.lists = copyOfLists();
+    }
+  } catch (...) {
+    m_journal.release(made.stores);
+    throw;
+  }
+  m_openMarks.push_back(std::move(made));
+  return number;
+}
+
+/// The trees come first: taking them back marks visits of the walk as it is now.
+void ProvisionalFacts::rollback(std::size_t p_mark) noexcept {
+  OpenMark& mark = m_openMarks[p_mark];
+  m_journal.rollback(mark.stores);
+  if (mark.listings) {
+    m_listings.rollback(*mark.listings, listingMarksBefore(p_mark));
+    for (std::size_t i = mark.ownFacts; i < m_ownFacts.size(); ++i) m_marks->onOwnFact(m_ownFacts[i]);
+  } else {
+    // Walks may have been followed since then. Their lists go.
+    while (m_openMarks.size() > p_mark + 1) m_openMarks.pop_back();
+    if (m_marks != nullptr) m_marks->lose();
+    restoreLists(*mark.lists);
+  }
+  m_ownFacts.resize(mark.ownFacts);
+  while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
+}
+
+void ProvisionalFacts::release(std::size_t p_mark) noexcept {
+  OpenMark& mark = m_openMarks[p_mark];
+  m_journal.release(mark.stores);
+  if (mark.listings) m_listings.release(*mark.listings, listingMarksBefore(p_mark));
+  while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
+  if (m_openMarks.empty()) m_ownFacts.clear();
+}
+
+std::size_t ProvisionalFacts::listingMarksBefore(std::size_t p_mark) const noexcept {
+  auto const end = m_openMarks.begin() + static_cast<std::ptrdiff_t>(p_mark);
+  return static_cast<std::size_t>(
+      std::count_if(m_openMarks.begin(), end, [](OpenMark const& mark) { return mark.listings.has_value(); }));
+}
+
+ProvisionalFacts::Lists ProvisionalFacts::copyOfLists() const {
+  return {m_outcome.offers, m_outcome.emptyParams, m_outcome.emptyTypedParams, m_outcome.userNamedTypes};
+}
+
+void ProvisionalFacts::restoreLists(Lists& p_lists) noexcept {
+  std::swap(m_outcome.offers, p_lists.offers);
+  m_outcome.emptyParams.swap(p_lists.emptyParams);
+  m_outcome.emptyTypedParams.swap(p_lists.emptyTypedParams);
+  m_outcome.userNamedTypes.swap(p_lists.userNamedTypes);
+}
+
+/// Walks are not followed any more. So the record of their listings goes, and each open mark gets the lists themselves.
+/// Should there be no memory for them, they are empty after a rollback, as after a refused edit.
+void ProvisionalFacts::keepListsOfMarks() noexcept {
+  if (m_openMarks.empty()) return;
+  Lists now{PotentialUpdateTracker(), {}, {}, {}};
+  try {
+    now = copyOfLists();
+  } catch (...) {
+    // The update that ends the following makes them anew.
+  }
+  for (std::size_t i = m_openMarks.size(); i-- > 0;) {
+    OpenMark& mark = m_openMarks[i];
+    if (!mark.listings) continue;
+    m_listings.rollback(*mark.listings, listingMarksBefore(i));
+    mark.listings.reset();
+    mark.lists.emplace();
+    try {
+      *mark.lists = copyOfLists();
+    } catch (...) {
+      // Empty.
+    }
+  }
+  restoreLists(now);
 }
 
 /// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk

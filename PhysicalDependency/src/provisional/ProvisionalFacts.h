@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <tarn/EvalCache.h>
@@ -150,6 +153,19 @@ class ProvisionalFacts final : public Journal::Participant {
   [[nodiscard]] bool hasAmbiguousPaths() const noexcept;
   /// @}
 
+  /// @name Marks
+  /// A mark is known by the number of marks that were open before it.
+  /// @{
+  [[nodiscard]] std::size_t mark();
+  /// Takes everything back to the mark, and ends it and all later ones. The visits that changes concern are marked
+  /// again.
+  void rollback(std::size_t p_mark) noexcept;
+  void release(std::size_t p_mark) noexcept;
+  [[nodiscard]] std::size_t openMarks() const noexcept { return m_openMarks.size(); }
+  /// Null while no mark is open.
+  [[nodiscard]] Journal* recording() noexcept { return m_journal.isRecording() ? &m_journal : nullptr; }
+  /// @}
+
   [[nodiscard]] Outcome const& outcome() const noexcept { return m_outcome; }
 
   /// The results that rules keep. Enabled during a walk only; between walks the base model may change.
@@ -159,7 +175,30 @@ class ProvisionalFacts final : public Journal::Participant {
   void activeWritten() noexcept;
   void ownFactWritten(std::string_view p_key) noexcept;
   void noteAtMark(Journal& p_journal) override;
-  [[nodiscard]] Journal* recording() noexcept { return m_journal.isRecording() ? &m_journal : nullptr; }
+
+  /// The lists that a whole walk makes up.
+  struct Lists {
+    PotentialUpdateTracker offers;
+    std::vector<std::string> emptyParams;
+    std::vector<std::string> emptyTypedParams;
+    std::vector<std::pair<std::string, std::string>> userNamedTypes;
+  };
+  struct OpenMark {
+    Journal::Mark stores;
+    /// While walks are followed, their listings are recorded. Otherwise their lists are kept as they were.
+    std::optional<Journal::Mark> listings;
+    std::optional<Lists> lists;
+    /// The number of own facts that were written before.
+    std::size_t ownFacts;
+  };
+  [[nodiscard]] Lists copyOfLists() const;
+  void restoreLists(Lists& p_lists) noexcept;
+  void keepListsOfMarks() noexcept;
+  [[nodiscard]] std::size_t listingMarksBefore(std::size_t p_mark) const noexcept;
+
+  std::vector<OpenMark> m_openMarks;
+  /// The keys of the own facts that were written while a mark is open.
+  std::vector<std::string> m_ownFacts;
 
   /// Destroyed after what it records.
   Journal m_journal;
@@ -175,7 +214,6 @@ class ProvisionalFacts final : public Journal::Participant {
   bool m_isTrying = false;
   PotentialUpdateData m_triedOffers;
 
-  UpdateKind m_kind = UpdateKind::WithoutWalk;
   EvalCache m_keptResults;
   /// The revision of the active tree when the results were last dropped.
   std::uint64_t m_revision = 0;

@@ -92,7 +92,7 @@ void ProvisionalTDF::Impl::completeBrokenUpdate() {
 }
 
 void ProvisionalTDF::Impl::rememberStartState(UpdateKind p_kind) {
-  if (p_kind == UpdateKind::WithoutWalk || p_kind == UpdateKind::FullWalk) m_walk.forget();
+  if (p_kind == UpdateKind::FullWalk) m_walk.forget();
   m_facts.beginUpdate(p_kind);
   m_newlyUnavailParams.clear();
   m_probe.clearPath();

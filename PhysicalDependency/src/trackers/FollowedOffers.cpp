@@ -3,6 +3,7 @@
 
 #include "trackers/FollowedOffers.h"
 
+#include <algorithm>
 #include <iterator>
 #include <set>
 #include <utility>
@@ -27,22 +28,60 @@ struct PutBack {
 
 }  // namespace
 
-void FollowedOffers::abandonChanges() noexcept {
-  if (!isChanging_) return;
-  std::swap(tracker_.previous_, tracker_.current_);
-  tracker_.current_.clear();
-  params_.clear();
-  objects_.clear();
+void FollowedOffers::beginAll() noexcept {
   isChanging_ = false;
+  isHidden_ = false;
+  isAllNew_ = false;
 }
 
 void FollowedOffers::beginChanges() {
   params_.clear();
   objects_.clear();
-  tracker_.previous_.clear();
-  tracker_.clear();
-  tracker_.state_ = PotentialUpdateTracker::State::Collecting;
+  clearChanges();
+  journaled::assign(recording(), isAllNew_, isHidden_);
+  if (isHidden_) {
+    showOrHide();
+  } else {
+    tracker_.previous_.clear();
+  }
+  journaled::assign(recording(), tracker_.state_, PotentialUpdateTracker::State::Collecting);
   isChanging_ = true;
+}
+
+void FollowedOffers::hide() {
+  clearChanges();
+  if (isHidden_) return;
+  tracker_.previous_.clear();
+  showOrHide();
+  journaled::assign(recording(), tracker_.state_, PotentialUpdateTracker::State::Collecting);
+}
+
+/// Exchanges the items with nothing. Positions in the list of parameters stay valid.
+void FollowedOffers::showOrHide() {
+  auto const exchange = [this]() noexcept {
+    std::swap(tracker_.previous_, tracker_.current_);
+    isHidden_ = !isHidden_;
+  };
+  if (journal_.isRecording()) journal_.add(exchange);
+  exchange();
+}
+
+void FollowedOffers::abandonChanges() noexcept {
+  if (!isChanging_) return;
+  if (!isHidden_) std::swap(tracker_.previous_, tracker_.current_);
+  if (isAllNew_ || isHidden_) tracker_.previous_.clear();
+  tracker_.current_.clear();
+  params_.clear();
+  objects_.clear();
+  beginAll();
+}
+
+void FollowedOffers::clearChanges() {
+  journaled::assign(recording(), tracker_.addedObjects_, {});
+  journaled::assign(recording(), tracker_.deletedObjects_, {});
+  journaled::assign(recording(), tracker_.addedParams_, {});
+  journaled::assign(recording(), tracker_.changedParams_, {});
+  journaled::assign(recording(), tracker_.deletedParams_, {});
 }
 
 void FollowedOffers::addParam(Place const* next, std::string const& objPath, std::uint32_t entry,
@@ -79,7 +118,7 @@ void FollowedOffers::removeParam(Place& place, std::uint32_t entry) {
 }
 
 void FollowedOffers::changeObjects(std::vector<std::string> const& before, std::vector<std::string> const& after) {
-  if (!isChanging_) return;
+  if (!isChanging_ || isAllNew_) return;
   for (std::string const& path : before)
     objects_.try_emplace(path, ObjectChange{true, true}).first->second.isOffered = false;
   for (std::string const& path : after)
@@ -90,6 +129,14 @@ void FollowedOffers::complete(DynamicTDF const& model) {
   if (!isChanging_) {
     tracker_.synchWithTDF(&model);
     return;
+  }
+  if (isAllNew_) {
+    tracker_.addedParams_ = tracker_.current_.params_;
+    tracker_.addedObjects_ = tracker_.current_.objects_;
+    std::sort(tracker_.addedObjects_.begin(), tracker_.addedObjects_.end());
+    auto const end = std::unique(tracker_.addedObjects_.begin(), tracker_.addedObjects_.end());
+    tracker_.addedObjects_.erase(end, tracker_.addedObjects_.end());
+    journaled::assign(recording(), isAllNew_, false);
   }
   for (auto at = params_.begin(); at != params_.end();) {
     std::string const& objPath = at->first.first;
@@ -114,11 +161,12 @@ void FollowedOffers::complete(DynamicTDF const& model) {
   params_.clear();
   objects_.clear();
   tracker_.state_ = PotentialUpdateTracker::State::Synched;
+  isChanging_ = false;
 }
 
 void FollowedOffers::noteParam(std::string const& objPath, std::uint32_t entry, std::string const& name,
                                bool wasOffered, bool isOffered) {
-  if (!isChanging_) return;
+  if (!isChanging_ || isAllNew_) return;
   auto const [place, isNew] = params_.try_emplace({objPath, entry});
   if (isNew) {
     place->second = {name, wasOffered, wasOffered, {}};

@@ -26,9 +26,12 @@ class FollowedOffers {
   FollowedOffers(PotentialUpdateTracker& tracker, Journal& journal) noexcept : tracker_(tracker), journal_(journal) {}
 
   /// Begins the walk that starts to follow. It adds all items. The tracker's `start` has run.
-  void beginAll() noexcept { isChanging_ = false; }
+  void beginAll() noexcept;
   /// Begins a later walk, instead of the tracker's `start`: the items of the last walk stay.
   void beginChanges();
+  /// Instead of a walk: nothing is potential until the next walk, which then finds everything potential anew. Only what
+  /// changes is found by visits, so the items are kept.
+  void hide();
 
   /// @name Parameters
   /// `entry` is the place of the parameter in the rules of its object, and orders the potential parameters of an
@@ -51,7 +54,7 @@ class FollowedOffers {
   /// Ends a walk of the second kind that broke off, after its changes were rolled back: the items of the walk before it
   /// are those with which the next walk compares.
   void abandonChanges() noexcept;
-  /// Ends a walk of either kind, instead of the tracker's `synchWithTDF`.
+  /// Ends an update of any kind, instead of the tracker's `synchWithTDF`.
   void complete(DynamicTDF const& model);
 
  private:
@@ -76,7 +79,15 @@ class FollowedOffers {
 
   PotentialUpdateTracker& tracker_;
   Journal& journal_;
+  void clearChanges();
+  void showOrHide();
+
+  /// The running walk changes items one by one, and what they were is noted.
   bool isChanging_ = false;
+  /// The items are hidden, as the items of the walk before.
+  bool isHidden_ = false;
+  /// The items were hidden before the running walk.
+  bool isAllNew_ = false;
   // The items that changed in this walk. Sorted as the tracker's lists are.
   std::map<std::pair<std::string, std::uint32_t>, ParamChange> params_;
   std::map<std::string, ObjectChange> objects_;
