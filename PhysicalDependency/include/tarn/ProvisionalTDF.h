@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -187,13 +188,28 @@ class QuantityModifier;
 ///
 /// ## Cost
 ///
-/// One update evaluates all rules of the active root, even if the edit changes little. A result that does not depend on
-/// the object at hand is kept until something in the active state changes during the walk. For example, every object of
-/// a type has a rule that asks for the list of all objects of that type. A walk that changes nothing makes this list
-/// once, and each change makes it necessary once more. If the environment variable `TARN_PHYSVAL_DONTUSECACHE` is on
-/// (see `BoolFromEnvironment`), a walk evaluates every rule afresh; the results are the same. The changes of an update
+/// An edit costs what it changes. The rules of an entry are evaluated again only if something has changed that they
+/// have read, or that they determine; the update visits these entries, in the order of the walk, and nothing else. The
+/// results are those of a walk of everything. Objects with such entries cost a little each, and so do the objects above
+/// them.
+///
+/// An update walks everything in these cases: `initialise`, `initialiseBasedOn` and `baseUpdate`; after an update that
+/// broke off; while a `BetaLoggingController` is attached to the rules; for an object of a derived class; and while a
+/// tree holds an object whose name is written and equals its type.
+///
+/// Conditions, value rules and modifiers of a program are followed through what they read from the model that they get.
+/// What they read elsewhere cannot be followed. So rules that report unknown reads (`RuleReads::unknown`), and
+/// modifiers that do not say `readsOnlyModel`, are asked in every update. What rules read outside of the active root is
+/// followed if the base model is a `DynamicTDF`: its revision shows a change. With any other base model, rules that
+/// read outside are evaluated in every update. An entry that has read more than about a thousand facts is visited
+/// whenever anything changes.
+///
+/// A result that does not depend on the object at hand is kept until something that it has read changes: a list of all
+/// objects that every object asks for is made once. If the environment variable `TARN_PHYSVAL_DONTUSECACHE` is on (see
+/// `BoolFromEnvironment`), each entry evaluates its rules afresh; the results are the same. The changes of an update
 /// are applied to the active state, which is built again only when there are many. The getters compute nothing, except
-/// those that return by value. No operation recurses; depth is limited by memory.
+/// those that return by value. No operation recurses; depth is limited by memory. Memory: some 150 bytes a parameter
+/// are taken to know what was read.
 class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
  public:
   /// Object path and name of a parameter.
@@ -304,6 +320,34 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// on the old name are forgotten. When only the rules ask for the original, it cannot be removed and the edit counts
   /// as refused. The copy is still asked for, and appears with the next walk.
   void renameNamedObject(std::string const& p_path, std::string const& p_newName);
+  /// @}
+
+  /// @name Trying
+  /// A mark remembers the whole state: the guide, the decisions, the active state, and everything that the getters
+  /// return. `rollback` takes all of it back, exactly:
+  ///
+  ///     ProvisionalTDF::Mark const before = domain.mark();
+  ///     domain.activeSetParam("/Case/Domain:rotor", "Motion", "Rotating");
+  ///     look(domain.getNewlyAvailParams());
+  ///     domain.rollback(before);                       // as if the edit had not been made
+  ///
+  /// Marks nest. Each must be ended once, by `rollback` or by `release`, which keeps what was done since. That also
+  /// ends all marks that were set after it. Ending a mark that has ended already has no effect while no other one is
+  /// open. While a mark is open, every change takes memory until the outermost mark ends. A rollback costs about as
+  /// much as the edits that it takes back. It cannot fail, and no observer is called. References that getters returned
+  /// are valid until the next edit, `baseUpdate` or `rollback`. A base model that `baseUpdate` has replaced must live
+  /// until the marks before that have ended.
+  /// @{
+  class Mark {
+   private:
+    friend class ProvisionalTDF;
+    explicit Mark(std::size_t p_number) noexcept : m_number(p_number) {}
+    std::size_t m_number;
+  };
+  /// Throws `std::bad_alloc`, and sets no mark, when memory runs out.
+  [[nodiscard]] Mark mark();
+  void rollback(Mark p_mark) noexcept;
+  void release(Mark p_mark) noexcept;
   /// @}
 
   /// @name The state

@@ -18,9 +18,9 @@ enum class FactKind : std::uint64_t {
   Children,    // an object's children of one type, and their order
   AllChildren,
   GuideObject,  // the existence of an object in the guide, for who has made it and nothing in it
-  Kept,     // a result that rules keep
-  Outside,  // anything outside of the active root
-  Any       // any change of the active tree
+  Kept,         // a result that rules keep
+  Outside,      // anything outside of the active root
+  Any           // any change of the active tree
 };
 
 [[nodiscard]] inline Fact mixedFact(FactKind kind, std::uint64_t a, std::uint64_t b) noexcept {

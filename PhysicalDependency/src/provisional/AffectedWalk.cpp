@@ -115,6 +115,11 @@ void AffectedWalk::complete() noexcept {
   if (marks_.isLost() || facts_.hasAmbiguousPaths()) forget();
 }
 
+void AffectedWalk::abandon() noexcept {
+  facts_.listings().abandon(marks_.tree.root(), {marks_.object(), marks_.entry()});
+  forget();
+}
+
 void AffectedWalk::forget() noexcept {
   facts_.follow(nullptr);
   marks_.clear();

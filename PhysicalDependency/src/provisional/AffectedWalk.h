@@ -72,6 +72,8 @@ class AffectedWalk {
   void run(std::string const& root);
   /// Ends the walk that was run, after its results were taken over.
   void complete() noexcept;
+  /// Ends a walk that broke off, and forgets everything.
+  void abandon() noexcept;
   /// The next walk is one of everything.
   void forget() noexcept;
   /// After a rollback: forgets everything if that could not be followed.

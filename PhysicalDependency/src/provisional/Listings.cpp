@@ -34,7 +34,14 @@ void Listings::beginChanges() {
   beforeWalk_ = journal_.mark();
 }
 
-void Listings::abandon() noexcept {
+void Listings::abandon(WalkObject* root, VisitRef broken) noexcept {
+  if (isChanging_ && root != nullptr) {
+    try {
+      collectNamedTypes(*root, broken);
+    } catch (...) {
+      outcome_.userNamedTypes.clear();
+    }
+  }
   if (beforeWalk_) journal_.rollback(*beforeWalk_);
   beforeWalk_.reset();
   offers_.abandonChanges();
@@ -132,7 +139,8 @@ void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitRes
   bool const offeredName = (object.outputs[entry] & WalkObject::OffersName) != 0;
   if (offeredName != result.offersName) {
     std::string const& type = object.rules->children()[entry - object.numParams()]->type;
-    (result.offersName ? addedTypes_ : removedTypes_).emplace_back(object.path, type);
+    auto& types = !isChanging_ ? outcome_.userNamedTypes : result.offersName ? addedTypes_ : removedTypes_;
+    types.emplace_back(object.path, type);
   }
   std::vector<std::string> before;
   if (auto const known = object.offeredObjects.find(entry); known != object.offeredObjects.end()) {
@@ -174,6 +182,7 @@ void Listings::complete() {
 
 /// One pass over the types, however many change.
 void Listings::changeNamedTypes() {
+  if (!isChanging_) std::sort(outcome_.userNamedTypes.begin(), outcome_.userNamedTypes.end());
   if (addedTypes_.empty() && removedTypes_.empty()) return;
   std::sort(addedTypes_.begin(), addedTypes_.end());
   std::sort(removedTypes_.begin(), removedTypes_.end());
@@ -188,6 +197,19 @@ void Listings::changeNamedTypes() {
              std::back_inserter(types));
   addedTypes_.clear();
   removedTypes_.clear();
+}
+
+void Listings::collectNamedTypes(WalkObject& root, VisitRef end) {
+  std::vector<NamedType> types;
+  forEachObject(root, [&](WalkObject& object) {
+    for (WalkObject::Entry entry = object.numParams(); entry < object.numEntries(); ++entry) {
+      bool const isFound = (object.outputs[entry] & WalkObject::OffersName) != 0 &&
+                           (end.object == nullptr || comesBefore({&object, entry}, end));
+      if (isFound) types.emplace_back(object.path, object.rules->children()[entry - object.numParams()]->type);
+    }
+  });
+  std::sort(types.begin(), types.end());
+  journaled::assign(recording(), outcome_.userNamedTypes, std::move(types));
 }
 
 void Listings::clear() noexcept {

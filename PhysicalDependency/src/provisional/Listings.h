@@ -42,8 +42,9 @@ class Listings {
   void set(WalkObject& object, WalkObject::Entry entry, VisitResult result);
   /// Takes all results of an object away.
   void remove(WalkObject& object);
-  /// Ends a walk that broke off. The next walk is compared with the last one that was completed.
-  void abandon() noexcept;
+  /// Ends a walk from `root` that broke off. The next walk is compared with the last one that was completed. The named
+  /// types are those that were found until then: in all visits before `broken`, or in all if that has no object.
+  void abandon(WalkObject* root, VisitRef broken) noexcept;
   /// Ends a walk: the lists are up to date. Objects that were removed may go after that.
   void complete();
   /// Instead of a walk: the lists are empty until the next walk, which then finds everything on offer anew. The named
@@ -70,6 +71,7 @@ class Listings {
   void setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
   void list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now);
   void changeNamedTypes();
+  void collectNamedTypes(WalkObject& root, VisitRef end);
   void countOffers(WalkObject& object, std::size_t before, std::size_t after);
   void showOrHide();
 

@@ -30,12 +30,14 @@ bool areNamedAlike(std::string const& a, std::string const& b) {
 struct ProvisionalTDF::Impl::Attachment {
   Attachment(std::string const& p_activeRoot, ModelTDF const* p_active, ModelTDF const* p_base, EvalCache* p_results)
       : view(std::make_unique<ProvisionalTDFDB>(p_activeRoot, p_active, p_base)),
-        context(std::make_unique<EvalContext>(view.get(), p_results)) {
+        context(std::make_unique<EvalContext>(view.get(), p_results)),
+        base(p_base) {
     tree.initialise(p_base, p_activeRoot, true);
   }
 
   std::unique_ptr<ProvisionalTDFDB> view;
   std::unique_ptr<EvalContext> context;
+  ModelTDF const* base = nullptr;
   DynamicTDF tree{false};
 };
 
@@ -60,8 +62,7 @@ void ProvisionalTDF::Impl::initialiseBasedOn(std::string const& p_basedOnPath, M
 
 void ProvisionalTDF::Impl::baseUpdate(ModelTDF const* p_base) {
   if (!isInitialised()) return;
-  Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
-  attach(attachment, *p_base);
+  attach(std::make_unique<Attachment>(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults()));
   updateActiveTDF(true);
 }
 
@@ -77,7 +78,7 @@ std::unique_ptr<DynamicTDF> ProvisionalTDF::Impl::makeGuide(ModelTDF const* p_ba
 /// first change, except for the update, which is due from then on.
 void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, std::unique_ptr<DynamicTDF> p_guide,
                                               bool p_hasBaseObject) {
-  Attachment attachment(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
+  auto attachment = std::make_unique<Attachment>(m_activeRoot, &outcome().active, p_base, &m_facts.keptResults());
   TDFPath const root(m_activeRoot);
   if (root.numComponent() > 0) {  // the root of the tree is always there
     m_facts.createObject(root.getParentPath(), root.getLastType(),
@@ -86,17 +87,26 @@ void ProvisionalTDF::Impl::initialiseInternal(ModelTDF const* p_base, std::uniqu
 
   m_walk.forget();  // it follows the guide that goes
   m_facts.startWithGuide(std::move(p_guide), p_hasBaseObject);
-  attach(attachment, *p_base);
+  attach(std::move(attachment));
   updateActiveTDF(true);
   if (m_observer != nullptr) m_observer->onInitialised(*p_base);
 }
 
-/// Lets this state read the base model of `p_attachment`, which gets what was there before.
-void ProvisionalTDF::Impl::attach(Attachment& p_attachment, ModelTDF const& p_base) noexcept {
+/// Lets this state read the base model of `p_attachment`. Marks keep what was there before.
+void ProvisionalTDF::Impl::attach(std::unique_ptr<Attachment> p_attachment) noexcept {
+  exchange(*p_attachment);
+  if (m_facts.recording() == nullptr) return;
+  Journal::CannotFail const scope(m_facts.journal());
+  m_facts.journal().add([this, former = std::move(p_attachment)]() noexcept { exchange(*former); });
+}
+
+void ProvisionalTDF::Impl::exchange(Attachment& p_attachment) noexcept {
+  m_walk.forget();
   m_evalContext.swap(p_attachment.context);
   m_provisionalDB.swap(p_attachment.view);
   m_baseTDF.swap(p_attachment.tree);
-  m_walk.attach(*m_provisionalDB, p_base);
+  std::swap(m_base, p_attachment.base);
+  if (m_base != nullptr) m_walk.attach(*m_provisionalDB, *m_base);
 }
 
 }  // namespace tarn

@@ -14,7 +14,9 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/ProvisionalTDFDB.h>
 
+#include "journal/JournaledWrites.h"
 #include "provisional/ProvisionalTDFImpl.h"
+#include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
 
@@ -94,7 +96,7 @@ void ProvisionalTDF::Impl::completeBrokenUpdate() {
 void ProvisionalTDF::Impl::rememberStartState(UpdateKind p_kind) {
   if (p_kind == UpdateKind::FullWalk) m_walk.forget();
   m_facts.beginUpdate(p_kind);
-  m_newlyUnavailParams.clear();
+  journaled::assign(m_facts.recording(), m_newlyUnavailParams, {});
   m_probe.clearPath();
 }
 
@@ -103,9 +105,9 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
   bool const wasStateCurrent = std::exchange(m_isStateCurrent, false);
   DynamicTDF const& active = outcome().active;
   if (wasStateCurrent) {
-    active.refreshState(m_activeState, m_activeRoot);
+    DynamicTDFAccess::refreshState(active, m_activeState, m_activeRoot, m_facts.recording());
   } else {
-    m_activeState = active.getState(m_activeRoot);
+    journaled::assign(m_facts.recording(), m_activeState, active.getState(m_activeRoot));
   }
   m_isStateCurrent = true;
   m_facts.completeUpdate();
@@ -122,6 +124,30 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
   });
 }
 
+std::size_t ProvisionalTDF::Impl::mark() {
+  std::size_t const number = m_facts.mark();
+  try {
+    m_facts.journal().add([this, isCurrent = m_isStateCurrent, isDue = m_isWalkDue]() noexcept {
+      m_isStateCurrent = isCurrent;
+      m_isWalkDue = isDue;
+    });
+  } catch (...) {
+    m_facts.release(number);
+    throw;
+  }
+  return number;
+}
+
+void ProvisionalTDF::Impl::rollback(std::size_t p_mark) noexcept {
+  if (p_mark >= m_facts.openMarks()) return;
+  m_facts.rollback(p_mark);
+  m_walk.checkRollback();
+}
+
+void ProvisionalTDF::Impl::release(std::size_t p_mark) noexcept {
+  if (p_mark < m_facts.openMarks()) m_facts.release(p_mark);
+}
+
 /// Makes the state usable again after an exception has ended an update somewhere in the middle: no probe, recording and
 /// quantity tracker on, the named types in order.
 ///
@@ -129,15 +155,15 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 /// one, which would list those items twice. They are forgotten first, so that removing the probe needs no memory.
 /// Bounds and quantity types are forgotten because nobody reads the lists that would have reported them.
 void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
-  m_facts.listings().abandon();
-  m_walk.forget();
+  m_walk.abandon();
   m_facts.clearObjectReferences(std::string());
   if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();
   m_facts.forgetBoundsAndQuantities();
-  m_activeState.clear();
+  Journal::CannotFail const scope(m_facts.journal());
+  journaled::assign(m_facts.recording(), m_activeState, {});
   m_isStateCurrent = false;
   m_isWalkDue = true;
-  m_newlyUnavailParams.clear();
+  journaled::assign(m_facts.recording(), m_newlyUnavailParams, {});
   m_facts.abandonUpdate();
 }
 

@@ -112,6 +112,18 @@ void ProvisionalTDF::renameNamedObject(std::string const& p_path, std::string co
   (void)apply(Edit::renameObject(p_path, p_newName));
 }
 
+ProvisionalTDF::Mark ProvisionalTDF::mark() {
+  return Mark(m_impl->mark());
+}
+
+void ProvisionalTDF::rollback(Mark p_mark) noexcept {
+  m_impl->rollback(p_mark.m_number);
+}
+
+void ProvisionalTDF::release(Mark p_mark) noexcept {
+  m_impl->release(p_mark.m_number);
+}
+
 // The walk.
 
 DependencyAnalyser::HandlerStatus ProvisionalTDF::onBeginObject(ObjBeginInfo const* p_info) {

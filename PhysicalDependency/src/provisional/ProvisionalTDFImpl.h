@@ -45,6 +45,11 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
     return m_evalContext != nullptr;
   }
 
+  // Marks are known by their number: ProvisionalTDF.Update.cpp.
+  [[nodiscard]] std::size_t mark();
+  void rollback(std::size_t p_mark) noexcept;
+  void release(std::size_t p_mark) noexcept;
+
   // Edits: ProvisionalTDF.Edits.cpp.
   std::optional<Refusal> apply(Edit const& p_edit);
 
@@ -87,7 +92,8 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
   struct Attachment;
   [[nodiscard]] std::unique_ptr<DynamicTDF> makeGuide(ModelTDF const* p_base, ModelState const& p_guideState) const;
   void initialiseInternal(ModelTDF const* p_base, std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject);
-  void attach(Attachment & p_attachment, ModelTDF const& p_base) noexcept;
+  void attach(std::unique_ptr<Attachment> p_attachment) noexcept;
+  void exchange(Attachment & p_attachment) noexcept;
 
   // Parameters: ProvisionalTDF.Parameters.cpp. The handlers of an available parameter are named after two facts:
   // whether the guide (G) wants it, and whether it has allowed values (AV). Each returns whether it left the parameter
@@ -151,6 +157,7 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
   DynamicTDF m_baseTDF{false};
   std::unique_ptr<ProvisionalTDFDB> m_provisionalDB;
   std::unique_ptr<EvalContext> m_evalContext;
+  ModelTDF const* m_base = nullptr;
 
   AffectedWalk m_walk{m_facts, *this, m_rules};
   bool m_walksEverything = false;

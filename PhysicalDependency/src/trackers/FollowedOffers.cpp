@@ -92,7 +92,8 @@ void FollowedOffers::addParam(Place const* next, std::string const& objPath, std
       recording(),
       [&] { place = next != nullptr ? params.emplace_hint(*next, objPath, name) : params.emplace(objPath, name); },
       [&params, &place]() noexcept { params.erase(place); });
-  if (allowed != nullptr) setAllowed(objPath, name, *allowed);
+  // Should the walk come to an object twice, what it finds first stays, as in the tracker.
+  if (allowed != nullptr) journaled::emplace(recording(), allowedOf(objPath), name, *allowed);
 }
 
 void FollowedOffers::changeParam(std::string const& objPath, std::uint32_t entry, std::string const& name,
@@ -175,11 +176,13 @@ void FollowedOffers::noteParam(std::string const& objPath, std::uint32_t entry, 
   place->second.isOffered = isOffered;
 }
 
+FollowedOffers::AllowedByName& FollowedOffers::allowedOf(std::string const& objPath) {
+  return journaled::emplace(recording(), tracker_.current_.allowedValues_, objPath, AllowedByName()).first->second;
+}
+
 void FollowedOffers::setAllowed(std::string const& objPath, std::string const& name,
                                 ParamAllowedValues const& allowed) {
-  using ByName = std::map<std::string, ParamAllowedValues>;
-  ByName& byName = journaled::emplace(recording(), tracker_.current_.allowedValues_, objPath, ByName()).first->second;
-  auto const [entry, isNew] = journaled::emplace(recording(), byName, name, allowed);
+  auto const [entry, isNew] = journaled::emplace(recording(), allowedOf(objPath), name, allowed);
   if (!isNew) journaled::assign(recording(), entry->second, ParamAllowedValues(allowed));
 }
 

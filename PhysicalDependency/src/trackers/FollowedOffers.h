@@ -72,6 +72,8 @@ class FollowedOffers {
 
   void noteParam(std::string const& objPath, std::uint32_t entry, std::string const& name, bool wasOffered,
                  bool isOffered);
+  using AllowedByName = std::map<std::string, ParamAllowedValues>;
+  AllowedByName& allowedOf(std::string const& objPath);
   void setAllowed(std::string const& objPath, std::string const& name, ParamAllowedValues const& allowed);
   void eraseAllowed(std::string const& objPath, std::string const& name);
 

@@ -26,7 +26,8 @@ struct TrackerAccess {
     return tracker.modifyQuantity(model, objPath, name, value, info, journal);
   }
 
-  /// Whether the tracker asks a modifier about the parameter that may answer differently although the model is the same.
+  /// Whether the tracker asks a modifier about the parameter that may answer differently although the model is the
+  /// same.
   [[nodiscard]] static bool mayAnswerOtherwise(ModifiedQuantityTracker const& tracker, ParamAvailInfo const& info) {
     return tracker.enabled_ && tracker.modifier_ != nullptr && info.getType() == TDFParam::Real &&
            !tracker.modifier_->readsOnlyModel();

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <utility>
 
+#include "journal/JournaledWrites.h"
+
 namespace tarn {
 
 class [[gnu::visibility("hidden")]] DynamicTDF::Impl::StateWalk {
@@ -107,32 +109,41 @@ ModelState DynamicTDF::getState(std::string const& rootPath) const {
 }
 
 void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) const {
-  auto const& added = impl_->changes_.addedParams();
-  auto const& modified = impl_->changes_.modifiedParams();
-  auto const& deleted = impl_->changes_.deletedParams();
+  DynamicTDFAccess::refreshState(*this, state, rootPath, nullptr);
+}
+
+void DynamicTDFAccess::refreshState(DynamicTDF const& tree, ModelState& state, std::string const& rootPath,
+                                    Journal* journal) {
+  DynamicTDF::Impl const& impl = *tree.impl_;
+  auto const& added = impl.changes_.addedParams();
+  auto const& modified = impl.changes_.modifiedParams();
+  auto const& deleted = impl.changes_.deletedParams();
   // Each entry of the log costs a look-up in tree and state. That is several times the cost of a parameter in a new
   // state, and objects have a handful of parameters. For an object that is found under another path than it is listed
   // under, the log may hold either path.
   std::size_t const changes = added.size() + modified.size() + deleted.size();
-  if (changes > impl_->nodes_.size() * 2 || impl_->nodes_.hasOtherwiseListed()) {
-    state = getState(rootPath);
+  if (changes > impl.nodes_.size() * 2 || impl.nodes_.hasOtherwiseListed()) {
+    journaled::assign(journal, state, tree.getState(rootPath));
     return;
   }
   for (auto const* const list : {&added, &modified, &deleted}) {
-    for (auto const& [objPath, name] : *list) impl_->refreshParameter(state, rootPath, objPath, name);
+    for (auto const& [objPath, name] : *list) impl.refreshParameter(state, rootPath, objPath, name, journal);
   }
 }
 
 void DynamicTDF::Impl::refreshParameter(ModelState& state, std::string const& rootPath, std::string const& objPath,
-                                        std::string const& name) const {
+                                        std::string const& name, Journal* journal) const {
   if (!StringUtilities::isPathRootedAt(rootPath, objPath)) return;
   // A parameter that is set under "/" goes to the root and is logged as it was set. The root itself answers to "" only.
-  if (objPath == "/") return refreshParameter(state, rootPath, "", name);
+  if (objPath == "/") return refreshParameter(state, rootPath, "", name, journal);
   if (Node::ParamVal const* const param = nodes_.findParam(objPath, name)) {
-    state[objPath].insert_or_assign(name, param->value());
+    ObjectState& object = journaled::emplace(journal, state, objPath, ObjectState()).first->second;
+    auto const [entry, isNew] = journaled::emplace(journal, object, name, param->value());
+    if (!isNew) journaled::assign(journal, entry->second, std::string(param->value()));
   } else if (auto const object = state.find(objPath); object != state.end()) {
-    object->second.erase(name);
-    if (object->second.empty()) state.erase(object);
+    auto const entry = object->second.find(name);
+    if (entry != object->second.end()) journaled::Erasing(journal, object->second).erase(entry);
+    if (object->second.empty()) journaled::Erasing(journal, state).erase(object);
   }
 }
 

@@ -42,7 +42,7 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Impl final : Journal::Participa
   void setParameters(std::string topPath, ModelTDF const& model);
   Node& setParameters(std::string const& objPath, ObjectState const& values);
   void refreshParameter(ModelState & state, std::string const& rootPath, std::string const& objPath,
-                        std::string const& name) const;
+                        std::string const& name, Journal* journal) const;
   bool refill(std::vector<StateRange> const& parts, bool skipEmpty);
   /// `self` is the tree to which this belongs.
   void copyNodeAndChildren(DynamicTDF const& self, Node const& sourceTop);
@@ -74,6 +74,9 @@ struct DynamicTDFAccess {
     tree.impl_->attachTo(journal);
     tree.impl_->nodes_.setJournal(&journal);
   }
+
+  /// As `DynamicTDF::refreshState`. The changes of `state` are recorded in `journal`, unless it is null.
+  static void refreshState(DynamicTDF const& tree, ModelState& state, std::string const& rootPath, Journal* journal);
 
   [[nodiscard]] static NodeStore& storeOf(DynamicTDF& tree) noexcept { return tree.impl_->nodes_; }
   [[nodiscard]] static NodeStore const& storeOf(DynamicTDF const& tree) noexcept { return tree.impl_->nodes_; }
