@@ -1,11 +1,12 @@
 // The format for programs: one line per model, so that a program can read the output of a long run as a stream.
 #include "reports/JsonReport.h"
 
-#include <algorithm>
 #include <ostream>
-#include <vector>
+#include <utility>
 
 #include <nlohmann/json.hpp>
+
+#include "reports/FindingJson.h"
 
 namespace tarn::tool {
 
@@ -13,55 +14,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Of more allowed values than these a finding gives only the number: thousands of findings may have the same long list.
-constexpr std::size_t mostAllowed = 100;
-
-Json placeOf(TextPlace const& place) {
-  return {{"file", place.source()}, {"line", place.line()}, {"column", place.column()}};
-}
-
-void addExpected(Json& json, session::Expected const& expected) {
-  auto const add = [&json](char const* key, auto const& value) {
-    if (value) json[key] = *value;
-  };
-  if (!expected.allowed.empty()) {
-    auto const& all = expected.allowed.vector();
-    auto const end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostAllowed));
-    json["allowed"] = std::vector<std::string>(all.begin(), end);
-    if (end != all.end()) json["allowedCount"] = all.size();
-  }
-  add("lowerBound", expected.lowerBound);
-  if (expected.lowerBoundExcluded) json["lowerBoundExcluded"] = true;
-  add("upperBound", expected.upperBound);
-  if (expected.upperBoundExcluded) json["upperBoundExcluded"] = true;
-  if (!expected.units.empty()) json["units"] = expected.units;
-  add("minimumCount", expected.minimumCount);
-  add("maximumCount", expected.maximumCount);
-  add("pattern", expected.pattern);
-  add("nearMatch", expected.nearMatch);
-  add("remedy", expected.value);
-}
-
-Json wholeFinding(session::Finding const& finding) {
-  Json json;
-  json["code"] = describe(finding.code).name;
-  json["severity"] = name(finding.severity);
-  json["path"] = finding.path;
-  if (finding.name) json["name"] = *finding.name;
-  if (finding.type) json["type"] = *finding.type;
-  if (finding.check) json["check"] = *finding.check;
-  if (finding.value) json["value"] = *finding.value;
-  if (!finding.wrong.empty()) json["wrong"] = finding.wrong;
-  Json expected = Json::object();
-  addExpected(expected, finding.expected);
-  if (!expected.empty()) json["expected"] = std::move(expected);
-  if (!finding.places.empty()) {
-    Json& places = json["places"] = Json::array();
-    for (TextPlace const& place : finding.places) places.push_back(placeOf(place));
-  }
-  if (finding.rule.isKnown()) json["rule"] = placeOf(finding.rule);
-  json["message"] = finding.message;
-  return json;
+void writeLine(std::ostream& out, Json const& report) {
+  out << report.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 }  // namespace
@@ -74,7 +28,7 @@ void writeJsonReport(std::ostream& out, std::string const& modelName, session::F
   Json beta = Json::array();
   Json all = Json::array();
   for (session::Finding const& finding : findings.list) {
-    all.push_back(wholeFinding(finding));
+    all.push_back(findingAsJson(finding));
     // The lists by kind have no severity, and their readers take all entries for errors.
     if (finding.severity != session::Severity::Error) continue;
     switch (finding.kind()) {
@@ -113,7 +67,19 @@ void writeJsonReport(std::ostream& out, std::string const& modelName, session::F
   report["values"] = std::move(values);
   report["beta"] = std::move(beta);
   report["findings"] = std::move(all);
-  out << report.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+  writeLine(out, report);
+}
+
+void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFailure const& failure) {
+  Json malformed = Json::array();
+  for (ModelText::Fault const& fault : failure.malformed()) {
+    malformed.push_back({{"line", fault.line}, {"column", fault.column}, {"message", fault.reason}});
+  }
+  Json report;
+  report["model"] = modelName;
+  report["error"] = failure.malformed().empty() ? failure.what() : "the model has malformed lines";
+  report["malformed"] = std::move(malformed);
+  writeLine(out, report);
 }
 
 }  // namespace tarn::tool

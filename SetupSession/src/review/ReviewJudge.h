@@ -69,6 +69,9 @@ class ReviewJudge {
 [[nodiscard]] TextPlace placeOfParamRule(PhysicsData const& rules, std::string_view path, std::string_view name);
 [[nodiscard]] TextPlace placeOfChildRule(PhysicsData const& rules, std::string_view path, std::string_view type);
 
+/// A value between double quotes for a sentence, shortened when it is long.
+[[nodiscard]] std::string shown(std::string_view value);
+
 /// A finding of this code and its usual severity.
 [[nodiscard]] Finding makeFinding(FindingCode code, std::string path, std::string message);
 
