@@ -12,7 +12,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Of more allowed values than these a finding gives only the number: thousands of findings may have the same long list.
+// A finding gives at most so many allowed values, and then their number: thousands of findings may have the same long
+// list.
 constexpr std::size_t mostAllowed = 100;
 
 Json placeOf(TextPlace const& place) {

@@ -24,6 +24,8 @@ std::string_view nameOf(rules::Severity severity) noexcept {
       return "error";
     case rules::Severity::Warning:
       return "warning";
+    case rules::Severity::Note:
+      return "note";
   }
   return {};
 }
@@ -74,6 +76,7 @@ void writeLintAsJson(std::ostream& out, rules::LintResult const& result) {
   };
   Json json = {{"errors", count(rules::Severity::Error)},
                {"warnings", count(rules::Severity::Warning)},
+               {"notes", count(rules::Severity::Note)},
                {"unreadable", result.unreadable}};
   Json& list = json["diagnostics"] = Json::array();
   for (Diagnostic const& diagnostic : result.diagnostics) list.push_back(jsonOf(diagnostic));

@@ -6,7 +6,7 @@
 
 namespace tarn::tool {
 
-/// Writes what was found in rules as one JSON object on one line: errors, warnings, unreadable, and the list of
+/// Writes what was found in rules as one JSON object on one line: errors, warnings, notes, unreadable, and the list of
 /// diagnostics with everything that is known about each.
 void writeLintAsJson(std::ostream& out, rules::LintResult const& result);
 

@@ -30,7 +30,7 @@ class SarifLog {
     std::size_t column = 0;
     std::size_t endLine = 0;
     std::size_t endColumn = 0;
-    /// What is there, for a related place.
+    /// The meaning of a related place: "the rule".
     std::string message = {};
   };
 

@@ -22,7 +22,7 @@ SarifLog::Result resultOf(std::string const& modelName, session::Finding const& 
   if (finding.places.empty()) result.places.push_back({modelName});
   if (finding.rule.isKnown()) result.related.push_back(placeOf(finding.rule, "the rule"));
   result.properties = findingAsJson(finding);
-  // What the result itself says already.
+  // These are in the result itself already.
   for (char const* key : {"code", "severity", "path", "places", "rule", "message"}) result.properties.erase(key);
   if (result.properties.empty()) result.properties = nullptr;
   return result;

@@ -15,7 +15,7 @@
 
 namespace tarn::session {
 
-/// What a judge may read, and where it reports. All of it is valid for one walk.
+/// The things that a judge reads, and the list where it reports. All of it is valid for one walk.
 struct ReviewContext {
   PhysicsData const& rules;
   /// The model that the rules see: objects that the rules look at, and no parameters without a value.

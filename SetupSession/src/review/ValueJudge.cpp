@@ -25,7 +25,7 @@ std::string withBrackets(std::string_view text) {
   return std::string(text.substr(0, blank)) + " [" + std::string(units) + ']';
 }
 
-// What is wrong with a value, or with an item of a list.
+// The fault of a value, or of an item of a list.
 struct Fault {
   FindingCode code;
   std::string sentence;        // the end of "... has the value 5, which ..."

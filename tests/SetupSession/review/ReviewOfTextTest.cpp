@@ -1,4 +1,4 @@
-// What a review says about the text of a model: places, and parameters that are given more than once.
+// A review of a text gives the places of findings, and finds parameters that are given more than once.
 #include <tarn/session/Review.h>
 
 #include <gmock/gmock.h>
