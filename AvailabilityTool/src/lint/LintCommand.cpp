@@ -34,6 +34,14 @@ std::size_t countOf(rules::LintResult const& result, rules::Severity severity) {
                     [severity](rules::Diagnostic const& one) { return one.severity == severity; }));
 }
 
+std::string countsOf(rules::LintResult const& result) {
+  std::string const errors = counted(countOf(result, rules::Severity::Error), "error");
+  std::string const warnings = counted(countOf(result, rules::Severity::Warning), "warning");
+  std::size_t const notes = countOf(result, rules::Severity::Note);
+  if (notes == 0) return errors + " and " + warnings;
+  return errors + ", " + warnings + " and " + counted(notes, "note");
+}
+
 int exitStatusOf(rules::LintResult const& result, bool failOnWarning) {
   if (result.unreadable) return Failed;
   bool const fails =
@@ -60,8 +68,7 @@ int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
   if (result.diagnostics.empty()) {
     err << "zev: nothing found in the rules.\n";
   } else {
-    err << "zev: " << counted(countOf(result, rules::Severity::Error), "error") << " and "
-        << counted(countOf(result, rules::Severity::Warning), "warning") << " in the rules.\n";
+    err << "zev: " << countsOf(result) << " in the rules.\n";
   }
   if (result.unreadable) err << "zev: not all rule files could be read; see the errors above.\n";
   return status;

@@ -47,7 +47,7 @@ void addExpected(Json& json, session::Expected const& expected) {
 Json findingAsJson(session::Finding const& finding) {
   Json json;
   json["code"] = describe(finding.code).name;
-  json["severity"] = name(finding.severity);
+  json["severity"] = severityName(finding.severity);
   json["path"] = finding.path;
   if (finding.name) json["name"] = *finding.name;
   if (finding.type) json["type"] = *finding.type;

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <ostream>
-#include <string_view>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -17,18 +17,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 using rules::Diagnostic;
-
-std::string_view nameOf(rules::Severity severity) noexcept {
-  switch (severity) {
-    case rules::Severity::Error:
-      return "error";
-    case rules::Severity::Warning:
-      return "warning";
-    case rules::Severity::Note:
-      return "note";
-  }
-  return {};
-}
+using rules::severityName;
 
 // The keys of a place. Numbers that are 0, of a problem of the whole file, are left out.
 template <typename Place>
@@ -43,7 +32,7 @@ Json placeOf(Place const& place) {
 }
 
 Json jsonOf(Diagnostic const& diagnostic) {
-  Json json = {{"code", diagnostic.code}, {"severity", nameOf(diagnostic.severity)}};
+  Json json = {{"code", diagnostic.code}, {"severity", severityName(diagnostic.severity)}};
   json.update(placeOf(diagnostic));
   json["message"] = diagnostic.message;
   Json notes = Json::array();
@@ -86,13 +75,13 @@ void writeLintAsJson(std::ostream& out, rules::LintResult const& result) {
 void writeLintAsSarif(std::ostream& out, rules::LintResult const& result, int exitStatus) {
   std::vector<SarifLog::Rule> codes;
   for (rules::DiagnosticCode const& code : rules::diagnosticCodes()) {
-    codes.push_back({code.name, code.meaning, nameOf(code.severity)});
+    codes.push_back({code.name, code.meaning, severityName(code.severity)});
   }
   SarifLog log(out, codes);
   for (Diagnostic const& diagnostic : result.diagnostics) {
     SarifLog::Result one;
     one.ruleId = diagnostic.code;
-    one.level = nameOf(diagnostic.severity);
+    one.level = severityName(diagnostic.severity);
     one.message = diagnostic.message;
     one.places.push_back(sarifPlaceOf(diagnostic));
     for (Diagnostic::Note const& note : diagnostic.notes) one.related.push_back(sarifPlaceOf(note, note.message));

@@ -15,7 +15,7 @@ SarifLog::Place placeOf(TextPlace const& place, std::string message = {}) {
 SarifLog::Result resultOf(std::string const& modelName, session::Finding const& finding) {
   SarifLog::Result result;
   result.ruleId = describe(finding.code).name;
-  result.level = name(finding.severity);
+  result.level = severityName(finding.severity);
   result.message = finding.message;
   result.object = finding.path;
   for (TextPlace const& place : finding.places) result.places.push_back(placeOf(place));
@@ -33,7 +33,7 @@ SarifLog::Result resultOf(std::string const& modelName, session::Finding const& 
 std::vector<SarifLog::Rule> sarifRules() {
   std::vector<SarifLog::Rule> rules;
   for (session::FindingCodeInfo const& code : session::findingCodes()) {
-    rules.push_back({code.name, code.meaning, name(code.severity)});
+    rules.push_back({code.name, code.meaning, severityName(code.severity)});
   }
   return rules;
 }

@@ -81,7 +81,7 @@ struct TARN_EXPORT FindingCodeInfo {
 [[nodiscard]] TARN_EXPORT FindingCodeInfo const& describe(FindingCode code) noexcept;
 
 /// "error", "warning" or "note". Valid until the program ends.
-[[nodiscard]] TARN_EXPORT std::string_view name(Severity severity) noexcept;
+[[nodiscard]] TARN_EXPORT std::string_view severityName(Severity severity) noexcept;
 
 /// The remedy: values, bounds and names that would be right. Fields that do not apply are empty.
 struct TARN_EXPORT Expected {
