@@ -23,7 +23,7 @@ std::string firstFindingOf(Terminal::Strings const& options) {
 }
 
 TEST(ValidateOnATerminal, BeginsAFindingWithItsPlace) {
-  EXPECT_EQ(firstFindingOf({}), "fan.tdf:3:21: **Dependency error on path \"/Case/Domain:plenum\"");
+  EXPECT_EQ(firstFindingOf({}), "fan.tdf:5:21: **Dependency error on path \"/Case/Domain:plenum\"");
 }
 
 TEST(ValidateOnATerminal, HidesPlacesWhenItIsToldTo) {
