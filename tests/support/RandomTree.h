@@ -100,7 +100,7 @@ struct TreeContent {
   }
 };
 
-/// Keeps what a tree tells of its changes. It allocates nothing then, because a rollback must not.
+/// Keeps which facts a tree reports as changed. It allocates nothing then, because a rollback must not.
 class ToldChanges final : public TreeListener {
  public:
   void onParamSetChange(PathHash const& object, std::string_view name) noexcept override {
@@ -251,8 +251,8 @@ class RandomTree {
     }
     if (tree_->getRevision() < revision) return "the revision goes back";
     if (now.facts != former.facts && tree_->getRevision() == revision) return "the revision misses a change";
-    // A load tells nothing.
-    if (loads == loads_ && !told_.explain(former, now)) return "a change that the rollback made is not told";
+    // A load reports nothing.
+    if (loads == loads_ && !told_.explain(former, now)) return "a change that the rollback made is not reported";
     return {};
   }
 

@@ -102,6 +102,7 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 /// one, which would list those items twice. They are forgotten first, so that removing the probe needs no memory.
 /// Bounds and quantity types are forgotten because nobody reads the lists that would have reported them.
 void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
+  Journal::CannotFail const scope(m_facts.journal());
   m_facts.clearObjectReferences(std::string());
   if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();
   m_facts.forgetBoundsAndQuantities();

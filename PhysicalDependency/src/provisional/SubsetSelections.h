@@ -17,7 +17,7 @@ namespace tarn {
 /// forgotten.
 class SubsetSelections {
  public:
-  /// What is new is recorded in `journal`, unless that is null.
+  /// New values are recorded in `journal`, unless that is null.
   void rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value,
                            Journal* journal = nullptr);
   void rememberSubsetValues(std::string const& objPath, std::string const& name, std::vector<std::string> const& values,

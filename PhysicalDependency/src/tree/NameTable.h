@@ -166,7 +166,7 @@ class NameTable {
     return inserted;
   }
 
-  /// Undoes an insertion. What was done after it must have been undone.
+  /// Undoes an insertion. Later changes must have been undone.
   void takeBack(Inserted const& inserted) noexcept {
     dropIndex();
     Chunk& own = chunk(inserted.chunk);
@@ -198,7 +198,7 @@ class NameTable {
     return erased;
   }
 
-  /// Undoes a `takeOut`. What was done after it must have been undone. Each chunk then has the memory that it had, so
+  /// Undoes a `takeOut`. Later changes must have been undone. Each chunk then has the memory that it had, so
   /// nothing is allocated.
   void putBack(Erased&& erased) noexcept {
     dropIndex();

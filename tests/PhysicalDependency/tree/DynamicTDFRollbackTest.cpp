@@ -206,7 +206,7 @@ TEST_F(DynamicTDFRollback, WithoutAMarkNothingIsKept) {
   EXPECT_EQ(boundaries(), (Strings{"inlet", "wall"}));
 }
 
-/// Writes down what it is told.
+/// Writes down the calls that it gets.
 class Notes final : public TreeListener {
  public:
   void onParamSetChange(PathHash const& object, std::string_view name) noexcept override { add("set", object, name); }
