@@ -1,4 +1,4 @@
-// `zev validate` on a terminal, where it shows places unless it is told not to.
+// `zev validate` on a terminal, where it shows places by default.
 #include <gtest/gtest.h>
 
 #include <string>

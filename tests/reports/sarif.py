@@ -4,7 +4,7 @@
     sarif.py ZEV SOURCE
 
 ZEV is the program and SOURCE the folder of the project. The log of each run below is checked against sarif.schema.json,
-which stands for the part of the standard that the program uses, and compared with the JSON of the same run.
+which has the part of the standard that the program uses, and compared with the JSON of the same run.
 """
 import json
 import pathlib

@@ -12,10 +12,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// A finding gives at most so many allowed values, and then their number: thousands of findings may have the same long
-// list.
-constexpr std::size_t mostAllowed = 100;
-
 Json placeOf(TextPlace const& place) {
   return {{"file", place.source()}, {"line", place.line()}, {"column", place.column()}};
 }
@@ -26,7 +22,7 @@ void addExpected(Json& json, session::Expected const& expected) {
   };
   if (!expected.allowed.empty()) {
     auto const& all = expected.allowed.vector();
-    auto const end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostAllowed));
+    auto const end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostAllowedInJson));
     json["allowed"] = std::vector<std::string>(all.begin(), end);
     if (end != all.end()) json["allowedCount"] = all.size();
   }

@@ -3,6 +3,7 @@
 
 #include <ostream>
 #include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -13,61 +14,64 @@ namespace tarn::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using session::Finding;
+using session::FindingKind;
 
-void writeLine(std::ostream& out, Json const& report) {
-  out << report.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+std::string dump(Json const& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// Writes the list `key`, with an entry for each finding that `belongs` to it. Each entry is written at once, because a
+// model can have many.
+template <typename Belongs, typename Entry>
+void writeList(std::ostream& out, char const* key, std::vector<Finding> const& findings, Belongs belongs, Entry entry) {
+  out << ",\"" << key << "\":[";
+  char const* separator = "";
+  for (Finding const& finding : findings) {
+    if (belongs(finding)) out << std::exchange(separator, ",") << dump(entry(finding));
+  }
+  out << ']';
+}
+
+bool isAny(Finding const& /*finding*/) {
+  return true;
+}
+
+// The lists by kind have no severity, and their readers take all entries for errors.
+auto isErrorOf(FindingKind kind) {
+  return [kind](Finding const& one) { return one.kind() == kind && one.severity == session::Severity::Error; };
+}
+
+Json pathAndMessage(Finding const& finding) {
+  return {{"path", finding.path}, {"message", finding.message}};
+}
+
+Json unknownName(Finding const& finding) {
+  Json json = {{"path", finding.path}};
+  if (finding.name) json["name"] = *finding.name;
+  json["message"] = finding.message;
+  return json;
+}
+
+Json valueFault(Finding const& finding) {
+  return {{"path", finding.path},
+          {"name", finding.name.value_or("")},
+          {"value", finding.value.value_or("")},
+          {"message", finding.message}};
 }
 
 }  // namespace
 
 void writeJsonReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
-  Json dependency = Json::array();
-  Json global = Json::array();
-  Json unknown = Json::array();
-  Json values = Json::array();
-  Json beta = Json::array();
-  Json all = Json::array();
-  for (session::Finding const& finding : findings.list) {
-    all.push_back(findingAsJson(finding));
-    // The lists by kind have no severity, and their readers take all entries for errors.
-    if (finding.severity != session::Severity::Error) continue;
-    switch (finding.kind()) {
-      case session::FindingKind::Dependency:
-        dependency.push_back({{"path", finding.path}, {"message", finding.message}});
-        break;
-      case session::FindingKind::Global:
-        global.push_back(finding.message);
-        break;
-      case session::FindingKind::UnknownName: {
-        Json one = {{"path", finding.path}};
-        if (finding.name) one["name"] = *finding.name;
-        one["message"] = finding.message;
-        unknown.push_back(std::move(one));
-        break;
-      }
-      case session::FindingKind::Value:
-        values.push_back({{"path", finding.path},
-                          {"name", finding.name.value_or("")},
-                          {"value", finding.value.value_or("")},
-                          {"message", finding.message}});
-        break;
-      default:  // the kinds that only the list of all findings has
-        break;
-    }
-  }
-  for (session::Finding const& remark : findings.beta) {
-    beta.push_back({{"path", remark.path}, {"message", remark.message}});
-  }
-  Json report;
-  report["model"] = modelName;
-  report["status"] = findings.status;
-  report["dependency"] = std::move(dependency);
-  report["global"] = std::move(global);
-  report["unknown"] = std::move(unknown);
-  report["values"] = std::move(values);
-  report["beta"] = std::move(beta);
-  report["findings"] = std::move(all);
-  writeLine(out, report);
+  out << "{\"model\":" << dump(modelName) << ",\"status\":" << findings.status;
+  writeList(out, "dependency", findings.list, isErrorOf(FindingKind::Dependency), pathAndMessage);
+  writeList(out, "global", findings.list, isErrorOf(FindingKind::Global),
+            [](Finding const& one) { return Json(one.message); });
+  writeList(out, "unknown", findings.list, isErrorOf(FindingKind::UnknownName), unknownName);
+  writeList(out, "values", findings.list, isErrorOf(FindingKind::Value), valueFault);
+  writeList(out, "beta", findings.beta, isAny, pathAndMessage);
+  writeList(out, "findings", findings.list, isAny, findingAsJson);
+  out << "}\n";
 }
 
 void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFailure const& failure) {
@@ -79,7 +83,7 @@ void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFail
   report["model"] = modelName;
   report["error"] = failure.malformed().empty() ? failure.what() : "the model has malformed lines";
   report["malformed"] = std::move(malformed);
-  writeLine(out, report);
+  out << dump(report) << '\n';
 }
 
 }  // namespace tarn::tool

@@ -15,9 +15,9 @@ namespace {
 
 using Items = std::vector<ModelText::Item>;
 
-// The items that a finding is about, in the order of their importance.
+// The items that a finding is about. A parameter that is missing is located by its object.
 Items itemsOf(Finding const& finding) {
-  if (finding.name) return {{finding.path, finding.name}, {finding.path, std::nullopt}};
+  if (finding.name && finding.code != FindingCode::MissingParameter) return {{finding.path, finding.name}};
   switch (finding.code) {
     case FindingCode::ObjectNotAvailable:
     case FindingCode::ObjectNameNotAllowed: {
@@ -41,11 +41,6 @@ Items itemsOf(Finding const& finding) {
   }
 }
 
-// A parameter that the text lacks is located by its object.
-bool isLocatedByAllItems(Finding const& finding) noexcept {
-  return !finding.name;
-}
-
 }  // namespace
 
 void locateFindings(ModelText const& text, Findings& findings) {
@@ -65,7 +60,6 @@ void locateFindings(ModelText const& text, Findings& findings) {
   for (auto const& [finding, count] : about) {
     for (std::size_t i = next; i < next + count; ++i) {
       for (ModelText::Occurrence const& one : found[i]) finding->places.push_back(one.place);
-      if (!finding->places.empty() && !isLocatedByAllItems(*finding)) break;
     }
     next += count;
   }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
 
 #include <tarn/Error.h>
@@ -143,6 +144,23 @@ TEST(ModelText, LocatesTheFirstHundredLinesThatGiveAParameter) {
   std::string content;
   for (int i = 0; i < 101; ++i) content += "/Case/Speed=3\n";
   EXPECT_THAT(occurrencesOf(ModelText("m", content), "/Case", "Speed"), SizeIs(ModelText::mostOccurrences));
+}
+
+TEST(ModelText, LocatesAHundredThousandParametersInShortTime) {
+  std::string content;
+  std::vector<ModelText::Item> items;
+  for (int i = 0; i < 100'000; ++i) {
+    std::string const path = "/Case/Probe:" + std::to_string(i / 10);
+    std::string const name = "Value " + std::to_string(i % 10);
+    content.append(path).append("/").append(name).append("=1\n");
+    items.push_back({path, name});
+  }
+  ModelText const text("m", content);
+  auto const begin = std::chrono::steady_clock::now();
+  auto const found = text.locate(items);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+  EXPECT_EQ(found.front().front().place.line(), 1U);
+  EXPECT_EQ(found.back().front().place.line(), 100'000U);
 }
 
 TEST(ModelText, ReadsAFile) {
