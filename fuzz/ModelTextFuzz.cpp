@@ -1,16 +1,20 @@
-// Any bytes as model text: it is read, or refused with an error. A model that was read is printed as blocks and read
+// Any bytes as model text: it is read, or refused with an error. `ModelText` finds malformed lines in the same texts,
+// and finds each parameter of the others where its value is given. A model that was read is printed as blocks and read
 // again: the same parameters must come back, if the names are plain enough for the block form.
 
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <tarn/Error.h>
 #include <tarn/ModelState.h>
+#include <tarn/ModelText.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/TDFPath.h>
 #include <tarn/printModelState.h>
@@ -57,16 +61,40 @@ tarn::ModelState withoutEmptyObjects(tarn::ModelState state) {
   return state;
 }
 
+// Whether each parameter is found first where it is given the value that counts, and each object is found.
+bool isLocated(tarn::ModelText const& text) {
+  std::vector<tarn::ModelText::Item> items;
+  std::vector<std::string> values;
+  for (auto const& [path, parameters] : text.state()) {
+    if (!path.empty()) {
+      items.push_back({path, std::nullopt});
+      values.emplace_back();
+    }
+    for (auto const& [name, value] : parameters) {
+      items.push_back({path, name});
+      values.push_back(value);
+    }
+  }
+  auto const found = text.locate(items);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (found[i].empty() || found[i].front().value != values[i]) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::string const text(reinterpret_cast<char const*>(data), size);
+  tarn::ModelText const modelText("m", text);
   tarn::ModelState state;
   try {
     state = tarn::TDFChangeFile({}, {text}, tarn::TDFChangeFile::Strict).toModelState();
   } catch (tarn::Error const&) {
+    if (modelText.faults().empty()) std::abort();
     return 0;
   }
+  if (!modelText.faults().empty() || modelText.state() != state || !isLocated(modelText)) std::abort();
   if (!comesBackAsItIs(state)) return 0;
 
   std::ostringstream blocks;

@@ -22,7 +22,11 @@ _zev() {
       return
       ;;
     --format)
-      mapfile -t COMPREPLY < <(compgen -W 'text json' -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W 'text json sarif' -- "$current")
+      return
+      ;;
+    --fail-on)
+      mapfile -t COMPREPLY < <(compgen -W 'error warning' -- "$current")
       return
       ;;
     --root | --based-on | --validation-root) return ;; # objects, which stand in a model
@@ -31,8 +35,8 @@ _zev() {
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
-    validate) options+=' --rules --root --phase --only-validator --format -j --jobs' ;;
-    lint) options+=' --rules' ;;
+    validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
+    lint) options+=' --rules --format --fail-on' ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;
     *) return ;;

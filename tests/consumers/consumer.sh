@@ -16,6 +16,17 @@ check_findings() {
   diff -u "$here/expected.txt" <("$@" "$here/flow.rules.yaml" "$here/pipe.tdf")
 }
 
+# On the faulty example the program finds what `zev validate` finds, all of it.
+check_faulty_example() {
+  local rules=$project/examples/flow/rules model=$project/examples/flow/models/faulty.tdf
+  diff -u <("$2" validate --rules "$rules" --format json "$model" 2>/dev/null | python3 -c '
+import json, sys
+findings = json.load(sys.stdin)["findings"]
+assert len(findings) == 24, len(findings)
+for one in findings:
+    print((one["path"] + ": " if one["path"] else "") + one["message"])') <("$1" "$rules" "$model")
+}
+
 case $1 in
   install)
     rm -rf "$2/installed" "$2/moved"
@@ -32,13 +43,14 @@ case $1 in
       -DCMAKE_PREFIX_PATH="$2/moved" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
     cmake --build "$2/find_package"
     check_findings "$2/find_package/check-model"
-    check_findings "$2/find_package/judge-model"
+    check_findings "$2/find_package/validate-model"
+    check_faulty_example "$2/find_package/check-model" "$2/moved/bin/zev"
     ;;
   pkg_config)
     export PKG_CONFIG_PATH=$2/moved/lib/pkgconfig
     read -r -a flags < <(pkg-config --cflags --libs tarn-physical-dependency)
     mkdir -p "$2/pkg_config"
-    for program in main judge; do
+    for program in main validate; do
       "$3" -std=c++20 "$here/find_package/$program.cpp" "${flags[@]}" -o "$2/pkg_config/$program"
       LD_LIBRARY_PATH=$2/moved/lib check_findings "$2/pkg_config/$program"
     done
@@ -48,7 +60,7 @@ case $1 in
       -DTARN_SOURCE_DIR="$project" -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)"
     cmake --build "$2/add_subdirectory"
     check_findings "$2/add_subdirectory/check-model"
-    check_findings "$2/add_subdirectory/judge-model"
+    check_findings "$2/add_subdirectory/validate-model"
     ;;
   readme)
     diff -u "$here/find_package/main.cpp" <(sed -n '/^```cpp$/,/^```$/{//d;p}' "$project/README.md")

@@ -11,6 +11,7 @@ of a fenced block says what it is:
     text lint         what `zev lint` prints for the rules in force.
     text model        the model in force until the next one: flow.tdf.
     text findings     what `zev validate` prints for the rules and the model in force; `nothing` for nothing.
+    text reviewed     codes and sentences of what `zev validate` finds for the rules and the model in force.
     text asked        lines `question => answer` about the rules and the model in force; see ask.cpp for the questions.
     text expressions  a line `at PATH`, and under it lines `expression => value`, with the rules and the model in
                       force. The form of the value says what the expression is evaluated as: `true` and `false` as a
@@ -29,6 +30,7 @@ is for you to edit.
 """
 import argparse
 import itertools
+import json
 import os
 import pathlib
 import re
@@ -115,6 +117,12 @@ class Examples:
     def lint(self, block):
         return self.output(block, [self.zev, "lint", "--rules", "flow.rules.yaml"])
 
+    def reviewed(self, block):
+        (line,) = self.output(block, [self.zev, "validate", "--rules", "flow.rules.yaml", "--format", "json", "flow.tdf"])
+        found = json.loads(line)
+        return [f"{one['code']}: {one['message']}" for one in found["findings"]] + [
+            f"beta-message: {one['message']}" for one in found["beta"]]
+
     def questions(self, block, questions, extra_rules=()):
         done = self.run([self.ask, "flow.tdf", "flow.rules.yaml", *extra_rules], "".join(q + "\n" for q in questions))
         if done.returncode != 0:
@@ -185,6 +193,8 @@ class Examples:
         elif kind == "text findings":
             found = self.output(block, [self.zev, "validate", "--rules", "flow.rules.yaml", "flow.tdf"])
             return found or ["nothing"]
+        elif kind == "text reviewed":
+            return self.reviewed(block)
         elif kind == "text asked":
             return self.asked(block)
         elif kind == "text expressions":

@@ -271,6 +271,29 @@ INSTANTIATE_TEST_SUITE_P(
                   }}),
     [](testing::TestParamInfo<NamedEdit> const& edit) { return edit.param.name; });
 
+TEST(CopyFailures, AWaitingObjectTakesAllValuesOfTheCopyOrNone) {
+  RotorRules const rules;
+  std::string const sponge = rotor + "/Subdomain:sponge of metal";
+  std::string const felt = rotor + "/Subdomain:felt of wool";
+  using Values = std::pair<std::string, std::string>;
+  Values const own{"0.9 of it, as it was measured", "9e-9 [m^2], as it was measured"};
+  Values const copied{"0.5 of it", "1e-9 [m^2]"};
+  std::set<Values> seen;
+  forEveryFailureOf(FailingCall::Allocation, {.alone = 1, .withAllBehind = 0}, [&](Attempt& attempt) {
+    ProvisionalTDF state(&rules, rotor);
+    start(state);
+    state.activeSetParam(felt, "Porosity", own.first);
+    state.activeSetParam(felt, "Permeability", own.second);
+    state.deactivateOptObject(felt);
+    (void)attempt([&] { state.duplicateNamedObject(sponge, "felt of wool"); });
+    state.activateOptObject(felt);
+    Values const now{state.getParamValue(felt, "Porosity"), state.getParamValue(felt, "Permeability")};
+    EXPECT_TRUE(now == own || now == copied) << now.first << " and " << now.second;
+    seen.insert(now);
+  });
+  EXPECT_EQ(seen, (std::set<Values>{own, copied}));
+}
+
 // Behind a broken update.
 
 class BrokenUpdate : public testing::Test {

@@ -88,6 +88,7 @@ struct RotorRules : PhysicsData {
     rules.param("Place").required().byDefault("0 [m], 0 [m], 0 [m]");
     rules.object("/Case/Domain/Subdomain");
     rules.param("Porosity").required().byDefault("0.25");
+    rules.param("Permeability").required().byDefault("1e-9 [m^2]");
     rules.object("/Case/Domain/Mesh of the Domain");
     rules.param("Element Size").required();
 

@@ -5,9 +5,40 @@
 
 #include <tarn/Error.h>
 
-#include "cli/Failure.h"
+#include "cli/Counted.h"
 
 namespace tarn::tool {
+
+namespace {
+
+// The sentence about a file that cannot be read.
+std::string unreadable(FileError const& error, std::string const& name) {
+  std::error_code ignored;
+  return error.getMessage() + (std::filesystem::is_directory(name, ignored)
+                                   ? "; give the model files in it, not the folder"
+                                   : "; give the name of a model file that can be read");
+}
+
+// One line for each malformed line, and the advice at the end of the last.
+std::string messageOf(ModelText const& text, bool isModel) {
+  std::string message;
+  for (ModelText::Fault const& fault : text.faults()) {
+    if (!message.empty()) message += '\n';
+    message +=
+        text.source() + ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column) + ": " + fault.reason;
+  }
+  if (std::size_t const more = text.faultCount() - text.faults().size(); more > 0) {
+    message += '\n' + text.source() + ": " + counted(more, "further malformed line");
+  }
+  if (text.faultCount() == 1) return message + " (nothing of the model was read; correct the line and run again)";
+  if (isModel) return message + " (nothing of the model was read; correct the lines and run again)";
+  return message + " (there is nothing to review: the file is not a model with objects that the rules look at)";
+}
+
+}  // namespace
+
+ModelFailure::ModelFailure(ModelText const& text, bool isModel)
+    : Failure(messageOf(text, isModel)), source_(text.source()), malformed_(text.faults()) {}
 
 ModelState readModelFile(std::string const& name, TDFChangeFile::InputMode mode) {
   try {
@@ -15,10 +46,15 @@ ModelState readModelFile(std::string const& name, TDFChangeFile::InputMode mode)
   } catch (ParseError const& error) {
     throw Failure(error.getMessage() + " (nothing of the model was read; correct the line and run again)");
   } catch (FileError const& error) {
-    std::error_code ignored;
-    throw Failure(error.getMessage() + (std::filesystem::is_directory(name, ignored)
-                                            ? "; give the model files in it, not the folder"
-                                            : "; give the name of a model file that can be read"));
+    throw Failure(unreadable(error, name));
+  }
+}
+
+ModelText readModelText(std::string const& name) {
+  try {
+    return ModelText::read(name);
+  } catch (FileError const& error) {
+    throw ModelFailure(unreadable(error, name));
   }
 }
 

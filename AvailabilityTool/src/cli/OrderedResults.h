@@ -18,8 +18,9 @@ namespace tarn::tool {
 ///     OrderedResults<Findings> results(models.size(), 4, [&](std::size_t i) { return judge(models[i]); });
 ///     for (std::string const& model : models) report(model, results.next());
 ///
-/// Each thread is at most a few results ahead of `next`, so memory does not grow with the number of results. With one
-/// thread, or for one result, `next` itself makes each result.
+/// Each thread is at most a few results ahead of `next`, so memory does not grow with the number of results. A single
+/// result is made on a thread of its own too: the memory of the calling thread may be fragmented by earlier work, such
+/// as loading rules, and then everything on it is slower. If no thread can be started, `next` makes each result.
 template <typename Result>
 class OrderedResults {
  public:
@@ -27,12 +28,11 @@ class OrderedResults {
   OrderedResults(std::size_t count, std::size_t threads, std::function<Result(std::size_t)> make)
       : count_(count), make_(std::move(make)) {
     if (threads > count) threads = count;
-    if (threads < 2) return;
     places_.resize(threads * ahead);
     threads_.reserve(threads);
     try {
       while (threads_.size() < threads) threads_.emplace_back([this] { work(); });
-    } catch (std::exception const&) {  // fewer threads give the same results, only slower
+    } catch (std::exception const&) {  // fewer threads, or none, give the same results, only slower
     }
   }
 

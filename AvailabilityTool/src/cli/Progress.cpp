@@ -43,4 +43,8 @@ bool standardErrorIsTerminal() noexcept {
   return ::isatty(STDERR_FILENO) == 1;
 }
 
+bool standardOutputIsTerminal() noexcept {
+  return ::isatty(STDOUT_FILENO) == 1;
+}
+
 }  // namespace tarn::tool

@@ -35,5 +35,7 @@ class Progress {
 
 /// Whether the program's standard error is a terminal.
 [[nodiscard]] bool standardErrorIsTerminal() noexcept;
+/// Whether the program's standard output is a terminal.
+[[nodiscard]] bool standardOutputIsTerminal() noexcept;
 
 }  // namespace tarn::tool

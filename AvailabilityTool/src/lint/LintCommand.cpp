@@ -14,52 +14,93 @@
 
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
+#include "reports/LintReport.h"
 
 namespace tarn::tool {
 
 namespace {
 
+enum class Format { Text, Json, Sarif };
+
 struct LintOptions {
   std::vector<std::string> rules;
+  Format format = Format::Text;
+  bool failOnWarning = true;
 };
+
+std::size_t countOf(rules::LintResult const& result, rules::Severity severity) {
+  return static_cast<std::size_t>(
+      std::count_if(result.diagnostics.begin(), result.diagnostics.end(),
+                    [severity](rules::Diagnostic const& one) { return one.severity == severity; }));
+}
+
+std::string countsOf(rules::LintResult const& result) {
+  std::string const errors = counted(countOf(result, rules::Severity::Error), "error");
+  std::string const warnings = counted(countOf(result, rules::Severity::Warning), "warning");
+  std::size_t const notes = countOf(result, rules::Severity::Note);
+  if (notes == 0) return errors + " and " + warnings;
+  return errors + ", " + warnings + " and " + counted(notes, "note");
+}
+
+int exitStatusOf(rules::LintResult const& result, bool failOnWarning) {
+  if (result.unreadable) return Failed;
+  bool const fails =
+      countOf(result, rules::Severity::Error) > 0 || (failOnWarning && countOf(result, rules::Severity::Warning) > 0);
+  return fails ? FindingsMade : NothingFound;
+}
 
 int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
   rules::LintResult const result =
       rules::lintRules(std::vector<std::filesystem::path>(options.rules.begin(), options.rules.end()));
-  for (rules::Diagnostic const& diagnostic : result.diagnostics) out << rules::format(diagnostic);
+  int const status = exitStatusOf(result, options.failOnWarning);
+  switch (options.format) {
+    case Format::Text:
+      for (rules::Diagnostic const& diagnostic : result.diagnostics) out << rules::format(diagnostic);
+      break;
+    case Format::Json:
+      writeLintAsJson(out, result);
+      break;
+    case Format::Sarif:
+      writeLintAsSarif(out, result, status);
+      break;
+  }
 
-  std::size_t const errors = static_cast<std::size_t>(
-      std::count_if(result.diagnostics.begin(), result.diagnostics.end(),
-                    [](rules::Diagnostic const& one) { return one.severity == rules::Severity::Error; }));
-  std::size_t const warnings = result.diagnostics.size() - errors;
   if (result.diagnostics.empty()) {
     err << "zev: nothing found in the rules.\n";
   } else {
-    err << "zev: " << counted(errors, "error") << " and " << counted(warnings, "warning") << " in the rules.\n";
+    err << "zev: " << countsOf(result) << " in the rules.\n";
   }
-  if (result.unreadable) {
-    err << "zev: not all rule files could be read; see the errors above.\n";
-    return Failed;
-  }
-  return result.diagnostics.empty() ? NothingFound : FindingsMade;
+  if (result.unreadable) err << "zev: not all rule files could be read; see the errors above.\n";
+  return status;
 }
 
 }  // namespace
 
 void addLintCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<LintOptions>();
+  auto format = std::make_shared<std::string>("text");
+  auto failOn = std::make_shared<std::string>("warning");
   CLI::App* command = app.add_subcommand("lint", "Find what is wrong or doubtful in rule files");
   command->add_option("--rules", options->rules, "Rule files, and folders with *.rules.yaml")
       ->type_name("PATH")
       ->required();
+  command->add_option("--format", *format, "text, for people, the default; json, one object; or sarif, a SARIF log")
+      ->type_name("text|json|sarif")
+      ->check(CLI::IsMember({"text", "json", "sarif"}).description(""));
+  command->add_option("--fail-on", *failOn, "The findings for which the exit status is 1; default: also warnings")
+      ->type_name("error|warning")
+      ->check(CLI::IsMember({"error", "warning"}).description(""));
   command->footer(
       "All files together are one rule database. From a folder all *.rules.yaml are taken, in the order of their\n"
       "names. Each error and warning is printed with its file, line and column, and with what to write instead.\n"
       "Rules with errors cannot be loaded. All other commands ignore warnings.\n"
       "Examples: zev lint --rules flow.rules.yaml\n"
       "          zev lint --rules rules/\n"
-      "Exit status: 0 nothing found, 1 errors or warnings, 2 a file could not be read.");
-  command->callback([options, &chosen] {
+      "Exit status: 0 nothing found, 1 errors or warnings, with --fail-on error only errors, 2 a file could\n"
+      "not be read.");
+  command->callback([options, format, failOn, &chosen] {
+    options->format = *format == "json" ? Format::Json : *format == "sarif" ? Format::Sarif : Format::Text;
+    options->failOnWarning = *failOn == "warning";
     chosen = [options](std::ostream& out, std::ostream& err) { return lint(*options, out, err); };
   });
 }

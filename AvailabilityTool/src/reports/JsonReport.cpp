@@ -1,119 +1,89 @@
 // The format for programs: one line per model, so that a program can read the output of a long run as a stream.
 #include "reports/JsonReport.h"
 
-#include <algorithm>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "reports/FindingJson.h"
 
 namespace tarn::tool {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
+using session::Finding;
+using session::FindingKind;
 
-// Of more allowed values than these a finding gives only the number: thousands of findings may have the same long list.
-constexpr std::size_t mostAllowed = 100;
-
-Json placeOf(TextPlace const& place) {
-  return {{"file", place.source()}, {"line", place.line()}, {"column", place.column()}};
+std::string dump(Json const& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-void addExpected(Json& json, session::Expected const& expected) {
-  auto const add = [&json](char const* key, auto const& value) {
-    if (value) json[key] = *value;
-  };
-  if (!expected.allowed.empty()) {
-    auto const& all = expected.allowed.vector();
-    auto const end = all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), mostAllowed));
-    json["allowed"] = std::vector<std::string>(all.begin(), end);
-    if (end != all.end()) json["allowedCount"] = all.size();
+// Writes the list `key`, with an entry for each finding that `belongs` to it. Each entry is written at once, because a
+// model can have many.
+template <typename Belongs, typename Entry>
+void writeList(std::ostream& out, char const* key, std::vector<Finding> const& findings, Belongs belongs, Entry entry) {
+  out << ",\"" << key << "\":[";
+  char const* separator = "";
+  for (Finding const& finding : findings) {
+    if (belongs(finding)) out << std::exchange(separator, ",") << dump(entry(finding));
   }
-  add("lowerBound", expected.lowerBound);
-  if (expected.lowerBoundExcluded) json["lowerBoundExcluded"] = true;
-  add("upperBound", expected.upperBound);
-  if (expected.upperBoundExcluded) json["upperBoundExcluded"] = true;
-  if (!expected.units.empty()) json["units"] = expected.units;
-  add("minimumCount", expected.minimumCount);
-  add("maximumCount", expected.maximumCount);
-  add("pattern", expected.pattern);
-  add("nearMatch", expected.nearMatch);
-  add("remedy", expected.value);
+  out << ']';
 }
 
-Json wholeFinding(session::Finding const& finding) {
-  Json json;
-  json["code"] = describe(finding.code).name;
-  json["severity"] = name(finding.severity);
-  json["path"] = finding.path;
+bool isAny(Finding const& /*finding*/) {
+  return true;
+}
+
+// The lists by kind have no severity, and their readers take all entries for errors.
+auto isErrorOf(FindingKind kind) {
+  return [kind](Finding const& one) { return one.kind() == kind && one.severity == session::Severity::Error; };
+}
+
+Json pathAndMessage(Finding const& finding) {
+  return {{"path", finding.path}, {"message", finding.message}};
+}
+
+Json unknownName(Finding const& finding) {
+  Json json = {{"path", finding.path}};
   if (finding.name) json["name"] = *finding.name;
-  if (finding.type) json["type"] = *finding.type;
-  if (finding.check) json["check"] = *finding.check;
-  if (finding.value) json["value"] = *finding.value;
-  if (!finding.wrong.empty()) json["wrong"] = finding.wrong;
-  Json expected = Json::object();
-  addExpected(expected, finding.expected);
-  if (!expected.empty()) json["expected"] = std::move(expected);
-  if (!finding.places.empty()) {
-    Json& places = json["places"] = Json::array();
-    for (TextPlace const& place : finding.places) places.push_back(placeOf(place));
-  }
-  if (finding.rule.isKnown()) json["rule"] = placeOf(finding.rule);
   json["message"] = finding.message;
   return json;
+}
+
+Json valueFault(Finding const& finding) {
+  return {{"path", finding.path},
+          {"name", finding.name.value_or("")},
+          {"value", finding.value.value_or("")},
+          {"message", finding.message}};
 }
 
 }  // namespace
 
 void writeJsonReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
-  Json dependency = Json::array();
-  Json global = Json::array();
-  Json unknown = Json::array();
-  Json values = Json::array();
-  Json beta = Json::array();
-  Json all = Json::array();
-  for (session::Finding const& finding : findings.list) {
-    all.push_back(wholeFinding(finding));
-    // The lists by kind have no severity, and their readers take all entries for errors.
-    if (finding.severity != session::Severity::Error) continue;
-    switch (finding.kind()) {
-      case session::FindingKind::Dependency:
-        dependency.push_back({{"path", finding.path}, {"message", finding.message}});
-        break;
-      case session::FindingKind::Global:
-        global.push_back(finding.message);
-        break;
-      case session::FindingKind::UnknownName: {
-        Json one = {{"path", finding.path}};
-        if (finding.name) one["name"] = *finding.name;
-        one["message"] = finding.message;
-        unknown.push_back(std::move(one));
-        break;
-      }
-      case session::FindingKind::Value:
-        values.push_back({{"path", finding.path},
-                          {"name", finding.name.value_or("")},
-                          {"value", finding.value.value_or("")},
-                          {"message", finding.message}});
-        break;
-      default:  // the kinds that only the list of all findings has
-        break;
-    }
-  }
-  for (session::Finding const& remark : findings.beta) {
-    beta.push_back({{"path", remark.path}, {"message", remark.message}});
+  out << "{\"model\":" << dump(modelName) << ",\"status\":" << findings.status;
+  writeList(out, "dependency", findings.list, isErrorOf(FindingKind::Dependency), pathAndMessage);
+  writeList(out, "global", findings.list, isErrorOf(FindingKind::Global),
+            [](Finding const& one) { return Json(one.message); });
+  writeList(out, "unknown", findings.list, isErrorOf(FindingKind::UnknownName), unknownName);
+  writeList(out, "values", findings.list, isErrorOf(FindingKind::Value), valueFault);
+  writeList(out, "beta", findings.beta, isAny, pathAndMessage);
+  writeList(out, "findings", findings.list, isAny, findingAsJson);
+  out << "}\n";
+}
+
+void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFailure const& failure) {
+  Json malformed = Json::array();
+  for (ModelText::Fault const& fault : failure.malformed()) {
+    malformed.push_back({{"line", fault.line}, {"column", fault.column}, {"message", fault.reason}});
   }
   Json report;
   report["model"] = modelName;
-  report["status"] = findings.status;
-  report["dependency"] = std::move(dependency);
-  report["global"] = std::move(global);
-  report["unknown"] = std::move(unknown);
-  report["values"] = std::move(values);
-  report["beta"] = std::move(beta);
-  report["findings"] = std::move(all);
-  out << report.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+  report["error"] = failure.malformed().empty() ? failure.what() : "the model has malformed lines";
+  report["malformed"] = std::move(malformed);
+  out << dump(report) << '\n';
 }
 
 }  // namespace tarn::tool

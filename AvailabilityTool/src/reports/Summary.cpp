@@ -1,6 +1,7 @@
 // The last line of a run. It says whether anything was found.
 #include "reports/Summary.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cli/Counted.h"
@@ -36,9 +37,11 @@ void Summary::add(session::Findings const& findings) noexcept {
   passedOver_ += findings.objectsPassedOver;
 }
 
-int Summary::exitStatus() const noexcept {
+int Summary::exitStatus(bool failOnWarning) const noexcept {
   if (failures_ > 0) return Failed;
-  return withFindings_ > 0 ? FindingsMade : NothingFound;
+  bool const fails = std::any_of(errors_.begin(), errors_.end(), [](std::size_t count) { return count > 0; }) ||
+                     (failOnWarning && warnings_ > 0);
+  return fails ? FindingsMade : NothingFound;
 }
 
 std::string Summary::text() const {

@@ -15,8 +15,8 @@ class Summary {
   /// A model could not be judged.
   void addFailure() noexcept { ++failures_; }
 
-  /// 0, 1 or 2, see `ExitStatus`.
-  [[nodiscard]] int exitStatus() const noexcept;
+  /// 0, 1 or 2, see `ExitStatus`. Warnings count as findings only with `failOnWarning`.
+  [[nodiscard]] int exitStatus(bool failOnWarning = false) const noexcept;
 
   /// One line: "3 models, 1 with findings: 2 dependency errors, 1 unknown name." Kinds without findings are left out.
   [[nodiscard]] std::string text() const;

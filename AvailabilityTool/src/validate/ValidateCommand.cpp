@@ -8,7 +8,9 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -18,7 +20,6 @@
 #include <tarn/Error.h>
 #include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
-#include <tarn/TDFChangeFile.h>
 #include <tarn/session/Review.h>
 
 #include "cli/Failure.h"
@@ -29,6 +30,7 @@
 #include "cli/Progress.h"
 #include "cli/RuleFiles.h"
 #include "reports/JsonReport.h"
+#include "reports/SarifReport.h"
 #include "reports/Summary.h"
 #include "reports/TextReport.h"
 
@@ -36,13 +38,15 @@ namespace tarn::tool {
 
 namespace {
 
-enum class Format { Text, Json };
+enum class Format { Text, Json, Sarif };
 
 struct ValidateOptions {
   std::vector<std::string> rules;
   std::vector<std::string> models;
   session::ReviewOptions review;
   Format format = Format::Text;
+  Places places = Places::Hidden;
+  bool failOnWarning = false;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
@@ -65,20 +69,52 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
 }
 
 // Reads one model and judges it.
-session::Findings judgeModel(session::Review const& review, std::string const& name) {
-  ModelState const model = readModelFile(name, TDFChangeFile::Strict);
+session::Findings judgeModel(session::Review const& review, PertinentRoots const& pertinent, std::string const& name) {
+  ModelText const model = readModelText(name);
+  if (!model.faults().empty()) throw ModelFailure(model, !pertinent.objectsIn(model.state()).empty());
   try {
     session::Findings findings = review.judge(model);
     if (findings.missingRoots.empty()) return findings;
-    throw Failure("the model has no object \"" + findings.missingRoots.front() +
-                  "\"; give --root the path of one that it has");
-  } catch (Failure const& failure) {
-    throw Failure(name + ": " + failure.what());
+    throw ModelFailure(name + ": the model has no object \"" + findings.missingRoots.front() +
+                       "\"; give --root the path of one that it has");
   } catch (Error const& error) {
-    throw Failure(name + ": the validation stopped: " + error.getMessage());
+    throw ModelFailure(name + ": the validation stopped: " + error.getMessage());
   } catch (std::bad_alloc const&) {
-    throw Failure(name + ": there is not enough memory for this model");
+    throw ModelFailure(name + ": there is not enough memory for this model");
   }
+}
+
+// Writes what was found in the models, in one format.
+class Report {
+ public:
+  Report(ValidateOptions const& options, std::ostream& out) : options_(options), out_(out) {
+    if (options_.format == Format::Sarif) log_.emplace(out_, sarifRules());
+  }
+
+  void add(std::string const& model, session::Findings const& findings) {
+    if (options_.format == Format::Text) writeTextReport(out_, model, findings, options_.places);
+    if (options_.format == Format::Json) writeJsonReport(out_, model, findings);
+    if (log_) addToLog(*log_, model, findings);
+  }
+
+  void add(std::string const& model, ModelFailure const& failure) {
+    if (options_.format == Format::Json) writeJsonFailure(out_, model, failure);
+    if (log_) addToLog(*log_, model, failure);
+  }
+
+  void finish(int exitStatus) {
+    if (log_) log_->finish(exitStatus);
+  }
+
+ private:
+  ValidateOptions const& options_;
+  std::ostream& out_;
+  std::optional<SarifLog> log_;
+};
+
+void printLines(std::ostream& err, std::string const& message) {
+  std::istringstream lines(message);
+  for (std::string line; std::getline(lines, line);) err << "zev: " << line << '\n';
 }
 
 int validate(ValidateOptions const& options, std::ostream& out, std::ostream& err) {
@@ -88,11 +124,14 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
   std::unique_ptr<PhysicsData> const rules = loadRuleFiles(options.rules, err);
   session::ReviewOptions reviewOptions = options.review;
   reviewOptions.roots = checkedRoots(reviewOptions.roots, *rules);
+  PertinentRoots const pertinent(*rules);
   session::Review const review(*rules, std::move(reviewOptions));
 
-  OrderedResults<session::Findings> results(options.models.size(), options.jobs,
-                                            [&](std::size_t i) { return judgeModel(review, options.models[i]); });
+  OrderedResults<session::Findings> results(options.models.size(), options.jobs, [&](std::size_t i) {
+    return judgeModel(review, pertinent, options.models[i]);
+  });
   Summary summary;
+  Report report(options, out);
   Progress progress(err, standardErrorIsTerminal(), options.models.size());
   for (std::string const& name : options.models) {
     progress.begin(name);
@@ -100,20 +139,20 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
       session::Findings const findings = results.next();
       summary.add(findings);
       progress.hide();
-      if (options.format == Format::Json) {
-        writeJsonReport(out, name, findings);
-      } else {
-        writeTextReport(out, name, findings);
-      }
-    } catch (Failure const& failure) {
+      report.add(name, findings);
+    } catch (ModelFailure const& failure) {
       progress.hide();
-      err << "zev: " << failure.what() << '\n';
+      printLines(err, failure.what());
       summary.addFailure();
+      report.add(name, failure);
     }
     flushResults(out);
   }
+  int const status = summary.exitStatus(options.failOnWarning);
+  report.finish(status);
+  flushResults(out);
   err << "zev: " << summary.text() << '\n';
-  return summary.exitStatus();
+  return status;
 }
 
 }  // namespace
@@ -122,6 +161,9 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ValidateOptions>();
   auto phases = std::make_shared<std::string>("all");
   auto format = std::make_shared<std::string>("text");
+  auto failOn = std::make_shared<std::string>("error");
+  auto places = std::make_shared<bool>(false);
+  auto noPlaces = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand("validate", "Find what is wrong in models");
   command
       ->add_option("--rules", options->rules,
@@ -141,9 +183,17 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
       ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
   command->add_flag("--only-validator", options->review.onlyValidator,
                     "Do not report unknown names, values of the wrong type and values out of bounds");
-  command->add_option("--format", *format, "text, blocks for people, the default; or json, one line for each model")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  command
+      ->add_option("--format", *format,
+                   "text, blocks for people, the default; json, one line for each model; or sarif, a SARIF log")
+      ->type_name("text|json|sarif")
+      ->check(CLI::IsMember({"text", "json", "sarif"}).description(""));
+  CLI::Option* const withPlaces = command->add_flag(
+      "--places", *places, "Begin each finding of the text with FILE:LINE:COLUMN; the default on a terminal");
+  command->add_flag("--no-places", *noPlaces, "Do not show places; the default elsewhere")->excludes(withPlaces);
+  command->add_option("--fail-on", *failOn, "The findings for which the exit status is 1; default: errors only")
+      ->type_name("error|warning")
+      ->check(CLI::IsMember({"error", "warning"}).description(""));
   command
       ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; default: the number of processor cores")
       ->type_name("N")
@@ -154,20 +204,25 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   command->footer(
       "A model is text: one line for each parameter, or nested blocks as \"zev show\" prints them.\n"
       "          /Case/Domain:rotor/Material=Water\n"
-      "A model with a malformed line is not judged; the line is reported instead.\n"
+      "A model with malformed lines is not judged; the lines are reported instead.\n"
       "Examples: zev validate --rules flow.rules.yaml pump.tdf fan.tdf\n"
       "          zev validate --rules rules/ --root /Case/Domain:rotor --format json - < pump.tdf\n"
       "Findings go to the standard output, and one line that sums them up to the standard error.\n"
       "After --rules, every further *.yaml and every folder with *.rules.yaml belongs to the rules. After --root, an\n"
       "argument that begins with / and is not a file is an object. The last argument is a MODEL if there is no other.\n"
-      "Exit status: 0 nothing found, 1 findings, 2 wrong usage or a file that could not be read.");
-  command->callback([options, phases, format, &chosen] {
+      "Exit status: 0 no errors, 1 errors, with --fail-on warning also warnings, 2 wrong usage or a file that could "
+      "not\n"
+      "be read.");
+  command->callback([options, phases, format, failOn, places, noPlaces, &chosen] {
     static std::map<std::string, PhysicsValidator2::ValType> const phaseOf = {
         {"dependency", PhysicsValidator2::ValDependency},
         {"global", PhysicsValidator2::ValGlobal},
         {"all", PhysicsValidator2::ValAll}};
     options->review.phases = phaseOf.at(*phases);
-    options->format = *format == "json" ? Format::Json : Format::Text;
+    options->format = *format == "json" ? Format::Json : *format == "sarif" ? Format::Sarif : Format::Text;
+    bool const showPlaces = *places || (!*noPlaces && standardOutputIsTerminal());
+    options->places = showPlaces ? Places::Shown : Places::Hidden;
+    options->failOnWarning = *failOn == "warning";
     chosen = [options](std::ostream& out, std::ostream& err) { return validate(*options, out, err); };
   });
 }

@@ -122,7 +122,7 @@ class TARN_EXPORT PhysicsValidator2 : public DependencyAnalyser {
 
   /// Sets who gets each finding as data. The observer is called directly before the logger gets the sentence, and is
   /// not owned. Null, the initial state, means nobody. Set it before the first `validate` of a model, because a phase
-  /// that has run for a model is not repeated. What the observer throws ends the validation and reaches the caller.
+  /// that has run for a model is not repeated. An exception of the observer ends the validation and reaches the caller.
   void setFaultObserver(PhysicsFaultObserver* observer) noexcept;
 
   /// Sets the controller that gathers beta messages while rules are evaluated. With null, the initial state, no beta

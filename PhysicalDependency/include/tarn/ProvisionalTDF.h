@@ -170,7 +170,7 @@ class QuantityModifier;
 ///
 /// An exception of a rule, the base model or the modifier passes to the caller, and so does `std::bad_alloc`. The
 /// object, its guide and its decisions remain usable. The edit either has been made or has not been made; it is never
-/// made in part, with one exception below.
+/// made in part.
 ///
 /// - If it has not been made, the active state is as before. Make the edit again.
 /// - If it has been made, its update is incomplete: the active state reads as empty and the change lists are of no use.
@@ -181,10 +181,8 @@ class QuantityModifier;
 ///   quantity types are reported again.
 ///
 /// `initialise`, `initialiseBasedOn` and `baseUpdate` follow the same rule: either they have taken effect and only the
-/// update is incomplete, or they have changed nothing. One edit may be made in part: a duplicate under the name of an
-/// object that waits in the guide. Some values of that object may then be replaced. Making the same edit again replaces
-/// the rest. An exception of the observer passes to the caller as well. The edit is complete then; only the observer's
-/// own work may be incomplete.
+/// update is incomplete, or they have changed nothing. An exception of the observer passes to the caller as well. The
+/// edit is complete then; only the observer's own work may be incomplete.
 ///
 /// ## Cost
 ///

@@ -196,6 +196,19 @@ class Journal {
     if (step) journal->keep(std::move(step));
   }
 
+  /// Calls `change` inside a mark. When it throws, its writes are rolled back.
+  template <class Change>
+  void makeWhole(Change const& change) {
+    Mark const before = mark();
+    try {
+      change();
+    } catch (...) {
+      rollback(before);
+      throw;
+    }
+    release(before);
+  }
+
   /// For an operation that takes back its own half when it fails: `undoTo` undoes all steps that were added after
   /// `position` was asked for. Both are for use inside one mark.
   [[nodiscard]] Position position() const noexcept { return Position(last_.get()); }

@@ -8,8 +8,8 @@
 #include "journal/Journal.h"
 
 /// Writes to values and containers that a journal can undo. With null for the journal they only write. When they throw,
-/// nothing has changed. What is written must stay where it is until the step is undone or forgotten; entries of a map
-/// do so, because no entry is destroyed while a journal records.
+/// nothing has changed. The written value must stay at its address until the step is undone or forgotten. Entries of a
+/// map do so, because no entry is destroyed while a journal records.
 namespace tarn::journaled {
 
 template <class Value>

@@ -132,10 +132,6 @@ void ProvisionalFacts::setDefaultNamesApplied(std::string const& p_key) {
   ownFactWritten(p_key);
 }
 
-void ProvisionalFacts::takeBackDefaultNamesApplied(std::string const& p_key) noexcept {
-  m_intent.defaultNamesApplied.erase(p_key);
-}
-
 void ProvisionalFacts::startWithGuide(std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject) noexcept {
   Journal::CannotFail const scope(m_journal);
   DynamicTDFAccess::attach(*p_guide, m_journal);

@@ -85,7 +85,6 @@ class ProvisionalFacts final : public Journal::Participant {
   void rememberSubsetValue(std::string const& p_objPath, std::string const& p_name, std::string const& p_value);
   void rememberSubsetValues(std::string const& p_objPath, std::string const& p_name, Strings const& p_values);
   void setDefaultNamesApplied(std::string const& p_key);
-  void takeBackDefaultNamesApplied(std::string const& p_key) noexcept;
   /// Begins with another guide. The default names that an incomplete update has dealt with are to come again, because
   /// their objects go with the old guide.
   void startWithGuide(std::unique_ptr<DynamicTDF> p_guide, bool p_hasBaseObject) noexcept;

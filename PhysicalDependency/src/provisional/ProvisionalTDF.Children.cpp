@@ -111,9 +111,7 @@ void ProvisionalTDF::Impl::synchNamesOfGuide(std::string const& p_objPath, std::
     if (!m_facts.areDefaultNamesApplied(key)) {
       bool const areUsed = names.empty();
       if (areUsed) names.assign(p_defaultNames.first, p_defaultNames.second);
-      // Before the objects are made: a default that cannot be a name ends one walk, and not all later ones as well.
-      m_facts.setDefaultNamesApplied(key);
-      if (areUsed) createDefaultGuideObjects(key, names);
+      applyDefaultNames(key, areUsed ? names : std::vector<std::string>());
     }
   }
   synchAllowedNamedObjects(p_objPath, p_type, {names.begin(), names.end()});
@@ -180,21 +178,23 @@ void ProvisionalTDF::Impl::deleteDisallowedNamedObjects(std::string const& p_pre
   }
 }
 
-/// Makes the default objects of the type `p_key`. Without memory it makes none of them, and they are made in a later
-/// walk: some of them alone would look like a choice of the user.
-void ProvisionalTDF::Impl::createDefaultGuideObjects(std::string const& p_key,
-                                                     std::vector<std::string> const& p_names) {
-  std::vector<std::string> paths;
-  std::size_t made = 0;
+/// Makes objects of the default names of the type `p_key`, once. Without memory it makes none of them, and they are
+/// made in a later walk: some of them alone would look like a choice of the user.
+void ProvisionalTDF::Impl::applyDefaultNames(std::string const& p_key, std::vector<std::string> const& p_names) {
+  Journal& journal = m_facts.journal();
+  Journal::Mark const before = journal.mark();
   try {
-    paths.reserve(p_names.size());
-    for (std::string const& name : p_names) paths.push_back(p_key + PathUtils::nameSeparator + name);
-    for (; made < paths.size(); ++made) (void)createNamedGuideObject(paths[made]);
+    m_facts.setDefaultNamesApplied(p_key);
+    for (std::string const& name : p_names) (void)createNamedGuideObject(p_key + PathUtils::nameSeparator + name);
   } catch (std::bad_alloc const&) {
-    while (made > 0) m_facts.deleteGuideObject(paths[--made]);
-    m_facts.takeBackDefaultNamesApplied(p_key);
+    journal.rollback(before);
+    throw;
+  } catch (...) {
+    // A default that cannot be a name ends one walk, and not all later ones as well.
+    journal.release(before);
     throw;
   }
+  journal.release(before);
 }
 
 bool ProvisionalTDF::Impl::includeOptionalObject(std::string const& p_path) const {

@@ -34,8 +34,7 @@ std::optional<Refusal> ProvisionalTDF::Impl::apply(Edit const& p_edit) {
   return refusal;
 }
 
-/// The path is known to be at or below the active root. When this throws, nothing has changed, with one exception: a
-/// copy onto an object that the guide had already may have been made in part.
+/// The path is known to be at or below the active root. When this throws, nothing has changed.
 std::optional<Refusal> ProvisionalTDF::Impl::changeIntent(Edit const& p_edit) {
   switch (p_edit.kind) {
     case Edit::Kind::SetParam:
@@ -58,22 +57,28 @@ std::optional<Refusal> ProvisionalTDF::Impl::changeIntent(Edit const& p_edit) {
     case Edit::Kind::RemoveObject:
       return deleteNamedGuideObject(p_edit.path);
     case Edit::Kind::DuplicateObject:
-      return copyNamedGuideObject(p_edit.path, p_edit.name);
     case Edit::Kind::RenameObject: {
-      // An object that only the rules ask for can be copied but not removed. The copy then waits for the next walk,
-      // after which the caller finds both objects.
-      auto const refusal = copyNamedGuideObject(p_edit.path, p_edit.name);
-      return refusal ? refusal : deleteNamedGuideObject(p_edit.path);
+      ModelState copy;
+      auto refusal = makeCopy(p_edit.path, p_edit.name, copy);
+      if (refusal) return refusal;
+      m_facts.journal().makeWhole([&] {
+        m_facts.updateGuide(copy);
+        // An object that only the rules ask for can be copied but not removed. The copy then waits for the next walk,
+        // after which the caller finds both objects.
+        if (p_edit.kind == Edit::Kind::RenameObject) refusal = deleteNamedGuideObject(p_edit.path);
+      });
+      return refusal;
     }
   }
   return std::nullopt;
 }
 
 void ProvisionalTDF::Impl::deactivateParam(std::string const& p_objPath, std::string const& p_name) {
-  // The decision first, since it alone can fail.
-  m_facts.setParamActivity(p_objPath, p_name, false);
-  // An empty value is no answer worth keeping: without it, switching on again gives the default.
-  if (m_facts.getGuideValue(p_objPath, p_name).empty()) m_facts.deleteGuideParam(p_objPath, p_name);
+  m_facts.journal().makeWhole([&] {
+    m_facts.setParamActivity(p_objPath, p_name, false);
+    // An empty value is no answer worth keeping: without it, switching on again gives the default.
+    if (m_facts.getGuideValue(p_objPath, p_name).empty()) m_facts.deleteGuideParam(p_objPath, p_name);
+  });
 }
 
 /// Puts a named object into the guide. A name that equals the type, or an empty one, would be read as a singleton's.
@@ -94,14 +99,16 @@ std::optional<Refusal> ProvisionalTDF::Impl::deleteNamedGuideObject(std::string 
   if (!isInGuide && !m_facts.hasActiveObject(p_path)) return Refusal::NoSuchObject;
   if (beginOfName(p_path) == std::string::npos) return Refusal::NotNamed;
   if (!isInGuide) return Refusal::StandsByTheRules;
-  m_facts.deleteGuideObject(p_path);
-  m_facts.eraseFromOptActivityMaps(p_path);
+  m_facts.journal().makeWhole([&] {
+    m_facts.deleteGuideObject(p_path);
+    m_facts.eraseFromOptActivityMaps(p_path);
+  });
   return std::nullopt;
 }
 
-/// Puts a copy of an object into the guide, as it is in the active tree, so with all values in force.
-std::optional<Refusal> ProvisionalTDF::Impl::copyNamedGuideObject(std::string const& p_path,
-                                                                  std::string const& p_newName) {
+/// Fills `p_copy` with a copy of a named object as it is in the active tree, so with all values in force.
+std::optional<Refusal> ProvisionalTDF::Impl::makeCopy(std::string const& p_path, std::string const& p_newName,
+                                                      ModelState& p_copy) {
   if (p_path == m_activeRoot) return Refusal::IsActiveRoot;
   completeBrokenUpdate();
   if (!m_facts.hasActiveObject(p_path)) return Refusal::NoSuchObject;
@@ -116,16 +123,7 @@ std::optional<Refusal> ProvisionalTDF::Impl::copyNamedGuideObject(std::string co
 
   ModelState original;
   m_facts.dumpActive(p_path, original);
-  ModelState const state = withLeadingPathReplaced(std::move(original), p_path, copyPath);
-  // The highest object that is made on the way.
-  std::string made;
-  for (std::string path = copyPath; !m_facts.isObjectInGuide(path); path = PathUtils::parentOf(path)) made = path;
-  try {
-    m_facts.updateGuide(state);
-  } catch (...) {
-    m_facts.deleteGuideObject(made);  // half a copy would be taken for the whole
-    throw;
-  }
+  p_copy = withLeadingPathReplaced(std::move(original), p_path, copyPath);
   return std::nullopt;
 }
 

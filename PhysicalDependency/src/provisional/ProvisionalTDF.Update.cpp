@@ -155,11 +155,11 @@ void ProvisionalTDF::Impl::release(std::size_t p_mark) noexcept {
 /// one, which would list those items twice. They are forgotten first, so that removing the probe needs no memory.
 /// Bounds and quantity types are forgotten because nobody reads the lists that would have reported them.
 void ProvisionalTDF::Impl::recoverFromBrokenUpdate() noexcept {
+  Journal::CannotFail const scope(m_facts.journal());
   m_walk.abandon();
   m_facts.clearObjectReferences(std::string());
   if (m_probe.inTestNamedObject()) m_probe.deleteTestNamedObject();
   m_facts.forgetBoundsAndQuantities();
-  Journal::CannotFail const scope(m_facts.journal());
   journaled::assign(m_facts.recording(), m_activeState, {});
   m_isStateCurrent = false;
   m_isWalkDue = true;

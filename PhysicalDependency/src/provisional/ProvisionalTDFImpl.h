@@ -121,13 +121,14 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
   void synchAllowedNamedOptObjs(std::string const& p_objPath, std::string const& p_type, NameRange p_names);
   void deleteDisallowedNamedObjects(std::string const& p_prefix, std::vector<std::string> const& p_existing,
                                     NameRange p_allowed);
-  void createDefaultGuideObjects(std::string const& p_key, std::vector<std::string> const& p_names);
+  void applyDefaultNames(std::string const& p_key, std::vector<std::string> const& p_names);
   [[nodiscard]] bool includeOptionalObject(std::string const& p_path) const;
 
   // Edits. Each returns why nothing was done, if nothing was.
   [[nodiscard]] std::optional<Refusal> changeIntent(Edit const& p_edit);
   [[nodiscard]] std::optional<Refusal> createNamedGuideObject(std::string const& p_path);
-  [[nodiscard]] std::optional<Refusal> copyNamedGuideObject(std::string const& p_path, std::string const& p_newName);
+  [[nodiscard]] std::optional<Refusal> makeCopy(std::string const& p_path, std::string const& p_newName,
+                                                ModelState& p_copy);
   [[nodiscard]] std::optional<Refusal> deleteNamedGuideObject(std::string const& p_path);
   void deactivateParam(std::string const& p_objPath, std::string const& p_name);
   [[nodiscard]] bool isUnderActiveRoot(std::string const& p_path) const noexcept;

@@ -17,7 +17,7 @@ namespace tarn {
 /// forgotten.
 class SubsetSelections {
  public:
-  /// Both return whether there was anything new to remember. That is recorded in `journal`, unless it is null.
+  /// Both return whether there was anything new to remember. New values are recorded in `journal`, unless that is null.
   bool rememberSubsetValue(std::string const& objPath, std::string const& name, std::string const& value,
                            Journal* journal = nullptr);
   bool rememberSubsetValues(std::string const& objPath, std::string const& name, std::vector<std::string> const& values,

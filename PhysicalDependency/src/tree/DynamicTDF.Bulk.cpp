@@ -103,6 +103,7 @@ void DynamicTDF::Impl::setParameters(std::string topPath, ModelTDF const& model)
     Node& node = findCreateNode(objPath);
     if (node.params.empty()) node.params.reserve(names.size());
     for (std::string const& name : names) doSetParameter(objPath, name, model.getParameterValue(objPath, name), node);
+    node.params.makeIndex();
 
     model.getChildObjectPaths(objPath, children);
     std::move(children.rbegin(), children.rend(), std::back_inserter(pending));
@@ -113,6 +114,7 @@ DynamicTDF::Node& DynamicTDF::Impl::setParameters(std::string const& objPath, Ob
   Node& node = findCreateNode(objPath);
   if (node.params.empty()) node.params.reserve(values.size());
   for (auto const& [name, value] : values) doSetParameter(objPath, name, value, node);
+  node.params.makeIndex();
   return node;
 }
 

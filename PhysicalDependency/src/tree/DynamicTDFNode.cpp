@@ -153,6 +153,7 @@ bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePoo
         std::string_view const clean = StringUtilities::trimmed(text);
         if (!skipEmpty || !clean.empty()) params.insert(names.intern(name), ParamVal(clean));
       }
+      params.makeIndex();
       return true;
     }
     ParamVal& param = params.valueAt(present);
@@ -161,6 +162,7 @@ bool DynamicTDF::Node::refill(ObjectState const& values, bool skipEmpty, NamePoo
     ++present;
   }
   while (present != params.end()) present = params.after(params.takeOut(present));
+  params.makeIndex();
   return true;
 }
 

@@ -80,7 +80,7 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     void append(Node& child);
     /// The child keeps its siblings, so that `putBack` finds its position.
     void remove(Node& child) noexcept;
-    /// Undoes `remove`. What was done after it must have been undone.
+    /// Undoes `remove`. Later changes must have been undone.
     void putBack(Node& child) noexcept;
 
     /// Whether the next child makes the list keep its children by type.

@@ -57,8 +57,8 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     ++revision_;
   }
 
-  /// Null, which it is at the start, for none. The store tells it of objects; who changes a parameter tells it of that.
-  /// `reset` tells it nothing.
+  /// Null, which it is at the start, for none. The store reports changes of objects to it; who changes a parameter
+  /// reports that. `reset` reports nothing.
   void setListener(TreeListener * listener) noexcept {
     listener_ = listener;
   }
@@ -66,8 +66,8 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
     return listener_;
   }
 
-  /// Null, which it is at the start, for none. The store records objects; who changes a parameter records that. Not
-  /// owned, and not exchanged by `reset`.
+  /// Null, which it is at the start, for none. The store records changes of objects in it; who changes a parameter
+  /// records that. Not owned.
   void setJournal(Journal * journal) noexcept {
     journal_ = journal;
   }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -10,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tree/PathHash.h"
 #include "tree/ShortTexts.h"
 
 namespace tarn {
@@ -20,6 +23,9 @@ namespace tarn {
 /// other in chunks of limited size. A small table has one chunk, which costs nothing besides its entries. In a large
 /// table an insertion moves at most one chunk. A reference to a value is valid until an entry of the table is added or
 /// erased.
+///
+/// A search in a large table goes by the order of the names. A table that was loaded and is mostly read can have an
+/// index, see `makeIndex`, which is a few times as fast.
 template <class Value>
 class NameTable {
  public:
@@ -67,7 +73,7 @@ class NameTable {
   [[nodiscard]] std::size_t size() const noexcept {
     std::size_t size = first_.size();
     if (others_ != nullptr) {
-      for (Chunk const& chunk : *others_) size += chunk.size();
+      for (Chunk const& chunk : others_->chunks) size += chunk.size();
     }
     return size;
   }
@@ -84,6 +90,7 @@ class NameTable {
       }
       return nullptr;
     }
+    if (others_ != nullptr && !others_->index.empty()) return findIndexed(name);
     Chunk& own = chunk(chunkOf(name));
     auto const place = placeIn(own, name);
     return place != own.end() && place->name() == name ? &place->value : nullptr;
@@ -102,6 +109,8 @@ class NameTable {
   }
   [[nodiscard]] Value& valueAt(Iterator place) noexcept { return chunk(place.chunk_)[place.place_].value; }
 
+  struct Others;
+
   /// Where an insertion put its entry, so that `takeBack` can restore the table exactly.
   struct Inserted {
     std::size_t chunk = 0;
@@ -118,11 +127,29 @@ class NameTable {
     /// The chunk itself, if this was its only entry and the table has others.
     std::vector<Entry> emptied;
     /// The list of the other chunks, if none is left in it.
-    std::unique_ptr<std::vector<std::vector<Entry>>> others;
+    std::unique_ptr<Others> others;
   };
+
+  /// Makes look-ups of a large table take constant time, until an entry is added or erased. Linear in the size. Does
+  /// nothing for a small table, and for one that has its index.
+  void makeIndex() {
+    if (others_ == nullptr || !others_->index.empty() || chunkCount() > mostIndexedChunks) return;
+    std::vector<std::uint32_t> index(std::bit_ceil(2 * size()), noPlace);
+    for (std::size_t number = 0; number < chunkCount(); ++number) {
+      Chunk const& own = chunk(number);
+      for (std::size_t place = 0; place < own.size(); ++place) {
+        std::size_t const hash = hashOf(own[place].name());
+        std::size_t slot = hash & (index.size() - 1);
+        while (index[slot] != noPlace) slot = (slot + 1) & (index.size() - 1);
+        index[slot] = tagOf(hash) | static_cast<std::uint32_t>(number * chunkLimit + place);
+      }
+    }
+    others_->index = std::move(index);
+  }
 
   /// Adds an entry. The table must not have one of that name. `pooledName` must outlive the table.
   Inserted insert(std::string const& pooledName, Value&& value) {
+    dropIndex();
     Inserted inserted;
     inserted.chunk = chunkOf(pooledName);
     if (chunk(inserted.chunk).size() == chunkLimit) {
@@ -139,8 +166,9 @@ class NameTable {
     return inserted;
   }
 
-  /// Undoes an insertion. What was done after it must have been undone.
+  /// Undoes an insertion. Later changes must have been undone.
   void takeBack(Inserted const& inserted) noexcept {
+    dropIndex();
     Chunk& own = chunk(inserted.chunk);
     own.erase(own.begin() + static_cast<std::ptrdiff_t>(inserted.place));
     if (!inserted.split) return;
@@ -148,37 +176,40 @@ class NameTable {
     Chunk& upper = chunk(*inserted.split + 1);
     // A chunk that was split has room for all that it held.
     lower.insert(lower.end(), std::make_move_iterator(upper.begin()), std::make_move_iterator(upper.end()));
-    others_->erase(others_->begin() + static_cast<std::ptrdiff_t>(*inserted.split));
-    if (others_->empty()) others_.reset();
+    others_->chunks.erase(others_->chunks.begin() + static_cast<std::ptrdiff_t>(*inserted.split));
+    if (others_->chunks.empty()) others_.reset();
   }
 
   /// Makes room for `count` entries in an empty table.
   void reserve(std::size_t count) { first_.reserve(std::min(count, chunkLimit)); }
 
   Erased takeOut(Iterator place) noexcept {
+    dropIndex();
     Chunk& own = chunk(place.chunk_);
     auto const entry = own.begin() + static_cast<std::ptrdiff_t>(place.place_);
     Erased erased{std::move(*entry), place.chunk_, place.place_, {}, nullptr};
     own.erase(entry);
     if (!own.empty() || others_ == nullptr) return erased;
     erased.emptied = std::move(own);
-    if (place.chunk_ == 0) first_ = std::move(others_->front());
+    if (place.chunk_ == 0) first_ = std::move(others_->chunks.front());
     auto const removed = std::max<std::size_t>(place.chunk_, 1) - 1;
-    others_->erase(others_->begin() + static_cast<std::ptrdiff_t>(removed));
-    if (others_->empty()) erased.others = std::move(others_);
+    others_->chunks.erase(others_->chunks.begin() + static_cast<std::ptrdiff_t>(removed));
+    if (others_->chunks.empty()) erased.others = std::move(others_);
     return erased;
   }
 
-  /// Undoes a `takeOut`. What was done after it must have been undone. Each chunk then has the memory that it had, so
+  /// Undoes a `takeOut`. Later changes must have been undone. Each chunk then has the memory that it had, so
   /// nothing is allocated.
   void putBack(Erased&& erased) noexcept {
+    dropIndex();
     if (erased.emptied.capacity() != 0) {
       if (erased.others != nullptr) others_ = std::move(erased.others);
       if (erased.chunk == 0) {
-        others_->insert(others_->begin(), std::move(first_));
+        others_->chunks.insert(others_->chunks.begin(), std::move(first_));
         first_ = std::move(erased.emptied);
       } else {
-        others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(erased.chunk - 1), std::move(erased.emptied));
+        others_->chunks.insert(others_->chunks.begin() + static_cast<std::ptrdiff_t>(erased.chunk - 1),
+                               std::move(erased.emptied));
       }
     }
     Chunk& own = chunk(erased.chunk);
@@ -196,16 +227,43 @@ class NameTable {
   using Chunk = std::vector<Entry>;
   static constexpr std::size_t chunkLimit = 128;
 
-  [[nodiscard]] std::size_t chunkCount() const noexcept { return others_ == nullptr ? 1 : 1 + others_->size(); }
-  [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
-  [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : (*others_)[i - 1]; }
+  // The index. An element is eight bits of the hash and the place of an entry, or `noPlace`.
+  static constexpr unsigned bitsOfPlace = 24;
+  static constexpr std::uint32_t noPlace = ~std::uint32_t{0};
+  static constexpr std::size_t mostIndexedChunks = (std::size_t{1} << bitsOfPlace) / chunkLimit - 1;
+
+  [[nodiscard]] static std::size_t hashOf(std::string_view name) noexcept { return PathHash(name).value(); }
+  [[nodiscard]] static std::uint32_t tagOf(std::size_t hash) noexcept {
+    return static_cast<std::uint32_t>(hash >> (64U - 8U)) << bitsOfPlace;
+  }
+
+  [[nodiscard]] Value* findIndexed(std::string_view name) noexcept {
+    std::vector<std::uint32_t> const& index = others_->index;
+    std::size_t const hash = hashOf(name);
+    std::uint32_t const tag = tagOf(hash);
+    for (std::size_t slot = hash & (index.size() - 1); index[slot] != noPlace; slot = (slot + 1) & (index.size() - 1)) {
+      std::uint32_t const place = index[slot] ^ tag;
+      if (place >> bitsOfPlace != 0) continue;
+      Entry& entry = chunk(place / chunkLimit)[place % chunkLimit];
+      if (sameText(entry.name(), name)) return &entry.value;
+    }
+    return nullptr;
+  }
+
+  void dropIndex() noexcept {
+    if (others_ != nullptr) others_->index.clear();
+  }
+
+  [[nodiscard]] std::size_t chunkCount() const noexcept { return others_ == nullptr ? 1 : 1 + others_->chunks.size(); }
+  [[nodiscard]] Chunk const& chunk(std::size_t i) const noexcept { return i == 0 ? first_ : others_->chunks[i - 1]; }
+  [[nodiscard]] Chunk& chunk(std::size_t i) noexcept { return i == 0 ? first_ : others_->chunks[i - 1]; }
 
   /// Returns the number of the chunk that holds an entry of that name or would hold it.
   [[nodiscard]] std::size_t chunkOf(std::string_view name) const noexcept {
     if (others_ == nullptr) return 0;
-    auto const behind = std::upper_bound(others_->begin(), others_->end(), name,
+    auto const behind = std::upper_bound(others_->chunks.begin(), others_->chunks.end(), name,
                                          [](std::string_view a, Chunk const& b) { return a < b.front().name(); });
-    return static_cast<std::size_t>(behind - others_->begin());
+    return static_cast<std::size_t>(behind - others_->chunks.begin());
   }
 
   [[nodiscard]] static typename Chunk::iterator placeIn(Chunk& chunk, std::string_view name) noexcept {
@@ -222,11 +280,11 @@ class NameTable {
     upper.reserve(chunkLimit);
     if (others_ == nullptr) {
       // The list is never empty, even if memory runs out here.
-      auto others = std::make_unique<std::vector<Chunk>>();
-      others->push_back(std::move(upper));
+      auto others = std::make_unique<Others>();
+      others->chunks.push_back(std::move(upper));
       others_ = std::move(others);
     } else {
-      others_->insert(others_->begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
+      others_->chunks.insert(others_->chunks.begin() + static_cast<std::ptrdiff_t>(number), std::move(upper));
     }
     Chunk& lower = chunk(number);
     Chunk& added = chunk(number + 1);
@@ -238,7 +296,15 @@ class NameTable {
   // In order. No chunk is empty except the first one of an empty table.
   Chunk first_;
   /// Null while one chunk is enough.
-  std::unique_ptr<std::vector<Chunk>> others_;
+  std::unique_ptr<Others> others_;
+};
+
+/// The chunks after the first one, with the index of all.
+template <class Value>
+struct NameTable<Value>::Others {
+  std::vector<Chunk> chunks;
+  /// By hash, with linear probing. Empty when the table has no index.
+  std::vector<std::uint32_t> index;
 };
 
 }  // namespace tarn

@@ -51,7 +51,7 @@ constexpr std::array codes = {
     FindingCodeInfo{Code::AboveUpperBound, "above-upper-bound", Kind::Value, Severity::Error,
                     "A number is above its upper bound."},
     FindingCodeInfo{Code::BetaMessage, "beta-message", Kind::Beta, Severity::Note,
-                    "A feature may be used but has been tested less. This is not a finding."},
+                    "A feature may be used but has been tested less; this is not a finding."},
 };
 
 static_assert(std::is_sorted(codes.begin(), codes.end(),
@@ -69,7 +69,7 @@ FindingCodeInfo const& describe(FindingCode code) noexcept {
   return codes[static_cast<std::size_t>(code)];
 }
 
-std::string_view name(Severity severity) noexcept {
+std::string_view severityName(Severity severity) noexcept {
   constexpr std::array<std::string_view, 3> names = {"error", "warning", "note"};
   return names[static_cast<std::size_t>(severity)];
 }

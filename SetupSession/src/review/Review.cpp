@@ -12,7 +12,9 @@
 #include <tarn/EvalContext.h>
 #include <tarn/PertinentRoots.h>
 
+#include "review/FindingPlaces.h"
 #include "review/FindingsLogger.h"
+#include "review/RepeatedParameters.h"
 #include "review/ReviewJudge.h"
 #include "review/ReviewWalk.h"
 #include "review/UnknownNames.h"
@@ -104,6 +106,18 @@ Findings Review::judge(ModelState const& model) const {
   validate(*rules_, options_.phases, objects, roots, findings);
   if (!options_.onlyValidator) walk(*rules_, objects, roots, findings.list);
   std::stable_sort(findings.list.begin(), findings.list.end(), comesBefore);
+  return findings;
+}
+
+Findings Review::judge(ModelText const& text) const {
+  Findings findings = judge(text.state());
+  if (!findings.missingRoots.empty()) return findings;
+  // `Findings::list` begins with the kind of these.
+  std::vector<Finding> repeated = findRepeatedParameters(*rules_, options_.roots, text);
+  auto const begin = std::find_if_not(findings.list.begin(), findings.list.end(),
+                                      [](Finding const& one) { return one.code == FindingCode::NothingToReview; });
+  findings.list.insert(begin, std::make_move_iterator(repeated.begin()), std::make_move_iterator(repeated.end()));
+  locateFindings(text, findings);
   return findings;
 }
 

@@ -26,6 +26,14 @@ TextPlace placeOfChildRule(PhysicsData const& rules, std::string_view path, std:
   return entry ? entry->rulePlace : TextPlace();
 }
 
+std::string shown(std::string_view value) {
+  constexpr std::size_t longest = 100;
+  if (value.size() <= longest) return '"' + std::string(value) + '"';
+  std::size_t end = longest;
+  while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0u) == 0x80u) --end;  // do not split a character
+  return '"' + std::string(value.substr(0, end)) + "...\"";
+}
+
 Finding makeFinding(FindingCode code, std::string path, std::string message) {
   Finding finding;
   finding.code = code;

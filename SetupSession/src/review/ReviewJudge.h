@@ -15,7 +15,7 @@
 
 namespace tarn::session {
 
-/// What a judge may read, and where it reports. All of it is valid for one walk.
+/// The things that a judge reads, and the list where it reports. All of it is valid for one walk.
 struct ReviewContext {
   PhysicsData const& rules;
   /// The model that the rules see: objects that the rules look at, and no parameters without a value.
@@ -68,6 +68,9 @@ class ReviewJudge {
 /// no such entry.
 [[nodiscard]] TextPlace placeOfParamRule(PhysicsData const& rules, std::string_view path, std::string_view name);
 [[nodiscard]] TextPlace placeOfChildRule(PhysicsData const& rules, std::string_view path, std::string_view type);
+
+/// A value between double quotes for a sentence, shortened when it is long.
+[[nodiscard]] std::string shown(std::string_view value);
 
 /// A finding of this code and its usual severity.
 [[nodiscard]] Finding makeFinding(FindingCode code, std::string path, std::string message);

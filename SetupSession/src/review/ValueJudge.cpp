@@ -16,15 +16,6 @@ namespace tarn::session {
 
 namespace {
 
-// The value as a sentence shows it, shortened. The finding holds the whole value.
-std::string shown(std::string_view text) {
-  constexpr std::size_t longest = 100;
-  if (text.size() <= longest) return '"' + std::string(text) + '"';
-  std::size_t end = longest;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) --end;  // do not split a character
-  return '"' + std::string(text.substr(0, end)) + "...\"";
-}
-
 // The corrected text of a number whose units lack their brackets: "12 [m]" for "12 m". Otherwise empty.
 std::string withBrackets(std::string_view text) {
   std::size_t const blank = text.find(' ');
@@ -34,7 +25,7 @@ std::string withBrackets(std::string_view text) {
   return std::string(text.substr(0, blank)) + " [" + std::string(units) + ']';
 }
 
-// What is wrong with a value, or with an item of a list.
+// The fault of a value, or of an item of a list.
 struct Fault {
   FindingCode code;
   std::string sentence;        // the end of "... has the value 5, which ..."

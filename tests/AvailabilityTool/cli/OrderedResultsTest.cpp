@@ -75,16 +75,25 @@ TEST(OrderedResults, WhatNobodyAskedForIsNotBegunAnyMore) {
   EXPECT_LE(made, 9);
 }
 
-TEST(OrderedResults, OneThreadMakesEachWhenItIsAskedFor) {
-  int made = 0;
+TEST(OrderedResults, AreNotMadeOnTheThreadThatAsksForThem) {
   std::thread::id const here = std::this_thread::get_id();
-  OrderedResults<bool> results(2, 1, [&](std::size_t) {
-    ++made;
-    return std::this_thread::get_id() == here;
+  OrderedResults<bool> results(1, 1, [&](std::size_t) { return std::this_thread::get_id() == here; });
+  EXPECT_FALSE(results.next());
+}
+
+TEST(OrderedResults, OneThreadMakesOneAfterTheOther) {
+  std::atomic<int> atOnce = 0;
+  OrderedResults<int> results(20, 1, [&](std::size_t) {
+    int const now = ++atOnce;
+    std::this_thread::yield();
+    --atOnce;
+    return now;
   });
-  EXPECT_EQ(made, 0);
-  EXPECT_TRUE(results.next());
-  EXPECT_EQ(made, 1);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(results.next(), 1);
+}
+
+TEST(OrderedResults, OfNoneNoThreadIsStarted) {
+  OrderedResults<int> const results(0, 4, [](std::size_t) { return 0; });
 }
 
 }  // namespace

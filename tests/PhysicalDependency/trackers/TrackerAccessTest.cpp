@@ -1,4 +1,4 @@
-// Rollbacks of the trackers. What a tracker remembers shows in the next batch: only a difference from it is an update.
+// Rollbacks of the trackers. The next batch shows the remembered values: only a difference from them is an update.
 
 #include "trackers/TrackerAccess.h"
 

@@ -179,6 +179,16 @@ TEST_F(DynamicTDFRollback, AnObjectOfALongFormIsForgotten) {
   EXPECT_FALSE(DynamicTDFAccess::storeOf(tree_).hasOtherwiseListed());
 }
 
+TEST_F(DynamicTDFRollback, AnObjectOfALongFormIsRememberedAgainAfterALoad) {
+  tree_.setParameter("/Case/Log:Log", "Level", "1");
+  ModelState const loaded{{"/Case", {{"Title", "pump"}}}};
+  changeAndRollBack([&] {
+    tree_.initialise(loaded.begin(), loaded.end());
+    EXPECT_FALSE(DynamicTDFAccess::storeOf(tree_).hasOtherwiseListed());
+  });
+  EXPECT_TRUE(DynamicTDFAccess::storeOf(tree_).hasOtherwiseListed());
+}
+
 TEST_F(DynamicTDFRollback, TheRevisionMovesForward) {
   std::uint64_t const atMark = tree_.getRevision();
   std::uint64_t changed = 0;
@@ -196,7 +206,7 @@ TEST_F(DynamicTDFRollback, WithoutAMarkNothingIsKept) {
   EXPECT_EQ(boundaries(), (Strings{"inlet", "wall"}));
 }
 
-/// Writes down what it is told.
+/// Writes down the calls that it gets.
 class Notes final : public TreeListener {
  public:
   void onParamSetChange(PathHash const& object, std::string_view name) noexcept override { add("set", object, name); }

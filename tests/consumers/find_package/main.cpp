@@ -1,19 +1,19 @@
 #include <iostream>
 
-#include <tarn/BasicPhysicsErrorLogger.h>
-#include <tarn/PhysicsValidator2.h>
-#include <tarn/TDFChangeFile.h>
+#include <tarn/ModelText.h>
 #include <tarn/rules/RuleLoader.h>
+#include <tarn/session/Review.h>
 
 int main(int, char** argv) {
-  auto const rules = tarn::rules::loadRules({argv[1]});
-  auto const model = tarn::TDFChangeFile({argv[2]}, {}, tarn::TDFChangeFile::Strict).toModelState();
+  auto const rules = tarn::rules::loadRules(argv[1]);
+  auto const model = tarn::ModelText::read(argv[2]);
+  for (auto const& [line, column, reason] : model.faults()) std::cout << "line " << line << ": " << reason << '\n';
+  if (!model.faults().empty()) return 2;
 
-  tarn::BasicPhysicsErrorLogger findings;
-  tarn::PhysicsValidator2 validator(rules.get());
-  validator.setLogger(&findings);
-  validator.validate(tarn::PhysicsValidator2::ValAll, model, {"/Case"});
-
-  for (auto const& [path, message] : findings.getDependencyErrors()) std::cout << path << ": " << message << '\n';
-  for (auto const& message : findings.getGlobalErrors()) std::cout << message << '\n';
+  auto const findings = tarn::session::Review(*rules).judge(model);
+  for (auto const& finding : findings.list) {
+    if (!finding.path.empty()) std::cout << finding.path << ": ";
+    std::cout << finding.message << '\n';
+  }
+  return findings.any() ? 1 : 0;
 }

@@ -37,7 +37,7 @@ enum class FindingKind {
   Beta
 };
 
-/// What is wrong. `describe` gives the name of a code, its kind and its meaning.
+/// A stable code for each fault. `describe` gives the name of a code, its kind and its meaning.
 enum class FindingCode {
   NothingToReview,
   ConflictingValues,
@@ -81,9 +81,9 @@ struct TARN_EXPORT FindingCodeInfo {
 [[nodiscard]] TARN_EXPORT FindingCodeInfo const& describe(FindingCode code) noexcept;
 
 /// "error", "warning" or "note". Valid until the program ends.
-[[nodiscard]] TARN_EXPORT std::string_view name(Severity severity) noexcept;
+[[nodiscard]] TARN_EXPORT std::string_view severityName(Severity severity) noexcept;
 
-/// What would be right instead. Fields that do not apply are empty.
+/// The remedy: values, bounds and names that would be right. Fields that do not apply are empty.
 struct TARN_EXPORT Expected {
   /// The values, or the names of children, that are allowed now, in the order of the rules.
   SharedStrings allowed;

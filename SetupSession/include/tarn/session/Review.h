@@ -5,6 +5,7 @@
 
 #include <tarn/Export.h>
 #include <tarn/ModelState.h>
+#include <tarn/ModelText.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/PhysicsValidator2.h>
 #include <tarn/session/Findings.h>
@@ -26,7 +27,8 @@ struct TARN_EXPORT ReviewOptions {
 /// once.
 ///
 ///     Review const review(*rules);
-///     for (Finding const& finding : review.judge(model).list) std::cout << finding.message << '\n';
+///     ModelText const text = ModelText::read("pump.tdf");
+///     for (Finding const& finding : review.judge(text).list) std::cout << finding.message << '\n';
 class TARN_EXPORT Review {
  public:
   /// `rules` must outlive the review. No `BetaLoggingController` may be attached to `rules`: it would mix the messages
@@ -36,6 +38,10 @@ class TARN_EXPORT Review {
   /// Judges `model`. If it lacks one of the roots that the options ask for, `Findings::missingRoots` names those and
   /// nothing else is judged; this is not an error. Throws what a rule throws. The findings have no places in a text.
   [[nodiscard]] Findings judge(ModelState const& model) const;
+  /// Judges the model that `text` holds. The findings have their places in the text, and parameters that the text gives
+  /// more than once are findings too. Malformed lines are not: ask `ModelText::faults` first, and do not judge a model
+  /// of which a part is missing. Without findings it costs no more than the above.
+  [[nodiscard]] Findings judge(ModelText const& text) const;
 
  private:
   PhysicsData const* rules_;
