@@ -23,6 +23,7 @@
 
 #include <tarn/DynamicTDF.h>
 #include <tarn/Edit.h>
+#include <tarn/ModelText.h>
 #include <tarn/ProvTDFDriver.h>
 #include <tarn/ProvTDFLogger.h>
 #include <tarn/ProvTDFPrinter.h>
@@ -32,6 +33,7 @@
 #include <tarn/session/Review.h>
 
 #include "reports/JsonReport.h"
+#include "reports/SarifReport.h"
 #include "reports/TextReport.h"
 #include "support/Redirected.h"
 
@@ -140,11 +142,15 @@ Work lint(std::string text, bool expectsNothing = false) {
 Work judge(std::string const& ruleText, std::string model) {
   std::shared_ptr<PhysicsData const> const rules = rules::parseRules(ruleText);
   return [rules, model = std::move(model)] {
-    session::Findings const findings =
-        session::Review(*rules).judge(TDFChangeFile({}, {model}, TDFChangeFile::Strict).toModelState());
+    ModelText const text("model.tdf", model);
+    require(text.faults().empty(), "a line is malformed");
+    session::Findings const findings = session::Review(*rules).judge(text);
     std::ostringstream out;
-    tool::writeTextReport(out, "model.tdf", findings);
+    tool::writeTextReport(out, "model.tdf", findings, tool::Places::Shown);
     tool::writeJsonReport(out, "model.tdf", findings);
+    tool::SarifLog log(out, tool::sarifRules());
+    tool::addToLog(log, "model.tdf", findings);
+    log.finish(0);
   };
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
+#include <tarn/ModelText.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
@@ -80,6 +81,24 @@ TEST(LoadFailures, ModelTextWithFaultsCanBeReadAgain) {
   std::cerr.exceptions(std::ios::badbit);
   canBeReadAgain(read, FailingCall::Hook);
   std::cerr.exceptions(std::ios::goodbit);
+}
+
+TEST(LoadFailures, ATextWithItsFaultsAndPlacesCanBeReadAgain) {
+  auto const read = [] {
+    ModelText const text("pump.tdf", std::string(faultyModelText) + modelText);
+    std::string shown;
+    for (auto const& [line, column, reason] : text.faults()) shown += std::to_string(line) + ": " + reason + '\n';
+    auto const found = text.locate({{"/Case/Domain:rotor of the pump", "Angular Velocity of the Rotor"}});
+    for (auto const& [place, value] : found.front()) shown += place.text() + ": " + value + '\n';
+    return shown;
+  };
+  std::string const undisturbed = read();
+  ASSERT_NE(undisturbed, "");
+  forEveryFailureOf(FailingCall::Allocation, [&](Attempt& attempt) {
+    std::string first;
+    bool const failed = attempt([&] { first = read(); });
+    EXPECT_EQ(failed ? read() : first, undisturbed);
+  });
 }
 
 TEST(LoadFailures, AModelFileCanBeReadAgain) {

@@ -39,13 +39,13 @@ class SarifLog {
     std::string level;
     std::string message;
     /// Where the problem is: each of these places alone. The first is the most important.
-    std::vector<Place> places = {};
+    std::vector<Place> places;
     /// Places that help to understand it.
-    std::vector<Place> related = {};
+    std::vector<Place> related;
     /// The path of the object in the model; "" for none.
-    std::string object = {};
+    std::string object;
     /// More data about the result; null for none.
-    Json properties = {};
+    Json properties;
   };
 
   /// Writes the beginning of the log. `out` must outlive the log.

@@ -54,6 +54,11 @@ void FindingsLogger::onFault(PhysicsFault const& fault) {
   }
   finding.wrong.assign(fault.wrong.begin(), fault.wrong.end());
   finding.expected.allowed = fault.allowed;
+  if (fault.wrong.size() < 2) {
+    std::string_view const wrong = fault.wrong.empty() ? fault.value : std::string_view(fault.wrong.front());
+    std::string match = nearMatches_.find(wrong, fault.allowed.vector());
+    if (!match.empty()) finding.expected.nearMatch = std::move(match);
+  }
   findings_.list.push_back(std::move(finding));
 }
 

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <tarn/NearMatches.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/PhysicsFault.h>
@@ -28,6 +29,7 @@ class FindingsLogger final : public PhysicsErrorLogger, public PhysicsFaultObser
  private:
   PhysicsData const& rules_;
   Findings& findings_;
+  NearMatches nearMatches_;
   bool hasDependencyErrors_ = false;
   bool hasGlobalErrors_ = false;
 };

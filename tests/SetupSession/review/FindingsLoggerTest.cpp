@@ -68,6 +68,12 @@ TEST_F(FindingsLoggerTest, AValueThatIsNotAllowedComesWithThoseThatAre) {
   EXPECT_THAT(finding.expected.allowed, ElementsAre("Laminar", "Turbulent"));
 }
 
+TEST_F(FindingsLoggerTest, AMistypedValueComesWithTheOneThatWasProbablyMeant) {
+  EXPECT_EQ(findingOf({{"Flow Regime", "Turbulant"}}).expected.nearMatch, "Turbulent");
+  EXPECT_EQ(findingOf({{"Flow Regime", "Laminar"}, {"Times", "strat,end"}}).expected.nearMatch, "start");
+  EXPECT_EQ(findingOf({{"Flow Regime", "Plug"}}).expected.nearMatch, std::nullopt);
+}
+
 TEST_F(FindingsLoggerTest, OfAListTheWrongItemsAreNamed) {
   Finding const finding = findingOf({{"Flow Regime", "Laminar"}, {"Times", "start,soon,late"}});
   EXPECT_EQ(finding.code, FindingCode::ValueNotAllowed);

@@ -100,7 +100,7 @@ struct TARN_EXPORT Expected {
   std::optional<std::size_t> maximumCount;
   /// The regular expression that the value must match.
   std::optional<std::string> pattern;
-  /// The known name that is most similar to the unknown one.
+  /// The known or allowed name or value that is most similar to the wrong one.
   std::optional<std::string> nearMatch;
   /// A text that can replace the whole value: "12 [m]" for "12 m".
   std::optional<std::string> value;
