@@ -31,8 +31,11 @@ void FactMarks::endVisit() {
     return std::binary_search(reads.begin(), reads.end(), fact);
   });
   if (hasReadChange) markVisit(object, entry_);
-  if (reads.size() > maxReads) reads.assign(1, anyChange());
-  readers.setReads({object.handle, entry_}, object.reads[entry_], reads);
+  if (reads.size() > maxReads) {
+    reads.assign(1, anyChange());
+    isAnyRead_ = true;
+  }
+  readers.setReads({object.handle, entry_}, object.entries[entry_].reads, reads);
 }
 
 /// The name of a parameter may hold a "/", so each of them may divide the key. The running visit may have tried the
@@ -78,6 +81,7 @@ void FactMarks::clear() noexcept {
   pending_.clear();
   isMuted_ = false;
   isLost_ = false;
+  isAnyRead_ = false;
 }
 
 /// Marks all readers of a fact. A kept result that has read it does not hold any more, so its readers are concerned,
@@ -94,6 +98,16 @@ void FactMarks::change(Fact fact) noexcept {
   } catch (...) {
     isLost_ = true;
   }
+}
+
+void FactMarks::changeAny() noexcept {
+  if (isAnyRead_) change(anyChange());
+}
+
+/// Whether it is the parameter of the running visit. Most changes are.
+bool FactMarks::isOwnParam(PathHash const& object, std::string_view name) const noexcept {
+  return object_ != nullptr && object_->pathHash == object.value() && entry_ < object_->numParams() &&
+         object_->rules->params()[entry_]->name == name;
 }
 
 void FactMarks::markReader(ReaderIndex::Reader reader) noexcept {
@@ -132,7 +146,7 @@ void FactMarks::markChildren(PathHash const& object, std::string_view type, Self
 bool FactMarks::isMutedFor(PathHash const& object) const noexcept {
   if (!isMuted_ || object_ == nullptr) return false;
   for (WalkObject const* above = object_; above != nullptr; above = above->parent) {
-    if (PathHash(above->path) == object) return false;
+    if (above->pathHash == object.value()) return false;
   }
   return true;
 }
@@ -161,8 +175,8 @@ void FactMarks::Active::onParamSetChange(PathHash const& object, std::string_vie
 void FactMarks::Active::onParamChange(PathHash const& object, std::string_view name) noexcept {
   if (marks_.isMuted_) return;
   marks_.change(factOf(FactKind::Param, object, name));
-  marks_.change(anyChange());
-  marks_.markParam(object, name, Self::IsLeftOut);
+  marks_.changeAny();
+  if (!marks_.isOwnParam(object, name)) marks_.markParam(object, name, Self::IsLeftOut);
 }
 
 /// An object that is deleted, or comes back, is walked as a new one. What it held is gone, and the visits in it wrote
@@ -173,7 +187,7 @@ void FactMarks::Active::onObjectSetChange(PathHash const& parent, std::string_vi
   marks_.change(factOf(FactKind::Object, object));
   marks_.change(factOf(FactKind::Children, parent, type));
   marks_.change(factOf(FactKind::AllChildren, parent));
-  marks_.change(anyChange());
+  marks_.changeAny();
   marks_.markChildren(parent, type, Self::IsLeftOut);
   marks_.tree.forEachAt(object, [this](WalkObject& found) {
     if (!marks_.tree.markAll(found)) marks_.isLost_ = true;

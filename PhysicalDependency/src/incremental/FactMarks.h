@@ -94,6 +94,8 @@ class FactMarks {
   enum class Self { IsMarked, IsLeftOut };
 
   void change(Fact fact) noexcept;
+  void changeAny() noexcept;
+  [[nodiscard]] bool isOwnParam(PathHash const& object, std::string_view name) const noexcept;
   void markReader(ReaderIndex::Reader reader) noexcept;
   void markParam(PathHash const& object, std::string_view name, Self self) noexcept;
   void markChildren(PathHash const& object, std::string_view type, Self self) noexcept;
@@ -112,6 +114,8 @@ class FactMarks {
   std::vector<Fact> pending_;  // the kept results that were dropped and whose readers are still to be marked
   bool isMuted_ = false;
   bool isLost_ = false;
+  /// A visit counts as reading any change.
+  bool isAnyRead_ = false;
 };
 
 }  // namespace tarn

@@ -9,10 +9,13 @@ void ReaderIndex::setReads(Reader reader, Reads& reads, std::vector<Fact> const&
   clearReads(reads);
   for (Fact const fact : facts) {
     Reads const made = newLink();
-    Readers& readers = readersOf_.try_emplace(fact, Readers{fact}).first->second;
-    links_[made] = {reader, &readers, readers.first, nothing, reads};
-    if (readers.first != nothing) links_[readers.first].previousOfFact = made;
-    readers.first = made;
+    std::uint32_t const place = findOrAdd(fact);
+    // Nothing fails from here on.
+    firstFreeLink_ = links_[made].nextOfReader;
+    ReadFact& readFact = facts_[place];
+    links_[made] = {reader, place, readFact.first, nothing, reads};
+    if (readFact.first != nothing) links_[readFact.first].previousOfFact = made;
+    readFact.first = made;
     reads = made;
   }
 }
@@ -24,33 +27,81 @@ void ReaderIndex::clearReads(Reads& reads) noexcept {
     if (link.previousOfFact != nothing) {
       links_[link.previousOfFact].nextOfFact = link.nextOfFact;
     } else if (link.nextOfFact != nothing) {
-      link.readers->first = link.nextOfFact;
+      facts_[link.fact].first = link.nextOfFact;
     } else {
-      readersOf_.erase(link.readers->fact);
+      remove(link.fact);
     }
     Reads const next = link.nextOfReader;
-    link.nextOfReader = firstFree_;
-    firstFree_ = reads;
+    link.nextOfReader = firstFreeLink_;
+    firstFreeLink_ = reads;
     reads = next;
   }
 }
 
 void ReaderIndex::clear() noexcept {
-  readersOf_ = {};
-  links_ = {};
-  firstFree_ = nothing;
+  facts_.clear();
+  links_.clear();
+  buckets_.clear();
+  used_ = 0;
+  firstFreeFact_ = nothing;
+  firstFreeLink_ = nothing;
 }
 
-/// The link stays in the list of free ones until nothing can fail any more.
-ReaderIndex::Reads ReaderIndex::newLink() {
-  if (firstFree_ == nothing) {
-    links_.push_back({});
-    links_.back().nextOfReader = nothing;
-    firstFree_ = static_cast<Reads>(links_.size() - 1);
+std::uint32_t ReaderIndex::find(Fact fact) const noexcept {
+  if (buckets_.empty()) return nothing;
+  std::uint32_t place = buckets_[bucketOf(fact)];
+  while (place != nothing && facts_[place].fact != fact) place = facts_[place].nextInBucket;
+  return place;
+}
+
+/// A fact that is added has no reader yet.
+std::uint32_t ReaderIndex::findOrAdd(Fact fact) {
+  if (std::uint32_t const known = find(fact); known != nothing) return known;
+  if (used_ == buckets_.size()) grow();
+  if (firstFreeFact_ == nothing) {
+    facts_.push_back({0, nothing, nothing});
+    firstFreeFact_ = static_cast<std::uint32_t>(facts_.size() - 1);
   }
-  Reads const made = firstFree_;
-  firstFree_ = links_[made].nextOfReader;
-  return made;
+  std::uint32_t const place = firstFreeFact_;
+  firstFreeFact_ = facts_[place].nextInBucket;
+  std::uint32_t& bucket = buckets_[bucketOf(fact)];
+  facts_[place] = {fact, nothing, bucket};
+  bucket = place;
+  ++used_;
+  return place;
+}
+
+void ReaderIndex::remove(std::uint32_t place) noexcept {
+  std::uint32_t* at = &buckets_[bucketOf(facts_[place].fact)];
+  while (*at != place) at = &facts_[*at].nextInBucket;
+  *at = facts_[place].nextInBucket;
+  facts_[place].nextInBucket = firstFreeFact_;
+  firstFreeFact_ = place;
+  --used_;
+}
+
+void ReaderIndex::grow() {
+  constexpr std::size_t atFirst = 16;
+  std::vector<std::uint32_t> former(buckets_.empty() ? atFirst : buckets_.size() * 2, nothing);
+  former.swap(buckets_);
+  for (std::uint32_t place : former) {
+    while (place != nothing) {
+      std::uint32_t const next = facts_[place].nextInBucket;
+      std::uint32_t& bucket = buckets_[bucketOf(facts_[place].fact)];
+      facts_[place].nextInBucket = bucket;
+      bucket = place;
+      place = next;
+    }
+  }
+}
+
+/// The first of the free links. It stays free.
+ReaderIndex::Reads ReaderIndex::newLink() {
+  if (firstFreeLink_ == nothing) {
+    links_.push_back({{0, 0}, 0, nothing, nothing, nothing});
+    firstFreeLink_ = static_cast<Reads>(links_.size() - 1);
+  }
+  return firstFreeLink_;
 }
 
 }  // namespace tarn

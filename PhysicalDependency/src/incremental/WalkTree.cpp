@@ -89,14 +89,14 @@ struct Position {
 WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits const* objTraits,
                        WalkObject* parentObject)
     : path(std::move(objPath)),
+      pathHash(PathHash(path).value()),
       rules(objRules),
       traits(objTraits),
       parent(parentObject),
       depth(parentObject == nullptr ? 0 : parentObject->depth + 1),
       paramEntries(paramsOf(objRules)),
-      reads(entriesOf(objRules), ReaderIndex::nothing),
-      outputs(entriesOf(objRules)),
-      marks((entriesOf(objRules) + bitsOfWord - 1) / bitsOfWord) {
+      entries(entriesOf(objRules)) {
+  if (numEntries() > bitsOfWord) moreMarks = std::make_unique<std::uint64_t[]>((numEntries() - 1) / bitsOfWord);
   markAll();
 }
 
@@ -116,17 +116,19 @@ WalkObject::~WalkObject() {
 
 WalkObject::Entry WalkObject::nextMarked(Entry from) const noexcept {
   if (markCount == 0 || from >= numEntries()) return numEntries();
+  std::size_t const words = (numEntries() + bitsOfWord - 1) / bitsOfWord;
   std::size_t word = from / bitsOfWord;
-  std::uint64_t bits = marks[word] & ~std::uint64_t{0} << from % bitsOfWord;
+  auto const marksOf = [this](std::size_t at) { return at == 0 ? firstMarks : moreMarks[at - 1]; };
+  std::uint64_t bits = marksOf(word) & ~std::uint64_t{0} << from % bitsOfWord;
   while (bits == 0) {
-    if (++word == marks.size()) return numEntries();
-    bits = marks[word];
+    if (++word == words) return numEntries();
+    bits = marksOf(word);
   }
   return static_cast<Entry>(word * bitsOfWord) + static_cast<Entry>(std::countr_zero(bits));
 }
 
 bool WalkObject::mark(Entry entry) noexcept {
-  std::uint64_t& word = marks[entry / bitsOfWord];
+  std::uint64_t& word = marksAt(entry / bitsOfWord);
   std::uint64_t const bit = std::uint64_t{1} << entry % bitsOfWord;
   if ((word & bit) != 0) return false;
   word |= bit;
@@ -135,13 +137,17 @@ bool WalkObject::mark(Entry entry) noexcept {
 }
 
 void WalkObject::markAll() noexcept {
-  for (std::uint64_t& word : marks) word = ~std::uint64_t{0};
-  if (Entry const rest = numEntries() % bitsOfWord; rest != 0) marks.back() = (std::uint64_t{1} << rest) - 1;
+  Entry rest = numEntries();
+  for (std::size_t word = 0; rest != 0; ++word) {
+    Entry const bits = std::min(rest, bitsOfWord);
+    marksAt(word) = ~std::uint64_t{0} >> (bitsOfWord - bits);
+    rest -= bits;
+  }
   markCount = numEntries();
 }
 
 void WalkObject::unmark(Entry entry) noexcept {
-  std::uint64_t& word = marks[entry / bitsOfWord];
+  std::uint64_t& word = marksAt(entry / bitsOfWord);
   std::uint64_t const bit = std::uint64_t{1} << entry % bitsOfWord;
   if ((word & bit) == 0) return;
   word &= ~bit;
@@ -149,14 +155,25 @@ void WalkObject::unmark(Entry entry) noexcept {
 }
 
 void WalkObject::unmarkAll() noexcept {
-  for (std::uint64_t& word : marks) word = 0;
+  for (Entry entry = 0; entry < numEntries(); entry += bitsOfWord) marksAt(entry / bitsOfWord) = 0;
   markCount = 0;
+}
+
+WalkObject* WalkObject::nextDirtyChild(std::uint64_t from) const noexcept {
+  if (ownExtras == nullptr) return nullptr;
+  auto const child = ownExtras->dirtyChildren.lower_bound(from);
+  return child == ownExtras->dirtyChildren.end() ? nullptr : child->second;
+}
+
+void WalkObject::forgetDirty(WalkObject const& child) noexcept {
+  if (ownExtras != nullptr) ownExtras->dirtyChildren.erase(child.ownKey());
 }
 
 std::string const& WalkObject::contextBefore(Entry entry) const {
   static std::string const none;
-  auto const after = contextValues.lower_bound(entry);
-  return after == contextValues.begin() ? none : std::prev(after)->second;
+  if (ownExtras == nullptr) return none;
+  auto const after = ownExtras->contextValues.lower_bound(entry);
+  return after == ownExtras->contextValues.begin() ? none : std::prev(after)->second;
 }
 
 bool comesBefore(VisitRef a, VisitRef b) noexcept {
@@ -203,19 +220,18 @@ std::unique_ptr<WalkObject> WalkTree::makeChild(WalkObject& parent, WalkObject::
   auto made = std::make_unique<WalkObject>(std::move(path), rules, traitsOf(rules), &parent);
   made->childEntry = entry;
   made->place = parent.nextPlace++;
-  parent.dirtyChildren.emplace(made->ownKey(), made.get());
+  auto& dirty = parent.extras().dirtyChildren;
+  dirty.emplace_hint(dirty.end(), made->ownKey(), made.get());
   list(*made);
   return made;
 }
 
 void WalkTree::unlist(WalkObject& top) noexcept {
   forEachObject(top, [this](WalkObject& object) {
-    auto const [first, last] = byPath_.equal_range(static_cast<std::uint64_t>(PathHash(object.path).value()));
-    for (auto at = first; at != last; ++at) {
-      if (at->second != &object) continue;
-      byPath_.erase(at);
-      break;
-    }
+    WalkObject** at = &buckets_[bucketOf(object.pathHash)];
+    while (*at != &object) at = &(*at)->nextInBucket;
+    *at = object.nextInBucket;
+    --listed_;
     byHandle_[object.handle] = nullptr;
     freeHandles_.push_back(object.handle);
   });
@@ -239,7 +255,7 @@ bool WalkTree::markAll(WalkObject& object) noexcept {
 bool WalkTree::noteDirty(WalkObject& object) noexcept {
   try {
     for (WalkObject* at = &object; at->parent != nullptr; at = at->parent) {
-      if (!at->parent->dirtyChildren.emplace(at->ownKey(), at).second) break;
+      if (!at->parent->extras().dirtyChildren.emplace(at->ownKey(), at).second) break;
     }
     return true;
   } catch (...) {
@@ -258,6 +274,7 @@ EntryTraits const* WalkTree::traitsOf(ObjDependDef const* rules) {
 }
 
 void WalkTree::list(WalkObject& object) {
+  if (listed_ == buckets_.size()) grow();
   if (freeHandles_.empty()) {
     object.handle = static_cast<std::uint32_t>(byHandle_.size());
     // There is room for every handle, so that taking objects out cannot fail.
@@ -268,11 +285,28 @@ void WalkTree::list(WalkObject& object) {
     freeHandles_.pop_back();
     byHandle_[object.handle] = &object;
   }
-  byPath_.emplace(static_cast<std::uint64_t>(PathHash(object.path).value()), &object);
+  WalkObject*& bucket = buckets_[bucketOf(object.pathHash)];
+  object.nextInBucket = bucket;
+  bucket = &object;
+  ++listed_;
+}
+
+void WalkTree::grow() {
+  constexpr std::size_t atFirst = 16;
+  std::vector<WalkObject*> former(buckets_.empty() ? atFirst : buckets_.size() * 2);
+  former.swap(buckets_);
+  for (WalkObject* object : former) {
+    while (object != nullptr) {
+      WalkObject* const next = std::exchange(object->nextInBucket, buckets_[bucketOf(object->pathHash)]);
+      buckets_[bucketOf(object->pathHash)] = object;
+      object = next;
+    }
+  }
 }
 
 void WalkTree::clear() noexcept {
-  byPath_.clear();
+  buckets_.clear();
+  listed_ = 0;
   byHandle_.clear();
   freeHandles_.clear();
   root_.reset();

@@ -35,16 +35,24 @@ struct WalkObject {
   ~WalkObject();
 
   [[nodiscard]] Entry numParams() const noexcept { return paramEntries; }
-  [[nodiscard]] Entry numEntries() const noexcept { return static_cast<Entry>(outputs.size()); }
+  [[nodiscard]] Entry numEntries() const noexcept { return static_cast<Entry>(entries.size()); }
 
   /// The first marked entry from `from` on, or `numEntries`.
   [[nodiscard]] Entry nextMarked(Entry from) const noexcept;
-  [[nodiscard]] bool isClean() const noexcept { return markCount == 0 && dirtyChildren.empty(); }
+  [[nodiscard]] bool isClean() const noexcept { return markCount == 0 && !hasDirtyChildren(); }
   /// Returns whether it was not marked.
   bool mark(Entry entry) noexcept;
   void markAll() noexcept;
   void unmark(Entry entry) noexcept;
   void unmarkAll() noexcept;
+
+  [[nodiscard]] bool hasDirtyChildren() const noexcept {
+    return ownExtras != nullptr && !ownExtras->dirtyChildren.empty();
+  }
+  /// The first child with marks from `from` on, or null.
+  [[nodiscard]] WalkObject* nextDirtyChild(std::uint64_t from) const noexcept;
+  /// The child has no marks any more.
+  void forgetDirty(WalkObject const& child) noexcept;
 
   /// The value of the last context rule parameter before the entry.
   [[nodiscard]] std::string const& contextBefore(Entry entry) const;
@@ -64,6 +72,7 @@ struct WalkObject {
   static constexpr unsigned OffersObjects = 16;
 
   std::string const path;
+  std::uint64_t const pathHash;
   ObjDependDef const* const rules;
   EntryTraits const* const traits;
   WalkObject* const parent;
@@ -83,20 +92,41 @@ struct WalkObject {
   std::uint32_t markCount = 0;
   std::uint32_t nextPlace = 0;  // of its next new child
 
-  std::vector<ReaderIndex::Reads> reads;  // by entry
-  std::vector<std::uint8_t> outputs;      // by entry
-  std::vector<std::uint64_t> marks;       // a bit an entry
-  /// Where the offer of a parameter is listed, by entry. Empty while the object offers none.
-  std::vector<PotentialUpdateData::Params::iterator> offerAt;
-  Entry endOfOffers = 0;  // no parameter from this entry on is offered
-  /// By child entry; only those that offer objects.
-  std::map<Entry, std::vector<std::string>> offeredObjects;
-  /// The values of the context rule parameters that are present, by entry.
-  std::map<Entry, std::string> contextValues;
+  struct EntryState {
+    ReaderIndex::Reads reads = ReaderIndex::nothing;
+    std::uint8_t outputs = 0;
+  };
+  std::vector<EntryState> entries;
+  /// A bit an entry. Most objects have few entries.
+  std::uint64_t firstMarks = 0;
+  std::unique_ptr<std::uint64_t[]> moreMarks;
+
+  /// What few objects have.
+  struct Extras {
+    /// Where the offer of a parameter is listed, by entry. Empty while the object offers none.
+    std::vector<PotentialUpdateData::Params::iterator> offerAt;
+    Entry endOfOffers = 0;  // no parameter from this entry on is offered
+    /// By child entry; only those that offer objects.
+    std::map<Entry, std::vector<std::string>> offeredObjects;
+    /// The values of the context rule parameters that are present, by entry.
+    std::map<Entry, std::string> contextValues;
+    /// The children with marks in them or below them.
+    std::map<ChildKey, WalkObject*> dirtyChildren;
+  };
+  std::unique_ptr<Extras> ownExtras;
+  [[nodiscard]] Extras& extras() {
+    if (ownExtras == nullptr) ownExtras = std::make_unique<Extras>();
+    return *ownExtras;
+  }
+
   /// In the order of their keys.
   std::vector<std::unique_ptr<WalkObject>> children;
-  /// The children with marks in them or below them.
-  std::map<ChildKey, WalkObject*> dirtyChildren;
+  /// The next object whose path has the same bucket.
+  WalkObject* nextInBucket = nullptr;
+
+  [[nodiscard]] std::uint64_t& marksAt(std::size_t word) noexcept {
+    return word == 0 ? firstMarks : moreMarks[word - 1];
+  }
 };
 
 /// A visit by its place.
@@ -129,8 +159,11 @@ class WalkTree {
   /// The objects whose path has this hash. Mostly one or none.
   template <class Visit>
   void forEachAt(PathHash const& path, Visit visit) const {
-    auto const [first, last] = byPath_.equal_range(static_cast<std::uint64_t>(path.value()));
-    for (auto at = first; at != last; ++at) visit(*at->second);
+    if (buckets_.empty()) return;
+    std::uint64_t const hash = path.value();
+    for (WalkObject* at = buckets_[bucketOf(hash)]; at != nullptr; at = at->nextInBucket) {
+      if (at->pathHash == hash) visit(*at);
+    }
   }
   [[nodiscard]] WalkObject* byHandle(std::uint32_t handle) const noexcept { return byHandle_[handle]; }
 
@@ -145,12 +178,12 @@ class WalkTree {
   EntryTraits const* traitsOf(ObjDependDef const* rules);
   void list(WalkObject& object);
 
-  struct AsItIs {
-    std::size_t operator()(std::uint64_t hash) const noexcept { return static_cast<std::size_t>(hash); }
-  };
+  [[nodiscard]] std::size_t bucketOf(std::uint64_t hash) const noexcept { return hash & (buckets_.size() - 1); }
+  void grow();
 
   std::unordered_map<ObjDependDef const*, EntryTraits> traits_;
-  std::unordered_multimap<std::uint64_t, WalkObject*, AsItIs> byPath_;
+  std::vector<WalkObject*> buckets_;
+  std::size_t listed_ = 0;
   std::vector<WalkObject*> byHandle_;
   std::vector<std::uint32_t> freeHandles_;
   std::unique_ptr<WalkObject> root_;

@@ -102,8 +102,9 @@ void AffectedWalk::beginWalk(std::string const& root) {
     return;
   }
   if (model_ == nullptr) {
-    model_ = std::make_unique<RecordedModel>(*view_, marks_.recorder);
-    context_ = std::make_unique<EvalContext>(model_.get(), &marks_.results);
+    auto model = std::make_unique<RecordedModel>(*view_, marks_.recorder);
+    context_ = std::make_unique<EvalContext>(model.get(), &marks_.results);
+    model_ = std::move(model);
   }
   std::string const path = TDFPath(root).getFullPath();
   marks_.tree.makeRoot(path, rules_.getObjDependDef(PathUtils::typePathOf(path), true));
@@ -141,18 +142,16 @@ bool AffectedWalk::step(std::vector<std::unique_ptr<OpenObject>>& stack) {
   OpenObject& top = *stack.back();
   WalkObject& object = top.object;
   WalkObject::Entry const entry = object.nextMarked(top.nextEntry);
-  auto const child = object.dirtyChildren.lower_bound(top.nextChild);
-  bool const hasChild = child != object.dirtyChildren.end();
-  if (entry < object.numEntries() && (!hasChild || WalkObject::childKey(entry, 0) <= child->first)) {
+  WalkObject* const child = object.nextDirtyChild(top.nextChild);
+  if (entry < object.numEntries() && (child == nullptr || WalkObject::childKey(entry, 0) <= child->ownKey())) {
     // A visit comes before the children of its entry.
     top.nextEntry = entry + 1;
     top.nextChild = std::max(top.nextChild, WalkObject::childKey(entry, 0));
     visit(top, entry);
-  } else if (hasChild) {
-    WalkObject& next = *child->second;
-    top.nextEntry = std::max(top.nextEntry, next.childEntry + 1);
-    top.nextChild = child->first + 1;
-    open(stack, next);
+  } else if (child != nullptr) {
+    top.nextEntry = std::max(top.nextEntry, child->childEntry + 1);
+    top.nextChild = child->ownKey() + 1;
+    open(stack, *child);
   } else {
     endObject(object);
     stack.pop_back();
@@ -164,8 +163,7 @@ void AffectedWalk::endObject(WalkObject& object) {
   facts_.setEndingObject(&object);
   handler_.onEndObject(object.path, object.isRequired);
   facts_.setEndingObject(nullptr);
-  if (object.parent != nullptr && object.isClean() && !object.isNew)
-    object.parent->dirtyChildren.erase(object.ownKey());
+  if (object.parent != nullptr && object.isClean() && !object.isNew) object.parent->forgetDirty(object);
 }
 
 void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
@@ -204,15 +202,15 @@ void AffectedWalk::visitParam(OpenObject& open, WalkObject::Entry entry) {
 
 /// The value of a context rule parameter is read only by what comes after it in the same object. Null for none.
 void AffectedWalk::setContextValue(WalkObject& object, WalkObject::Entry entry, std::string const* value) {
-  auto const known = object.contextValues.find(entry);
-  bool const isSame = value == nullptr ? known == object.contextValues.end()
-                                       : known != object.contextValues.end() && known->second == *value;
+  auto& values = object.extras().contextValues;
+  auto const known = values.find(entry);
+  bool const isSame = value == nullptr ? known == values.end() : known != values.end() && known->second == *value;
   if (isSame) return;
   Journal* const journal = facts_.listings().recording();
   if (value == nullptr) {
-    journaled::Erasing(journal, object.contextValues).erase(known);
+    journaled::Erasing(journal, values).erase(known);
   } else {
-    auto const place = journaled::emplace(journal, object.contextValues, entry, std::string()).first;
+    auto const place = journaled::emplace(journal, values, entry, std::string()).first;
     journaled::assign(journal, place->second, std::string(*value));
   }
   auto const& inContexts = object.traits->inContexts;
@@ -323,9 +321,9 @@ void AffectedWalk::drop(WalkObject& top) {
 }
 
 void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
-  top.parent->dirtyChildren.erase(top.ownKey());
+  top.parent->forgetDirty(top);
   forEachObject(top, [this](WalkObject& object) {
-    for (ReaderIndex::Reads& reads : object.reads) marks_.readers.clearReads(reads);
+    for (WalkObject::EntryState& entry : object.entries) marks_.readers.clearReads(entry.reads);
   });
   marks_.tree.unlist(top);
 }

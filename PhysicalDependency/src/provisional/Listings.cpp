@@ -96,12 +96,12 @@ void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult resu
 
 void Listings::remove(WalkObject& object) {
   for (WalkObject::Entry entry = 0; entry < object.numEntries(); ++entry) {
-    if (object.outputs[entry] != 0) set(object, entry, {});
+    if (object.entries[entry].outputs != 0) set(object, entry, {});
   }
 }
 
 void Listings::setParam(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
-  unsigned const before = object.outputs[entry];
+  unsigned const before = object.entries[entry].outputs;
   unsigned const now = (result.offersParam ? WalkObject::Offered : 0U) | (result.isEmpty ? WalkObject::Empty : 0U) |
                        (result.isEmptyTyped ? WalkObject::EmptyTyped : 0U);
   if (((before | now) & WalkObject::Offered) != 0) setOffer(object, entry, result);
@@ -111,12 +111,12 @@ void Listings::setParam(WalkObject& object, WalkObject::Entry entry, VisitResult
   if (((before ^ now) & WalkObject::EmptyTyped) != 0) {
     list(emptyTypedParams_, outcome_.emptyTypedParams, {&object, entry}, textsIf(result.isEmptyTyped, object, entry));
   }
-  journaled::assign(recording(), object.outputs[entry], static_cast<std::uint8_t>(now));
+  journaled::assign(recording(), object.entries[entry].outputs, static_cast<std::uint8_t>(now));
 }
 
 void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
   std::string const& name = object.rules->params()[entry]->name;
-  bool const wasOffered = (object.outputs[entry] & WalkObject::Offered) != 0;
+  bool const wasOffered = (object.entries[entry].outputs & WalkObject::Offered) != 0;
   ParamAllowedValues const* const allowed = result.allowed ? &*result.allowed : nullptr;
   if (wasOffered && result.offersParam) {
     offers_.changeParam(object.path, entry, name, allowed);
@@ -124,39 +124,39 @@ void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult
   }
   countOffers(object, wasOffered ? 1 : 0, result.offersParam ? 1 : 0);
   if (wasOffered) {
-    offers_.removeParam(object.offerAt[entry], entry);
+    offers_.removeParam(object.extras().offerAt[entry], entry);
     return;
   }
-  if (object.offerAt.empty()) object.offerAt.resize(object.numParams());
+  WalkObject::Extras& extras = object.extras();
+  if (extras.offerAt.empty()) extras.offerAt.resize(object.numParams());
   WalkObject::Entry next = entry + 1;
-  while (next < object.endOfOffers && (object.outputs[next] & WalkObject::Offered) == 0) ++next;
-  FollowedOffers::Place const* const place = next < object.endOfOffers ? &object.offerAt[next] : nullptr;
-  object.endOfOffers = std::max(object.endOfOffers, entry + 1);
-  offers_.addParam(place, object.path, entry, name, allowed, object.offerAt[entry]);
+  while (next < extras.endOfOffers && (object.entries[next].outputs & WalkObject::Offered) == 0) ++next;
+  FollowedOffers::Place const* const place = next < extras.endOfOffers ? &extras.offerAt[next] : nullptr;
+  extras.endOfOffers = std::max(extras.endOfOffers, entry + 1);
+  offers_.addParam(place, object.path, entry, name, allowed, extras.offerAt[entry]);
 }
 
 void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
-  bool const offeredName = (object.outputs[entry] & WalkObject::OffersName) != 0;
+  bool const offeredName = (object.entries[entry].outputs & WalkObject::OffersName) != 0;
   if (offeredName != result.offersName) {
     std::string const& type = object.rules->children()[entry - object.numParams()]->type;
     auto& types = !isChanging_ ? outcome_.userNamedTypes : result.offersName ? addedTypes_ : removedTypes_;
     types.emplace_back(object.path, type);
   }
   std::vector<std::string> before;
-  if (auto const known = object.offeredObjects.find(entry); known != object.offeredObjects.end()) {
-    before = known->second;
-  }
+  if ((object.entries[entry].outputs & WalkObject::OffersObjects) != 0) before = object.extras().offeredObjects[entry];
   if (before != result.offeredObjects) {
     offers_.changeObjects(before, result.offeredObjects);
     countOffers(object, before.size(), result.offeredObjects.size());
     list(offeredObjects_, offers_.objects(), {&object, entry}, result.offeredObjects);
-    auto const known = journaled::emplace(recording(), object.offeredObjects, entry, std::vector<std::string>()).first;
+    auto& offered = object.extras().offeredObjects;
+    auto const known = journaled::emplace(recording(), offered, entry, std::vector<std::string>()).first;
     journaled::assign(recording(), known->second, result.offeredObjects);
-    if (result.offeredObjects.empty()) journaled::Erasing(recording(), object.offeredObjects).erase(known);
+    if (result.offeredObjects.empty()) journaled::Erasing(recording(), offered).erase(known);
   }
   unsigned const now = (result.offersName ? WalkObject::OffersName : 0U) |
                        (result.offeredObjects.empty() ? 0U : WalkObject::OffersObjects);
-  journaled::assign(recording(), object.outputs[entry], static_cast<std::uint8_t>(now));
+  journaled::assign(recording(), object.entries[entry].outputs, static_cast<std::uint8_t>(now));
 }
 
 void Listings::list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now) {
@@ -203,7 +203,7 @@ void Listings::collectNamedTypes(WalkObject& root, VisitRef end) {
   std::vector<NamedType> types;
   forEachObject(root, [&](WalkObject& object) {
     for (WalkObject::Entry entry = object.numParams(); entry < object.numEntries(); ++entry) {
-      bool const isFound = (object.outputs[entry] & WalkObject::OffersName) != 0 &&
+      bool const isFound = (object.entries[entry].outputs & WalkObject::OffersName) != 0 &&
                            (end.object == nullptr || comesBefore({&object, entry}, end));
       if (isFound) types.emplace_back(object.path, object.rules->children()[entry - object.numParams()]->type);
     }

@@ -98,8 +98,9 @@ void ProvisionalFacts::updateGuide(ModelState const& p_state) {
 }
 
 void ProvisionalFacts::setParamActivity(std::string const& p_objPath, std::string const& p_name, bool p_on) {
+  std::string const key = ParamKey{p_objPath, p_name}.text();  // first, since nothing after the write may fail
   m_intent.decisions.setParam(p_objPath, p_name, p_on, recording());
-  ownFactWritten(ParamKey{p_objPath, p_name}.text());
+  ownFactWritten(key);
 }
 
 void ProvisionalFacts::setObjActivity(std::string const& p_path, bool p_on) {
