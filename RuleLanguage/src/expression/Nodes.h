@@ -69,6 +69,7 @@ class QuantityLiteral final : public Expression {
 
   void bind(QuantityBinding& binding) override { binding.open(*this); }
   void assume(QuantityType const& type, QuantityBinding& binding) override;
+  [[nodiscard]] std::string const& units() const noexcept { return units_; }
   /// Gives a literal without a type the conversion on which all types that list its units agree.
   void settle(QuantityBinding& binding);
 

@@ -6,14 +6,6 @@
 
 namespace tarn::session {
 
-std::string shown(std::string_view text) {
-  constexpr std::size_t longest = 100;
-  if (text.size() <= longest) return '"' + std::string(text) + '"';
-  std::size_t end = longest;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) --end;  // do not split a character
-  return '"' + std::string(text.substr(0, end)) + "...\"";
-}
-
 std::string remedyNumber(double number) {
   constexpr int digits = 12;
   std::array<char, 40> buffer{};

@@ -35,9 +35,6 @@ void forEachItem(JudgedParam const& param, Judge judge) {
   }
 }
 
-/// A text in quotes as a sentence shows it, shortened. The finding holds the whole value.
-[[nodiscard]] std::string shown(std::string_view text);
-
 /// A number as a remedy writes it: with up to 12 digits, which hides what a conversion rounded.
 [[nodiscard]] std::string remedyNumber(double number);
 
