@@ -91,7 +91,7 @@ std::vector<QuantityUnit> RuleBuilder::unitsOfMap(Item const& map) {
 
 std::vector<QuantityUnit> RuleBuilder::unitsOfList(Item const& list) {
   std::vector<QuantityUnit> units;
-  auto const given = texts(list, false, "write the units themselves");
+  auto const given = texts(list, false);
   if (!given) return units;
   for (auto const* child : list.node->children) {
     Item const item{list.source, child};
@@ -129,7 +129,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       unitsGiven = true;
       bool const isMap = value.node->kind == YamlNode::Kind::Mapping;
       if (!isMap && value.node->kind != YamlNode::Kind::Sequence) {
-        (void)texts(value, false);
+        (void)texts(value, false, "write the units themselves");
         return;
       }
       if (value.node->children.empty()) {

@@ -9,7 +9,7 @@
 
 #include "review/ReviewJudge.h"
 
-// What the judges of values have in common: the items of a value, what the rules say about them, and the sentence.
+// Shared by the judges of values: the items of a value, what the rules say about them, and the sentence.
 
 namespace tarn::session {
 

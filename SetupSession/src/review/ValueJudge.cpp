@@ -67,13 +67,13 @@ std::optional<Fault> outOfBounds(TDFParam::Quantity const& quantity, JudgedParam
   if (auto const order = compare(quantity, lower, type)) {
     if (*order < 0) return fault(FindingCode::BelowLowerBound, "is below its lower bound " + lower);
     if (*order == 0 && param.declaration.lowerBoundExcluded) {
-      return fault(FindingCode::BelowLowerBound, "is not above its lower bound " + lower + ", which is excluded");
+      return fault(FindingCode::BelowLowerBound, "is equal to its lower bound " + lower + ", but must be above it");
     }
   }
   if (auto const order = compare(quantity, upper, type)) {
     if (*order > 0) return fault(FindingCode::AboveUpperBound, "is above its upper bound " + upper);
     if (*order == 0 && param.declaration.upperBoundExcluded) {
-      return fault(FindingCode::AboveUpperBound, "is not below its upper bound " + upper + ", which is excluded");
+      return fault(FindingCode::AboveUpperBound, "is equal to its upper bound " + upper + ", but must be below it");
     }
   }
   return std::nullopt;

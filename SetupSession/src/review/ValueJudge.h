@@ -13,7 +13,7 @@ namespace tarn::session {
 ///
 /// A number must be within the evaluated bounds; a value equal to a bound is within, unless the rules exclude the
 /// bound. Numbers of a quantity type are compared in its first unit, in which a number or bound without units counts.
-/// What cannot be converted is compared only with what has the same units.
+/// A number that cannot be converted is compared only with a bound in the same units.
 ///
 /// Every present parameter that the walk visits is judged, even when it is not available or its validation is relaxed.
 /// At most one fault is reported per parameter, the first.

@@ -10,7 +10,7 @@
 
 namespace tarn::session::test {
 
-/// What one judge finds in and below `/Chip`.
+/// The findings of one judge in and below `/Chip`.
 template <typename Judge>
 std::vector<Finding> findingsOf(PhysicsData const& rules, ModelTDF const& model) {
   EvalContext evaluation(&model);
@@ -26,8 +26,8 @@ std::vector<Finding> findingsOf(PhysicsData const& rules, ModelTDF const& model)
 inline std::vector<std::string> linesOf(std::vector<Finding> const& findings) {
   std::vector<std::string> lines;
   for (Finding const& finding : findings) {
-    lines.push_back(std::string(name(finding.severity)) + ' ' + std::string(describe(finding.code).name) + ": " +
-                    finding.message);
+    lines.push_back(std::string(severityName(finding.severity)) + ' ' + std::string(describe(finding.code).name) +
+                    ": " + finding.message);
   }
   return lines;
 }

@@ -224,9 +224,9 @@ TEST(ValueJudge, UnitsWithoutAConversionAreComparedOnlyWithThemselves) {
 
 TEST(ValueJudge, AnExcludedBoundIsOutside) {
   auto const open = [](Rules& rule) { rule.type(TDFParam::Real).bounds("0", "1").boundsExcluded(); };
-  EXPECT_EQ(faultOf(open, "0"), "is not above its lower bound 0, which is excluded.");
+  EXPECT_EQ(faultOf(open, "0"), "is equal to its lower bound 0, but must be above it.");
   EXPECT_EQ(faultOf(open, "0.5"), "");
-  EXPECT_EQ(faultOf(open, "1.0"), "is not below its upper bound 1, which is excluded.");
+  EXPECT_EQ(faultOf(open, "1.0"), "is equal to its upper bound 1, but must be below it.");
 }
 
 TEST(ValueJudge, EachRootIsWalked) {
