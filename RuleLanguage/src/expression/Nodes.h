@@ -159,6 +159,8 @@ class ParameterReference final : public Expression {
   [[nodiscard]] std::optional<TDFParam::Type> declaredType(Frame const& frame) const;
 
   [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
+  /// True when the parameter is one of the context object itself.
+  [[nodiscard]] bool isOfContext() const noexcept { return local_; }
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
 
  private:
