@@ -14,6 +14,9 @@ import sys
 NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
     "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
+    # Only with a long pattern, or without the definitions of units.
+    "it is longer than ", " bytes", "as a map of unit to factor",
+    "the units library cannot read its definitions of units; install udunits2 whole, or write the conversions ",
     # Only in the C++ interface.
     '" is not a path pattern: ',
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.

@@ -90,7 +90,6 @@ struct TreeContent {
       std::string& fact = facts[keyOf(node.hash, param.name())];
       fact = param.value.value() + (param.value.hasAllowedValues() ? " of" : "");
       for (std::string const& value : allowed.allowedValues.vector()) fact += " " + value;
-      for (std::string const& item : param.value.getValueAsList()) fact += "," + item;
       if (node.params.find(param.name()) != &param.value) isConsistent = false;
     }
     objects += "\n";

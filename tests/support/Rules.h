@@ -158,6 +158,17 @@ class Rules {
   Rules& quantityType(std::unique_ptr<TextExpression> key) { return values().quantityType = std::move(key), *this; }
   Rules& quantityType(std::string const& key) { return quantityType(text(key)); }
 
+  Rules& boundsExcluded() {
+    values().lowerBoundExcluded = true;
+    values().upperBoundExcluded = true;
+    return *this;
+  }
+  Rules& pattern(std::unique_ptr<TextPattern> pattern, std::string const& message = {}) {
+    values().pattern = std::move(pattern);
+    values().patternMessage = message;
+    return *this;
+  }
+
   // Marks of a child.
 
   Rules& singleton() { return entryOfChild("singleton").singleton = true, *this; }
@@ -173,6 +184,21 @@ class Rules {
   }
   Rules& defaultNames(std::initializer_list<std::string> names) {
     return defaultNames(list(std::vector<std::string>(names)));
+  }
+
+  Rules& counts(std::unique_ptr<TextExpression> minimum, std::unique_ptr<TextExpression> maximum) {
+    auto& entry = entryOfChild("counts");
+    entry.minimumCount = std::move(minimum);
+    entry.maximumCount = std::move(maximum);
+    return *this;
+  }
+
+  // A check of the object named last.
+
+  Rules& objectCheck(ObjectCheck check) {
+    finishEntry();
+    EXPECT_TRUE(object_ != nullptr && object_->addCheck(std::move(check)));
+    return *this;
   }
 
   // For the database as a whole.
@@ -192,6 +218,10 @@ class Rules {
     return *this;
   }
   Rules& pertinentRoot(std::string const& type) { return data_.addPertinentRoot(type), *this; }
+  Rules& quantity(std::string const& name, QuantityType type) {
+    EXPECT_TRUE(data_.addQuantityType(name, std::move(type))) << name;
+    return *this;
+  }
   Rules& quantity(std::string const& name, std::vector<std::string> const& units) {
     EXPECT_TRUE(data_.addQuantityType(name, units)) << name;
     return *this;

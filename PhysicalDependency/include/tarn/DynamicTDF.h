@@ -72,7 +72,7 @@ namespace tarn {
 /// that part, and the same operation again does the rest. Reading fails only where it fills a list, makes a state or
 /// splits a parameter path. Deleting does not fail while recording is off.
 ///
-/// Use a tree from one thread at a time, also for reading: a look-up keeps what it found.
+/// Several threads may read a tree at once as long as none changes it.
 class TARN_EXPORT DynamicTDF : public ModelTDF {
  public:
   /// A range of a state.

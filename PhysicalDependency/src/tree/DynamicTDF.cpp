@@ -113,7 +113,8 @@ bool DynamicTDF::getParamValueAsList(std::string const& paramPath, std::vector<s
 bool DynamicTDF::getParamValueAsList(std::string const& objPath, std::string const& name,
                                      std::vector<std::string>& out) const {
   out.clear();
-  if (Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name)) out = param->getValueAsList();
+  if (Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name))
+    out = StringUtilities::splitValue(param->value(), ',');
   return !out.empty();
 }
 

@@ -175,21 +175,11 @@ DynamicTDF::Node const* DynamicTDF::Node::nextBelow(Node const& top) const noexc
 }
 
 ParamAllowedValues const& DynamicTDF::Node::ParamVal::allowedValues() const noexcept {
-  return hasAllowedValues() ? *extras_->allowedValues : sharedEmptyAllowedValues();
-}
-
-std::vector<std::string> const& DynamicTDF::Node::ParamVal::getValueAsList() const {
-  if (!extras_) extras_ = std::make_unique<Extras>();
-  if (!extras_->listValue) {
-    extras_->listValue = std::make_unique<std::vector<std::string>>(StringUtilities::splitValue(value_, ','));
-  }
-  return *extras_->listValue;
+  return hasAllowedValues() ? *allowedValues_ : sharedEmptyAllowedValues();
 }
 
 void DynamicTDF::Node::ParamVal::setValue(std::string_view value) {
-  if (value_ == value) return;
   value_.assign(value);
-  if (extras_) extras_->listValue.reset();
 }
 
 void DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedValues, std::string_view value) {
@@ -202,7 +192,7 @@ void DynamicTDF::Node::ParamVal::modifyValue(ParamAllowedValues const& allowedVa
   }
   setValue(value);
   // This comes last and cannot fail, because copies share their lists.
-  extras_->allowedValues = allowedValues;
+  *allowedValues_ = allowedValues;
 }
 
 }  // namespace tarn

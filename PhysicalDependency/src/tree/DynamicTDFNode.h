@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -157,30 +156,28 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
   Params params;
 };
 
-/// The value of a parameter. Few parameters have list items that were read, or allowed values. These are stored apart,
-/// so that a plain value takes little more than its string.
+/// The value of a parameter. Few parameters have allowed values. These are stored apart, so that a plain value takes
+/// little more than its string.
 class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
  public:
   /// An ordinary parameter.
   explicit ParamVal(std::string_view value) : value_(value) {}
   /// A parameter of allowed value type.
   ParamVal(ParamAllowedValues const& allowedValues, std::string_view value)
-      : value_(value), extras_(std::make_unique<Extras>(Extras{nullptr, allowedValues})) {}
+      : value_(value), allowedValues_(std::make_unique<ParamAllowedValues>(allowedValues)) {}
 
   [[nodiscard]] std::string const& value() const noexcept {
     return value_;
   }
   /// The same value and allowed values.
   [[nodiscard]] ParamVal copy() const {
-    return hasAllowedValues() ? ParamVal(*extras_->allowedValues, value_) : ParamVal(value_);
+    return hasAllowedValues() ? ParamVal(*allowedValues_, value_) : ParamVal(value_);
   }
   [[nodiscard]] bool hasAllowedValues() const noexcept {
-    return extras_ != nullptr && extras_->allowedValues.has_value();
+    return allowedValues_ != nullptr;
   }
   /// For an ordinary parameter, the shared empty record.
   [[nodiscard]] ParamAllowedValues const& allowedValues() const noexcept;
-  /// The value split at commas. It is split once per value, not once per call.
-  [[nodiscard]] std::vector<std::string> const& getValueAsList() const;
 
   /// Keeps the allowed values.
   void setValue(std::string_view value);
@@ -188,16 +185,9 @@ class [[gnu::visibility("hidden")]] DynamicTDF::Node::ParamVal {
   void modifyValue(ParamAllowedValues const& allowedValues, std::string_view value);
 
  private:
-  struct Extras {
-    /// Derived from value_. Null until it is read after value_ was set.
-    std::unique_ptr<std::vector<std::string>> listValue;
-    /// Empty for an ordinary parameter, as long as it exists.
-    std::optional<ParamAllowedValues> allowedValues;
-  };
-
   std::string value_;
-  /// Null until it holds something. Mutable for the list, which is made when it is first read.
-  mutable std::unique_ptr<Extras> extras_;
+  /// Null for an ordinary parameter, as long as it exists.
+  std::unique_ptr<ParamAllowedValues> allowedValues_;
 };
 
 }  // namespace tarn

@@ -20,17 +20,6 @@ namespace tarn {
 
 namespace {
 
-/// Stores `text` in `place` and returns whether there was memory for it. A kept look-up only makes the next one faster.
-/// So without memory nothing is kept and the object is still found: reading a tree does not fail.
-bool keepText(std::string& place, std::string_view text) noexcept {
-  try {
-    place.assign(text);
-    return true;
-  } catch (...) {
-    return false;
-  }
-}
-
 /// Reads the part of `path` after its first `from` bytes, which are the path of an existing object and need not be read
 /// again. A fault is reported for the whole path. "/" is accepted only as the whole path.
 TDFPath readBelow(std::string const& path, std::size_t from) {
@@ -60,13 +49,11 @@ std::size_t DynamicTDF::NodeStore::foundPlace(std::string_view path) noexcept {
 }
 
 DynamicTDF::Node* DynamicTDF::NodeStore::find(std::string_view path) const {
-  Found& found = found_[foundPlace(path)];
-  if (sameText(found.path, path) && found.node != nullptr) return found.node;
+  std::atomic<Node*>& found = found_[foundPlace(path)];
+  Node* const known = found.load(std::memory_order_relaxed);
+  if (known != nullptr && isFoundUnder(*known, path)) return known;
   Node* const node = search(path);
-  if (node != nullptr) {
-    found.node = nullptr;
-    if (keepText(found.path, path)) found.node = node;
-  }
+  if (node != nullptr) found.store(node, std::memory_order_relaxed);
   return node;
 }
 
@@ -281,7 +268,7 @@ void DynamicTDF::NodeStore::swapContent(NodeStore& other) noexcept {
 
 void DynamicTDF::NodeStore::forgetLookUps() noexcept {
   forgetLoad();
-  for (Found& found : found_) found.node = nullptr;
+  for (std::atomic<Node*>& found : found_) found.store(nullptr, std::memory_order_relaxed);
 }
 
 /// Removes the objects of each chain one by one. Destroying a chain as a whole would recurse for every object in it.
@@ -296,9 +283,9 @@ void DynamicTDF::NodeStore::clear() noexcept {
 }
 
 /// Removes the kept look-ups of an object that is about to be removed.
-void DynamicTDF::NodeStore::forget(Node const& node) const noexcept {
-  for (Found& found : found_) {
-    if (found.node == &node) found.node = nullptr;
+void DynamicTDF::NodeStore::forget(Node const& node) noexcept {
+  for (std::atomic<Node*>& found : found_) {
+    if (found.load(std::memory_order_relaxed) == &node) found.store(nullptr, std::memory_order_relaxed);
   }
 }
 

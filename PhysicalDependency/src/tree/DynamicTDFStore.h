@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -142,7 +143,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
  private:
   [[nodiscard]] static std::size_t foundPlace(std::string_view path) noexcept;
   [[nodiscard]] Node* search(std::string_view path) const;
-  void forget(Node const& node) const noexcept;
+  void forget(Node const& node) noexcept;
   Node& insert(Node * parent, PathHash const& hash, std::string_view component);
   [[nodiscard]] std::unique_ptr<Node> unlink(Node & node) noexcept;
   void link(std::unique_ptr<Node> node) noexcept;
@@ -165,15 +166,12 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   std::vector<Node*> lastLoad_;
   Node* root_ = nullptr;
 
-  /// Recent look-ups, each at the index that the end of its path gives. Walks and rules ask for the same few objects
-  /// again and again: the current object, its parent and siblings, and the object that holds the choices. Such a
-  /// look-up costs one comparison of strings.
-  struct Found {
-    std::string path;
-    Node* node = nullptr;
-  };
+  /// Recently found objects, each at the index that the end of its path gives. Walks and rules ask for the same few
+  /// objects again and again: the current object, its parent and siblings, and the object that holds the choices. Such
+  /// a look-up costs one comparison of the path with the object. Several threads may read at once: an element is only a
+  /// guess, and the object to which it points does not change meanwhile.
   static constexpr unsigned foundBits = 6;
-  mutable std::array<Found, 1U << foundBits> found_;
+  mutable std::array<std::atomic<Node*>, 1U << foundBits> found_{};
 };
 
 }  // namespace tarn

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <utility>
+
+#include <tarn/NameSlots.h>
 
 namespace tarn {
 
@@ -12,23 +14,31 @@ namespace tarn {
 /// until it is cleared.
 class NamePool {
  public:
-  /// Returns the pool's own copy of `name`. It does not move as long as the pool exists.
+  /// Returns the pool's own copy of `name`. It does not move as long as the pool exists. Throws `std::bad_alloc`, and
+  /// adds nothing, when memory runs out.
   [[nodiscard]] std::string const& intern(std::string_view name) {
-    auto const place = names_.find(name);
-    return place == names_.end() ? *names_.emplace(name).first : *place;
+    auto const nameAt = [this](std::size_t position) -> std::string_view { return names_[position]; };
+    std::size_t const known = slots_.find(name, nameAt);
+    if (known != NameSlots::none) return names_[known];
+    slots_.reserve(names_.size() + 1, nameAt);
+    names_.emplace_back(name);
+    slots_.add(name, names_.size() - 1);
+    return names_.back();
   }
 
-  void clear() noexcept { names_.clear(); }
-  void swap(NamePool& other) noexcept { names_.swap(other.names_); }
+  void clear() noexcept {
+    names_.clear();
+    slots_.clear();
+  }
+  void swap(NamePool& other) noexcept {
+    names_.swap(other.names_);
+    std::swap(slots_, other.slots_);
+  }
 
  private:
-  struct Hash {
-    using is_transparent = void;
-    [[nodiscard]] std::size_t operator()(std::string_view text) const noexcept {
-      return std::hash<std::string_view>()(text);
-    }
-  };
-  std::unordered_set<std::string, Hash, std::equal_to<>> names_;
+  // Side by side in the order of their arrival, because names that come together are mostly read together.
+  std::deque<std::string> names_;
+  NameSlots slots_;
 };
 
 }  // namespace tarn

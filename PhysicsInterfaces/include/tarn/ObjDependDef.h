@@ -10,6 +10,7 @@
 
 #include <tarn/ChildAvail.h>
 #include <tarn/Export.h>
+#include <tarn/NameSlots.h>
 #include <tarn/ObjectCheck.h>
 #include <tarn/ParamAvail.h>
 #include <tarn/ParamValueDef.h>
@@ -104,8 +105,9 @@ class TARN_EXPORT ObjDependDef {
   std::vector<std::unique_ptr<ObjectCheck>> checks_;
   std::vector<std::unique_ptr<ParamValueDef>> valueDefs_;
   std::vector<std::size_t> requiredParams_;
-  // Places by name. The keys are the names of the entries themselves.
-  std::unordered_map<std::string_view, std::size_t> byName_;
+  // Places by name. An object may have very many parameters.
+  NameSlots slotsOfParams_;
+  // The keys are the names of the entries themselves.
   std::unordered_map<std::string_view, std::size_t> byType_;
   std::unordered_set<std::string_view> checkNames_;
 };

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <tarn/BetaLoggingController.h>
@@ -17,6 +18,7 @@
 #include <tarn/ObjDependDef.h>
 #include <tarn/ParamValueDef.h>
 #include <tarn/QuantityType.h>
+#include <tarn/UnitConverter.h>
 
 namespace tarn {
 
@@ -60,6 +62,8 @@ class TARN_EXPORT PhysicsData {
   }
   /// The quantity type of that name, or null.
   [[nodiscard]] QuantityType const* findQuantityType(std::string_view name) const;
+  /// Converts units that no quantity type lists. Null if nobody set it.
+  [[nodiscard]] UnitConverter const* unitConverter() const noexcept { return unitConverter_.get(); }
   /// The object types that have rules, in the order in which they were added.
   [[nodiscard]] std::vector<ObjDependDef const*> const& objects() const noexcept { return objectOrder_; }
   [[nodiscard]] std::vector<std::string> getCheckNames() const;
@@ -86,6 +90,7 @@ class TARN_EXPORT PhysicsData {
   [[nodiscard]] bool addQuantityType(std::string const& name, QuantityType type);
   /// The same for a type whose units have no conversions.
   [[nodiscard]] bool addQuantityType(std::string const& name, std::vector<std::string> const& units);
+  void setUnitConverter(std::unique_ptr<UnitConverter> converter) noexcept { unitConverter_ = std::move(converter); }
   /// Adds a type, unless it is there already.
   void addPertinentRoot(std::string const& type);
 
@@ -99,6 +104,7 @@ class TARN_EXPORT PhysicsData {
   std::vector<std::string> globalCheckOrder_;
   std::vector<std::string> roots_;
   std::map<std::string, QuantityType, std::less<>> quantityTypes_;
+  std::unique_ptr<UnitConverter> unitConverter_;
   BetaLoggingController* beta_ = nullptr;
 };
 

@@ -65,8 +65,10 @@ class TARN_EXPORT TDFChangeFile {
   [[nodiscard]] const_iterator end() const noexcept { return items_.end(); }
 
   /// The items as a state. If a parameter is given twice, the first value counts. An object without parameters has an
-  /// entry with an empty map.
-  [[nodiscard]] ModelState toModelState() const;
+  /// entry with an empty map. A file that is not needed any more gives up its strings, which saves their copies. Linear
+  /// for items in the order of a state, as the library writes them.
+  [[nodiscard]] ModelState toModelState() const&;
+  [[nodiscard]] ModelState toModelState() &&;
 
  private:
   std::vector<TDFChange> items_;

@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include <tarn/Error.h>
@@ -42,6 +43,29 @@ class Items final : private ModelTextSink {
   std::vector<TDFChange>& items_;
 };
 
+/// The items as a state. Takes the strings of items that are handed over.
+template <class Items>
+ModelState stateOf(Items&& items) {
+  constexpr bool areHandedOver = !std::is_lvalue_reference_v<Items>;
+  ModelState state;
+  std::string const* path = nullptr;
+  ObjectState* object = nullptr;
+  for (auto& item : items) {
+    // The items of one object are mostly adjacent, and then share their path. Objects and names mostly come in order.
+    if (path != &item.getFullPath()) {
+      path = &item.getFullPath();
+      object = &state.try_emplace(state.end(), *path)->second;
+    }
+    if (item.name.empty()) continue;
+    if constexpr (areHandedOver) {
+      object->try_emplace(object->end(), std::move(item.name), std::move(item.value));
+    } else {
+      object->try_emplace(object->end(), item.name, item.value);
+    }
+  }
+  return state;
+}
+
 }  // namespace
 
 TDFChangeFile::TDFChangeFile(std::vector<std::string> const& files, std::vector<std::string> const& extra,
@@ -55,19 +79,12 @@ TDFChangeFile::TDFChangeFile(std::vector<std::string> const& files, std::vector<
   }
 }
 
-ModelState TDFChangeFile::toModelState() const {
-  ModelState state;
-  std::string const* path = nullptr;
-  ObjectState* object = nullptr;
-  for (TDFChange const& item : items_) {
-    // Most items of one object are adjacent.
-    if (!path || *path != item.getFullPath()) {
-      path = &item.getFullPath();
-      object = &state[*path];
-    }
-    if (!item.name.empty()) object->emplace(item.name, item.value);
-  }
-  return state;
+ModelState TDFChangeFile::toModelState() const& {
+  return stateOf(items_);
+}
+
+ModelState TDFChangeFile::toModelState() && {
+  return stateOf(std::move(items_));
 }
 
 }  // namespace tarn

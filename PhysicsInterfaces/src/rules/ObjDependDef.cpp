@@ -35,22 +35,22 @@ bool ObjDependDef::addParam(ParamAvail entry, ParamValueDef valueDef) {
 }
 
 bool ObjDependDef::addParam(ParamAvail entry) {
-  if (byName_.contains(entry.name)) return false;
+  if (placeOfParam(entry.name) != noPlace) return false;
   auto owned = std::make_unique<ParamAvail>(std::move(entry));
   owned->data_ = data_;
   owned->valueDef_ = nullptr;
   // The steps that cannot be undone come last.
   std::size_t const place = params_.size();
+  slotsOfParams_.reserve(place + 1, [this](std::size_t i) -> std::string_view { return params_[i]->name; });
   params_.push_back(std::move(owned));
   ParamAvail const& added = *params_.back();
   try {
     if (added.required) requiredParams_.push_back(place);
-    byName_.emplace(added.name, place);
   } catch (...) {
-    if (!requiredParams_.empty() && requiredParams_.back() == place) requiredParams_.pop_back();
     params_.pop_back();
     throw;
   }
+  slotsOfParams_.add(added.name, place);
   return true;
 }
 
@@ -116,8 +116,8 @@ std::pair<ChildAvail const*, bool> ObjDependDef::childAvailAt(std::size_t place,
 }
 
 std::size_t ObjDependDef::placeOfParam(std::string_view name) const {
-  auto const found = byName_.find(name);
-  return found == byName_.end() ? noPlace : found->second;
+  static_assert(noPlace == NameSlots::none);
+  return slotsOfParams_.find(name, [this](std::size_t place) -> std::string_view { return params_[place]->name; });
 }
 
 std::size_t ObjDependDef::placeOfChild(std::string_view type) const {
@@ -126,8 +126,8 @@ std::size_t ObjDependDef::placeOfChild(std::string_view type) const {
 }
 
 ParamAvail const* ObjDependDef::findParam(std::string_view name) const {
-  auto const found = byName_.find(name);
-  return found == byName_.end() ? nullptr : params_[found->second].get();
+  std::size_t const place = placeOfParam(name);
+  return place == noPlace ? nullptr : params_[place].get();
 }
 
 ChildAvail const* ObjDependDef::findChild(std::string_view type) const {

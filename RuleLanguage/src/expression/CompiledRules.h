@@ -11,6 +11,7 @@
 #include <tarn/RuleExpressions.h>
 
 #include "expression/Expression.h"
+#include "expression/FlatCondition.h"
 
 // Expressions in the form in which a rule database owns them. Rules with the same text share one parsed expression;
 // each keeps its own `RulePlace`.
@@ -26,6 +27,8 @@ namespace tarn::rules {
 /// source, because its parts are written in several places.
 struct Compiled {
   ExpressionPtr expression;
+  /// The same as tests in a row, if the expression is a condition.
+  FlatCondition condition;
   std::string source;
 };
 
@@ -41,6 +44,7 @@ class CompiledRule : public Base {
 
  protected:
   [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
+  [[nodiscard]] FlatCondition const& condition() const { return compiled_->condition; }
   [[nodiscard]] static Frame frame(TDFContext const& context, EvalContext* evalContext) {
     return Frame{*evalContext->getDB(), context, evalContext};
   }
@@ -53,7 +57,7 @@ class CompiledCondition final : public CompiledRule<Condition> {
  public:
   using CompiledRule::CompiledRule;
   [[nodiscard]] bool evaluate(TDFContext const& context, EvalContext* evalContext) const override {
-    return expression().truth(frame(context, evalContext));
+    return condition().holds(frame(context, evalContext));
   }
 };
 

@@ -40,7 +40,7 @@ constexpr std::array<Mistake, 9> mistakes = {{
     {"<>", "!=", "'<>' is not part of the language; write '!='"},
     {"=", "==", "'=' does not compare; write '=='"},
     {"!", "not", "'!' is not part of the language; write 'not'"},
-    {"[", "", "units belong behind a number that is written out: 12 [m/s]"},
+    {"[", "", "units belong after a number that is written out: 12 [m/s]"},
     {"$", "", "'$' must be followed by a path in braces: ${Name}"},
     {"}", "", "'}' has no '{' before it"},
 }};

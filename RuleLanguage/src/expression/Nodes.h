@@ -69,6 +69,7 @@ class QuantityLiteral final : public Expression {
 
   void bind(QuantityBinding& binding) override { binding.open(*this); }
   void assume(QuantityType const& type, QuantityBinding& binding) override;
+  [[nodiscard]] std::string const& units() const noexcept { return units_; }
   /// Gives a literal without a type the conversion on which all types that list its units agree.
   void settle(QuantityBinding& binding);
 
@@ -158,6 +159,8 @@ class ParameterReference final : public Expression {
   [[nodiscard]] std::optional<TDFParam::Type> declaredType(Frame const& frame) const;
 
   [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
+  /// True when the parameter is one of the context object itself.
+  [[nodiscard]] bool isOfContext() const noexcept { return local_; }
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
 
  private:

@@ -4,6 +4,7 @@
 #include "lint/EntryLint.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -86,8 +87,34 @@ class EntryLint {
     if (!child.singleton) {
       checkNames(child, allowedNames);
       checkNames(child, defaultNames);
+      if (!allowedNames) checkFreeNames(child, place.name, at("Required"));
     }
+    checkCounts(child, at("Maximum Count"));
     if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
+  }
+
+  /// Children whose names are the user's choice: whether they can be there, and must be.
+  void checkFreeNames(ChildAvail const& child, Item const& name, Item const& required) {
+    if (child.required && !child.minimumCount) {
+      warn(Code::RequiresNothing, required,
+           "this does not make a child necessary, because its name is the user's choice; add 'Minimum Count: 1', or "
+           "'Minimum Count: 0' when there may be none");
+    } else if (!child.required && !child.coupled) {
+      warn(Code::NeverAdded, name,
+           "no edit can add a child of this type; add 'Coupled: yes', or 'Required: yes' and a 'Minimum Count'");
+    }
+  }
+
+  void checkCounts(ChildAvail const& child, Item const& maximum) {
+    auto const numberOf = [](std::unique_ptr<TextExpression> const& count) {
+      auto const* fixed = dynamic_cast<FixedText const*>(count.get());
+      return fixed != nullptr ? TDFParam::asNumber(fixed->text()) : std::nullopt;
+    };
+    auto const least = numberOf(child.minimumCount);
+    auto const most = numberOf(child.maximumCount);
+    if (least && most && *most < *least) {
+      warn(Code::CountsReversed, maximum, "the maximum count is below the minimum count");
+    }
   }
 
   /// The names that a list gives as plain texts.
@@ -128,7 +155,15 @@ class EntryLint {
       checkListed(list->items(), def, at("Beta Values"));
     }
     checkBounds(def, at("Lower Bound"), at("Upper Bound"));
+    for (auto const& [flag, needed] :
+         {std::pair("Lower Bound Excluded", "Lower Bound"), std::pair("Upper Bound Excluded", "Upper Bound"),
+          std::pair("Pattern Message", "Pattern")}) {
+      if (auto const item = at(flag); item && !at(needed)) {
+        warn(Code::NoEffect, item, std::string(flag) + " has no effect without " + needed);
+      }
+    }
     checkDefault(def, at("Default Value"));
+    if (auto const item = at("Pattern")) checkPattern(def, item, at("Default Value"));
     if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
     if (!param.contexts.empty()) checkContext(object, &param, param.contexts, at("Context"));
   }
@@ -150,6 +185,24 @@ class EntryLint {
     }
   }
 
+  /// Less than 0 when `a` is below `b`, 0 when they are equal. Nothing when they cannot be compared.
+  [[nodiscard]] std::optional<int> order(ParamValueDef const& def, TDFParam::Quantity const& a,
+                                         TDFParam::Quantity const& b) const {
+    double x = a.number;
+    double y = b.number;
+    if (a.units != b.units) {
+      auto const* name = dynamic_cast<FixedText const*>(def.quantityType.get());
+      auto const* type = name != nullptr ? context_.data().findQuantityType(name->text()) : nullptr;
+      auto const converted = type != nullptr ? type->inFirstUnit(a) : std::nullopt;
+      auto const other = type != nullptr ? type->inFirstUnit(b) : std::nullopt;
+      if (!converted || !other) return std::nullopt;
+      if (QuantityType::areEqual(*converted, *other)) return 0;
+      x = *converted;
+      y = *other;
+    }
+    return x < y ? -1 : x > y ? 1 : 0;
+  }
+
   void checkBounds(ParamValueDef const& def, Item const& lowerItem, Item const& upperItem) {
     auto const check = [&](TextExpression const* bound, Item const& item) {
       if (bound == nullptr || !item) return;
@@ -168,7 +221,7 @@ class EntryLint {
     if (lower == nullptr || upper == nullptr) return;
     auto const low = TDFParam::asQuantity(lower->text());
     auto const high = TDFParam::asQuantity(upper->text());
-    if (low && high && low->units == high->units && low->number > high->number) {
+    if (low && high && order(def, *high, *low).value_or(0) < 0) {
       warn(Code::BoundsReversed, upperItem,
            "the upper bound " + upper->text() + " is below the lower bound " + lower->text());
     }
@@ -213,15 +266,40 @@ class EntryLint {
     auto const outside = [&](TextExpression const* bound, bool lower) {
       auto const* fixed = dynamic_cast<FixedText const*>(bound);
       auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
-      if (!limit || limit->units != quantity->units) return;
-      if (lower ? quantity->number < limit->number : quantity->number > limit->number) {
+      auto const difference = limit ? order(def, *quantity, *limit) : std::nullopt;
+      if (!difference) return;
+      if (lower ? *difference < 0 : *difference > 0) {
         warn(Code::DefaultOutOfBounds, item,
              "the default " + inQuotes(value) + (lower ? " is below the lower bound " : " is above the upper bound ") +
                  fixed->text());
+      } else if (*difference == 0 && (lower ? def.lowerBoundExcluded : def.upperBoundExcluded)) {
+        warn(Code::DefaultOutOfBounds, item,
+             "the default " + inQuotes(value) + " is equal to the bound " + fixed->text() + ", which is excluded");
       }
     };
     outside(def.lowerBound.get(), true);
     outside(def.upperBound.get(), false);
+  }
+
+  void checkPattern(ParamValueDef const& def, Item const& item, Item const& defaultItem) {
+    if (TDFParam::elementType(def.type) != TDFParam::String) {
+      warn(Code::NoEffect, item,
+           "a pattern has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
+      return;
+    }
+    if (def.pattern->matches("")) {
+      warn(Code::PatternMatchesEmpty, item,
+           "this pattern also matches the empty text; write '+' instead of '*' when there must be something");
+    }
+    auto const* fixed = dynamic_cast<FixedText const*>(def.defaultValue.get());
+    if (fixed == nullptr || fixed->text().empty()) return;
+    auto const values = TDFParam::isListType(def.type) ? StringUtilities::stringToVector(fixed->text(), ',')
+                                                       : std::vector<std::string>{fixed->text()};
+    auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
+    for (auto const& value : values) {
+      if (def.pattern->matches(value) || (list != nullptr && list->items().contains(value))) continue;
+      warn(Code::DefaultNotMatching, defaultItem, "the default " + inQuotes(value) + " does not match the pattern");
+    }
   }
 
   void checkQuantityType(ParamValueDef const& def, Item const& item) {
@@ -236,7 +314,7 @@ class EntryLint {
         LintContext::fixText(warning, item, fixed->text(), near);
       }
     }
-    if (def.type != TDFParam::Real) {
+    if (!TDFParam::isNumericType(def.type)) {
       warn(Code::NoEffect, item,
            "a quantity type has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
     }

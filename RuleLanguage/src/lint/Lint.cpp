@@ -4,6 +4,7 @@
 #include "lint/Lint.h"
 
 #include <set>
+#include <string>
 #include <string_view>
 
 #include "expression/NearMatch.h"
@@ -11,12 +12,24 @@
 #include "lint/ExpressionLint.h"
 #include "lint/LintContext.h"
 #include "lint/OrderLint.h"
+#include "lint/UnitLint.h"
 
 namespace tarn::rules {
 
 namespace {
 
+/// Without root types validation looks at nothing, and says of every model that there is nothing to review.
+void checkThatThereAreRoots(LintContext& context) {
+  auto const& objects = context.rules().objectPlaces();
+  if (!context.rules().rootPlaces().empty() || objects.empty()) return;
+  auto const& [path, place] = *objects.begin();
+  std::string const root = path.substr(1, path.find('/', 1) - 1);
+  context.warn(Code::MissingRoots, place,
+               "no file has Pertinent Roots, so no model can be judged; add 'Pertinent Roots: [" + root + "]'");
+}
+
 void checkRoots(LintContext& context) {
+  checkThatThereAreRoots(context);
   auto const& roots = context.rules().rootPlaces();
   std::set<std::string_view> listed;
   for (auto const& [root, place] : roots) listed.insert(root);
@@ -36,8 +49,10 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
   for (auto const& use : rules.uses()) {
     checkExpression(context, use);
     checkOrder(context, use);
+    checkQuantities(context, use);
   }
   checkEntries(context);
+  checkUnits(context);
   checkRoots(context);
 }
 

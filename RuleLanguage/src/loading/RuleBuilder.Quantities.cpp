@@ -91,7 +91,7 @@ std::vector<QuantityUnit> RuleBuilder::unitsOfMap(Item const& map) {
 
 std::vector<QuantityUnit> RuleBuilder::unitsOfList(Item const& list) {
   std::vector<QuantityUnit> units;
-  auto const given = texts(list, false, "write the units themselves");
+  auto const given = texts(list, false);
   if (!given) return units;
   for (auto const* child : list.node->children) {
     Item const item{list.source, child};
@@ -129,7 +129,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       unitsGiven = true;
       bool const isMap = value.node->kind == YamlNode::Kind::Mapping;
       if (!isMap && value.node->kind != YamlNode::Kind::Sequence) {
-        (void)texts(value, false);
+        (void)texts(value, false, "write the units themselves");
         return;
       }
       if (value.node->children.empty()) {
@@ -138,6 +138,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       }
       auto units = isMap ? unitsOfMap(value) : unitsOfList(value);
       (void)data_->addQuantityType(name.node->value, QuantityType(std::move(units)));
+      if (data_->unitConverter() == nullptr) data_->setUnitConverter(std::make_unique<LibraryUnitConverter>());
       if (keepPlaces_) index_.quantityTypes_.push_back({name, value});
     });
     if (!unitsGiven && canHoldKeys(*body.node))

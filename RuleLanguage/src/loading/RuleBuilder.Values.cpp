@@ -105,6 +105,7 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
     auto made = std::make_shared<Compiled>();
     made->expression = keepContextFreeParts(std::move(result.expression));
     made->source = text;
+    if (role == Role::Condition) made->condition = FlatCondition(*made->expression);
     toBind(*made->expression, item, skipped);
     compiled = std::move(made);
     // Units that are wrong are reported in every place, so an expression with units is not shared.

@@ -125,4 +125,10 @@ UnitConversion conversionBetween(std::string_view from, std::string_view to) {
   return linear(*converter);
 }
 
+std::optional<double> LibraryUnitConverter::convert(double number, std::string_view from, std::string_view to) const {
+  auto const conversion = conversionBetween(from, to);
+  if (conversion.status != UnitConversion::Status::Known) return std::nullopt;
+  return number * conversion.factor + conversion.offset;
+}
+
 }  // namespace tarn::rules

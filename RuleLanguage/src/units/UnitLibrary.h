@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include <tarn/UnitConverter.h>
 
 namespace tarn::rules {
 
@@ -32,6 +35,12 @@ struct UnitConversion {
 /// May be called from several threads at once. The first call reads the definitions of all units, which takes about
 /// 10 ms; a further one takes microseconds.
 [[nodiscard]] UnitConversion conversionBetween(std::string_view from, std::string_view to);
+
+/// The units library as a rule database has it.
+class LibraryUnitConverter final : public UnitConverter {
+ public:
+  [[nodiscard]] std::optional<double> convert(double number, std::string_view from, std::string_view to) const override;
+};
 
 /// The most bytes that the text of a unit may have.
 inline constexpr std::size_t longestUnit = 100;

@@ -7,6 +7,7 @@
 
 #include <tarn/PathUtils.h>
 
+#include "review/CheckJudge.h"
 #include "review/ReviewJudge.h"
 
 namespace tarn::session {
@@ -36,7 +37,10 @@ void FindingsLogger::onFault(PhysicsFault const& fault) {
       return;
     case PhysicsFault::GlobalCheckFailed:
       finding.check = item;
-      if (GlobalCheck const* const check = rules_.getGlobalCheck(item, false)) finding.rule = check->rulePlace();
+      if (GlobalCheck const* const check = rules_.getGlobalCheck(item, false)) {
+        finding.rule = check->rulePlace();
+        finding.severity = severityOf(check->level());
+      }
       break;
     case PhysicsFault::MissingParameter:
     case PhysicsFault::ParameterNotAvailable:

@@ -4,6 +4,10 @@
 
 #include <tarn/PathUtils.h>
 
+#include "review/CheckJudge.h"
+#include "review/CountJudge.h"
+#include "review/PatternJudge.h"
+#include "review/UnitJudge.h"
 #include "review/ValueJudge.h"
 
 namespace tarn::session {
@@ -11,6 +15,10 @@ namespace tarn::session {
 std::vector<std::unique_ptr<ReviewJudge>> makeReviewJudges() {
   std::vector<std::unique_ptr<ReviewJudge>> judges;
   judges.push_back(std::make_unique<ValueJudge>());
+  judges.push_back(std::make_unique<UnitJudge>());
+  judges.push_back(std::make_unique<PatternJudge>());
+  judges.push_back(std::make_unique<CountJudge>());
+  judges.push_back(std::make_unique<CheckJudge>());
   return judges;
 }
 

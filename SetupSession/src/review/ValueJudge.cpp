@@ -2,15 +2,14 @@
 // allowed values for a text that is not a number.
 #include "review/ValueJudge.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <optional>
-#include <string_view>
 #include <utility>
 
-#include <tarn/StringUtilities.h>
+#include <tarn/QuantityType.h>
 #include <tarn/TDFParam.h>
+
+#include "review/JudgedItems.h"
 
 namespace tarn::session {
 
@@ -40,32 +39,44 @@ Fault notANumber(std::string_view text) {
           std::move(corrected)};
 }
 
-// The fault of the quantity under these bounds.
-std::optional<Fault> outOfBounds(TDFParam::Quantity const& quantity,
-                                 std::pair<std::string, std::string> const& bounds) {
-  auto const comparable = [&quantity](std::string const& bound) -> std::optional<double> {
-    if (bound.empty()) return std::nullopt;
-    auto const parsed = TDFParam::asQuantity(bound);
-    if (!parsed || parsed->units != quantity.units) return std::nullopt;
-    return parsed->number;
-  };
-  if (auto const lower = comparable(bounds.first); lower && quantity.number < *lower) {
-    return Fault{FindingCode::BelowLowerBound, "is below its lower bound " + bounds.first, {}, true};
+// Less than 0 when the quantity is below the bound, 0 when they are equal. Empty when they cannot be compared.
+std::optional<int> compare(TDFParam::Quantity const& quantity, std::string const& bound, QuantityType const* type) {
+  if (bound.empty()) return std::nullopt;
+  auto const limit = TDFParam::asQuantity(bound);
+  if (!limit) return std::nullopt;
+  double a = quantity.number;
+  double b = limit->number;
+  if (quantity.units != limit->units) {
+    if (type == nullptr) return std::nullopt;
+    auto const converted = type->inFirstUnit(quantity);
+    auto const convertedLimit = type->inFirstUnit(*limit);
+    if (!converted || !convertedLimit) return std::nullopt;
+    a = *converted;
+    b = *convertedLimit;
+    if (QuantityType::areEqual(a, b)) return 0;
   }
-  if (auto const upper = comparable(bounds.second); upper && quantity.number > *upper) {
-    return Fault{FindingCode::AboveUpperBound, "is above its upper bound " + bounds.second, {}, true};
-  }
-  return std::nullopt;
+  return a < b ? -1 : a > b ? 1 : 0;
 }
 
-bool isAllowed(JudgedParam const& param, std::string_view text, ReviewContext& context) {
-  ParamAllowedValues const& known = param.info.getAllowedValues();
-  if (known.hasAllowedValues) return known.allowedValues.contains(text);
-  // The walk does not evaluate the allowed values of a parameter that is not available.
-  if (param.info.isAvailable()) return false;
-  return param.declaration
-      .evaluateAllowedValues(context.rules.getRules(), TDFContext(param.info.getObjPath()), &context.evaluation)
-      .allowedValues.contains(text);
+// The fault of the quantity under the bounds of its parameter.
+std::optional<Fault> outOfBounds(TDFParam::Quantity const& quantity, JudgedParam const& param, ReviewContext& context) {
+  auto const& [lower, upper] = param.info.getBounds();
+  if (lower.empty() && upper.empty()) return std::nullopt;
+  QuantityType const* const type = quantityTypeOf(param, context);
+  auto const fault = [](FindingCode code, std::string sentence) { return Fault{code, std::move(sentence), {}, true}; };
+  if (auto const order = compare(quantity, lower, type)) {
+    if (*order < 0) return fault(FindingCode::BelowLowerBound, "is below its lower bound " + lower);
+    if (*order == 0 && param.declaration.lowerBoundExcluded) {
+      return fault(FindingCode::BelowLowerBound, "is equal to its lower bound " + lower + ", but must be above it");
+    }
+  }
+  if (auto const order = compare(quantity, upper, type)) {
+    if (*order > 0) return fault(FindingCode::AboveUpperBound, "is above its upper bound " + upper);
+    if (*order == 0 && param.declaration.upperBoundExcluded) {
+      return fault(FindingCode::AboveUpperBound, "is equal to its upper bound " + upper + ", but must be below it");
+    }
+  }
+  return std::nullopt;
 }
 
 // The fault of a value, or of an item of a list, of element type `type`.
@@ -84,27 +95,7 @@ std::optional<Fault> faultOf(JudgedParam const& param, std::string_view text, TD
     if (isAllowed(param, text, context)) return std::nullopt;
     return Fault{FindingCode::NotAWholeNumber, "is not a whole number"};
   }
-  return outOfBounds(*quantity, param.info.getBounds());
-}
-
-// `number` is the number of the item in a list, and 0 for a value that is not a list.
-void report(JudgedParam const& param, std::string_view text, std::size_t number, Fault fault, ReviewContext& context) {
-  std::string const item = number == 0 ? "" : "as item " + std::to_string(number) + ' ';
-  Finding finding = makeFinding(fault.code, param.info.getObjPath(),
-                                (number == 0 ? "The parameter \"" : "The list parameter \"") + param.info.getName() +
-                                    "\" in the object \"" + param.info.getObjPath() + "\" has " + item + "the value " +
-                                    shown(text) + ", which " + fault.sentence + '.');
-  finding.name = param.info.getName();
-  finding.value = param.value;
-  finding.rule = param.entry.rulePlace;
-  if (fault.isAboutBounds) {
-    auto const& [lower, upper] = param.info.getBounds();
-    if (!lower.empty()) finding.expected.lowerBound = lower;
-    if (!upper.empty()) finding.expected.upperBound = upper;
-  }
-  if (number != 0) finding.wrong = {std::string(text)};
-  if (number == 0 && !fault.corrected.empty()) finding.expected.value = std::move(fault.corrected);
-  context.findings.push_back(std::move(finding));
+  return outOfBounds(*quantity, param, context);
 }
 
 }  // namespace
@@ -112,19 +103,20 @@ void report(JudgedParam const& param, std::string_view text, std::size_t number,
 void ValueJudge::judgeParam(JudgedParam const& param, ReviewContext& context) {
   TDFParam::Type const type = TDFParam::elementType(param.info.getType());
   if (type == TDFParam::String) return;
-  if (!param.info.isListType()) {
-    auto fault = faultOf(param, StringUtilities::trimmed(param.value), type, context);
-    if (fault) report(param, param.value, 0, std::move(*fault), context);
-    return;
-  }
-  std::size_t number = 0;
-  for (std::string const& item : StringUtilities::stringToVector(param.value, ',')) {
-    ++number;
-    auto fault = faultOf(param, item, type, context);
-    if (!fault) continue;
-    report(param, item, number, std::move(*fault), context);
-    return;
-  }
+  forEachItem(param, [&](JudgedItem const& item) {
+    auto fault = faultOf(param, item.text, type, context);
+    if (!fault) return true;
+    Finding& finding = reportItem(fault->code, param, item, ", which " + fault->sentence + '.', context);
+    if (fault->isAboutBounds) {
+      auto const& [lower, upper] = param.info.getBounds();
+      if (!lower.empty()) finding.expected.lowerBound = lower;
+      if (!upper.empty()) finding.expected.upperBound = upper;
+      finding.expected.lowerBoundExcluded = !lower.empty() && param.declaration.lowerBoundExcluded;
+      finding.expected.upperBoundExcluded = !upper.empty() && param.declaration.upperBoundExcluded;
+    }
+    if (item.number == 0 && !fault->corrected.empty()) finding.expected.value = std::move(fault->corrected);
+    return false;
+  });
 }
 
 }  // namespace tarn::session

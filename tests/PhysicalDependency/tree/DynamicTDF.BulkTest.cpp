@@ -550,5 +550,55 @@ TEST(DynamicTDFBulk, ALongListOfSiblingsIsMirroredAndDeletedOneByOneFromItsFront
   EXPECT_EQ(model.getDeletedObjects(), paths);
 }
 
+// --- an object with very many parameters
+// -------------------------------------------------------------------------------------------------------------
+
+constexpr int manyOptions = 3000;
+
+std::string option(int number) {
+  return "Option " + std::to_string(number);
+}
+
+/// The value of each option is its number; those from `missing` to `missing + 9` do not exist.
+void expectOptions(DynamicTDF const& model, int missing) {
+  for (int i = 0; i < manyOptions; ++i) {
+    bool const exists = i < missing || i > missing + 9;
+    ASSERT_EQ(model.hasParameter("/Program", option(i)), exists) << i;
+    ASSERT_EQ(model.getParameterValue("/Program", option(i)), exists ? std::to_string(i) : "") << i;
+  }
+  EXPECT_FALSE(model.hasParameter("/Program", "Option"));
+}
+
+ModelState manyOptionsState(int missing) {
+  ModelState state;
+  for (int i = 0; i < manyOptions; ++i) {
+    if (i < missing || i > missing + 9) state["/Program"][option(i)] = std::to_string(i);
+  }
+  return state;
+}
+
+TEST(DynamicTDFBulk, EachOfManyLoadedParametersIsFoundAndNoOther) {
+  DynamicTDF model(false);
+  load(model, manyOptionsState(100));
+  expectOptions(model, 100);
+}
+
+TEST(DynamicTDFBulk, ParametersAreFoundAfterSomeOfManyLoadedOnesWereDeletedAndOthersAdded) {
+  DynamicTDF model;
+  load(model, manyOptionsState(100));
+  for (int i = 100; i < 110; ++i) model.setParameter("/Program", option(i), std::to_string(i));
+  for (int i = 2000; i < 2010; ++i) model.deleteParameter("/Program", option(i));
+  expectOptions(model, 2000);
+}
+
+TEST(DynamicTDFBulk, ParametersAreFoundAfterAnotherStateWithFewerOrOthersWasLoaded) {
+  DynamicTDF model(false);
+  load(model, manyOptionsState(manyOptions));
+  load(model, manyOptionsState(manyOptions - 10));
+  expectOptions(model, manyOptions - 10);
+  load(model, manyOptionsState(0));
+  expectOptions(model, 0);
+}
+
 }  // namespace
 }  // namespace tarn

@@ -40,6 +40,7 @@ Checks:
 Objects:
   /Case:
     Parameters:
+Pertinent Roots: [Case]
 )yaml"),
             R"text(flow.rules.yaml:3:13: warning: the rules define no parameter 'Motin'
     3 |   relative: ${Motin} == 'x'
@@ -73,6 +74,7 @@ Objects:
     Parameters:
       Regime: {Parameter Type: String, Ordered Allowed String List: [Laminar, Turbulent], Unused Allowed String List: [Chaotic], Default Value: Turbulant}
       Picks: {Parameter Type: String List, Ordered Allowed String List: [a, b], Default Value: "a, c"}
+Pertinent Roots: [Case]
 )yaml"),
       R"text(flow.rules.yaml:5:145: warning: the default 'Turbulant' is not among the allowed values; did you mean 'Turbulent'?
     5 | ...ent], Unused Allowed String List: [Chaotic], Default Value: Turbulant}
@@ -106,7 +108,8 @@ std::vector<std::size_t> toldColumns(std::string const& text, std::string const&
 }
 
 TEST(Lint, PlacesInALineOfThousandsOfCharactersAreToldRight) {
-  std::string text = "Rule Database: 1\nObjects: {/Case: {Parameters: {Größe: {Parameter Type: Real}";
+  std::string text =
+      "Rule Database: 1\nPertinent Roots: [Case]\nObjects: {/Case: {Parameters: {Größe: {Parameter Type: Real}";
   for (int i = 1000; i < 1400; ++i) text += ", Größe " + std::to_string(i) + ": {Parameter Type: Real, Slip: '€'}";
   text += "}}}";
   auto const columns = columnsOf(text, "Slip");
@@ -115,7 +118,9 @@ TEST(Lint, PlacesInALineOfThousandsOfCharactersAreToldRight) {
 }
 
 TEST(Lint, PlacesInALongQuotedExpressionAreToldRight) {
-  std::string text = "Rule Database: 1\nObjects: {/Case: {Parameters: {P: {Parameter Type: Real, Available: \"true";
+  std::string text =
+      "Rule Database: 1\nPertinent Roots: [Case]\nObjects: {/Case: {Parameters: {P: {Parameter Type: Real, Available: "
+      "\"true";
   for (int i = 1000; i < 1200; ++i) text += " and ${Größe " + std::to_string(i) + "} != '\\u20ac'";
   text += "\"}}}}";
   auto const columns = columnsOf(text, "${");
@@ -134,7 +139,7 @@ Objects:
       Count: {Parameter Type: Integer}
       Flag: {Parameter Type: Logical}
     Children:
-      Domain: {}
+      Domain: {Coupled: yes}
       Boundary: {Singleton: yes}
   /Case/Boundary: {Parameters: {Kind: {Parameter Type: String}}}
   /Case/Domain:

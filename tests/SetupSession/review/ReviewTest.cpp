@@ -36,7 +36,7 @@ class ReviewTest : public testing::Test {
   }
 
   PhysicsData rules_;
-  ModelState const sound_ = {{"/Case", {{"Flow Regime", "Laminar"}, {"Speed", "3 [m/s]"}}}};
+  ModelState const sound_ = {{"/Case", {{"Flow Regime", "Laminar"}, {"Speed", "3"}}}};
   ModelState const faulty_ = {{"/Case", {{"Colour", "red"}, {"Flow Regime", "Plug"}, {"Speed", "fast"}}}};
 };
 

@@ -193,6 +193,42 @@ TEST(ValueJudge, BoundsThatReadTheModelAreThoseOfNow) {
   EXPECT_THAT(faultsOf(rules, model), SizeIs(1));
 }
 
+TEST(ValueJudge, AQuantityIsComparedWithItsBoundsInTheFirstUnit) {
+  auto const length = [](Rules& rule) {
+    rule.quantity("Length", QuantityType({{"m", true, 1, 0}, {"mm", true, 0.001, 0}, {"in", true, 0.0254, 0}}));
+    rule.type(TDFParam::Real).quantityType("Length").bounds("25.4 [mm]", "1 [m]");
+  };
+  EXPECT_EQ(faultOf(length, "1 [mm]"), "is below its lower bound 25.4 [mm].");
+  EXPECT_EQ(faultOf(length, "1 [in]"), "") << "equal up to the rounding of the conversion";
+  EXPECT_EQ(faultOf(length, "1001 [mm]"), "is above its upper bound 1 [m].");
+  EXPECT_EQ(faultOf(length, "2"), "is above its upper bound 1 [m].") << "without units in the first one";
+}
+
+TEST(ValueJudge, ABoundWithoutUnitsCountsInTheFirstUnit) {
+  auto const length = [](Rules& rule) {
+    rule.quantity("Length", QuantityType({{"m", true, 1, 0}, {"mm", true, 0.001, 0}}));
+    rule.type(TDFParam::Real).quantityType("Length").bounds(nullptr, text("1"));
+  };
+  EXPECT_EQ(faultOf(length, "500 [mm]"), "");
+  EXPECT_EQ(faultOf(length, "1500 [mm]"), "is above its upper bound 1.");
+}
+
+TEST(ValueJudge, UnitsWithoutAConversionAreComparedOnlyWithThemselves) {
+  auto const level = [](Rules& rule) {
+    rule.quantity("Level", std::vector<std::string>{"bar", "jar"});
+    rule.type(TDFParam::Real).quantityType("Level").bounds(nullptr, text("2 [jar]"));
+  };
+  EXPECT_EQ(faultOf(level, "3 [jar]"), "is above its upper bound 2 [jar].");
+  EXPECT_EQ(faultOf(level, "3 [bar]"), "");
+}
+
+TEST(ValueJudge, AnExcludedBoundIsOutside) {
+  auto const open = [](Rules& rule) { rule.type(TDFParam::Real).bounds("0", "1").boundsExcluded(); };
+  EXPECT_EQ(faultOf(open, "0"), "is equal to its lower bound 0, but must be above it.");
+  EXPECT_EQ(faultOf(open, "0.5"), "");
+  EXPECT_EQ(faultOf(open, "1.0"), "is equal to its upper bound 1, but must be below it.");
+}
+
 TEST(ValueJudge, EachRootIsWalked) {
   PhysicsData rules;
   Rules(rules, "/Case").param("Speed").type(TDFParam::Real);

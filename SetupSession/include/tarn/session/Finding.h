@@ -58,6 +58,14 @@ enum class FindingCode {
   NotALogical,
   BelowLowerBound,
   AboveUpperBound,
+  UnitsNotListed,
+  UnitsNotExpected,
+  UnitsAssumed,
+  PatternNotMatched,
+  TooFewObjects,
+  TooManyObjects,
+  InvalidCount,
+  ObjectCheckFailed,
   BetaMessage
 };
 

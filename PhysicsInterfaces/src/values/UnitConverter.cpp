@@ -1,0 +1,7 @@
+#include <tarn/UnitConverter.h>
+
+namespace tarn {
+
+UnitConverter::~UnitConverter() = default;
+
+}  // namespace tarn
