@@ -104,7 +104,7 @@ int runAndReport(int argc, char const* const* argv) {
     WriteErrors const errors(std::cout);
     return run(std::vector<std::string>(argv + (argc > 0), argv + argc));
   } catch (Failure const& failure) {
-    std::cerr << "zev: " << failure.what() << '\n';
+    print(std::cerr, failure);
   } catch (Error const& error) {
     std::cerr << "zev: " << error.getMessage() << '\n';
   } catch (std::bad_alloc const&) {

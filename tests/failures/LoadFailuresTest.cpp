@@ -153,6 +153,7 @@ Objects:
         Parameter Type: Real
         Default Value: 0 [rad/s]
         Lower Bound: 0 [rad/s]
+        Lower Bound Excluded: yes
         Upper Bound: = ${^Case/Largest Angular Velocity}
         Quantity Type: Angular Velocity
       Fluid in the Domain:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <stdexcept>
 
 namespace tarn::tool {
@@ -11,5 +12,8 @@ class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+/// Writes the message, each of its lines with the name of the program in front.
+void print(std::ostream& err, Failure const& failure);
 
 }  // namespace tarn::tool

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <tarn/Error.h>
 
@@ -41,12 +42,15 @@ ModelFailure::ModelFailure(ModelText const& text, bool isModel)
     : Failure(messageOf(text, isModel)), source_(text.source()), malformed_(text.faults()) {}
 
 ModelState readModelFile(std::string const& name, TDFChangeFile::InputMode mode) {
+  if (mode == TDFChangeFile::Strict) {
+    ModelText text = readModelText(name);
+    if (!text.faults().empty()) throw ModelFailure(text, true);
+    return std::move(text).state();
+  }
   try {
     return TDFChangeFile({name}, {}, mode).toModelState();
-  } catch (ParseError const& error) {
-    throw Failure(error.getMessage() + " (nothing of the model was read; correct the line and run again)");
   } catch (FileError const& error) {
-    throw Failure(unreadable(error, name));
+    throw ModelFailure(unreadable(error, name));
   }
 }
 

@@ -29,7 +29,8 @@ class ModelFailure : public Failure {
   std::vector<ModelText::Fault> malformed_;
 };
 
-/// The model in a file; "-" is the standard input. Throws a `Failure` that says what to do if it cannot be read.
+/// The model in a file; "-" is the standard input. Throws a `ModelFailure` that says what to do if it cannot be read.
+/// In strict mode, it has all malformed lines.
 [[nodiscard]] ModelState readModelFile(std::string const& name, TDFChangeFile::InputMode mode);
 
 /// The text of a model, possibly with malformed lines. Throws a `ModelFailure` if it cannot be read.

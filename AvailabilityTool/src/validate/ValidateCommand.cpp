@@ -10,7 +10,6 @@
 #include <new>
 #include <optional>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -112,11 +111,6 @@ class Report {
   std::optional<SarifLog> log_;
 };
 
-void printLines(std::ostream& err, std::string const& message) {
-  std::istringstream lines(message);
-  for (std::string line; std::getline(lines, line);) err << "zev: " << line << '\n';
-}
-
 int validate(ValidateOptions const& options, std::ostream& out, std::ostream& err) {
   if (std::count(options.models.begin(), options.models.end(), "-") > 1) {
     throw Failure("\"-\" is given twice, but the standard input can be read only once; give it once");
@@ -142,7 +136,7 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
       report.add(name, findings);
     } catch (ModelFailure const& failure) {
       progress.hide();
-      printLines(err, failure.what());
+      print(err, failure);
       summary.addFailure();
       report.add(name, failure);
     }

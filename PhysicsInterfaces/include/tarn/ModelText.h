@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tarn/Export.h>
@@ -60,7 +61,8 @@ class TARN_EXPORT ModelText {
   [[nodiscard]] std::string const& source() const noexcept { return *source_; }
   /// The state that the well-formed lines give. If a parameter is given twice, the first value counts. An object
   /// without parameters has an entry with an empty map.
-  [[nodiscard]] ModelState const& state() const noexcept { return state_; }
+  [[nodiscard]] ModelState const& state() const& noexcept { return state_; }
+  [[nodiscard]] ModelState state() && noexcept { return std::move(state_); }
   /// The malformed lines, in the order of the text; the first `mostFaults` of them.
   [[nodiscard]] std::vector<Fault> const& faults() const noexcept { return faults_; }
   /// The number of all malformed lines.

@@ -60,6 +60,7 @@ void RuleBuilder::parseNamedBodies() {
       skipped = pending.body.beginOfExpression(skipped);
       pending.skipped = skipped;
       auto result = parsed(pending.body, skipped, role);
+      pending.hasQuantities = result.hasQuantities;
       pending.expression = std::move(result.expression);
       pending.source = StringUtilities::trimmed(std::string_view(pending.body.node->value).substr(skipped));
       for (auto const& call : result.calls) pending.calls.push_back(call.rule);
@@ -154,7 +155,7 @@ void RuleBuilder::bindNamedRules() {
       }
       if (pending.expression) {
         pending.rule->bind(std::move(pending.expression), std::move(pending.source));
-        toBind(*pending.rule->expression(), pending.body, pending.skipped);
+        toBind(*pending.rule->expression(), pending.hasQuantities, pending.body, pending.skipped);
       }
       states[&pending] = State::Done;
       stack.pop_back();

@@ -106,7 +106,7 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
     made->expression = keepContextFreeParts(std::move(result.expression));
     made->source = text;
     if (role == Role::Condition) made->condition = FlatCondition(*made->expression);
-    toBind(*made->expression, item, skipped);
+    toBind(*made->expression, result.hasQuantities, item, skipped);
     compiled = std::move(made);
     // Units that are wrong are reported in every place, so an expression with units is not shared.
     if (result.hasQuantities) {
@@ -119,14 +119,16 @@ CompiledPtr RuleBuilder::compiled(Item const& item, std::size_t skipped, Role ro
   return compiled;
 }
 
-void RuleBuilder::toBind(Expression& expression, Item const& item, std::size_t skipped) {
-  unbound_.push_back({&expression, item, skipped});
+void RuleBuilder::toBind(Expression& expression, bool hasQuantities, Item const& item, std::size_t skipped) {
+  unbound_.push_back({&expression, hasQuantities, item, skipped});
 }
 
 void RuleBuilder::bindQuantities() {
   if (quantityTypesAreWrong_) return;
   QuantityIndex const index(*data_);
-  for (auto const& [expression, item, skipped] : unbound_) {
+  bool const hasTypes = !data_->quantityTypes().empty();
+  for (auto const& [expression, hasQuantities, item, skipped] : unbound_) {
+    if (!hasTypes && !hasQuantities) continue;
     for (auto& issue : QuantityBinding(index).bind(*expression)) report(item, skipped, std::move(issue));
   }
 }
@@ -254,7 +256,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
-        if (result.expression) parts.push_back({result.expression.get(), part, skipped});
+        if (result.expression) parts.push_back({result.expression.get(), result.hasQuantities, part, skipped});
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);
           named->nesting = std::max(named->nesting, result.depth);

@@ -77,6 +77,7 @@ class RuleBuilder {
     Item name;
     Item body;
     std::size_t skipped = 0;  // bytes of the body before its expression
+    bool hasQuantities = false;
     ExpressionPtr expression;
     std::string source;
     std::vector<NamedRule const*> calls;
@@ -128,7 +129,7 @@ class RuleBuilder {
                std::string_view attribute);
 
   /// Remembers a parsed expression for `bindQuantities`.
-  void toBind(Expression& expression, Item const& item, std::size_t skipped);
+  void toBind(Expression& expression, bool hasQuantities, Item const& item, std::size_t skipped);
   /// Gives all numbers in expressions their quantity types, when all rules are read.
   void bindQuantities();
 
@@ -185,6 +186,7 @@ class RuleBuilder {
 
   struct Unbound {
     Expression* expression;
+    bool hasQuantities;
     Item item;
     std::size_t skipped;
   };

@@ -259,6 +259,23 @@ TEST(RuleDatabaseThreads, RuleFilesOfAWholeCaseServeFourThreadsAsWellAsOne) {
   EXPECT_EQ(onThreads(jobs, *rules), expected);
 }
 
+TEST(RuleDatabaseThreads, FourThreadsLoadRulesWithUnitsAndPatternsAtOnce) {
+  Job const load = [](PhysicsData const&) {
+    auto const rules = parseRules(
+        "Rule Database: 1\n"
+        "Quantity Types: {Time: {Units: [s, ms, min, widget]}, Length: {Units: [m, in]}}\n"
+        "Objects:\n"
+        "  /Chip: {Parameters: {Label: {Parameter Type: String, Pattern: '[A-Z]+'}}}\n");
+    auto const* label = rules->getParamValueDef("/Chip", "Label", true);
+    return Transcript{std::to_string(*rules->findQuantityType("Time")->numberOf("500 [ms]")),
+                      std::to_string(*rules->findQuantityType("Length")->numberOf("2 [in]")),
+                      rules->unitConverter()->convert(1, "kV", "V") ? "converts" : "does not convert",
+                      label->pattern->matches("TX") && !label->pattern->matches("tx") ? "matches" : "does not match"};
+  };
+  Transcript const expected = {"0.500000", "0.050800", "converts", "matches"};
+  EXPECT_THAT(onThreads({load, load, load, load}, PhysicsData()), testing::Each(expected));
+}
+
 TEST(RuleDatabaseThreads, EightThreadsMayBeTheFirstToSearchALongList) {
   for (int round = 0; round < rounds; ++round) {
     auto const rules = parseRules(heatingRules);

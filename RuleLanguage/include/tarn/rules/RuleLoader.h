@@ -61,8 +61,9 @@ template <std::convertible_to<std::filesystem::path> Path>
 
 /// The result of `lintRules` and `lintText`.
 struct LintResult {
-  /// Errors and warnings, in the order of files and of positions in them. Warnings compare rules with each other, so
-  /// there are none as long as there are errors. Empty when nothing was found.
+  /// Errors, warnings and notes, in the order of files and of positions in them. Warnings, notes and the errors that
+  /// only lint finds compare rules with each other, so there are none as long as there are other errors. Empty when
+  /// nothing was found.
   std::vector<Diagnostic> diagnostics;
   /// A file or folder could not be read.
   bool unreadable = false;
