@@ -220,9 +220,13 @@ std::unique_ptr<WalkObject> WalkTree::makeChild(WalkObject& parent, WalkObject::
   auto made = std::make_unique<WalkObject>(std::move(path), rules, traitsOf(rules), &parent);
   made->childEntry = entry;
   made->place = parent.nextPlace++;
-  auto& dirty = parent.extras().dirtyChildren;
-  dirty.emplace_hint(dirty.end(), made->ownKey(), made.get());
   list(*made);
+  try {
+    parent.extras().dirtyChildren.emplace(made->ownKey(), made.get());
+  } catch (...) {
+    unlist(*made);
+    throw;
+  }
   return made;
 }
 
@@ -264,15 +268,17 @@ bool WalkTree::noteDirty(WalkObject& object) noexcept {
 }
 
 EntryTraits const* WalkTree::traitsOf(ObjDependDef const* rules) {
-  auto const [place, isNew] = traits_.try_emplace(rules);
-  EntryTraits& traits = place->second;
-  if (!isNew || rules == nullptr) return &traits;
-  WalkObject::Entry entry = 0;
-  for (auto const& param : rules->params()) addTraits(*param, entry++, traits);
-  for (auto const& child : rules->children()) addTraits(*child, entry++, traits);
-  return &traits;
+  if (auto const known = traits_.find(rules); known != traits_.end()) return &known->second;
+  EntryTraits traits;
+  if (rules != nullptr) {
+    WalkObject::Entry entry = 0;
+    for (auto const& param : rules->params()) addTraits(*param, entry++, traits);
+    for (auto const& child : rules->children()) addTraits(*child, entry++, traits);
+  }
+  return &traits_.emplace(rules, std::move(traits)).first->second;
 }
 
+/// Fails before it has changed anything, or not at all.
 void WalkTree::list(WalkObject& object) {
   if (listed_ == buckets_.size()) grow();
   if (freeHandles_.empty()) {

@@ -60,6 +60,22 @@ struct AffectedWalk::OpenObject {
   WalkObject::ChildKey nextChild = 0;
 };
 
+/// New objects until they are among the children of their parent. Then the list is emptied.
+struct AffectedWalk::NewChildren {
+  explicit NewChildren(WalkTree& walkTree) noexcept : tree(walkTree) {}
+  NewChildren(NewChildren const&) = delete;
+  NewChildren& operator=(NewChildren const&) = delete;
+  ~NewChildren() {
+    for (auto const& object : objects) {
+      object->parent->forgetDirty(*object);
+      tree.unlist(*object);
+    }
+  }
+
+  WalkTree& tree;
+  std::vector<std::unique_ptr<WalkObject>> objects;
+};
+
 /// What takes the children of an entry back.
 struct AffectedWalk::FormerChildren {
   void operator()() noexcept {
@@ -250,8 +266,8 @@ void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
   setChildren(object, entry, cursor.getChildType(), cursor.isChildSingleton(), names);
 }
 
-/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept. New
-/// ones are placed behind them. So what comes behind a new one is new, too: such objects were deleted and made again.
+/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept. What
+/// comes behind a new one is new, too: such an object was deleted and made again.
 void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                                std::vector<std::string> const& names) {
   auto& children = object.children;
@@ -266,42 +282,57 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
   };
   if (std::equal(begin, end, names.begin(), names.end(), isNamed)) return;
 
-  std::unordered_map<std::string_view, std::size_t> placeOf;  // of the former children
-  std::vector<std::unique_ptr<WalkObject>> former(std::make_move_iterator(begin), std::make_move_iterator(end));
-  for (std::size_t i = 0; i < former.size(); ++i) placeOf.emplace(former[i]->path, i);
-
+  // First all that can fail. The objects stay where they are until then.
+  std::vector<WalkObject*> former;
+  std::unordered_map<std::string_view, std::size_t> placeOf;
+  for (auto child = begin; child != end; ++child) {
+    placeOf.emplace((*child)->path, former.size());
+    former.push_back(child->get());
+  }
   FormerChildren* record = nullptr;
   if (Journal* const journal = facts_.listings().recording()) {
-    FormerChildren made{this, &object, entry, {}, {}};
-    for (auto const& child : former) made.order.push_back(child.get());
-    record = &journal->add(std::move(made));
+    record = &journal->add(FormerChildren{this, &object, entry, former, {}});
   }
-
-  std::vector<std::unique_ptr<WalkObject>> now;
-  now.reserve(names.size());
-  std::uint32_t const firstNewPlace = object.nextPlace;
-  std::size_t next = 0;  // the first of the former children that may still be kept
+  std::size_t kept = 0;  // of the names
+  std::vector<bool> isKept(former.size());
+  for (std::size_t next = 0; kept < names.size(); ++kept) {
+    auto const known = placeOf.find(childPath(object, type, isSingleton, names[kept]));
+    if (known == placeOf.end() || known->second < next) break;
+    next = known->second + 1;
+    isKept[known->second] = true;
+  }
+  NewChildren made(marks_.tree);
+  made.objects.reserve(names.size() - kept);
   for (std::string const& name : names) {
     // The object is found under another path than the one under which the walk enters it.
     if (!isSingleton && name == type) marks_.lose();
-    std::string path = childPath(object, type, isSingleton, name);
-    auto const known = placeOf.find(path);
-    bool const isBehindNew = !now.empty() && now.back()->place >= firstNewPlace;
-    if (known != placeOf.end() && known->second >= next && !isBehindNew) {
-      next = known->second + 1;
-      now.push_back(std::move(former[known->second]));
-    } else {
-      now.push_back(newChild(object, entry, std::move(path)));
+    if (&name - names.data() >= static_cast<std::ptrdiff_t>(kept)) {
+      made.objects.push_back(newChild(object, entry, childPath(object, type, isSingleton, name)));
     }
   }
-  std::vector<std::unique_ptr<WalkObject>>& dropped = record != nullptr ? record->dropped : dropped_;
-  for (std::unique_ptr<WalkObject>& child : former) {
-    if (child == nullptr) continue;
-    drop(*child);
-    dropped.push_back(std::move(child));
+  for (std::size_t i = 0; i < former.size(); ++i) {
+    if (!isKept[i]) facts_.listings().removeAll(*former[i]);
   }
-  auto const place = children.erase(begin, end);
-  children.insert(place, std::make_move_iterator(now.begin()), std::make_move_iterator(now.end()));
+  std::vector<std::unique_ptr<WalkObject>>& dropped = record != nullptr ? record->dropped : dropped_;
+  dropped.reserve(dropped.size() + former.size());
+  auto const offset = begin - children.begin();
+  children.reserve(children.size() + made.objects.size());
+
+  auto const first = children.begin() + offset;
+  auto const last = first + static_cast<std::ptrdiff_t>(former.size());
+  auto place = first;
+  for (auto child = first; child != last; ++child) {
+    if (isKept[static_cast<std::size_t>(child - first)]) {
+      if (place != child) *place = std::move(*child);
+      ++place;
+    } else {
+      removeFromTree(**child);
+      dropped.push_back(std::move(*child));
+    }
+  }
+  place = children.erase(place, last);
+  children.insert(place, std::make_move_iterator(made.objects.begin()), std::make_move_iterator(made.objects.end()));
+  made.objects.clear();
 }
 
 std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObject::Entry entry, std::string path) {
@@ -315,11 +346,6 @@ std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObjec
 }
 
 /// Takes an object out of the walk. It may come back.
-void AffectedWalk::drop(WalkObject& top) {
-  forEachObject(top, [this](WalkObject& object) { facts_.listings().remove(object); });
-  removeFromTree(top);
-}
-
 void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
   top.parent->forgetDirty(top);
   forEachObject(top, [this](WalkObject& object) {

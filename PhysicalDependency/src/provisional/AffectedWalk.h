@@ -95,8 +95,8 @@ class AffectedWalk {
   void setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                    std::vector<std::string> const& names);
   std::unique_ptr<WalkObject> newChild(WalkObject& parent, WalkObject::Entry entry, std::string path);
-  void drop(WalkObject& top);
   struct FormerChildren;
+  struct NewChildren;
   void restoreChildren(FormerChildren& former);
   void removeFromTree(WalkObject& top) noexcept;
 

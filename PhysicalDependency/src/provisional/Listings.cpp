@@ -94,10 +94,12 @@ void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult resu
   }
 }
 
-void Listings::remove(WalkObject& object) {
-  for (WalkObject::Entry entry = 0; entry < object.numEntries(); ++entry) {
-    if (object.entries[entry].outputs != 0) set(object, entry, {});
-  }
+void Listings::removeAll(WalkObject& top) {
+  forEachObject(top, [this](WalkObject& object) {
+    for (WalkObject::Entry entry = 0; entry < object.numEntries(); ++entry) {
+      if (object.entries[entry].outputs != 0) set(object, entry, {});
+    }
+  });
 }
 
 void Listings::setParam(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {

@@ -40,8 +40,8 @@ class Listings {
   void beginChanges();
   /// Takes over the result of a visit that has run.
   void set(WalkObject& object, WalkObject::Entry entry, VisitResult result);
-  /// Takes all results of an object away.
-  void remove(WalkObject& object);
+  /// Takes all results of an object and everything below it away.
+  void removeAll(WalkObject& top);
   /// Ends a walk from `root` that broke off. The next walk is compared with the last one that was completed. The named
   /// types are those that were found until then: in all visits before `broken`, or in all if that has no object.
   void abandon(WalkObject* root, VisitRef broken) noexcept;
