@@ -80,6 +80,7 @@ struct AffectedWalk::FormerChildren {
 void AffectedWalk::attach(ProvisionalTDFDB const& view, ModelTDF const& base) noexcept {
   forget();
   view_ = &view;
+  context_.reset();
   model_.reset();
   // A derived class may answer otherwise than its tree.
   base_ = typeid(base) == typeid(DynamicTDF) ? dynamic_cast<DynamicTDF const*>(&base) : nullptr;
@@ -101,7 +102,7 @@ void AffectedWalk::beginWalk(std::string const& root) {
     if (base_ == nullptr || base_->getRevision() != baseRevision_) marks_.onOutside();
     return;
   }
-  if (model_ == nullptr) {
+  if (context_ == nullptr) {  // which is made last
     model_ = std::make_unique<RecordedModel>(*view_, marks_.recorder);
     context_ = std::make_unique<EvalContext>(model_.get(), &marks_.results);
   }
