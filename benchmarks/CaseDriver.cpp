@@ -79,8 +79,10 @@ std::vector<Operation> operations() {
        }},
       {"edit local", editing<&RepeatedEditing::editOneBoundary, Updates::Affected>},
       {"edit local, full walk", editing<&RepeatedEditing::editOneBoundary, Updates::Full>},
+      {"try local", editing<&RepeatedEditing::tryOneBoundary, Updates::Affected>},
       {"edit global", editing<&RepeatedEditing::editWholeCase, Updates::Affected>},
       {"edit global, full walk", editing<&RepeatedEditing::editWholeCase, Updates::Full>},
+      {"try global", editing<&RepeatedEditing::tryWholeCase, Updates::Affected>},
       {"start", starting<Updates::Affected>},
       {"start, full walk", starting<Updates::Full>},
       // With the base model, as a host has to fill it.

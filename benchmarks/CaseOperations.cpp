@@ -118,6 +118,20 @@ EditCounts RepeatedEditing::editWholeCase() {
   return edit(roots.front(), "Flow Regime", edits_++ % 2 ? "Turbulent" : "Laminar");
 }
 
+EditCounts RepeatedEditing::tryOneBoundary() {
+  ProvisionalTDF::Mark const before = state_->mark();
+  EditCounts const counts = edit(inlets_[tries_++ % inlets_.size()], "Kind", "Wall");
+  state_->rollback(before);
+  return counts;
+}
+
+EditCounts RepeatedEditing::tryWholeCase() {
+  ProvisionalTDF::Mark const before = state_->mark();
+  EditCounts const counts = edit(roots.front(), "Flow Regime", "Laminar");
+  state_->rollback(before);
+  return counts;
+}
+
 EditCounts RepeatedEditing::edit(std::string const& object, std::string const& parameter, std::string const& value) {
   state_->activeSetParam(object, parameter, value);
   return readAllGetters(*state_, object, parameter);

@@ -69,6 +69,9 @@ class RepeatedEditing {
   EditCounts editOneBoundary();
   /// Makes the case laminar, and turbulent again with the next call.
   EditCounts editWholeCase();
+  /// The same edits from an even number of edits on, each of them taken back after a look at its results.
+  EditCounts tryOneBoundary();
+  EditCounts tryWholeCase();
   /// Sets one parameter.
   EditCounts edit(std::string const& object, std::string const& parameter, std::string const& value);
 
@@ -83,6 +86,7 @@ class RepeatedEditing {
   std::unique_ptr<ProvisionalTDF> state_;
   std::vector<std::string> inlets_;
   std::size_t edits_ = 0;
+  std::size_t tries_ = 0;
   double startTime_ = 0;
   double bytes_ = 0;
   std::size_t parameters_ = 0;

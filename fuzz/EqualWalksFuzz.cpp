@@ -41,6 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     session.steps.push_back(random.nextStep(walks.state()));
     broken = walks.make(session.steps.back());
   }
+  if (broken.empty()) broken = walks.brokenAtEnd();
   if (!broken.empty())
     tarn::fuzz::fail("a walk of what is concerned equals a walk of everything", explained(session, nullptr));
   return 0;

@@ -48,6 +48,7 @@ TEST(EqualWalks, TwoStatesOfOneSessionAreEqualAfterEveryStep) {
   EXPECT_GT(report.changing, report.steps / 3);
   EXPECT_GT(report.refused, 100U);
   EXPECT_GT(report.thrown, 10U);
+  EXPECT_GT(report.rolledBack, 100U);
 }
 
 TEST(EqualWalks, TwoStatesAreEqualAfterAnAllocationFailedInBoth) {

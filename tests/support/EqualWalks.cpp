@@ -108,11 +108,27 @@ class Comparison {
   std::string difference_;
 };
 
+/// Writes down what one state shows.
+class Description {
+ public:
+  explicit Description(ProvisionalTDF const& state) : state_(state) {}
+
+  template <typename Getter>
+  void compare(std::string_view name, Getter const& getter) {
+    text_.append(name).append(": ").append(textOf(getter(state_))).append("\n");
+  }
+  [[nodiscard]] std::string const& text() const { return text_; }
+
+ private:
+  ProvisionalTDF const& state_;
+  std::string text_;
+};
+
 std::string yesNo(bool yes) {
   return yes ? "yes" : "no";
 }
 
-void compareTrees(Comparison& comparison) {
+void compareTrees(auto& comparison) {
   comparison.compare("the guide", [](ProvisionalTDF const& state) { return dump(intentOf(state).guide); });
   comparison.compare("the base tree", [](ProvisionalTDF const& state) { return dump(baseTreeOf(state)); });
   comparison.compare(
@@ -122,7 +138,7 @@ void compareTrees(Comparison& comparison) {
       "getActiveTDFState", [](auto const& state) -> auto& { return state.getActiveTDFState(); });
 }
 
-void compareLists(Comparison& comparison) {
+void compareLists(auto& comparison) {
   comparison.compare(
       "getModParams", [](auto const& state) -> auto& { return state.getModParams(); });
   comparison.compare(
@@ -156,7 +172,7 @@ void compareLists(Comparison& comparison) {
 }
 
 /// The getters that are asked about one item at a time. Both states have the same items by now.
-void compareItems(Comparison& comparison, ProvisionalTDF const& one) {
+void compareItems(auto& comparison, ProvisionalTDF const& one) {
   auto const compareParam = [&](std::string const& path, std::string const& name) {
     std::string const of = " of " + path + '/' + name;
     comparison.compare(
@@ -222,6 +238,16 @@ bool changedAnything(ProvisionalTDF const& state) {
          !state.getDeletedObjects().empty();
 }
 
+std::string shownBy(ProvisionalTDF const& state) {
+  Description description(state);
+  compareTrees(description);
+  description.compare("the active tree", [](ProvisionalTDF const& of) { return dump(outcomeOf(of).active); });
+  compareLists(description);
+  compareItems(description, state);
+  description.compare("the printed text", printed);
+  return description.text();
+}
+
 }  // namespace
 
 std::string firstDifference(ProvisionalTDF const& a, ProvisionalTDF const& b) {
@@ -246,8 +272,7 @@ EqualWalks::Side::Side(SessionStart const& start)
 }
 
 void EqualWalks::Side::replaceBase(ModelState const& newBase) {
-  // The former one must live until the state has the new one.
-  formerBase = std::exchange(base, modelOf(newBase, baseIsTree));
+  bases.push_back(modelOf(newBase, baseIsTree));
 }
 
 /// Returns what became of the step: "" if it was made, a refusal or an exception.
@@ -260,16 +285,20 @@ std::string EqualWalks::Side::make(SessionStep const& step) {
         break;
       case SessionStep::Kind::BaseUpdate:
         replaceBase(step.base);
-        state.baseUpdate(base.get());
+        state.baseUpdate(bases.back().get());
         break;
       case SessionStep::Kind::Initialise:
         replaceBase(step.base);
-        state.initialise(base.get(), step.guide);
+        state.initialise(bases.back().get(), step.guide);
         break;
       case SessionStep::Kind::InitialiseBasedOn:
         replaceBase(step.base);
-        state.initialiseBasedOn("/Case/Domain:stator", base.get(), step.guide);
+        state.initialiseBasedOn("/Case/Domain:stator", bases.back().get(), step.guide);
         break;
+      case SessionStep::Kind::SetMark:
+      case SessionStep::Kind::RollBack:
+      case SessionStep::Kind::Release:
+        break;  // the marks belong to the session
     }
   } catch (std::bad_alloc const&) {
     throw;
@@ -280,7 +309,7 @@ std::string EqualWalks::Side::make(SessionStep const& step) {
 }
 
 EqualWalks::EqualWalks(SessionStart const& start, FailAllocation failAllocation, bool willFail)
-    : first_(start), second_(start), failAllocation_(std::move(failAllocation)) {
+    : first_(start), second_(start), failAllocation_(std::move(failAllocation)), start_(start) {
   forceFullWalks(second_.state, !(willFail && failAllocation_));
   SessionStep step;
   step.kind = SessionStep::Kind::Initialise;
@@ -290,6 +319,8 @@ EqualWalks::EqualWalks(SessionStart const& start, FailAllocation failAllocation,
 }
 
 std::string EqualWalks::make(SessionStep const& step) {
+  if (step.kind >= SessionStep::Kind::SetMark) return endOrSetMark(step);
+  kept_.push_back(step);
   std::string ofFirst;
   std::string ofSecond;
   if (failAllocation_ && step.failingAllocation) {
@@ -310,12 +341,49 @@ std::string EqualWalks::make(SessionStep const& step) {
   return differenceAfter(ofFirst, ofSecond);
 }
 
+std::string EqualWalks::endOrSetMark(SessionStep const& step) {
+  constexpr std::size_t most = 4;
+  if (step.kind == SessionStep::Kind::SetMark) {
+    if (marks_.size() == most) return {};
+    std::string shown = shownBy(first_.state);
+    marks_.push_back({first_.state.mark(), second_.state.mark(), std::move(shown), kept_.size(), isIncomplete_});
+    return shownBy(first_.state) == marks_.back().shown ? difference() : "setting a mark changes what a state shows";
+  }
+  if (marks_.empty()) return {};
+  std::size_t const at = step.mark % marks_.size();
+  OpenMark const mark = std::move(marks_[at]);
+  marks_.erase(marks_.begin() + static_cast<std::ptrdiff_t>(at), marks_.end());
+  if (step.kind == SessionStep::Kind::Release) {
+    first_.state.release(mark.ofFirst);
+    second_.state.release(mark.ofSecond);
+    return {};
+  }
+  first_.state.rollback(mark.ofFirst);
+  second_.state.rollback(mark.ofSecond);
+  kept_.resize(mark.kept);
+  isIncomplete_ = mark.isIncomplete;
+  ++rolledBack_;
+  std::string const shown = shownBy(first_.state);
+  if (shown != mark.shown) return "a rollback leaves a difference\n  at the mark: " + mark.shown + "\n  now: " + shown;
+  return isIncomplete_ ? "" : difference();
+}
+
+std::string EqualWalks::brokenAtEnd() const {
+  bool const mayCompare = rolledBack_ != 0 && !isOver_ && !isIncomplete_ && failed_ == 0;
+  if (!mayCompare) return {};
+  Side straight(start_);
+  for (SessionStep const& step : kept_) (void)straight.make(step);
+  std::string const different = firstDifference(first_.state, straight.state);
+  return different.empty() ? "" : "a state that never made what was rolled back is different: " + different;
+}
+
 std::string EqualWalks::differenceAfter(std::string const& ofFirst, std::string const& ofSecond) {
   if (ofFirst != ofSecond) return "the result differs\n  first: " + ofFirst + "\n  second: " + ofSecond;
   if (ofFirst.starts_with("refusal")) ++refused_;
   bool const threw = ofFirst.starts_with("exception");
   if (threw) ++thrown_;
-  if (threw && first_.state.getActiveTDFState().empty()) {
+  isIncomplete_ = threw && first_.state.getActiveTDFState().empty();
+  if (isIncomplete_) {
     // The update is incomplete: its lists are of no use, and the active tree is what it came to.
     Comparison comparison(first_.state, second_.state);
     compareTrees(comparison);
@@ -336,7 +404,7 @@ std::string brokenBy(Session const& session, FailAllocation const& failAllocatio
   for (std::size_t i = 0; i < session.steps.size() && broken.empty() && !walks.isOver(); ++i) {
     broken = walks.make(session.steps[i]);
   }
-  return broken;
+  return broken.empty() ? walks.brokenAtEnd() : broken;
 }
 
 namespace {
@@ -467,7 +535,9 @@ EqualWalksReport checkEqualWalks(EqualWalksPlan const& plan) {
       ++report.steps;
       if (changedAnything(walks.state())) ++report.changing;
     }
+    if (broken.empty()) broken = walks.brokenAtEnd();
     ++report.sessions;
+    report.rolledBack += walks.rolledBack();
     report.refused += walks.refused();
     report.thrown += walks.thrown();
     report.failedAllocations += walks.failed();

@@ -17,7 +17,8 @@
 
 /// The law that an update which visits only what an edit concerns does exactly what a walk of everything does. Two
 /// states go through one session, one each way, and everything that they show, publish and keep is compared after every
-/// step.
+/// step. After a rollback they also show what they showed at the mark, and at the end what a third state shows that
+/// never made the steps that were taken back.
 ///
 ///     EqualWalksReport report = checkEqualWalks({.firstSeed = 1, .steps = 5000});
 ///     EXPECT_EQ(report.broken, "");
@@ -57,6 +58,10 @@ class EqualWalks {
   /// Makes the step in both states. Returns how they differ after it, or "".
   [[nodiscard]] std::string make(SessionStep const& step);
 
+  /// To be called after the last step. Returns how the first state differs from one that went through the same session
+  /// without the steps that were rolled back, or "".
+  [[nodiscard]] std::string brokenAtEnd() const;
+
   /// Makes an edit in the first state only, to test the comparison.
   void makeInFirstOnly(Edit const& edit) { (void)first_.state.apply(edit); }
   [[nodiscard]] std::string difference() const { return firstDifference(first_.state, second_.state); }
@@ -69,6 +74,7 @@ class EqualWalks {
   [[nodiscard]] std::size_t refused() const { return refused_; }
   [[nodiscard]] std::size_t thrown() const { return thrown_; }
   [[nodiscard]] std::size_t failed() const { return failed_; }
+  [[nodiscard]] std::size_t rolledBack() const { return rolledBack_; }
 
  private:
   struct Side {
@@ -80,11 +86,19 @@ class EqualWalks {
     BetaLoggingController messages;
     ReadingModifier modifier;
     bool baseIsTree;
-    std::shared_ptr<ModelTDF const> base;
-    std::shared_ptr<ModelTDF const> formerBase;
+    /// All so far: a rollback may bring one back.
+    std::vector<std::shared_ptr<ModelTDF const>> bases;
     ProvisionalTDF state;
   };
 
+  struct OpenMark {
+    ProvisionalTDF::Mark ofFirst;
+    ProvisionalTDF::Mark ofSecond;
+    std::string shown;
+    std::size_t kept;
+    bool isIncomplete;
+  };
+  [[nodiscard]] std::string endOrSetMark(SessionStep const& step);
   [[nodiscard]] std::string differenceAfter(std::string const& ofFirst, std::string const& ofSecond);
 
   Side first_;
@@ -95,6 +109,14 @@ class EqualWalks {
   std::size_t refused_ = 0;
   std::size_t thrown_ = 0;
   std::size_t failed_ = 0;
+
+  std::vector<OpenMark> marks_;
+  std::size_t rolledBack_ = 0;
+  /// The steps that no rollback has taken back, from the start on.
+  SessionStart start_;
+  std::vector<SessionStep> kept_;
+  /// The last update broke off, so its lists are of no use.
+  bool isIncomplete_ = false;
 };
 
 /// How a session breaks the law, or "".
@@ -124,6 +146,7 @@ struct EqualWalksReport {
   std::size_t refused = 0;
   std::size_t thrown = 0;
   std::size_t failedAllocations = 0;
+  std::size_t rolledBack = 0;
   /// Steps after which the change lists were not empty.
   std::size_t changing = 0;
   /// Sessions that ended early because an allocation failed in one state only.

@@ -188,6 +188,12 @@ std::string SessionStep::text() const {
     case Kind::InitialiseBasedOn:
       return result + "start again as a copy of the stator, with the base\n" + listingOf(base) + " and the guide\n" +
              listingOf(guide);
+    case Kind::SetMark:
+      return result + "set a mark";
+    case Kind::RollBack:
+      return result + "roll back to the open mark " + std::to_string(mark);
+    case Kind::Release:
+      return result + "release the open mark " + std::to_string(mark);
   }
   return result;
 }
@@ -577,6 +583,15 @@ ModelState RandomRuleBase::someGuide() {
 
 SessionStep RandomRuleBase::nextStep(ProvisionalTDF const& state) {
   SessionStep step;
+  if (chance(6)) {
+    // As many marks as ends of marks, and more are rolled back than released.
+    constexpr SessionStep::Kind kinds[] = {SessionStep::Kind::SetMark,  SessionStep::Kind::SetMark,
+                                           SessionStep::Kind::SetMark,  SessionStep::Kind::RollBack,
+                                           SessionStep::Kind::RollBack, SessionStep::Kind::Release};
+    step.kind = kinds[pick(std::size(kinds))];
+    step.mark = pick(4);
+    return step;
+  }
   if (!chance(12)) {
     step.edit = someEdit(state);
     return step;

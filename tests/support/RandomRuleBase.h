@@ -89,7 +89,7 @@ class ReadingModifier final : public QuantityModifier {
 
 /// One step of a session.
 struct SessionStep {
-  enum class Kind : int { MakeEdit, BaseUpdate, Initialise, InitialiseBasedOn };
+  enum class Kind : int { MakeEdit, BaseUpdate, Initialise, InitialiseBasedOn, SetMark, RollBack, Release };
 
   Kind kind = Kind::MakeEdit;
   Edit edit;
@@ -97,6 +97,9 @@ struct SessionStep {
   ModelState base;
   /// The guide of a new start.
   ModelState guide;
+  /// Counts the open marks around and around, for the one that is rolled back or released. Without an open mark such a
+  /// step does nothing.
+  std::size_t mark = 0;
   /// The allocation of this step that fails, counted from 0.
   std::optional<std::size_t> failingAllocation;
 

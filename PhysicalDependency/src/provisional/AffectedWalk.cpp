@@ -96,6 +96,7 @@ struct AffectedWalk::FormerChildren {
 void AffectedWalk::attach(ProvisionalTDFDB const& view, ModelTDF const& base) noexcept {
   forget();
   view_ = &view;
+  context_.reset();
   model_.reset();
   // A derived class may answer otherwise than its tree.
   base_ = typeid(base) == typeid(DynamicTDF) ? dynamic_cast<DynamicTDF const*>(&base) : nullptr;

@@ -68,9 +68,16 @@ void FollowedOffers::showOrHide() {
 
 void FollowedOffers::abandonChanges() noexcept {
   if (!isChanging_) return;
-  if (!isHidden_) std::swap(tracker_.previous_, tracker_.current_);
-  if (isAllNew_ || isHidden_) tracker_.previous_.clear();
-  tracker_.current_.clear();
+  // Recorded, because the steps of earlier updates hold positions in these lists.
+  Journal::CannotFail const scope(journal_);
+  bool const wasHidden = isHidden_;
+  if (!wasHidden) {
+    auto const exchange = [this]() noexcept { std::swap(tracker_.previous_, tracker_.current_); };
+    if (recording() != nullptr) journal_.add(exchange);
+    exchange();
+  }
+  if (isAllNew_ || wasHidden) journaled::assign(recording(), tracker_.previous_, {});
+  journaled::assign(recording(), tracker_.current_, {});
   params_.clear();
   objects_.clear();
   beginAll();

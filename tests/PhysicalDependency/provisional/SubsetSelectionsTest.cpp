@@ -79,10 +79,11 @@ TEST(SubsetSelections, ARollbackForgetsWhatWasSelectedSinceAndNoMore) {
 TEST(SubsetSelections, AValueThatARollbackForgotCanBeSelectedAgain) {
   Journal journal;
   SubsetSelections selections;
+  selections.rememberSubsetValue("/Case", "Fluid", "Air");
   for (int i = 0; i < 2; ++i) {
     Journal::Mark const mark = journal.mark();
     selections.rememberSubsetValues("/Case", "Fluid", {"Water", "Oil"}, &journal);
-    EXPECT_EQ(selections.getSubsetSelectionValues("/Case", "Fluid"), (Strings{"Water", "Oil"}));
+    EXPECT_EQ(selections.getSubsetSelectionValues("/Case", "Fluid"), (Strings{"Air", "Water", "Oil"}));
     journal.rollback(mark);
   }
 }
