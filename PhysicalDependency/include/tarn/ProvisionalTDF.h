@@ -196,8 +196,8 @@ class QuantityModifier;
 /// tree holds an object whose name is written and equals its type.
 ///
 /// Conditions, value rules and modifiers of a program are followed through what they read from the model that they get.
-/// What they read elsewhere cannot be followed. So rules that report unknown reads (`RuleReads::unknown`), and
-/// modifiers that do not say `readsOnlyModel`, are asked in every update. What rules read outside of the active root is
+/// Reads elsewhere cannot be followed. So rules that report unknown reads (`RuleReads::unknown`), and
+/// modifiers that do not say `readsOnlyModel`, are asked in every update. Reads of rules outside of the active root are
 /// followed if the base model is a `DynamicTDF`: its revision shows a change. With any other base model, rules that
 /// read outside are evaluated in every update. An entry that has read more than about a thousand facts is visited
 /// whenever anything changes.

@@ -7,8 +7,8 @@
 
 namespace tarn {
 
-/// What a visit of a walk can read, and what can change. A fact is known by a hash alone, so that it takes no memory
-/// for paths. Should two facts have the same hash, visits run that need not.
+/// Something that a visit of a walk can read, and that can change. A fact is known by a hash alone, so that it takes no
+/// memory for paths. Should two facts have the same hash, visits run that need not.
 using Fact = std::uint64_t;
 
 enum class FactKind : std::uint64_t {

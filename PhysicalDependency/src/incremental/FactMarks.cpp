@@ -164,7 +164,7 @@ void FactMarks::markItem(WalkObject& object, WalkObject::Entry entry, Self self)
   markVisit(object, entry);
 }
 
-// What a tree tells.
+// The changes of the trees.
 
 void FactMarks::Active::onParamSetChange(PathHash const& object, std::string_view name) noexcept {
   if (marks_.isMuted_) return;
@@ -179,7 +179,7 @@ void FactMarks::Active::onParamChange(PathHash const& object, std::string_view n
   if (!marks_.isOwnParam(object, name)) marks_.markParam(object, name, Self::IsLeftOut);
 }
 
-/// An object that is deleted, or comes back, is walked as a new one. What it held is gone, and the visits in it wrote
+/// An object that is deleted, or comes back, is walked as a new one. Its content is gone, and the visits in it wrote
 /// that.
 void FactMarks::Active::onObjectSetChange(PathHash const& parent, std::string_view type,
                                           PathHash const& object) noexcept {
@@ -202,7 +202,7 @@ void FactMarks::Guide::onParamChange(PathHash const& object, std::string_view na
   if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
 }
 
-/// A value for a tried object is taken away with that object. What remains are the objects above it that were missing.
+/// A value for a tried object is taken away with that object. The objects above it that were missing remain.
 void FactMarks::Guide::onObjectSetChange(PathHash const& parent, std::string_view type,
                                          PathHash const& object) noexcept {
   if (marks_.isMutedFor(object)) {

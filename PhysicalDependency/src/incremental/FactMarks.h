@@ -44,7 +44,7 @@ class FactMarks {
   void endVisit();
   [[nodiscard]] WalkObject* object() const noexcept { return object_; }
   [[nodiscard]] WalkObject::Entry entry() const noexcept { return entry_; }
-  /// For a visit that tries an object, which nobody else sees. What happens in trees meanwhile marks nothing.
+  /// For a visit that tries an object, which nobody else sees. Changes of it in the trees mark nothing.
   void setMuted(bool isMuted) noexcept { isMuted_ = isMuted; }
   /// @}
 
@@ -55,7 +55,7 @@ class FactMarks {
   void onOwnFact(std::string_view key) noexcept;
   /// The running visit runs again in the next walk.
   void repeatVisit() noexcept;
-  /// What is outside of the active root may have changed.
+  /// Something outside of the active root may have changed.
   void onOutside() noexcept { change(factOf(FactKind::Outside, PathHash())); }
   void markVisit(WalkObject& object, WalkObject::Entry entry) noexcept;
   /// @}

@@ -21,7 +21,7 @@ class ReadRecorder {
 
   void record(Fact fact) {
     if (!isRecording_) return;
-    // Rules often read the same fact several times in a row. What was read before a result was opened is not its read.
+    // Rules often read the same fact several times in a row. Reads before a result was opened are not its reads.
     std::size_t const begin = open_.empty() ? 0 : open_.back().begin;
     if (reads_.size() == begin || reads_.back() != fact) reads_.push_back(fact);
   }

@@ -1,5 +1,5 @@
-// What is outside of the active root belongs to the base model, which is not followed: all of it is one fact. The list
-// of the children of the active root's parent comes from both models, and counts as read from both.
+// Everything outside of the active root belongs to the base model, which is not followed: all of it is one fact. The
+// list of the children of the active root's parent comes from both models, and counts as read from both.
 
 #include "incremental/RecordedModel.h"
 

@@ -14,8 +14,8 @@
 namespace tarn {
 
 /// The results that rules keep while walks are followed. A result has reads of its own. It holds, also from one walk to
-/// the next, until one of them changes. Who uses it reads the result, and not everything behind it: a list of all
-/// objects that every object asks for is one fact.
+/// the next, until one of them changes. A user of the result reads one fact, and not everything behind it, even for a
+/// list of all objects that every object asks for.
 class RecordedResults final : public EvalCache {
  public:
   RecordedResults(ReadRecorder& recorder, ReaderIndex& readers) noexcept : recorder_(recorder), readers_(readers) {}

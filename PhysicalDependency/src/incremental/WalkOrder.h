@@ -19,9 +19,9 @@ class WalkOrder {
 
   /// Later, the entries of `visit` become `texts`.
   void replace(VisitRef visit, std::vector<std::string> texts) { replacements_.push_back({visit, std::move(texts)}); }
-  /// Makes all replacements. The objects of replaced visits may go after that. Linear in the part of the list behind
-  /// the first replacement; a list without replacements costs nothing. With a journal, that can be undone, and the
-  /// whole list is copied.
+  /// Makes all replacements. The objects of replaced visits may go after that. Linear in the part of the list after the
+  /// first replacement; a list without replacements costs nothing. With a journal, that can be undone, and the whole
+  /// list is copied.
   void apply(std::vector<std::string>& list, Journal* journal);
 
   void clear() noexcept;

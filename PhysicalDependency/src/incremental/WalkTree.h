@@ -17,7 +17,7 @@
 
 namespace tarn {
 
-/// What the entries of one object type mean for all objects of that type.
+/// The properties of the entries of one object type.
 struct EntryTraits {
   /// Entries that may read things which nobody can follow. Their visits run in every walk.
   std::vector<std::uint32_t> unfollowed;
@@ -64,7 +64,7 @@ struct WalkObject {
   }
   [[nodiscard]] ChildKey ownKey() const noexcept { return childKey(childEntry, place); }
 
-  /// What a visit has published: the bits of `outputs`.
+  /// The bits of `outputs`: the lists to which a visit has added something.
   static constexpr unsigned Offered = 1;
   static constexpr unsigned Empty = 2;
   static constexpr unsigned EmptyTyped = 4;
@@ -101,7 +101,7 @@ struct WalkObject {
   std::uint64_t firstMarks = 0;
   std::unique_ptr<std::uint64_t[]> moreMarks;
 
-  /// What few objects have.
+  /// The state that few objects have.
   struct Extras {
     /// Where the offer of a parameter is listed, by entry. Empty while the object offers none.
     std::vector<PotentialUpdateData::Params::iterator> offerAt;
@@ -135,7 +135,7 @@ struct VisitRef {
   WalkObject::Entry entry = 0;
 };
 
-/// Returns whether the walk comes to `a` before `b`. Proportional to the depth.
+/// Returns whether the walk reaches `a` before `b`. Proportional to the depth.
 [[nodiscard]] bool comesBefore(VisitRef a, VisitRef b) noexcept;
 
 /// The objects of a walk that is followed.
@@ -167,7 +167,7 @@ class WalkTree {
   }
   [[nodiscard]] WalkObject* byHandle(std::uint32_t handle) const noexcept { return byHandle_[handle]; }
 
-  /// Marks a visit, so that a walk comes to it. Returns false when memory ran out.
+  /// Marks a visit, so that a walk reaches it. Returns false when memory ran out.
   [[nodiscard]] bool mark(WalkObject& object, WalkObject::Entry entry) noexcept;
   [[nodiscard]] bool markAll(WalkObject& object) noexcept;
 

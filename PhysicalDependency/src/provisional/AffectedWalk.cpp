@@ -76,7 +76,7 @@ struct AffectedWalk::NewChildren {
   std::vector<std::unique_ptr<WalkObject>> objects;
 };
 
-/// What takes the children of an entry back.
+/// The step that takes the children of an entry back.
 struct AffectedWalk::FormerChildren {
   void operator()() noexcept {
     try {
@@ -257,7 +257,7 @@ void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
     if (names.size() != 1) marks_.lose();
     std::string const tried = childPath(object, cursor.getChildType(), false, names.back());
     names.pop_back();
-    // Nobody is told of the tried object. So results that rules keep do not hold while it exists, nor those made then
+    // The tried object marks nothing. So results that rules keep do not hold while it exists, nor those made then
     // afterwards.
     bool const areKept = marks_.results.isEnabled();
     marks_.results.enable(false);
@@ -267,8 +267,8 @@ void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
   setChildren(object, entry, cursor.getChildType(), cursor.isChildSingleton(), names);
 }
 
-/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept. What
-/// comes behind a new one is new, too: such an object was deleted and made again.
+/// Makes the children of an entry those with these names, in this order. Those that stay in their order are kept. All
+/// after a new one are new, too: such an object was deleted and made again.
 void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                                std::vector<std::string> const& names) {
   auto& children = object.children;

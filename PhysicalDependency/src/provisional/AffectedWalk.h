@@ -22,7 +22,7 @@ class PhysicsData;
 class ProvisionalFacts;
 class ProvisionalTDFDB;
 
-/// What a walk of a provisional state calls, with the meaning of the hooks of `DependencyAnalyser`.
+/// The handlers that a walk of a provisional state calls. They mean the same as the hooks of `DependencyAnalyser`.
 class WalkHandler {
  public:
   virtual DependencyAnalyser::HandlerStatus onBeginObject(ObjBeginInfo const* info) = 0;

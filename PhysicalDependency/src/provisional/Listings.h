@@ -15,7 +15,7 @@
 
 namespace tarn {
 
-/// What one visit contributes to the lists that a whole walk makes up.
+/// The contribution of one visit to the lists that a whole walk makes up.
 struct VisitResult {
   bool offersParam = false;
   /// Empty for a parameter that is offered without allowed values.

@@ -25,7 +25,7 @@ class ParamAllowedValues;
 class ParamAvailInfo;
 class QuantityModifier;
 
-/// What an update does to bring the outcome up to date.
+/// The ways in which an update brings the outcome up to date.
 enum class UpdateKind {
   WithoutWalk,
   /// A walk of everything, which keeps nothing for the next one.

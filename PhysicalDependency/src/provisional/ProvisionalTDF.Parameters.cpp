@@ -188,7 +188,7 @@ bool ProvisionalTDF::Impl::updateFreeParam(std::string const& p_objPath, std::st
   return m_facts.updateParam(p_objPath, p_name, value);
 }
 
-/// What the modifier reads is followed like what rules read.
+/// The model for the modifier. Its reads are followed like those of rules.
 ModelTDF const* ProvisionalTDF::Impl::modelOfRules() const noexcept {
   return m_walk.isFollowing() ? m_walk.model() : m_provisionalDB.get();
 }

@@ -1,5 +1,5 @@
-// The potential items of walks that visit only what changes. What an item was before is noted when it first changes in
-// a walk. In the walk that starts to follow, the tracker collects and compares as always, and nothing is noted.
+// The potential items of walks that visit only what changes. The former state of an item is noted when it first changes
+// in a walk. In the walk that starts to follow, the tracker collects and compares as always, and nothing is noted.
 
 #include "trackers/FollowedOffers.h"
 
@@ -99,7 +99,7 @@ void FollowedOffers::addParam(Place const* next, std::string const& objPath, std
       recording(),
       [&] { place = next != nullptr ? params.emplace_hint(*next, objPath, name) : params.emplace(objPath, name); },
       [&params, &place]() noexcept { params.erase(place); });
-  // Should the walk come to an object twice, what it finds first stays, as in the tracker.
+  // Should the walk enter an object twice, the first values stay, as in the tracker.
   if (allowed != nullptr) journaled::emplace(recording(), allowedOf(objPath), name, *allowed);
 }
 

@@ -58,7 +58,7 @@ class FollowedOffers {
   void complete(DynamicTDF const& model);
 
  private:
-  /// What a parameter was before the walk, and whether it is potential now.
+  /// The state of a parameter before the walk, and whether it is potential now.
   struct ParamChange {
     std::string name;
     bool wasOffered = false;

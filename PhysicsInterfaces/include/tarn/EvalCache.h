@@ -18,8 +18,8 @@ namespace tarn {
 /// If it changes for a while only, disable the cache for that time: the results that it holds are used again when it is
 /// enabled. A cache starts disabled. It is for one thread.
 ///
-/// Who evaluates an expression calls `find` first. If that gives nothing, it evaluates the expression and calls `store`
-/// for it. Derive from this class to learn which results are used, and where their evaluation begins and ends.
+/// The evaluation of an expression calls `find` first. If that gives nothing, it evaluates the expression and calls
+/// `store` for it. Derive from this class to learn which results are used, and where their evaluation begins and ends.
 class TARN_EXPORT EvalCache {
  public:
   using Result = std::variant<bool, double, std::string, SharedStrings>;

@@ -12,6 +12,7 @@
 
 #include "expression/Expression.h"
 #include "expression/FlatCondition.h"
+#include "expression/Quantities.h"
 
 // Expressions in the form in which a rule database owns them. Rules with the same text share one parsed expression;
 // each keeps its own `RulePlace`.
@@ -65,6 +66,16 @@ class CompiledText final : public CompiledRule<TextExpression> {
  public:
   using CompiledRule::CompiledRule;
   [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    return expression().text(frame(context, evalContext));
+  }
+};
+
+/// The rule for the quantity type of a parameter.
+class CompiledQuantityType final : public CompiledRule<TextExpression> {
+ public:
+  using CompiledRule::CompiledRule;
+  [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override {
+    DeterminingQuantityType const scope;
     return expression().text(frame(context, evalContext));
   }
 };

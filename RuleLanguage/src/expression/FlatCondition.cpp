@@ -90,7 +90,7 @@ class FlatCondition::Maker {
     add(*operands.back(), ifTrue, ifFalse);
   }
 
-  /// Returns false when the comparison is none of a parameter with a text.
+  /// Returns false when it does not compare a parameter with a text.
   static bool setComparison(Comparison const& comparison, Test& test) {
     bool const isEqual = comparison.op() == Comparison::Operator::Equal;
     if (!isEqual && comparison.op() != Comparison::Operator::NotEqual) return false;

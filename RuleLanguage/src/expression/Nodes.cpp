@@ -209,6 +209,7 @@ ParamValueDef const* ParameterReference::valueRule(std::string const& path) cons
 }
 
 QuantityType const* ParameterReference::quantityAt(Frame const& frame, std::string const& path) const {
+  if (DeterminingQuantityType::isActive()) return nullptr;
   if (mixed_ == nullptr) return quantity();
   auto const* rule = valueRule(path);
   auto const found = mixed_->each.find(rule);
@@ -776,7 +777,7 @@ void NamedCall::collectReads(RuleReads& reads, PathPattern const& base) const {
 template <typename Result, typename Evaluate>
 Result Kept::kept(Frame const& frame, Evaluate evaluate) const {
   auto* cache = frame.evalContext != nullptr ? frame.evalContext->getCache() : nullptr;
-  if (cache == nullptr || !cache->isEnabled()) return evaluate();
+  if (cache == nullptr || !cache->isEnabled() || DeterminingQuantityType::isActive()) return evaluate();
   if (auto const* known = cache->find(this)) return std::get<Result>(*known);
   return std::get<Result>(*cache->store(this, evaluate()));
 }

@@ -8,6 +8,24 @@
 
 namespace tarn::rules {
 
+namespace {
+
+thread_local bool isDetermining = false;
+
+}  // namespace
+
+DeterminingQuantityType::DeterminingQuantityType() noexcept : wasActive_(isDetermining) {
+  isDetermining = true;
+}
+
+DeterminingQuantityType::~DeterminingQuantityType() {
+  isDetermining = wasActive_;
+}
+
+bool DeterminingQuantityType::isActive() noexcept {
+  return isDetermining;
+}
+
 QuantityIndex::QuantityIndex(PhysicsData const& data) : data_(data) {
   if (data.quantityTypes().empty()) return;
   std::unordered_map<std::string, std::shared_ptr<ParameterQuantity>> found;

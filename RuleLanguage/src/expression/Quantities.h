@@ -19,6 +19,21 @@ namespace tarn::rules {
 
 class QuantityLiteral;
 
+/// Exists while the rule for a quantity type is evaluated on this thread. Meanwhile the numbers of parameters count
+/// alone, without their units: the rule may compare the parameter whose type it gives, which would ask for its type
+/// again, without end. Results of that time differ from others and are not kept.
+class DeterminingQuantityType {
+ public:
+  DeterminingQuantityType() noexcept;
+  ~DeterminingQuantityType();
+  DeterminingQuantityType(DeterminingQuantityType const&) = delete;
+  DeterminingQuantityType& operator=(DeterminingQuantityType const&) = delete;
+  [[nodiscard]] static bool isActive() noexcept;
+
+ private:
+  bool const wasActive_;
+};
+
 /// The quantity types of all parameters with one name.
 struct ParameterQuantity {
   /// The type of all of them; null when they differ, or when some have none or compute it.

@@ -167,7 +167,11 @@ std::unique_ptr<Condition> RuleBuilder::condition(Item const& item, std::string_
 
 std::unique_ptr<TextExpression> RuleBuilder::textOrExpression(Item const& item, std::string_view attribute) {
   if (!scalar(item, attribute)) return nullptr;
-  if (isExpression(*item.node)) return placed<CompiledText>(compiled(item, 1, Role::Text, attribute), item, 1);
+  if (isExpression(*item.node)) {
+    auto expression = compiled(item, 1, Role::Text, attribute);
+    if (attribute == "Quantity Type") return placed<CompiledQuantityType>(std::move(expression), item, 1);
+    return placed<CompiledText>(std::move(expression), item, 1);
+  }
   auto text = std::make_unique<FixedText>(item.node->value);
   text->setRulePlace(item.place());
   return text;

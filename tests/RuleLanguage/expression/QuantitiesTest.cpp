@@ -37,6 +37,7 @@ Checks:
       Size: {Parameter Type: Real}
       Kind Of Size: {Parameter Type: String}
       Computed: {Parameter Type: Real, Quantity Type: "= ${Kind Of Size}"}
+      Own: {Parameter Type: Real, Quantity Type: "= if(${Own} > 4, 'Length', 'Time')"}
 )yaml";
     std::string const rotor = "/Case/Domain:rotor";
     model_.set(rotor, "Timeout", "500 [ms]");
@@ -53,6 +54,7 @@ Checks:
     model_.set(rotor, "Size", "5 [mm]");
     model_.set(rotor, "Kind Of Size", "Length");
     model_.set(rotor, "Computed", "5 [mm]");
+    model_.set(rotor, "Own", "5 [mm]");
     model_.set("/Case/Domain:stator", "Period", "1 [min]");
   }
 };
@@ -190,6 +192,14 @@ TEST(QuantitiesOfRules, UnitsInSeveralTypesAreClearWhenAllConvertThemAlike) {
                            "Quantity Types: {Delay: {Units: [s, ms]}, Time: {Units: [s, ms, min]}}\n"
                            "Checks: {is slow: \"${/Case/Note} > 500 [ms]\"}\n"),
             "");
+}
+
+// Its number without units decides: the type is not known yet.
+TEST_F(Quantities, AQuantityTypeMayDependOnTheNumberOfItsOwnParameter) {
+  expectTexts({
+      {"number(${Own})", "0.005"},
+      {"${Own} == ${Computed}", "true"},
+  });
 }
 
 }  // namespace
