@@ -1,6 +1,7 @@
 #include "incremental/FactMarks.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <tarn/PathUtils.h>
 
@@ -14,7 +15,74 @@ Fact anyChange() noexcept {
 
 }  // namespace
 
-void FactMarks::beginVisit(WalkObject& object, WalkObject::Entry entry) noexcept {
+/// Takes the reads of a visit back.
+struct FactMarks::FormerReads {
+  void operator()() noexcept {
+    try {
+      marks->readers.setReads({object->handle, entry}, object->entries[entry].reads, reads);
+    } catch (...) {
+      marks->isLost_ = true;
+    }
+  }
+
+  FactMarks* marks;
+  WalkObject* object;
+  WalkObject::Entry entry;
+  std::vector<Fact> reads;
+};
+
+/// Takes all marks of an object back.
+struct FactMarks::FormerMarks {
+  void operator()() noexcept {
+    object->unmarkAll();
+    object->isNew = isNew;
+    for (WalkObject::Entry const entry : entries) object->mark(entry);
+    if (!object->isClean() && !WalkTree::noteDirty(*object)) marks->isLost_ = true;
+  }
+
+  FactMarks* marks;
+  WalkObject* object;
+  bool isNew;
+  std::vector<WalkObject::Entry> entries;
+};
+
+void FactMarks::recordReads(WalkObject& object, WalkObject::Entry entry) {
+  journal_->add(FormerReads{this, &object, entry, readers.factsOf(object.entries[entry].reads)});
+}
+
+void FactMarks::recordReads(WalkObject& top) {
+  if (journal_ == nullptr) return;
+  forEachObject(top, [this](WalkObject& object) {
+    for (WalkObject::Entry entry = 0; entry < object.numEntries(); ++entry) {
+      if (object.entries[entry].reads != ReaderIndex::nothing) recordReads(object, entry);
+    }
+  });
+}
+
+void FactMarks::recordMarks(WalkObject& object) {
+  if (journal_ == nullptr) return;
+  FormerMarks former{this, &object, object.isNew, {}};
+  for (auto entry = object.nextMarked(0); entry < object.numEntries(); entry = object.nextMarked(entry + 1)) {
+    former.entries.push_back(entry);
+  }
+  journal_->add(std::move(former));
+}
+
+void FactMarks::markAll(WalkObject& object) noexcept {
+  try {
+    recordMarks(object);
+  } catch (...) {
+    isLost_ = true;
+  }
+  if (!tree.markAll(object)) isLost_ = true;
+}
+
+void FactMarks::beginVisit(WalkObject& object, WalkObject::Entry entry) {
+  if (journal_ != nullptr && object.isMarked(entry)) {
+    journal_->add([this, &object, entry]() noexcept {
+      if (!tree.mark(object, entry)) isLost_ = true;
+    });
+  }
   object.unmark(entry);
   object_ = &object;
   entry_ = entry;
@@ -35,12 +103,14 @@ void FactMarks::endVisit() {
     reads.assign(1, anyChange());
     isAnyRead_ = true;
   }
+  if (journal_ != nullptr) recordReads(object, entry_);
   readers.setReads({object.handle, entry_}, object.entries[entry_].reads, reads);
 }
 
 /// The name of a parameter may hold a "/", so each of them may divide the key. The running visit may have tried the
 /// object of the item.
 void FactMarks::onOwnFact(std::string_view key) noexcept {
+  if (isRollingBack_) return;
   for (std::size_t slash = key.find('/'); slash != std::string_view::npos; slash = key.find('/', slash + 1)) {
     markParam(PathHash(key.substr(0, slash)), key.substr(slash + 1), Self::IsMarked);
   }
@@ -68,7 +138,17 @@ void FactMarks::repeatVisit() noexcept {
 
 void FactMarks::markVisit(WalkObject& object, WalkObject::Entry entry) noexcept {
   if (object.isSkipped) return;
-  if (entry >= object.numEntries() || !tree.mark(object, entry)) isLost_ = true;
+  if (entry >= object.numEntries()) {
+    isLost_ = true;
+    return;
+  }
+  if (object.isMarked(entry)) return;
+  try {
+    if (journal_ != nullptr) journal_->add([&object, entry]() noexcept { object.unmark(entry); });
+  } catch (...) {
+    isLost_ = true;
+  }
+  if (!tree.mark(object, entry)) isLost_ = true;
 }
 
 void FactMarks::clear() noexcept {
@@ -82,6 +162,8 @@ void FactMarks::clear() noexcept {
   isMuted_ = false;
   isLost_ = false;
   isAnyRead_ = false;
+  isRollingBack_ = false;
+  recordIn(nullptr);
 }
 
 /// Marks all readers of a fact. A kept result that has read it does not hold any more, so its readers are concerned,
@@ -144,6 +226,7 @@ void FactMarks::markChildren(PathHash const& object, std::string_view type, Self
 /// While an object is tried, only what happens to it and below it is nobody's business. The others that can change then
 /// are above it.
 bool FactMarks::isMutedFor(PathHash const& object) const noexcept {
+  if (isRollingBack_) return true;
   if (!isMuted_ || object_ == nullptr) return false;
   for (WalkObject const* above = object_; above != nullptr; above = above->parent) {
     if (above->pathHash == object.value()) return false;
@@ -167,13 +250,13 @@ void FactMarks::markItem(WalkObject& object, WalkObject::Entry entry, Self self)
 // The changes of the trees.
 
 void FactMarks::Active::onParamSetChange(PathHash const& object, std::string_view name) noexcept {
-  if (marks_.isMuted_) return;
+  if (marks_.isMuted_ || marks_.isRollingBack_) return;
   marks_.change(factOf(FactKind::ParamNames, object));
   onParamChange(object, name);
 }
 
 void FactMarks::Active::onParamChange(PathHash const& object, std::string_view name) noexcept {
-  if (marks_.isMuted_) return;
+  if (marks_.isMuted_ || marks_.isRollingBack_) return;
   marks_.change(factOf(FactKind::Param, object, name));
   marks_.changeAny();
   if (!marks_.isOwnParam(object, name)) marks_.markParam(object, name, Self::IsLeftOut);
@@ -189,22 +272,21 @@ void FactMarks::Active::onObjectSetChange(PathHash const& parent, std::string_vi
   marks_.change(factOf(FactKind::AllChildren, parent));
   marks_.changeAny();
   marks_.markChildren(parent, type, Self::IsLeftOut);
-  marks_.tree.forEachAt(object, [this](WalkObject& found) {
-    if (!marks_.tree.markAll(found)) marks_.isLost_ = true;
-  });
+  marks_.tree.forEachAt(object, [this](WalkObject& found) { marks_.markAll(found); });
 }
 
 void FactMarks::Guide::onParamSetChange(PathHash const& object, std::string_view name) noexcept {
-  if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
+  if (!marks_.isMuted_ && !marks_.isRollingBack_) marks_.markParam(object, name, Self::IsMarked);
 }
 
 void FactMarks::Guide::onParamChange(PathHash const& object, std::string_view name) noexcept {
-  if (!marks_.isMuted_) marks_.markParam(object, name, Self::IsMarked);
+  if (!marks_.isMuted_ && !marks_.isRollingBack_) marks_.markParam(object, name, Self::IsMarked);
 }
 
 /// A value for a tried object is taken away with that object. The objects above it that were missing remain.
 void FactMarks::Guide::onObjectSetChange(PathHash const& parent, std::string_view type,
                                          PathHash const& object) noexcept {
+  if (marks_.isRollingBack_) return;
   if (marks_.isMutedFor(object)) {
     marks_.recordSafely(factOf(FactKind::GuideObject, PathHash(marks_.object_->path)));
     return;

@@ -9,6 +9,7 @@
 #include "incremental/ReaderIndex.h"
 #include "incremental/RecordedResults.h"
 #include "incremental/WalkTree.h"
+#include "journal/Journal.h"
 #include "tree/TreeListener.h"
 
 namespace tarn {
@@ -39,13 +40,28 @@ class FactMarks {
 
   /// @name The running visit
   /// @{
-  void beginVisit(WalkObject& object, WalkObject::Entry entry) noexcept;
+  void beginVisit(WalkObject& object, WalkObject::Entry entry);
   /// Keeps what the visit has read.
   void endVisit();
   [[nodiscard]] WalkObject* object() const noexcept { return object_; }
   [[nodiscard]] WalkObject::Entry entry() const noexcept { return entry_; }
   /// For a visit that tries an object, which nobody else sees. Changes of it in the trees mark nothing.
   void setMuted(bool isMuted) noexcept { isMuted_ = isMuted; }
+  /// @}
+
+  /// @name Marks of a state
+  /// @{
+  /// From now on, every change here and in the objects is recorded; null ends that.
+  void recordIn(Journal* journal) noexcept {
+    journal_ = journal;
+    results.recordIn(journal);
+  }
+  /// While a rollback takes facts back, it marks nothing: the marks are taken back as well.
+  void setRollingBack(bool isRollingBack) noexcept { isRollingBack_ = isRollingBack; }
+  /// What the visits in an object and below it have read is about to be forgotten.
+  void recordReads(WalkObject& top);
+  /// The object is about to be unmarked as a whole.
+  void recordMarks(WalkObject& object);
   /// @}
 
   /// @name Changes
@@ -61,7 +77,7 @@ class FactMarks {
   /// @}
 
   /// A change could not be followed, so the marks are incomplete.
-  [[nodiscard]] bool isLost() const noexcept { return isLost_; }
+  [[nodiscard]] bool isLost() const noexcept { return isLost_ || results.isLost(); }
   void lose() noexcept { isLost_ = true; }
   void clear() noexcept;
 
@@ -91,6 +107,11 @@ class FactMarks {
     FactMarks& marks_;
   };
 
+  struct FormerReads;
+  struct FormerMarks;
+  void recordReads(WalkObject& object, WalkObject::Entry entry);
+  void markAll(WalkObject& object) noexcept;
+
   enum class Self { IsMarked, IsLeftOut };
 
   void change(Fact fact) noexcept;
@@ -113,6 +134,8 @@ class FactMarks {
   std::vector<Fact> changed_;
   std::vector<Fact> pending_;  // the kept results that were dropped and whose readers are still to be marked
   bool isMuted_ = false;
+  bool isRollingBack_ = false;
+  Journal* journal_ = nullptr;
   bool isLost_ = false;
   /// A visit counts as reading any change.
   bool isAnyRead_ = false;

@@ -38,6 +38,12 @@ void ReaderIndex::clearReads(Reads& reads) noexcept {
   }
 }
 
+std::vector<Fact> ReaderIndex::factsOf(Reads reads) const {
+  std::vector<Fact> facts;
+  for (; reads != nothing; reads = links_[reads].nextOfReader) facts.push_back(facts_[links_[reads].fact].fact);
+  return facts;
+}
+
 void ReaderIndex::clear() noexcept {
   facts_.clear();
   links_.clear();

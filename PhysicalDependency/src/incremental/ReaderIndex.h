@@ -24,6 +24,7 @@ class ReaderIndex {
   /// Replaces what the reader reads. The facts must not repeat.
   void setReads(Reader reader, Reads& reads, std::vector<Fact> const& facts);
   void clearReads(Reads& reads) noexcept;
+  [[nodiscard]] std::vector<Fact> factsOf(Reads reads) const;
 
   /// Calls `visit` with each reader of the fact. It must not change this index.
   template <class Visit>

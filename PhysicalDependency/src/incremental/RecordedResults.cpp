@@ -5,6 +5,26 @@
 
 namespace tarn {
 
+/// Takes a result back.
+struct RecordedResults::Former {
+  void operator()() noexcept {
+    Kept& kept = results->kept_[place];
+    std::swap(kept.result, result);
+    kept.holds = holds;
+    try {
+      results->readers_.setReads({group, place}, kept.reads, reads);
+    } catch (...) {
+      results->isLost_ = true;
+    }
+  }
+
+  RecordedResults* results;
+  std::uint32_t place;
+  Result result;
+  bool holds;
+  std::vector<Fact> reads;
+};
+
 EvalCache::Result const* RecordedResults::find(void const* rule) const {
   if (!isEnabled()) return nullptr;
   auto const place = places_.find(rule);
@@ -22,6 +42,9 @@ EvalCache::Result const* RecordedResults::store(void const* rule, Result result)
   std::uint32_t const place = entry->second;
   if (place == kept_.size()) kept_.emplace_back();
   Kept& kept = kept_[place];
+  if (journal_ != nullptr) {
+    journal_->add(Former{this, place, kept.result, kept.holds, readers_.factsOf(kept.reads)});
+  }
   // A list that came out as before stays the same list: those who compare it with their own copy are done at once.
   bool const isSameList = std::holds_alternative<SharedStrings>(result) && kept.result == result;
   if (!isSameList) kept.result = std::move(result);
@@ -34,10 +57,20 @@ EvalCache::Result const* RecordedResults::store(void const* rule, Result result)
 }
 
 bool RecordedResults::drop(std::uint32_t place) noexcept {
-  return std::exchange(kept_[place].holds, false);
+  if (!kept_[place].holds) return false;
+  if (journal_ != nullptr) {
+    try {
+      journal_->add([this, place]() noexcept { kept_[place].holds = true; });
+    } catch (...) {
+      isLost_ = true;
+    }
+  }
+  kept_[place].holds = false;
+  return true;
 }
 
 void RecordedResults::forgetAll() noexcept {
+  isLost_ = false;
   for (Kept& kept : kept_) {
     kept.holds = false;
     kept.reads = ReaderIndex::nothing;

@@ -10,6 +10,7 @@
 
 #include "incremental/ReadRecorder.h"
 #include "incremental/ReaderIndex.h"
+#include "journal/Journal.h"
 
 namespace tarn {
 
@@ -29,6 +30,10 @@ class RecordedResults final : public EvalCache {
 
   /// Drops a result. Returns false when it does not hold anyway.
   bool drop(std::uint32_t place) noexcept;
+  /// From now on, changes are recorded; null ends that.
+  void recordIn(Journal* journal) noexcept { journal_ = journal; }
+  /// A change could not be recorded.
+  [[nodiscard]] bool isLost() const noexcept { return isLost_; }
   void forgetAll() noexcept;
 
  private:
@@ -38,8 +43,12 @@ class RecordedResults final : public EvalCache {
     ReaderIndex::Reads reads = ReaderIndex::nothing;
   };
 
+  struct Former;
+
   ReadRecorder& recorder_;
   ReaderIndex& readers_;
+  Journal* journal_ = nullptr;
+  bool isLost_ = false;
   std::unordered_map<void const*, std::uint32_t> places_;
   std::deque<Kept> kept_;
   std::vector<Fact> reads_;  // of the result that is stored

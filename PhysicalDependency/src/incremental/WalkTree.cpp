@@ -127,6 +127,11 @@ WalkObject::Entry WalkObject::nextMarked(Entry from) const noexcept {
   return static_cast<Entry>(word * bitsOfWord) + static_cast<Entry>(std::countr_zero(bits));
 }
 
+bool WalkObject::isMarked(Entry entry) const noexcept {
+  std::uint64_t const word = entry < bitsOfWord ? firstMarks : moreMarks[entry / bitsOfWord - 1];
+  return (word >> entry % bitsOfWord & 1U) != 0;
+}
+
 bool WalkObject::mark(Entry entry) noexcept {
   std::uint64_t& word = marksAt(entry / bitsOfWord);
   std::uint64_t const bit = std::uint64_t{1} << entry % bitsOfWord;

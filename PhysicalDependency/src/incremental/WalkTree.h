@@ -40,6 +40,7 @@ struct WalkObject {
   /// The first marked entry from `from` on, or `numEntries`.
   [[nodiscard]] Entry nextMarked(Entry from) const noexcept;
   [[nodiscard]] bool isClean() const noexcept { return markCount == 0 && !hasDirtyChildren(); }
+  [[nodiscard]] bool isMarked(Entry entry) const noexcept;
   /// Returns whether it was not marked.
   bool mark(Entry entry) noexcept;
   void markAll() noexcept;
@@ -170,11 +171,12 @@ class WalkTree {
   /// Marks a visit, so that a walk reaches it. Returns false when memory ran out.
   [[nodiscard]] bool mark(WalkObject& object, WalkObject::Entry entry) noexcept;
   [[nodiscard]] bool markAll(WalkObject& object) noexcept;
+  /// Lets the objects above know that there are marks. Returns false when memory ran out.
+  [[nodiscard]] static bool noteDirty(WalkObject& object) noexcept;
 
   void clear() noexcept;
 
  private:
-  [[nodiscard]] static bool noteDirty(WalkObject& object) noexcept;
   EntryTraits const* traitsOf(ObjDependDef const* rules);
   void list(WalkObject& object);
 

@@ -148,6 +148,7 @@ void AffectedWalk::forget() noexcept {
 void AffectedWalk::open(std::vector<std::unique_ptr<OpenObject>>& stack, WalkObject& object) {
   stack.push_back(std::make_unique<OpenObject>(object, context_.get(), &rules_));
   if (!object.isNew) return;
+  marks_.recordMarks(object);
   object.isNew = false;
   ObjBeginInfoAdapter const info(object.path, stack.back()->cursor, object.isRequired, object.isCoupled);
   object.isSkipped = handler_.onBeginObject(&info) == DependencyAnalyser::SkipObject;
@@ -194,9 +195,6 @@ void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
     visitChildren(open, entry);
   }
   marks_.endVisit();
-  if (Journal* const journal = facts_.listings().recording()) {
-    journal->add([this, &object, entry]() noexcept { marks_.markVisit(object, entry); });
-  }
   facts_.collectInto(nullptr);
   facts_.listings().set(object, entry, std::move(result_));
   auto const& unfollowed = object.traits->unfollowed;
@@ -290,10 +288,6 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
     placeOf.emplace((*child)->path, former.size());
     former.push_back(child->get());
   }
-  FormerChildren* record = nullptr;
-  if (Journal* const journal = facts_.listings().recording()) {
-    record = &journal->add(FormerChildren{this, &object, entry, former, {}});
-  }
   std::size_t kept = 0;  // of the names
   std::vector<bool> isKept(former.size());
   for (std::size_t next = 0; kept < names.size(); ++kept) {
@@ -301,6 +295,14 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
     if (known == placeOf.end() || known->second < next) break;
     next = known->second + 1;
     isKept[known->second] = true;
+  }
+  FormerChildren* record = nullptr;
+  if (Journal* const journal = facts_.listings().recording()) {
+    // Before the children, because their reads come back after they have.
+    for (std::size_t i = 0; i < former.size(); ++i) {
+      if (!isKept[i]) marks_.recordReads(*former[i]);
+    }
+    record = &journal->add(FormerChildren{this, &object, entry, former, {}});
   }
   NewChildren made(marks_.tree);
   made.objects.reserve(names.size() - kept);
@@ -355,8 +357,7 @@ void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
   marks_.tree.unlist(top);
 }
 
-/// Children that were there before come back, and all visits in those that were dropped are marked: nobody knows any
-/// more what they have read. Children that were not there go; the lists do not refer to them any more.
+/// Children that were there before come back. Children that were not there go; the lists do not refer to them any more.
 void AffectedWalk::restoreChildren(FormerChildren& former) {
   auto& children = former.parent->children;
   auto const isBefore = [](std::unique_ptr<WalkObject> const& child, WalkObject::Entry e) {
@@ -382,9 +383,8 @@ void AffectedWalk::restoreChildren(FormerChildren& former) {
   children.insert(place, std::make_move_iterator(before.begin()), std::make_move_iterator(before.end()));
   for (WalkObject* const child : dropped) {
     marks_.tree.relist(*child);
-    forEachObject(*child, [this](WalkObject& object) {
-      if (!marks_.tree.markAll(object)) marks_.lose();
-    });
+    bool const isDirty = !child->isClean() || child->isNew;
+    if (isDirty && !WalkTree::noteDirty(*child)) marks_.lose();
   }
 }
 

@@ -366,14 +366,7 @@ bool ProvisionalFacts::hasAmbiguousPaths() const noexcept {
 
 /// For a fact of an item that is not in a tree. The item is known by the key under which its decision is kept.
 void ProvisionalFacts::ownFactWritten(std::string_view p_key) noexcept {
-  if (m_marks == nullptr) return;
-  m_marks->onOwnFact(p_key);
-  if (!m_journal.isRecording()) return;
-  try {
-    m_ownFacts.emplace_back(p_key);
-  } catch (...) {
-    m_marks->lose();
-  }
+  if (m_marks != nullptr) m_marks->onOwnFact(p_key);
 }
 
 // Marks.
@@ -381,10 +374,11 @@ void ProvisionalFacts::ownFactWritten(std::string_view p_key) noexcept {
 std::size_t ProvisionalFacts::mark() {
   std::size_t const number = m_openMarks.size();
   m_openMarks.reserve(number + 1);
-  OpenMark made{m_journal.mark(), {}, {}, m_ownFacts.size()};
+  OpenMark made{m_journal.mark(), {}, {}};
   try {
     if (m_marks != nullptr) {
       made.listings = m_listings.mark();
+      m_marks->recordIn(m_listings.recording());
     } else {
       made.lists = copyOfLists();
     }
@@ -396,20 +390,23 @@ std::size_t ProvisionalFacts::mark() {
   return number;
 }
 
-/// The trees come first: taking them back marks visits of the walk as it is now.
+/// What changes have marked is taken back with the listings. So taking the stores back marks nothing.
 void ProvisionalFacts::rollback(std::size_t p_mark) noexcept {
   OpenMark& mark = m_openMarks[p_mark];
+  if (m_marks != nullptr) m_marks->setRollingBack(true);
   m_journal.rollback(mark.stores);
   if (mark.listings) {
     m_listings.rollback(*mark.listings, listingMarksBefore(p_mark));
-    for (std::size_t i = mark.ownFacts; i < m_ownFacts.size(); ++i) m_marks->onOwnFact(m_ownFacts[i]);
   } else {
     // Walks may have been followed since then. Their lists go.
     while (m_openMarks.size() > p_mark + 1) m_openMarks.pop_back();
     if (m_marks != nullptr) m_marks->lose();
     restoreLists(*mark.lists);
   }
-  m_ownFacts.resize(mark.ownFacts);
+  if (m_marks != nullptr) {
+    m_marks->setRollingBack(false);
+    m_marks->recordIn(m_listings.recording());
+  }
   while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
 }
 
@@ -417,8 +414,8 @@ void ProvisionalFacts::release(std::size_t p_mark) noexcept {
   OpenMark& mark = m_openMarks[p_mark];
   m_journal.release(mark.stores);
   if (mark.listings) m_listings.release(*mark.listings, listingMarksBefore(p_mark));
+  if (m_marks != nullptr) m_marks->recordIn(m_listings.recording());
   while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
-  if (m_openMarks.empty()) m_ownFacts.clear();
 }
 
 std::size_t ProvisionalFacts::listingMarksBefore(std::size_t p_mark) const noexcept {

@@ -156,8 +156,7 @@ class ProvisionalFacts final : public Journal::Participant {
   /// A mark is known by the number of marks that were open before it.
   /// @{
   [[nodiscard]] std::size_t mark();
-  /// Takes everything back to the mark, and ends it and all later ones. The visits that changes concern are marked
-  /// again.
+  /// Takes everything back to the mark, and ends it and all later ones.
   void rollback(std::size_t p_mark) noexcept;
   void release(std::size_t p_mark) noexcept;
   [[nodiscard]] std::size_t openMarks() const noexcept { return m_openMarks.size(); }
@@ -187,8 +186,6 @@ class ProvisionalFacts final : public Journal::Participant {
     /// While walks are followed, their listings are recorded. Otherwise their lists are kept as they were.
     std::optional<Journal::Mark> listings;
     std::optional<Lists> lists;
-    /// The number of own facts that were written before.
-    std::size_t ownFacts;
   };
   [[nodiscard]] Lists copyOfLists() const;
   void restoreLists(Lists& p_lists) noexcept;
@@ -196,8 +193,6 @@ class ProvisionalFacts final : public Journal::Participant {
   [[nodiscard]] std::size_t listingMarksBefore(std::size_t p_mark) const noexcept;
 
   std::vector<OpenMark> m_openMarks;
-  /// The keys of the own facts that were written while a mark is open.
-  std::vector<std::string> m_ownFacts;
 
   /// Destroyed after what it records.
   Journal m_journal;
