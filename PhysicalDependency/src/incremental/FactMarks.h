@@ -58,7 +58,7 @@ class FactMarks {
   }
   /// While a rollback takes facts back, it marks nothing: the marks are taken back as well.
   void setRollingBack(bool isRollingBack) noexcept { isRollingBack_ = isRollingBack; }
-  /// What the visits in an object and below it have read is about to be forgotten.
+  /// The reads of the visits in an object and below it are about to be forgotten.
   void recordReads(WalkObject& top);
   /// The object is about to be unmarked as a whole.
   void recordMarks(WalkObject& object);

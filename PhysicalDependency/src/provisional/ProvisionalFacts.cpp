@@ -390,7 +390,7 @@ std::size_t ProvisionalFacts::mark() {
   return number;
 }
 
-/// What changes have marked is taken back with the listings. So taking the stores back marks nothing.
+/// Marks of visits are taken back with the listings. So taking the stores back marks nothing.
 void ProvisionalFacts::rollback(std::size_t p_mark) noexcept {
   OpenMark& mark = m_openMarks[p_mark];
   if (m_marks != nullptr) m_marks->setRollingBack(true);
