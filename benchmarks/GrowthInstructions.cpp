@@ -278,7 +278,7 @@ std::vector<Kind> kindsOfRules() {
       {"many object types", 60,
        [=](std::size_t n) {
          std::string text = caseWith("    Children:\n");
-         text += repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; });
+         text += repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {Coupled: yes}\n"; });
          return lint(text + objectTypes(n), true);
        }},
       {"object types far down", 20,
@@ -400,7 +400,8 @@ std::vector<Kind> kindsOfRules() {
              header + "Checks:\n" +
                  repeated(n, [](std::size_t i) { return "  c" + number(i) + ": ${Name} == '" + number(i) + "'\n"; }) +
                  "Objects:\n  /Case:\n    Children:\n" +
-                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {}\n"; }) + objectTypes(n),
+                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {Coupled: yes}\n"; }) +
+                 objectTypes(n),
              true);
        }},
       {"many paths through all objects over many object types", 60,

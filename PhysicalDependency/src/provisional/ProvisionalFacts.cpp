@@ -436,7 +436,8 @@ void ProvisionalFacts::restoreLists(Lists& p_lists) noexcept {
 }
 
 /// Walks are not followed any more. So the record of their listings goes, and each open mark gets the lists themselves.
-/// Should there be no memory for them, they are empty after a rollback, as after a refused edit.
+/// Should there be no memory for those of an inner mark, they are empty after a rollback to it, as after a refused
+/// edit.
 void ProvisionalFacts::keepListsOfMarks() noexcept {
   if (m_openMarks.empty()) return;
   Lists now{PotentialUpdateTracker(), {}, {}, {}};
@@ -448,9 +449,14 @@ void ProvisionalFacts::keepListsOfMarks() noexcept {
   for (std::size_t i = m_openMarks.size(); i-- > 0;) {
     OpenMark& mark = m_openMarks[i];
     if (!mark.listings) continue;
-    m_listings.rollback(*mark.listings, listingMarksBefore(i));
+    std::size_t const before = listingMarksBefore(i);
+    m_listings.rollback(*mark.listings, before);
     mark.listings.reset();
     mark.lists.emplace();
+    if (before == 0) {
+      restoreLists(*mark.lists);  // the lists themselves, since nobody needs them any more
+      continue;
+    }
     try {
       *mark.lists = copyOfLists();
     } catch (...) {
