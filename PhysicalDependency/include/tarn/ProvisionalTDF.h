@@ -332,9 +332,11 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Marks nest. Each must be ended once, by `rollback` or by `release`, which keeps what was done since. That also
   /// ends all marks that were set after it. Ending a mark that has ended already has no effect while no other one is
   /// open. While a mark is open, every change takes memory until the outermost mark ends. A rollback costs about as
-  /// much as the edits that it takes back. It cannot fail, and no observer is called. References that getters returned
-  /// are valid until the next edit, `baseUpdate` or `rollback`. A base model that `baseUpdate` has replaced must live
-  /// until the marks before that have ended.
+  /// much as the edits that it takes back. It cannot fail, and no observer is called. One thing may
+  /// be lost: if memory runs out in an update that walks everything while marks are nested, the lists of potential
+  /// items and of empty parameters are empty after a rollback to an inner mark. References that getters returned are
+  /// valid until the next edit, `baseUpdate` or `rollback`. A base model that `baseUpdate` has replaced must live until
+  /// the marks before that have ended.
   /// @{
   class Mark {
    private:
