@@ -196,7 +196,7 @@ void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
   }
   marks_.endVisit();
   facts_.collectInto(nullptr);
-  facts_.listings().set(object, entry, std::move(result_));
+  facts_.listings().set(object, entry, result_);
   auto const& unfollowed = object.traits->unfollowed;
   if (std::binary_search(unfollowed.begin(), unfollowed.end(), entry)) marks_.markVisit(object, entry);
 }
@@ -338,7 +338,8 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
   made.objects.clear();
 }
 
-std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObject::Entry entry, std::string path) {
+std::unique_ptr<WalkObject> AffectedWalk::newChild(WalkObject& parent, WalkObject::Entry entry,
+                                                   std::string const& path) {
   ChildAvail const& rules = *parent.rules->children()[entry - parent.numParams()];
   (void)TDFPath(path);  // throws for a path that cannot be read
   auto child = marks_.tree.makeChild(parent, entry, path,

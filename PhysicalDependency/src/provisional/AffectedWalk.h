@@ -94,7 +94,7 @@ class AffectedWalk {
   void setContextValue(WalkObject& object, WalkObject::Entry entry, std::string const* value);
   void setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                    std::vector<std::string> const& names);
-  std::unique_ptr<WalkObject> newChild(WalkObject& parent, WalkObject::Entry entry, std::string path);
+  std::unique_ptr<WalkObject> newChild(WalkObject& parent, WalkObject::Entry entry, std::string const& path);
   struct FormerChildren;
   struct NewChildren;
   void restoreChildren(FormerChildren& former);

@@ -86,11 +86,11 @@ void Listings::release(Journal::Mark mark, std::size_t stillOpen) noexcept {
   openMarks_ = stillOpen;
 }
 
-void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
+void Listings::set(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
   if (entry < object.numParams()) {
     setParam(object, entry, result);
   } else {
-    setChildren(object, entry, std::move(result));
+    setChildren(object, entry, result);
   }
 }
 
@@ -138,7 +138,7 @@ void Listings::setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult
   offers_.addParam(place, object.path, entry, name, allowed, extras.offerAt[entry]);
 }
 
-void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result) {
+void Listings::setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult const& result) {
   bool const offeredName = (object.entries[entry].outputs & WalkObject::OffersName) != 0;
   if (offeredName != result.offersName) {
     std::string const& type = object.rules->children()[entry - object.numParams()]->type;

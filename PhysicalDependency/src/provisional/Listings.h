@@ -39,7 +39,7 @@ class Listings {
   /// Begins a later walk, which changes them.
   void beginChanges();
   /// Takes over the result of a visit that has run.
-  void set(WalkObject& object, WalkObject::Entry entry, VisitResult result);
+  void set(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
   /// Takes all results of an object and everything below it away.
   void removeAll(WalkObject& top);
   /// Ends a walk from `root` that broke off. The next walk is compared with the last one that was completed. The named
@@ -67,7 +67,7 @@ class Listings {
   using NamedType = std::pair<std::string, std::string>;
 
   void setParam(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
-  void setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult result);
+  void setChildren(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
   void setOffer(WalkObject& object, WalkObject::Entry entry, VisitResult const& result);
   void list(WalkOrder& order, std::vector<std::string>& texts, VisitRef visit, std::vector<std::string> now);
   void changeNamedTypes();
