@@ -174,6 +174,12 @@ void WalkObject::forgetDirty(WalkObject const& child) noexcept {
   if (ownExtras != nullptr) ownExtras->dirtyChildren.erase(child.ownKey());
 }
 
+std::pair<WalkObject::Children, WalkObject::Children> WalkObject::childrenOf(Entry entry) noexcept {
+  auto const isBefore = [](std::unique_ptr<WalkObject> const& child, Entry e) { return child->childEntry < e; };
+  auto const begin = std::lower_bound(children.begin(), children.end(), entry, isBefore);
+  return {begin, std::lower_bound(begin, children.end(), entry + 1, isBefore)};
+}
+
 std::string const& WalkObject::contextBefore(Entry entry) const {
   static std::string const none;
   if (ownExtras == nullptr) return none;

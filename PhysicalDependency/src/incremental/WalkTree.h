@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <tarn/ObjDependDef.h>
@@ -122,6 +123,9 @@ struct WalkObject {
 
   /// In the order of their keys.
   std::vector<std::unique_ptr<WalkObject>> children;
+  /// The range of those that belong to one entry.
+  using Children = std::vector<std::unique_ptr<WalkObject>>::iterator;
+  [[nodiscard]] std::pair<Children, Children> childrenOf(Entry entry) noexcept;
   /// The next object whose path has the same bucket.
   WalkObject* nextInBucket = nullptr;
 

@@ -8,7 +8,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include <tarn/BoolFromEnvironment.h>
 #include <tarn/DynamicTDF.h>
 #include <tarn/ObjDependency.h>
 #include <tarn/PathUtils.h>
@@ -18,6 +17,7 @@
 
 #include "analysis/AvailInfoAdapters.h"
 #include "journal/JournaledWrites.h"
+#include "provisional/KeepingResults.h"
 #include "provisional/ProvisionalFacts.h"
 
 namespace tarn {
@@ -31,20 +31,6 @@ std::string childPath(WalkObject const& parent, std::string const& type, bool is
   if (!isSingleton) path.append(1, ':').append(name);
   return path;
 }
-
-/// Rules keep results only during a walk.
-class KeepingResults {
- public:
-  explicit KeepingResults(EvalCache& results) : results_(results) {
-    results_.enable(!BoolFromEnvironment("TARN_PHYSVAL_DONTUSECACHE"));
-  }
-  ~KeepingResults() { results_.enable(false); }
-  KeepingResults(KeepingResults const&) = delete;
-  KeepingResults& operator=(KeepingResults const&) = delete;
-
- private:
-  EvalCache& results_;
-};
 
 }  // namespace
 
@@ -270,12 +256,9 @@ void AffectedWalk::visitChildren(OpenObject& open, WalkObject::Entry entry) {
 void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std::string const& type, bool isSingleton,
                                std::vector<std::string> const& names) {
   auto& children = object.children;
-  auto const before = [](std::unique_ptr<WalkObject> const& child, WalkObject::Entry e) {
-    return child->childEntry < e;
-  };
-  auto const begin = std::lower_bound(children.begin(), children.end(), entry, before);
-  auto const end = std::lower_bound(begin, children.end(), entry + 1, before);
-  auto const isNamed = [&](std::unique_ptr<WalkObject> const& child, std::string const& name) {
+  auto const [begin, end] = object.childrenOf(entry);
+  auto const isNamed = [&object, &type, isSingleton](std::unique_ptr<WalkObject> const& child,
+                                                     std::string const& name) {
     std::size_t const beforeName = object.path.size() + type.size() + 2;
     return isSingleton || (child->path.size() == beforeName + name.size() && child->path.ends_with(name));
   };
@@ -306,12 +289,10 @@ void AffectedWalk::setChildren(WalkObject& object, WalkObject::Entry entry, std:
   }
   NewChildren made(marks_.tree);
   made.objects.reserve(names.size() - kept);
-  for (std::string const& name : names) {
-    // The object is found under another path than the one under which the walk enters it.
-    if (!isSingleton && name == type) marks_.lose();
-    if (&name - names.data() >= static_cast<std::ptrdiff_t>(kept)) {
-      made.objects.push_back(newChild(object, entry, childPath(object, type, isSingleton, name)));
-    }
+  // Such an object is found under another path than the one under which the walk enters it.
+  if (!isSingleton && std::find(names.begin(), names.end(), type) != names.end()) marks_.lose();
+  for (std::size_t i = kept; i < names.size(); ++i) {
+    made.objects.push_back(newChild(object, entry, childPath(object, type, isSingleton, names[i])));
   }
   for (std::size_t i = 0; i < former.size(); ++i) {
     if (!isKept[i]) facts_.listings().removeAll(*former[i]);
@@ -361,11 +342,7 @@ void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
 /// Children that were there before come back. Children that were not there go; the lists do not refer to them any more.
 void AffectedWalk::restoreChildren(FormerChildren& former) {
   auto& children = former.parent->children;
-  auto const isBefore = [](std::unique_ptr<WalkObject> const& child, WalkObject::Entry e) {
-    return child->childEntry < e;
-  };
-  auto const begin = std::lower_bound(children.begin(), children.end(), former.entry, isBefore);
-  auto const end = std::lower_bound(begin, children.end(), former.entry + 1, isBefore);
+  auto const [begin, end] = former.parent->childrenOf(former.entry);
   std::unordered_map<WalkObject const*, std::unique_ptr<WalkObject>> known;
   std::vector<WalkObject*> dropped;
   for (auto child = begin; child != end; ++child) known.emplace(child->get(), std::move(*child));

@@ -7,7 +7,6 @@
 #include <typeinfo>
 #include <utility>
 
-#include <tarn/BoolFromEnvironment.h>
 #include <tarn/EvalCache.h>
 #include <tarn/EvalContext.h>
 #include <tarn/OperationTimer.h>
@@ -15,30 +14,11 @@
 #include <tarn/ProvisionalTDFDB.h>
 
 #include "journal/JournaledWrites.h"
+#include "provisional/KeepingResults.h"
 #include "provisional/ProvisionalTDFImpl.h"
 #include "tree/DynamicTDFImpl.h"
 
 namespace tarn {
-
-namespace {
-
-/// Lets rules keep results for the time of one walk. During the walk the facts drop them whenever the active tree
-/// changes. Before it, the host may have changed the base model without notice, so a walk begins with none.
-class KeepingResults {
- public:
-  explicit KeepingResults(EvalCache& results) : results_(results) {
-    results_.clear();
-    results_.enable(!BoolFromEnvironment("TARN_PHYSVAL_DONTUSECACHE"));
-  }
-  ~KeepingResults() { results_.enable(false); }
-  KeepingResults(KeepingResults const&) = delete;
-  KeepingResults& operator=(KeepingResults const&) = delete;
-
- private:
-  EvalCache& results_;
-};
-
-}  // namespace
 
 void ProvisionalTDF::Impl::updateActiveTDF(bool p_analyse) {
   try {
@@ -75,6 +55,9 @@ void ProvisionalTDF::Impl::walk(UpdateKind p_kind) {
     m_walk.run(m_activeRoot);
     return;
   }
+  // During the walk the facts drop them whenever the active tree changes. Before it, the host may have changed the base
+  // model without notice, so a walk begins with none.
+  m_facts.keptResults().clear();
   KeepingResults const results(m_facts.keptResults());
   m_owner.analyse(m_activeRoot, m_evalContext.get());
 }
