@@ -72,7 +72,7 @@ SarifLog::SarifLog(std::ostream& out, std::vector<Rule> const& rules) : out_(out
        << dump(tool) << R"(,"columnKind":"unicodeCodePoints","results":[)";
 }
 
-void SarifLog::add(Result const& result) {
+void SarifLog::add(Result const& result, Json const& properties) {
   Json json = {{"ruleId", result.ruleId}, {"level", result.level}, {"message", {{"text", result.message}}}};
   Json locations = locationsOf(result.places);
   if (!result.object.empty()) {
@@ -81,7 +81,7 @@ void SarifLog::add(Result const& result) {
   }
   if (!locations.empty()) json["locations"] = std::move(locations);
   if (!result.related.empty()) json["relatedLocations"] = locationsOf(result.related);
-  if (!result.properties.is_null()) json["properties"] = result.properties;
+  if (!properties.is_null()) json["properties"] = properties;
   out_ << (isFirst_ ? "\n" : ",\n") << dump(json);
   isFirst_ = false;
 }

@@ -44,8 +44,6 @@ class SarifLog {
     std::vector<Place> related;
     /// The path of the object in the model; "" for none.
     std::string object;
-    /// More data about the result; null for none.
-    Json properties;
   };
 
   /// Writes the beginning of the log. `out` must outlive the log.
@@ -53,7 +51,8 @@ class SarifLog {
   SarifLog(SarifLog const&) = delete;
   SarifLog& operator=(SarifLog const&) = delete;
 
-  void add(Result const& result);
+  /// `properties` is more data about the result; null for none.
+  void add(Result const& result, Json const& properties);
   /// Something that kept the program from its work.
   void addFailure(std::string const& message, std::vector<Place> const& places = {});
   /// Writes the end of the log. Call it once, at the end.

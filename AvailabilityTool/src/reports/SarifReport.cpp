@@ -21,11 +21,18 @@ SarifLog::Result resultOf(std::string const& modelName, session::Finding const& 
   for (TextPlace const& place : finding.places) result.places.push_back(placeOf(place));
   if (finding.places.empty()) result.places.push_back({modelName});
   if (finding.rule.isKnown()) result.related.push_back(placeOf(finding.rule, "the rule"));
-  result.properties = findingAsJson(finding);
-  // These are in the result itself already.
-  for (char const* key : {"code", "severity", "path", "places", "rule", "message"}) result.properties.erase(key);
-  if (result.properties.empty()) result.properties = nullptr;
   return result;
+}
+
+/// What the result itself does not hold.
+SarifLog::Json propertiesOf(session::Finding const& finding) {
+  SarifLog::Json properties = findingAsJson(finding);
+  for (char const* key : {"code", "severity", "path", "places", "rule", "message"}) properties.erase(key);
+  return properties.empty() ? SarifLog::Json(nullptr) : properties;
+}
+
+void addFinding(SarifLog& log, std::string const& modelName, session::Finding const& finding) {
+  log.add(resultOf(modelName, finding), propertiesOf(finding));
 }
 
 }  // namespace
@@ -39,8 +46,8 @@ std::vector<SarifLog::Rule> sarifRules() {
 }
 
 void addToLog(SarifLog& log, std::string const& modelName, session::Findings const& findings) {
-  for (session::Finding const& finding : findings.list) log.add(resultOf(modelName, finding));
-  for (session::Finding const& remark : findings.beta) log.add(resultOf(modelName, remark));
+  for (session::Finding const& finding : findings.list) addFinding(log, modelName, finding);
+  for (session::Finding const& remark : findings.beta) addFinding(log, modelName, remark);
 }
 
 void addToLog(SarifLog& log, std::string const& modelName, ModelFailure const& failure) {

@@ -95,7 +95,7 @@ QuantityType const* PhysicsData::findQuantityType(std::string_view name) const {
 }
 
 bool PhysicsData::addQuantityType(std::string const& name, QuantityType type) {
-  return quantityTypes_.try_emplace(name, std::move(type)).second;
+  return quantityTypes_.emplace(name, std::move(type)).second;
 }
 
 bool PhysicsData::addQuantityType(std::string const& name, std::vector<std::string> const& units) {

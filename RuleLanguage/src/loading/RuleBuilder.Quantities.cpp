@@ -139,7 +139,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       auto units = isMap ? unitsOfMap(value) : unitsOfList(value);
       (void)data_->addQuantityType(name.node->value, QuantityType(std::move(units)));
       if (data_->unitConverter() == nullptr) data_->setUnitConverter(std::make_unique<LibraryUnitConverter>());
-      if (keepPlaces_) index_.quantityTypes_.push_back({name, value});
+      if (keepPlaces_) index_.quantityTypes_.emplace_back(name, value);
     });
     if (!unitsGiven && canHoldKeys(*body.node))
       error(Code::MissingKey, name, "the quantity type has no 'Units'; write {Units: [...]}");
