@@ -52,7 +52,7 @@ class SarifLog {
   SarifLog& operator=(SarifLog const&) = delete;
 
   /// `properties` is more data about the result; null for none.
-  void add(Result const& result, Json const& properties);
+  void add(Result const& result, Json const& properties = nullptr);
   /// Something that kept the program from its work.
   void addFailure(std::string const& message, std::vector<Place> const& places = {});
   /// Writes the end of the log. Call it once, at the end.
