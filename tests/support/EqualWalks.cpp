@@ -324,6 +324,7 @@ std::string EqualWalks::make(SessionStep const& step) {
   std::string ofFirst;
   std::string ofSecond;
   if (failAllocation_ && step.failingAllocation) {
+    if (step.kind != SessionStep::Kind::MakeEdit) endInnerMarks();
     auto const failing = [&](Side& side, std::string& result) {
       if (failAllocation_(*step.failingAllocation, [&] { result = side.make(step); })) result = "exception of memory";
     };
@@ -339,6 +340,14 @@ std::string EqualWalks::make(SessionStep const& step) {
     ofSecond = second_.make(step);
   }
   return differenceAfter(ofFirst, ofSecond);
+}
+
+/// Before memory runs out in an update that walks everything: the lists of inner marks may be lost then.
+void EqualWalks::endInnerMarks() {
+  if (marks_.size() < 2) return;
+  first_.state.release(marks_[1].ofFirst);
+  second_.state.release(marks_[1].ofSecond);
+  marks_.erase(marks_.begin() + 1, marks_.end());
 }
 
 std::string EqualWalks::endOrSetMark(SessionStep const& step) {

@@ -99,6 +99,7 @@ class EqualWalks {
     bool isIncomplete;
   };
   [[nodiscard]] std::string endOrSetMark(SessionStep const& step);
+  void endInnerMarks();
   [[nodiscard]] std::string differenceAfter(std::string const& ofFirst, std::string const& ofSecond);
 
   Side first_;
