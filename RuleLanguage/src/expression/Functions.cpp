@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include <tarn/PathUtils.h>
+#include <tarn/QuantityType.h>
 #include <tarn/StringUtilities.h>
 
 #include "expression/Nodes.h"
@@ -111,6 +113,29 @@ SharedStrings unite(Arguments arguments, Frame const& frame) {
   return result.take();
 }
 
+/// The items of all lists, as often as they are there.
+SharedStrings concat(Arguments arguments, Frame const& frame) {
+  std::vector<std::string> result;
+  for (auto const& argument : arguments) {
+    auto const items = argument->list(frame);
+    result.insert(result.end(), items.begin(), items.end());
+  }
+  return result;
+}
+
+SharedStrings duplicates(Arguments arguments, Frame const& frame) {
+  auto const items = arguments[0]->list(frame);
+  std::unordered_map<std::string_view, std::size_t> times;
+  for (auto const& item : items) ++times[item];
+  std::vector<std::string> result;
+  for (auto const& item : items) {
+    auto& seen = times[item];
+    if (seen > 1) result.push_back(item);
+    seen = 0;  // each once, in order of first appearance
+  }
+  return result;
+}
+
 /// The items of the first list that are, or are not, in the second.
 template <bool inBoth>
 SharedStrings restrict(Arguments arguments, Frame const& frame) {
@@ -166,6 +191,21 @@ double round(Arguments arguments, Frame const& frame) {
   return std::round(arguments[0]->number(frame));
 }
 
+/// The remainder has the sign of the divisor, so of a positive divisor it is from 0 up: `mod(angle, 360)`. Whole
+/// numbers are divided exactly. Others are rounded where they are written and converted, so what differs from a
+/// multiple by rounding only is a multiple: `mod(1, 0.1)` is 0.
+double mod(Arguments arguments, Frame const& frame) {
+  double const a = arguments[0]->number(frame);
+  double const b = arguments[1]->number(frame);
+  if (b == 0 || !std::isfinite(a) || !std::isfinite(b)) return notANumber;
+  bool const areWhole = a == std::trunc(a) && b == std::trunc(b);
+  double const quotient = a / b;
+  if (!areWhole && QuantityType::areEqual(quotient, std::round(quotient))) return 0;
+  double result = std::fmod(a, b);
+  if (result != 0 && std::signbit(result) != std::signbit(b)) result += b;
+  return result == 0 || result == b ? 0 : result;
+}
+
 double number(Arguments arguments, Frame const& frame) {
   return arguments[0]->number(frame);
 }
@@ -202,6 +242,18 @@ bool contains(Arguments arguments, Frame const& frame) {
   std::string buffer;
   std::string otherBuffer;
   return arguments[0]->textIn(frame, buffer).find(arguments[1]->textIn(frame, otherBuffer)) != std::string::npos;
+}
+
+/// The number of characters of a text in UTF-8. A byte that continues a character is not counted.
+double length(Arguments arguments, Frame const& frame) {
+  std::string buffer;
+  auto const& text = arguments[0]->textIn(frame, buffer);
+  return static_cast<double>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+ExpressionPtr matches(CheckedCall call) {
+  return std::make_unique<PatternMatch>(call.range, std::move(call.arguments), std::move(call.pattern));
 }
 
 // Choices and named rules
@@ -387,6 +439,30 @@ constexpr auto table = std::to_array<Function>({
      .itemsFrom = RuleFunction::unlimited,
      .quantitiesFrom = RuleFunction::unlimited,
      .evaluate = unite},
+    {.name = "concat",
+     .group = onLists,
+     .signature = "concat(a, b, ...)",
+     .help = "the items of all lists, one list after the other, with those that occur more than once",
+     .least = 1,
+     .most = RuleFunction::unlimited,
+     .arguments = {A::List, A::List, A::List},
+     .result = Kind::List,
+     .cost = Cost::Items,
+     .itemsFrom = RuleFunction::unlimited,
+     .quantitiesFrom = RuleFunction::unlimited,
+     .evaluate = concat},
+    {.name = "duplicates",
+     .group = onLists,
+     .signature = "duplicates(list)",
+     .help = "the items that occur more than once, each once",
+     .least = 1,
+     .most = 1,
+     .arguments = {A::List},
+     .result = Kind::List,
+     .cost = Cost::Items,
+     .itemsFrom = 1,
+     .quantitiesFrom = 1,
+     .evaluate = duplicates},
     {.name = "intersection",
      .group = onLists,
      .signature = "intersection(a, b)",
@@ -481,6 +557,17 @@ constexpr auto table = std::to_array<Function>({
      .result = Kind::Number,
      .quantitiesFrom = 1,
      .evaluate = round},
+    {.name = "mod",
+     .group = onNumbersAndTexts,
+     .signature = "mod(x, y)",
+     .help = "the remainder of x divided by y, with the sign of y; 0 when x differs from a multiple of y by rounding "
+             "only; not a number when y is 0",
+     .least = 2,
+     .most = 2,
+     .arguments = {A::Number, A::Number},
+     .result = Kind::Number,
+     .quantitiesFrom = 2,
+     .evaluate = mod},
     {.name = "number",
      .group = onNumbersAndTexts,
      .signature = "number(x)",
@@ -555,6 +642,24 @@ constexpr auto table = std::to_array<Function>({
      .arguments = {A::Text, A::Text},
      .result = Kind::Truth,
      .evaluate = contains},
+    {.name = "matches",
+     .group = onNumbersAndTexts,
+     .signature = "matches(text, pattern)",
+     .help = "true when the whole text matches the regular expression",
+     .least = 2,
+     .most = 2,
+     .arguments = {A::Text, A::Pattern},
+     .result = Kind::Truth,
+     .evaluate = matches},
+    {.name = "length",
+     .group = onNumbersAndTexts,
+     .signature = "length(text)",
+     .help = "number of characters of the text",
+     .least = 1,
+     .most = 1,
+     .arguments = {A::Text},
+     .result = Kind::Number,
+     .evaluate = length},
     {.name = "if",
      .group = choicesAndNamedRules,
      .signature = "if(condition, a, b)",

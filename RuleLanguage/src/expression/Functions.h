@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 namespace tarn::rules {
 
 class NamedRule;
+class RegularExpression;
 
 /// The kind of argument that a function accepts.
 enum class Argument {
@@ -28,6 +30,7 @@ enum class Argument {
   Parameters,          // `${...}`, which may match many objects
   CheckName,           // the name of a named check, in quotes
   ListName,            // the name of a named list, in quotes
+  Pattern,             // a regular expression
   Branch               // of any kind; all branches of one call must go together, and the call has their kind
 };
 
@@ -40,6 +43,8 @@ struct CheckedCall {
   Range range;
   std::vector<ExpressionPtr> arguments;
   NamedRule const* rule;  // that a CheckName or ListName names, else null
+  /// That a Pattern is, when it is written out; else null.
+  std::shared_ptr<RegularExpression const> pattern;
 };
 
 /// How a function gets its result: by a plain operation on its arguments, or by a node of its own, where arguments are

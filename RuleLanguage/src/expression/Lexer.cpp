@@ -36,7 +36,7 @@ struct Mistake {
 constexpr std::array<Mistake, 9> mistakes = {{
     {"&&", "and", "'&&' is not part of the language; write 'and'"},
     {"||", "or", "'||' is not part of the language; write 'or'"},
-    {"=~", "", "'=~' is not part of the language; see contains, starts_with and ends_with"},
+    {"=~", "", "'=~' is not part of the language; see matches, contains, starts_with and ends_with"},
     {"<>", "!=", "'<>' is not part of the language; write '!='"},
     {"=", "==", "'=' does not compare; write '=='"},
     {"!", "not", "'!' is not part of the language; write 'not'"},

@@ -13,6 +13,7 @@
 
 #include "expression/NamedRule.h"
 #include "expression/NearMatch.h"
+#include "patterns/RegularExpression.h"
 
 namespace tarn::rules {
 
@@ -743,6 +744,16 @@ void FunctionCall::assume(QuantityType const& type, QuantityBinding& binding) {
 
 void FunctionCall::bindResult(QuantityBinding& binding) {
   unify(0, std::min(size(), function_->quantitiesFrom), binding);
+}
+
+// PatternMatch
+
+bool PatternMatch::truth(Frame const& frame) const {
+  std::string buffer;
+  auto const& text = operand(0).textIn(frame, buffer);
+  if (pattern_ != nullptr) return pattern_->matchesWhole(text);
+  RegularExpression const computed(operand(1).text(frame));
+  return computed.fault().empty() && computed.matchesWhole(text);
 }
 
 // NamedCall

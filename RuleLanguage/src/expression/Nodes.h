@@ -387,6 +387,21 @@ class FunctionCall final : public Operation {
   Function const* function_;
 };
 
+/// `matches(text, pattern)`. A pattern that is written out was read with the rules. A computed one is read at each
+/// evaluation; when it is not a regular expression, nothing matches it.
+class PatternMatch final : public Operation {
+ public:
+  /// `pattern` is null when it is computed.
+  PatternMatch(Range range, std::vector<ExpressionPtr> arguments, std::shared_ptr<RegularExpression const> pattern)
+      : Operation(Kind::Truth, range, std::move(arguments)), pattern_(std::move(pattern)) {}
+  [[nodiscard]] bool truth(Frame const& frame) const override;
+  /// Null when it is computed.
+  [[nodiscard]] RegularExpression const* pattern() const noexcept { return pattern_.get(); }
+
+ private:
+  std::shared_ptr<RegularExpression const> pattern_;
+};
+
 /// `check('name')` and `list('name')`.
 class NamedCall final : public Expression {
  public:

@@ -15,6 +15,7 @@
 #include "expression/Lexer.h"
 #include "expression/Nodes.h"
 #include "expression/OperandChecks.h"
+#include "patterns/RegularExpression.h"
 
 namespace tarn::rules {
 
@@ -455,11 +456,11 @@ class Parser {
     Level const level(*this);
     std::size_t const issuesBefore = issues_.size();
     advance();
-    CheckedCall call{function.result, {}, {}, nullptr};
+    CheckedCall call{function.result, {}, {}, nullptr, nullptr};
     if (!isSymbol(")")) {
       for (;;) {
         bool const wanted = call.arguments.size() < function.most;
-        call.arguments.push_back(wanted ? argument(function, call.arguments.size(), call.rule) : implication());
+        call.arguments.push_back(wanted ? argument(function, call.arguments.size(), call) : implication());
         if (!isSymbol(",")) break;
         advance();
       }
@@ -482,12 +483,13 @@ class Parser {
     return std::make_unique<FunctionCall>(function, call.range, std::move(call.arguments));
   }
 
-  ExpressionPtr argument(Function const& function, std::size_t i, NamedRule const*& rule) {
+  /// Reads argument `i`. What a name or pattern refers to goes to `call`.
+  ExpressionPtr argument(Function const& function, std::size_t i, CheckedCall& call) {
     Argument const kind = function.argument(i);
     bool const many = kind == Argument::ParameterOrObjects || kind == Argument::Parameters;
     if (many && token_.kind == TokenKind::Parameter) return parameter(true);
-    if (kind == Argument::CheckName) return ruleName(function, "check", named_.checks, rule);
-    if (kind == Argument::ListName) return ruleName(function, "list", named_.lists, rule);
+    if (kind == Argument::CheckName) return ruleName(function, "check", named_.checks, call.rule);
+    if (kind == Argument::ListName) return ruleName(function, "list", named_.lists, call.rule);
 
     auto value = implication();
     switch (kind) {
@@ -496,6 +498,10 @@ class Parser {
         break;
       case Argument::Text:
         checks_.requireText(*value);
+        break;
+      case Argument::Pattern:
+        checks_.requireText(*value);
+        call.pattern = fixedPattern(*value);
         break;
       case Argument::Number:
         checks_.requireNumber(*value);
@@ -525,6 +531,16 @@ class Parser {
         break;
     }
     return value;
+  }
+
+  /// The regular expression that is written out; null when it is computed or wrong.
+  std::shared_ptr<RegularExpression const> fixedPattern(Expression const& value) {
+    auto const* literal = dynamic_cast<Literal const*>(&value);
+    if (literal == nullptr || literal->kind() != Kind::Text) return nullptr;
+    auto pattern = std::make_shared<RegularExpression>(literal->rawText());
+    if (pattern->fault().empty()) return pattern;
+    issue(value.range(), "this is not a regular expression: " + pattern->fault(), Code::InvalidPattern);
+    return nullptr;
   }
 
   template <typename Rules>

@@ -250,6 +250,89 @@ TEST_F(Functions, If) {
                {"if(true, ${Fluids}, ())", "[Water, Air, Oil, Water]"}});
 }
 
+TEST_F(Functions, ConcatKeepsWhatOccursMoreThanOnce) {
+  expectLists({{"concat(('b', 'a'), ('a',))", "[b, a, a]"},
+               {"concat(${Fluids})", "[Water, Air, Oil, Water]"},
+               {"concat((), ${Fluids}, (), ('Air',))", "[Water, Air, Oil, Water, Air]"},
+               {"concat(())", "[]"},
+               {"concat(${Missing}, ${Title})", "[]"},
+               {"concat(names({Boundary:*}), values(${Boundary:*/Kind}))", "[in, out, shroud, Inlet, Outlet, ]"}});
+  expectTexts({{"sum(concat(${Lengths}, ${Lengths}))", "13"}, {"sum(union(${Lengths}, ${Lengths}))", "6.5"}});
+}
+
+TEST_F(Functions, DuplicatesAreTheItemsThatOccurMoreThanOnceEachOnce) {
+  expectLists({{"duplicates(('b', 'a', 'b', 'c', 'a', 'b'))", "[b, a]"},
+               {"duplicates(${Fluids})", "[Water]"},
+               {"duplicates(('a', 'A'))", "[]"},
+               {"duplicates(('', ''))", "[]"},
+               {"duplicates(())", "[]"},
+               {"duplicates(names({/Case/Domain:*/Boundary:*}))", "[in]"}});
+  expectTexts({{"size(duplicates(('', '')))", "1"}, {"size(duplicates(()))", "0"}});
+}
+
+TEST_F(Functions, ModHasTheSignOfTheDivisor) {
+  expectTexts({{"mod(7, 3)", "1"},
+               {"mod(-7, 3)", "2"},
+               {"mod(7, -3)", "-2"},
+               {"mod(-7, -3)", "-1"},
+               {"mod(6, 3)", "0"},
+               {"mod(-6, 3)", "0"},
+               {"mod(0, 3)", "0"},
+               {"mod(-30, 360)", "330"},
+               {"mod(7.5, 2)", "1.5"},
+               {"mod(${Blades}, 2) == 1", "true"},
+               {"mod(${Speed}, 5)", "2.5"},
+               {"mod(1e15 + 1, 2)", "1"},
+               {"mod(7, 0)", ""},
+               {"mod(${Missing}, 2)", ""},
+               {"mod(2, ${Motion})", ""},
+               {"mod(7, 0) == mod(7, 0)", "false"}});
+}
+
+TEST_F(Functions, ModOfAMultipleIsZeroWhateverTheRounding) {
+  expectTexts({{"mod(1, 0.1)", "0"},
+               {"mod(0.3, 0.1)", "0"},
+               {"mod(-0.3, 0.1)", "0"},
+               {"mod(1.05, 0.1) > 0.0499 and mod(1.05, 0.1) < 0.0501", "true"},
+               {"mod(1e-20, 3)", "1e-20"},
+               {"mod(-1e-20, 3)", "0"}});
+}
+
+TEST_F(Functions, MatchesComparesTheWholeTextWithAPattern) {
+  expectTexts({{"matches('PA12', 'P[A-H][0-9]+')", "true"},
+               {"matches('PA12', '[0-9]+')", "false"},
+               {"matches('PA12x', 'P[A-H][0-9]+')", "false"},
+               {"matches(${Motion}, '(Rotat|Rest)ing')", "true"},
+               {"matches(name(), 'r.*')", "true"},
+               {"matches(${Title}, '')", "true"},
+               {"matches(${Missing}, '.+')", "false"},
+               {"matches('\u00dcberlauf', '.{8}')", "true"},
+               {"matches(12, '[0-9]+')", "true"},
+               {"matches('pa12', '(?i)PA.*')", "true"},
+               {"not matches('a', 'b')", "true"},
+               {"count({Boundary:*}, matches(name(), '.*u.*'))", "2"}});
+}
+
+TEST_F(Functions, AComputedPatternThatCannotBeReadMatchesNothing) {
+  expectTexts({{"matches('Rotating', ${Motion})", "true"},
+               {"matches('Rotating!', ${Motion} + '.')", "true"},
+               {"matches('[', '[' + '')", "false"},
+               {"matches('', ${Missing})", "true"},
+               {"matches('in', join(names({Boundary:*}), '|'))", "true"}});
+}
+
+TEST_F(Functions, LengthCountsCharacters) {
+  expectTexts({{"length('')", "0"},
+               {"length('Pump')", "4"},
+               {"length(' Pump ')", "6"},
+               {"length('\u00dcberlauf')", "8"},
+               {"length('\u20ac')", "1"},
+               {"length(${Motion})", "8"},
+               {"length(${Missing})", "0"},
+               {"length(1.50)", "3"},
+               {"length(${Speed}) <= 12", "true"}});
+}
+
 TEST_F(Functions, CheckAndList) {
   sections_ = R"(Checks:
   rotating: ${Motion} == 'Rotating'

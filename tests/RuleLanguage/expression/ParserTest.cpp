@@ -18,7 +18,7 @@ TEST(Parser, WhatTheLexerCannotRead) {
   expectFaults({
       {"true && false", "6+2: '&&' is not part of the language; write 'and'"},
       {"true || false", "6+2: '||' is not part of the language; write 'or'"},
-      {"${A} =~ 'x'", "6+2: '=~' is not part of the language; see contains, starts_with and ends_with"},
+      {"${A} =~ 'x'", "6+2: '=~' is not part of the language; see matches, contains, starts_with and ends_with"},
       {"${A} <> 'x'", "6+2: '<>' is not part of the language; write '!='"},
       {"${A} = 'x'", "6+1: '=' does not compare; write '=='"},
       {"!${A}", "1+1: '!' is not part of the language; write 'not'"},
