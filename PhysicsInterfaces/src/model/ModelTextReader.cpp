@@ -216,6 +216,7 @@ class Reader {
     if (matches) {
       Block const& block = open_.back();
       if (!block.skipped && !block.holdsSomething) sink_.onItem(path_, {}, {}, place(), false);
+      if (!block.skipped) sink_.onClosing(place());
       pop();
     } else if (!open_.empty()) {
       closeOutOfTurn(line);
@@ -293,6 +294,8 @@ std::size_t ModelTextPlace::columnOf(std::string_view part) const noexcept {
 }
 
 void ModelTextSink::onOpening(std::string_view, std::string_view, ModelTextPlace const&) {}
+
+void ModelTextSink::onClosing(ModelTextPlace const&) {}
 
 void readModelText(std::string_view text, ModelTextSink& sink) {
   Reader(text, sink).run();

@@ -25,6 +25,8 @@ class ModelTextSink {
                       bool isPathInLine) = 0;
   /// A line opens the block of the object at `path`. `label` is the text of the line that names the object.
   virtual void onOpening(std::string_view path, std::string_view label, ModelTextPlace const& place);
+  /// The line closes the innermost open block. An empty block has been an item before.
+  virtual void onClosing(ModelTextPlace const& place);
   /// The line is malformed. Reading goes on with the next line, unless the sink throws.
   virtual void onFault(std::string const& reason, std::size_t column, std::size_t line) = 0;
 
