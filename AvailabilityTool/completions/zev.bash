@@ -36,7 +36,7 @@ _zev() {
   local options='-h --help'
   case ${COMP_WORDS[1]} in
     validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
-    lint) options+=' --rules --format --fail-on' ;;
+    lint) options+=' --rules --format --fail-on --severity' ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;
     *) return ;;

@@ -18,7 +18,7 @@ NOT_SHOWN = {
     "it is longer than ", " bytes", "as a map of unit to factor",
     "the units library cannot read its definitions of units; install udunits2 whole, or write the conversions ",
     # Only in the C++ interface.
-    '" is not a path pattern: ',
+    '" is not a path pattern: ', "the severity of '", "' cannot be changed: it keeps rules from being loaded",
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
     "did not find expected <document start>", "found undefined alias", "the expression ends too early",
     "'\\' must be followed by a character", "... calls ",

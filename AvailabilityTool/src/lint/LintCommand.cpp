@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
+#include <tarn/StringUtilities.h>
 #include <tarn/rules/RuleLoader.h>
 
 #include "cli/Counted.h"
@@ -26,7 +28,35 @@ struct LintOptions {
   std::vector<std::string> rules;
   Format format = Format::Text;
   bool failOnWarning = true;
+  rules::LintOptions lint;
 };
+
+/// "never-holds=error" as an entry of the options. Returns what is wrong with it, or "".
+std::string addSeverity(std::string const& text, rules::LintOptions& options) {
+  auto const equals = text.find('=');
+  if (equals == std::string::npos) return "write the severity after the code: never-holds=error";
+  std::string const name = text.substr(0, equals);
+  std::string const level = text.substr(equals + 1);
+  auto const codes = rules::diagnosticCodes();
+  auto const code = std::find_if(codes.begin(), codes.end(), [&](auto const& one) { return one.name == name; });
+  if (code == codes.end()) {
+    std::vector<std::string> names;
+    for (auto const& one : codes) {
+      if (one.isOfLint) names.emplace_back(one.name);
+    }
+    auto const near = StringUtilities::nearMatch(name, names);
+    return "there is no code '" + name + "'" + (near.empty() ? std::string() : "; did you mean '" + near + "'?");
+  }
+  if (!code->isOfLint) return "'" + name + "' is always an error, because it keeps rules from being loaded";
+  for (auto const severity : {rules::Severity::Error, rules::Severity::Warning, rules::Severity::Note}) {
+    if (level != rules::severityName(severity)) continue;
+    options.severities[name] = severity;
+    return {};
+  }
+  if (level != "off") return "there is no severity '" + level + "'; write error, warning, note or off";
+  options.severities[name] = std::nullopt;
+  return {};
+}
 
 std::size_t countOf(rules::LintResult const& result, rules::Severity severity) {
   return static_cast<std::size_t>(
@@ -51,7 +81,7 @@ int exitStatusOf(rules::LintResult const& result, bool failOnWarning) {
 
 int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
   rules::LintResult const result =
-      rules::lintRules(std::vector<std::filesystem::path>(options.rules.begin(), options.rules.end()));
+      rules::lintRules(std::vector<std::filesystem::path>(options.rules.begin(), options.rules.end()), options.lint);
   int const status = exitStatusOf(result, options.failOnWarning);
   switch (options.format) {
     case Format::Text:
@@ -65,11 +95,9 @@ int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
       break;
   }
 
-  if (result.diagnostics.empty()) {
-    err << "zev: nothing found in the rules.\n";
-  } else {
-    err << "zev: " << countsOf(result) << " in the rules.\n";
-  }
+  err << "zev: " << (result.diagnostics.empty() ? "nothing found" : countsOf(result)) << " in the rules";
+  if (result.accepted > 0) err << "; " << counted(result.accepted, "finding") << " accepted";
+  err << ".\n";
   if (result.unreadable) err << "zev: not all rule files could be read; see the errors above.\n";
   return status;
 }
@@ -80,6 +108,7 @@ void addLintCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<LintOptions>();
   auto format = std::make_shared<std::string>("text");
   auto failOn = std::make_shared<std::string>("warning");
+  auto severities = std::make_shared<std::vector<std::string>>();
   CLI::App* command = app.add_subcommand("lint", "Find what is wrong or doubtful in rule files");
   command->add_option("--rules", options->rules, "Rule files, and folders with *.rules.yaml")
       ->type_name("PATH")
@@ -90,15 +119,26 @@ void addLintCommand(CLI::App& app, Command& chosen) {
   command->add_option("--fail-on", *failOn, "The findings for which the exit status is 1; default: also warnings")
       ->type_name("error|warning")
       ->check(CLI::IsMember({"error", "warning"}).description(""));
+  command
+      ->add_option("--severity", *severities,
+                   "Report findings of a code as error, warning or note, or not at all: off;\ncan be repeated")
+      ->type_name("CODE=LEVEL")
+      ->allow_extra_args(false);
   command->footer(
       "All files together are one rule database. From a folder all *.rules.yaml are taken, in the order of their\n"
       "names. Each error and warning is printed with its file, line and column, and with what to write instead.\n"
       "Rules with errors cannot be loaded. All other commands ignore warnings.\n"
+      "The rule reference lists the codes. Errors that keep rules from being loaded are always errors.\n"
       "Examples: zev lint --rules flow.rules.yaml\n"
-      "          zev lint --rules rules/\n"
+      "          zev lint --rules rules/ --severity never-holds=error --severity requires-nothing=off\n"
       "Exit status: 0 nothing found, 1 errors or warnings, with --fail-on error only errors, 2 a file could\n"
       "not be read.");
-  command->callback([options, format, failOn, &chosen] {
+  command->callback([options, format, failOn, severities, &chosen] {
+    for (auto const& text : *severities) {
+      if (auto const wrong = addSeverity(text, options->lint); !wrong.empty()) {
+        throw CLI::ValidationError("--severity", wrong);
+      }
+    }
     options->format = *format == "json" ? Format::Json : *format == "sarif" ? Format::Sarif : Format::Text;
     options->failOnWarning = *failOn == "warning";
     chosen = [options](std::ostream& out, std::ostream& err) { return lint(*options, out, err); };

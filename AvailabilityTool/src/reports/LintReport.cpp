@@ -35,6 +35,7 @@ Json jsonOf(Diagnostic const& diagnostic) {
   Json json = {{"code", diagnostic.code}, {"severity", severityName(diagnostic.severity)}};
   json.update(placeOf(diagnostic));
   json["message"] = diagnostic.message;
+  if (diagnostic.affected > 1) json["affected"] = diagnostic.affected;
   Json notes = Json::array();
   for (Diagnostic::Note const& note : diagnostic.notes) {
     Json one = placeOf(note);
@@ -66,6 +67,7 @@ void writeLintAsJson(std::ostream& out, rules::LintResult const& result) {
   Json json = {{"errors", count(rules::Severity::Error)},
                {"warnings", count(rules::Severity::Warning)},
                {"notes", count(rules::Severity::Note)},
+               {"accepted", result.accepted},
                {"unreadable", result.unreadable}};
   Json& list = json["diagnostics"] = Json::array();
   for (Diagnostic const& diagnostic : result.diagnostics) list.push_back(jsonOf(diagnostic));

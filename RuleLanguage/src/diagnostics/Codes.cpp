@@ -8,7 +8,10 @@ namespace {
 
 constexpr auto publicRows = [] {
   std::array<DiagnosticCode, codeTable.size()> rows{};
-  for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = codeTable[i].info;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    rows[i] = codeTable[i].info;
+    rows[i].isOfLint = codeTable[i].code >= firstLintCode;
+  }
   return rows;
 }();
 
@@ -30,11 +33,16 @@ std::string_view severityName(Severity severity) noexcept {
   return "";
 }
 
+DiagnosticCode const* findCode(std::string_view name) noexcept {
+  auto const row =
+      std::find_if(publicRows.begin(), publicRows.end(), [&](DiagnosticCode const& one) { return one.name == name; });
+  return row == publicRows.end() ? nullptr : &*row;
+}
+
 bool preventsLoading(Diagnostic const& diagnostic) noexcept {
   if (diagnostic.severity != Severity::Error) return false;
-  auto const row = std::find_if(codeTable.begin(), codeTable.end(),
-                                [&](CodeRow const& one) { return one.info.name == diagnostic.code; });
-  return row == codeTable.end() || row->code < firstLintCode;
+  auto const* code = findCode(diagnostic.code);
+  return code == nullptr || !code->isOfLint;
 }
 
 }  // namespace tarn::rules

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include <tarn/rules/Diagnostic.h>
 
@@ -46,6 +47,7 @@ enum class Code : std::uint8_t {
   InvalidPattern,
   InvalidCount,
   UnknownLevel,
+  MissingReason,
   CircularCall,
   // Expressions
   ExpressionSyntax,
@@ -90,6 +92,12 @@ enum class Code : std::uint8_t {
   CountsReversed,
   DefaultNotMatching,
   PatternMatchesEmpty,
+  UnknownCode,
+  NeedlessAcceptance,
+  AlwaysHolds,
+  UnreachableEntry,
+  UnusedName,
+  AnalysisGivenUp,
 };
 
 /// Lint alone finds this code and those after it.
@@ -148,6 +156,7 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::InvalidPattern, {"invalid-pattern", Severity::Error, "A pattern is not a regular expression."}},
     {Code::InvalidCount, {"invalid-count", Severity::Error, "A count of children is not a whole number from 0 on."}},
     {Code::UnknownLevel, {"unknown-level", Severity::Error, "The level of a check is neither Error nor Warning."}},
+    {Code::MissingReason, {"missing-reason", Severity::Error, "A finding is accepted without a reason."}},
     {Code::CircularCall, {"circular-call", Severity::Error, "Named rules call each other in a circle."}},
 
     {Code::ExpressionSyntax,
@@ -236,6 +245,19 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
      {"default-not-matching", Severity::Warning, "A default does not match the pattern of its parameter."}},
     {Code::PatternMatchesEmpty,
      {"pattern-matches-empty-text", Severity::Note, "A pattern matches the empty text too."}},
+    {Code::UnknownCode,
+     {"unknown-code", Severity::Error, "A code that is accepted does not exist, or cannot be accepted."}},
+    {Code::NeedlessAcceptance,
+     {"needless-acceptance", Severity::Warning, "A finding is accepted that lint does not make there."}},
+    {Code::AlwaysHolds, {"always-holds", Severity::Warning, "A condition that is written out always holds."}},
+    {Code::UnreachableEntry,
+     {"unreachable-entry", Severity::Warning,
+      "An entry of a list is never reached, because earlier ones always apply."}},
+    {Code::UnusedName,
+     {"unused-name", Severity::Warning, "A named rule or a quantity type is defined, but nothing uses it."}},
+    {Code::AnalysisGivenUp,
+     {"analysis-given-up", Severity::Note,
+      "A condition is too complex for lint to find out whether it always or never holds."}},
 });
 
 static_assert(
@@ -246,6 +268,9 @@ static_assert(
       return true;
     }(),
     "the rows are in the order of the enumerators, and no row is missing between them");
+
+/// The row of a code by its public name, as `diagnosticCodes` has it. Null when there is none.
+[[nodiscard]] DiagnosticCode const* findCode(std::string_view name) noexcept;
 
 [[nodiscard]] constexpr DiagnosticCode const& infoOf(Code code) noexcept {
   return codeTable[static_cast<std::size_t>(code)].info;

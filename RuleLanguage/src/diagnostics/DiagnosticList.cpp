@@ -1,10 +1,9 @@
 #include "diagnostics/DiagnosticList.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 namespace tarn::rules {
 
@@ -54,7 +53,8 @@ Diagnostic aboutFile(Code code, std::string const& name, std::string message) {
 
 Diagnostic& DiagnosticList::add(Code code, SourceText const& source, SourceRange const& range, std::string message) {
   auto const& info = infoOf(code);
-  if (info.severity == Severity::Error && ++errors_ > limit_) return surplus_ = {};
+  lastIsSurplus_ = info.severity == Severity::Error && ++errors_ > limit_;
+  if (lastIsSurplus_) return surplus_ = {};
   Diagnostic diagnostic;
   diagnostic.severity = info.severity;
   diagnostic.code = info.name;
@@ -85,23 +85,110 @@ void DiagnosticList::fix(Diagnostic& diagnostic, SourceText const& source, Sourc
   fix.text = std::move(text);
 }
 
+void DiagnosticList::setCause(std::string cause) {
+  if (!lastIsSurplus_) causes_[list_.size() - 1] = std::move(cause);
+}
+
+std::size_t DiagnosticList::removeIf(std::function<bool(Diagnostic const&)> const& isAccepted) {
+  std::size_t kept = 0;
+  std::unordered_map<std::size_t, std::string> causes;
+  for (std::size_t i = 0; i < list_.size(); ++i) {
+    if (isAccepted(list_[i])) {
+      if (list_[i].severity == Severity::Error) --errors_;
+      continue;
+    }
+    if (auto const cause = causes_.find(i); cause != causes_.end()) causes.emplace(kept, std::move(cause->second));
+    if (kept != i) list_[kept] = std::move(list_[i]);
+    ++kept;
+  }
+  std::size_t const removed = list_.size() - kept;
+  list_.resize(kept);
+  causes_ = std::move(causes);
+  return removed;
+}
+
+void DiagnosticList::setSeverities(Severities const& severities) {
+  removeIf([&](Diagnostic const& one) {
+    auto const set = severities.find(one.code);
+    if (set != severities.end()) return !set->second;
+    auto const* code = findCode(one.code);
+    return code != nullptr && code->isOffByDefault;
+  });
+  for (auto& one : list_) {
+    if (auto const set = severities.find(one.code); set != severities.end()) one.severity = *set->second;
+  }
+}
+
+namespace {
+
+/// So many further places are shown with a diagnostic that affects many.
+constexpr std::size_t shownPlaces = 3;
+
+/// Says in the message of `first` how many places it affects.
+void addNumber(Diagnostic& first) {
+  if (first.affected > 1) first.message += "; this affects " + std::to_string(first.affected) + " places";
+}
+
+/// Adds `other`, which has the same cause, to `first`. `others` is the number of further places that `first` shows.
+void merge(Diagnostic& first, Diagnostic const& other, std::size_t& others) {
+  ++first.affected;
+  bool const isElsewhere = other.source != first.source || other.line != first.line || other.column != first.column;
+  if (!isElsewhere || others >= shownPlaces) return;
+  ++others;
+  first.notes.push_back({other.source, other.line, other.column, other.endLine, other.endColumn, "it is also here",
+                         other.sourceLine, other.sourceColumn});
+}
+
+}  // namespace
+
 std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& files, bool warnings) {
   std::map<std::string, std::size_t> order;
   for (auto const& file : files) order.try_emplace(file, order.size());
-  auto const key = [&](Diagnostic const& one) {
-    auto const found = order.find(one.source);
-    return std::make_tuple(found == order.end() ? order.size() : found->second, one.line, one.column);
-  };
-  // A part that several aliases refer to is read several times. Its diagnostics are kept once.
-  std::set<std::tuple<std::string_view, std::size_t, std::size_t, std::string_view>> told;
-  if (!warnings) std::erase_if(list_, [](Diagnostic const& one) { return one.severity != Severity::Error; });
-  std::stable_sort(list_.begin(), list_.end(), [&](auto const& a, auto const& b) { return key(a) < key(b); });
+  if (!warnings) removeIf([](Diagnostic const& one) { return one.severity != Severity::Error; });
+
+  using Key = std::tuple<std::size_t, std::size_t, std::size_t, std::size_t>;
+  std::vector<Key> keys;
+  keys.reserve(list_.size());
+  for (std::size_t i = 0; i < list_.size(); ++i) {
+    auto const found = order.find(list_[i].source);
+    keys.emplace_back(found == order.end() ? order.size() : found->second, list_[i].line, list_[i].column, i);
+  }
+  std::sort(keys.begin(), keys.end());
+
   std::vector<Diagnostic> result;
-  result.reserve(list_.size() + 1);  // the views into its elements must stay valid
-  for (auto& one : list_) {
-    if (told.contains({one.source, one.line, one.column, one.message})) continue;
-    result.push_back(std::move(one));
-    told.emplace(result.back().source, result.back().line, result.back().column, result.back().message);
+  result.reserve(list_.size() + 1);
+  struct Known {
+    std::size_t index;
+    std::size_t others = 0;
+  };
+  std::unordered_map<std::string, Known> byCause;  // code and cause
+  // Diagnostics without a cause: those at one position follow each other.
+  std::unordered_map<std::string, std::size_t> here;
+  Key lastPlace{};
+  for (auto const& key : keys) {
+    auto& one = list_[std::get<3>(key)];
+    if (auto const cause = causes_.find(std::get<3>(key)); cause != causes_.end()) {
+      auto const [known, isNew] = byCause.try_emplace(one.code + '\n' + cause->second, Known{result.size()});
+      if (isNew) {
+        result.push_back(std::move(one));
+      } else {
+        merge(result[known->second.index], one, known->second.others);
+      }
+      continue;
+    }
+    Key place = key;
+    std::get<3>(place) = 0;
+    if (place != lastPlace) here.clear();
+    lastPlace = place;
+    auto const [known, isNew] = here.try_emplace(one.message, result.size());
+    if (isNew) {
+      result.push_back(std::move(one));
+    } else {
+      ++result[known->second].affected;
+    }
+  }
+  for (auto& one : result) {
+    if (!preventsLoading(one)) addNumber(one);
   }
   if (errors_ > limit_ && !result.empty()) {
     auto last = aboutFile(Code::TooManyErrors, result.back().source,
@@ -110,6 +197,7 @@ std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& fil
     result.push_back(std::move(last));
   }
   list_.clear();
+  causes_.clear();
   return result;
 }
 

@@ -18,12 +18,13 @@ namespace {
 
 using StringUtilities::isSpace;
 
-enum class ObjectKey { Description, Parameters, Children, Checks };
+enum class ObjectKey { Description, Parameters, Children, Checks, Accepted };
 constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
     {"Description", ObjectKey::Description},
     {"Parameters", ObjectKey::Parameters},
     {"Children", ObjectKey::Children},
     {"Checks", ObjectKey::Checks},
+    {"Accepted", ObjectKey::Accepted},
 });
 
 enum class ParamKey {
@@ -56,7 +57,8 @@ enum class ParamKey {
   UpperExcluded,
   Pattern,
   PatternMessage,
-  QuantityType
+  QuantityType,
+  Accepted
 };
 namespace attributes = RuleAttributes;
 constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
@@ -90,6 +92,7 @@ constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
     {attributes::pattern, ParamKey::Pattern},
     {attributes::patternMessage, ParamKey::PatternMessage},
     {attributes::quantityType, ParamKey::QuantityType},
+    {"Accepted", ParamKey::Accepted},
 });
 
 enum class ChildKey {
@@ -105,7 +108,8 @@ enum class ChildKey {
   AllowedNames,
   DefaultNames,
   MinimumCount,
-  MaximumCount
+  MaximumCount,
+  Accepted
 };
 constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Available", ChildKey::Available},
@@ -121,14 +125,16 @@ constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Default Names", ChildKey::DefaultNames},
     {"Minimum Count", ChildKey::MinimumCount},
     {"Maximum Count", ChildKey::MaximumCount},
+    {"Accepted", ChildKey::Accepted},
 });
 
-enum class CheckKey { When, Check, Message, Level };
+enum class CheckKey { When, Check, Message, Level, Accepted };
 constexpr auto checkKeys = std::to_array<Key<CheckKey>>({
     {"When", CheckKey::When},
     {"Check", CheckKey::Check},
     {"Message", CheckKey::Message},
     {"Level", CheckKey::Level},
+    {"Accepted", CheckKey::Accepted},
 });
 
 bool holdsSeparator(std::string_view name) {
@@ -194,6 +200,9 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
         forEach(value, "Checks",
                 [&](Item const& entry, Item const& attributes) { readObjectCheck(object, entry, attributes); });
         sectionsSeen_.push_back({name.node->value, EntryKind::Check, value});
+        break;
+      case ObjectKey::Accepted:
+        readAccepted(name, body, value);
         break;
     }
   });
@@ -410,6 +419,9 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
       case ParamKey::QuantityType:
         def.quantityType = textOrExpression(value, attribute);
         break;
+      case ParamKey::Accepted:
+        readAccepted(name, body, value);
+        break;
     }
   });
 
@@ -495,6 +507,9 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
       case ChildKey::MaximumCount:
         entry.maximumCount = count(value, attribute);
         break;
+      case ChildKey::Accepted:
+        readAccepted(name, body, value);
+        break;
     }
   });
   if (!object.addChild(std::move(entry))) {
@@ -529,6 +544,9 @@ void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item c
         break;
       case CheckKey::Level:
         readLevel(value, check.level);
+        break;
+      case CheckKey::Accepted:
+        readAccepted(name, body, value);
         break;
     }
   });

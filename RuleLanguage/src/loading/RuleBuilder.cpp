@@ -18,7 +18,7 @@ namespace tarn::rules {
 
 namespace {
 
-enum class FileKey { Version, Roots, QuantityTypes, Lists, Checks, Objects, GlobalChecks };
+enum class FileKey { Version, Roots, QuantityTypes, Lists, Checks, Objects, GlobalChecks, Accepted };
 constexpr auto fileKeys = std::to_array<Key<FileKey>>({
     {"Rule Database", FileKey::Version},
     {"Pertinent Roots", FileKey::Roots},
@@ -27,11 +27,16 @@ constexpr auto fileKeys = std::to_array<Key<FileKey>>({
     {"Checks", FileKey::Checks},
     {"Objects", FileKey::Objects},
     {"Global Checks", FileKey::GlobalChecks},
+    {"Accepted", FileKey::Accepted},
 });
 
-enum class GlobalKey { Check, Message, Level };
-constexpr auto globalKeys = std::to_array<Key<GlobalKey>>(
-    {{"Check", GlobalKey::Check}, {"Message", GlobalKey::Message}, {"Level", GlobalKey::Level}});
+enum class GlobalKey { Check, Message, Level, Accepted };
+constexpr auto globalKeys = std::to_array<Key<GlobalKey>>({
+    {"Check", GlobalKey::Check},
+    {"Message", GlobalKey::Message},
+    {"Level", GlobalKey::Level},
+    {"Accepted", GlobalKey::Accepted},
+});
 
 }  // namespace
 
@@ -127,6 +132,10 @@ void RuleBuilder::readHeader(File& file) {
   }
   bool versionGiven = false;
   forEachKnown(root, "a rule file", fileKeys, [&](FileKey key, Item const& name, Item const& value) {
+    if (key == FileKey::Accepted) {
+      readAccepted({}, root, value);
+      return;
+    }
     if (key != FileKey::Version) {
       file.sections[name.node->value] = value.node;
       return;
@@ -146,6 +155,18 @@ void RuleBuilder::readHeader(File& file) {
       DiagnosticList::fix(diagnostic, *file.source, {begin, begin}, "Rule Database: 1\n", "Insert 'Rule Database: 1'");
     }
   }
+}
+
+void RuleBuilder::readAccepted(Item const& name, Item const& scope, Item const& value) {
+  forEach(value, "Accepted", [&](Item const& code, Item const& reason) {
+    auto const text = scalar(reason, "a reason");
+    if (!text) return;
+    if (StringUtilities::trimmed(*text).empty()) {
+      error(Code::MissingReason, code,
+            "write after " + inQuotes(code.node->value.substr(0, 60)) + " why it is accepted here");
+    }
+    if (keepPlaces_) index_.acceptances_.push_back({code, name, scope});
+  });
 }
 
 void RuleBuilder::readRoots(Item const& section) {
@@ -186,6 +207,9 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
           break;
         case GlobalKey::Level:
           readLevel(value, level);
+          break;
+        case GlobalKey::Accepted:
+          readAccepted(name, body, value);
           break;
       }
     });

@@ -154,6 +154,8 @@ class RuleBuilder {
   [[nodiscard]] std::unique_ptr<TextExpression> count(Item const& item, std::string_view attribute);
   [[nodiscard]] std::unique_ptr<TextPattern> pattern(Item const& item);
   void readLevel(Item const& item, CheckLevel& level);
+  /// Reads `Accepted` of the entry `name`, or of a whole file. `scope` is the map that holds the key.
+  void readAccepted(Item const& name, Item const& scope, Item const& value);
   void readGlobalChecks(Item const& section);
   /// Where an entry was given before, in an earlier section of its object. Empty when it was not.
   [[nodiscard]] Item formerPlace(std::string const& typePath, EntryKind kind, std::string const& name);

@@ -58,6 +58,13 @@ struct EntryPlace {
   std::map<std::string_view, Item> attributes;
 };
 
+/// A code that a rule file accepts with a reason, and the part of the file for which it does so.
+struct Acceptance {
+  Item code;
+  Item name;   // of the entry; empty for a whole file
+  Item scope;  // the map of the entry, or the whole file
+};
+
 /// Where everything in a rule base is written. It owns the text and the YAML of all files, and knows for every rule the
 /// node that it was read from. Lint works on it, and so can any code that needs the files of the rules. The rules
 /// themselves have their `RulePlace` and do not need the index.
@@ -96,6 +103,7 @@ class RuleIndex {
   [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
   /// The name of each quantity type, and its list or map of units.
   [[nodiscard]] std::vector<std::pair<Item, Item>> const& quantityTypePlaces() const { return quantityTypes_; }
+  [[nodiscard]] std::vector<Acceptance> const& acceptances() const { return acceptances_; }
   [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
 
  private:
@@ -114,6 +122,7 @@ class RuleIndex {
   std::vector<std::pair<std::string, Item>> roots_;
   std::vector<std::pair<Item, Item>> quantityTypes_;
   std::map<NamedRule const*, Item> namedPlaces_;
+  std::vector<Acceptance> acceptances_;
 };
 
 }  // namespace tarn::rules

@@ -2,7 +2,10 @@
 
 #include <tarn/rules/RuleLoader.h>
 
+#include <tarn/Error.h>
+
 #include "diagnostics/DiagnosticList.h"
+#include "lint/Acceptances.h"
 #include "lint/Lint.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleIndex.h"
@@ -18,12 +21,36 @@ std::unique_ptr<PhysicsData> load(RuleIndex& index, LoadLimits const& limits, Di
   return builder.takeData();
 }
 
-LintResult lint(RuleIndex& index, LoadLimits const& limits, DiagnosticList& diagnostics) {
-  RuleBuilder builder(index, true, diagnostics, limits);
+LintResult lint(RuleIndex& index, LintOptions const& options, DiagnosticList& diagnostics) {
+  RuleBuilder builder(index, true, diagnostics, options.limits);
   builder.build();
+  LintResult result;
   // Warnings compare rules with each other, so they need all rules.
-  if (!diagnostics.hasErrors()) addWarnings(index, builder.data(), diagnostics);
-  return {diagnostics.take(index.names(), true), index.hasUnreadable()};
+  if (!diagnostics.hasErrors()) {
+    addWarnings(index, builder.data(), diagnostics);
+    result.accepted = applyAcceptances(index, diagnostics);
+    diagnostics.setSeverities(options.severities);
+  }
+  result.diagnostics = diagnostics.take(index.names(), true);
+  result.unreadable = index.hasUnreadable();
+  return result;
+}
+
+void checkCodes(LintOptions const& options, char const* operation) {
+  for (auto const& [name, severity] : options.severities) {
+    auto const* code = findCode(name);
+    if (code != nullptr && code->isOfLint) continue;
+    throw ParseError("RuleLoader", operation,
+                     code == nullptr
+                         ? "there is no code '" + name + "'"
+                         : "the severity of '" + name + "' cannot be changed: it keeps rules from being loaded");
+  }
+}
+
+LintOptions optionsWith(LoadLimits const& limits) {
+  LintOptions options;
+  options.limits = limits;
+  return options;
 }
 
 }  // namespace
@@ -44,18 +71,28 @@ std::unique_ptr<PhysicsData> parseRules(std::string const& text, std::string con
   return load(index, limits, diagnostics);
 }
 
-LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits) {
-  DiagnosticList diagnostics(limits.errors);
+LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders, LintOptions const& options) {
+  checkCodes(options, "lintRules");
+  DiagnosticList diagnostics(options.limits.errors);
   RuleIndex index;
-  index.read(filesOrFolders, limits, diagnostics);
-  return lint(index, limits, diagnostics);
+  index.read(filesOrFolders, options.limits, diagnostics);
+  return lint(index, options, diagnostics);
+}
+
+LintResult lintText(std::string const& text, std::string const& sourceName, LintOptions const& options) {
+  checkCodes(options, "lintText");
+  DiagnosticList diagnostics(options.limits.errors);
+  RuleIndex index;
+  index.readText(text, sourceName, options.limits, diagnostics);
+  return lint(index, options, diagnostics);
+}
+
+LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits) {
+  return lintRules(filesOrFolders, optionsWith(limits));
 }
 
 LintResult lintText(std::string const& text, std::string const& sourceName, LoadLimits const& limits) {
-  DiagnosticList diagnostics(limits.errors);
-  RuleIndex index;
-  index.readText(text, sourceName, limits, diagnostics);
-  return lint(index, limits, diagnostics);
+  return lintText(text, sourceName, optionsWith(limits));
 }
 
 }  // namespace tarn::rules

@@ -38,8 +38,8 @@ TEST(DiagnosticCodes, EachHasOneSentenceAsItsMeaning) {
 TEST(DiagnosticCodes, TheRuleReferenceListsThemInTheirOrder) {
   std::string listed;
   for (auto const& code : diagnosticCodes()) {
-    listed += "| `" + std::string(code.name) + "` | " + std::string(severityName(code.severity)) + " | " +
-              std::string(code.meaning) + " |\n";
+    listed += "| `" + std::string(code.name) + "` | " + std::string(severityName(code.severity)) +
+              (code.isOffByDefault ? ", off by default" : "") + " | " + std::string(code.meaning) + " |\n";
   }
   std::string const reference = fileText(TARN_SOURCE_DIR "/docs/rule-reference.md");
   auto const begin = reference.find("\n### Codes\n");

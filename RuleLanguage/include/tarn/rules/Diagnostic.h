@@ -77,6 +77,10 @@ struct TARN_EXPORT Diagnostic {
   };
   std::vector<Note> notes;
 
+  /// How many places of the rules have this problem for this one reason: 1 when it is the only one. Beyond 1 the
+  /// message ends with the number, and notes show the first further places that are written elsewhere.
+  std::size_t affected = 1;
+
   /// A change of the file that removes the problem. Empty when the right change is not known for certain, or needs more
   /// than one replacement.
   std::optional<DiagnosticFix> fix;
@@ -86,10 +90,14 @@ struct TARN_EXPORT Diagnostic {
 struct TARN_EXPORT DiagnosticCode {
   /// The value of `Diagnostic::code`: lower case words with hyphens, such as "unknown-key".
   std::string_view name;
-  /// The severity of every diagnostic with this code.
+  /// The severity of every diagnostic with this code, unless `LintOptions::severities` says otherwise.
   Severity severity;
   /// One sentence about all diagnostics with this code.
   std::string_view meaning;
+  /// Lint does not report it unless `LintOptions::severities` gives it a severity.
+  bool isOffByDefault = false;
+  /// Rules with this problem can be loaded: only lint finds it. Its severity can be set, and rule files can accept it.
+  bool isOfLint = false;
 };
 
 /// All codes, each name once. The span is valid until the program ends.

@@ -2,7 +2,9 @@
 
 #include <concepts>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,6 +69,16 @@ struct LintResult {
   std::vector<Diagnostic> diagnostics;
   /// A file or folder could not be read.
   bool unreadable = false;
+  /// The number of findings that the rule files accept with a reason. They are not among `diagnostics`.
+  std::size_t accepted = 0;
+};
+
+/// What lint reports, and how.
+struct LintOptions {
+  LoadLimits limits;
+  /// The severity of findings by their code, where it is not that of `diagnosticCodes`. Without a severity, findings of
+  /// that code are not reported. Only codes with `DiagnosticCode::isOfLint` can be changed.
+  std::map<std::string, std::optional<Severity>, std::less<>> severities;
 };
 
 /// Finds everything that is wrong or doubtful in rule files. Errors are in the result; only `std::bad_alloc` is thrown.
@@ -76,5 +88,12 @@ struct LintResult {
 /// The same for the text of one rule file, named `sourceName` in the diagnostics.
 [[nodiscard]] TARN_EXPORT LintResult lintText(std::string const& text, std::string const& sourceName = "<rules>",
                                               LoadLimits const& limits = {});
+
+/// The same with options. These throw a `ParseError` when `options.severities` has a code that does not exist or that
+/// cannot be changed.
+[[nodiscard]] TARN_EXPORT LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders,
+                                               LintOptions const& options);
+[[nodiscard]] TARN_EXPORT LintResult lintText(std::string const& text, std::string const& sourceName,
+                                              LintOptions const& options);
 
 }  // namespace tarn::rules
