@@ -1,7 +1,9 @@
 // Any bytes as model text: it is read, or refused with an error. `ModelText` finds malformed lines in the same texts,
 // and finds each parameter of the others where its value is given. A model that was read is printed as blocks and read
-// again: the same parameters must come back, if the names are plain enough for the block form.
+// again: the same parameters must come back, if the names are plain enough for the block form. Rewriting a text for its
+// own state keeps every byte; objects and parameters that come and go can always be written.
 
+#include <algorithm>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +17,7 @@
 #include <tarn/Error.h>
 #include <tarn/ModelState.h>
 #include <tarn/ModelText.h>
+#include <tarn/ModelTextRewrite.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/TDFPath.h>
 #include <tarn/printModelState.h>
@@ -82,6 +85,19 @@ bool isLocated(tarn::ModelText const& text) {
   return true;
 }
 
+bool isRewritten(std::string const& text, tarn::ModelState state) {
+  bool const isSpeltInOneWay =
+      std::none_of(state.begin(), state.end(), [](auto const& object) { return hasTypeForName(object.first); });
+  if (isSpeltInOneWay && tarn::rewriteModelText(text, state) != text) return false;
+  for (auto object = state.begin(); object != state.end();) {
+    object = state.erase(object);
+    if (object != state.end()) ++object;
+  }
+  for (auto& [path, parameters] : state) parameters["Added"] = "1";
+  std::string const rewritten = tarn::rewriteModelText(text, state);
+  return tarn::rewriteModelText(rewritten, state) == rewritten;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
@@ -95,6 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     return 0;
   }
   if (!modelText.faults().empty() || modelText.state() != state || !isLocated(modelText)) std::abort();
+  if (!isRewritten(text, state)) std::abort();
   if (!comesBackAsItIs(state)) return 0;
 
   std::ostringstream blocks;
