@@ -42,9 +42,9 @@ class CompiledRule : public Base {
 
   void collectReads(RuleReads& reads) const override { compiled_->expression->collectReads(reads, PathPattern()); }
   [[nodiscard]] std::string sourceText() const override { return compiled_->source; }
+  [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
 
  protected:
-  [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
   [[nodiscard]] FlatCondition const& condition() const { return compiled_->condition; }
   [[nodiscard]] static Frame frame(TDFContext const& context, EvalContext* evalContext) {
     return Frame{*evalContext->getDB(), context, evalContext};

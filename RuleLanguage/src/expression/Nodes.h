@@ -303,6 +303,8 @@ class Arithmetic final : public Operation {
   /// Whether terms are added, and how many of them as numbers.
   [[nodiscard]] bool isSum() const noexcept { return operators_.front() == '+'; }
   [[nodiscard]] std::size_t numericTerms() const noexcept { return numeric_; }
+  /// Whether operand `i` divides what is before it.
+  [[nodiscard]] bool isDivisor(std::size_t i) const noexcept { return operators_[i] == '/'; }
 
  private:
   void bindResult(QuantityBinding& binding) override;

@@ -3,7 +3,6 @@
 
 #include "lint/EntryLint.h"
 
-#include <cmath>
 #include <optional>
 #include <string>
 #include <utility>
@@ -12,6 +11,7 @@
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 
+#include "lint/ValueLint.h"
 #include "loading/RuleSections.h"
 
 namespace tarn::rules {
@@ -89,6 +89,9 @@ class EntryLint {
       checkNames(child, defaultNames);
       if (!allowedNames) checkFreeNames(child, place.name, at("Required"));
     }
+    if (auto const reason = at("Reason"); reason && !at("Available")) {
+      warn(Code::NoEffect, reason, "Reason has no effect without Available");
+    }
     checkCounts(child, at("Maximum Count"));
     if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
   }
@@ -120,6 +123,7 @@ class EntryLint {
   /// The names that a list gives as plain texts.
   void checkNames(ChildAvail const& child, Item const& list) {
     if (!list || list.node->kind != YamlNode::Kind::Sequence) return;
+    checkListedNames(context_, list);
     for (auto const* node : list.node->children) {
       bool const isGuarded = node->kind == YamlNode::Kind::Mapping;
       for (std::size_t i = 0; isGuarded && i + 1 < node->children.size(); i += 2) {
@@ -157,12 +161,12 @@ class EntryLint {
     checkBounds(def, at("Lower Bound"), at("Upper Bound"));
     for (auto const& [flag, needed] :
          {std::pair("Lower Bound Excluded", "Lower Bound"), std::pair("Upper Bound Excluded", "Upper Bound"),
-          std::pair("Pattern Message", "Pattern")}) {
+          std::pair("Pattern Message", "Pattern"), std::pair("Reason", "Available")}) {
       if (auto const item = at(flag); item && !at(needed)) {
         warn(Code::NoEffect, item, std::string(flag) + " has no effect without " + needed);
       }
     }
-    checkDefault(def, at("Default Value"));
+    checkValues(context_, def, place);
     if (auto const item = at("Pattern")) checkPattern(def, item, at("Default Value"));
     if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
     if (!param.contexts.empty()) checkContext(object, &param, param.contexts, at("Context"));
@@ -185,24 +189,6 @@ class EntryLint {
     }
   }
 
-  /// Less than 0 when `a` is below `b`, 0 when they are equal. Nothing when they cannot be compared.
-  [[nodiscard]] std::optional<int> order(ParamValueDef const& def, TDFParam::Quantity const& a,
-                                         TDFParam::Quantity const& b) const {
-    double x = a.number;
-    double y = b.number;
-    if (a.units != b.units) {
-      auto const* name = dynamic_cast<FixedText const*>(def.quantityType.get());
-      auto const* type = name != nullptr ? context_.data().findQuantityType(name->text()) : nullptr;
-      auto const converted = type != nullptr ? type->inFirstUnit(a) : std::nullopt;
-      auto const other = type != nullptr ? type->inFirstUnit(b) : std::nullopt;
-      if (!converted || !other) return std::nullopt;
-      if (QuantityType::areEqual(*converted, *other)) return 0;
-      x = *converted;
-      y = *other;
-    }
-    return x < y ? -1 : x > y ? 1 : 0;
-  }
-
   void checkBounds(ParamValueDef const& def, Item const& lowerItem, Item const& upperItem) {
     auto const check = [&](TextExpression const* bound, Item const& item) {
       if (bound == nullptr || !item) return;
@@ -211,7 +197,8 @@ class EntryLint {
              "a bound has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
       } else if (auto const* fixed = dynamic_cast<FixedText const*>(bound)) {
         if (!TDFParam::asQuantity(fixed->text()))
-          warn(Code::BoundNotANumber, item, "the bound " + inQuotes(fixed->text()) + " is not a number");
+          warn(Code::BoundNotANumber, item,
+               "the bound " + inQuotes(fixed->text()) + " is not a number" + numberRemedy(fixed->text()));
       }
     };
     check(def.lowerBound.get(), lowerItem);
@@ -221,64 +208,10 @@ class EntryLint {
     if (lower == nullptr || upper == nullptr) return;
     auto const low = TDFParam::asQuantity(lower->text());
     auto const high = TDFParam::asQuantity(upper->text());
-    if (low && high && order(def, *high, *low).value_or(0) < 0) {
+    if (low && high && orderOf(context_.data(), def, *high, *low).value_or(0) < 0) {
       warn(Code::BoundsReversed, upperItem,
            "the upper bound " + upper->text() + " is below the lower bound " + lower->text());
     }
-  }
-
-  void checkDefault(ParamValueDef const& def, Item const& item) {
-    auto const* fixed = dynamic_cast<FixedText const*>(def.defaultValue.get());
-    if (fixed == nullptr || fixed->text().empty()) return;
-    auto const values = TDFParam::isListType(def.type) ? StringUtilities::stringToVector(fixed->text(), ',')
-                                                       : std::vector<std::string>{fixed->text()};
-    auto const* list = def.allowedValueKind == ParamValueDef::FixedAllowedValues
-                           ? dynamic_cast<FixedList const*>(def.allowedValues.get())
-                           : nullptr;
-    for (auto const& value : values) {
-      if (list != nullptr && list->items().contains(value) && !def.unusedValues.contains(value)) continue;
-      if (list != nullptr && !def.allowsAnyValue) {
-        auto const near = context_.hints().nearest(value, list->items());
-        auto& warning =
-            warn(Code::DefaultNotAllowed, item,
-                 "the default " + inQuotes(value) + " is not among the allowed values" + orDidYouMean(near));
-        LintContext::fixText(warning, item, value, near);
-        continue;
-      }
-      if (def.allowedValueKind == ParamValueDef::ComputedAllowedValues) continue;
-      checkDefaultText(def, item, value);
-    }
-  }
-
-  void checkDefaultText(ParamValueDef const& def, Item const& item, std::string const& value) {
-    auto const element = TDFParam::elementType(def.type);
-    if (element == TDFParam::Logical && !TDFParam::asLogical(value)) {
-      warn(Code::DefaultOfWrongType, item, "the default " + inQuotes(value) + " is not a logical value");
-    }
-    if (element != TDFParam::Integer && element != TDFParam::Real) return;
-    auto const quantity = TDFParam::asQuantity(value);
-    if (!quantity || (element == TDFParam::Integer && quantity->number != std::trunc(quantity->number))) {
-      warn(Code::DefaultOfWrongType, item,
-           "the default " + inQuotes(value) +
-               (element == TDFParam::Integer ? " is not a whole number" : " is not a number"));
-      return;
-    }
-    auto const outside = [&](TextExpression const* bound, bool lower) {
-      auto const* fixed = dynamic_cast<FixedText const*>(bound);
-      auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
-      auto const difference = limit ? order(def, *quantity, *limit) : std::nullopt;
-      if (!difference) return;
-      if (lower ? *difference < 0 : *difference > 0) {
-        warn(Code::DefaultOutOfBounds, item,
-             "the default " + inQuotes(value) + (lower ? " is below the lower bound " : " is above the upper bound ") +
-                 fixed->text());
-      } else if (*difference == 0 && (lower ? def.lowerBoundExcluded : def.upperBoundExcluded)) {
-        warn(Code::DefaultOutOfBounds, item,
-             "the default " + inQuotes(value) + " is equal to the bound " + fixed->text() + ", which is excluded");
-      }
-    };
-    outside(def.lowerBound.get(), true);
-    outside(def.upperBound.get(), false);
   }
 
   void checkPattern(ParamValueDef const& def, Item const& item, Item const& defaultItem) {
@@ -308,9 +241,9 @@ class EntryLint {
         std::vector<std::string> names;
         for (auto const& entry : context_.data().quantityTypes()) names.push_back(entry.first);
         auto const near = context_.hints().nearest(fixed->text(), names);
-        auto& warning =
-            warn(Code::UnknownQuantityType, item,
-                 "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" + orDidYouMean(near));
+        auto& warning = warn(Code::UnknownQuantityType, item,
+                             "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" +
+                                 (near.empty() ? computedRemedy(fixed->text()) : didYouMean(near)));
         LintContext::fixText(warning, item, fixed->text(), near);
       }
     }

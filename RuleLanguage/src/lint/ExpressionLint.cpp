@@ -13,67 +13,19 @@
 #include <tarn/TDFParam.h>
 
 #include "expression/Nodes.h"
+#include "lint/ConstantExpression.h"
 #include "lint/EntryLint.h"
 
 namespace tarn::rules {
 
 namespace {
 
-/// A model in which nothing exists, for expressions that read nothing.
-class EmptyModel final : public ModelTDF {
- public:
-  bool hasObject(std::string const& /*path*/) const override { return false; }
-  bool hasParameter(std::string const& /*paramPath*/) const override { return false; }
-  bool hasParameter(std::string const& /*objPath*/, std::string const& /*name*/) const override { return false; }
-  std::string const& getObjectName(std::string const& /*path*/) const override { return empty_; }
-  std::string const& getObjectType(std::string const& /*path*/) const override { return empty_; }
-  std::string const& getParameterValue(std::string const& /*paramPath*/) const override { return empty_; }
-  std::string const& getParameterValue(std::string const& /*objPath*/, std::string const& /*name*/) const override {
-    return empty_;
-  }
-  bool getParamValueAsList(std::string const& /*paramPath*/, std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getParamValueAsList(std::string const& /*objPath*/, std::string const& /*name*/,
-                           std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getParameterNames(std::string const& /*path*/, std::vector<std::string>& /*out*/) const override {
-    return false;
-  }
-  bool getChildObjectPaths(std::string const& /*path*/, std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getChildObjectNamesByType(std::string const& /*path*/, std::string const& /*type*/,
-                                 std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getChildObjectPathsByType(std::string const& /*path*/, std::string const& /*type*/,
-                                 std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-
- private:
-  std::string empty_;
-};
-
-bool readsNothing(Expression const& expression) {
-  RuleReads reads;
-  expression.collectReads(reads, PathPattern());
-  return !reads.readsModel() && !reads.contextIdentity;
-}
-
-/// The text of an expression from which ranges count.
-std::string_view textOf(ExpressionUse const& use) {
-  return std::string_view(use.item.node->value).substr(use.skipped);
-}
-
 /// A fix that writes `near` instead of the component `word` of a path in the expression. Nothing when there is no near
 /// match, or when the component is not written exactly once as it is meant.
 std::optional<Replacement> componentFix(ExpressionUse const& use, Range path, std::string_view word,
                                         std::string_view near) {
   if (near.empty() || near.find_first_of("\\*{}^@/:") != std::string_view::npos) return std::nullopt;
-  std::string_view const written = textOf(use).substr(path.offset, path.length);
+  std::string_view const written = use.text().substr(path.offset, path.length);
   std::size_t const at = written.find(word);
   if (at == std::string_view::npos || written.find(word, at + 1) != std::string_view::npos) return std::nullopt;
   auto const isBoundary = [&](std::size_t i) {
@@ -154,132 +106,7 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
   }
 }
 
-// A parameter compared with a value that it can never have
-
-/// A value that an expression compares a parameter with.
-struct ComparedValue {
-  ParameterReference const* parameter;
-  PathPattern objects;  // seen from the owner of the rule
-  std::string text;
-  std::optional<double> number;  // when it was written as a number
-  bool isLiteral;                // `range` is the value alone
-  Range range;
-};
-
-void addCompared(Expression const& one, Expression const& other, PathPattern const& base,
-                 std::vector<ComparedValue>& out) {
-  auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
-  auto const* literal = dynamic_cast<Literal const*>(&other);
-  if (parameter == nullptr || literal == nullptr || literal->kind() == Kind::Truth) return;
-  ComparedValue value{
-      parameter, parameter->objectPattern().seenFrom(base), literal->rawText(), std::nullopt, true, literal->range()};
-  if (literal->kind() == Kind::Number) {
-    EmptyModel const model;
-    TDFContext const root{std::string{}};
-    EvalContext evalContext(&model);
-    value.number = literal->number(Frame{model, root, &evalContext});
-    value.text = numberText(*value.number);
-  }
-  out.push_back(std::move(value));
-}
-
-void collectCompared(Expression const& expression, PathPattern const& base, std::vector<ComparedValue>& out) {
-  if (auto const* comparison = dynamic_cast<Comparison const*>(&expression)) {
-    auto const op = comparison->op();
-    if (op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual) {
-      addCompared(comparison->left(), comparison->right(), base, out);
-      addCompared(comparison->right(), comparison->left(), base, out);
-    }
-  } else if (auto const* membership = dynamic_cast<Membership const*>(&expression)) {
-    auto const* parameter = dynamic_cast<ParameterReference const*>(&membership->item());
-    auto const* list = dynamic_cast<ListLiteral const*>(&membership->items());
-    if (parameter != nullptr && list != nullptr) {
-      for (auto const& item : list->fixedItems()) {
-        out.push_back({parameter, parameter->objectPattern().seenFrom(base), item, std::nullopt, false, list->range()});
-      }
-    }
-  }
-  auto const parts = expression.operands();
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    collectCompared(*parts[i], expression.operandBase(i, base), out);
-  }
-}
-
-/// Why a parameter can never have a value; `reason` is empty when it can.
-struct Impossible {
-  std::string reason;
-  std::string near;  // the value that was probably meant
-};
-
-/// Whether `def` rules out that its parameter ever equals the value. An absent parameter equals the empty text, so that
-/// is always possible.
-Impossible impossible(LintContext& context, ParamValueDef const& def, ComparedValue const& value) {
-  if (value.text.empty() || TDFParam::isListType(def.type)) return {};
-  bool const fixed = def.allowedValueKind == ParamValueDef::FixedAllowedValues && !def.allowsAnyValue;
-  if (fixed) {
-    auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
-    if (list == nullptr) return {};
-    auto const equals = [&](std::string const& item) {
-      return value.number
-                 ? TDFParam::asQuantity(item).has_value() && TDFParam::asQuantity(item)->number == *value.number
-                 : item == value.text;
-    };
-    if (def.unusedValues.contains(value.text)) return {" is known but never allowed", {}};
-    auto const& items = list->items();
-    if (std::any_of(items.begin(), items.end(), equals)) return {};
-    return {" is not among its allowed values", context.hints().nearest(value.text, items)};
-  }
-  if (def.allowedValueKind != ParamValueDef::NoAllowedValues || value.number) return {};
-  if (def.type == TDFParam::Logical && !TDFParam::asLogical(value.text)) return {" is not a logical value", {}};
-  if ((def.type == TDFParam::Integer || def.type == TDFParam::Real) && !TDFParam::asQuantity(value.text)) {
-    return {" is not a number", {}};
-  }
-  return {};
-}
-
-/// The same for every parameter that the compared path can name. Possible when one of them can have the value.
-Impossible impossible(LintContext& context, ExpressionUse const& use, ComparedValue const& value) {
-  Impossible result;
-  auto const resolved = context.resolve(use, value.objects);
-  for (auto const& typePath : *resolved) {
-    auto const* def = context.data().getParamValueDef(typePath, value.parameter->name(), true);
-    if (def == nullptr) continue;
-    result = impossible(context, *def, value);
-    if (result.reason.empty()) return {};
-  }
-  return result;
-}
-
-/// A fix that writes `near` instead of the text that the range covers with its quotes.
-std::optional<Replacement> textFix(ExpressionUse const& use, ComparedValue const& value, std::string const& near) {
-  if (near.empty() || !value.isLiteral || value.number) return std::nullopt;
-  char const quote = textOf(use)[value.range.offset];
-  std::string text(1, quote);
-  for (char const c : near) text.append(c == quote ? 2 : 1, c);
-  return Replacement{value.range, text + quote, "Replace " + inQuotes(value.text) + " by " + inQuotes(near)};
-}
-
-void checkComparisons(LintContext& context, ExpressionUse const& use) {
-  std::vector<ComparedValue> compared;
-  collectCompared(*use.compiled->expression, PathPattern(), compared);
-  for (auto const& value : compared) {
-    auto const [reason, near] = impossible(context, use, value);
-    if (reason.empty()) continue;
-    context.warn(Code::ImpossibleValue, use, value.range,
-                 "the parameter " + inQuotes(value.parameter->name()) + " can never be " + inQuotes(value.text) +
-                     ": it" + reason + orDidYouMean(near),
-                 textFix(use, value, near));
-  }
-}
-
 // A condition that can never hold
-
-bool evaluate(Expression const& expression) {
-  EmptyModel const model;
-  TDFContext const root{std::string{}};
-  EvalContext evalContext(&model);
-  return expression.truth(Frame{model, root, &evalContext});
-}
 
 /// True when two of the conditions, which must all hold, compare one parameter with different texts.
 bool contradicts(std::vector<Expression const*> const& parts) {
@@ -303,7 +130,7 @@ bool contradicts(std::vector<Expression const*> const& parts) {
 
 /// True when the form of the condition shows that it can never hold.
 bool neverHolds(Expression const& expression) {
-  if (readsNothing(expression)) return !evaluate(expression);
+  if (readsNothing(expression)) return !constantTruth(expression);
   auto const* logic = dynamic_cast<Logic const*>(&expression);
   if (logic == nullptr) {
     if (dynamic_cast<Kept const*>(&expression) != nullptr) return neverHolds(*expression.operands().front());
@@ -394,7 +221,6 @@ void checkNames(LintContext& context, ExpressionUse const& use) {
 
 void checkExpression(LintContext& context, ExpressionUse const& use) {
   checkPaths(context, use);
-  checkComparisons(context, use);
   checkCondition(context, use);
   checkNames(context, use);
 }

@@ -8,11 +8,13 @@
 #include <string_view>
 
 #include "expression/NearMatch.h"
+#include "lint/ComparisonLint.h"
 #include "lint/EntryLint.h"
 #include "lint/ExpressionLint.h"
 #include "lint/LintContext.h"
 #include "lint/OrderLint.h"
 #include "lint/UnitLint.h"
+#include "lint/ValueLint.h"
 
 namespace tarn::rules {
 
@@ -48,11 +50,14 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
   LintContext context(rules, data, diagnostics);
   for (auto const& use : rules.uses()) {
     checkExpression(context, use);
+    checkComparisons(context, use);
+    checkComputedValue(context, use);
     checkOrder(context, use);
     checkQuantities(context, use);
   }
   checkEntries(context);
   checkUnits(context);
+  checkMessages(context);
   checkRoots(context);
 }
 

@@ -63,6 +63,18 @@ LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPatter
   return kept;
 }
 
+SharedStrings const* LintContext::writtenValues(ParamValueDef const& def) {
+  if (def.allowsAnyValue) return nullptr;
+  if (auto const* fixed = dynamic_cast<FixedList const*>(def.allowedValues.get())) return &fixed->items();
+  auto const* computed = dynamic_cast<CompiledList const*>(def.allowedValues.get());
+  if (computed == nullptr) return nullptr;
+  Expression const* list = &computed->expression();
+  if (dynamic_cast<Kept const*>(list) != nullptr) list = list->operands().front();
+  if (auto const* call = dynamic_cast<NamedCall const*>(list)) list = call->rule().expression();
+  auto const* written = dynamic_cast<ListLiteral const*>(list);
+  return written != nullptr && !written->fixedItems().empty() ? &written->fixedItems() : nullptr;
+}
+
 std::string const* LintContext::impossibleNameIn(NamedRule const& list) {
   auto const [known, isNew] = impossibleNames_.try_emplace(&list, nullptr);
   auto const* items = dynamic_cast<ListLiteral const*>(list.expression());

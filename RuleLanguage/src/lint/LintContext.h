@@ -60,6 +60,10 @@ class LintContext {
   /// type is tried as its owner. Results that do not depend on the owner are kept, because many rules share them.
   [[nodiscard]] TypePaths resolve(ExpressionUse const& use, PathPattern const& pattern);
 
+  /// The allowed values, when they are written out in the entry or in a list that it names. Null when they are
+  /// computed, when there are none, and when they are advice only.
+  [[nodiscard]] static SharedStrings const* writtenValues(ParamValueDef const& def);
+
   /// The first name that is written out in a named list and that no object can have; null when there is none. Computed
   /// once per list, because many children may use it.
   [[nodiscard]] std::string const* impossibleNameIn(NamedRule const& list);

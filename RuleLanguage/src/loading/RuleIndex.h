@@ -50,6 +50,9 @@ struct ExpressionUse {
   EntryKind kind = EntryKind::Parameter;
   std::string attribute;
   NamedRule const* named = nullptr;  // the named rule, when the expression is its body
+
+  /// The text from which the ranges of the expression count.
+  [[nodiscard]] std::string_view text() const { return std::string_view(item.node->value).substr(skipped); }
 };
 
 /// Where an entry of an object and each of its attributes are written.

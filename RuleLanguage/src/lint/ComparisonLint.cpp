@@ -1,0 +1,535 @@
+// Comparisons with values that are written out. What a parameter can hold is known from its type and from its allowed
+// values when those are written out too; names and types of objects are known from the child rules. Where any of this
+// is computed, or is the user's choice, there is no warning.
+
+#include "lint/ComparisonLint.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <tarn/PathUtils.h>
+#include <tarn/QuantityType.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/TDFParam.h>
+
+#include "expression/Nodes.h"
+#include "expression/Quantities.h"
+#include "lint/ConstantExpression.h"
+
+namespace tarn::rules {
+
+namespace {
+
+/// A value that something is compared with.
+struct Wanted {
+  std::string text;
+  std::optional<double> number;  // when it is written as a number
+};
+
+/// Why something never has a value.
+struct Impossible {
+  std::string subject;
+  std::string reason;
+  std::string near;         // the value that was probably meant
+  bool isProposed = false;  // the reason names it already
+};
+
+/// Nothing when the value is possible.
+using Judgement = std::optional<Impossible>;
+
+Expression const& withoutKept(Expression const& expression) {
+  return dynamic_cast<Kept const*>(&expression) != nullptr ? *expression.operands().front() : expression;
+}
+
+/// The text of an expression that is a text in quotes; null for any other.
+std::string const* writtenText(Expression const& expression) {
+  auto const* literal = dynamic_cast<Literal const*>(&expression);
+  return literal != nullptr && literal->kind() == Kind::Text ? &literal->rawText() : nullptr;
+}
+
+std::string inLetters(std::string_view function, std::string_view text) {
+  return function == "lower" ? StringUtilities::toLower(std::string(text))
+                             : StringUtilities::toUpper(std::string(text));
+}
+
+class ComparisonLint {
+ public:
+  ComparisonLint(LintContext& context, ExpressionUse const& use) : context_(context), use_(use) {}
+
+  void run() {
+    struct Part {
+      Expression const* expression;
+      PathPattern base;  // the objects in whose context it is evaluated
+    };
+    std::vector<Part> parts{{use_.compiled->expression.get(), PathPattern()}};
+    while (!parts.empty()) {
+      Part const part = std::move(parts.back());
+      parts.pop_back();
+      check(*part.expression, part.base);
+      auto const operands = part.expression->operands();
+      for (std::size_t i = operands.size(); i-- > 0;) {
+        parts.push_back({operands[i], part.expression->operandBase(i, part.base)});
+      }
+    }
+    checkOwner();
+  }
+
+ private:
+  using TypePaths = LintContext::TypePaths;
+
+  void check(Expression const& expression, PathPattern const& base) {
+    if (auto const* comparison = dynamic_cast<Comparison const*>(&expression)) {
+      auto const op = comparison->op();
+      bool const isEquality = op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual;
+      checkSides(comparison->left(), comparison->right(), isEquality, base);
+      checkSides(comparison->right(), comparison->left(), isEquality, base);
+    } else if (auto const* membership = dynamic_cast<Membership const*>(&expression)) {
+      checkMembership(*membership, base);
+    } else if (auto const* call = dynamic_cast<FunctionCall const*>(&expression)) {
+      checkCall(*call, base);
+    } else if (auto const* arithmetic = dynamic_cast<Arithmetic const*>(&expression)) {
+      checkDivision(*arithmetic);
+    }
+  }
+
+  // What something can be
+
+  /// What the rules say of a parameter, in all objects that the path can name.
+  [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter,
+                                                          PathPattern const& base) {
+    std::vector<ParamValueDef const*> result;
+    auto const typePaths = context_.resolve(use_, parameter.objectPattern().seenFrom(base));
+    for (auto const& typePath : *typePaths) {
+      auto const* def = context_.data().getParamValueDef(typePath, parameter.name(), true);
+      if (def != nullptr) result.push_back(def);
+    }
+    return result;
+  }
+
+  /// Whether a rule keeps its parameter, or an item of it when it is of a list type, from having the value.
+  Judgement judgeByRule(ParamValueDef const& def, Wanted const& wanted) {
+    if (auto const* items = LintContext::writtenValues(def)) {
+      auto const equals = [&](std::string const& item) {
+        auto const quantity = wanted.number ? TDFParam::asQuantity(item) : std::nullopt;
+        return wanted.number ? quantity && quantity->number == *wanted.number : item == wanted.text;
+      };
+      if (def.unusedValues.contains(wanted.text)) return Impossible{{}, " is known but never allowed", {}};
+      if (std::any_of(items->begin(), items->end(), equals)) return {};
+      return Impossible{{}, " is not among its allowed values", context_.hints().nearest(wanted.text, *items)};
+    }
+    if (def.allowedValueKind != ParamValueDef::NoAllowedValues) return {};
+    switch (TDFParam::elementType(def.type)) {
+      case TDFParam::Logical:
+        if (TDFParam::asLogical(wanted.text)) return {};
+        return Impossible{{}, " is not a logical value", {}};
+      case TDFParam::Integer:
+      case TDFParam::Real:
+        return judgeNumber(def, wanted);
+      default:
+        return {};
+    }
+  }
+
+  Judgement judgeNumber(ParamValueDef const& def, Wanted const& wanted) {
+    auto const quantity = TDFParam::asQuantity(wanted.text);
+    if (!wanted.number && !quantity) return Impossible{{}, " is not a number", {}};
+    if (auto const* type = quantityTypeOf(def);
+        !wanted.number && type != nullptr && !quantity->units.empty() && type->find(quantity->units) == nullptr) {
+      return Impossible{{}, " has units that its quantity type does not list; it lists " + listedUnits(*type), {}};
+    }
+    bool const isWhole = !wanted.number || *wanted.number == std::trunc(*wanted.number);
+    if (TDFParam::elementType(def.type) == TDFParam::Integer && !def.quantityType && !isWhole) {
+      return Impossible{{}, " is not a whole number", {}};
+    }
+    return {};
+  }
+
+  /// The quantity type of a parameter, when it is written out.
+  [[nodiscard]] QuantityType const* quantityTypeOf(ParamValueDef const& def) const {
+    auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get());
+    return fixed != nullptr ? context_.data().findQuantityType(fixed->text()) : nullptr;
+  }
+
+  /// An absent parameter equals the empty text, so that is always possible.
+  Judgement judgeParameter(ParameterReference const& parameter, PathPattern const& base, Wanted const& wanted,
+                           bool asItem) {
+    if (wanted.text.empty()) return {};
+    Judgement result;
+    for (auto const* def : rulesOf(parameter, base)) {
+      bool const isList = TDFParam::isListType(def->type);
+      if (isList && wanted.number) return {};
+      // The text of a list is compared whole, and a single value is read as a list by dividing it at its commas.
+      if (isList != asItem && (isList || wanted.text.find(',') == std::string::npos)) {
+        if (!isList) {
+          auto const* items = LintContext::writtenValues(*def);
+          auto const divides = [](std::string const& item) { return item.find(',') != std::string::npos; };
+          if (items != nullptr && std::any_of(items->begin(), items->end(), divides)) return {};
+        } else if (!(result = judgeItems(*def, wanted))) {
+          return {};
+        } else {
+          result->subject = "an item of the parameter " + inQuotes(parameter.name());
+          continue;
+        }
+      }
+      result = judgeByRule(*def, wanted);
+      if (!result) return {};
+      result->subject =
+          (asItem && isList ? "an item of the parameter " : "the parameter ") + inQuotes(parameter.name());
+    }
+    return result;
+  }
+
+  /// The first item of a list, written as one text, that a rule keeps its parameter from having.
+  Judgement judgeItems(ParamValueDef const& def, Wanted const& wanted) {
+    for (auto const& item : StringUtilities::stringToVector(wanted.text, ',')) {
+      if (auto result = judgeByRule(def, {item, {}})) {
+        result->near.clear();  // it is not what to write instead of the whole text
+        return result;
+      }
+    }
+    return {};
+  }
+
+  /// The types of the objects that a set can hold; null when that is not known.
+  TypePaths typesOf(Expression const& set, PathPattern const& base) {
+    auto const& bare = withoutKept(set);
+    if (auto const* objects = dynamic_cast<ObjectSet const*>(&bare)) {
+      return context_.resolve(use_, objects->pattern().seenFrom(base));
+    }
+    if (dynamic_cast<Quantifier const*>(&bare) != nullptr) return typesOf(*bare.operands().front(), base);
+    return nullptr;
+  }
+
+  Judgement judgeName(TypePaths const& typePaths, std::string const& text) {
+    if (typePaths == nullptr || typePaths->empty() || text.empty()) return {};
+    std::vector<std::string> names;
+    bool areSingletons = true;
+    for (auto const& typePath : *typePaths) {
+      auto const* parent = context_.data().getObjDependDef(std::string(PathUtils::parentOf(typePath)), true);
+      std::string const type(PathUtils::lastType(typePath));
+      auto const* child = parent != nullptr ? parent->findChild(type) : nullptr;
+      if (child == nullptr) return {};
+      if (child->singleton) {
+        names.push_back(type);
+        continue;
+      }
+      areSingletons = false;
+      auto const* list = dynamic_cast<FixedList const*>(child->allowedNamesSource.get());
+      if (list == nullptr) return {};
+      names.insert(names.end(), list->items().begin(), list->items().end());
+    }
+    if (std::find(names.begin(), names.end(), text) != names.end()) return {};
+    return Impossible{"the name of the object",
+                      areSingletons ? " is a singleton, whose name is its type" : " is not among the allowed names",
+                      context_.hints().nearest(text, names)};
+  }
+
+  Judgement judgeType(TypePaths const& typePaths, std::string const& text) {
+    if (typePaths == nullptr || typePaths->empty() || text.empty()) return {};
+    std::set<std::string> types;
+    for (auto const& typePath : *typePaths) types.emplace(PathUtils::lastType(typePath));
+    if (types.contains(text)) return {};
+    return Impossible{
+        "the type of the object",
+        types.size() == 1 ? " is always " + inQuotes(*types.begin()) : " is not among the types that the path can name",
+        context_.hints().nearest(text, {types.begin(), types.end()}), types.size() == 1};
+  }
+
+  /// Whether the text form of `expression` can be the value.
+  Judgement judge(Expression const& expression, PathPattern const& base, Wanted const& wanted) {
+    auto const& bare = withoutKept(expression);
+    if (auto const* parameter = dynamic_cast<ParameterReference const*>(&bare)) {
+      return judgeParameter(*parameter, base, wanted, false);
+    }
+    auto const* call = dynamic_cast<FunctionCall const*>(&bare);
+    if (call == nullptr || wanted.number) return {};
+    auto const arguments = call->operands();
+    auto const& name = call->function().name;
+    auto const types = [&] {
+      return arguments.empty() ? context_.resolve(use_, base) : typesOf(*arguments.front(), base);
+    };
+    if (name == "name") return judgeName(types(), wanted.text);
+    if (name == "type") return judgeType(types(), wanted.text);
+    if (name == "first") return wanted.text.empty() ? std::nullopt : judgeItem(*arguments.front(), base, wanted.text);
+    if ((name == "lower" || name == "upper") && inLetters(name, wanted.text) != wanted.text) {
+      return Impossible{"this text", name == "lower" ? " has no upper case letters" : " has no lower case letters",
+                        inLetters(name, wanted.text)};
+    }
+    return {};
+  }
+
+  /// Whether an item of a list can be the text.
+  Judgement judgeItem(Expression const& list, PathPattern const& base, std::string const& text) {
+    auto const& bare = withoutKept(list);
+    if (auto const* parameter = dynamic_cast<ParameterReference const*>(&bare)) {
+      return judgeParameter(*parameter, base, {text, {}}, true);
+    }
+    if (auto const* written = dynamic_cast<ListLiteral const*>(&bare)) {
+      auto const& items = written->fixedItems();
+      if (items.empty() || items.contains(text)) return {};
+      return Impossible{"an item of this list", " is not among those that are written out",
+                        context_.hints().nearest(text, items)};
+    }
+    if (auto const* named = dynamic_cast<NamedCall const*>(&bare)) {
+      auto const* rule = named->rule().expression();
+      auto const* written = rule != nullptr ? dynamic_cast<ListLiteral const*>(rule) : nullptr;
+      return written != nullptr ? judgeItem(*written, base, text) : std::nullopt;
+    }
+    auto const* call = dynamic_cast<FunctionCall const*>(&bare);
+    if (call == nullptr) return {};
+    auto const arguments = call->operands();
+    auto const& function = call->function();
+    if (function.name == "values") {
+      auto const* parameter = dynamic_cast<ParameterReference const*>(arguments.front());
+      return parameter != nullptr ? judgeParameter(*parameter, base, {text, {}}, false) : std::nullopt;
+    }
+    if (function.name == "names") return judgeName(typesOf(*arguments.front(), base), text);
+    Judgement result;
+    for (std::size_t i = 0; i < arguments.size() && i < function.itemsFrom; ++i) {
+      auto found = judgeItem(*arguments[i], base, text);
+      if (!found) return {};
+      if (!result) result = std::move(found);
+    }
+    return result;
+  }
+
+  // Reports
+
+  void warnImpossible(Impossible const& found, std::string const& text, Range range, bool isLiteral) {
+    context_.warn(Code::ImpossibleValue, use_, range,
+                  found.subject + " can never be " + inQuotes(text) + ": it" + found.reason +
+                      (found.isProposed ? std::string() : orDidYouMean(found.near)),
+                  isLiteral ? textFix(range, text, found.near) : std::nullopt);
+  }
+
+  /// A fix that writes `near` instead of the text that the range covers with its quotes.
+  [[nodiscard]] std::optional<Replacement> textFix(Range range, std::string const& text,
+                                                   std::string const& near) const {
+    if (near.empty()) return std::nullopt;
+    char const quote = use_.text()[range.offset];
+    std::string written(1, quote);
+    for (char const c : near) written.append(c == quote ? 2 : 1, c);
+    return Replacement{range, written + quote, "Replace " + inQuotes(text) + " by " + inQuotes(near)};
+  }
+
+  // Comparisons
+
+  void checkSides(Expression const& one, Expression const& other, bool isEquality, PathPattern const& base) {
+    auto const* literal = dynamic_cast<Literal const*>(&other);
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
+    if (!isEquality) {
+      if (parameter != nullptr && other.kind() == Kind::Number) checkOrder(*parameter, other, base);
+      return;
+    }
+    if (literal == nullptr || literal->kind() == Kind::Truth) return;
+    Wanted wanted{literal->rawText(), {}};
+    if (literal->kind() == Kind::Number) {
+      wanted.number = constantNumber(*literal);
+      wanted.text = numberText(*wanted.number);
+    }
+    if (auto const found = judge(one, base, wanted)) {
+      warnImpossible(*found, wanted.text, literal->range(), !wanted.number);
+    } else if (parameter != nullptr && !wanted.text.empty()) {
+      checkForm(*parameter, wanted, *literal, base);
+    }
+  }
+
+  /// The rules of a parameter when all are of one type and none limits the values; otherwise none.
+  std::vector<ParamValueDef const*> freeRulesOf(ParameterReference const& parameter, PathPattern const& base) {
+    auto rules = rulesOf(parameter, base);
+    bool const isFree = std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+      return def->allowedValueKind == ParamValueDef::NoAllowedValues && def->type == rules.front()->type;
+    });
+    if (!isFree) rules.clear();
+    return rules;
+  }
+
+  /// Values that are equal as what they are, but not as they are written.
+  void checkForm(ParameterReference const& parameter, Wanted const& wanted, Literal const& literal,
+                 PathPattern const& base) {
+    auto const rules = freeRulesOf(parameter, base);
+    if (rules.empty()) return;
+    auto const type = rules.front()->type;
+    auto const warn = [&](std::string const& message, std::string const& instead) {
+      std::optional<Replacement> fix;
+      if (!instead.empty()) {
+        auto const written = use_.text().substr(literal.range().offset, literal.range().length);
+        fix = Replacement{literal.range(), instead, "Replace " + std::string(written) + " by " + instead};
+      }
+      context_.warn(Code::ComparedAsWritten, use_, literal.range(), message, fix);
+    };
+    std::string const subject = "this compares the value of " + inQuotes(parameter.name());
+    if (type == TDFParam::Logical) {
+      auto const truth = TDFParam::asLogical(wanted.text);
+      if (!truth) return;
+      std::string const instead = *truth ? "true" : "false";
+      warn(subject +
+               (wanted.number ? " as a number, so 'true' is not equal to 1 and 'false' not to 0; write "
+                              : " as text, so 'yes', 'on' and '1' are not equal to 'true'; write ") +
+               instead + (wanted.number ? "" : " without quotes"),
+           instead);
+    } else if ((type == TDFParam::Real || type == TDFParam::Integer) && !wanted.number) {
+      auto const quantity = TDFParam::asQuantity(wanted.text);
+      if (!quantity || (type == TDFParam::Integer && quantity->units.empty())) return;
+      bool const areListed = quantity->units.empty() || std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+                               return quantityTypeOf(*def) != nullptr;
+                             });
+      std::string const instead =
+          areListed ? std::string(StringUtilities::trimmed(wanted.text)) : numberText(quantity->number);
+      warn(subject + " as text, so the same " + (quantity->units.empty() ? "number" : "quantity") +
+               " written in another way is not equal; write " + instead + " without quotes",
+           instead);
+    }
+  }
+
+  void checkOrder(ParameterReference const& parameter, Expression const& other, PathPattern const& base) {
+    auto const rules = rulesOf(parameter, base);
+    if (rules.empty()) return;
+    auto const isNumber = [](std::string const& item) { return TDFParam::asQuantity(item).has_value(); };
+    bool const none = std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+      auto const* items = TDFParam::isListType(def->type) ? nullptr : LintContext::writtenValues(*def);
+      return items != nullptr && std::none_of(items->begin(), items->end(), isNumber);
+    });
+    if (none) {
+      context_.warn(Code::ImpossibleValue, use_, parameter.range(),
+                    "this comparison never holds: no allowed value of " + inQuotes(parameter.name()) + " is a number");
+      return;
+    }
+    auto const free = freeRulesOf(parameter, base);
+    if (free.empty() || free.front()->type != TDFParam::Logical || dynamic_cast<Literal const*>(&other) == nullptr) {
+      return;
+    }
+    context_.warn(Code::ComparedAsWritten, use_, parameter.range(),
+                  "this compares the value of " + inQuotes(parameter.name()) +
+                      " as a number, which 'true' and 'false' are not; write it alone, or with 'not'");
+  }
+
+  void checkMembership(Membership const& membership, PathPattern const& base) {
+    auto const& items = withoutKept(membership.items());
+    auto const& item = withoutKept(membership.item());
+    if (auto const* text = writtenText(item)) {
+      if (readsNothing(items)) return;
+      if (auto const found = judgeItem(items, base, *text)) warnImpossible(*found, *text, item.range(), true);
+      return;
+    }
+    if (auto const* list = dynamic_cast<ListLiteral const*>(&items)) {
+      for (auto const& wanted : list->fixedItems()) {
+        if (auto const found = judge(item, base, {wanted, {}})) warnImpossible(*found, wanted, list->range(), false);
+      }
+      checkFormInList(item, *list, base);
+      return;
+    }
+    auto const* named = dynamic_cast<NamedCall const*>(&items);
+    auto const* rule = named != nullptr ? named->rule().expression() : nullptr;
+    auto const* list = rule != nullptr ? dynamic_cast<ListLiteral const*>(rule) : nullptr;
+    if (list == nullptr || list->fixedItems().empty()) return;
+    // A list that many rules share may hold more than one of them needs, but not only that.
+    Judgement found;
+    for (auto const& wanted : list->fixedItems()) {
+      found = judge(item, base, {wanted, {}});
+      if (!found) return;
+    }
+    context_.warn(Code::ImpossibleValue, use_, items.range(), found->subject + " can never be an item of this list");
+  }
+
+  void checkFormInList(Expression const& item, ListLiteral const& list, PathPattern const& base) {
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&item);
+    if (parameter == nullptr) return;
+    auto const rules = freeRulesOf(*parameter, base);
+    if (rules.empty() || (rules.front()->type != TDFParam::Real && rules.front()->type != TDFParam::Integer)) return;
+    for (auto const& text : list.fixedItems()) {
+      auto const quantity = TDFParam::asQuantity(text);
+      if (!quantity || (rules.front()->type == TDFParam::Integer && quantity->units.empty())) continue;
+      context_.warn(Code::ComparedAsWritten, use_, list.range(),
+                    "'in' compares texts, so the same quantity written in another way is not in the list; compare " +
+                        inQuotes(parameter->name()) + " with each number by '=='");
+      return;
+    }
+  }
+
+  void checkCall(FunctionCall const& call, PathPattern const& base) {
+    if (call.function().name == "mod") checkDivisor(*call.operands()[1]);
+    checkParts(call, base);
+  }
+
+  /// `contains(x, 'text')` and its kin.
+  void checkParts(FunctionCall const& call, PathPattern const& base) {
+    struct Row {
+      std::string_view function;
+      bool (*holds)(std::string_view text, std::string_view part);
+      std::string_view verb;
+    };
+    static constexpr std::array<Row, 3> rows = {{
+        {"contains", [](std::string_view text, std::string_view part) { return text.find(part) != text.npos; },
+         " can never contain "},
+        {"starts_with", [](std::string_view text, std::string_view part) { return text.starts_with(part); },
+         " can never begin with "},
+        {"ends_with", [](std::string_view text, std::string_view part) { return text.ends_with(part); },
+         " can never end with "},
+    }};
+    auto const row =
+        std::find_if(rows.begin(), rows.end(), [&](Row const& one) { return one.function == call.function().name; });
+    if (row == rows.end()) return;
+    auto const arguments = call.operands();
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&withoutKept(*arguments[0]));
+    auto const* part = writtenText(*arguments[1]);
+    if (parameter == nullptr || part == nullptr || part->empty()) return;
+    auto const rules = rulesOf(*parameter, base);
+    bool const never = !rules.empty() && std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+      auto const* items = LintContext::writtenValues(*def);
+      // The text of a list has separators between its items.
+      if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != part->npos))
+        return false;
+      return std::none_of(items->begin(), items->end(),
+                          [&](std::string const& item) { return row->holds(item, *part); });
+    });
+    if (!never) return;
+    context_.warn(Code::ImpossibleValue, use_, arguments[1]->range(),
+                  "the parameter " + inQuotes(parameter->name()) + std::string(row->verb) + inQuotes(*part) +
+                      ": none of its allowed values does");
+  }
+
+  void checkDivision(Arithmetic const& arithmetic) {
+    auto const operands = arithmetic.operands();
+    for (std::size_t i = 1; i < operands.size(); ++i) {
+      if (arithmetic.isDivisor(i)) checkDivisor(*operands[i]);
+    }
+  }
+
+  void checkDivisor(Expression const& divisor) {
+    if (!readsNothing(divisor) || constantNumber(divisor) != 0) return;
+    context_.warn(Code::DivisionByZero, use_, divisor.range(), "this divides by 0, so the result is never a number");
+  }
+
+  /// A global check is evaluated at the root of the model, which has neither a name nor parameters.
+  void checkOwner() {
+    if (!use_.typePath.empty() || use_.named != nullptr) return;
+    std::vector<PathUse> paths;
+    use_.compiled->expression->collectPaths(paths, PathPattern());
+    for (auto const& path : paths) {
+      if (path.pattern.start() != PathPattern::Start::Owner) continue;
+      context_.warn(Code::OwnerInGlobalCheck, use_, path.range,
+                    "a global check belongs to no object, so '@' is the root of the model; write a path that begins "
+                    "with '/', or move the check into the Checks of an object");
+    }
+  }
+
+  LintContext& context_;
+  ExpressionUse const& use_;
+};
+
+}  // namespace
+
+void checkComparisons(LintContext& context, ExpressionUse const& use) {
+  ComparisonLint(context, use).run();
+}
+
+}  // namespace tarn::rules

@@ -1,0 +1,441 @@
+// Values that are written out for a parameter. Evaluation takes any text: a default that is not allowed is replaced,
+// and a number that cannot be read counts as none. So mistakes are seen only here.
+
+#include "lint/ValueLint.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <tarn/QuantityType.h>
+#include <tarn/StringUtilities.h>
+
+#include "expression/Nodes.h"
+#include "loading/RuleSections.h"
+
+namespace tarn::rules {
+
+namespace {
+
+/// A kind of value, and the codes of what can be wrong with it.
+struct ValueKind {
+  std::string_view noun;
+  Code notAllowed;
+  Code wrongType;
+  Code outOfBounds;
+};
+constexpr ValueKind defaults = {"default", Code::DefaultNotAllowed, Code::DefaultOfWrongType, Code::DefaultOutOfBounds};
+constexpr ValueKind overrides = {"override", Code::OverrideNotAllowed, Code::OverrideOfWrongType,
+                                 Code::OverrideOutOfBounds};
+
+/// What is wrong with a value.
+struct Fault {
+  Code code;
+  std::string message;
+  std::string instead;  // the right value, where it is known
+};
+
+constexpr std::string_view sign = "${";
+constexpr char const* noValue = "; to give no value, leave the key out";
+
+bool looksComputed(std::string_view text) {
+  auto const begin = text.find(sign);
+  return begin != std::string_view::npos && text.find('}', begin) != std::string_view::npos && !text.starts_with('=');
+}
+
+/// The expression that a text with parameters in it was probably meant to be. An operator after the first parameter
+/// shows that all of it is an expression. Otherwise the parameters stand in a text.
+std::string asExpression(std::string_view text) {
+  text = StringUtilities::trimmed(text);
+  auto const after = StringUtilities::trimmed(text.substr(text.find('}') + 1));
+  if (text.starts_with(sign) && (after.empty() || std::string_view("+-*/").find(after.front()) != after.npos)) {
+    return std::string(text);
+  }
+  std::string result;
+  auto const add = [&](std::string_view part) { result.append(result.empty() ? "" : " + ").append(part); };
+  while (!text.empty()) {
+    std::size_t const begin = std::min(text.find(sign), text.size());
+    std::string quoted = "'";
+    for (char const c : text.substr(0, begin)) quoted.append(c == '\'' ? 2 : 1, c);
+    if (begin > 0) add(quoted + "'");
+    std::size_t const end = std::min(text.find('}', begin), text.size() - 1);
+    if (begin < text.size()) add(text.substr(begin, end + 1 - begin));
+    text.remove_prefix(std::min(text.size(), begin < text.size() ? end + 1 : begin));
+  }
+  return result;
+}
+
+/// A text that other formats read as the absence of a value.
+bool isNull(std::string_view text) {
+  static constexpr std::array<std::string_view, 4> nulls = {"null", "Null", "NULL", "~"};
+  return std::find(nulls.begin(), nulls.end(), text) != nulls.end();
+}
+
+/// What is allowed, as the end of a sentence: the near match, or the first of all.
+std::string orListed(std::string const& near, SharedStrings const& items) {
+  constexpr std::size_t most = 6;
+  if (!near.empty() || items.empty()) return orDidYouMean(near);
+  std::string result = "; the allowed values are ";
+  for (std::size_t i = 0; i < items.size() && i < most; ++i) result.append(i == 0 ? "" : ", ").append(items[i]);
+  return items.size() > most ? result + ", ..." : result;
+}
+
+class ValueLint {
+ public:
+  ValueLint(LintContext& context, ParamValueDef const& def)
+      : context_(context), def_(def), allowed_(LintContext::writtenValues(def)) {}
+
+  void checkEntry(EntryPlace const& place) {
+    auto const at = [&](std::string_view attribute) {
+      auto const found = place.attributes.find(attribute);
+      return found == place.attributes.end() ? Item{} : found->second;
+    };
+    checkText(defaults, at("Default Value"));
+    checkGuarded(defaults, at("Default Value Check List"));
+    checkGuarded(overrides, at("Value Override Check List"));
+    if (auto const list = at("Ordered Allowed String List")) checkAllowed(list);
+    if (auto const list = at("Subset Allowed String List")) checkSubset(list);
+    if (auto const list = at("Unused Allowed String List")) checkTwice(list);
+  }
+
+  /// What is wrong with each text that the expression gives unchanged.
+  void checkResult(ValueKind const& kind, ExpressionUse const& use, Expression const& expression) {
+    auto const parts = expression.operands();
+    if (dynamic_cast<Kept const*>(&expression) != nullptr) {
+      checkResult(kind, use, *parts[0]);
+    } else if (dynamic_cast<Choice const*>(&expression) != nullptr) {
+      checkResult(kind, use, *parts[1]);
+      checkResult(kind, use, *parts[2]);
+    } else if (dynamic_cast<Literal const*>(&expression) != nullptr) {
+      std::string const text = writtenText(expression);
+      if (text.empty()) return;
+      for (auto const& value : itemsOf(text)) {
+        if (auto const fault = faultOf(kind, value))
+          context_.warn(fault->code, use, expression.range(), fault->message);
+      }
+    } else if (dynamic_cast<Arithmetic const*>(&expression) != nullptr && expression.kind() == Kind::Text) {
+      checkEnd(kind, use, *parts.back());
+    }
+  }
+
+  /// The items of a list of allowed values that is written out in an expression or named by it.
+  void checkListed(ExpressionUse const& use, Expression const& list) {
+    if (allowed_ == nullptr) return;
+    for (auto const& item : *allowed_) {
+      if (auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, item)) {
+        context_.warn(fault->code, use, list.range(), fault->message);
+        return;
+      }
+    }
+    std::set<std::string_view> seen;
+    for (auto const& item : *allowed_) {
+      if (seen.insert(item).second) continue;
+      context_.warn(Code::DuplicateValue, use, list.range(), twice(item));
+      return;
+    }
+  }
+
+  /// The items of a list in a file that are written twice.
+  static void checkTwice(LintContext& context, Item const& list) {
+    if (list.node->kind != YamlNode::Kind::Sequence) return;
+    std::map<std::string_view, YamlNode const*> seen;
+    for (auto const* item : list.node->children) {
+      if (item->kind != YamlNode::Kind::Scalar) continue;
+      auto const [former, isNew] = seen.try_emplace(item->value, item);
+      if (isNew) continue;
+      auto& warning = context.warn(Code::DuplicateValue, {list.source, item}, twice(item->value));
+      DiagnosticList::note(warning, *list.source, former->second->range(), "the first one is here");
+    }
+  }
+
+  static void checkLooks(LintContext& context, Item const& item, bool isInList) {
+    std::string_view const text = item.node->value;
+    if (!looksComputed(text)) return;
+    if (isInList) {
+      context.warn(Code::TextLooksComputed, item,
+                   "this item is the text " + inQuotes(text.substr(0, 60)) +
+                       ", not a value of the model; a list with computed items is an expression: (" +
+                       asExpression(text) + ", 'text')");
+      return;
+    }
+    std::string const expression = "= " + asExpression(text);
+    auto& warning = context.warn(
+        Code::TextLooksComputed, item,
+        "this is the text " + inQuotes(text.substr(0, 60)) + ", not a value of the model" + computedRemedy(text));
+    LintContext::fixText(warning, item, text, expression);
+  }
+
+ private:
+  [[nodiscard]] static std::string twice(std::string_view item) {
+    return inQuotes(item) + " is in the list twice; remove one of the two";
+  }
+
+  void checkTwice(Item const& list) { checkTwice(context_, list); }
+
+  /// A scalar that is not an expression.
+  [[nodiscard]] static bool isText(Item const& item) {
+    return item && item.node->kind == YamlNode::Kind::Scalar && !item.node->value.starts_with('=');
+  }
+
+  [[nodiscard]] std::vector<std::string> itemsOf(std::string const& text) const {
+    return TDFParam::isListType(def_.type) ? StringUtilities::stringToVector(text, ',')
+                                           : std::vector<std::string>{text};
+  }
+
+  [[nodiscard]] static std::string writtenText(Expression const& expression) {
+    auto const& literal = dynamic_cast<Literal const&>(expression);
+    if (literal.kind() == Kind::Text) return literal.rawText();
+    return {};
+  }
+
+  void checkText(ValueKind const& kind, Item const& item) {
+    if (!isText(item) || item.node->value.empty()) return;
+    std::string const& text = item.node->value;
+    if (isText(item) && TDFParam::elementType(def_.type) == TDFParam::String && looksComputed(text) &&
+        (allowed_ == nullptr || !allowed_->contains(text))) {
+      checkLooks(context_, item, false);
+      return;
+    }
+    if (checkNull(item)) return;
+    for (auto const& value : itemsOf(text)) {
+      auto const fault = faultOf(kind, value);
+      if (!fault) continue;
+      auto& warning = context_.warn(fault->code, item, fault->message);
+      LintContext::fixText(warning, item, value, fault->instead);
+    }
+  }
+
+  /// The values of a list of `{When, Value}`.
+  void checkGuarded(ValueKind const& kind, Item const& list) {
+    if (!list || list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* entry : list.node->children) {
+      for (std::size_t i = 0; entry->kind == YamlNode::Kind::Mapping && i + 1 < entry->children.size(); i += 2) {
+        if (entry->children[i]->value == "Value") checkText(kind, {list.source, entry->children[i + 1]});
+      }
+    }
+  }
+
+  /// True when the text of a parameter is, without quotes, the word of another format for no value.
+  bool checkNull(Item const& item) {
+    bool const isPlain = item.node->style == YamlNode::Style::Plain;
+    if (!isPlain || !isNull(item.node->value) || TDFParam::elementType(def_.type) != TDFParam::String) return false;
+    if (allowed_ != nullptr && allowed_->contains(item.node->value)) return false;
+    context_.warn(Code::NullAsText, item,
+                  "this is the text " + inQuotes(item.node->value) + noValue + ", or put the text in quotes");
+    return true;
+  }
+
+  /// The end of a text that is computed for a parameter with numbers.
+  void checkEnd(ValueKind const& kind, ExpressionUse const& use, Expression const& end) {
+    auto const* literal = dynamic_cast<Literal const*>(&end);
+    auto const element = TDFParam::elementType(def_.type);
+    bool const isNumeric = element == TDFParam::Integer || element == TDFParam::Real;
+    if (literal == nullptr || literal->kind() != Kind::Text || !isNumeric || allowed_ != nullptr || isOpen()) return;
+    auto const text = StringUtilities::trimmed(literal->rawText());
+    if (text.empty() || text.back() == ']' || (text.back() >= '0' && text.back() <= '9') || text.back() == '.') return;
+    context_.warn(kind.wrongType, use, end.range(),
+                  "this " + std::string(kind.noun) + " ends in " + inQuotes(text) +
+                      ", so it is never a number; units are written in brackets: ' [" + std::string(text) + "]'");
+  }
+
+  /// Allowed values that are computed, or advice only, may hold what is no number.
+  [[nodiscard]] bool isOpen() const {
+    return def_.allowedValueKind != ParamValueDef::NoAllowedValues && allowed_ == nullptr && !def_.allowsAnyValue;
+  }
+
+  std::optional<Fault> faultOf(ValueKind const& kind, std::string const& value) {
+    if (allowed_ != nullptr) {
+      if (allowed_->contains(value) && !def_.unusedValues.contains(value)) return std::nullopt;
+      auto near = context_.hints().nearest(value, *allowed_);
+      std::string message = "the " + std::string(kind.noun) + " " + inQuotes(value) +
+                            " is not among the allowed values" + orListed(near, *allowed_);
+      return Fault{kind.notAllowed, std::move(message), std::move(near)};
+    }
+    auto const* advice = dynamic_cast<FixedList const*>(def_.allowedValues.get());
+    if (isOpen() || (advice != nullptr && advice->items().contains(value))) return std::nullopt;
+    if (auto fault = typeFault(kind.noun, kind.wrongType, value)) return fault;
+    return boundFault(kind, value);
+  }
+
+  [[nodiscard]] std::optional<Fault> typeFault(std::string_view noun, Code code, std::string const& value) const {
+    std::string const subject = "the " + std::string(noun) + " " + inQuotes(value) + " is not ";
+    switch (TDFParam::elementType(def_.type)) {
+      case TDFParam::Logical:
+        if (TDFParam::asLogical(value)) return std::nullopt;
+        return Fault{code, subject + "a logical value; write true or false", {}};
+      case TDFParam::Integer: {
+        auto const quantity = TDFParam::asQuantity(value);
+        if (quantity && quantity->number == std::trunc(quantity->number)) return std::nullopt;
+        return Fault{
+            code,
+            subject + "a whole number" + (quantity ? "; write one, or make the parameter a Real" : numberRemedy(value)),
+            {}};
+      }
+      case TDFParam::Real:
+        if (TDFParam::asQuantity(value)) return std::nullopt;
+        return Fault{code, subject + "a number" + numberRemedy(value), {}};
+      default:
+        return std::nullopt;
+    }
+  }
+
+  [[nodiscard]] std::optional<Fault> boundFault(ValueKind const& kind, std::string const& value) const {
+    auto const element = TDFParam::elementType(def_.type);
+    auto const quantity = TDFParam::asQuantity(value);
+    if (!quantity || (element != TDFParam::Integer && element != TDFParam::Real)) return std::nullopt;
+    std::string const subject = "the " + std::string(kind.noun) + " " + inQuotes(value);
+    for (bool const isLower : {true, false}) {
+      auto const* fixed = dynamic_cast<FixedText const*>(isLower ? def_.lowerBound.get() : def_.upperBound.get());
+      auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
+      auto const order = limit ? orderOf(context_.data(), def_, *quantity, *limit) : std::nullopt;
+      if (!order) continue;
+      if (isLower ? *order < 0 : *order > 0) {
+        return Fault{kind.outOfBounds,
+                     subject + (isLower ? " is below the lower bound " : " is above the upper bound ") + fixed->text(),
+                     {}};
+      }
+      if (*order == 0 && (isLower ? def_.lowerBoundExcluded : def_.upperBoundExcluded)) {
+        return Fault{kind.outOfBounds, subject + " is equal to the bound " + fixed->text() + ", which is excluded", {}};
+      }
+    }
+    return std::nullopt;
+  }
+
+  void checkAllowed(Item const& list) {
+    if (list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* child : list.node->children) {
+      Item const item{list.source, child};
+      if (child->kind != YamlNode::Kind::Scalar) continue;
+      if (looksComputed(child->value)) {
+        checkLooks(context_, item, true);
+      } else if (auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, child->value)) {
+        context_.warn(fault->code, item, fault->message);
+      }
+    }
+    checkTwice(list);
+  }
+
+  void checkSubset(Item const& list) {
+    checkTwice(list);
+    if (allowed_ == nullptr || list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* item : list.node->children) {
+      if (item->kind != YamlNode::Kind::Scalar || allowed_->contains(item->value)) continue;
+      auto const near = context_.hints().nearest(item->value, *allowed_);
+      auto& warning = context_.warn(
+          Code::SubsetNotAllowed, {list.source, item},
+          "the subset value " + inQuotes(item->value) + " is not among the allowed values" + orListed(near, *allowed_));
+      LintContext::fixText(warning, {list.source, item}, item->value, near);
+    }
+  }
+
+  LintContext& context_;
+  ParamValueDef const& def_;
+  SharedStrings const* allowed_;  // null when they are not written out
+};
+
+YamlNode const* valueOf(YamlNode const& map, std::string_view key) {
+  for (std::size_t i = 0; map.kind == YamlNode::Kind::Mapping && i + 1 < map.children.size(); i += 2) {
+    if (map.children[i]->value == key) return map.children[i + 1];
+  }
+  return nullptr;
+}
+
+/// The messages in a section of checks.
+void checkMessagesIn(LintContext& context, SourceText const* source, YamlNode const* checks) {
+  if (checks == nullptr || checks->kind != YamlNode::Kind::Mapping) return;
+  for (std::size_t i = 1; i < checks->children.size(); i += 2) {
+    auto const* message = valueOf(*checks->children[i], "Message");
+    if (message != nullptr && message->kind == YamlNode::Kind::Scalar) {
+      ValueLint::checkLooks(context, {source, message}, false);
+    }
+  }
+}
+
+}  // namespace
+
+void checkValues(LintContext& context, ParamValueDef const& def, EntryPlace const& place) {
+  ValueLint(context, def).checkEntry(place);
+}
+
+void checkComputedValue(LintContext& context, ExpressionUse const& use) {
+  if (use.kind != EntryKind::Parameter || use.typePath.empty()) return;
+  bool const isOverride = use.attribute == "Value Override Check List";
+  bool const isDefault = use.attribute == "Default Value" || use.attribute == "Default Value Check List";
+  bool const isList = use.attribute == "Value List Source";
+  bool const isValue = (isOverride || isDefault) && use.role == Role::Text;
+  if (!isValue && !isList) return;
+  auto const* def = context.data().getParamValueDef(use.typePath, use.entry, true);
+  if (def == nullptr) return;
+  ValueLint lint(context, *def);
+  if (isList) {
+    lint.checkListed(use, *use.compiled->expression);
+  } else {
+    lint.checkResult(isOverride ? overrides : defaults, use, *use.compiled->expression);
+  }
+}
+
+void checkListedNames(LintContext& context, Item const& list) {
+  if (list.node->kind != YamlNode::Kind::Sequence) return;
+  ValueLint::checkTwice(context, list);
+  for (auto const* item : list.node->children) {
+    if (item->kind == YamlNode::Kind::Scalar) ValueLint::checkLooks(context, {list.source, item}, true);
+  }
+}
+
+void checkMessages(LintContext& context) {
+  for (auto const& file : context.rules().files()) {
+    checkMessagesIn(context, file.source, valueOf(*file.root, "Global Checks"));
+    auto const* objects = valueOf(*file.root, "Objects");
+    if (objects == nullptr) continue;
+    for (std::size_t i = 1; i < objects->children.size(); i += 2) {
+      checkMessagesIn(context, file.source, valueOf(*objects->children[i], "Checks"));
+    }
+  }
+}
+
+std::optional<int> orderOf(PhysicsData const& data, ParamValueDef const& def, TDFParam::Quantity const& a,
+                           TDFParam::Quantity const& b) {
+  double x = a.number;
+  double y = b.number;
+  if (a.units != b.units) {
+    auto const* name = dynamic_cast<FixedText const*>(def.quantityType.get());
+    auto const* type = name != nullptr ? data.findQuantityType(name->text()) : nullptr;
+    auto const converted = type != nullptr ? type->inFirstUnit(a) : std::nullopt;
+    auto const other = type != nullptr ? type->inFirstUnit(b) : std::nullopt;
+    if (!converted || !other) return std::nullopt;
+    if (QuantityType::areEqual(*converted, *other)) return 0;
+    x = *converted;
+    y = *other;
+  }
+  return x < y ? -1 : x > y ? 1 : 0;
+}
+
+std::string computedRemedy(std::string_view text) {
+  return looksComputed(text) ? "; an expression begins with '=': = " + asExpression(text) : std::string();
+}
+
+std::string numberRemedy(std::string_view text) {
+  text = StringUtilities::trimmed(text);
+  if (looksComputed(text)) return computedRemedy(text);
+  if (isNull(text)) return noValue;
+  // A number and units without brackets, or a comma for the decimal point.
+  std::size_t const end = std::min(text.find_first_not_of("+-.0123456789eE"), text.size());
+  auto const number = StringUtilities::trimmed(text.substr(0, end));
+  if (end < text.size() && TDFParam::asNumber(number)) {
+    auto const rest = StringUtilities::trimmed(text.substr(end));
+    bool const hasComma = rest.front() == ',' && rest.size() > 1;
+    if (hasComma && TDFParam::asNumber(rest.substr(1))) {
+      return "; write " + std::string(number) + "." + std::string(rest.substr(1));
+    }
+    if (rest.find_first_of("[],") == std::string_view::npos) {
+      return "; units are written in brackets: " + std::string(number) + " [" + std::string(rest) + "]";
+    }
+  }
+  return "; write it in digits";
+}
+
+}  // namespace tarn::rules

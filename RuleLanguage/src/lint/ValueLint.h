@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <tarn/TDFParam.h>
+
+#include "lint/LintContext.h"
+
+namespace tarn::rules {
+
+/// Warns of the values in the entry of a parameter that do not fit it: defaults, conditional defaults, overrides,
+/// allowed values and subsets that are of the wrong type, not allowed or out of bounds; of lists that have an item
+/// twice; and of texts that look like an expression but are not computed.
+void checkValues(LintContext& context, ParamValueDef const& def, EntryPlace const& place);
+
+/// The same for the texts that are written out in a computed default, override or list of allowed values.
+void checkComputedValue(LintContext& context, ExpressionUse const& use);
+
+/// Warns of names in a list of names of children that are written twice or look like an expression.
+void checkListedNames(LintContext& context, Item const& list);
+
+/// Warns of messages of checks that look like an expression but are not computed.
+void checkMessages(LintContext& context);
+
+/// Less than 0 when `a` is below `b`, 0 when they are equal. Nothing when they cannot be compared.
+[[nodiscard]] std::optional<int> orderOf(PhysicsData const& data, ParamValueDef const& def, TDFParam::Quantity const& a,
+                                         TDFParam::Quantity const& b);
+
+/// How to compute a text that looks like an expression, as the end of a sentence; empty for any other text.
+[[nodiscard]] std::string computedRemedy(std::string_view text);
+
+/// What to write instead of a text that is not a number, as the end of a sentence.
+[[nodiscard]] std::string numberRemedy(std::string_view text);
+
+}  // namespace tarn::rules
