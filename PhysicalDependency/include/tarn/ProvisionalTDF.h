@@ -18,6 +18,7 @@
 namespace tarn {
 
 class ModelTDF;
+class ParamAllowedValues;
 class PhysicsData;
 class ProvTDFLogger;
 class ProvTDFObserver;
@@ -122,8 +123,7 @@ class QuantityModifier;
 /// ## What each getter holds
 ///
 /// Every getter describes the last update. A reference that it returns stays valid, and its content unchanged, until
-/// the next edit or `baseUpdate`. Arguments of an edit may be such references. There is no list of new objects: their
-/// parameters show that they are present.
+/// the next edit or `baseUpdate`. Arguments of an edit may be such references.
 ///
 /// | Getter                       | after an edit that applied                         | after a refused edit |
 /// |------------------------------|----------------------------------------------------|----------------------|
@@ -132,6 +132,7 @@ class QuantityModifier;
 /// | `getModParams`               | parameters whose value or allowed values changed   | empty                |
 /// | `getNewlyUnavailParams`      | parameters that left it and are not potential now  | empty                |
 /// | `getDeletedObjects`          | deleted objects, only the top of each subtree      | empty                |
+/// | `getCreatedObjects`          | created objects                                    | empty                |
 /// | `getModBoundsParams`         | computed bounds that changed                       | empty                |
 /// | `getModQuantParams`          | quantity types that were adjusted anew             | empty                |
 /// | `getEmptyParameters`         | all parameters that lack a value                   | empty                |
@@ -144,10 +145,10 @@ class QuantityModifier;
 /// | `getModPotParams`            | potential parameters with other allowed values     | empty                |
 /// | `isUserNamedTypeAvailable`   | as found in the update                             | the same as before   |
 ///
-/// The change lists `getNewlyAvailParams`, `getModParams`, `getNewlyUnavailParams` and `getDeletedObjects` are a log of
-/// events, not their net effect. A parameter that came and left within one update is in the lists of both events. A
-/// parameter that came and then changed is listed as new and as modified. A parameter that left and came back is listed
-/// as new, whether it was lost or only potential in between.
+/// The change lists `getNewlyAvailParams`, `getModParams`, `getNewlyUnavailParams`, `getCreatedObjects` and
+/// `getDeletedObjects` are a log of events, not their net effect. A parameter that came and left within one update is
+/// in the lists of both events. A parameter that came and then changed is listed as new and as modified. A parameter
+/// that left and came back is listed as new, whether it was lost or only potential in between.
 ///
 /// To bring a copy of the active state up to date, first erase the objects of `getDeletedObjects`, the parameters of
 /// `getNewlyUnavailParams`, and the parameters of `getNewlyAvailPotParams` that `getActiveTDFState` lacks. Then set
@@ -383,6 +384,28 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   [[nodiscard]] bool isUserNamedTypeAvailable(std::string const& p_parentPath, std::string const& p_type) const;
   /// @}
 
+  /// @name What the state is made of
+  /// For those who explain the state. References stay valid, and show later edits, as long as this object.
+  /// @{
+
+  /// The tree of the active state: its objects, also those without parameters, and its parameters with their allowed
+  /// values. It also has the objects above the active root, which are no part of the state.
+  [[nodiscard]] DynamicTDF const& getActiveTree() const noexcept;
+  /// The guide.
+  [[nodiscard]] DynamicTDF const& getGuideTree() const noexcept;
+  /// The model that the rules read: the active state at and below the active root, the base model everywhere else. Null
+  /// before the start. Valid until the next `initialise` or `baseUpdate`.
+  [[nodiscard]] ModelTDF const* getModelOfRules() const noexcept;
+  /// The allowed values of a parameter that is present or potential, with the subset that is on offer. An empty record
+  /// when it may have any value, and when there is no such parameter. Valid until the next edit, `baseUpdate` or
+  /// `rollback`.
+  [[nodiscard]] ParamAllowedValues const& getAllowedValueData(std::string const& p_objPath,
+                                                              std::string const& p_name) const;
+  /// The user's decision: whether the item was switched on. Empty without a decision. Logarithmic.
+  [[nodiscard]] std::optional<bool> getParamDecision(std::string const& p_objPath, std::string const& p_name) const;
+  [[nodiscard]] std::optional<bool> getObjectDecision(std::string const& p_path) const;
+  /// @}
+
   /// @name What the last update changed
   /// See the table above. Parameters are listed in the order of events, objects in the order of their deletion. For a
   /// deleted subtree, only the top is listed. A required object that holds nothing is deleted without an entry. If a
@@ -396,6 +419,9 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Parameters that became potential are not listed here, but in `getNewlyAvailPotParams`.
   [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
+  /// In the order of their creation. Of a branch that is mirrored from the base model, only its top. An object that was
+  /// deleted later in the same update is listed too: ask `hasObject`.
+  [[nodiscard]] std::vector<std::string> const& getCreatedObjects() const noexcept;
   /// Path of the parameter to its lower and upper bound. May list a parameter in an object named "__%%dummy%%__". The
   /// library uses that object to find out about types that have no object yet. Ignore such entries.
   [[nodiscard]] std::map<std::string, std::pair<std::string, std::string>> const& getModBoundsParams() const noexcept;

@@ -26,6 +26,9 @@ struct Outcome {
   /// Paths of the parameters without a value, in walk order; and those of them whose type is typed in.
   std::vector<std::string> emptyParams;
   std::vector<std::string> emptyTypedParams;
+  /// Paths of the objects that the last update created, in the order of their creation. Of a mirrored branch only its
+  /// top.
+  std::vector<std::string> createdObjects;
   /// Parent path and type of what a user may add. Sorted between updates; kept by an update without a walk.
   std::vector<std::pair<std::string, std::string>> userNamedTypes;
 };

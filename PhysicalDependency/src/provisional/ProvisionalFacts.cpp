@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 
 #include "incremental/FactMarks.h"
@@ -177,7 +178,12 @@ void ProvisionalFacts::dumpActive(std::string const& p_path, ModelState& p_state
 
 void ProvisionalFacts::createObject(std::string const& p_objPath, std::string const& p_type,
                                     std::string const& p_name) {
-  m_outcome.active.createObject(p_objPath, p_type, p_name);
+  if (m_outcome.active.createObject(p_objPath, p_type, p_name)) {
+    // As the tree does, which knows a singleton under its type alone.
+    bool const isSingleton = p_name.empty() || p_name == p_type;
+    noteCreated(p_objPath + PathUtils::pathSeparator + p_type +
+                (isSingleton ? std::string() : PathUtils::nameSeparator + p_name));
+  }
   activeWritten();
 }
 
@@ -197,8 +203,15 @@ void ProvisionalFacts::deleteObjectUnrecorded(std::string const& p_path) {
 }
 
 void ProvisionalFacts::mirrorBranch(DynamicTDF const& p_base, std::string const& p_path) {
+  bool const isNew = !m_outcome.active.hasObject(p_path);
   m_outcome.active.copyBranch(&p_base, p_path);
+  if (isNew) noteCreated(p_path);
   activeWritten();
+}
+
+/// An object that is only tried is never published.
+void ProvisionalFacts::noteCreated(std::string p_path) {
+  if (!m_isTrying) journaled::append(recording(), m_outcome.createdObjects, std::move(p_path));
 }
 
 void ProvisionalFacts::deleteParam(std::string const& p_objPath, std::string const& p_name) {
@@ -305,6 +318,7 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
 
 void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
   m_outcome.active.resetChanges();
+  journaled::assign(recording(), m_outcome.createdObjects, {});
   TrackerAccess::reset(m_outcome.quantities, recording());
   TrackerAccess::reset(m_outcome.bounds, recording());
   if (p_kind == UpdateKind::FollowedWalk) {

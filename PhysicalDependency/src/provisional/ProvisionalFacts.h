@@ -165,12 +165,14 @@ class ProvisionalFacts final : public Journal::Participant {
   /// @}
 
   [[nodiscard]] Outcome const& outcome() const noexcept { return m_outcome; }
+  [[nodiscard]] Intent const& intent() const noexcept { return m_intent; }
 
   /// The results that rules keep. Enabled during a walk only; between walks the base model may change.
   [[nodiscard]] EvalCache& keptResults() noexcept { return m_keptResults; }
 
  private:
   void activeWritten() noexcept;
+  void noteCreated(std::string p_path);
   void ownFactWritten(std::string_view p_key) noexcept;
   void noteAtMark(Journal& p_journal) override;
 

@@ -173,9 +173,7 @@ std::string const& ProvisionalTDF::getParamValue(std::string const& p_objPath, s
 
 std::vector<std::string> ProvisionalTDF::getAllowedParamValues(std::string const& p_objPath,
                                                                std::string const& p_name) const {
-  ParamAllowedValues const& active = m_impl->outcome().active.getAllowedValueData(p_objPath, p_name);
-  return active.hasAllowedValues ? active.allowedValues
-                                 : m_impl->outcome().offers.getAllowedValueData(p_objPath, p_name).allowedValues;
+  return getAllowedValueData(p_objPath, p_name).allowedValues;
 }
 
 std::vector<std::string> ProvisionalTDF::getSubsetAllowedParamValues(std::string const& p_objPath,
@@ -193,6 +191,41 @@ std::vector<std::string> ProvisionalTDF::getPathExpansion(std::string const& p_p
   return pattern.expand(TDFContext(p_contextPath), m_impl->evalContext());
 }
 
+DynamicTDF const& ProvisionalTDF::getActiveTree() const noexcept {
+  return m_impl->outcome().active;
+}
+
+DynamicTDF const& ProvisionalTDF::getGuideTree() const noexcept {
+  return m_impl->intent().guide;
+}
+
+ModelTDF const* ProvisionalTDF::getModelOfRules() const noexcept {
+  return m_impl->isInitialised() ? m_impl->evalContext()->getDB() : nullptr;
+}
+
+ParamAllowedValues const& ProvisionalTDF::getAllowedValueData(std::string const& p_objPath,
+                                                              std::string const& p_name) const {
+  ParamAllowedValues const& active = m_impl->outcome().active.getAllowedValueData(p_objPath, p_name);
+  return active.hasAllowedValues ? active : m_impl->outcome().offers.getAllowedValueData(p_objPath, p_name);
+}
+
+namespace {
+
+std::optional<bool> decisionOf(ActivityState state) noexcept {
+  if (state == ActivityState::Unset) return std::nullopt;
+  return state == ActivityState::SetOn;
+}
+
+}  // namespace
+
+std::optional<bool> ProvisionalTDF::getParamDecision(std::string const& p_objPath, std::string const& p_name) const {
+  return decisionOf(m_impl->intent().decisions.ofParam(p_objPath, p_name));
+}
+
+std::optional<bool> ProvisionalTDF::getObjectDecision(std::string const& p_path) const {
+  return decisionOf(m_impl->intent().decisions.ofObject(p_path));
+}
+
 std::vector<std::string> const& ProvisionalTDF::getEmptyParameters(bool p_typedOnly) const noexcept {
   return p_typedOnly ? m_impl->outcome().emptyTypedParams : m_impl->outcome().emptyParams;
 }
@@ -204,6 +237,10 @@ bool ProvisionalTDF::isUserNamedTypeAvailable(std::string const& p_parentPath, s
 
 std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getModParams() const noexcept {
   return m_impl->outcome().active.getModifiedParameters();
+}
+
+std::vector<std::string> const& ProvisionalTDF::getCreatedObjects() const noexcept {
+  return m_impl->outcome().createdObjects;
 }
 
 /// As logged, including what became potential later in the same walk. Callers who draw new items rely on this order.

@@ -75,6 +75,9 @@ class [[gnu::visibility("hidden")]] ProvisionalTDF::Impl final : public WalkHand
   [[nodiscard]] Outcome const& outcome() const noexcept {
     return m_facts.outcome();
   }
+  [[nodiscard]] Intent const& intent() const noexcept {
+    return m_facts.intent();
+  }
   [[nodiscard]] ModelState const& activeState() const noexcept {
     return m_activeState;
   }

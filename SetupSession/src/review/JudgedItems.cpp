@@ -1,5 +1,6 @@
 #include "review/JudgedItems.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
@@ -12,6 +13,24 @@ std::string remedyNumber(double number) {
   auto const end =
       std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, std::chars_format::general, digits).ptr;
   return {buffer.data(), end};
+}
+
+std::vector<std::string> unitsOfTexts(std::string const& lowerBound, std::string const& upperBound,
+                                      std::string const& defaultValue, TDFParam::Type type) {
+  std::vector<std::string> units;
+  auto const add = [&units](std::string const& text) {
+    auto const quantity = TDFParam::asQuantity(text);
+    if (!quantity || quantity->units.empty()) return;
+    if (std::find(units.begin(), units.end(), quantity->units) == units.end()) units.emplace_back(quantity->units);
+  };
+  add(lowerBound);
+  add(upperBound);
+  if (TDFParam::isListType(type)) {
+    for (std::string const& item : StringUtilities::stringToVector(defaultValue, ',')) add(item);
+  } else {
+    add(defaultValue);
+  }
+  return units;
 }
 
 bool isAllowed(JudgedParam const& param, std::string_view text, ReviewContext& context) {

@@ -4,8 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <tarn/StringUtilities.h>
+#include <tarn/TDFParam.h>
 
 #include "review/ReviewJudge.h"
 
@@ -37,6 +39,11 @@ void forEachItem(JudgedParam const& param, Judge judge) {
 
 /// A number as a remedy writes it: with up to 12 digits, which hides what a conversion rounded.
 [[nodiscard]] std::string remedyNumber(double number);
+
+/// The units of two bounds and of a default of that type, each once. They are those that a number without a quantity
+/// type may have.
+[[nodiscard]] std::vector<std::string> unitsOfTexts(std::string const& lowerBound, std::string const& upperBound,
+                                                    std::string const& defaultValue, TDFParam::Type type);
 
 /// Whether the text is now among the allowed values of the parameter.
 [[nodiscard]] bool isAllowed(JudgedParam const& param, std::string_view text, ReviewContext& context);

@@ -64,22 +64,11 @@ bool fits(JudgedParam const& param, JudgedItem const& item, TDFParam::Quantity c
 
 // The units of the bounds and of the default of a parameter without a quantity type, each once.
 std::vector<std::string> unitsOfRule(JudgedParam const& param, ReviewContext& context) {
-  std::vector<std::string> units;
-  auto const add = [&](std::string const& text) {
-    auto const quantity = TDFParam::asQuantity(text);
-    if (!quantity || quantity->units.empty()) return;
-    if (std::find(units.begin(), units.end(), quantity->units) == units.end()) units.emplace_back(quantity->units);
-  };
-  add(param.info.getBounds().first);
-  add(param.info.getBounds().second);
-  std::string const standard = param.declaration.evaluateDefault(
-      context.rules.getRules(), TDFContext(param.info.getObjPath()), &context.evaluation);
-  if (param.info.isListType()) {
-    for (std::string const& item : StringUtilities::stringToVector(standard, ',')) add(item);
-  } else {
-    add(standard);
-  }
-  return units;
+  auto const& [lower, upper] = param.info.getBounds();
+  return unitsOfTexts(lower, upper,
+                      param.declaration.evaluateDefault(context.rules.getRules(), TDFContext(param.info.getObjPath()),
+                                                        &context.evaluation),
+                      param.info.getType());
 }
 
 // Judges an item with units of a parameter without a quantity type. Returns whether there is no fault.

@@ -1,0 +1,198 @@
+// The lists of items: search, the user's own values, what waits, differences, the result. Each goes through everything
+// that is edited.
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+#include <tarn/PathUtils.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/session/Review.h>
+
+#include "session/SessionImpl.h"
+
+namespace tarn::session {
+
+namespace {
+
+bool isWordCharacter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// How `name` matches `text`, which is in lower case.
+std::optional<MatchKind> match(std::string_view name, std::string const& text) {
+  std::string const lower = StringUtilities::toLower(std::string(name));
+  std::size_t place = lower.find(text);
+  if (place == std::string::npos) return std::nullopt;
+  if (place == 0) return lower.size() == text.size() ? MatchKind::Exact : MatchKind::Prefix;
+  for (; place != std::string::npos; place = lower.find(text, place + 1)) {
+    if (!isWordCharacter(lower[place - 1])) return MatchKind::Word;
+  }
+  return MatchKind::Substring;
+}
+
+/// Calls `visit` with the path of each object of the tree at and below `root`, parents first, in the order of the tree.
+template <class Visit>
+void forEachObject(DynamicTDF const& tree, std::string const& root, Visit const& visit) {
+  if (!tree.hasObject(root)) return;
+  std::vector<std::string> open = {root};
+  std::vector<std::string> children;
+  while (!open.empty()) {
+    std::string const path = std::move(open.back());
+    open.pop_back();
+    visit(path);
+    if (!tree.getChildObjectPaths(path, children)) continue;
+    for (auto child = children.rbegin(); child != children.rend(); ++child) open.push_back(std::move(*child));
+  }
+}
+
+}  // namespace
+
+std::variant<Item, Refused> SessionImpl::resolve(std::string_view text) const {
+  EditChecks const checks(work_->ruled, [this](Item const& item) { return work_->offers.has(item); });
+  Item item;
+  if (auto fault = checks.resolve(std::string(text), item)) return std::move(*fault);
+  return item;
+}
+
+std::vector<Found> SessionImpl::find(std::string_view text, std::size_t most) const {
+  std::string const lower = StringUtilities::toLower(StringUtilities::removeWhitespace(std::string(text)));
+  std::vector<Found> found;
+  if (lower.empty() || most == 0) return found;
+  // The names of a type are compared once, however many objects have it.
+  struct Match {
+    std::string const* name;
+    MatchKind kind;
+  };
+  std::unordered_map<ObjDependDef const*, std::vector<Match>> matches;
+  DynamicTDF const& tree = provisional().getActiveTree();
+  forEachObject(tree, root_, [&](std::string const& path) {
+    std::optional<MatchKind> kind = path.empty() ? std::nullopt : match(PathUtils::lastName(path), lower);
+    if (!path.empty()) {
+      auto const ofType = match(PathUtils::lastType(path), lower);
+      if (ofType && (!kind || *ofType < *kind)) kind = ofType;
+    }
+    if (kind) found.push_back({{path, std::nullopt}, *kind, true});
+    ObjDependDef const* const rules = work_->ruled.rulesOfObject(path);
+    if (rules == nullptr) return;
+    auto const [entry, isNew] = matches.try_emplace(rules);
+    if (isNew) {
+      for (auto const& param : rules->params()) {
+        if (auto const ofName = match(param->name, lower)) entry->second.push_back({&param->name, *ofName});
+      }
+    }
+    for (Match const& param : entry->second) {
+      found.push_back({{path, *param.name}, param.kind, tree.hasParameter(path, *param.name)});
+    }
+  });
+  // What was found comes in the order of the tree and the rules, which is the order of equal matches.
+  std::stable_sort(found.begin(), found.end(), [](Found const& a, Found const& b) {
+    return a.match != b.match ? a.match < b.match : a.item.path < b.item.path;
+  });
+  if (found.size() > most) found.erase(found.begin() + static_cast<std::ptrdiff_t>(most), found.end());
+  return found;
+}
+
+std::vector<OwnValue> SessionImpl::own() const {
+  std::vector<OwnValue> values;
+  for (auto const& [item, given] : requests_.values()) {
+    if (given.empty()) continue;
+    std::string const* const asked = work_->ruled.askedValue(item.path, *item.name);
+    if (asked == nullptr) continue;  // it went with its object
+    std::string const wanted = StringUtilities::removeWhitespace(given.back().value);
+    std::string const* const value = work_->ruled.value(item.path, *item.name);
+    ParamRules const rules = work_->ruled.rulesOfParam(item.path, *item.name);
+    bool const inForce =
+        value != nullptr && *asked == wanted && rules && RuledState::isInForce(rules.value->type, wanted, *value);
+    values.push_back({item, wanted, given.back().step, inForce});
+  }
+  return values;
+}
+
+std::vector<Waiting> SessionImpl::waiting() const {
+  std::set<Item> asked;
+  DynamicTDF const& guide = provisional().getGuideTree();
+  std::vector<std::string> names;
+  forEachObject(guide, root_, [&](std::string const& path) {
+    asked.insert({path, std::nullopt});
+    names.clear();
+    guide.getParameterNames(path, names);
+    for (std::string& name : names) asked.insert({path, std::move(name)});
+  });
+  for (auto const& [item, count] : requests_.decided()) {
+    if (count != 0) asked.insert(item);
+  }
+  std::vector<Waiting> all;
+  for (Item const& item : asked) {
+    bool const isOffered = work_->offers.has(item);
+    auto waits = item.isParam() ? work_->ruled.waitingParam(item.path, *item.name, isOffered)
+                                : work_->ruled.waitingObject(item.path, isOffered);
+    if (waits) all.push_back(std::move(*waits));
+  }
+  return all;
+}
+
+std::vector<Difference> SessionImpl::differences() const {
+  std::map<Item, Difference> all;
+  DynamicTDF const& tree = provisional().getActiveTree();
+  auto const isInside = [this](std::string const& path) { return StringUtilities::isPathRootedAt(root_, path); };
+  // Objects that the model mentions or implies.
+  std::set<std::string> inModel;
+  for (auto const& [path, params] : model_) {
+    if (!isInside(path)) continue;
+    for (std::string at = path; inModel.insert(at).second && at.size() > root_.size();) at = PathUtils::parentOf(at);
+    for (auto const& [name, value] : params) {
+      if (StringUtilities::trimmed(value).empty()) continue;
+      std::string const* const now = work_->ruled.value(path, name);
+      if (now != nullptr && *now == value) continue;
+      Item const item = {path, name};
+      all[item] = {item, value, now != nullptr ? std::optional(*now) : std::nullopt, false};
+    }
+  }
+  for (std::string const& path : inModel) {
+    Item const item = {path, std::nullopt};
+    if (!work_->ruled.hasObject(path)) all[item] = {item, std::nullopt, std::nullopt, false};
+  }
+  std::vector<std::string> names;
+  forEachObject(tree, root_, [&](std::string const& path) {
+    Item const object = {path, std::nullopt};
+    if (!inModel.contains(path) && !path.empty()) all[object] = {object, std::nullopt, std::nullopt, true};
+    auto const entry = model_.find(path);
+    names.clear();
+    tree.getParameterNames(path, names);
+    for (std::string const& name : names) {
+      auto const known = entry == model_.end() ? ObjectState::const_iterator() : entry->second.find(name);
+      bool const isInModel =
+          entry != model_.end() && known != entry->second.end() && !StringUtilities::trimmed(known->second).empty();
+      if (isInModel) continue;
+      Item const item = {path, name};
+      all[item] = {item, std::nullopt, *work_->ruled.value(path, name), false};
+    }
+  });
+  std::vector<Difference> list;
+  list.reserve(all.size());
+  for (auto& [item, difference] : all) list.push_back(std::move(difference));
+  return list;
+}
+
+ModelState SessionImpl::result() const {
+  ModelState state = provisional().getActiveTDFState();
+  for (auto const& [path, params] : model_) {
+    if (!StringUtilities::isPathRootedAt(root_, path)) state.emplace(path, params);
+  }
+  DynamicTDF const& tree = provisional().getActiveTree();
+  if (!work_->ruled.hasObject(root_)) return state;
+  std::vector<std::string> content;
+  forEachObject(tree, root_, [&](std::string const& path) {
+    if (state.contains(path) || tree.getChildObjectPaths(path, content)) return;
+    if (!path.empty()) state.try_emplace(path);
+  });
+  return state;
+}
+
+Findings const& SessionImpl::review() const {
+  if (!review_) review_ = Review(rules_).judge(result());
+  return *review_;
+}
+
+}  // namespace tarn::session
