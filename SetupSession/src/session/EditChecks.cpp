@@ -177,18 +177,25 @@ EditChecks::Checked EditChecks::unknownObject(Edit const& edit, std::string cons
   Checked result = refused(RefusalCode::UnknownObject, edit, std::move(sentence));
 
   std::vector<std::string> const known = knownChildren(parent);
-  std::vector<std::string> components;
-  components.reserve(known.size());
-  for (std::string const& child : known) components.push_back(child.substr(parent.size() + 1));
-  std::string near = StringUtilities::nearMatch(path.substr(parent.size() + 1), components);
-  if (near.empty() && !rules && isNamed(path)) {
-    // The name may be right, and the type misspelt.
+  std::string near;
+  if (!rules) {
+    // The type is misspelt, the name may be right.
     std::vector<std::string> types;
     if (ObjDependDef const* const parentRules = state_.rulesOfObject(parent)) {
       for (auto const& entry : parentRules->children()) types.push_back(entry->type);
     }
     near = StringUtilities::nearMatch(PathUtils::lastType(path), types);
-    if (!near.empty()) near += ':' + std::string(PathUtils::lastName(path));
+    if (!near.empty() && isNamed(path)) near += ':' + std::string(PathUtils::lastName(path));
+    bool const isNew = edit.kind == Kind::AddObject && path == edit.path;
+    if (!isNew && !std::binary_search(known.begin(), known.end(), parent + '/' + near)) near.clear();
+  }
+  // To propose the removal of another object would be dangerous.
+  bool const takesAway = edit.kind == Kind::RemoveObject || edit.kind == Kind::DeactivateObject;
+  if (near.empty() && edit.kind != Kind::AddObject && !(takesAway && path == edit.path && rules)) {
+    std::vector<std::string> components;
+    components.reserve(known.size());
+    for (std::string const& child : known) components.push_back(child.substr(parent.size() + 1));
+    near = StringUtilities::nearMatch(path.substr(parent.size() + 1), components);
   }
   if (!near.empty()) result->nearest = withPath(edit, parent + '/' + near + edit.path.substr(path.size()));
   return result;

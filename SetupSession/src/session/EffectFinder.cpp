@@ -11,17 +11,6 @@
 
 namespace tarn::session {
 
-namespace {
-
-Item paramOfKey(std::string const& key) {
-  Item item;
-  item.name.emplace();
-  StringUtilities::splitPathName(key, &item.path, &*item.name);
-  return item;
-}
-
-}  // namespace
-
 bool EffectFinder::isOffered(Item const& item) const {
   auto const changed = offersNow_.find(item);
   return changed != offersNow_.end() ? changed->second : offers_.has(item);
@@ -29,11 +18,11 @@ bool EffectFinder::isOffered(Item const& item) const {
 
 void EffectFinder::noteUpdate(Edit const& edit) {
   ProvisionalTDF const& state = state_.state();
-  DefaultReaders::Search defaults(defaults_, state);
-  std::vector<Item> readers;
+  RuleReaders::Search search(readers_, state);
+  std::vector<RuleReaders::Reader> readers;
   bool isAnyChange = false;
   auto const changed = [&](ProvisionalTDF::ParamId const& param) {
-    defaults.paramChanged(param.first, param.second, readers);
+    search.paramChanged(param.first, param.second, readers);
     isAnyChange = true;
   };
 
@@ -52,8 +41,6 @@ void EffectFinder::noteUpdate(Edit const& edit) {
     touch({param.first, param.second});
     changed(param);
   }
-  for (auto const& [key, bounds] : state.getModBoundsParams()) touch(paramOfKey(key)).bounds = true;
-  for (auto const& [key, quantity] : state.getModQuantParams()) touch(paramOfKey(key)).quantity = true;
   for (auto const& [path, name] : state.getModPotParams()) touch({path, name}).defaultValue = true;
   // Lost first: an item that is added and deleted is on offer.
   for (auto const& [path, name] : state.getNewlyUnavailPotParams()) {
@@ -88,9 +75,14 @@ void EffectFinder::noteUpdate(Edit const& edit) {
     branches_.push_back(path);
     isAnyObject = true;
   }
-  if (isAnyObject) defaults.objectsChanged(readers);
-  if (isAnyChange || isAnyObject) defaults.anythingChanged(readers);
-  for (Item& item : readers) touch(std::move(item)).defaultValue = true;
+  if (isAnyObject) search.objectsChanged(readers);
+  if (isAnyChange || isAnyObject) search.anythingChanged(readers);
+  for (RuleReaders::Reader& reader : readers) {
+    Touched& touched = touch(std::move(reader.item));
+    if (reader.part == RuleReaders::Part::Default) touched.defaultValue = true;
+    if (reader.part == RuleReaders::Part::Bounds) touched.bounds = true;
+    if (reader.part == RuleReaders::Part::Quantity) touched.quantity = true;
+  }
 
   // What the edit asks for may wait without a trace in the lists.
   bool const isOfParam = edit.kind == Edit::Kind::SetParam || edit.kind == Edit::Kind::ActivateParam ||
@@ -189,8 +181,9 @@ EffectFinder::Facts EffectFinder::look(Item const& item, Touched const& touched,
   ParamRules const rules = evaluates ? state_.rulesOfParam(item.path, name) : ParamRules();
   if (!rules) return facts;
   if (touched.defaultValue) facts.defaultValue = state_.defaultValue(rules, item.path, facts.allowed);
-  if (touched.bounds && facts.isPresent) facts.bounds = state_.bounds(rules, item.path);
-  if (touched.quantity && facts.isPresent) facts.quantity = state_.quantityType(rules, item.path);
+  if (!facts.isPresent || !TDFParam::isNumericType(rules.value->type)) return facts;
+  if (touched.bounds) facts.bounds = state_.bounds(rules, item.path);
+  if (touched.quantity) facts.quantity = state_.quantityType(rules, item.path);
   return facts;
 }
 

@@ -12,8 +12,8 @@
 #include <tarn/session/Item.h>
 #include <tarn/session/Waiting.h>
 
-#include "session/DefaultReaders.h"
 #include "session/OfferIndex.h"
+#include "session/RuleReaders.h"
 #include "session/RuledState.h"
 
 namespace tarn::session {
@@ -21,7 +21,7 @@ namespace tarn::session {
 /// Finds the net effect of updates from two looks at the items that they may have touched: one in the state after them,
 /// one in the state before. The lists of a provisional state are events; they say where to look.
 ///
-///     EffectFinder finder(state, offers, defaults);
+///     EffectFinder finder(state, offers, readers);
 ///     apply(edit); finder.noteUpdate(edit);         // once for each edit
 ///     finder.lookAfter();
 ///     rollback();
@@ -32,8 +32,8 @@ namespace tarn::session {
 class EffectFinder {
  public:
   /// `offers` are those before the updates. All must outlive this object.
-  EffectFinder(RuledState const& state, OfferIndex const& offers, DefaultReaders const& defaults)
-      : state_(state), offers_(offers), defaults_(defaults) {}
+  EffectFinder(RuledState const& state, OfferIndex const& offers, RuleReaders const& readers)
+      : state_(state), offers_(offers), readers_(readers) {}
 
   /// Notes what the last update touched.
   void noteUpdate(Edit const& edit);
@@ -74,7 +74,7 @@ class EffectFinder {
 
   RuledState const& state_;
   OfferIndex const& offers_;
-  DefaultReaders const& defaults_;
+  RuleReaders const& readers_;
   std::map<Item, Touched> items_;
   /// Whether an item is on offer after the updates, where they have changed that.
   std::map<Item, bool> offersNow_;

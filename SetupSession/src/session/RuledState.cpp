@@ -160,14 +160,8 @@ std::optional<Waiting> RuledState::waitingObject(std::string const& path, bool i
     waiting.reason = WaitingReason::SwitchedOff;
     return waiting;
   }
-  ObjDependency::AllowedNameData names;
-  bool const isAvailable = isChildAvailable(rules, parent, names);
-  if (isAvailable && names.hasAllowedNames && !rules.entry->singleton) {
-    waiting.reason = WaitingReason::NameNotAllowed;
-  } else {
-    waiting.reason = WaitingReason::NotAvailable;
-    waiting.ruleReason = rules.entry->reason;
-  }
+  waiting.reason = WaitingReason::NotAvailable;
+  waiting.ruleReason = rules.entry->reason;
   return waiting;
 }
 

@@ -162,8 +162,6 @@ std::string sentenceOf(Waiting const& waiting) {
       return what + ", because the value is not allowed now.";
     case WaitingReason::Overridden:
       return what + ", because the rules fix another value.";
-    case WaitingReason::NameNotAllowed:
-      return what + ", because its name is not allowed now.";
     case WaitingReason::NotInTheRules:
       return what + ", because the rules do not know it.";
   }

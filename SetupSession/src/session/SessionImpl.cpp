@@ -96,7 +96,7 @@ SessionImpl::SessionImpl(PhysicsData const& rules, std::optional<ModelText> text
       model_(std::move(model)),
       root_(std::move(root)),
       options_(options),
-      defaults_(rules),
+      readers_(rules),
       modifier_(rules) {
   base_.initialise(model_.begin(), model_.end());
   work_ = std::make_unique<Work>(*this);
@@ -135,7 +135,7 @@ EditResult SessionImpl::tryEdits(std::span<Edit const> edits) {
 EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, bool followsReferences,
                                 std::function<void()> const& inside) const {
   EditResult result;
-  EffectFinder finder(work.ruled, work.offers, defaults_);
+  EffectFinder finder(work.ruled, work.offers, readers_);
   std::size_t index = 0;
   try {
     std::size_t characters = 0;
@@ -371,7 +371,7 @@ std::optional<EditResult> SessionImpl::undoAnew() {
     std::size_t const first = count > options_.quickSteps + 1 ? count - options_.quickSteps - 1 : 0;
     for (std::size_t i = 0; i < count; ++i) {
       EditResult result;
-      EffectFinder finder(work->ruled, work->offers, defaults_);
+      EffectFinder finder(work->ruled, work->offers, readers_);
       {
         Trial trial(*work->state);
         for (Edit const& edit : steps_[i].made) {

@@ -19,11 +19,11 @@
 #include <tarn/session/Session.h>
 #include <tarn/session/Step.h>
 
-#include "session/DefaultReaders.h"
 #include "session/EditChecks.h"
 #include "session/EffectFinder.h"
 #include "session/OfferIndex.h"
 #include "session/Requests.h"
+#include "session/RuleReaders.h"
 #include "session/RuledState.h"
 
 namespace tarn::session {
@@ -114,7 +114,7 @@ class SessionImpl {
   ModelState model_;
   std::string root_;
   SessionOptions options_;
-  DefaultReaders defaults_;
+  RuleReaders readers_;
   RuleQuantityModifier modifier_;
   DynamicTDF base_{false};
 

@@ -13,10 +13,10 @@ namespace tarn::session::test {
 
 /// A small plant: a solver that is steady or transient, tanks whose level may be controlled, pipes that name the tanks
 /// which they connect, and instruments that the model alone decides about.
-inline char const* const tankRules = R"rules(Quantity Types:
-  Length: [{m: 1}, {mm: 0.001}]
-  Pressure: [Pa, kPa]
-Global Check Roots: [Plant]
+inline char const* const tankRules = R"rules(Rule Database: 1
+Pertinent Roots: [Plant]
+Quantity Types:
+  Length: {Units: [m, in]}
 Objects:
   /Plant:
     Parameters:
@@ -79,8 +79,8 @@ Objects:
         Required: Yes
         Parameter Type: Real
         Quantity Type: Length
-        Default Value: "if(${Control} == 'Fixed', '1 [m]', '0.5 [m]')"
-        Upper Bound: ${Height}
+        Default Value: "= if(${Control} == 'Fixed', '1 [m]', '0.5 [m]')"
+        Upper Bound: = ${Height}
       Set Level:
         Available: ${Control} == 'Fixed'
         Reason: only a controlled tank has a set level

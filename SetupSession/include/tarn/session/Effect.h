@@ -75,7 +75,7 @@ struct TARN_EXPORT Effect {
   /// Of present numeric parameters.
   std::vector<BoundsChange> bounds;
   std::vector<TextChange> defaults;
-  /// The quantity types of present Real parameters.
+  /// The quantity types of present numeric parameters.
   std::vector<TextChange> quantities;
   /// Items that the user can switch on now and could not before. An item that was switched off is one of them.
   std::vector<Item> offersGained;

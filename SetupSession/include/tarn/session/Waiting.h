@@ -10,7 +10,7 @@ namespace tarn::session {
 
 /// Why something that was asked for is not in force. The numbers are part of the interface.
 enum class WaitingReason : int {
-  /// The rules do not make the parameter, or objects of this type, available now.
+  /// The rules do not make the parameter available now, or no objects of this type, or none of this name.
   NotAvailable = 0,
   /// The object that holds the item is not present.
   ObjectNotPresent = 1,
@@ -20,10 +20,8 @@ enum class WaitingReason : int {
   ValueNotAllowed = 3,
   /// The rules have replaced the value, because another value is in force by an override.
   Overridden = 4,
-  /// The rules do not allow an object of this name now.
-  NameNotAllowed = 5,
   /// The rules know no such item. The model asks for it.
-  NotInTheRules = 6
+  NotInTheRules = 5
 };
 
 /// Something that was asked for, is kept, and is not in force. It comes into force by itself when the rules allow it.

@@ -1,0 +1,37 @@
+// The laws of sessions under random rules. With TARN_SESSION_LAW_OPERATIONS the last test makes that many operations,
+// from the seed TARN_SESSION_LAW_SEED on:
+//
+//     TARN_SESSION_LAW_OPERATIONS=100000 build/dev/bin/SetupSessionTest --gtest_filter='SessionLaw.*More*'
+#include "support/SessionLaw.h"
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+namespace tarn::test {
+namespace {
+
+std::uint32_t numberFrom(char const* variable, std::uint32_t otherwise) {
+  char const* const text = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+  return text != nullptr ? static_cast<std::uint32_t>(std::stoul(text)) : otherwise;
+}
+
+TEST(SessionLaw, AnswersAreThoseOfAFreshSessionThatMakesTheRemainingSteps) {
+  SessionLawReport const report = checkSessionLaw({.firstSeed = 1, .operations = 1500});
+  ASSERT_EQ(report.broken, "");
+  EXPECT_GT(report.counts.changing, 200U);
+  EXPECT_GT(report.counts.refused, 100U);
+  EXPECT_GT(report.counts.undone, 50U);
+  EXPECT_GT(report.counts.redone, 10U);
+  EXPECT_GT(report.counts.waiting, 20U);
+}
+
+TEST(SessionLaw, HoldsForMoreOperationsWhenAsked) {
+  std::uint32_t const operations = numberFrom("TARN_SESSION_LAW_OPERATIONS", 0);
+  if (operations == 0) GTEST_SKIP() << "set TARN_SESSION_LAW_OPERATIONS";
+  SessionLawReport const report = checkSessionLaw({numberFrom("TARN_SESSION_LAW_SEED", 1'000), operations});
+  EXPECT_EQ(report.broken, "");
+}
+
+}  // namespace
+}  // namespace tarn::test
