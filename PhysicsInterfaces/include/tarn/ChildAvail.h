@@ -42,6 +42,9 @@ class TARN_EXPORT ChildAvail {
   std::unique_ptr<Condition> available;
   std::string description;
   std::string reason;
+  std::string group;
+  std::string label;
+  bool advanced = false;
   std::string betaMessage;
   /// Where the entry is written: the child type.
   RulePlace rulePlace;

@@ -35,6 +35,11 @@ class TARN_EXPORT ParamAvail {
   /// For people: what the parameter is, and why it is not available when `available` does not hold.
   std::string description;
   std::string reason;
+  /// For user interfaces; no result depends on them. The group under which the parameter is shown, and the name that
+  /// is shown instead of `name`; empty when the rules give none. Interfaces fold parameters that are `advanced`.
+  std::string group;
+  std::string label;
+  bool advanced = false;
   /// Collected when an evaluation finds the parameter available. Empty: none.
   std::string betaMessage;
   /// Where the entry is written: the parameter's name.

@@ -87,6 +87,9 @@ class TARN_EXPORT PathPattern {
   /// never fewer.
   [[nodiscard]] PathPattern seenFrom(PathPattern const& base) const;
 
+  /// The same pattern without its first step. The pattern itself when it has no steps.
+  [[nodiscard]] PathPattern withoutFirstStep() const;
+
   /// The pattern as text that parses back to it.
   [[nodiscard]] std::string text() const;
 

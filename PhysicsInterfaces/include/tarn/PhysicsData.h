@@ -18,11 +18,12 @@
 #include <tarn/ObjDependDef.h>
 #include <tarn/ParamValueDef.h>
 #include <tarn/QuantityType.h>
+#include <tarn/RuleExpressions.h>
 #include <tarn/UnitConverter.h>
 
 namespace tarn {
 
-/// The rule database: the rules of every object type, named checks and lists, and the checks of a whole model.
+/// The rule database: the rules of every object type, named checks, lists and values, and the checks of a whole model.
 ///
 /// Fill a database with the operations at the end, using the expressions of `<tarn/RuleLambdas.h>`, or load it from
 /// rule files (`tarn::rules::loadRules`). Once it is filled, several threads may read it at once, as long as no
@@ -68,6 +69,9 @@ class TARN_EXPORT PhysicsData {
   [[nodiscard]] std::vector<ObjDependDef const*> const& objects() const noexcept { return objectOrder_; }
   [[nodiscard]] std::vector<std::string> getCheckNames() const;
   [[nodiscard]] std::vector<std::string> getListNames() const;
+  /// The named value, a number or a text, that rules call by its name; null if there is none.
+  [[nodiscard]] TextExpression const* findValue(std::string_view name) const;
+  [[nodiscard]] std::vector<std::string> getValueNames() const;
 
   /// Attaches a controller that collects the beta messages of all evaluations whose `EvalContext` names none; null
   /// detaches. Not owned. A validator does not need it: `BetaLoggingController` says when it is of use.
@@ -86,6 +90,7 @@ class TARN_EXPORT PhysicsData {
   /// Each adds an entry that must not be null. Each returns false, and changes nothing, if the name is taken.
   [[nodiscard]] bool addCheck(std::string const& name, std::unique_ptr<Check> check);
   [[nodiscard]] bool addList(std::string const& name, std::unique_ptr<List> list);
+  [[nodiscard]] bool addValue(std::string const& name, std::unique_ptr<TextExpression> value);
   [[nodiscard]] bool addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check);
   [[nodiscard]] bool addQuantityType(std::string const& name, QuantityType type);
   /// The same for a type whose units have no conversions.
@@ -100,6 +105,7 @@ class TARN_EXPORT PhysicsData {
   std::vector<ObjDependDef const*> objectOrder_;
   std::map<std::string, std::unique_ptr<Check>> checks_;
   std::map<std::string, std::unique_ptr<List>> lists_;
+  std::map<std::string, std::unique_ptr<TextExpression>, std::less<>> values_;
   std::map<std::string, std::unique_ptr<GlobalCheck>> globalChecks_;
   std::vector<std::string> globalCheckOrder_;
   std::vector<std::string> roots_;

@@ -33,5 +33,8 @@ inline constexpr std::string_view pattern = "Pattern";
 inline constexpr std::string_view patternMessage = "Pattern Message";
 inline constexpr std::string_view quantityType = "Quantity Type";
 inline constexpr std::string_view completeListRequired = "Complete List Required";
+inline constexpr std::string_view group = "Group";
+inline constexpr std::string_view label = "Label";
+inline constexpr std::string_view advanced = "Advanced";
 
 }  // namespace tarn::RuleAttributes

@@ -35,4 +35,11 @@ PathPattern PathPattern::seenFrom(PathPattern const& base) const {
   return result;
 }
 
+PathPattern PathPattern::withoutFirstStep() const {
+  PathPattern result = *this;
+  if (!result.steps_.empty()) result.steps_.erase(result.steps_.begin());
+  result.classify();
+  return result;
+}
+
 }  // namespace tarn

@@ -7,8 +7,8 @@ namespace tarn {
 
 namespace {
 
-template <typename Map>
-auto* findIn(Map const& map, std::string const& name) {
+template <typename Map, typename Name>
+auto* findIn(Map const& map, Name const& name) {
   auto const found = map.find(name);
   return found == map.end() ? nullptr : found->second.get();
 }
@@ -56,6 +56,13 @@ std::vector<std::string> PhysicsData::getListNames() const {
   return namesOf(lists_);
 }
 
+TextExpression const* PhysicsData::findValue(std::string_view name) const {
+  return findIn(values_, name);
+}
+std::vector<std::string> PhysicsData::getValueNames() const {
+  return namesOf(values_);
+}
+
 ObjDependDef& PhysicsData::addObject(std::string const& objectTypePath) {
   auto const found = objects_.find(objectTypePath);
   if (found != objects_.end()) return *found->second;
@@ -75,6 +82,10 @@ bool PhysicsData::addCheck(std::string const& name, std::unique_ptr<Check> check
 
 bool PhysicsData::addList(std::string const& name, std::unique_ptr<List> list) {
   return lists_.try_emplace(name, std::move(list)).second;
+}
+
+bool PhysicsData::addValue(std::string const& name, std::unique_ptr<TextExpression> value) {
+  return values_.try_emplace(name, std::move(value)).second;
 }
 
 bool PhysicsData::addGlobalCheck(std::string const& name, std::unique_ptr<GlobalCheck> check) {

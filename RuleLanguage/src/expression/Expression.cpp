@@ -102,7 +102,7 @@ std::string const& Expression::textIn(Frame const& frame, std::string& buffer) c
   return buffer = text(frame);
 }
 
-void Expression::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
+void Expression::collectPaths(std::vector<PathUse>& paths, Base const& base) const {
   auto const parts = operands();
   for (std::size_t i = 0; i < parts.size(); ++i) parts[i]->collectPaths(paths, operandBase(i, base));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -8,10 +9,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
+#include <tarn/PathPattern.h>
 #include <tarn/QuantityType.h>
 #include <tarn/RuleReads.h>
 #include <tarn/SharedStrings.h>
@@ -41,11 +44,65 @@ struct Range {
   std::uint32_t length = 0;
 };
 
+/// An object to which a quantifier gives a name while it tests that object.
+struct NamedObject {
+  std::string_view name;
+  TDFContext const& object;
+  NamedObject const* outer;  // the next name further out, or null
+};
+
 /// The model and the context that an expression is evaluated with.
 struct Frame {
   ModelTDF const& model;
   TDFContext const& context;
   EvalContext* evalContext;
+  /// The names that are known here, the innermost first. Null when there are none.
+  NamedObject const* names = nullptr;
+};
+
+/// The objects in whose contexts a part of an expression is evaluated, seen from the owner of the rule. Every path of
+/// the part is seen from there. A `PathPattern` alone is a base without names; the default is the owner itself.
+struct Base {
+  /// The objects that a name stands for.
+  struct Name {
+    PathPattern objects;
+    std::shared_ptr<Name const> outer;
+  };
+
+  Base() = default;
+  Base(PathPattern objects) : context(std::move(objects)) {}
+
+  PathPattern context;
+  std::shared_ptr<Name const> names = nullptr;  // the innermost first
+};
+
+/// The object at which a path in an expression begins, unless it is absolute: the context object, or an object that a
+/// quantifier around the path has named.
+class PathOrigin {
+ public:
+  /// The context object.
+  PathOrigin() = default;
+  /// The object that is named by the quantifier `level` names further out; 0 is the innermost.
+  explicit PathOrigin(std::size_t level) noexcept : depth_(level + 1) {}
+
+  [[nodiscard]] bool isNamed() const noexcept { return depth_ != 0; }
+  /// How many names around the path must be known.
+  [[nodiscard]] std::size_t depth() const noexcept { return depth_; }
+  [[nodiscard]] TDFContext const& in(Frame const& frame) const noexcept {
+    if (depth_ == 0) return frame.context;
+    auto const* named = frame.names;
+    for (std::size_t i = 1; i < depth_; ++i) named = named->outer;
+    return named->object;
+  }
+  [[nodiscard]] PathPattern const& in(Base const& base) const noexcept {
+    if (depth_ == 0) return base.context;
+    auto const* named = base.names.get();
+    for (std::size_t i = 1; i < depth_; ++i) named = named->outer.get();
+    return named->objects;
+  }
+
+ private:
+  std::size_t depth_ = 0;
 };
 
 /// A path in an expression, for tools that need what is read and where that is written.
@@ -57,16 +114,18 @@ struct PathUse {
 
 /// The inputs that the result of an expression depends on, apart from the model.
 struct Dependence {
-  bool context = false;  // the object in whose context it is evaluated
-  bool owner = false;    // the object that owns the rule
-  bool costly = false;   // the result is worth keeping: getting it visits objects, makes lists or calls a named rule
+  bool context = false;   // the object in whose context it is evaluated
+  bool owner = false;     // the object that owns the rule
+  bool costly = false;    // the result is worth keeping: getting it visits objects, makes lists or calls a named rule
+  std::size_t names = 0;  // named objects: how many of the names around the expression, up to the outermost it uses
 
   void add(Dependence const& other) noexcept {
     context |= other.context;
     owner |= other.owner;
     costly |= other.costly;
+    names = std::max(names, other.names);
   }
-  [[nodiscard]] bool isContextFree() const noexcept { return !context && !owner; }
+  [[nodiscard]] bool isContextFree() const noexcept { return !context && !owner && names == 0; }
 };
 
 /// A question about one object.
@@ -112,9 +171,9 @@ class Expression {
   [[nodiscard]] virtual Dependence dependence() const = 0;
 
   /// Adds every path in the expression as seen from `base`, without those of called rules.
-  virtual void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const;
+  virtual void collectPaths(std::vector<PathUse>& paths, Base const& base) const;
   /// Adds everything that an evaluation may read as seen from `base`, including called rules.
-  virtual void collectReads(RuleReads& reads, PathPattern const& base) const = 0;
+  virtual void collectReads(RuleReads& reads, Base const& base) const = 0;
 
   /// Gives this node and its operands their quantity types. Called once, when all rules are read and before the first
   /// evaluation.
@@ -132,8 +191,8 @@ class Expression {
 
   /// The operands, for tools that look for patterns in an expression.
   [[nodiscard]] virtual std::vector<Expression const*> operands() const { return {}; }
-  /// The objects in whose context operand `i` is evaluated, when this node is evaluated at `base`.
-  [[nodiscard]] virtual PathPattern operandBase(std::size_t /*i*/, PathPattern const& base) const { return base; }
+  /// The base of operand `i` when this node has `base`.
+  [[nodiscard]] virtual Base operandBase(std::size_t /*i*/, Base const& base) const { return base; }
 
  protected:
   void setQuantity(QuantityType const* type, bool isConverted) noexcept {

@@ -45,6 +45,8 @@ struct CheckedCall {
   NamedRule const* rule;  // that a CheckName or ListName names, else null
   /// That a Pattern is, when it is written out; else null.
   std::shared_ptr<RegularExpression const> pattern;
+  /// The name that the call gives to the object under test, or "".
+  std::string objectName;
 };
 
 /// How a function gets its result: by a plain operation on its arguments, or by a node of its own, where arguments are
@@ -72,6 +74,8 @@ struct Function {
   std::size_t itemsFrom = 0;
   /// The result counts in the unit of the first so many arguments, which are quantities of one type.
   std::size_t quantitiesFrom = 0;
+  /// The call can name the object under test: `any(x in set, condition)`.
+  bool namesObject = false;
   Evaluation evaluate;
 
   [[nodiscard]] Argument argument(std::size_t i) const noexcept {

@@ -28,11 +28,15 @@ std::vector<Expression const*> pointers(std::vector<ExpressionPtr> const& owned)
   return result;
 }
 
-Dependence dependenceOf(PathPattern const& pattern) {
+Dependence dependenceOf(PathOrigin origin, PathPattern const& pattern) {
   Dependence result;
+  result.costly = !pattern.isSingle();
+  if (origin.isNamed()) {
+    result.names = origin.depth();
+    return result;
+  }
   result.context = pattern.start() == PathPattern::Start::Context || pattern.start() == PathPattern::Start::Nearest;
   result.owner = pattern.start() == PathPattern::Start::Owner;
-  result.costly = !pattern.isSingle();
   return result;
 }
 
@@ -151,7 +155,7 @@ Dependence ListLiteral::dependence() const {
   return result;
 }
 
-void ListLiteral::collectReads(RuleReads& reads, PathPattern const& base) const {
+void ListLiteral::collectReads(RuleReads& reads, Base const& base) const {
   for (auto const& item : items_) item->collectReads(reads, base);
 }
 
@@ -175,7 +179,7 @@ Dependence GuardedList::dependence() const {
   return result;
 }
 
-void GuardedList::collectReads(RuleReads& reads, PathPattern const& base) const {
+void GuardedList::collectReads(RuleReads& reads, Base const& base) const {
   for (auto const* part : operands()) part->collectReads(reads, base);
 }
 
@@ -193,7 +197,7 @@ std::vector<Expression const*> GuardedList::operands() const {
 std::string const* ParameterReference::objectPath(Frame const& frame, std::string& buffer) const {
   if (local_) return &frame.context.objPath();
   if (fixed_) return &fixedPath_;
-  return objects_.resolve(frame.context, buffer) ? &buffer : nullptr;
+  return objects_.resolve(origin_.in(frame), buffer) ? &buffer : nullptr;
 }
 
 std::string const& ParameterReference::textIn(Frame const& frame, std::string& buffer) const {
@@ -336,7 +340,7 @@ bool ParameterReference::exists(Frame const& frame) const {
     auto const* path = objectPath(frame, buffer);
     return path != nullptr && frame.model.hasParameter(*path, name_);
   }
-  auto const paths = objects_.expand(frame.context, frame.model);
+  auto const paths = objects_.expand(origin_.in(frame), frame.model);
   return std::any_of(paths.begin(), paths.end(),
                      [&](std::string const& path) { return frame.model.hasParameter(path, name_); });
 }
@@ -355,46 +359,48 @@ std::optional<TDFParam::Type> ParameterReference::declaredType(Frame const& fram
 }
 
 Dependence ParameterReference::dependence() const {
-  Dependence result = dependenceOf(objects_);
+  Dependence result = dependenceOf(origin_, objects_);
   // A choice for the whole model is read in every object. Looking it up costs more than remembering it.
   result.costly |= result.isContextFree();
   return result;
 }
 
-void ParameterReference::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
-  paths.push_back({objects_.seenFrom(base), name_, range()});
+void ParameterReference::collectPaths(std::vector<PathUse>& paths, Base const& base) const {
+  paths.push_back({objectsFrom(base), name_, range()});
 }
 
-void ParameterReference::collectReads(RuleReads& reads, PathPattern const& base) const {
-  reads.parameters.push_back({objects_.seenFrom(base), name_});
+void ParameterReference::collectReads(RuleReads& reads, Base const& base) const {
+  reads.parameters.push_back({objectsFrom(base), name_});
 }
 
 // ObjectSet
 
 std::vector<std::string> ObjectSet::objects(Frame const& frame) const {
-  return pattern_.expand(frame.context, frame.model);
+  return pattern_.expand(origin_.in(frame), frame.model);
 }
 
 bool ObjectSet::anyObject(Frame const& frame, ObjectQuestion const& holds) const {
-  return pattern_.findIf(frame.context, frame.model, holds);
+  return pattern_.findIf(origin_.in(frame), frame.model, holds);
 }
 
 bool ObjectSet::exists(Frame const& frame) const {
   if (!pattern_.isSingle()) return anyObject(frame, [](std::string const&) { return true; });
   std::string path;
-  return pattern_.resolve(frame.context, path) && frame.model.hasObject(path);
+  return pattern_.resolve(origin_.in(frame), path) && frame.model.hasObject(path);
 }
 
 Dependence ObjectSet::dependence() const {
-  return dependenceOf(pattern_);
+  return dependenceOf(origin_, pattern_);
 }
 
-void ObjectSet::collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const {
-  paths.push_back({pattern_.seenFrom(base), {}, range()});
+void ObjectSet::collectPaths(std::vector<PathUse>& paths, Base const& base) const {
+  // A name alone is no path: its objects are those of the quantifier's set.
+  if (origin_.isNamed() && pattern_.steps().empty()) return;
+  paths.push_back({objectsFrom(base), {}, range()});
 }
 
-void ObjectSet::collectReads(RuleReads& reads, PathPattern const& base) const {
-  reads.objectSets.push_back(pattern_.seenFrom(base));
+void ObjectSet::collectReads(RuleReads& reads, Base const& base) const {
+  reads.objectSets.push_back(objectsFrom(base));
 }
 
 // Operation
@@ -405,7 +411,7 @@ Dependence Operation::dependence() const {
   return result;
 }
 
-void Operation::collectReads(RuleReads& reads, PathPattern const& base) const {
+void Operation::collectReads(RuleReads& reads, Base const& base) const {
   for (std::size_t i = 0; i < operands_.size(); ++i) operands_[i]->collectReads(reads, operandBase(i, base));
 }
 
@@ -630,16 +636,16 @@ void Arithmetic::bindResult(QuantityBinding& binding) {
 
 // Quantifier
 
-Quantifier::Quantifier(Operator op, Range range, std::vector<ExpressionPtr> operands)
+Quantifier::Quantifier(Operator op, Range range, std::vector<ExpressionPtr> operands, std::string name)
     : Operation(op == Operator::Count    ? Kind::Number
                 : op == Operator::Filter ? Kind::Objects
                                          : Kind::Truth,
                 range, std::move(operands)),
-      operator_(op) {}
+      operator_(op),
+      name_(std::move(name)) {}
 
 bool Quantifier::holds(Frame const& frame, std::string const& path) const {
-  TDFContext const context(path, frame.context.ownerPath());
-  return operand(1).truth(Frame{frame.model, context, frame.evalContext});
+  return atObject(frame, path, [&](Frame const& at) { return operand(1).truth(at); });
 }
 
 bool Quantifier::truth(Frame const& frame) const {
@@ -669,17 +675,21 @@ bool Quantifier::anyObject(Frame const& frame, ObjectQuestion const& asked) cons
 Dependence Quantifier::dependence() const {
   Dependence result = operand(0).dependence();
   result.costly = true;
+  if (size() == 1) return result;
   // The condition is evaluated once per object, with that object as context. So the result depends on the condition's
-  // owner but not on its context.
-  if (size() > 1) result.owner |= operand(1).dependence().owner;
+  // owner but not on its context, and on the names around it but not on its own.
+  auto const condition = operand(1).dependence();
+  result.owner |= condition.owner;
+  std::size_t const own = name_.empty() ? 0 : 1;
+  result.names = std::max(result.names, condition.names - std::min(own, condition.names));
   return result;
 }
 
 namespace {
 
 /// All objects that a set expression can name, as one pattern seen from `base`.
-PathPattern patternOf(Expression const& set, PathPattern const& base) {
-  if (auto const* objects = dynamic_cast<ObjectSet const*>(&set)) return objects->pattern().seenFrom(base);
+PathPattern patternOf(Expression const& set, Base const& base) {
+  if (auto const* objects = dynamic_cast<ObjectSet const*>(&set)) return objects->objectsFrom(base);
   auto const parts = set.operands();
   // A filter names objects of its set. A choice between sets can name more than one pattern can say: take everything.
   if (dynamic_cast<Quantifier const*>(&set) != nullptr) return patternOf(*parts.front(), base);
@@ -688,8 +698,12 @@ PathPattern patternOf(Expression const& set, PathPattern const& base) {
 
 }  // namespace
 
-PathPattern Quantifier::operandBase(std::size_t i, PathPattern const& base) const {
-  return i == 0 ? base : patternOf(operand(0), base);
+Base Quantifier::operandBase(std::size_t i, Base const& base) const {
+  if (i == 0) return base;
+  Base result = patternOf(operand(0), base);
+  result.names =
+      name_.empty() ? base.names : std::make_shared<Base::Name const>(Base::Name{result.context, base.names});
+  return result;
 }
 
 // FunctionCall
@@ -723,11 +737,11 @@ Dependence FunctionCall::dependence() const {
   return result;
 }
 
-void FunctionCall::collectReads(RuleReads& reads, PathPattern const& base) const {
+void FunctionCall::collectReads(RuleReads& reads, Base const& base) const {
   Operation::collectReads(reads, base);
   bool const ofContext = function_->readsContextIdentity && size() == 0;
   // Inside a quantifier over absolute paths the context is one of those objects, whatever object owns the rule.
-  if (ofContext && !base.isAbsolute()) reads.contextIdentity = true;
+  if (ofContext && !base.context.isAbsolute()) reads.contextIdentity = true;
 }
 
 std::vector<double> FunctionCall::numbers(Frame const& frame) const {
@@ -779,7 +793,7 @@ Dependence NamedCall::dependence() const {
   return rule_->dependence();
 }
 
-void NamedCall::collectReads(RuleReads& reads, PathPattern const& base) const {
+void NamedCall::collectReads(RuleReads& reads, Base const& base) const {
   rule_->expression()->collectReads(reads, base);
 }
 

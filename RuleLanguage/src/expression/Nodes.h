@@ -27,7 +27,7 @@ class FaultyPart final : public Expression {
  public:
   using Expression::Expression;
   [[nodiscard]] Dependence dependence() const override { return {}; }
-  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+  void collectReads(RuleReads& /*reads*/, Base const& /*base*/) const override {}
 };
 
 /// A text, number or truth value as written.
@@ -42,7 +42,7 @@ class Literal final : public Expression {
   [[nodiscard]] std::string text(Frame const& frame) const override;
   [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override;
   [[nodiscard]] Dependence dependence() const override { return {}; }
-  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+  void collectReads(RuleReads& /*reads*/, Base const& /*base*/) const override {}
 
   [[nodiscard]] std::string const& rawText() const noexcept { return text_; }
 
@@ -65,7 +65,7 @@ class QuantityLiteral final : public Expression {
     return text_;
   }
   [[nodiscard]] Dependence dependence() const override { return {}; }
-  void collectReads(RuleReads& /*reads*/, PathPattern const& /*base*/) const override {}
+  void collectReads(RuleReads& /*reads*/, Base const& /*base*/) const override {}
 
   void bind(QuantityBinding& binding) override { binding.open(*this); }
   void assume(QuantityType const& type, QuantityBinding& binding) override;
@@ -89,7 +89,7 @@ class ListLiteral final : public Expression {
 
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
   [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
   void bind(QuantityBinding& binding) override;
@@ -112,7 +112,7 @@ class GuardedList final : public Expression {
 
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
   // Its parts are written in different places, so each is bound by itself.
 
@@ -123,9 +123,14 @@ class GuardedList final : public Expression {
 /// `${path/Name}`.
 class ParameterReference final : public Expression {
  public:
-  ParameterReference(Range range, PathPattern objects, std::string name, PhysicsData const* data)
-      : Expression(Kind::Value, range), objects_(std::move(objects)), name_(std::move(name)), data_(data) {
-    local_ = objects_.start() == PathPattern::Start::Context && objects_.steps().empty();
+  /// `objects` begins at `origin`.
+  ParameterReference(Range range, PathOrigin origin, PathPattern objects, std::string name, PhysicsData const* data)
+      : Expression(Kind::Value, range),
+        origin_(origin),
+        objects_(std::move(objects)),
+        name_(std::move(name)),
+        data_(data) {
+    local_ = !origin_.isNamed() && objects_.start() == PathPattern::Start::Context && objects_.steps().empty();
     fixed_ = objects_.isSingle() && objects_.isAbsolute() && objects_.resolve(TDFContext(std::string{}), fixedPath_);
   }
 
@@ -136,8 +141,8 @@ class ParameterReference final : public Expression {
   /// The numbers of the items of a list parameter.
   [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectPaths(std::vector<PathUse>& paths, Base const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   void bind(QuantityBinding& binding) override;
   [[nodiscard]] QuantityType const* likelyQuantity() const noexcept override {
     return mixed_ != nullptr ? mixed_->likely : quantity();
@@ -158,7 +163,15 @@ class ParameterReference final : public Expression {
   /// The type that the rules declare for the parameter as seen from the frame; nothing when they declare none.
   [[nodiscard]] std::optional<TDFParam::Type> declaredType(Frame const& frame) const;
 
+  [[nodiscard]] PathOrigin origin() const noexcept { return origin_; }
+  /// From the origin.
   [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
+  /// All objects whose parameter may be read, seen from the owner of the rule.
+  [[nodiscard]] PathPattern objectsFrom(Base const& base) const { return objects_.seenFrom(origin_.in(base)); }
+  /// Equal for two references in one context exactly when they are written alike, but for blanks and escapes.
+  [[nodiscard]] std::string spelling() const {
+    return std::to_string(origin_.depth()) + "\n" + objects_.text() + "\n" + name_;
+  }
   /// True when the parameter is one of the context object itself.
   [[nodiscard]] bool isOfContext() const noexcept { return local_; }
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
@@ -176,7 +189,7 @@ class ParameterReference final : public Expression {
       std::string buffer;
       if (auto const* path = objectPath(frame, buffer)) visit(*path);
     } else {
-      for (auto const& path : objects_.expand(frame.context, frame.model)) visit(path);
+      for (auto const& path : objects_.expand(origin_.in(frame), frame.model)) visit(path);
     }
   }
   /// The value rule of the parameter in the object at `path`, or null.
@@ -184,6 +197,7 @@ class ParameterReference final : public Expression {
   /// The quantity type of the parameter in the object at `path`, or null.
   [[nodiscard]] QuantityType const* quantityAt(Frame const& frame, std::string const& path) const;
 
+  PathOrigin origin_;
   PathPattern objects_;
   std::string name_;
   PhysicsData const* data_;
@@ -194,21 +208,28 @@ class ParameterReference final : public Expression {
   std::shared_ptr<ParameterQuantity const> mixed_;
 };
 
-/// `{pattern}`.
+/// `{pattern}`, or the name of an object alone.
 class ObjectSet final : public Expression {
  public:
-  ObjectSet(Range range, PathPattern pattern) : Expression(Kind::Objects, range), pattern_(std::move(pattern)) {}
+  /// `pattern` begins at `origin`.
+  ObjectSet(Range range, PathOrigin origin, PathPattern pattern)
+      : Expression(Kind::Objects, range), origin_(origin), pattern_(std::move(pattern)) {}
 
   [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
   [[nodiscard]] bool anyObject(Frame const& frame, ObjectQuestion const& holds) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectPaths(std::vector<PathUse>& paths, PathPattern const& base) const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectPaths(std::vector<PathUse>& paths, Base const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   /// True when at least one object matches.
   [[nodiscard]] bool exists(Frame const& frame) const;
+  [[nodiscard]] PathOrigin origin() const noexcept { return origin_; }
+  /// From the origin.
   [[nodiscard]] PathPattern const& pattern() const noexcept { return pattern_; }
+  /// All objects that may be in the set, seen from the owner of the rule.
+  [[nodiscard]] PathPattern objectsFrom(Base const& base) const { return pattern_.seenFrom(origin_.in(base)); }
 
  private:
+  PathOrigin origin_;
   PathPattern pattern_;
 };
 
@@ -219,7 +240,7 @@ class Operation : public Expression {
       : Expression(kind, range), operands_(std::move(operands)) {}
 
   [[nodiscard]] Dependence dependence() const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
   /// Binds the operands, and then the node itself by `bindResult`.
   void bind(QuantityBinding& binding) final;
@@ -350,22 +371,35 @@ class Choice final : public Operation {
 };
 
 /// `count`, `any`, `all` and `filter`: a set of objects and a condition that is evaluated in the context of each
-/// object. `count` can do without a condition.
+/// object. `count` can do without a condition. The object under test can have a name in the condition.
 class Quantifier final : public Operation {
  public:
   enum class Operator { Count, Any, All, Filter };
-  Quantifier(Operator op, Range range, std::vector<ExpressionPtr> operands);
+  /// `name` is empty when the object under test has no name.
+  Quantifier(Operator op, Range range, std::vector<ExpressionPtr> operands, std::string name);
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] double number(Frame const& frame) const override;
   [[nodiscard]] std::vector<std::string> objects(Frame const& frame) const override;
   [[nodiscard]] bool anyObject(Frame const& frame, ObjectQuestion const& holds) const override;
   [[nodiscard]] Dependence dependence() const override;
-  [[nodiscard]] PathPattern operandBase(std::size_t i, PathPattern const& base) const override;
+  [[nodiscard]] Base operandBase(std::size_t i, Base const& base) const override;
+
+  [[nodiscard]] Operator op() const noexcept { return operator_; }
+  /// The name of the object under test, or "".
+  [[nodiscard]] std::string const& objectName() const noexcept { return name_; }
+  /// Calls `ask` with the frame in which the condition is evaluated for the object at `path`, and returns its answer.
+  template <typename Ask>
+  auto atObject(Frame const& frame, std::string const& path, Ask ask) const {
+    TDFContext const context(path, frame.context.ownerPath());
+    NamedObject const named{name_, context, frame.names};
+    return ask(Frame{frame.model, context, frame.evalContext, name_.empty() ? frame.names : &named});
+  }
 
  private:
   [[nodiscard]] bool holds(Frame const& frame, std::string const& path) const;
 
   Operator operator_;
+  std::string name_;
 };
 
 /// A call of a function that is a plain operation on its arguments.
@@ -378,7 +412,7 @@ class FunctionCall final : public Operation {
   [[nodiscard]] std::string text(Frame const& frame) const override;
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
   void assume(QuantityType const& type, QuantityBinding& binding) override;
   [[nodiscard]] Function const& function() const noexcept { return *function_; }
@@ -411,7 +445,7 @@ class NamedCall final : public Expression {
   [[nodiscard]] bool truth(Frame const& frame) const override;
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
-  void collectReads(RuleReads& reads, PathPattern const& base) const override;
+  void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<double> numbers(Frame const& frame) const override;
   void bind(QuantityBinding& binding) override;
   [[nodiscard]] NamedRule const& rule() const noexcept { return *rule_; }

@@ -364,7 +364,13 @@ class Parser {
             "this path can match several parameters; only " + callsThatTakeManyParameters() + " accept that",
             Code::SeveralParameters);
     }
-    return std::make_unique<ParameterReference>(token.range, std::move(*pattern), std::move(name), data_);
+    bool const isName = pattern->start() == PathPattern::Start::Context && pattern->steps().empty();
+    if (isName && objectNamed(name)) {
+      issue(token.range, inQuotes(name) + " names an object here; write ${" + name + "/Name} for a parameter of it",
+            Code::InvalidPath);
+    }
+    PathOrigin const origin = originOf(token, *pattern);
+    return std::make_unique<ParameterReference>(token.range, origin, std::move(*pattern), std::move(name), data_);
   }
 
   ExpressionPtr objects() {
@@ -376,7 +382,8 @@ class Parser {
       patternIssue(token, fault);
       pattern.emplace();
     }
-    return std::make_unique<ObjectSet>(token.range, std::move(*pattern));
+    PathOrigin const origin = originOf(token, *pattern);
+    return std::make_unique<ObjectSet>(token.range, origin, std::move(*pattern));
   }
 
   ExpressionPtr parenthesis() {
@@ -413,7 +420,10 @@ class Parser {
     }
     auto const* function = findFunction(token.text);
     if (!isSymbol("(")) {
-      if (std::find(operatorWords.begin(), operatorWords.end(), token.text) != operatorWords.end()) {
+      if (auto const named = objectNamed(token.text)) {
+        return std::make_unique<ObjectSet>(token.range, *named, PathPattern());
+      }
+      if (isOperatorWord(token.text)) {
         fail(token.range, "a value is missing before " + inQuotes(token.text));
       }
       if (function != nullptr) {
@@ -456,14 +466,17 @@ class Parser {
     Level const level(*this);
     std::size_t const issuesBefore = issues_.size();
     advance();
-    CheckedCall call{function.result, {}, {}, nullptr, nullptr};
+    CheckedCall call{function.result, {}, {}, nullptr, nullptr, {}};
     if (!isSymbol(")")) {
+      if (function.namesObject) call.objectName = newObjectName();
       for (;;) {
         bool const wanted = call.arguments.size() < function.most;
         call.arguments.push_back(wanted ? argument(function, call.arguments.size(), call) : implication());
+        if (call.arguments.size() == 1 && !call.objectName.empty()) objectNames_.push_back(call.objectName);
         if (!isSymbol(",")) break;
         advance();
       }
+      if (!call.objectName.empty()) objectNames_.pop_back();
     }
     expectSymbol(")", "at the end of the arguments of " + std::string(function.name));
     call.range = since(begin);
@@ -483,7 +496,60 @@ class Parser {
     return std::make_unique<FunctionCall>(function, call.range, std::move(call.arguments));
   }
 
-  /// Reads argument `i`. What a name or pattern refers to goes to `call`.
+  /// Reads `x in` before a set of objects and returns the name; "" when there is none.
+  std::string newObjectName() {
+    if (token_.kind != TokenKind::Word || isOperatorWord(token_.text)) return {};
+    Lexer ahead = lexer_;
+    Token next;
+    Issue fault;
+    if (!ahead.next(next, fault) || next.kind != TokenKind::Word || next.text != "in") return {};
+    Token const name = token_;
+    advance();
+    advance();
+    auto const taken = [&](std::string_view by) {
+      issue(name.range,
+            inQuotes(name.text) + " is " + std::string(by) + ", so it cannot name an object here; use another name",
+            Code::NameTaken);
+    };
+    if (name.text == "true" || name.text == "false") {
+      taken("a truth value");
+    } else if (findFunction(name.text) != nullptr) {
+      taken("a function");
+    } else if (objectNamed(name.text)) {
+      taken("the name of another object already");
+    } else if (named_.isType && named_.isType(name.text)) {
+      taken("a type of objects");
+    }
+    return name.text;
+  }
+
+  /// The object that has this name, if one has.
+  [[nodiscard]] std::optional<PathOrigin> objectNamed(std::string_view name) const {
+    for (std::size_t level = 0; level < objectNames_.size(); ++level) {
+      if (objectNames_[objectNames_.size() - 1 - level] == name) return PathOrigin(level);
+    }
+    return std::nullopt;
+  }
+
+  /// The origin of a path. When its first step is the name of an object, that step is taken away.
+  PathOrigin originOf(Token const& token, PathPattern& pattern) {
+    if (objectNames_.empty() || pattern.start() != PathPattern::Start::Context || pattern.steps().empty()) return {};
+    auto const& step = pattern.steps().front();
+    auto const named = objectNamed(step.type);
+    if (!named) return {};
+    if (step.kind == PathPattern::StepKind::ChildrenOfType || !step.name.empty()) {
+      issue(token.range, inQuotes(step.type) + " names one object here, so no ':' can follow it", Code::InvalidPath);
+      return {};
+    }
+    pattern = pattern.withoutFirstStep();
+    return *named;
+  }
+
+  [[nodiscard]] static bool isOperatorWord(std::string_view word) {
+    return std::find(operatorWords.begin(), operatorWords.end(), word) != operatorWords.end();
+  }
+
+  /// Reads argument `i`. The rule or pattern that it names goes to `call`.
   ExpressionPtr argument(Function const& function, std::size_t i, CheckedCall& call) {
     Argument const kind = function.argument(i);
     bool const many = kind == Argument::ParameterOrObjects || kind == Argument::Parameters;
@@ -626,6 +692,7 @@ class Parser {
   bool hasQuantities_ = false;
   std::vector<Issue> issues_;
   std::vector<RuleCall> calls_;
+  std::vector<std::string> objectNames_;  // that quantifiers around the present token give, the innermost last
   OperandChecks checks_;
 };
 

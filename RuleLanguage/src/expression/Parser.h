@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -23,6 +24,8 @@ enum class Role { Condition, Text, List };
 struct NamedRules {
   std::map<std::string, NamedCheck*, std::less<>> checks;
   std::map<std::string, NamedList*, std::less<>> lists;
+  /// Whether the rules have an object type of that name, so that nothing else may have it. Empty: there are none.
+  std::function<bool(std::string_view)> isType;
   mutable HintBudget hints;
 };
 

@@ -67,9 +67,9 @@ class ComparisonLint {
   void run() {
     struct Part {
       Expression const* expression;
-      PathPattern base;  // the objects in whose context it is evaluated
+      Base base;  // the objects in whose context it is evaluated
     };
-    std::vector<Part> parts{{use_.compiled->expression.get(), PathPattern()}};
+    std::vector<Part> parts{{use_.compiled->expression.get(), Base()}};
     while (!parts.empty()) {
       Part const part = std::move(parts.back());
       parts.pop_back();
@@ -85,7 +85,7 @@ class ComparisonLint {
  private:
   using TypePaths = LintContext::TypePaths;
 
-  void check(Expression const& expression, PathPattern const& base) {
+  void check(Expression const& expression, Base const& base) {
     if (auto const* comparison = dynamic_cast<Comparison const*>(&expression)) {
       auto const op = comparison->op();
       bool const isEquality = op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual;
@@ -104,9 +104,9 @@ class ComparisonLint {
 
   /// What the rules say of a parameter, in all objects that the path can name.
   [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter,
-                                                          PathPattern const& base) {
+                                                          Base const& base) {
     std::vector<ParamValueDef const*> result;
-    auto const typePaths = context_.resolve(use_, parameter.objectPattern().seenFrom(base));
+    auto const typePaths = context_.resolve(use_, parameter.objectsFrom(base));
     for (auto const& typePath : *typePaths) {
       auto const* def = context_.data().getParamValueDef(typePath, parameter.name(), true);
       if (def != nullptr) result.push_back(def);
@@ -159,7 +159,7 @@ class ComparisonLint {
   }
 
   /// An absent parameter equals the empty text, so that is always possible.
-  Judgement judgeParameter(ParameterReference const& parameter, PathPattern const& base, Wanted const& wanted,
+  Judgement judgeParameter(ParameterReference const& parameter, Base const& base, Wanted const& wanted,
                            bool asItem) {
     if (wanted.text.empty()) return {};
     Judgement result;
@@ -199,10 +199,10 @@ class ComparisonLint {
   }
 
   /// The types of the objects that a set can hold; null when that is not known.
-  TypePaths typesOf(Expression const& set, PathPattern const& base) {
+  TypePaths typesOf(Expression const& set, Base const& base) {
     auto const& bare = withoutKept(set);
     if (auto const* objects = dynamic_cast<ObjectSet const*>(&bare)) {
-      return context_.resolve(use_, objects->pattern().seenFrom(base));
+      return context_.resolve(use_, objects->objectsFrom(base));
     }
     if (dynamic_cast<Quantifier const*>(&bare) != nullptr) return typesOf(*bare.operands().front(), base);
     return nullptr;
@@ -244,7 +244,7 @@ class ComparisonLint {
   }
 
   /// Whether the text form of `expression` can be the value.
-  Judgement judge(Expression const& expression, PathPattern const& base, Wanted const& wanted) {
+  Judgement judge(Expression const& expression, Base const& base, Wanted const& wanted) {
     auto const& bare = withoutKept(expression);
     if (auto const* parameter = dynamic_cast<ParameterReference const*>(&bare)) {
       return judgeParameter(*parameter, base, wanted, false);
@@ -254,7 +254,7 @@ class ComparisonLint {
     auto const arguments = call->operands();
     auto const& name = call->function().name;
     auto const types = [&] {
-      return arguments.empty() ? context_.resolve(use_, base) : typesOf(*arguments.front(), base);
+      return arguments.empty() ? context_.resolve(use_, base.context) : typesOf(*arguments.front(), base);
     };
     if (name == "name") return judgeName(types(), wanted.text);
     if (name == "type") return judgeType(types(), wanted.text);
@@ -267,7 +267,7 @@ class ComparisonLint {
   }
 
   /// Whether an item of a list can be the text.
-  Judgement judgeItem(Expression const& list, PathPattern const& base, std::string const& text) {
+  Judgement judgeItem(Expression const& list, Base const& base, std::string const& text) {
     auto const& bare = withoutKept(list);
     if (auto const* parameter = dynamic_cast<ParameterReference const*>(&bare)) {
       return judgeParameter(*parameter, base, {text, {}}, true);
@@ -322,7 +322,7 @@ class ComparisonLint {
 
   // Comparisons
 
-  void checkSides(Expression const& one, Expression const& other, bool isEquality, PathPattern const& base) {
+  void checkSides(Expression const& one, Expression const& other, bool isEquality, Base const& base) {
     auto const* literal = dynamic_cast<Literal const*>(&other);
     auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
     if (!isEquality) {
@@ -343,7 +343,7 @@ class ComparisonLint {
   }
 
   /// The rules of a parameter when all are of one type and none limits the values; otherwise none.
-  std::vector<ParamValueDef const*> freeRulesOf(ParameterReference const& parameter, PathPattern const& base) {
+  std::vector<ParamValueDef const*> freeRulesOf(ParameterReference const& parameter, Base const& base) {
     auto rules = rulesOf(parameter, base);
     bool const isFree = std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
       return def->allowedValueKind == ParamValueDef::NoAllowedValues && def->type == rules.front()->type;
@@ -354,7 +354,7 @@ class ComparisonLint {
 
   /// Values that are equal as what they are, but not as they are written.
   void checkForm(ParameterReference const& parameter, Wanted const& wanted, Literal const& literal,
-                 PathPattern const& base) {
+                 Base const& base) {
     auto const rules = freeRulesOf(parameter, base);
     if (rules.empty()) return;
     auto const type = rules.front()->type;
@@ -390,7 +390,7 @@ class ComparisonLint {
     }
   }
 
-  void checkOrder(ParameterReference const& parameter, Expression const& other, PathPattern const& base) {
+  void checkOrder(ParameterReference const& parameter, Expression const& other, Base const& base) {
     auto const rules = rulesOf(parameter, base);
     if (rules.empty()) return;
     auto const isNumber = [](std::string const& item) { return TDFParam::asQuantity(item).has_value(); };
@@ -412,7 +412,7 @@ class ComparisonLint {
                       " as a number, which 'true' and 'false' are not; write it alone, or with 'not'");
   }
 
-  void checkMembership(Membership const& membership, PathPattern const& base) {
+  void checkMembership(Membership const& membership, Base const& base) {
     auto const& items = withoutKept(membership.items());
     auto const& item = withoutKept(membership.item());
     if (auto const* text = writtenText(item)) {
@@ -440,7 +440,7 @@ class ComparisonLint {
     context_.warn(Code::ImpossibleValue, use_, items.range(), found->subject + " can never be an item of this list");
   }
 
-  void checkFormInList(Expression const& item, ListLiteral const& list, PathPattern const& base) {
+  void checkFormInList(Expression const& item, ListLiteral const& list, Base const& base) {
     auto const* parameter = dynamic_cast<ParameterReference const*>(&item);
     if (parameter == nullptr) return;
     auto const rules = freeRulesOf(*parameter, base);
@@ -455,13 +455,13 @@ class ComparisonLint {
     }
   }
 
-  void checkCall(FunctionCall const& call, PathPattern const& base) {
+  void checkCall(FunctionCall const& call, Base const& base) {
     if (call.function().name == "mod") checkDivisor(*call.operands()[1]);
     checkParts(call, base);
   }
 
   /// `contains(x, 'text')` and its kin.
-  void checkParts(FunctionCall const& call, PathPattern const& base) {
+  void checkParts(FunctionCall const& call, Base const& base) {
     struct Row {
       std::string_view function;
       bool (*holds)(std::string_view text, std::string_view part);

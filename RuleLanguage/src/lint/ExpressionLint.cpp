@@ -120,7 +120,7 @@ bool contradicts(std::vector<Expression const*> const& parts) {
       auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
       auto const* literal = dynamic_cast<Literal const*>(&other);
       if (parameter == nullptr || literal == nullptr || literal->kind() != Kind::Text) continue;
-      auto& texts = wanted[parameter->objectPattern().text() + "\n" + parameter->name()];
+      auto& texts = wanted[parameter->spelling()];
       texts.insert(literal->rawText());
       if (texts.size() > 1) return true;
     }

@@ -187,9 +187,9 @@ class QuantityFinder {
   QuantityFinder(LintContext& context, ExpressionUse const& use) : context_(context), use_(use) {}
 
   /// The type of the number that the expression gives; null when it has none or it is not known.
-  [[nodiscard]] QuantityType const* of(Expression const& expression, PathPattern const& base) {
+  [[nodiscard]] QuantityType const* of(Expression const& expression, Base const& base) {
     if (auto const* parameter = dynamic_cast<ParameterReference const*>(&expression)) {
-      return ofParameter(parameter->objectPattern().seenFrom(base), parameter->name());
+      return ofParameter(parameter->objectsFrom(base), parameter->name());
     }
     auto const parts = expression.operands();
     if (dynamic_cast<Negation const*>(&expression) != nullptr || dynamic_cast<Kept const*>(&expression) != nullptr) {
@@ -209,7 +209,7 @@ class QuantityFinder {
   }
 
   /// Warns of all comparisons and sums of different types in the expression.
-  void check(Expression const& expression, PathPattern const& base) {
+  void check(Expression const& expression, Base const& base) {
     if (dynamic_cast<Comparison const*>(&expression) != nullptr) {
       checkAlike(expression, 0, 2, base, "compares");
     } else if (auto const* arithmetic = dynamic_cast<Arithmetic const*>(&expression);
@@ -235,7 +235,7 @@ class QuantityFinder {
   }
 
   /// The type of those operands that have one; null when they differ.
-  QuantityType const* common(Expression const& expression, std::size_t from, std::size_t to, PathPattern const& base) {
+  QuantityType const* common(Expression const& expression, std::size_t from, std::size_t to, Base const& base) {
     auto const parts = expression.operands();
     QuantityType const* result = nullptr;
     for (std::size_t i = from; i < to; ++i) {
@@ -247,7 +247,7 @@ class QuantityFinder {
     return result;
   }
 
-  void checkAlike(Expression const& expression, std::size_t from, std::size_t to, PathPattern const& base,
+  void checkAlike(Expression const& expression, std::size_t from, std::size_t to, Base const& base,
                   std::string_view verb) {
     auto const parts = expression.operands();
     QuantityType const* first = nullptr;

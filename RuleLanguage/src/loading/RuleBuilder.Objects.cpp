@@ -35,6 +35,9 @@ enum class ParamKey {
   ValidationRelaxed,
   Description,
   Reason,
+  Group,
+  Label,
+  Advanced,
   BetaMessage,
   BetaValues,
   Type,
@@ -69,6 +72,9 @@ constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
     {"Validation Relaxed", ParamKey::ValidationRelaxed},
     {"Description", ParamKey::Description},
     {"Reason", ParamKey::Reason},
+    {attributes::group, ParamKey::Group},
+    {attributes::label, ParamKey::Label},
+    {attributes::advanced, ParamKey::Advanced},
     {"Beta Message", ParamKey::BetaMessage},
     {"Beta Values", ParamKey::BetaValues},
     {attributes::parameterType, ParamKey::Type},
@@ -102,6 +108,9 @@ enum class ChildKey {
   ValidationRelaxed,
   Description,
   Reason,
+  Group,
+  Label,
+  Advanced,
   BetaMessage,
   Singleton,
   Coupled,
@@ -118,6 +127,9 @@ constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Validation Relaxed", ChildKey::ValidationRelaxed},
     {"Description", ChildKey::Description},
     {"Reason", ChildKey::Reason},
+    {attributes::group, ChildKey::Group},
+    {attributes::label, ChildKey::Label},
+    {attributes::advanced, ChildKey::Advanced},
     {"Beta Message", ChildKey::BetaMessage},
     {"Singleton", ChildKey::Singleton},
     {"Coupled", ChildKey::Coupled},
@@ -314,6 +326,15 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
       case ParamKey::Reason:
         text(value, attribute, entry.reason);
         break;
+      case ParamKey::Group:
+        shownName(value, "a group", entry.group);
+        break;
+      case ParamKey::Label:
+        shownName(value, "a label", entry.label);
+        break;
+      case ParamKey::Advanced:
+        yesNo(value, entry.advanced);
+        break;
       case ParamKey::BetaMessage:
         text(value, attribute, entry.betaMessage);
         break;
@@ -485,6 +506,15 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
         break;
       case ChildKey::Reason:
         text(value, attribute, entry.reason);
+        break;
+      case ChildKey::Group:
+        shownName(value, "a group", entry.group);
+        break;
+      case ChildKey::Label:
+        shownName(value, "a label", entry.label);
+        break;
+      case ChildKey::Advanced:
+        yesNo(value, entry.advanced);
         break;
       case ChildKey::BetaMessage:
         text(value, attribute, entry.betaMessage);

@@ -36,6 +36,15 @@ void RuleBuilder::yesNo(Item const& item, bool& value) {
   error(Code::NotYesOrNo, item, "this must be yes or no, not " + inQuotes(text->substr(0, 60)));
 }
 
+void RuleBuilder::shownName(Item const& item, std::string_view what, std::string& name) {
+  if (!scalar(item, what) || !isName(item, what)) return;
+  if (item.node->value.find('\n') != std::string::npos) {
+    error(Code::InvalidName, item, std::string(what) + " must be on one line");
+    return;
+  }
+  name = item.node->value;
+}
+
 std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, bool oneAllowed,
                                                            std::string_view otherwise) {
   if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};

@@ -51,6 +51,7 @@ RuleBuilder::RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diag
 
 void RuleBuilder::build() {
   for (auto& file : files_) readHeader(file);
+  named_.isType = [this](std::string_view name) { return isTypeName(name); };
   for (auto const& file : files_) registerNamed(file);
   parseNamedBodies();
   bindNamedRules();
@@ -167,6 +168,40 @@ void RuleBuilder::readAccepted(Item const& name, Item const& scope, Item const& 
     }
     if (keepPlaces_) index_.acceptances_.push_back({code, name, scope});
   });
+}
+
+bool RuleBuilder::isTypeName(std::string_view name) {
+  if (!typeNames_) {
+    auto& names = typeNames_.emplace();
+    auto const forEachKey = [](YamlNode const& map, auto each) {
+      if (map.kind != YamlNode::Kind::Mapping) return;
+      for (std::size_t i = 0; i + 1 < map.children.size(); i += 2) each(*map.children[i], *map.children[i + 1]);
+    };
+    auto const addChildren = [&](YamlNode const& object) {
+      forEachKey(object, [&](YamlNode const& key, YamlNode const& section) {
+        if (key.value != "Children") return;
+        forEachKey(section, [&](YamlNode const& type, YamlNode const&) { names.insert(type.value); });
+      });
+    };
+    for (auto const& file : files_) {
+      for (auto const& [section, content] : file.sections) {
+        if (section == "Pertinent Roots") {
+          for (auto const* type : content->children) names.insert(type->value);
+        } else if (section == "Objects") {
+          forEachKey(*content, [&](YamlNode const& path, YamlNode const& object) {
+            std::string_view rest = path.value;
+            for (auto end = rest.find('/'); end != std::string_view::npos; end = rest.find('/')) {
+              names.insert(rest.substr(0, end));
+              rest.remove_prefix(end + 1);
+            }
+            names.insert(rest);
+            addChildren(object);
+          });
+        }
+      }
+    }
+  }
+  return typeNames_->contains(name);
 }
 
 void RuleBuilder::readRoots(Item const& section) {

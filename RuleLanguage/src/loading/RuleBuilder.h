@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -103,6 +104,8 @@ class RuleBuilder {
   // YAML values
   [[nodiscard]] std::optional<std::string_view> scalar(Item const& item, std::string_view what);
   void yesNo(Item const& item, bool& value);
+  /// A group or label. Interfaces compare and show it, so it must be on one line and have no blanks at its ends.
+  void shownName(Item const& item, std::string_view what, std::string& name);
   [[nodiscard]] std::optional<std::vector<std::string>> texts(Item const& item, bool oneAllowed,
                                                               std::string_view otherwise = {});
   [[nodiscard]] bool isMapping(Item const& item, std::string_view what);
@@ -135,6 +138,8 @@ class RuleBuilder {
 
   // Sections
   void readHeader(File& file);
+  /// Whether a section of a file names this object type. All sections are searched when this is first asked.
+  [[nodiscard]] bool isTypeName(std::string_view name);
   void registerNamed(File const& file);
   void parseNamedBodies();
   void bindNamedRules();
@@ -175,6 +180,7 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
   bool noDefinitionsReported_ = false;
+  std::optional<std::unordered_set<std::string_view>> typeNames_;
   std::vector<SeenSection> sectionsSeen_;  // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, Item> formerPlaces_;

@@ -44,6 +44,16 @@ TEST(PathPattern, WhereTheNearestOfATypeCannotBeToldEveryOneIsNamed) {
   EXPECT_EQ(seen("^Domain", "@/Boundary:*"), "/**/Domain:*");
 }
 
+TEST(PathPattern, WithoutItsFirstStepTheRestBeginsAtTheSameObject) {
+  auto const rest = [](std::string const& pattern) { return PathPattern(pattern).withoutFirstStep().text(); };
+  EXPECT_EQ(rest("Domain/Boundary:in"), "Boundary:in");
+  EXPECT_EQ(rest("Domain/.."), "..");
+  EXPECT_EQ(rest("Domain"), "");
+  EXPECT_EQ(PathPattern().withoutFirstStep().text(), "");
+  EXPECT_EQ(rest("/Case/Domain"), "/Domain");
+  EXPECT_TRUE(PathPattern("Domain:*/Motion").withoutFirstStep().isSingle());
+}
+
 TEST(PathPattern, WhatIsSeenFromABaseNamesAtLeastWhatIsFoundFromEachOfItsObjects) {
   for (std::string const base : {"/Case/Domain:*", "/Case/**", "Boundary:*", "../*", "@/Boundary:*", "^Case/*"}) {
     for (std::string const pattern : {"Boundary:*", "..", "^Domain", "^Case/*", "@/..", "/Library/*", "../..", "**"}) {

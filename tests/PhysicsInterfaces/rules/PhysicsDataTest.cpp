@@ -28,6 +28,8 @@ TEST(PhysicsData, AFreshDatabaseHoldsNothing) {
   EXPECT_THAT(data.objects(), IsEmpty());
   EXPECT_THAT(data.getCheckNames(), IsEmpty());
   EXPECT_THAT(data.getListNames(), IsEmpty());
+  EXPECT_EQ(data.findValue("smallest cell"), nullptr);
+  EXPECT_THAT(data.getValueNames(), IsEmpty());
   EXPECT_EQ(data.attachedController(), nullptr);
 }
 
@@ -107,6 +109,13 @@ TEST(PhysicsData, ANameThatIsTakenIsRefusedAndTheFormerStays) {
   EXPECT_TRUE(data.addList("fluids", list({"Water"})));
   EXPECT_FALSE(data.addList("fluids", list({"Air"})));
   EXPECT_THAT(data.getList("fluids", true)->evaluate(root, &evaluation), ElementsAre("Water"));
+
+  EXPECT_TRUE(data.addValue("smallest cell", std::make_unique<FixedText>("0.5 [mm]")));
+  EXPECT_FALSE(data.addValue("smallest cell", std::make_unique<FixedText>("2 [mm]")));
+  ASSERT_NE(data.findValue("smallest cell"), nullptr);
+  EXPECT_EQ(data.findValue("smallest cell")->evaluate(root, &evaluation), "0.5 [mm]");
+  EXPECT_EQ(data.findValue("largest cell"), nullptr);
+  EXPECT_THAT(data.getValueNames(), ElementsAre("smallest cell"));
 
   EXPECT_TRUE(data.addQuantityType("Temperature", {"K", "degC"}));
   EXPECT_FALSE(data.addQuantityType("Temperature", {"degF"}));

@@ -97,6 +97,20 @@ TEST(CompiledRules, WhatANamedRuleReadsIsSeenFromTheCaller) {
   EXPECT_THAT(readsOf("'x' in list('guarded')"), UnorderedElementsAre("${Material}", "${Motion}"));
 }
 
+TEST(CompiledRules, APathThatBeginsWithANameIsSeenFromTheSetThatTheNameStandsFor) {
+  EXPECT_THAT(readsOf("any(b in {Boundary:*}, ${b/Kind} == 'Inlet')"),
+              UnorderedElementsAre("{Boundary:*}", "${Boundary:*/Kind}"));
+  EXPECT_THAT(readsOf("any(d in {/Case/Domain:*}, any({d/Boundary:*}, ${Kind} == ${d/Preferred}))"),
+              UnorderedElementsAre("{/Case/Domain:*}", "{/Case/Domain:*/Boundary:*}",
+                                   "${/Case/Domain:*/Boundary:*/Kind}", "${/Case/Domain:*/Preferred}"));
+  EXPECT_THAT(
+      readsOf("any(d in {../Domain:*}, any(b in {Boundary:*}, ${d/Kind} == ${b/Kind} and name(d) == ${Kind}))"),
+      UnorderedElementsAre("{../Domain:*}", "{../Domain:*/Boundary:*}", "${../Domain:*/Kind}",
+                           "${../Domain:*/Boundary:*/Kind}", "{../Domain:*}", "${../Domain:*/Boundary:*/Kind}"));
+  EXPECT_THAT(readsOf("any(b in filter(c in {Boundary:*}, ${c/Kind} == 'x'), ${b/../Motion} == 'y')"),
+              UnorderedElementsAre("{Boundary:*}", "${Boundary:*/Kind}", "${Boundary:*/../Motion}"));
+}
+
 TEST(CompiledRules, EveryExpressionOfARecordTellsItsReadsAndItsSource) {
   auto const data = parseRules(R"(Rule Database: 1
 Objects:

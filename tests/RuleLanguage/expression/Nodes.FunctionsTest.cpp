@@ -333,6 +333,53 @@ TEST_F(Functions, LengthCountsCharacters) {
                {"length(${Speed}) <= 12", "true"}});
 }
 
+TEST_F(Functions, AQuantifierCanNameTheObjectUnderTest) {
+  expectTexts({{"any(b in {Boundary:*}, ${b/Kind} == 'Inlet')", "true"},
+               {"all(b in {Boundary:*}, ${b/Kind} == 'Inlet')", "false"},
+               {"count(b in {Boundary:*}, name(b) != 'in')", "2"},
+               {"count(b in {Boundary:*})", "3"},
+               {"name(filter(d in {/Case/Domain:*}, exists({d/Boundary:out})))", "rotor"},
+               {"count(d in {/Case/Domain:*}, exists({d}))", "2"},
+               {"count(d in {/Case/Domain:*}, count({d/*}) > 1)", "1"},
+               {"count(b in {/Case/Domain:*/Boundary:*}, ${b/../Motion} == 'Rotating')", "3"},
+               {"any(b in {Boundary:*}, path({b/..}) == path({@}))", "true"},
+               {"count(d in {/Case/Domain:*}, 'Inlet' in values(${d/Boundary:*/Kind}))", "2"},
+               {"count(d in {/Case/Domain:*}, exists(${d/Blades}))", "1"},
+               {"any(d in {/Case/Domain:*}, not ${d/Missing})", "true"}});
+}
+
+TEST_F(Functions, InTheConditionTheContextStaysTheObjectUnderTest) {
+  expectTexts({{"count(b in {Boundary:*}, ${Kind} == ${b/Kind})", "3"},
+               {"count(b in {Boundary:*}, name() == name(b))", "3"},
+               {"count(b in {Boundary:*}, ${../Motion} == 'Rotating')", "3"}});
+}
+
+TEST_F(Functions, NamesNestAndEachMeansTheObjectOfItsOwnQuantifier) {
+  // Boundaries of the rotor whose kind a boundary of the stator has as well.
+  expectTexts(
+      {{"join(names(filter(b in {Boundary:*}, any(other in {/Case/Domain:stator/Boundary:*}, ${other/Kind} == "
+        "${b/Kind}))), '|')",
+        "in"},
+       // For each of two domains: how many boundaries of all are in it.
+       {"count(d in {/Case/Domain:*}, count(b in {/Case/**/Boundary:*}, path({b/..}) == path(d)) == 3)", "1"},
+       // A quantifier without a name between them.
+       {"count(d in {/Case/Domain:*}, any({d/Boundary:*}, ${Kind} == 'Inlet' and ${d/Material} == 'Air'))", "1"},
+       {"count(a in {Boundary:*}, any(b in {../Boundary:*}, any(c in {../Boundary:*}, name(a) == name(c) and "
+        "name(b) == 'out')))",
+        "3"},
+       {"count(a in filter(b in {Boundary:*}, ${b/Flow} > 0), ${a/Flow} == 4)", "1"}});
+}
+
+TEST_F(Functions, ANamedRuleDoesNotKnowTheNamesOfItsCaller) {
+  sections_ = R"yaml(Checks:
+  has inlet: "any(b in {Boundary:*}, ${b/Kind} == 'Inlet')"
+  turns: ${Motion} == 'Rotating'
+)yaml";
+  expectTexts(
+      {{"count(d in {/Case/Domain:*}, check('has inlet') and ${d/Material} == 'Air')", "1"},
+       {"count(b in {/Case/Domain:*}, check('has inlet') and check('turns') and ${b/Material} == 'Water')", "1"}});
+}
+
 TEST_F(Functions, CheckAndList) {
   sections_ = R"(Checks:
   rotating: ${Motion} == 'Rotating'

@@ -706,5 +706,26 @@ TEST(RuleLoader, AnExpressionOfTenMegabytesIsRefusedAndWithAHigherLimitRead) {
   inShortTime([&] { EXPECT_EQ(errorsOf(file, limits), ""); });
 }
 
+TEST(RuleLoader, ReadsWhatInterfacesShowOfParametersAndChildren) {
+  auto const data = parseRules(R"(Rule Database: 1
+Objects:
+  /Case:
+    Parameters:
+      dt: {Parameter Type: Real, Group: Numerics, Label: Time step, Advanced: yes}
+      Title: {Parameter Type: String}
+    Children:
+      Monitor: {Coupled: yes, Group: Output, Label: Points, Advanced: on}
+      Domain: {Coupled: yes}
+)");
+  auto const& rules = *data->getObjDependDef("/Case", true);
+  auto const shown = [](auto const& entry) {
+    return entry.group + "|" + entry.label + "|" + (entry.advanced ? "advanced" : "");
+  };
+  EXPECT_EQ(shown(*rules.findParam("dt")), "Numerics|Time step|advanced");
+  EXPECT_EQ(shown(*rules.findParam("Title")), "||");
+  EXPECT_EQ(shown(*rules.findChild("Monitor")), "Output|Points|advanced");
+  EXPECT_EQ(shown(*rules.findChild("Domain")), "||");
+}
+
 }  // namespace
 }  // namespace tarn::rules

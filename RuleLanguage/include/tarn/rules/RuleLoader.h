@@ -28,13 +28,17 @@ struct LoadLimits {
   std::size_t expressionLength = 100'000;
   /// Levels of nesting in one expression.
   std::size_t expressionDepth = 200;
-  /// Length of a chain of named checks and lists that call each other.
+  /// Length of a chain of named checks, lists and values that call each other.
   std::size_t callDepth = 100;
-  /// Levels of nesting in a named check or list together with the ones it calls. This bounds the stack of an
+  /// Levels of nesting in a named check, list or value together with the ones it calls. This bounds the stack of an
   /// evaluation.
   std::size_t nestingDepth = 1000;
-  /// Calls of named checks and lists that one evaluation can make, calls inside called rules included.
+  /// Calls of named checks, lists and values that one evaluation can make, calls inside called rules included.
   std::size_t callCount = 10'000;
+  /// Length of a chain of templates that use each other.
+  std::size_t templateDepth = 20;
+  /// YAML nodes of all templates that objects use, counted once for each use.
+  std::size_t templateNodes = 20'000'000;
   /// Errors that are kept. If there are more, the last diagnostic, "too-many-errors", gives their number.
   std::size_t errors = 1000;
 };
