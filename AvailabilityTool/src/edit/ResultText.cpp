@@ -575,8 +575,6 @@ std::string whyWaiting(Waiting const& waiting) {
       return "the value is not allowed now";
     case WaitingReason::Overridden:
       return "the rules fix another value";
-    case WaitingReason::NameNotAllowed:
-      return "the name is not allowed now";
     case WaitingReason::NotInTheRules:
       return "the rules do not know it";
   }
