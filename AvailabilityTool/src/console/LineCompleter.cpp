@@ -1,7 +1,4 @@
 // Splits a line as the loop of the console does, and finds what its last part can become.
-//
-// A path is completed level by level. The text up to the last "/" says where to search; the rest is the beginning of a
-// component. If there is only one component, and it only leads to something without being it, the next level follows.
 #include "console/LineCompleter.h"
 
 #include <algorithm>
@@ -11,6 +8,7 @@
 #include <tarn/StringUtilities.h>
 
 #include "console/Candidates.h"
+#include "console/PathCompletion.h"
 
 namespace tarn::tool {
 
@@ -46,28 +44,6 @@ constexpr std::array<KnownCommand, 17> knownCommands = {{
 /// A longer value is not inserted into the line: nobody edits it there.
 constexpr std::size_t longestValue = 1000;
 
-bool isContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
-/// The first and the last key are the smallest and the greatest. So they differ where any two keys differ.
-std::string commonStart(Candidates const& candidates) {
-  std::string const& first = candidates.begin()->first;
-  std::string const& last = candidates.rbegin()->first;
-  auto common = static_cast<std::size_t>(std::mismatch(first.begin(), first.end(), last.begin(), last.end()).first -
-                                         first.begin());
-  while (common > 0 && common < first.size() && isContinuation(first[common])) --common;  // do not split a character
-  return first.substr(0, common);
-}
-
-void name(Candidates const& candidates, Completion& completion) {
-  completion.total = candidates.size();
-  for (auto const& [component, candidate] : candidates) {
-    if (completion.choices.size() == Completion::maxChoices) break;
-    completion.choices.push_back(component + (candidate.deeper && !candidate.whole ? "/" : ""));
-  }
-}
-
 /// Drops a candidate that would not reach the command unchanged.
 bool arrivesWhole(std::string const& argument) {
   return StringUtilities::stringToVector(argument, ',') == std::vector{argument};
@@ -79,62 +55,12 @@ bool arrivesJoined(std::string const& path) {
          path.find('=') == std::string::npos;
 }
 
-bool isTypeable(std::string const& text) {
-  return std::none_of(text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; });
-}
-
-/// Completes `typed` through `level`. `end` is added to what is complete. `arrives` says whether a text reaches the
-/// command unchanged.
-template <typename Level>
-Completion completePath(std::string const& typed, Level const& level, bool (*arrives)(std::string const&),
-                        std::string_view end) {
-  auto const slash = typed.rfind('/') + 1;  // 0 if there is none
-  std::string folder = typed.substr(0, slash);
-  std::string start = typed.substr(slash);
-  Completion completion;
-  for (;;) {
-    Candidates found = level(folder, start);
-    std::erase_if(found, [&](auto const& entry) {
-      return !isTypeable(entry.first) || !arrives(folder + entry.first + (entry.second.whole ? "" : "/"));
-    });
-    name(found, completion);
-    if (found.empty()) return completion;
-
-    std::string const common = commonStart(found);
-    completion.insert += common.substr(start.size());
-    if (found.size() > 1) return completion;
-
-    Candidate const only = found.begin()->second;
-    if (only.whole) {
-      // A component that is complete is entered only if it is already typed.
-      bool const enter = only.deeper && completion.insert.empty();
-      completion.insert += enter ? "/" : end;
-      return completion;
-    }
-    completion.insert += '/';
-    folder += common + '/';
-    start.clear();
-  }
-}
-
 /// `completePath` for the paths of a model, which begin with "/".
-template <typename Level>
-Completion completeModelPath(std::string const& typed, Level const& level, bool (*arrives)(std::string const&),
+Completion completeModelPath(std::string const& typed, PathLevel const& level, Arrives const& arrives,
                              std::string_view end) {
   if (!typed.empty()) return typed.starts_with('/') ? completePath(typed, level, arrives, end) : Completion{};
   Completion completion = completePath("/", level, arrives, end);
   if (completion.total > 0) completion.insert.insert(0, 1, '/');
-  return completion;
-}
-
-Completion completeWord(std::vector<std::string> const& words, std::string_view typed) {
-  Candidates found;
-  for (std::string const& word : words) {
-    if (word.starts_with(typed) && isTypeable(word)) found[word].whole = true;
-  }
-  Completion completion;
-  name(found, completion);
-  if (!found.empty()) completion.insert = commonStart(found).substr(typed.size());
   return completion;
 }
 

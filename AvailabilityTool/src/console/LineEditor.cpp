@@ -50,7 +50,13 @@ bool LineEditor::isPossible() noexcept {
 }
 
 LineEditor::LineEditor(Completer completer, std::size_t historySize)
-    : completer_(std::move(completer)), lines_(history_init()) {
+    : LineEditor(std::move(completer), historySize, Signals{}) {}
+
+LineEditor::LineEditor(Completer completer, std::size_t historySize, Signals signals)
+    : completer_(std::move(completer)),
+      beforeEnd_(std::move(signals.beforeEnd)),
+      grace_(signals.interrupts == Interrupts::NeverEnd ? InterruptGrace::Ends::Never : InterruptGrace::Ends::Second),
+      lines_(history_init()) {
   if (!lines_) return;
   CharacterLocale const locale;
   edit_.reset(el_init("zev", stdin, stdout, stderr));
@@ -183,6 +189,7 @@ void LineEditor::answer(int signal) {
       // terminal in the meantime.
       if (signal != SIGCONT) writeBelow("");
       el_set(edit, EL_PREP_TERM, 0);
+      if (beforeEnd_ && (signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT)) beforeEnd_();
       if (signal != SIGCONT) signals_->letAct(signal);
       el_set(edit, EL_PREP_TERM, 1);
       resize();

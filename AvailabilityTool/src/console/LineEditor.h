@@ -19,7 +19,7 @@ namespace tarn::tool {
 /// and with completion by TAB.
 ///
 /// Ctrl-C while a line is typed drops the line and begins a new one. Between two lines the first Ctrl-C is ignored, so
-/// that the current work is finished; the second ends the program as usual.
+/// that the current work is finished; the second ends the program as usual, unless `Interrupts::NeverEnd` is given.
 ///
 /// There can be one object at a time. Its destructor restores signals and terminal.
 class LineEditor {
@@ -27,11 +27,22 @@ class LineEditor {
   /// How a line can continue at a cursor. The cursor counts bytes.
   using Completer = std::function<Completion(std::string_view line, std::size_t cursor)>;
 
+  /// Whether Ctrl-C between two lines can end the program.
+  enum class Interrupts { SecondEnds, NeverEnd };
+
+  struct Signals {
+    Interrupts interrupts = Interrupts::SecondEnds;
+    /// Called while a line is read and before SIGTERM, SIGHUP or SIGQUIT ends the program. It is not called within a
+    /// signal handler, so it may do anything.
+    std::function<void()> beforeEnd;
+  };
+
   /// Whether lines can be edited: standard input and output are a terminal that can move its cursor.
   [[nodiscard]] static bool isPossible() noexcept;
 
   /// `historySize` is the number of lines that are remembered.
   LineEditor(Completer completer, std::size_t historySize);
+  LineEditor(Completer completer, std::size_t historySize, Signals signals);
   ~LineEditor();
   LineEditor(LineEditor const&) = delete;
   LineEditor& operator=(LineEditor const&) = delete;
@@ -73,6 +84,7 @@ class LineEditor {
   void writeRowsAbove() const;
 
   Completer const completer_;
+  std::function<void()> const beforeEnd_;
   InterruptGrace const grace_;
   std::unique_ptr<history, Closer> lines_;
   std::unique_ptr<editline, Closer> edit_;

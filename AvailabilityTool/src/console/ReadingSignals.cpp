@@ -80,7 +80,7 @@ void ReadingSignals::letAct(int signal) const noexcept {
   ::sigaction(signal, &before, nullptr);
 }
 
-InterruptGrace::InterruptGrace() noexcept {
+InterruptGrace::InterruptGrace(Ends ends) noexcept : ends_(ends) {
   ::sigaction(SIGINT, nullptr, &before_);
   allowOne();
 }
@@ -91,7 +91,8 @@ InterruptGrace::~InterruptGrace() {
 
 void InterruptGrace::allowOne() const noexcept {
   if (before_.sa_handler == SIG_IGN) return;
-  struct sigaction const action = actionOf(passOver, SA_RESTART | static_cast<int>(SA_RESETHAND));
+  struct sigaction const action =
+      actionOf(passOver, SA_RESTART | (ends_ == Ends::Second ? static_cast<int>(SA_RESETHAND) : 0));
   ::sigaction(SIGINT, &action, nullptr);
 }
 

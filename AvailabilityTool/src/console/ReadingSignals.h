@@ -32,10 +32,12 @@ class ReadingSignals {
 };
 
 /// Handles the interrupt key while the program works. The first signal after `allowOne` is ignored, so that the work is
-/// finished; the next one ends the program. The destructor restores the previous state.
+/// finished; the next one ends the program, or is ignored too. The destructor restores the previous state.
 class InterruptGrace {
  public:
-  InterruptGrace() noexcept;
+  enum class Ends { Second, Never };
+
+  explicit InterruptGrace(Ends ends = Ends::Second) noexcept;
   ~InterruptGrace();
   InterruptGrace(InterruptGrace const&) = delete;
   InterruptGrace& operator=(InterruptGrace const&) = delete;
@@ -43,6 +45,7 @@ class InterruptGrace {
   void allowOne() const noexcept;
 
  private:
+  Ends const ends_;
   struct sigaction before_ {};
 };
 

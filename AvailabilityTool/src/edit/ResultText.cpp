@@ -109,7 +109,7 @@ class ResultWriter {
     std::string counts;
     for (Part const& part : parts_) counts += (counts.empty() ? "  " : ", ") + part.title;
     text += counts + '\n';
-    for (Part const& part : parts_) text += section(part);
+    addSections(text);
     if (isFolded_ && options_.opener) text += "\"" + options_.opener(std::nullopt) + "\" shows every change\n";
     return text;
   }
@@ -408,6 +408,36 @@ class ResultWriter {
 
   // Sections
 
+  void addSections(std::string& text) {
+    auto const linesOf = [](std::string const& lines) {
+      return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
+    };
+    std::size_t used = linesOf(text);
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      std::string const full = section(parts_[i]);
+      // The titles of all further sections, the last line and the prompt need room, too.
+      std::size_t const further = parts_.size() - i - 1 + 2;
+      bool const fits = options_.isOpen || options_.look.rows == 0 || parts_[i].section == Section::Waiting ||
+                        used + linesOf(full) + further <= options_.look.rows;
+      if (fits) {
+        text += full;
+        used += linesOf(full);
+        continue;
+      }
+      isFolded_ = true;
+      text += title(parts_[i]);
+      if (options_.opener)
+        text += "   \"" + options_.opener(parts_[i].section) + "\" lists " +
+                (parts_[i].entries.size() == 1 ? "it" : "them");
+      text += '\n';
+      ++used;
+    }
+  }
+
+  [[nodiscard]] std::string title(Part const& part) const {
+    return painted(std::string(1, part.mark) + ' ' + part.title, part.colour, options_.look);
+  }
+
   struct Group {
     std::string head;
     std::vector<std::string> lines;
@@ -417,7 +447,7 @@ class ResultWriter {
   std::string section(Part const& part) {
     bool const isOpen = options_.isOpen || options_.only;
     std::vector<Group> const groups = isOpen ? byObject(part.entries) : folded(part.entries);
-    std::string text = painted(std::string(1, part.mark) + ' ' + part.title, part.colour, options_.look) + '\n';
+    std::string text = title(part) + '\n';
     std::size_t lines = 0;
     std::size_t left = 0;
     for (Group const& group : groups) {
@@ -541,7 +571,7 @@ class ResultWriter {
   EditResult const& result_;
   ResultTextOptions const& options_;
   std::map<Item, WaitingChange const*> waiting_;
-  /// What came, or has another value.
+  /// Items that came or have another value.
   std::set<Item> present_;
   std::vector<Part> parts_;
   bool isFolded_ = false;

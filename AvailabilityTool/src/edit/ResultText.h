@@ -22,6 +22,8 @@ namespace tarn::tool {
 struct TextLook {
   /// The columns of the terminal. Values are shortened so that lines fit. 0: there is no terminal.
   std::size_t width = 0;
+  /// The rows of the terminal. 0: there is no terminal.
+  std::size_t rows = 0;
   bool colour = false;
 };
 
@@ -55,7 +57,7 @@ struct ResultTextOptions {
   std::function<std::string(std::optional<Section>)> opener;
 };
 
-/// What became of edits, as lines for people. Each line ends with a line end.
+/// The result of edits as lines for people. Each line ends with a line end.
 ///
 ///     done 7: /Case/Analysis/Analysis Type: Steady -> Transient
 ///       1 waiting, 3 gone, 6 new
@@ -66,8 +68,9 @@ struct ResultTextOptions {
 ///
 /// The first line is the verdict, the second has the numbers. Then each kind of change has a section, in which changes
 /// are grouped by object. If three or more objects of a type have the same change, they are folded into one line that
-/// gives their number, and a section is cut off after some lines. Values that wait are always listed one by one. A
-/// section without changes is left out, and so is what the verdict says already.
+/// gives their number, and a section is cut off after some lines. Where the text would be longer than the terminal,
+/// only the titles of the last sections are shown, so that the verdict stays on the screen. Values that wait are always
+/// listed one by one. A section without changes is left out, and so is what the verdict says already.
 [[nodiscard]] std::string resultText(session::EditResult const& result, ResultTextOptions const& options = {});
 
 /// Why edits were refused, what would be possible, and the nearest edit.

@@ -265,6 +265,24 @@ TEST(ResultText, ShortensValuesToTheWidthOfTheTerminal) {
             "done 3: /Case/Title: " + std::string(17, 'x') + "... -> " + std::string(17, 'y') + "...\n");
 }
 
+TEST(ResultText, KeepsTheVerdictOnTheScreenAndShowsTheLastSectionsAsTitles) {
+  EditResult result = setTo("/Case", "Heat", "yes");
+  result.effect.values = {{"/Case", "Heat", "no", "yes"}, {"/Case/Solver", "Energy", std::nullopt, "1"}};
+  result.effect.defaults = {{"/Case/Solver", "Loops", "1", "2"}, {"/Case/Solver", "Steps", "1", "2"}};
+  result.effect.offersGained = {{"/Case/Solver", "Start"}};
+  ResultTextOptions options = inTheEditor();
+  options.look.rows = 10;
+  EXPECT_EQ(resultText(result, options),
+            "done 3: /Case/Heat: no -> yes\n"
+            "  1 new, 2 defaults, 1 offer\n"
+            "+ 1 new\n"
+            "    /Case/Solver\n"
+            "      Energy = 1\n"
+            "~ 2 defaults   \"effects defaults\" lists them\n"
+            "+ 1 offer   \"effects offers\" lists it\n"
+            "\"effects all\" shows every change\n");
+}
+
 TEST(ResultText, TenThousandChangesAreShownInShortTime) {
   EditResult result = setTo("/Case", "Heat", "yes");
   for (int i = 0; i < 10'000; ++i) {
