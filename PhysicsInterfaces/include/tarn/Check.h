@@ -11,6 +11,7 @@ namespace tarn {
 class TARN_EXPORT Check : public RuleExpression {
  public:
   [[nodiscard]] virtual bool evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
 };
 
 }  // namespace tarn

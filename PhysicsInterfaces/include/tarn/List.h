@@ -15,6 +15,7 @@ class TARN_EXPORT List : public RuleExpression {
  public:
   [[nodiscard]] virtual std::vector<std::string> evaluate(TDFContext const& context,
                                                           EvalContext* evalContext) const = 0;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
 };
 
 }  // namespace tarn

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include <tarn/EvalContext.h>
+#include <tarn/Explanation.h>
 #include <tarn/Export.h>
+#include <tarn/ModelTDF.h>
 #include <tarn/RulePlace.h>
 #include <tarn/RuleReads.h>
 #include <tarn/SharedStrings.h>
@@ -31,6 +33,15 @@ class TARN_EXPORT RuleExpression {
   /// The expression as its author wrote it, for explanations. Empty, the default, if it was not written as text.
   [[nodiscard]] virtual std::string sourceText() const;
 
+  /// Evaluates the expression on `model`, without a cache, and says how the result came about.
+  ///
+  /// `Condition`, `TextExpression`, `ListExpression`, `Check` and `List` do this for any expression: one node with the
+  /// source text, the result, and all reads of the model that the evaluation was given. Reads elsewhere are not seen.
+  /// Override it if the parts of the expression are known. An explanation must have the result that `evaluate` returns.
+  /// Throws what the evaluation throws. The default of this class, for expressions of other kinds, evaluates nothing
+  /// and returns an explanation that is not complete.
+  [[nodiscard]] virtual Explanation explain(TDFContext const& context, ModelTDF const& model) const;
+
   /// Where the expression begins in its rule file; not known for an expression that a program made. Set it before the
   /// expression is shared between threads.
   [[nodiscard]] RulePlace const& rulePlace() const noexcept { return rulePlace_; }
@@ -49,18 +60,21 @@ class TARN_EXPORT RuleExpression {
 class TARN_EXPORT Condition : public RuleExpression {
  public:
   [[nodiscard]] virtual bool evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
 };
 
 /// An expression whose value is a text: a default, a bound, a message.
 class TARN_EXPORT TextExpression : public RuleExpression {
  public:
   [[nodiscard]] virtual std::string evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
 };
 
 /// An expression whose value is a list of texts: allowed values, names.
 class TARN_EXPORT ListExpression : public RuleExpression {
  public:
   [[nodiscard]] virtual SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const = 0;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
 };
 
 /// A constant text.
@@ -70,6 +84,7 @@ class TARN_EXPORT FixedText final : public TextExpression {
   [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override;
   /// Adds nothing.
   void collectReads(RuleReads& reads) const override;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
  private:
@@ -83,6 +98,7 @@ class TARN_EXPORT FixedList final : public ListExpression {
   [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override;
   /// Adds nothing.
   void collectReads(RuleReads& reads) const override;
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] SharedStrings const& items() const noexcept { return items_; }
 
  private:

@@ -10,6 +10,7 @@
 #include <tarn/GlobalCheck.h>
 #include <tarn/RuleExpressions.h>
 
+#include "expression/Explainer.h"
 #include "expression/Expression.h"
 #include "expression/FlatCondition.h"
 #include "expression/Quantities.h"
@@ -46,6 +47,9 @@ class CompiledRule : public Base {
 
  protected:
   [[nodiscard]] FlatCondition const& condition() const { return compiled_->condition; }
+  [[nodiscard]] Explanation explainAs(Form form, TDFContext const& context, ModelTDF const& model) const {
+    return rules::explain({*compiled_->expression, compiled_->source, this->rulePlace()}, form, context, model);
+  }
   [[nodiscard]] static Frame frame(TDFContext const& context, EvalContext* evalContext) {
     return Frame{*evalContext->getDB(), context, evalContext};
   }
@@ -60,6 +64,9 @@ class CompiledCondition final : public CompiledRule<Condition> {
   [[nodiscard]] bool evaluate(TDFContext const& context, EvalContext* evalContext) const override {
     return condition().holds(frame(context, evalContext));
   }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override {
+    return explainAs(Form::Truth, context, model);
+  }
 };
 
 class CompiledText final : public CompiledRule<TextExpression> {
@@ -67,6 +74,9 @@ class CompiledText final : public CompiledRule<TextExpression> {
   using CompiledRule::CompiledRule;
   [[nodiscard]] std::string evaluate(TDFContext const& context, EvalContext* evalContext) const override {
     return expression().text(frame(context, evalContext));
+  }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override {
+    return explainAs(Form::Text, context, model);
   }
 };
 
@@ -78,6 +88,10 @@ class CompiledQuantityType final : public CompiledRule<TextExpression> {
     DeterminingQuantityType const scope;
     return expression().text(frame(context, evalContext));
   }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override {
+    DeterminingQuantityType const scope;
+    return explainAs(Form::Text, context, model);
+  }
 };
 
 class CompiledList final : public CompiledRule<ListExpression> {
@@ -85,6 +99,9 @@ class CompiledList final : public CompiledRule<ListExpression> {
   using CompiledRule::CompiledRule;
   [[nodiscard]] SharedStrings evaluate(TDFContext const& context, EvalContext* evalContext) const override {
     return expression().list(frame(context, evalContext));
+  }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override {
+    return explainAs(Form::List, context, model);
   }
 };
 
@@ -101,6 +118,9 @@ class CompiledNames final : public CompiledRule<ListExpression> {
     std::erase_if(kept, isNoName);
     return kept;
   }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override {
+    return explainAs(Form::List, context, model);
+  }
 };
 
 /// A condition on the whole model, evaluated at the root, with the message for when it does not hold.
@@ -113,6 +133,10 @@ class CompiledGlobalCheck final : public CompiledRule<GlobalCheck> {
     TDFContext const root{std::string{}};
     if (expression().truth(frame(root, evalContext))) return {true, PhysicsErrorMsg(std::string{})};
     return {false, PhysicsErrorMsg(message_->evaluate(root, evalContext))};
+  }
+
+  [[nodiscard]] Explanation explain(TDFContext const& /*context*/, ModelTDF const& model) const override {
+    return explainAs(Form::Truth, TDFContext(std::string{}), model);
   }
 
   void collectReads(RuleReads& reads) const override {

@@ -1,5 +1,6 @@
 #include "expression/NamedRule.h"
 
+#include "expression/Explainer.h"
 #include "expression/Nodes.h"
 
 namespace tarn::rules {
@@ -18,12 +19,20 @@ void NamedCheck::collectReads(RuleReads& reads) const {
   rule_.expression()->collectReads(reads, PathPattern());
 }
 
+Explanation NamedCheck::explain(TDFContext const& context, ModelTDF const& model) const {
+  return rules::explain({*rule_.expression(), rule_.source(), rulePlace()}, Form::Truth, context, model);
+}
+
 std::vector<std::string> NamedList::evaluate(TDFContext const& context, EvalContext* evalContext) const {
   return rule_.expression()->list(Frame{*evalContext->getDB(), context, evalContext}).vector();
 }
 
 void NamedList::collectReads(RuleReads& reads) const {
   rule_.expression()->collectReads(reads, PathPattern());
+}
+
+Explanation NamedList::explain(TDFContext const& context, ModelTDF const& model) const {
+  return rules::explain({*rule_.expression(), rule_.source(), rulePlace()}, Form::List, context, model);
 }
 
 }  // namespace tarn::rules

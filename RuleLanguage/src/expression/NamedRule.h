@@ -39,6 +39,7 @@ class NamedCheck final : public Check {
   [[nodiscard]] bool evaluate(TDFContext const& context, EvalContext* evalContext) const override;
   void collectReads(RuleReads& reads) const override;
   [[nodiscard]] std::string sourceText() const override { return rule_.source(); }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] NamedRule& rule() noexcept { return rule_; }
 
  private:
@@ -51,6 +52,7 @@ class NamedList final : public List {
   [[nodiscard]] std::vector<std::string> evaluate(TDFContext const& context, EvalContext* evalContext) const override;
   void collectReads(RuleReads& reads) const override;
   [[nodiscard]] std::string sourceText() const override { return rule_.source(); }
+  [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] NamedRule& rule() noexcept { return rule_; }
 
  private:

@@ -115,6 +115,7 @@ class GuardedList final : public Expression {
   void collectReads(RuleReads& reads, Base const& base) const override;
   [[nodiscard]] std::vector<Expression const*> operands() const override;
   // Its parts are written in different places, so each is bound by itself.
+  [[nodiscard]] std::vector<Item> const& items() const noexcept { return items_; }
 
  private:
   std::vector<Item> items_;
