@@ -35,6 +35,10 @@ constexpr std::string_view rules = R"yaml(Rule Database: 1
 Lists:
   two-equation models: [k-epsilon, SST]
   moving parts: = names(filter({/Case/Domain:*}, ${Motion} == 'Rotating'))
+Values:
+  limit: 1.50
+  label: 'Rot[a-z]+'
+  speed of the rotor: = ${/Case/Domain:rotor/Speed} / value('limit')
 Checks:
   domain turns: ${^Domain/Motion} == 'Rotating'
   energy: ${/Case/Energy Equation}

@@ -57,6 +57,8 @@ TEST(LimitsPage, TellsTheLimitsOfRuleFiles) {
   EXPECT_THAT(told("callDepth"), is(limits.callDepth));
   EXPECT_THAT(told("nestingDepth"), is(limits.nestingDepth));
   EXPECT_THAT(told("callCount"), is(limits.callCount));
+  EXPECT_THAT(told("templateDepth"), is(limits.templateDepth));
+  EXPECT_THAT(told("templateNodes"), is(limits.templateNodes));
   EXPECT_THAT(told("errors"), is(limits.errors));
 }
 

@@ -98,8 +98,8 @@ class Asked {
     answers_ = std::move(survey.answers);
   }
 
-  // "check NAME at PATH", "list NAME at PATH", "text NAME at PATH" with a parameter that exists for its default alone,
-  // or a word of the survey before " of PATH".
+  // "check NAME at PATH", "list NAME at PATH", "value NAME at PATH", "text NAME at PATH" with a parameter that exists
+  // for its default alone, or a word of the survey before " of PATH".
   std::string answer(std::string const& question) const {
     if (auto const at = question.rfind(" at "); at != std::string::npos) {
       std::string const path = question.substr(at + 4);
@@ -107,6 +107,7 @@ class Asked {
       std::string const name = question.substr(word.size() + 1, at - word.size() - 1);
       if (word == "check") return shown(evaluator().evaluateCheck(name, path, &model_).first);
       if (word == "list") return shown(evaluator().evaluateList(name, path, &model_).first);
+      if (word == "value") return value(name, path);
       if (word == "text") return text(name, path);
     }
     if (auto const of = question.find(" of "); of != std::string::npos) {
@@ -118,6 +119,11 @@ class Asked {
 
  private:
   tarn::EvalCheckList evaluator() const { return tarn::EvalCheckList(rules_); }
+
+  std::string value(std::string const& name, std::string const& path) const {
+    tarn::EvalContext context(&model_);
+    return rules_->findValue(name)->evaluate(tarn::TDFContext(path), &context);
+  }
 
   std::string text(std::string const& name, std::string const& path) const {
     tarn::ParamValueDef const* rule = rules_->getParamValueDef("/Texts", name, true);

@@ -14,6 +14,7 @@ import sys
 NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
     "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
+    "the templates that objects use have more than ", " YAML nodes, counted once for each use", "... uses ",
     # Only with a long pattern, or without the definitions of units.
     "it is longer than ", " bytes", "as a map of unit to factor",
     "the units library cannot read its definitions of units; install udunits2 whole, or write the conversions ",

@@ -133,18 +133,25 @@ std::string RuleBaseText::text() const {
   for (std::string const& line : lists) result += "  " + line + '\n';
   if (!checks.empty()) result += "Checks:\n";
   for (std::string const& line : checks) result += "  " + line + '\n';
-  result += objects.empty() ? "" : "Objects:\n";
-  auto const add = [&](char const* title, std::vector<EntryText> const& entries) {
+  if (!values.empty()) result += "Values:\n";
+  for (std::string const& line : values) result += "  " + line + '\n';
+  bool const hasTemplate =
+      std::any_of(objects.begin(), objects.end(), [](ObjectText const& object) { return object.usesTemplate; });
+  if (hasTemplate) result += "Templates:\n  shared:\n    Description: Parameters of several objects.\n";
+  auto const addEntries = [&](char const* title, std::vector<EntryText> const& entries) {
     if (!entries.empty()) result.append("    ").append(title).append(":\n");
     for (EntryText const& entry : entries) {
       result += "      " + entry.name + ":" + (entry.lines.empty() ? " {}" : "") + '\n';
       for (std::string const& line : entry.lines) result += "        " + line + '\n';
     }
   };
+  if (hasTemplate) addEntries("Parameters", shared);
+  result += objects.empty() ? "" : "Objects:\n";
   for (ObjectText const& object : objects) {
     result += "  " + object.typePath + ":\n    Description: An object.\n";
-    add("Parameters", object.params);
-    add("Children", object.children);
+    if (object.usesTemplate) result += "    Use: [shared]\n";
+    addEntries("Parameters", object.params);
+    addEntries("Children", object.children);
     for (ProgramEntry const& entry : object.programs) result += "    # program: " + entry.text() + '\n';
   }
   return result;
@@ -229,6 +236,9 @@ void RandomRuleBase::addRules() {
                         "list of the model: " + quoted("= " + someValues(2)),
                         "list of items: [{Value: Water, When: " + quoted(someCondition(1)) + "}, Air]"};
   start_.rules.checks = {"first check: " + quoted(someCondition(2)), "second check: " + quoted(someCondition(1))};
+  start_.rules.values = {"number: " + std::to_string(pick(3)), "text of the model: " + quoted("= " + someText(1)),
+                         "number of the model: " + quoted("= " + someNumber(1) + " + value('number')")};
+  start_.rules.shared = {someParam("Shared"), someParam("Also Shared")};
   ObjectText top;
   top.typePath = "/Case";
   for (char const* name : {"Motion", "Fluid", "Level"}) top.params.push_back(someParam(name));
@@ -246,6 +256,7 @@ void RandomRuleBase::addRules() {
 void RandomRuleBase::addObject(std::string const& typePath, std::size_t depth) {
   ObjectText object;
   object.typePath = typePath;
+  object.usesTemplate = chance(3);
   for (std::string const& name : someAmong(paramPool)) object.params.push_back(someParam(name));
   for (std::size_t n = pick(3); n > 0; --n) object.programs.push_back(someProgram("Program " + std::to_string(n)));
   Strings below;
@@ -405,7 +416,7 @@ std::string RandomRuleBase::someAvailability() {
 }
 
 std::string RandomRuleBase::someCondition(int depth) {
-  int const kinds = depth > 0 ? 16 : 8;
+  int const kinds = depth > 0 ? 19 : 8;
   std::string const limit = std::to_string(pick(3));
   switch (pick(static_cast<std::size_t>(kinds))) {
     case 0:
@@ -435,6 +446,14 @@ std::string RandomRuleBase::someCondition(int depth) {
       return "not (" + someCondition(depth - 1) + ")";
     case 13:
       return "(" + someCondition(depth - 1) + (chance(2) ? " and " : " or ") + someCondition(depth - 1) + ")";
+    case 15:
+      return "any(o in " + someObjects() + ", ${o/" + someOf(paramPool) + "} == " + someParamPath() + " and " +
+             someCondition(0) + ")";
+    case 16:
+      return "all(a in " + someObjects() + ", count(b in " + someObjects() + ", ${a/" + someOf(paramPool) +
+             "} != ${b/" + someOf(paramPool) + "} or name(a) == name(b)) > " + limit + ")";
+    case 17:
+      return "matches(" + someText(depth - 1) + ", '.*[aei].*')";
     case 14:
       return "((" + someCondition(depth - 1) + ") implies " + someCondition(depth - 1) + ")";
     default:
@@ -445,10 +464,12 @@ std::string RandomRuleBase::someCondition(int depth) {
 }
 
 std::string RandomRuleBase::someText(int depth) {
-  switch (pick(depth > 0 ? 9 : 4)) {
+  switch (pick(depth > 0 ? 10 : 4)) {
     case 0:
     case 1:
       return literal(someOf(valuePool));
+    case 9:
+      return start_.rules.values.empty() ? "'Water'" : "value('text of the model')";
     case 2:
       return "text(" + someParamPath() + ")";
     case 3:
@@ -468,9 +489,15 @@ std::string RandomRuleBase::someText(int depth) {
 }
 
 std::string RandomRuleBase::someNumber(int depth) {
-  switch (pick(depth > 0 ? 6 : 3)) {
+  switch (pick(depth > 0 ? 9 : 3)) {
     case 0:
       return std::to_string(pick(4));
+    case 6:
+      return "mod(" + someNumber(depth - 1) + ", " + someNumber(depth - 1) + ")";
+    case 7:
+      return "length(" + someText(depth - 1) + ")";
+    case 8:
+      return start_.rules.values.empty() ? "2" : "value('number of the model')";
     case 1:
       return "number(" + someParamPath() + ")";
     case 2:
@@ -502,7 +529,11 @@ std::string RandomRuleBase::someNames() {
 std::string RandomRuleBase::someValues(int depth) {
   static Strings const many = {"${Zone:*/", "${/Case/Domain:*/",    "${**/", "${/Case/Domain:*/Zone:*/",
                                "${../*/",   "${^Domain/Boundary:*/"};
-  switch (pick(depth > 0 ? 6 : 3)) {
+  switch (pick(depth > 0 ? 8 : 3)) {
+    case 6:
+      return "duplicates(" + someValues(depth - 1) + ")";
+    case 7:
+      return "concat(" + someValues(depth - 1) + ", " + literalList({someOf(valuePool)}) + ")";
     case 0:
     case 1:
       return "values(" + someOf(many) + someOf(paramPool) + "})";

@@ -65,12 +65,17 @@ struct ObjectText {
   std::vector<EntryText> params;
   std::vector<EntryText> children;
   std::vector<ProgramEntry> programs;
+  /// It takes the parameters of the template, before its own.
+  bool usesTemplate = false;
 };
 
 /// A rule base as text, divided so that a test can leave parts out.
 struct RuleBaseText {
   std::vector<std::string> lists;
   std::vector<std::string> checks;
+  std::vector<std::string> values;
+  /// The parameters of the one template.
+  std::vector<EntryText> shared;
   std::vector<ObjectText> objects;
 
   /// The rule file, with the entries of the program as comments.

@@ -184,7 +184,12 @@ std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& fil
     if (isNew) {
       result.push_back(std::move(one));
     } else {
-      ++result[known->second].affected;
+      // The same in an entry that several objects take from a template: the notes say which objects.
+      auto& first = result[known->second];
+      ++first.affected;
+      for (auto& note : one.notes) {
+        if (first.notes.size() < shownPlaces) first.notes.push_back(std::move(note));
+      }
     }
   }
   for (auto& one : result) {

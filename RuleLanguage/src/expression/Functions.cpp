@@ -693,6 +693,16 @@ constexpr auto table = std::to_array<Function>({
      .result = Kind::List,
      .cost = Cost::NamedRule,
      .evaluate = namedCall},
+    {.name = "value",
+     .group = choicesAndNamedRules,
+     .signature = "value('name')",
+     .help = "the named value, a number or a text, in the present context",
+     .least = 1,
+     .most = 1,
+     .arguments = {A::ValueName},
+     .result = Kind::Value,
+     .cost = Cost::NamedRule,
+     .evaluate = namedCall},
 });
 
 /// A plain operation returns what its row says.

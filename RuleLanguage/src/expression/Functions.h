@@ -30,6 +30,7 @@ enum class Argument {
   Parameters,          // `${...}`, which may match many objects
   CheckName,           // the name of a named check, in quotes
   ListName,            // the name of a named list, in quotes
+  ValueName,           // the name of a named value, in quotes; the call has its kind
   Pattern,             // a regular expression
   Branch               // of any kind; all branches of one call must go together, and the call has their kind
 };
@@ -42,7 +43,7 @@ struct CheckedCall {
   Kind kind;
   Range range;
   std::vector<ExpressionPtr> arguments;
-  NamedRule const* rule;  // that a CheckName or ListName names, else null
+  NamedRule const* rule;  // that a CheckName, ListName or ValueName names, else null
   /// That a Pattern is, when it is written out; else null.
   std::shared_ptr<RegularExpression const> pattern;
   /// The name that the call gives to the object under test, or "".

@@ -35,4 +35,16 @@ Explanation NamedList::explain(TDFContext const& context, ModelTDF const& model)
   return rules::explain({*rule_.expression(), rule_.source(), rulePlace()}, Form::List, context, model);
 }
 
+std::string NamedValue::evaluate(TDFContext const& context, EvalContext* evalContext) const {
+  return rule_.expression()->text(Frame{*evalContext->getDB(), context, evalContext});
+}
+
+void NamedValue::collectReads(RuleReads& reads) const {
+  rule_.expression()->collectReads(reads, PathPattern());
+}
+
+Explanation NamedValue::explain(TDFContext const& context, ModelTDF const& model) const {
+  return rules::explain({*rule_.expression(), rule_.source(), rulePlace()}, Form::Text, context, model);
+}
+
 }  // namespace tarn::rules

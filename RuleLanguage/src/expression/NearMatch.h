@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <tarn/NearMatches.h>
+#include <tarn/StringUtilities.h>
 
 namespace tarn::rules {
 
@@ -35,5 +36,15 @@ class HintBudget {
  private:
   NearMatches matches_;
 };
+
+/// The key of `map` that `text` is most likely a slip of. Empty when no key is near, or the budget is used up.
+template <typename Map>
+std::string nearKey(std::string_view text, Map const& map, HintBudget& hints) {
+  if (!hints.take(map.size())) return {};
+  std::vector<std::string> keys;
+  keys.reserve(map.size());
+  for (auto const& entry : map) keys.push_back(entry.first);
+  return StringUtilities::nearMatch(text, keys);
+}
 
 }  // namespace tarn::rules

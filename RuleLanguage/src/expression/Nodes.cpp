@@ -53,11 +53,11 @@ double Literal::number(Frame const& frame) const {
 }
 
 std::string Literal::text(Frame const& frame) const {
-  return kind() == Kind::Text ? text_ : Expression::text(frame);
+  return kind() == Kind::Text || !text_.empty() ? text_ : Expression::text(frame);
 }
 
 std::string const& Literal::textIn(Frame const& frame, std::string& buffer) const {
-  return kind() == Kind::Text ? text_ : Expression::textIn(frame, buffer);
+  return kind() == Kind::Text || !text_.empty() ? text_ : Expression::textIn(frame, buffer);
 }
 
 // QuantityLiteral
@@ -782,7 +782,23 @@ void NamedCall::bind(QuantityBinding& /*binding*/) {
 }
 
 bool NamedCall::truth(Frame const& frame) const {
-  return kind() == Kind::Truth ? rule_->expression()->truth(frame) : Expression::truth(frame);
+  return kind() == Kind::List ? Expression::truth(frame) : rule_->expression()->truth(frame);
+}
+
+std::optional<bool> NamedCall::logical(Frame const& frame) const {
+  return isValue() ? rule_->expression()->logical(frame) : Expression::logical(frame);
+}
+
+double NamedCall::number(Frame const& frame) const {
+  return isValue() ? rule_->expression()->number(frame) : Expression::number(frame);
+}
+
+std::string NamedCall::text(Frame const& frame) const {
+  return isValue() ? rule_->expression()->text(frame) : Expression::text(frame);
+}
+
+std::string const& NamedCall::textIn(Frame const& frame, std::string& buffer) const {
+  return isValue() ? rule_->expression()->textIn(frame, buffer) : Expression::textIn(frame, buffer);
 }
 
 SharedStrings NamedCall::list(Frame const& frame) const {

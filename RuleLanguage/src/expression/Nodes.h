@@ -35,6 +35,9 @@ class Literal final : public Expression {
  public:
   Literal(Range range, std::string text) : Expression(Kind::Text, range), text_(std::move(text)) {}
   Literal(Range range, double number) : Expression(Kind::Number, range), number_(number) {}
+  /// A number whose text is what was written: `1.50`.
+  Literal(Range range, double number, std::string written)
+      : Expression(Kind::Number, range), text_(std::move(written)), number_(number) {}
   Literal(Range range, bool truth) : Expression(Kind::Truth, range), truth_(truth) {}
 
   [[nodiscard]] bool truth(Frame const& frame) const override;
@@ -439,11 +442,15 @@ class PatternMatch final : public Operation {
   std::shared_ptr<RegularExpression const> pattern_;
 };
 
-/// `check('name')` and `list('name')`.
+/// `check('name')`, `list('name')` and `value('name')`.
 class NamedCall final : public Expression {
  public:
   NamedCall(Kind kind, Range range, NamedRule const* rule) : Expression(kind, range), rule_(rule) {}
   [[nodiscard]] bool truth(Frame const& frame) const override;
+  [[nodiscard]] std::optional<bool> logical(Frame const& frame) const override;
+  [[nodiscard]] double number(Frame const& frame) const override;
+  [[nodiscard]] std::string text(Frame const& frame) const override;
+  [[nodiscard]] std::string const& textIn(Frame const& frame, std::string& buffer) const override;
   [[nodiscard]] SharedStrings list(Frame const& frame) const override;
   [[nodiscard]] Dependence dependence() const override;
   void collectReads(RuleReads& reads, Base const& base) const override;
@@ -452,6 +459,9 @@ class NamedCall final : public Expression {
   [[nodiscard]] NamedRule const& rule() const noexcept { return *rule_; }
 
  private:
+  /// The call has every form of the called expression. A check or list has only the one of its kind.
+  [[nodiscard]] bool isValue() const noexcept { return kind() != Kind::Truth && kind() != Kind::List; }
+
   NamedRule const* rule_;
 };
 

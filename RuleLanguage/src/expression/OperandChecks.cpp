@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include "expression/NamedRule.h"
 #include "expression/NearMatch.h"
 #include "expression/Nodes.h"
 
@@ -13,7 +14,9 @@ namespace tarn::rules {
 
 namespace {
 
+/// A part that is written out, or the name of a text that is.
 bool isLiteral(Expression const& expression) {
+  if (auto const* call = dynamic_cast<NamedCall const*>(&expression)) return call->rule().fixedText() != nullptr;
   return dynamic_cast<Literal const*>(&expression) != nullptr ||
          dynamic_cast<QuantityLiteral const*>(&expression) != nullptr;
 }

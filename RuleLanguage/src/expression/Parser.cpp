@@ -32,16 +32,6 @@ Replacement replaceBy(Range range, std::string_view written, std::string_view te
   return {range, std::string(text), "Replace " + inQuotes(written) + " by " + inQuotes(text)};
 }
 
-/// The name in `map` that `text` is most likely a slip of, if the budget allows the search.
-template <typename Map>
-std::string nearKey(std::string_view text, Map const& map, HintBudget& hints) {
-  if (!hints.take(map.size())) return {};
-  std::vector<std::string> keys;
-  keys.reserve(map.size());
-  for (auto const& entry : map) keys.push_back(entry.first);
-  return StringUtilities::nearMatch(text, keys);
-}
-
 class Parser {
  public:
   Parser(std::string_view text, NamedRules const& named, PhysicsData const* data, ParserLimits const& limits)
@@ -556,6 +546,11 @@ class Parser {
     if (many && token_.kind == TokenKind::Parameter) return parameter(true);
     if (kind == Argument::CheckName) return ruleName(function, "check", named_.checks, call.rule);
     if (kind == Argument::ListName) return ruleName(function, "list", named_.lists, call.rule);
+    if (kind == Argument::ValueName) {
+      auto name = ruleName(function, "value", named_.values, call.rule);
+      if (call.rule != nullptr) call.kind = call.rule->kind();
+      return name;
+    }
 
     auto value = implication();
     switch (kind) {
@@ -594,6 +589,7 @@ class Parser {
       case Argument::Branch:  // checked when all branches are known
       case Argument::CheckName:
       case Argument::ListName:
+      case Argument::ValueName:
         break;
     }
     return value;
@@ -601,9 +597,15 @@ class Parser {
 
   /// The regular expression that is written out; null when it is computed or wrong.
   std::shared_ptr<RegularExpression const> fixedPattern(Expression const& value) {
-    auto const* literal = dynamic_cast<Literal const*>(&value);
-    if (literal == nullptr || literal->kind() != Kind::Text) return nullptr;
-    auto pattern = std::make_shared<RegularExpression>(literal->rawText());
+    std::string const* text = nullptr;
+    if (auto const* literal = dynamic_cast<Literal const*>(&value);
+        literal != nullptr && literal->kind() == Kind::Text) {
+      text = &literal->rawText();
+    } else if (auto const* named = dynamic_cast<NamedCall const*>(&value)) {
+      text = named->rule().fixedText();
+    }
+    if (text == nullptr) return nullptr;
+    auto pattern = std::make_shared<RegularExpression>(*text);
     if (pattern->fault().empty()) return pattern;
     issue(value.range(), "this is not a regular expression: " + pattern->fault(), Code::InvalidPattern);
     return nullptr;

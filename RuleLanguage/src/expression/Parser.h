@@ -20,10 +20,11 @@ namespace tarn::rules {
 /// convert to a condition.
 enum class Role { Condition, Text, List };
 
-/// The checks and lists that expressions may call.
+/// The checks, lists and values that expressions may call.
 struct NamedRules {
   std::map<std::string, NamedCheck*, std::less<>> checks;
   std::map<std::string, NamedList*, std::less<>> lists;
+  std::map<std::string, NamedValue*, std::less<>> values;
   /// Whether the rules have an object type of that name, so that nothing else may have it. Empty: there are none.
   std::function<bool(std::string_view)> isType;
   mutable HintBudget hints;

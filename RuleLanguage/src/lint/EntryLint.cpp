@@ -29,6 +29,7 @@ class EntryLint {
       }
       for (auto const& child : object->children()) checkChild(*object, *child);
     }
+    context_.setTaken({});
     checkObjects();
   }
 
@@ -64,6 +65,7 @@ class EntryLint {
   void checkChild(ObjDependDef const& object, ChildAvail const& child) {
     auto const typePath = object.typePath() + "/" + child.type;
     auto const& place = context_.rules().childPlaces().at({object.typePath(), child.type});
+    context_.setTaken(place.taken);
     if (context_.data().getObjDependDef(typePath, true) == nullptr) {
       warn(Code::MissingObjectEntry, place.name,
            "there is no entry " + typePath + " under Objects, so the rules define nothing inside this child");
@@ -141,6 +143,7 @@ class EntryLint {
 
   void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {
     auto const& place = context_.rules().paramPlaces().at({object.typePath(), param.name});
+    context_.setTaken(place.taken);
     auto const at = [&](std::string_view attribute) {
       auto const found = place.attributes.find(attribute);
       return found == place.attributes.end() ? Item{} : found->second;

@@ -18,8 +18,18 @@ std::size_t EntryPositions::indexIn(std::unordered_map<std::string_view, std::si
 LintContext::LintContext(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics)
     : rules_(rules), data_(data), types_(data), diagnostics_(diagnostics) {}
 
+namespace {
+
+void noteTaken(Diagnostic& warning, Item const& taken) {
+  if (taken) DiagnosticList::note(warning, *taken.source, taken.node->range(), "an object takes it here");
+}
+
+}  // namespace
+
 Diagnostic& LintContext::warn(Code code, Item const& item, std::string message) {
-  return diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
+  auto& warning = diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
+  noteTaken(warning, taken_);
+  return warning;
 }
 
 void LintContext::warn(Code code, ExpressionUse const& use, Range range, std::string message,
@@ -27,6 +37,7 @@ void LintContext::warn(Code code, ExpressionUse const& use, Range range, std::st
   std::size_t const offset = use.skipped + range.offset;
   SourceRange const place = rangeInScalar(*use.item.source, *use.item.node, offset, range.length, &walk_);
   auto& warning = diagnostics_.add(code, *use.item.source, place, std::move(message));
+  noteTaken(warning, use.taken);
   if (fix) RuleBuilder::fixExpression(warning, use.item, use.skipped, *fix, &fixWalk_);
 }
 

@@ -46,6 +46,9 @@ class LintContext {
   [[nodiscard]] TypeTree const& types() const noexcept { return types_; }
   [[nodiscard]] HintBudget& hints() noexcept { return hints_; }
 
+  /// What follows is about an entry that its object takes by this `Use`; about an entry of its own when it is empty.
+  /// Warnings about a taken entry get a note with the place of the `Use`.
+  void setTaken(Item const& taken) { taken_ = taken; }
   /// Adds a warning about a whole scalar or list. The reference is valid until the next warning.
   Diagnostic& warn(Code code, Item const& item, std::string message);
   /// Adds a warning about a part of an expression.
@@ -82,6 +85,7 @@ class LintContext {
   // Two walks, so that the search for a fix does not throw back the search for the next warning.
   ScalarWalk walk_;
   ScalarWalk fixWalk_;
+  Item taken_;
   DiagnosticList& diagnostics_;
 };
 

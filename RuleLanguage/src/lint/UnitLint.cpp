@@ -333,7 +333,9 @@ void checkUnits(LintContext& context) {
     for (auto const& param : object->params()) {
       auto const target = targetOf(context, param->valueDef());
       if (target.type == nullptr) continue;
-      auto const& attributes = context.rules().paramPlaces().at({object->typePath(), param->name}).attributes;
+      auto const& place = context.rules().paramPlaces().at({object->typePath(), param->name});
+      context.setTaken(place.taken);
+      auto const& attributes = place.attributes;
       auto const at = [&](std::string_view attribute) {
         auto const found = attributes.find(attribute);
         return found == attributes.end() ? Item{} : found->second;
@@ -346,6 +348,7 @@ void checkUnits(LintContext& context) {
       texts.checkGuarded(at("Value Override Check List"));
     }
   }
+  context.setTaken({});
 }
 
 void checkQuantities(LintContext& context, ExpressionUse const& use) {

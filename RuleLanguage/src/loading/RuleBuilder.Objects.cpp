@@ -18,9 +18,10 @@ namespace {
 
 using StringUtilities::isSpace;
 
-enum class ObjectKey { Description, Parameters, Children, Checks, Accepted };
+enum class ObjectKey { Description, Use, Parameters, Children, Checks, Accepted };
 constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
     {"Description", ObjectKey::Description},
+    {"Use", ObjectKey::Use},
     {"Parameters", ObjectKey::Parameters},
     {"Children", ObjectKey::Children},
     {"Checks", ObjectKey::Checks},
@@ -191,27 +192,33 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
   if (!object.rulePlace.isKnown()) object.rulePlace = name.place();
   if (keepPlaces_) index_.objects_.try_emplace(name.node->value, name);
   owner_ = {name.node->value, {}, EntryKind::Parameter};
-  forEachKnown(body, "an object", objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
+  readEntries(object, name, body, "an object", std::nullopt);
+}
+
+void RuleBuilder::readEntries(ObjDependDef& object, Item const& name, Item const& body, std::string_view what,
+                              std::optional<EntryKind> only) {
+  auto const section = [&](EntryKind kind, Item const& value) {
+    if (!only || *only == kind) readSection(object, kind, value);
+  };
+  forEachKnown(body, what, objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
     switch (key) {
       case ObjectKey::Description:
-        if (auto const text = scalar(value, "Description"); text && object.description.empty()) {
+        // That of a template describes the template.
+        if (auto const text = scalar(value, "Description"); text && object.description.empty() && !taking_) {
           object.description = *text;
         }
         break;
+      case ObjectKey::Use:
+        use(object, value, only);
+        break;
       case ObjectKey::Parameters:
-        forEach(value, "Parameters",
-                [&](Item const& entry, Item const& attributes) { readParameter(object, entry, attributes); });
-        sectionsSeen_.push_back({name.node->value, EntryKind::Parameter, value});
+        section(EntryKind::Parameter, value);
         break;
       case ObjectKey::Children:
-        forEach(value, "Children",
-                [&](Item const& entry, Item const& attributes) { readChild(object, entry, attributes); });
-        sectionsSeen_.push_back({name.node->value, EntryKind::Child, value});
+        section(EntryKind::Child, value);
         break;
       case ObjectKey::Checks:
-        forEach(value, "Checks",
-                [&](Item const& entry, Item const& attributes) { readObjectCheck(object, entry, attributes); });
-        sectionsSeen_.push_back({name.node->value, EntryKind::Check, value});
+        section(EntryKind::Check, value);
         break;
       case ObjectKey::Accepted:
         readAccepted(name, body, value);
@@ -220,21 +227,66 @@ void RuleBuilder::readObject(Item const& name, Item const& body) {
   });
 }
 
-Item RuleBuilder::formerPlace(std::string const& typePath, EntryKind kind, std::string const& name) {
-  auto const keyOf = [](std::string const& path, EntryKind entryKind, std::string_view entry) {
-    return (path + "\n" + std::to_string(static_cast<int>(entryKind)) + "\n").append(entry);
+void RuleBuilder::readSection(ObjDependDef& object, EntryKind kind, Item const& section) {
+  if (readTemplate_ == nullptr)
+    sectionsSeen_.push_back({object.typePath(), kind, section, taking_ ? taking_->use : Item{}});
+  forEach(section, sectionName(kind), [&](Item const& name, Item const& body) {
+    if (isUse(*name.node, *body.node)) {
+      use(object, body, kind);
+      return;
+    }
+    if (readTemplate_ != nullptr) readTemplate_->has[static_cast<std::size_t>(kind)] = true;
+    switch (kind) {
+      case EntryKind::Parameter:
+        readParameter(object, name, body);
+        break;
+      case EntryKind::Child:
+        readChild(object, name, body);
+        break;
+      case EntryKind::Check:
+        readObjectCheck(object, name, body);
+        break;
+    }
+  });
+}
+
+RuleBuilder::FormerEntry RuleBuilder::formerPlace(std::string const& typePath, EntryKind kind, Item const& entry) {
+  if (diagnostics_.isFull()) return {};
+  auto const keyOf = [](std::string const& path, EntryKind entryKind, std::string_view name) {
+    return (path + "\n" + std::to_string(static_cast<int>(entryKind)) + "\n").append(name);
   };
   for (; sectionsIndexed_ < sectionsSeen_.size(); ++sectionsIndexed_) {
     auto const& seen = sectionsSeen_[sectionsIndexed_];
     if (seen.section.node->kind != YamlNode::Kind::Mapping) continue;
     auto const& children = seen.section.node->children;
     for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
-      formerPlaces_.try_emplace(keyOf(seen.typePath, seen.kind, children[i]->value),
-                                Item{seen.section.source, children[i]});
+      if (isUse(*children[i], *children[i + 1])) continue;
+      formerPlaces_[keyOf(seen.typePath, seen.kind, children[i]->value)].push_back(
+          {{seen.section.source, children[i]}, seen.taken});
     }
   }
-  auto const found = formerPlaces_.find(keyOf(typePath, kind, name));
-  return found == formerPlaces_.end() ? Item{} : found->second;
+  auto const found = formerPlaces_.find(keyOf(typePath, kind, entry.node->value));
+  if (found == formerPlaces_.end()) return {};
+  for (auto const& other : found->second) {
+    if (other.name.node != entry.node) return other;
+  }
+  return {};
+}
+
+void RuleBuilder::reportExisting(ObjDependDef const& object, EntryKind kind, std::string_view what, Item const& name) {
+  auto const former = formerPlace(object.typePath(), kind, name);
+  auto const note = [](Diagnostic& diagnostic, Item const& item, std::string_view message) {
+    if (item) DiagnosticList::note(diagnostic, *item.source, item.node->range(), std::string(message));
+  };
+  auto& diagnostic =
+      taking_ ? error(Code::DuplicateName, taking_->use,
+                      "the template " + inQuotes(taking_->outermost->name.node->value) + " brings " +
+                          std::string(what) + " " + inQuotes(name.node->value) + ", which the object already has")
+              : error(Code::DuplicateName, name,
+                      "the object already has " + std::string(what) + " " + inQuotes(name.node->value));
+  if (taking_) note(diagnostic, name, "the template has it here");
+  note(diagnostic, former.name, "the first one is here");
+  note(diagnostic, former.taken, "the first one is taken here");
 }
 
 std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& item, std::string_view attribute) {
@@ -281,7 +333,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     error(Code::InvalidName, name, "a parameter name cannot contain '/' or ':'");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, EntryKind::Parameter};
+  owner_ = {object.typePath(), name.node->value, EntryKind::Parameter, taking_ ? taking_->use : Item{}};
 
   ParamAvail entry;
   ParamValueDef def;
@@ -297,6 +349,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   Item completeList;
   EntryPlace place;
   place.name = name;
+  place.taken = owner_.taken;
 
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
@@ -461,8 +514,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
               std::string(TDFParam::typeName(def.type)));
   }
   if (!object.addParam(std::move(entry), std::move(def))) {
-    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Parameter, name.node->value),
-          "the object already has a parameter " + inQuotes(name.node->value));
+    reportExisting(object, EntryKind::Parameter, "a parameter", name);
     return;
   }
   if (keepPlaces_) index_.params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
@@ -475,13 +527,14 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
           "a child type cannot contain '/' or ':'; give deeper objects their own entries under Objects");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, EntryKind::Child};
+  owner_ = {object.typePath(), name.node->value, EntryKind::Child, taking_ ? taking_->use : Item{}};
 
   ChildAvail entry;
   entry.type = name.node->value;
   entry.rulePlace = name.place();
   EntryPlace place;
   place.name = name;
+  place.taken = owner_.taken;
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
   };
@@ -543,8 +596,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
     }
   });
   if (!object.addChild(std::move(entry))) {
-    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Child, name.node->value),
-          "the object already has a child type " + inQuotes(name.node->value));
+    reportExisting(object, EntryKind::Child, "a child type", name);
     return;
   }
   if (keepPlaces_) index_.children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
@@ -552,7 +604,7 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
 
 void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item const& body) {
   if (!isName(name, "the name of a check")) return;
-  owner_ = {object.typePath(), name.node->value, EntryKind::Check};
+  owner_ = {object.typePath(), name.node->value, EntryKind::Check, taking_ ? taking_->use : Item{}};
   ObjectCheck check;
   check.name = name.node->value;
   check.rulePlace = name.place();
@@ -583,8 +635,7 @@ void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item c
   if (!checkGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Check'");
   if (!messageGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Message'");
   if (!object.addCheck(std::move(check))) {
-    twice(Code::DuplicateName, name, formerPlace(object.typePath(), EntryKind::Check, name.node->value),
-          "the object already has a check " + inQuotes(name.node->value));
+    reportExisting(object, EntryKind::Check, "a check", name);
   }
 }
 

@@ -154,6 +154,7 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
   use.entry = owner_.entry;
   use.kind = owner_.kind;
   use.attribute = attribute;
+  use.taken = owner_.taken;
   index_.uses_.push_back(std::move(use));
 }
 

@@ -3,7 +3,7 @@
 // problems of all files.
 //
 // RuleBuilder.Values.cpp reads the kinds of values, RuleBuilder.NamedRules.cpp the named rules, RuleBuilder.Objects.cpp
-// the rules of objects, RuleBuilder.Quantities.cpp the quantity types.
+// the rules of objects, RuleBuilder.Templates.cpp the templates, RuleBuilder.Quantities.cpp the quantity types.
 
 #include "loading/RuleBuilder.h"
 
@@ -18,13 +18,15 @@ namespace tarn::rules {
 
 namespace {
 
-enum class FileKey { Version, Roots, QuantityTypes, Lists, Checks, Objects, GlobalChecks, Accepted };
+enum class FileKey { Version, Roots, QuantityTypes, Values, Lists, Checks, Templates, Objects, GlobalChecks, Accepted };
 constexpr auto fileKeys = std::to_array<Key<FileKey>>({
     {"Rule Database", FileKey::Version},
     {"Pertinent Roots", FileKey::Roots},
     {"Quantity Types", FileKey::QuantityTypes},
+    {"Values", FileKey::Values},
     {"Lists", FileKey::Lists},
     {"Checks", FileKey::Checks},
+    {"Templates", FileKey::Templates},
     {"Objects", FileKey::Objects},
     {"Global Checks", FileKey::GlobalChecks},
     {"Accepted", FileKey::Accepted},
@@ -55,6 +57,7 @@ void RuleBuilder::build() {
   for (auto const& file : files_) registerNamed(file);
   parseNamedBodies();
   bindNamedRules();
+  readTemplates();
   for (auto const& file : files_) {
     auto const read = [&](std::string_view name, void (RuleBuilder::*section)(Item const&)) {
       auto const found = file.sections.find(name);
@@ -67,6 +70,7 @@ void RuleBuilder::build() {
     read("Objects", &RuleBuilder::readObjects);
     read("Global Checks", &RuleBuilder::readGlobalChecks);
   }
+  reportPartsNotTaken();
   for (auto const& later : laterUses_) {
     owner_ = later.owner;
     if (auto const expression = compiled(later.item, later.skipped, later.role, later.attribute)) {
@@ -166,7 +170,8 @@ void RuleBuilder::readAccepted(Item const& name, Item const& scope, Item const& 
       error(Code::MissingReason, code,
             "write after " + inQuotes(code.node->value.substr(0, 60)) + " why it is accepted here");
     }
-    if (keepPlaces_) index_.acceptances_.push_back({code, name, scope});
+    // What a template accepts is read once for each object that uses the template.
+    if (keepPlaces_ && acceptedCodes_.insert(code.node).second) index_.acceptances_.push_back({code, name, scope});
   });
 }
 
@@ -187,6 +192,8 @@ bool RuleBuilder::isTypeName(std::string_view name) {
       for (auto const& [section, content] : file.sections) {
         if (section == "Pertinent Roots") {
           for (auto const* type : content->children) names.insert(type->value);
+        } else if (section == "Templates") {
+          forEachKey(*content, [&](YamlNode const&, YamlNode const& body) { addChildren(body); });
         } else if (section == "Objects") {
           forEachKey(*content, [&](YamlNode const& path, YamlNode const& object) {
             std::string_view rest = path.value;

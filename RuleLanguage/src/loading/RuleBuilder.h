@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <map>
@@ -7,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -17,6 +19,7 @@
 
 #include "diagnostics/DiagnosticList.h"
 #include "expression/CompiledRules.h"
+#include "expression/Functions.h"
 #include "expression/Parser.h"
 #include "loading/RuleIndex.h"
 #include "patterns/RegularExpression.h"
@@ -27,8 +30,8 @@ namespace tarn::rules {
 /// Builds a rule database from parsed rule files: reads the sections, parses the expressions, and reports everything
 /// that is wrong with the form of the rules. Doubtful rules are the business of lint.
 ///
-/// The files are read in two rounds. The first round creates every named check and list, so that expressions can call
-/// them whatever the order of the files. The second round reads everything else.
+/// The files are read in two rounds. The first round creates every named check, list and value, so that expressions can
+/// call them whatever the order of the files. The second round reads everything else.
 class RuleBuilder {
  public:
   /// Builds from the files of `index`. With `keepPlaces` it enters into the index where everything is written, which
@@ -59,6 +62,7 @@ class RuleBuilder {
     std::string typePath;
     std::string entry;
     EntryKind kind = EntryKind::Parameter;
+    Item taken = {};  // see `ExpressionUse::taken`
   };
 
   /// An expression that a list or a named rule owns. It is parsed again as a use of its own when all named rules are
@@ -75,6 +79,7 @@ class RuleBuilder {
   /// A named rule whose body was parsed. It is bound when all rules that it calls are bound.
   struct PendingBody {
     NamedRule* rule = nullptr;
+    Argument calledAs = Argument::CheckName;
     Item name;
     Item body;
     std::size_t skipped = 0;  // bytes of the body before its expression
@@ -92,6 +97,30 @@ class RuleBuilder {
     std::string typePath;
     EntryKind kind;
     Item section;
+    Item taken;  // the Use by which the object takes the section from a template
+  };
+
+  /// Where an entry of an object is written.
+  struct FormerEntry {
+    Item name;
+    Item taken;
+  };
+
+  /// A group of entries that objects take by its name.
+  struct Template {
+    Item name;
+    Item body;
+    std::vector<std::pair<Template*, Item>> uses;  // the templates that it uses, and where it names them
+    std::array<bool, 3> has{};                     // by kind of entry: it brings some, itself or by what it uses
+    std::size_t depth = 0;                         // length of the longest chain of templates that use each other
+    std::size_t timesUsed = 0;
+    bool isWrong = false;  // it has errors, so nothing more is said where it is used
+  };
+
+  /// The templates that objects take at the moment: from the Use of the object inwards.
+  struct Taking {
+    Template const* outermost;
+    Item use;  // the name of the template in the Use of the object
   };
 
   // Problems
@@ -142,6 +171,10 @@ class RuleBuilder {
   [[nodiscard]] bool isTypeName(std::string_view name);
   void registerNamed(File const& file);
   void parseNamedBodies();
+  /// The computed values in an order in which each comes after those that it calls. Circles are broken somewhere.
+  [[nodiscard]] std::vector<PendingBody*> computedValuesInOrder();
+  void parseBody(PendingBody& pending);
+  void readFixedValue(PendingBody& pending);
   void bindNamedRules();
   void readRoots(Item const& section);
   void readQuantityTypes(Item const& section);
@@ -152,6 +185,20 @@ class RuleBuilder {
   [[nodiscard]] bool isUnit(Item const& item);
   void readObjects(Item const& section);
   void readObject(Item const& name, Item const& body);
+  /// Reads the keys of an object or template in their order into `object`; with `only`, entries of that kind alone.
+  void readEntries(ObjDependDef& object, Item const& name, Item const& body, std::string_view what,
+                   std::optional<EntryKind> only);
+  void readSection(ObjDependDef& object, EntryKind kind, Item const& section);
+  void registerTemplates(File const& file);
+  void readTemplates();
+  void checkChainsOfTemplates();
+  /// Reads a `Use`: takes the entries of the templates that it names into `object`.
+  void use(ObjDependDef& object, Item const& names, std::optional<EntryKind> only);
+  void take(ObjDependDef& object, Template& taken, Item const& name, std::optional<EntryKind> only);
+  /// Reports the kinds of entries that an object leaves out where it uses a template in some of its sections.
+  void reportPartsNotTaken();
+  /// Reports that an object already has the entry `name`. The entry is its own, or that of a template that it takes.
+  void reportExisting(ObjDependDef const& object, EntryKind kind, std::string_view what, Item const& name);
   void readParameter(ObjDependDef& object, Item const& name, Item const& body);
   void readChild(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
@@ -162,8 +209,8 @@ class RuleBuilder {
   /// Reads `Accepted` of the entry `name`, or of a whole file. `scope` is the map that holds the key.
   void readAccepted(Item const& name, Item const& scope, Item const& value);
   void readGlobalChecks(Item const& section);
-  /// Where an entry was given before, in an earlier section of its object. Empty when it was not.
-  [[nodiscard]] Item formerPlace(std::string const& typePath, EntryKind kind, std::string const& name);
+  /// Where else an entry of that name is given in the object; empty when it is not.
+  [[nodiscard]] FormerEntry formerPlace(std::string const& typePath, EntryKind kind, Item const& entry);
   [[nodiscard]] bool isTypePath(Item const& item);
   [[nodiscard]] bool isName(Item const& item, std::string_view what);
 
@@ -177,13 +224,14 @@ class RuleBuilder {
   std::deque<PendingBody> bodies_;
   std::map<std::string, Item, std::less<>> checkNames_;
   std::map<std::string, Item, std::less<>> listNames_;
+  std::map<std::string, Item, std::less<>> valueNames_;
   std::map<std::string, Item, std::less<>> globalNames_;
   std::map<std::string, Item, std::less<>> quantityNames_;
   bool noDefinitionsReported_ = false;
   std::optional<std::unordered_set<std::string_view>> typeNames_;
   std::vector<SeenSection> sectionsSeen_;  // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
-  std::unordered_map<std::string, Item> formerPlaces_;
+  std::unordered_map<std::string, std::vector<FormerEntry>> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;
   std::unordered_map<std::string_view, CompiledPtr> shared_[3];  // by role
   std::vector<CompiledPtr> unshared_;
@@ -200,6 +248,18 @@ class RuleBuilder {
   };
   std::vector<Unbound> unbound_;  // called rules come before their callers
   bool quantityTypesAreWrong_ = false;
+
+  std::map<std::string, Template, std::less<>> templates_;
+  PhysicsData templateEntries_;       // where templates are read by themselves, to see what is wrong with them
+  Template* readTemplate_ = nullptr;  // the template that is being read by itself
+  std::optional<Taking> taking_;      // set while entries of a template are read into an object
+  std::size_t takenNodes_ = 0;
+  std::unordered_set<YamlNode const*> acceptedCodes_;
+  bool tooManyTaken_ = false;
+  using PartKey = std::tuple<std::string, EntryKind, Template const*>;
+  std::map<PartKey, Item> takenParts_;  // by type path
+  // The templates that an object uses in some of its sections, and where it does so first.
+  std::map<std::pair<std::string, Template const*>, Item> usedInSections_;
 };
 
 }  // namespace tarn::rules

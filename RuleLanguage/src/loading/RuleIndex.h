@@ -50,6 +50,9 @@ struct ExpressionUse {
   EntryKind kind = EntryKind::Parameter;
   std::string attribute;
   NamedRule const* named = nullptr;  // the named rule, when the expression is its body
+  /// The name of the template in the `Use` by which the object takes the entry; empty when the entry is its own. The
+  /// expression itself is written in the template.
+  Item taken = {};
 
   /// The text from which the ranges of the expression count.
   [[nodiscard]] std::string_view text() const { return std::string_view(item.node->value).substr(skipped); }
@@ -59,6 +62,13 @@ struct ExpressionUse {
 struct EntryPlace {
   Item name;
   std::map<std::string_view, Item> attributes;
+  Item taken = {};  // as in `ExpressionUse`
+};
+
+/// Where a template is written, and how many times objects and other templates use it.
+struct TemplatePlace {
+  Item name;
+  std::size_t timesUsed = 0;
 };
 
 /// A code that a rule file accepts with a reason, and the part of the file for which it does so.
@@ -108,6 +118,7 @@ class RuleIndex {
   [[nodiscard]] std::vector<std::pair<Item, Item>> const& quantityTypePlaces() const { return quantityTypes_; }
   [[nodiscard]] std::vector<Acceptance> const& acceptances() const { return acceptances_; }
   [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
+  [[nodiscard]] std::vector<TemplatePlace> const& templatePlaces() const noexcept { return templates_; }
 
  private:
   friend class RuleBuilder;
@@ -126,6 +137,7 @@ class RuleIndex {
   std::vector<std::pair<Item, Item>> quantityTypes_;
   std::map<NamedRule const*, Item> namedPlaces_;
   std::vector<Acceptance> acceptances_;
+  std::vector<TemplatePlace> templates_;
 };
 
 }  // namespace tarn::rules

@@ -67,6 +67,23 @@ inline bool hasKey(YamlNode const& map, std::string_view key) {
   return false;
 }
 
+/// Whether an entry of a section is a `Use`. A parameter or child type may have that name: its value is a map.
+inline bool isUse(YamlNode const& key, YamlNode const& value) {
+  return key.kind == YamlNode::Kind::Scalar && key.value == "Use" && value.kind != YamlNode::Kind::Mapping;
+}
+
+inline std::string_view sectionName(EntryKind kind) {
+  switch (kind) {
+    case EntryKind::Parameter:
+      return "Parameters";
+    case EntryKind::Child:
+      return "Children";
+    case EntryKind::Check:
+      return "Checks";
+  }
+  return "";
+}
+
 inline bool isExpression(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Scalar && node.value.starts_with('=');
 }

@@ -26,6 +26,9 @@ Checks:
   rotating: ${Motion} == 'Rotating'
   alike: ${Material} == ${@/Material}
   named: name() == 'rotor'
+Values:
+  limit: 1.5
+  faster: = 2 * ${Preset}
 Objects:
   /Case/Domain:
     Parameters:
@@ -109,6 +112,13 @@ TEST(CompiledRules, APathThatBeginsWithANameIsSeenFromTheSetThatTheNameStandsFor
                            "${../Domain:*/Boundary:*/Kind}", "{../Domain:*}", "${../Domain:*/Boundary:*/Kind}"));
   EXPECT_THAT(readsOf("any(b in filter(c in {Boundary:*}, ${c/Kind} == 'x'), ${b/../Motion} == 'y')"),
               UnorderedElementsAre("{Boundary:*}", "${Boundary:*/Kind}", "${Boundary:*/../Motion}"));
+}
+
+TEST(CompiledRules, ANamedValueReadsWhatItsExpressionReads) {
+  EXPECT_THAT(readsOf("value('limit') > 1"), IsEmpty());
+  EXPECT_THAT(readsOf("value('faster') > value('limit')"), ElementsAre("${Preset}"));
+  EXPECT_THAT(readsOf("any(b in {Boundary:*}, value('faster') > ${b/Flow})"),
+              UnorderedElementsAre("{Boundary:*}", "${Boundary:*/Preset}", "${Boundary:*/Flow}"));
 }
 
 TEST(CompiledRules, EveryExpressionOfARecordTellsItsReadsAndItsSource) {

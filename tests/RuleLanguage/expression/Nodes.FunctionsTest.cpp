@@ -408,5 +408,56 @@ Lists:
   expectLists({{"list('kinds')", "[Inlet, Outlet, ]"}, {"list('all')", "[Water, Air, Steam, Oil]"}});
 }
 
+TEST_F(Functions, ValueIsTheNamedNumberOrText) {
+  sections_ = R"(Values:
+  limit: 1.50
+  negative: -3
+  label: 'Rot[a-z]+'
+  empty: ''
+  yes: yes
+  comma: Water, Air
+  computed: = 2 * value('limit') + 1
+  later: = value('computed') + value('of the object')
+  of the object: = ${Blades}
+  a text: = 'pump ' + name()
+  as text: "= '012'"
+  chosen: = if(${Motion} == 'Rotating', value('label'), 'x')
+Checks:
+  few blades: ${Blades} < value('computed')
+)";
+  expectTexts({{"value('limit')", "1.50"},
+               {"value('limit') * 2", "3"},
+               {"value('limit') == 1.5", "true"},
+               {"value('limit') + ' m'", "1.50 m"},
+               {"-value('negative')", "3"},
+               {"value('label')", "Rot[a-z]+"},
+               {"value('label') == 'Rot[a-z]+'", "true"},
+               {"length(value('empty'))", "0"},
+               {"value('yes') == true", "true"},
+               {"value('yes')", "yes"},
+               {"value('comma')", "Water, Air"},
+               {"value('computed')", "4"},
+               {"value('later')", "7"},
+               {"value('of the object') == ${Blades}", "true"},
+               {"not value('of the object')", "true"},
+               {"value('a text')", "pump rotor"},
+               {"name(filter({/Case/Domain:*}, value('a text') == 'pump stator'))", "stator"},
+               {"value('as text') + ''", "012"},
+               {"value('as text') == '012'", "true"},
+               {"value('chosen')", "Rot[a-z]+"},
+               {"size(value('of the object'))", "1"},
+               {"check('few blades')", "true"},
+               {"${Speed} > value('computed')", "true"}});
+  expectLists({{"(value('label'), value('a text'))", "[Rot[a-z]+, pump rotor]"},
+               {"if(true, (value('label'),), ())", "[Rot[a-z]+]"}});
+}
+
+TEST_F(Functions, AValueThatIsWrittenOutCanBeAPattern) {
+  sections_ = "Values:\n  label: 'Rot[a-z]+'\n  computed: \"= 'Rot' + '.*'\"\n";
+  expectTexts({{"matches(${Motion}, value('label'))", "true"},
+               {"matches(${Material}, value('label'))", "false"},
+               {"matches(${Motion}, value('computed'))", "true"}});
+}
+
 }  // namespace
 }  // namespace tarn::rules
