@@ -125,26 +125,39 @@ TEST(Templates, EachObjectEvaluatesWhatItTookInItsOwnContext) {
 TEST(Templates, ATakenEntryIsWrittenInTheTemplate) {
   auto const data = parseRules(templates + "  /Plant/Pump: {Use: [pump]}\n", "pumps");
   auto const& head = *data->getObjDependDef("/Plant/Pump", true)->findParam("Head");
-  EXPECT_EQ(head.rulePlace.line, 12U);
-  EXPECT_EQ(head.rulePlace.column, 7U);
-  EXPECT_EQ(head.available->rulePlace().line, 12U);
+  EXPECT_EQ(head.rulePlace.line(), 12U);
+  EXPECT_EQ(head.rulePlace.column(), 7U);
+  EXPECT_EQ(head.available->rulePlace().line(), 12U);
   EXPECT_EQ(head.available->sourceText(), "${Flow} > 0");
 }
 
-TEST(Templates, AWarningAboutATakenEntryNamesTheObjectThatTookIt) {
-  auto const text = format(lintText(R"(Rule Database: 1
-Pertinent Roots: [Plant]
+TEST(Templates, AWarningAboutATakenEntryIsGivenOnceAndNamesTheObjectsThatTakeIt) {
+  auto const diagnostics = lintText(R"(Rule Database: 1
+Pertinent Roots: [Pump, Fan]
 Templates:
-  pump:
+  machine:
     Parameters:
-      Head: {Parameter Type: Real, Available: "${Flow} > 0"}
+      Speed: {Parameter Type: Real, Quantity Type: Rate}
 Objects:
-  /Plant:
-    Use: [pump]
+  /Pump:
+    Use: [machine]
+  /Fan:
+    Use: [machine]
 )",
-                                    "pumps")
-                               .diagnostics);
-  EXPECT_EQ(text, "");
+                                    "flow.rules.yaml")
+                               .diagnostics;
+  ASSERT_EQ(diagnostics.size(), 1U);
+  EXPECT_EQ(
+      format(diagnostics.front()),
+      "flow.rules.yaml:6:52: warning: there is no quantity type 'Rate' under Quantity Types; this affects 2 places\n"
+      "    6 |       Speed: {Parameter Type: Real, Quantity Type: Rate}\n"
+      "      |                                                    ^~~~\n"
+      "flow.rules.yaml:9:11: note: an object takes it here\n"
+      "    9 |     Use: [machine]\n"
+      "      |           ^~~~~~~\n"
+      "flow.rules.yaml:11:11: note: an object takes it here\n"
+      "   11 |     Use: [machine]\n"
+      "      |           ^~~~~~~\n");
 }
 
 TEST(Templates, AnUnusedTemplateAddsNothing) {
@@ -180,7 +193,7 @@ TEST(Templates, TheNumberOfNodesThatAllUsesTakeHasALimit) {
   limits.templateNodes = 69;
   EXPECT_EQ(
       test::errorsOf(text, limits),
-      "flow.rules.yaml:14:19: error: the templates that objects use have more than 69 YAML nodes, counted once for "
+      "flow.rules.yaml:14:21: error: the templates that objects use have more than 69 YAML nodes, counted once for "
       "each use\n"
       "   14 |   /Plant/P9: {Use: [t]}\n"
       "      |                     ^\n");

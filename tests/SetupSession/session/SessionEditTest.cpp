@@ -30,23 +30,23 @@ std::vector<std::string> verdictOf(Edit const& edit) {
 TEST(SessionEdit, AnEditReturnsItsNetEffectWithOldAndNew) {
   EXPECT_THAT(
       verdictOf(Edit::setParam("/Plant/Solver", "Mode", "Transient")),
-      ElementsAre("Done as step 1: 3 values changed, 2 parameters came, 2 parameters went, 1 list of choices changed, 1 "
-                  "default changed, 1 offer came, 2 requests wait.",
-                  "/Plant/Solver/Mode changed from \"Steady\" to \"Transient\".",
-                  "/Plant/Solver/Relaxation went; its value was \"0.6\".",
-                  "/Plant/Solver/Steps came with the value \"10\".",
-                  "/Plant/Solver/Time Step came with the value \"0.1\".",
-                  "/Plant/Tank:T1/Control changed from \"Fixed\" to \"Free\".",
-                  "/Plant/Tank:T1/Level changed from \"1 [m]\" to \"0.5 [m]\".",
-                  "/Plant/Tank:T1/Set Level went; its value was \"1.5 [m]\".",
-                  "The choices of /Plant/Pipe:P1/Friction Model changed from \"Laminar\", \"Turbulent\" to \"Laminar\", "
-                  "\"Turbulent\", \"Unsteady\".",
-                  "The default of /Plant/Tank:T1/Level changed from \"1 [m]\" to \"0.5 [m]\".",
-                  "/Plant/Ambient is on offer now.",
-                  "/Plant/Solver/Relaxation = \"0.6\" waits, because it is not available now: a transient run is not "
-                  "relaxed",
-                  "/Plant/Tank:T1/Set Level = \"1.5 [m]\" waits, because it is not available now: only a controlled tank "
-                  "has a set level"));
+      ElementsAre(
+          "Done as step 1: 3 values changed, 2 parameters came, 2 parameters went, 1 list of choices changed, 1 "
+          "default changed, 1 offer came, 2 requests wait.",
+          "/Plant/Solver/Mode changed from \"Steady\" to \"Transient\".",
+          "/Plant/Solver/Relaxation went; its value was \"0.6\".", "/Plant/Solver/Steps came with the value \"10\".",
+          "/Plant/Solver/Time Step came with the value \"0.1\".",
+          "/Plant/Tank:T1/Control changed from \"Fixed\" to \"Free\".",
+          "/Plant/Tank:T1/Level changed from \"1 [m]\" to \"0.5 [m]\".",
+          "/Plant/Tank:T1/Set Level went; its value was \"1.5 [m]\".",
+          "The choices of /Plant/Pipe:P1/Friction Model changed from \"Laminar\", \"Turbulent\" to \"Laminar\", "
+          "\"Turbulent\", \"Unsteady\".",
+          "The default of /Plant/Tank:T1/Level changed from \"1 [m]\" to \"0.5 [m]\".",
+          "/Plant/Ambient is on offer now.",
+          "/Plant/Solver/Relaxation = \"0.6\" waits, because it is not available now: a transient run is not "
+          "relaxed",
+          "/Plant/Tank:T1/Set Level = \"1.5 [m]\" waits, because it is not available now: only a controlled tank "
+          "has a set level"));
 }
 
 TEST(SessionEdit, ABoundThatFollowsAnotherParameterIsListed) {
@@ -81,7 +81,8 @@ TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
        "Refused: The parameter \"Mode\" in \"/Plant/Solver\" cannot have the value \"transient\": it is not an allowed "
        "value. Possible now: \"Steady\", \"Transient\". Nearest: set /Plant/Solver/Mode to \"Transient\"."},
       {Edit::setParam("/Plant/Solver", "Relaxation", "much"),
-       "Refused: The parameter \"Relaxation\" in \"/Plant/Solver\" cannot have the value \"much\": it is not a number."},
+       "Refused: The parameter \"Relaxation\" in \"/Plant/Solver\" cannot have the value \"much\": it is not a "
+       "number."},
       {Edit::setParam("/Plant/Solver", "Relaxation", "0,5"),
        "Refused: The parameter \"Relaxation\" in \"/Plant/Solver\" cannot have the value \"0,5\": it is not a number. "
        "Nearest: set /Plant/Solver/Relaxation to \"0.5\"."},
@@ -95,13 +96,15 @@ TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
        "Refused: The parameter \"Relaxation\" in \"/Plant/Solver\" cannot have the value \"0.5 [m]\": no units are "
        "expected. Nearest: set /Plant/Solver/Relaxation to \"0.5\"."},
       {Edit::setParam("/Plant/Tank:T1", "Height", "25 [bananas]"),
-       "Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"25 [bananas]\": the units cannot "
+       "Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"25 [bananas]\": the units "
+       "cannot "
        "be converted. Possible now: \"m\", \"in\"."},
       {Edit::setParam("/Plant/Tank:T1", "Height", "2 [kg]"),
        "Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"2 [kg]\": the units cannot be "
        "converted. Possible now: \"m\", \"in\"."},
       {Edit::setParam("/Plant/Pipe:P1", "Through", "T1,T7"),
-       "Refused: The parameter \"Through\" in \"/Plant/Pipe:P1\" cannot have the value \"T1,T7\": item 2 is wrong: it is "
+       "Refused: The parameter \"Through\" in \"/Plant/Pipe:P1\" cannot have the value \"T1,T7\": item 2 is wrong: it "
+       "is "
        "not an allowed value. Possible now: \"T1\", \"T2\". Nearest: set /Plant/Pipe:P1/Through to \"T1,T1\"."},
       {Edit::addObject("/Plant/Tnk:T3"),
        "Refused: The rules know no object \"Tnk\" in \"/Plant\". Nearest: add /Plant/Tank:T3."},
@@ -137,18 +140,20 @@ TEST(SessionEdit, AWishForAKnownParameterThatIsNotAvailableIsKept) {
   Tanks tanks;
   EditResult const result = tanks->edit(Edit::setParam("/Plant/Solver", "Time Step", "0.5"));
   EXPECT_TRUE(result.applied());
-  EXPECT_THAT(sentencesOf(result.effect),
-              ElementsAre("/Plant/Solver/Time Step = \"0.5\" waits, because it is not available now: a steady run has no "
-                          "time steps"));
+  EXPECT_THAT(
+      sentencesOf(result.effect),
+      ElementsAre("/Plant/Solver/Time Step = \"0.5\" waits, because it is not available now: a steady run has no "
+                  "time steps"));
   EditResult const later = tanks->edit(Edit::setParam("/Plant/Solver", "Mode", "Transient"));
   EXPECT_EQ(tanks->lookParam("/Plant/Solver", "Time Step")->value, "0.5");
   EXPECT_THAT(sentencesOf(later.effect), testing::Contains("/Plant/Solver/Time Step waits no longer."));
 }
 
 TEST(SessionEdit, ASlipInAParameterThatIsNotAvailableIsRefused) {
-  EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Solver", "Time Step", "soon")),
-              ElementsAre("Refused: The parameter \"Time Step\" in \"/Plant/Solver\" cannot have the value \"soon\": it "
-                          "is not a number."));
+  EXPECT_THAT(
+      verdictOf(Edit::setParam("/Plant/Solver", "Time Step", "soon")),
+      ElementsAre("Refused: The parameter \"Time Step\" in \"/Plant/Solver\" cannot have the value \"soon\": it "
+                  "is not a number."));
 }
 
 TEST(SessionEdit, ConvertsUnitsThatTheQuantityTypeDoesNotListAndSaysSo) {
@@ -179,14 +184,15 @@ TEST(SessionEdit, ItemsOfAListLoseTheBlanksAroundThem) {
 }
 
 TEST(SessionEdit, ObjectsCanBeAddedAndRefuseWrongNames) {
-  EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank:T3")),
-              ElementsAre("Done as step 1: 3 parameters came, 1 object came, 2 lists of choices changed.",
-                          "/Plant/Tank:T3/Control came with the value \"Free\".",
-                          "/Plant/Tank:T3/Height came with the value \"2 [m]\".",
-                          "/Plant/Tank:T3/Level came with the value \"0.5 [m]\".",
-                          "The choices of /Plant/Pipe:P1/From changed from \"T1\", \"T2\" to \"T1\", \"T2\", \"T3\".",
-                          "The choices of /Plant/Pipe:P1/Through changed from \"T1\", \"T2\" to \"T1\", \"T2\", \"T3\".",
-                          "The object /Plant/Tank:T3 came."));
+  EXPECT_THAT(
+      verdictOf(Edit::addObject("/Plant/Tank:T3")),
+      ElementsAre("Done as step 1: 3 parameters came, 1 object came, 2 lists of choices changed.",
+                  "/Plant/Tank:T3/Control came with the value \"Free\".",
+                  "/Plant/Tank:T3/Height came with the value \"2 [m]\".",
+                  "/Plant/Tank:T3/Level came with the value \"0.5 [m]\".",
+                  "The choices of /Plant/Pipe:P1/From changed from \"T1\", \"T2\" to \"T1\", \"T2\", \"T3\".",
+                  "The choices of /Plant/Pipe:P1/Through changed from \"T1\", \"T2\" to \"T1\", \"T2\", \"T3\".",
+                  "The object /Plant/Tank:T3 came."));
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank:T1")),
               ElementsAre("Refused: The name \"T1\" is taken. Nearest: add /Plant/Tank:T1 2."));
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank")),
@@ -203,9 +209,10 @@ TEST(SessionEdit, ObjectsThatStandByTheRulesStay) {
               ElementsAre("Refused: The object \"/Plant/Solver\" is required, so it cannot be switched off."));
   EXPECT_THAT(verdictOf(Edit::removeObject("/Plant/Solver")),
               ElementsAre("Refused: The object \"/Plant/Solver\" has no name, so it cannot be removed."));
-  EXPECT_THAT(verdictOf(Edit::deactivateParam("/Plant/Tank:T2", "Height")),
-              ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T2\" is required, so it cannot be switched "
-                          "off."));
+  EXPECT_THAT(
+      verdictOf(Edit::deactivateParam("/Plant/Tank:T2", "Height")),
+      ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T2\" is required, so it cannot be switched "
+                  "off."));
   EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Instrument:gauge", "Gain", "3")),
               ElementsAre("Refused: Objects \"Instrument\" in \"/Plant\" are taken from the model as they are."));
 }
