@@ -377,8 +377,10 @@ class Explainer {
   std::size_t addNamedCall(NamedCall const& call, Form form, Frame const& frame, Position at) {
     std::size_t const index = addPart(call, Operation::NamedRule, frame, at);
     NamedRule const& rule = call.rule();
-    auto const known =
-        std::find_if(sources_.begin(), sources_.end(), [&](auto const& source) { return source.name == rule.name(); });
+    // A check, a list and a value may have one name.
+    auto const known = std::find_if(sources_.begin(), sources_.end(), [&](auto const& source) {
+      return source.name == rule.name() && source.text == rule.source();
+    });
     auto const source = static_cast<std::size_t>(known - sources_.begin());
     if (known == sources_.end()) sources_.push_back({rule.source(), {}, rule.name()});
     std::size_t const called = add(*rule.expression(), form, frame, Position{source, at.depth + 1});

@@ -63,13 +63,14 @@ struct Frame {
 /// The objects in whose contexts a part of an expression is evaluated, seen from the owner of the rule. Every path of
 /// the part is seen from there. A `PathPattern` alone is a base without names; the default is the owner itself.
 struct Base {
-  /// The objects that a name stands for.
+  /// The objects that a name can mean.
   struct Name {
     PathPattern objects;
     std::shared_ptr<Name const> outer;
   };
 
   Base() = default;
+  // NOLINTNEXTLINE(google-explicit-constructor): a pattern is a base without names
   Base(PathPattern objects) : context(std::move(objects)) {}
 
   PathPattern context;

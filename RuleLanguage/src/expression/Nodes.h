@@ -172,7 +172,7 @@ class ParameterReference final : public Expression {
   [[nodiscard]] PathPattern const& objectPattern() const noexcept { return objects_; }
   /// All objects whose parameter may be read, seen from the owner of the rule.
   [[nodiscard]] PathPattern objectsFrom(Base const& base) const { return objects_.seenFrom(origin_.in(base)); }
-  /// Equal for two references in one context exactly when they are written alike, but for blanks and escapes.
+  /// Equal for two references in one context exactly when they are written alike. Blanks and escapes do not count.
   [[nodiscard]] std::string spelling() const {
     return std::to_string(origin_.depth()) + "\n" + objects_.text() + "\n" + name_;
   }

@@ -46,8 +46,8 @@ class LintContext {
   [[nodiscard]] TypeTree const& types() const noexcept { return types_; }
   [[nodiscard]] HintBudget& hints() noexcept { return hints_; }
 
-  /// What follows is about an entry that its object takes by this `Use`; about an entry of its own when it is empty.
-  /// Warnings about a taken entry get a note with the place of the `Use`.
+  /// From now on warnings are about an entry that its object takes by this `Use`, and get a note with its place. Empty:
+  /// about an entry of the object itself.
   void setTaken(Item const& taken) { taken_ = taken; }
   /// Adds a warning about a whole scalar or list. The reference is valid until the next warning.
   Diagnostic& warn(Code code, Item const& item, std::string message);

@@ -170,7 +170,7 @@ void RuleBuilder::readAccepted(Item const& name, Item const& scope, Item const& 
       error(Code::MissingReason, code,
             "write after " + inQuotes(code.node->value.substr(0, 60)) + " why it is accepted here");
     }
-    // What a template accepts is read once for each object that uses the template.
+    // The entries of a template are read once for each object that uses it.
     if (keepPlaces_ && acceptedCodes_.insert(code.node).second) index_.acceptances_.push_back({code, name, scope});
   });
 }

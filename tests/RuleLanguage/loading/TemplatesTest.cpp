@@ -36,7 +36,7 @@ std::vector<std::string> checks(PhysicsData const& data, std::string const& type
 std::string const templates = R"(Rule Database: 1
 Templates:
   nameplate:
-    Description: What the plate says.
+    Description: The text on the plate.
     Parameters:
       Maker: {Parameter Type: String}
       Serial Number: {Parameter Type: String}
