@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <tarn/Export.h>
+#include <tarn/ObjectReader.h>
 
 namespace tarn {
 
@@ -31,6 +32,8 @@ class TARN_EXPORT ChildAvailInfo {
   [[nodiscard]] virtual std::string const& getType() const = 0;
   /// The parent.
   [[nodiscard]] virtual std::string const& getObjPath() const = 0;
+  /// The parent in the model of the walk, for reads without a look-up. Empty, the default, when it was not found.
+  [[nodiscard]] virtual ObjectHandle getObject() const { return {}; }
 
   /// The entry is live under the context rule value that the parent's parameters left, its condition holds, and if it
   /// has allowed names, there is at least one. This holds for singletons too.

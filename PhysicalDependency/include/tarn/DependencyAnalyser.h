@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -102,9 +101,9 @@ class PhysicsData;
 /// The analyser keeps nothing of such a walk, also not when memory runs out, and is ready for the next one.
 ///
 /// Depth is limited by memory alone: the walk keeps its open objects on the heap and does not recurse. Each takes about
-/// 500 bytes and three copies of its path, and also the names of the siblings that are still to be walked. So a model
-/// of 1,000 levels takes some megabytes of heap, mostly for paths, and no more stack than a model of one level. The
-/// time grows with the square of the depth, because each path is as long as it is deep.
+/// 700 bytes, its path, and the names of its children of one type. This memory serves the next object of the same depth
+/// until the walk ends. A model of 1,000 levels takes some megabytes of heap, mostly for paths, and no more stack than
+/// a model of one level. The time grows with the square of the depth, because each path is as long as it is deep.
 ///
 /// Use an analyser from one thread at a time. Destroy a derived object through its own type: the destructor here is not
 /// virtual.
@@ -170,13 +169,15 @@ class TARN_EXPORT DependencyAnalyser {
 
  private:
   struct OpenObject;
+  class OpenObjects;
 
-  void checkTree(std::string const& root);
-  void enterChild(std::deque<OpenObject>& open);
+  void checkTree(std::string root);
+  void enterChild(OpenObjects& open);
   void beginObject(OpenObject& object, bool coupled);
   void checkParams(std::string const& path, ObjDependency& dep);
   void checkChild(OpenObject& object);
-  bool isParamAvailable(std::string const& path, ObjDependency const& dep);
+  void findChildren(OpenObject& object);
+  bool isParamAvailable(std::string const& path, ObjDependency const& dep, ParamAllowedValues& allowed);
   bool isChildAvailable(std::string const& path, ObjDependency const& dep);
 
   PhysicsData const* physicsData_;
@@ -187,6 +188,8 @@ class TARN_EXPORT DependencyAnalyser {
   // For the object that begins.
   ParamScope paramScope_ = ParamScope::All;
   std::vector<std::string> presentParams_;
+  // The path that is made next.
+  std::string path_;
 };
 
 }  // namespace tarn

@@ -114,6 +114,10 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   /// @}
 
+  /// Offered by this class itself. A derived class may answer otherwise than the tree, so it offers none unless it
+  /// overrides this.
+  [[nodiscard]] ObjectReader const* objectReader() const noexcept override;
+
   /// Returns the value, or null when there is no such parameter: `hasParameter` and `getParameterValue` in one look-up.
   [[nodiscard]] std::string const* findParameterValue(std::string const& objPath, std::string const& name) const;
 

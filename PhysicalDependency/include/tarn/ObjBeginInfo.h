@@ -3,6 +3,7 @@
 #include <string>
 
 #include <tarn/Export.h>
+#include <tarn/ObjectReader.h>
 
 namespace tarn {
 
@@ -17,6 +18,8 @@ class TARN_EXPORT ObjBeginInfo {
   ObjBeginInfo& operator=(ObjBeginInfo const&) = default;
 
   [[nodiscard]] virtual std::string const& getObjPath() const = 0;
+  /// The object in the model of the walk, for reads without a look-up. Empty, the default, when it was not found.
+  [[nodiscard]] virtual ObjectHandle getObject() const { return {}; }
 
   /// Whether there are rules for objects of this type. Without rules the walk goes directly to `onEndObject`.
   [[nodiscard]] virtual bool isValid() const = 0;

@@ -7,6 +7,7 @@
 
 #include <tarn/Export.h>
 #include <tarn/ObjDependDef.h>
+#include <tarn/ObjectReader.h>
 #include <tarn/ParamAllowedValues.h>
 #include <tarn/TDFContext.h>
 #include <tarn/TDFParam.h>
@@ -67,12 +68,19 @@ class TARN_EXPORT ObjDependency {
   ObjDependency(std::string const& objPath, EvalContext* evalContext, PhysicsData const* physicsData);
 
   /// The same for a caller who has the rules for the type path of `objPath`, or null when there are none. Neither is
-  /// checked. This saves most of the time of the other constructor.
+  /// checked. This saves most of the time of the other constructor. `object` is the object at `objPath`, if the caller
+  /// has found it in the model. Conditions then read its parameters without a look-up.
   ObjDependency(std::string objPath, ObjDependDef const* rules, EvalContext* evalContext,
-                PhysicsData const* physicsData)
-      : context_(std::move(objPath)), evalContext_(evalContext), physicsData_(physicsData), objDef_(rules) {}
+                PhysicsData const* physicsData, ObjectHandle object = {})
+      : evalContext_(evalContext), physicsData_(physicsData), context_(std::move(objPath), object), objDef_(rules) {}
+
+  /// Makes this the cursor that the constructor would make of the same arguments, but exchanges the path with
+  /// `objPath`. A walk through many objects needs no memory for each of them then.
+  void moveTo(std::string& objPath, ObjDependDef const* rules, ObjectHandle const& object) noexcept;
 
   [[nodiscard]] std::string const& getObjPath() const noexcept { return context_.objPath(); }
+  /// The handle that the constructor got, or an empty one.
+  [[nodiscard]] ObjectHandle const& getObject() const noexcept { return context_.object(); }
   /// The rules for the object's type path, or null.
   [[nodiscard]] ObjDependDef const* getRules() const noexcept { return objDef_; }
 
@@ -162,10 +170,11 @@ class TARN_EXPORT ObjDependency {
   [[nodiscard]] std::pair<ParamAvail const*, bool> nextOfLimited();
   void initCurrParam(std::pair<ParamAvail const*, bool> entry);
 
-  // Constant after construction.
-  TDFContext context_;
   EvalContext* evalContext_;
   PhysicsData const* physicsData_;
+
+  // The object.
+  TDFContext context_;
   ObjDependDef const* objDef_;  // null when the rules do not know the object's type path
 
   // The entries at which the parameter walk stops, as indexes. It stops at every entry unless limited_.
@@ -179,7 +188,7 @@ class TARN_EXPORT ObjDependency {
   bool currParamLive_ = false;
   ChildAvail const* currChild_ = nullptr;
   bool currChildLive_ = false;
-  PACursor paramCursor_;
+  std::size_t nextPlace_ = 0;  // in the list of parameter entries, unless limited_
   CACursor childCursor_;
   std::string contextRuleValue_;  // cleared by firstParam only
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <tarn/Export.h>
+#include <tarn/ObjectReader.h>
 #include <tarn/ParamAllowedValues.h>
 #include <tarn/TDFParam.h>
 
@@ -39,6 +40,8 @@ class TARN_EXPORT ParamAvailInfo {
   [[nodiscard]] virtual std::string const& getName() const = 0;
   /// The object to which the parameter belongs.
   [[nodiscard]] virtual std::string const& getObjPath() const = 0;
+  /// The object in the model of the walk, for reads without a look-up. Empty, the default, when it was not found.
+  [[nodiscard]] virtual ObjectHandle getObject() const { return {}; }
   [[nodiscard]] virtual TDFParam::Type getType() const = 0;
   [[nodiscard]] virtual bool isListType() const = 0;
   /// A list value must name all allowed values.

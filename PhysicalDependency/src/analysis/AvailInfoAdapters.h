@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,7 +16,7 @@ namespace tarn {
 
 /// Returns whether the text can be a type or a name in a path.
 inline bool isPlainWord(std::string_view text) noexcept {
-  return !text.empty() && text.find_first_of("/:") == std::string_view::npos;
+  return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) { return c == '/' || c == ':'; });
 }
 
 // The records that hooks get. They are thin adapters of the cursor: a question goes to the rules when it is asked. So a
@@ -27,6 +28,7 @@ class ObjBeginInfoAdapter final : public ObjBeginInfo {
       : path_(path), dep_(dep), required_(required), coupled_(coupled) {}
 
   std::string const& getObjPath() const override { return path_; }
+  ObjectHandle getObject() const override { return dep_.getObject(); }
   bool isValid() const override { return dep_.isValid(); }
   bool isRequired() const override { return required_; }
   bool isCoupled() const override { return coupled_; }
@@ -50,6 +52,7 @@ class ParamAvailInfoAdapter final : public ParamAvailInfo {
 
   std::string const& getName() const override { return dep_.getParamName(); }
   std::string const& getObjPath() const override { return path_; }
+  ObjectHandle getObject() const override { return dep_.getObject(); }
   TDFParam::Type getType() const override { return dep_.getParamType(); }
   bool isListType() const override { return TDFParam::isListType(getType()); }
   bool isCompleteListRequired() const override { return completeListRequired_; }
@@ -86,6 +89,7 @@ class ChildAvailInfoAdapter final : public ChildAvailInfo {
 
   std::string const& getType() const override { return dep_.getChildType(); }
   std::string const& getObjPath() const override { return path_; }
+  ObjectHandle getObject() const override { return dep_.getObject(); }
   bool isAvailable() const override { return available_; }
   bool isRequired() const override { return dep_.isChildRequired(); }
   bool isSingleton() const override { return dep_.isChildSingleton(); }

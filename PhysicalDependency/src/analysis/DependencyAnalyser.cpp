@@ -5,7 +5,7 @@
 // hooks create and delete the items of the entry. Do not move a read before its hook.
 #include <tarn/DependencyAnalyser.h>
 
-#include <deque>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,6 +13,8 @@
 #include <tarn/EvalContext.h>
 #include <tarn/ModelTDF.h>
 #include <tarn/ObjDependency.h>
+#include <tarn/ObjectReader.h>
+#include <tarn/PathUtils.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/TDFPath.h>
 
@@ -27,33 +29,30 @@ struct AbortException {
   std::string message;
 };
 
+[[noreturn]] void abortAt(std::string const& where, std::string const& path, std::string const& kind,
+                          std::string const& item) {
+  throw AbortException{where + " - aborting on path" + path + " on availability analysis of " + kind + " " + item};
+}
+
 }  // namespace
 
 /// An object whose `onEndObject` has not been called yet.
 struct DependencyAnalyser::OpenObject {
-  /// The arguments after `isRequired` construct the cursor.
-  template <class... CursorParts>
-  explicit OpenObject(bool isRequired, CursorParts&&... parts)
-      : required(isRequired), dep(std::forward<CursorParts>(parts)...) {}
+  OpenObject(EvalContext* context, PhysicsData const* rules) : dep(std::string(), nullptr, context, rules) {}
 
   [[nodiscard]] std::string const& path() const noexcept { return dep.getObjPath(); }
 
-  /// The path of the child that is entered next.
-  [[nodiscard]] std::string nextChildPath() const {
-    std::string const& name = childNames[entered];
-    std::string const& type = dep.getChildType();
-    std::string childPath;
-    childPath.reserve(path().size() + type.size() + name.size() + 2);
-    childPath.append(path()).append(1, '/').append(type);
-    if (!dep.isChildSingleton()) childPath.append(1, ':').append(name);
-    return childPath;
+  /// Makes `childPath` the path of the child that is entered next.
+  void getNextChildPath(std::string& childPath) const {
+    childPath.assign(path()).append(1, '/').append(dep.getChildType());
+    if (!dep.isChildSingleton()) childPath.append(1, ':').append(children[entered].name);
   }
 
-  bool required;
+  bool required = false;
   ObjDependency dep;
   // The children found for the current child entry of `dep`. The first `entered` of them have been entered. The name of
-  // a singleton is not used.
-  std::vector<std::string> childNames;
+  // a singleton is not used. The handle of a child saves its look-up, and is empty when the model has no reader.
+  std::vector<ObjectReader::Child> children;
   std::size_t entered = 0;
   // Their rules, if the type can be in a path. Then the path of a child can be read if its name can be in a path.
   bool hasPlainChildType = false;
@@ -72,37 +71,65 @@ void DependencyAnalyser::analyse(std::string const& path, EvalContext* evalConte
   }
 }
 
-void DependencyAnalyser::checkTree(std::string const& root) {
-  std::deque<OpenObject> open;  // the innermost last; a deque, because it does not move the others when it grows
-  open.emplace_back(true, root, evalContext_, physicsData_);
-  beginObject(open.back(), false);
+/// The open objects, the innermost last. An object that was left stays for the next one of its depth, which uses its
+/// memory.
+class DependencyAnalyser::OpenObjects {
+ public:
+  OpenObjects(EvalContext* context, PhysicsData const* rules) noexcept : context_(context), rules_(rules) {}
+
+  [[nodiscard]] bool empty() const noexcept { return count_ == 0; }
+  [[nodiscard]] OpenObject& innermost() noexcept { return *objects_[count_ - 1]; }
+  /// Exchanges the path of the object with `path`.
+  OpenObject& enter(std::string& path, ObjDependDef const* rules, ObjectHandle const& found, bool isRequired) {
+    if (count_ == objects_.size()) objects_.push_back(std::make_unique<OpenObject>(context_, rules_));
+    OpenObject& object = *objects_[count_++];
+    object.dep.moveTo(path, rules, found);
+    object.required = isRequired;
+    object.children.clear();
+    object.entered = 0;
+    return object;
+  }
+  void leave() noexcept { --count_; }
+
+ private:
+  EvalContext* context_;
+  PhysicsData const* rules_;
+  std::vector<std::unique_ptr<OpenObject>> objects_;
+  std::size_t count_ = 0;
+};
+
+void DependencyAnalyser::checkTree(std::string root) {
+  OpenObjects open(evalContext_, physicsData_);
+  ObjectReader const* const reader = model_->objectReader();
+  ObjectHandle const found = reader == nullptr ? ObjectHandle() : reader->findObject(root);
+  ObjDependDef const* const rules = physicsData_->getObjDependDef(PathUtils::typePathOf(root), true);
+  beginObject(open.enter(root, rules, found, true), false);
   while (!open.empty()) {
-    OpenObject& object = open.back();
-    if (object.entered < object.childNames.size()) {
+    OpenObject& object = open.innermost();
+    if (object.entered < object.children.size()) {
       enterChild(open);
     } else if (!object.dep.isDoneChild()) {
       object.dep.nextChild();
       checkChild(object);
     } else {
       onEndObject(object.path(), object.required);
-      open.pop_back();
+      open.leave();
     }
   }
 }
 
-void DependencyAnalyser::enterChild(std::deque<OpenObject>& open) {
-  OpenObject& parent = open.back();
+void DependencyAnalyser::enterChild(OpenObjects& open) {
+  OpenObject& parent = open.innermost();
   bool const required = parent.dep.isChildRequired();
   bool const coupled = parent.dep.isChildCoupled();
-  bool const isPath =
-      parent.hasPlainChildType && (parent.dep.isChildSingleton() || isPlainWord(parent.childNames[parent.entered]));
-  if (isPath) {
-    open.emplace_back(required, parent.nextChildPath(), parent.childRules, evalContext_, physicsData_);
-  } else {
-    open.emplace_back(required, parent.nextChildPath(), evalContext_, physicsData_);
+  ObjectReader::Child const& child = parent.children[parent.entered];
+  parent.getNextChildPath(path_);
+  ObjDependDef const* rules = parent.childRules;
+  if (!parent.hasPlainChildType || !(parent.dep.isChildSingleton() || isPlainWord(child.name))) {
+    rules = physicsData_->getObjDependDef(PathUtils::typePathOf(TDFPath(path_).getFullPath()), true);
   }
   ++parent.entered;
-  beginObject(open.back(), coupled);
+  beginObject(open.enter(path_, rules, child.object, required), coupled);
 }
 
 // Walks the parameters and starts the first child entry. `checkTree` continues with the others. When an object is not
@@ -125,43 +152,67 @@ void DependencyAnalyser::beginObject(OpenObject& object, bool coupled) {
 }
 
 void DependencyAnalyser::checkParams(std::string const& path, ObjDependency& dep) {
+  ParamAllowedValues allowed;
   for (dep.firstParam(); !dep.isDoneParam(); dep.nextParam()) {
-    bool const available = isParamAvailable(path, dep);
+    if (allowed.hasAllowedValues) allowed = ParamAllowedValues();
+    bool const available = isParamAvailable(path, dep, allowed);
     // Only for a context rule it matters whether the model has the parameter.
     if (!available || !dep.isParamContextRule() || !model_->hasParameter(path, dep.getParamName())) continue;
     dep.setContextRuleValue(model_->getParameterValue(path, dep.getParamName()));
   }
 }
 
-bool DependencyAnalyser::isParamAvailable(std::string const& path, ObjDependency const& dep) {
+/// `allowed` must be a fresh record.
+bool DependencyAnalyser::isParamAvailable(std::string const& path, ObjDependency const& dep,
+                                          ParamAllowedValues& allowed) {
   if (onBeginParam(path, dep.getParamName()) != Abort) {
-    ParamAllowedValues allowed;
     bool const available = dep.isParamAvailable(allowed);
     ParamAvailInfoAdapter const info(path, available, dep, allowed);
     if (onParamCheck(&info) != Abort) return available;
   }
-  throw AbortException{"DependencyAnalyser::isParamAvailable - aborting on path" + path +
-                       " on availability analysis of parameter " + dep.getParamName()};
+  abortAt("DependencyAnalyser::isParamAvailable", path, "parameter", dep.getParamName());
 }
 
 void DependencyAnalyser::checkChild(OpenObject& object) {
-  object.childNames.clear();
+  object.children.clear();
   object.entered = 0;
   ObjDependency const& dep = object.dep;
   if (dep.isDoneChild() || !isChildAvailable(object.path(), dep)) return;
 
+  findChildren(object);
+  if (object.children.empty()) return;
   std::string const& type = dep.getChildType();
-  if (dep.isChildSingleton()) {
-    object.childNames.emplace_back();
-    if (!model_->hasObject(object.nextChildPath())) object.childNames.clear();
-  } else if (!model_->getChildObjectNamesByType(object.path(), type, object.childNames)) {
-    object.childNames.clear();
-  }
-  if (object.childNames.empty()) return;
   object.hasPlainChildType = isPlainWord(type);
   if (object.hasPlainChildType) {
-    object.childRules = physicsData_->getObjDependDef(dep.getRules()->typePath() + '/' + type, true);
+    path_.assign(dep.getRules()->typePath()).append(1, '/').append(type);
+    object.childRules = physicsData_->getObjDependDef(path_, true);
   }
+}
+
+void DependencyAnalyser::findChildren(OpenObject& object) {
+  ObjDependency const& dep = object.dep;
+  std::string const& type = dep.getChildType();
+  if (ObjectReader const* const reader = dep.getObject().readerIn(*model_)) {
+    if (!dep.isChildSingleton()) {
+      reader->getChildren(dep.getObject(), type, object.children);
+      return;
+    }
+    if (isPlainWord(type)) {
+      ObjectHandle const child = reader->findSingleton(dep.getObject(), type);
+      if (!child.isEmpty()) object.children.push_back({std::string(), child});
+      return;
+    }
+  }
+  if (dep.isChildSingleton()) {
+    object.children.emplace_back();
+    object.getNextChildPath(path_);
+    if (!model_->hasObject(path_)) object.children.clear();
+    return;
+  }
+  std::vector<std::string> names;
+  model_->getChildObjectNamesByType(object.path(), type, names);
+  object.children.reserve(names.size());
+  for (std::string& name : names) object.children.push_back({std::move(name), {}});
 }
 
 bool DependencyAnalyser::isChildAvailable(std::string const& path, ObjDependency const& dep) {
@@ -169,8 +220,7 @@ bool DependencyAnalyser::isChildAvailable(std::string const& path, ObjDependency
   bool const available = dep.isChildAvailable(names);
   ChildAvailInfoAdapter const info(path, available, dep, names);
   if (onChildCheck(&info) != Abort) return available;
-  throw AbortException{"DependencyAnalyser::isChildAvailable - aborting on path" + path +
-                       " on availability analysis of child object " + dep.getChildType()};
+  abortAt("DependencyAnalyser::isChildAvailable", path, "child object", dep.getChildType());
 }
 
 bool DependencyAnalyser::isParamValueEqual(std::string const& objPath, std::string const& name,

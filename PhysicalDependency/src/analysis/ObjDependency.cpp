@@ -4,6 +4,8 @@
 #include <tarn/ObjDependency.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <stdexcept>
 #include <tuple>
 
@@ -35,20 +37,37 @@ T const& known(T const* current, char const* question) {
 }  // namespace
 
 ObjDependency::ObjDependency(std::string const& objPath, EvalContext* evalContext, PhysicsData const* physicsData)
-    : context_(objPath),
-      evalContext_(evalContext),
+    : evalContext_(evalContext),
       physicsData_(physicsData),
+      context_(objPath),
       objDef_(rulesFor(objPath, *physicsData)) {}
+
+void ObjDependency::moveTo(std::string& objPath, ObjDependDef const* rules, ObjectHandle const& object) noexcept {
+  context_.moveTo(objPath, object);
+  objDef_ = rules;
+  limited_ = false;
+  initCurrParam({nullptr, false});
+  currChild_ = nullptr;
+  currChildLive_ = false;
+  contextRuleValue_.clear();
+}
 
 void ObjDependency::firstParam() {
   contextRuleValue_.clear();
   stopsPassed_ = 0;
-  if (objDef_ != nullptr) initCurrParam(limited_ ? nextOfLimited() : objDef_->firstParamAvail(paramCursor_));
+  nextPlace_ = 0;
+  nextParam();
 }
 
 void ObjDependency::nextParam() {
   if (objDef_ == nullptr) return;
-  initCurrParam(limited_ ? nextOfLimited() : objDef_->nextParamAvail(paramCursor_, contextRuleValue_));
+  if (limited_) {
+    initCurrParam(nextOfLimited());
+  } else if (nextPlace_ < objDef_->params().size()) {
+    initCurrParam(objDef_->paramAvailAt(nextPlace_++, contextRuleValue_));
+  } else {
+    initCurrParam({nullptr, false});
+  }
 }
 
 void ObjDependency::goToParam(std::size_t place, std::string const& contextRuleValue) {
@@ -59,15 +78,21 @@ void ObjDependency::goToParam(std::size_t place, std::string const& contextRuleV
 void ObjDependency::limitParams(std::vector<std::string> const& names, bool andRequired) {
   if (objDef_ == nullptr) return;
   limited_ = true;
-  stops_.clear();
-  stops_.reserve(names.size() + (andRequired ? objDef_->requiredParams().size() : 0));
+  // One bit for each entry, which gives the stops in order and each once. Sorting thousands of them takes longer.
+  constexpr std::size_t bits = 64;
+  std::vector<std::uint64_t> marks(numParams() / bits + 1);
+  auto const mark = [&marks](std::size_t place) { marks[place / bits] |= std::uint64_t{1} << place % bits; };
   for (std::string const& name : names) {
     std::size_t const place = objDef_->placeOfParam(name);
-    if (place != ObjDependDef::noPlace) stops_.push_back(place);
+    if (place != ObjDependDef::noPlace) mark(place);
   }
-  if (andRequired) stops_.insert(stops_.end(), objDef_->requiredParams().begin(), objDef_->requiredParams().end());
-  std::sort(stops_.begin(), stops_.end());
-  stops_.erase(std::unique(stops_.begin(), stops_.end()), stops_.end());
+  if (andRequired) std::for_each(objDef_->requiredParams().begin(), objDef_->requiredParams().end(), mark);
+  stops_.clear();
+  for (std::size_t word = 0; word < marks.size(); ++word) {
+    for (std::uint64_t left = marks[word]; left != 0; left &= left - 1) {
+      stops_.push_back(word * bits + static_cast<std::size_t>(std::countr_zero(left)));
+    }
+  }
 }
 
 std::pair<ParamAvail const*, bool> ObjDependency::nextOfLimited() {

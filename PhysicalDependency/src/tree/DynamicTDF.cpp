@@ -7,6 +7,7 @@
 #include <tarn/StringUtilities.h>
 
 #include <optional>
+#include <typeinfo>
 #include <utility>
 
 #include "tree/SharedEmpty.h"
@@ -56,6 +57,10 @@ struct DynamicTDF::Impl::ErasedParam {
 DynamicTDF::DynamicTDF(bool recordUpdates) : impl_(std::make_unique<Impl>(recordUpdates)) {}
 
 DynamicTDF::~DynamicTDF() = default;
+
+ObjectReader const* DynamicTDF::objectReader() const noexcept {
+  return typeid(*this) == typeid(DynamicTDF) ? &impl_->nodes_ : nullptr;
+}
 
 void DynamicTDF::swap(DynamicTDF& other) noexcept {
   impl_.swap(other.impl_);

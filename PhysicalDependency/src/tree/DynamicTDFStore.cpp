@@ -78,6 +78,33 @@ DynamicTDF::Node::ParamVal const* DynamicTDF::NodeStore::findParam(std::string_v
   return node == nullptr ? nullptr : node->params.find(name);
 }
 
+ObjectHandle DynamicTDF::NodeStore::findObject(std::string_view path) const {
+  Node const* const node = find(path);
+  return node == nullptr ? ObjectHandle() : makeHandle(node);
+}
+
+ObjectHandle DynamicTDF::NodeStore::findSingleton(ObjectHandle const& parent, std::string_view type) const {
+  ObjectHandle found;
+  nodeOf(parent).children.visitOfType(type, [&](Node const& child) {
+    if (child.writtenName.empty()) found = makeHandle(&child);
+  });
+  return found;
+}
+
+void DynamicTDF::NodeStore::getChildren(ObjectHandle const& parent, std::string_view type,
+                                        std::vector<Child>& out) const {
+  out.clear();
+  nodeOf(parent).children.visitOfType(type, [&](Node const& child) {
+    // A child that was written without a name is listed with one, but not found under it.
+    out.push_back({child.name(), child.writtenName.empty() ? ObjectHandle() : makeHandle(&child)});
+  });
+}
+
+std::string const* DynamicTDF::NodeStore::findParameterValue(ObjectHandle const& object, std::string_view name) const {
+  Node::ParamVal const* const param = nodeOf(object).params.find(name);
+  return param == nullptr ? nullptr : &param->value();
+}
+
 DynamicTDF::Node& DynamicTDF::NodeStore::create(std::string const& path, Node** present) {
   // Creation starts below the nearest existing ancestor. Mostly only the last component is missing.
   std::string_view known = path;
@@ -142,6 +169,7 @@ void DynamicTDF::NodeStore::removeLeaf(Node& node, Removed* removed) noexcept {
 std::unique_ptr<DynamicTDF::Node> DynamicTDF::NodeStore::unlink(Node& node) noexcept {
   if (listener_ != nullptr) listener_->onObjectSetChange(node.parent->hash, node.type, node.hash);
   noteChange();
+  withdrawHandles();
   forget(node);
   forgetLoad();
   node.parent->children.remove(node);
@@ -262,6 +290,8 @@ void DynamicTDF::NodeStore::swapContent(NodeStore& other) noexcept {
   std::swap(size_, other.size_);
   std::swap(hasOtherwiseListed_, other.hasOtherwiseListed_);
   std::swap(root_, other.root_);
+  withdrawHandles();
+  other.withdrawHandles();
   forgetLookUps();
   other.forgetLookUps();
 }
@@ -273,6 +303,7 @@ void DynamicTDF::NodeStore::forgetLookUps() noexcept {
 
 /// Removes the objects of each chain one by one. Destroying a chain as a whole would recurse for every object in it.
 void DynamicTDF::NodeStore::clear() noexcept {
+  withdrawHandles();
   for (std::unique_ptr<Node>& chain : buckets_) {
     while (chain != nullptr) chain = std::move(chain->nextInBucket);
   }

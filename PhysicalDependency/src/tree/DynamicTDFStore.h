@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include <tarn/ObjectReader.h>
+
 #include "journal/Journal.h"
 #include "tree/DynamicTDFNode.h"
 #include "tree/TreeListener.h"
@@ -21,7 +23,7 @@ namespace tarn {
 /// is made from that of its parent, and a path is compared with an object component by component, from the end upwards.
 /// Objects are added and removed only by this class, which updates the index and the children of the parent together.
 /// So both hold the same objects, and with an object all objects above it exist.
-class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
+class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore final : public ObjectReader {
  public:
   /// The root alone.
   NodeStore();
@@ -35,6 +37,11 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   /// Return null when there is no such object or parameter. They do not throw.
   [[nodiscard]] Node* find(std::string_view path) const;
   [[nodiscard]] Node::ParamVal const* findParam(std::string_view objPath, std::string_view name) const;
+
+  [[nodiscard]] ObjectHandle findObject(std::string_view path) const override;
+  [[nodiscard]] ObjectHandle findSingleton(ObjectHandle const& parent, std::string_view type) const override;
+  void getChildren(ObjectHandle const& parent, std::string_view type, std::vector<Child>& out) const override;
+  [[nodiscard]] std::string const* findParameterValue(ObjectHandle const& object, std::string_view name) const override;
 
   /// The number of objects, including the root.
   [[nodiscard]] std::size_t size() const noexcept {
@@ -141,6 +148,9 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore {
   void reset();
 
  private:
+  [[nodiscard]] static Node const& nodeOf(ObjectHandle const& object) noexcept {
+    return *static_cast<Node const*>(objectOf(object));
+  }
   [[nodiscard]] static std::size_t foundPlace(std::string_view path) noexcept;
   [[nodiscard]] Node* search(std::string_view path) const;
   void forget(Node const& node) noexcept;

@@ -59,6 +59,10 @@ ModelTDF const& PVModelTDF::sourceOf(std::string_view path) const {
   return missingModel_ != nullptr && isInMissingSubtree(path) ? *missingModel_ : *baseModel_;
 }
 
+ObjectReader const* PVModelTDF::objectReader() const noexcept {
+  return missingModel_ == nullptr ? baseModel_->objectReader() : nullptr;
+}
+
 bool PVModelTDF::hasObject(std::string const& path) const {
   return baseModel_->hasObject(path) || (missingModel_ != nullptr && missingModel_->hasObject(path));
 }

@@ -13,21 +13,36 @@
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/StringUtilities.h>
 
-#include "tree/DynamicTDFObjectAt.h"
+#include "analysis/AvailInfoAdapters.h"
 #include "validation/ValidationMessages.h"
 
 namespace tarn {
 
 using namespace ValidationMessages;
 
+std::string const* PhysicsValidator2::Impl::findValue(ParamAvailInfo const* info) const {
+  if (currentReader_ != nullptr) return currentReader_->findParameterValue(currentObject_, info->getName());
+  return filteredTree_.findParameterValue(info->getObjPath(), info->getName());
+}
+
+bool PhysicsValidator2::Impl::hasSingleton(ChildAvailInfo const* info) const {
+  ObjectHandle const parent = info->getObject();
+  ObjectReader const* const reader = parent.readerIn(filteredTree_);
+  // The type of an entry may be a path of several components.
+  if (reader != nullptr && isPlainWord(info->getType()))
+    return !reader->findSingleton(parent, info->getType()).isEmpty();
+  return filteredTree_.hasObject(info->getObjPath() + "/" + info->getType());
+}
+
 PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableParam(ParamAvailInfo const* info) {
-  std::string const& objPath = info->getObjPath();
-  std::string const& name = info->getName();
-  if (std::string const* const value = currentObject_->findValue(name)) {
-    logIfParamBetaMessage(objPath, name);
+  if (std::string const* const value = findValue(info)) {
+    logIfParamBetaMessage(info);
     ParamAllowedValues const& allowed = info->getAllowedValues();
-    if (allowed.hasAllowedValues && !allowed.allowsAnyValue) checkAllowedValues(objPath, name, *value, info);
+    if (allowed.hasAllowedValues && !allowed.allowsAnyValue)
+      checkAllowedValues(info->getObjPath(), info->getName(), *value, info);
   } else if (info->isRequired()) {
+    std::string const& objPath = info->getObjPath();
+    std::string const& name = info->getName();
     logError({.kind = PhysicsFault::MissingParameter, .path = objPath, .item = name},
              formatMissingParam(objPath, name));
   }
@@ -35,9 +50,9 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableParam(Pa
 }
 
 PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableParam(ParamAvailInfo const* info) {
-  std::string const& objPath = info->getObjPath();
-  std::string const& name = info->getName();
-  if (std::string const* const value = currentObject_->findValue(name)) {
+  if (std::string const* const value = findValue(info)) {
+    std::string const& objPath = info->getObjPath();
+    std::string const& name = info->getName();
     logError({.kind = PhysicsFault::ParameterNotAvailable, .path = objPath, .item = name, .value = *value},
              formatInvalidParam(objPath, name));
   }
@@ -83,7 +98,7 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkAvailableChild(Ch
   std::string const& objPath = info->getObjPath();
   std::string const& type = info->getType();
   if (info->isSingleton()) {
-    if (filteredTree_.hasObject(objPath + "/" + type)) {
+    if (hasSingleton(info)) {
       logIfObjBetaMessage(objPath, type);
     } else if (info->isRequired()) {
       beginMissingSingleton(objPath, type);
@@ -104,7 +119,7 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::checkUnavailableChild(
   std::string const& objPath = info->getObjPath();
   std::string const& type = info->getType();
   if (info->isSingleton()) {
-    if (filteredTree_.hasObject(objPath + "/" + type)) {
+    if (hasSingleton(info)) {
       logError({.kind = PhysicsFault::ObjectNotAvailable, .path = objPath, .item = type},
                formatInvalidSingleton(objPath, type));
     }
@@ -161,8 +176,10 @@ void PhysicsValidator2::Impl::logBetaMessage(std::string const& objPath, std::st
   logger_->logDependencyError(objPath + "/" + item, message);
 }
 
-void PhysicsValidator2::Impl::logIfParamBetaMessage(std::string const& objPath, std::string const& name) {
-  if (betaController_ != nullptr) logBetaMessage(objPath, name, betaController_->getParamAvailMessages(name));
+void PhysicsValidator2::Impl::logIfParamBetaMessage(ParamAvailInfo const* info) {
+  if (betaController_ == nullptr) return;
+  std::string const& name = info->getName();
+  logBetaMessage(info->getObjPath(), name, betaController_->getParamAvailMessages(name));
 }
 
 void PhysicsValidator2::Impl::logIfParamValueBetaMessage(std::string const& objPath, std::string const& name,

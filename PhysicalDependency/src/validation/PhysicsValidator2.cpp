@@ -24,7 +24,6 @@
 #include <tarn/PhysicsErrorLogger.h>
 #include <tarn/printModelState.h>
 
-#include "tree/DynamicTDFObjectAt.h"
 #include "tree/DynamicTDFStateLoad.h"
 #include "validation/PVModelTDF.h"
 #include "validation/RootFilter.h"
@@ -41,21 +40,16 @@ constexpr bool skipEmptyValues = true;
 /// The objects that live as long as one run. They are entered in the validator for that time.
 class [[gnu::visibility("hidden")]] PhysicsValidator2::Impl::Run {
  public:
-  explicit Run(Impl & validator)
-      : validator_(validator),
-        view_(&validator.filteredTree_),
-        object_(validator.filteredTree_),
-        context_(&view_, &cache_) {
+  explicit Run(Impl & validator) : validator_(validator), view_(&validator.filteredTree_), context_(&view_, &cache_) {
     validator_.setEvaluationCache(&cache_);
     validator_.currentView_ = &view_;
-    validator_.currentObject_ = &object_;
     // Messages must reach the controller that is asked for them, even if another one is attached to the database.
     context_.setBetaLoggingController(validator_.betaController_);
   }
   ~Run() {
     validator_.unsetEvaluationCache();
-    validator_.currentObject_ = nullptr;
     validator_.currentView_ = nullptr;
+    validator_.currentReader_ = nullptr;
     // Discard the messages of a rule that threw, so the next run does not report them.
     validator_.clearBetaMessages();
   }
@@ -72,7 +66,6 @@ class [[gnu::visibility("hidden")]] PhysicsValidator2::Impl::Run {
  private:
   Impl& validator_;
   PVModelTDF view_;
-  DynamicTDFObjectAt object_;
   EvalCache cache_;
   EvalContext context_;
 };
@@ -219,7 +212,8 @@ PhysicsValidator2::HandlerStatus PhysicsValidator2::Impl::onBeginObject(ObjBegin
     // A parameter that is absent and not required is no finding. In a placeholder every parameter is absent, and there
     // the question is whether any would be available, so its walk is not narrowed.
     self_.limitParams(ParamScope::PresentOrRequired);
-    currentObject_->moveTo(info->getObjPath());
+    currentObject_ = info->getObject();
+    currentReader_ = currentObject_.readerIn(filteredTree_);
   }
   return Continue;
 }

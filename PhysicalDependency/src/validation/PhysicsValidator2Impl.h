@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <tarn/DynamicTDF.h>
+#include <tarn/ObjectReader.h>
 #include <tarn/PertinentRoots.h>
 #include <tarn/PhysicsFault.h>
 #include <tarn/PhysicsValidator2.h>
@@ -14,7 +15,6 @@
 
 namespace tarn {
 
-class DynamicTDFObjectAt;
 class EvalCache;
 class EvalContext;
 class GlobalCheck;
@@ -44,6 +44,9 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
   void setEvaluationCache(EvalCache * cache);
   void unsetEvaluationCache() noexcept;
 
+  /// The value in the model, or null when it lacks the parameter.
+  [[nodiscard]] std::string const* findValue(ParamAvailInfo const* info) const;
+  [[nodiscard]] bool hasSingleton(ChildAvailInfo const* info) const;
   HandlerStatus checkAvailableParam(ParamAvailInfo const* info);
   HandlerStatus checkUnavailableParam(ParamAvailInfo const* info);
   void checkAllowedValues(std::string const& objPath, std::string const& name, std::string const& value,
@@ -65,7 +68,7 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
   void observe(PhysicsFault const& fault);
   void logError(PhysicsFault fault, std::string const& text);
   void logBetaMessage(std::string const& objPath, std::string const& item, std::vector<std::string> const& messages);
-  void logIfParamBetaMessage(std::string const& objPath, std::string const& name);
+  void logIfParamBetaMessage(ParamAvailInfo const* info);
   void logIfParamValueBetaMessage(std::string const& objPath, std::string const& name, std::string const& value);
   void logIfObjBetaMessage(std::string const& objPath, std::string const& type);
   void logIfObjBetaMessage(std::string const& objPath, std::string const& type, std::vector<std::string> const& names);
@@ -94,7 +97,9 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
 
   // The current run. Null and false between runs.
   PVModelTDF* currentView_ = nullptr;
-  DynamicTDFObjectAt* currentObject_ = nullptr;  // the object whose parameters are being checked
+  // The object whose parameters are being checked. Without a reader it is not in the model.
+  ObjectHandle currentObject_;
+  ObjectReader const* currentReader_ = nullptr;
   EvalCache* evalCache_ = nullptr;
   bool useEvalCache_ = false;
 

@@ -7,6 +7,8 @@
 
 namespace tarn {
 
+class ObjectReader;
+
 /// Read access to a model: a tree of typed, named objects that hold string parameters.
 ///
 /// Paths. A component is a type, or a type, ":" and a name; components are joined by "/" and every path but the root's
@@ -18,7 +20,8 @@ namespace tarn {
 /// string. A returned reference is valid until the model changes.
 ///
 /// Rules, walks and views read a model only through this interface. Derive from it to let the library work on a model
-/// of your own. Each operation may be called very often, so it should cost no more than a look-up.
+/// of your own. Each operation may be called very often, so it should cost no more than a look-up. A model that is
+/// asked about many parameters of one object can also offer reads without a look-up, see `objectReader`.
 class TARN_EXPORT ModelTDF {
  public:
   [[nodiscard]] virtual bool hasObject(std::string const& path) const = 0;
@@ -52,6 +55,11 @@ class TARN_EXPORT ModelTDF {
                                          std::vector<std::string>& out) const = 0;
   virtual bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                          std::vector<std::string>& out) const = 0;
+
+  /// Reads of this model by handles, or null, the default, when it offers none. Its answers must be those of the
+  /// operations above. So a class that overrides one of them must not pass on the reader of another model. The answer
+  /// may change with the model: ask again after a change.
+  [[nodiscard]] virtual ObjectReader const* objectReader() const noexcept;
 
  protected:
   ModelTDF() = default;

@@ -6,4 +6,8 @@ namespace tarn {
 
 ModelTDF::~ModelTDF() = default;
 
+ObjectReader const* ModelTDF::objectReader() const noexcept {
+  return nullptr;
+}
+
 }  // namespace tarn

@@ -30,6 +30,15 @@ std::string_view kindName(Kind kind) noexcept {
   return "";
 }
 
+std::string const& Frame::valueOfContext(std::string const& name) const {
+  static std::string const none;
+  if (ObjectReader const* const reader = context.object().readerIn(model)) {
+    std::string const* const value = reader->findParameterValue(context.object(), name);
+    return value != nullptr ? *value : none;
+  }
+  return model.getParameterValue(context.objPath(), name);
+}
+
 std::string numberText(double number) {
   if (std::isnan(number)) return {};
   char buffer[64];

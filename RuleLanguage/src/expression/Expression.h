@@ -58,6 +58,9 @@ struct Frame {
   EvalContext* evalContext;
   /// The names that are known here, the innermost first. Null when there are none.
   NamedObject const* names = nullptr;
+
+  /// The value of a parameter of the context object, "" when it has none.
+  [[nodiscard]] std::string const& valueOfContext(std::string const& name) const;
 };
 
 /// The objects in whose contexts a part of an expression is evaluated, seen from the owner of the rule. Every path of

@@ -124,10 +124,9 @@ FlatCondition::FlatCondition(Expression const& condition) {
 bool FlatCondition::passes(Test const& test, Frame const& frame) {
   switch (test.kind) {
     case Test::IsTrue:
-      return TDFParam::asLogical(frame.model.getParameterValue(frame.context.objPath(), test.parameter))
-          .value_or(false);
+      return TDFParam::asLogical(frame.valueOfContext(test.parameter)).value_or(false);
     case Test::HasText:
-      return frame.model.getParameterValue(frame.context.objPath(), test.parameter) == *test.text;
+      return frame.valueOfContext(test.parameter) == *test.text;
     case Test::Node:
       return test.node->truth(frame);
   }

@@ -201,6 +201,7 @@ std::string const* ParameterReference::objectPath(Frame const& frame, std::strin
 }
 
 std::string const& ParameterReference::textIn(Frame const& frame, std::string& buffer) const {
+  if (local_) return frame.valueOfContext(name_);
   auto const* path = objectPath(frame, buffer);
   if (path == nullptr) {
     buffer.clear();
