@@ -84,16 +84,11 @@ class NameTable {
   [[nodiscard]] Value* find(std::string_view name) noexcept {
     // A few names mostly differ in size already, so comparing each is faster than searching by order.
     constexpr std::size_t few = 12;
-    if (first_.size() <= few && others_ == nullptr) {
-      for (Entry& entry : first_) {
-        if (sameText(entry.name(), name)) return &entry.value;
-      }
-      return nullptr;
+    if (first_.size() > few || others_ != nullptr) return findAmongMany(name);
+    for (Entry& entry : first_) {
+      if (sameText(entry.name(), name)) return &entry.value;
     }
-    if (others_ != nullptr && !others_->index.empty()) return findIndexed(name);
-    Chunk& own = chunk(chunkOf(name));
-    auto const place = placeIn(own, name);
-    return place != own.end() && place->name() == name ? &place->value : nullptr;
+    return nullptr;
   }
   [[nodiscard]] Value const* find(std::string_view name) const noexcept {
     return const_cast<NameTable*>(this)->find(name);
@@ -235,6 +230,14 @@ class NameTable {
   [[nodiscard]] static std::size_t hashOf(std::string_view name) noexcept { return PathHash(name).value(); }
   [[nodiscard]] static std::uint32_t tagOf(std::size_t hash) noexcept {
     return static_cast<std::uint32_t>(hash >> (64U - 8U)) << bitsOfPlace;
+  }
+
+  /// Not inline, so that a search among few is short.
+  [[nodiscard, gnu::noinline]] Value* findAmongMany(std::string_view name) noexcept {
+    if (others_ != nullptr && !others_->index.empty()) return findIndexed(name);
+    Chunk& own = chunk(chunkOf(name));
+    auto const place = placeIn(own, name);
+    return place != own.end() && place->name() == name ? &place->value : nullptr;
   }
 
   [[nodiscard]] Value* findIndexed(std::string_view name) noexcept {

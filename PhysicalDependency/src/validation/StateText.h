@@ -22,10 +22,8 @@ class StateText {
   bool add(std::string_view path, ObjectState const& values) {
     bool agrees = true;
     for (auto const& [name, value] : values) {
-      std::string_view const before = left_;
-      if (take(path) && take('/') && take(name) && take('=') && take(value) && take('\n')) continue;
+      if (takeLine(path, name, value)) continue;
       agrees = false;
-      left_ = before;
       put(path, name, value);
     }
     return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
@@ -39,14 +37,19 @@ class StateText {
   }
 
  private:
-  bool take(std::string_view piece) noexcept {
-    if (left_.size() < piece.size() || !sameBytes(left_.data(), piece.data(), piece.size())) return false;
-    left_.remove_prefix(piece.size());
-    return true;
-  }
-  bool take(char byte) noexcept {
-    if (left_.empty() || left_.front() != byte) return false;
-    left_.remove_prefix(1);
+  /// Passes the line if it comes next.
+  bool takeLine(std::string_view path, std::string_view name, std::string_view value) noexcept {
+    std::size_t const size = path.size() + name.size() + value.size() + 3;
+    if (left_.size() < size) return false;
+    char const* const line = left_.data();
+    char const* const ownName = line + path.size() + 1;
+    char const* const ownValue = ownName + name.size() + 1;
+    if (line[size - 1] != '\n' || ownValue[-1] != '=' || ownName[-1] != '/' ||
+        !sameBytes(ownValue, value.data(), value.size()) || !sameBytes(ownName, name.data(), name.size()) ||
+        !sameBytes(line, path.data(), path.size())) {
+      return false;
+    }
+    left_.remove_prefix(size);
     return true;
   }
 

@@ -6,8 +6,8 @@ namespace tarn {
 
 namespace {
 
-bool isLive(std::vector<std::string> const& contexts, std::string const& contextRuleValue) {
-  return contexts.empty() || std::find(contexts.begin(), contexts.end(), contextRuleValue) != contexts.end();
+bool isListed(std::vector<std::string> const& contexts, std::string const& contextRuleValue) {
+  return std::find(contexts.begin(), contexts.end(), contextRuleValue) != contexts.end();
 }
 
 }  // namespace
@@ -106,13 +106,13 @@ std::pair<ChildAvail const*, bool> ObjDependDef::nextChildAvail(CACursor& cursor
 std::pair<ParamAvail const*, bool> ObjDependDef::paramAvailAt(std::size_t place,
                                                               std::string const& contextRuleValue) const {
   ParamAvail const& entry = *params_[place];
-  return {&entry, isLive(entry.contexts, contextRuleValue)};
+  return {&entry, entry.contexts.empty() || isListed(entry.contexts, contextRuleValue)};
 }
 
 std::pair<ChildAvail const*, bool> ObjDependDef::childAvailAt(std::size_t place,
                                                               std::string const& contextRuleValue) const {
   ChildAvail const& entry = *children_[place];
-  return {&entry, isLive(entry.contexts, contextRuleValue)};
+  return {&entry, entry.contexts.empty() || isListed(entry.contexts, contextRuleValue)};
 }
 
 std::size_t ObjDependDef::placeOfParam(std::string_view name) const {
