@@ -27,7 +27,7 @@ class [[gnu::visibility("hidden")]] DynamicTDF::NodeStore final : public ObjectR
  public:
   /// The root alone.
   NodeStore();
-  ~NodeStore();
+  ~NodeStore() override;
   NodeStore(NodeStore const&) = delete;
   NodeStore& operator=(NodeStore const&) = delete;
 
