@@ -198,6 +198,14 @@ std::vector<Difference> Session::differences() const {
   return impl_->differences();
 }
 
+Proof Session::why(Item const& item, WhyOptions const& options) const {
+  return impl_->why(item, options);
+}
+
+HowResult Session::how(Goal const& goal, HowOptions const& options) {
+  return impl_->how(goal, options);
+}
+
 ModelState Session::result() const {
   return impl_->result();
 }

@@ -63,6 +63,10 @@ class SessionImpl {
   [[nodiscard]] ModelState result() const;
   [[nodiscard]] Findings const& review() const;
 
+  // Why and how: the folder why.
+  [[nodiscard]] Proof why(Item const& item, WhyOptions const& options) const;
+  [[nodiscard]] HowResult how(Goal const& goal, HowOptions const& options) const;
+
   // What the session works with.
   [[nodiscard]] std::string const& root() const noexcept { return root_; }
   [[nodiscard]] PhysicsData const& rules() const noexcept { return rules_; }
@@ -107,6 +111,7 @@ class SessionImpl {
   void keepWayBack(Work& work, std::size_t effectSize, ProvisionalTDF::Mark mark) const;
   [[nodiscard]] std::optional<EditResult> undoAnew();
   void changed() noexcept { review_.reset(); }
+  [[nodiscard]] std::vector<ValueChange> lostBy(EditResult const& result) const;
 
   // Constant after construction.
   PhysicsData const& rules_;

@@ -18,9 +18,11 @@
 #include <tarn/session/EditResult.h>
 #include <tarn/session/Findings.h>
 #include <tarn/session/Found.h>
+#include <tarn/session/How.h>
 #include <tarn/session/Item.h>
 #include <tarn/session/ObjectRecord.h>
 #include <tarn/session/ParamRecord.h>
+#include <tarn/session/Proof.h>
 #include <tarn/session/Refused.h>
 #include <tarn/session/Step.h>
 #include <tarn/session/Waiting.h>
@@ -251,6 +253,18 @@ class TARN_EXPORT Session {
   [[nodiscard]] std::vector<Waiting> waiting() const;
   /// How the result differs from the model that was opened, at and below `root`, by path and name.
   [[nodiscard]] std::vector<Difference> differences() const;
+  /// @}
+
+  /// @name Why and how
+  /// @{
+
+  /// Why an item is as it is, or why a value is not allowed: see `Proof`. `textOf` makes text of it. The rules are
+  /// explained by the values that they used, also where these have changed since. After a step of several edits, old
+  /// values are those before the whole step. Costs the rules of the item, and those of what they have read as deep as
+  /// asked; a rule over a set of objects costs the size of that set.
+  [[nodiscard]] Proof why(Item const& item, WhyOptions const& options = {}) const;
+  /// The shortest sequences of edits after which the goal is reached: see `HowResult`. Each was tried. Changes nothing.
+  [[nodiscard]] HowResult how(Goal const& goal, HowOptions const& options = {});
   /// @}
 
   /// @name Result and review

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <tarn/Edit.h>
+#include <tarn/Export.h>
+#include <tarn/session/EditResult.h>
+#include <tarn/session/Item.h>
+#include <tarn/session/Proof.h>
+
+namespace tarn::session {
+
+/// What to reach: the item is present, or the parameter has the value.
+struct TARN_EXPORT Goal {
+  Item item;
+  std::optional<std::string> value;
+};
+
+/// The bounds of a search.
+struct TARN_EXPORT HowOptions {
+  std::size_t maxEdits = 3;
+  /// The edits that are tried from one state.
+  std::size_t maxCandidates = 16;
+  std::size_t maxTrials = 500;
+  /// The ways that are returned.
+  std::size_t maxWays = 3;
+  /// A safety stop. A search that ends by it depends on the machine, and says so. All other bounds are the same
+  /// everywhere.
+  std::chrono::milliseconds maxTime{10'000};
+};
+
+/// A sequence of edits that was tried and reached the goal.
+struct TARN_EXPORT Way {
+  std::vector<Edit> edits;
+  /// What the edits do, as `Session::tryEdits` returns it.
+  EditResult result;
+  /// Values of the user or the model that would no longer be in force, apart from those that the edits set themselves.
+  /// They are kept, and wait.
+  std::vector<ValueChange> lost;
+  /// The goal is reached only in the update after these edits, because a rule reads what is decided after it. Any
+  /// further edit makes that update.
+  bool atNextEdit = false;
+};
+
+enum class HowAnswer : int {
+  /// The goal is reached already.
+  AlreadySo = 0,
+  Found = 1,
+  /// No edits can reach the goal: the item is unknown to the rules, the value is in no list, or the condition is always
+  /// false.
+  Impossible = 2,
+  /// None of the tried sequences reached it. That does not mean that there is none.
+  NotFound = 3
+};
+
+struct TARN_EXPORT HowResult {
+  Goal goal;
+  HowAnswer answer = HowAnswer::NotFound;
+  /// The best first: with fewer edits, fewer lost values, fewer deleted objects, a smaller effect. Of the shortest
+  /// length only.
+  std::vector<Way> ways;
+  /// The number of tried sequences.
+  std::size_t trials = 0;
+  /// All sequences that were considered, up to this length, were tried.
+  std::size_t completedEdits = 0;
+  bool stoppedByTime = false;
+  /// What stands in the way now: the proof of the goal's opposite. Not set for `AlreadySo`.
+  std::optional<Proof> blocking;
+  /// Parameters in the way that can have any number or text. Only the values that the rules mention were tried.
+  std::vector<Item> freeParams;
+};
+
+/// One sentence about what was found, with the number of trials; the ways, one a line; and what blocks.
+[[nodiscard]] TARN_EXPORT std::string textOf(HowResult const& result);
+
+}  // namespace tarn::session

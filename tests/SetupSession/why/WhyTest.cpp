@@ -1,0 +1,196 @@
+// Proofs as their text, compared whole: what an engineer is told.
+
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <tarn/session/Proof.h>
+#include <tarn/session/Session.h>
+
+#include "FlowCase.h"
+
+namespace tarn::session::test {
+namespace {
+
+std::string const rotor = "/Case/Domain:rotor";
+
+TEST(Why, AbsentParameterShowsTheReasonTheRuleAndWhatItNeeds) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor, "Angular Velocity"), R"(
+/Case/Domain:rotor/Angular Velocity is absent: not available
+  "Only a rotating domain has an angular velocity."
+  Available: ${Motion} == 'Rotating'  (flow.rules.yaml:38:20)
+    Motion is 'Stationary', needs 'Rotating'  (default, flow.rules.yaml:34:24)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, EveryOperandThatStandsInTheWayIsShown) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor, "Drag"), R"(
+/Case/Domain:rotor/Drag is absent: not available
+  Available: ${Angular Velocity} > 10 and ${Material} == 'Water' and check('flow is turbulent')  (flow.rules.yaml:49:20)
+    needs all of
+      Angular Velocity is absent, needs more than 10
+      also Material is 'Air', needs 'Water'  (default, flow.rules.yaml:47:24)
+      also 'flow is turbulent' does not hold
+        /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, DepthExplainsWhatWasRead) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor, "Angular Velocity", {Question::Value, {}, 2}), R"(
+/Case/Domain:rotor/Angular Velocity is absent: not available
+  "Only a rotating domain has an angular velocity."
+  Available: ${Motion} == 'Rotating'  (flow.rules.yaml:38:20)
+    Motion is 'Stationary', needs 'Rotating'  (default, flow.rules.yaml:34:24)
+  /Case/Domain:rotor/Motion is 'Stationary': the default
+    Default Value: 'Stationary'  (flow.rules.yaml:34:24)
+)");
+}
+
+TEST(Why, AbsentObjectAboveIsTheWholeProof) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor + "/Turbulence", "Intensity"), R"(
+/Case/Domain:rotor/Turbulence/Intensity is absent: its object is absent
+  /Case/Domain:rotor/Turbulence is absent: not available
+    "A laminar flow has no turbulence."
+    Available: check('flow is turbulent')  (flow.rules.yaml:65:20)
+      'flow is turbulent' does not hold
+        /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, ObjectThatNoObjectOfASetMakesAvailable) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.whyObject("/Case/Heat"), R"(
+/Case/Heat is absent: not available
+  "Only water is heated."
+  Available: any({/Case/Domain:*}, ${Material} == 'Water')  (flow.rules.yaml:26:20)
+    any({/Case/Domain:*}, ${Material} == 'Water'): fails for 1 of 1
+      /Case/Domain:rotor/Material is 'Air', needs 'Water'  (default, flow.rules.yaml:47:24)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, ValueOfTheUserNamesItsStep) {
+  FlowCase const flow;
+  flow.session->edit(Edit::setParam(rotor, "Motion", "Rotating"));
+  EXPECT_EQ(flow.why(rotor, "Motion"), R"(
+/Case/Domain:rotor/Motion is 'Rotating': set by the user in step 1
+)");
+}
+
+TEST(Why, ValueOfTheModelIsGiven) {
+  FlowCase const flow({{"/Case", {}}, {rotor, {{"Motion", "Rotating"}}}});
+  EXPECT_EQ(flow.why(rotor, "Motion"), R"(
+/Case/Domain:rotor/Motion is 'Rotating': given by the model
+)");
+}
+
+TEST(Why, ConditionalDefaultShowsItsCondition) {
+  FlowCase const flow;
+  flow.session->edit(Edit::setParam(rotor, "Motion", "Rotating"));
+  EXPECT_EQ(flow.why(rotor, "Wall Treatment"), R"(
+/Case/Domain:rotor/Wall Treatment is 'Rough': the default
+  Default Value Check List: ${Motion} == 'Rotating'  (flow.rules.yaml:57:21)
+    Motion is 'Rotating'  (user, step 1)
+  Value: 'Rough'  (flow.rules.yaml:57:54)
+)");
+}
+
+TEST(Why, OverrideShowsItsCondition) {
+  FlowCase const flow;
+  flow.session->edit(Edit::setParam(rotor, "Material", "Water"));
+  EXPECT_EQ(flow.why(rotor, "Wall Treatment"), R"(
+/Case/Domain:rotor/Wall Treatment is 'Smooth': fixed by the rules
+  Value Override Check List: ${Material} == 'Water'  (flow.rules.yaml:60:21)
+    Material is 'Water'  (user, step 1)
+  Value: 'Smooth'  (flow.rules.yaml:60:53)
+)");
+}
+
+TEST(Why, ValueThatACheckForbidsIsNotAllowed) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor, "Motion", {Question::Allowed, "Sliding", 1}), R"(
+'Sliding' is not allowed for /Case/Domain:rotor/Motion now
+  Allowed String List Checks: check('flow is turbulent')  (flow.rules.yaml:36:20)
+    'flow is turbulent' does not hold
+      /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
+  1 more fact with more depth
+)");
+  EXPECT_EQ(flow.why(rotor, "Motion", {Question::Allowed, "Flying", 1}), R"(
+'Flying' is not allowed for /Case/Domain:rotor/Motion: allowed are 'Stationary', 'Rotating'
+  Ordered Allowed String List: 'Stationary', 'Rotating', 'Sliding'  (flow.rules.yaml:33:38)
+)");
+}
+
+TEST(Why, ParameterOnOfferSaysThatItWasNeverSwitchedOn) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why("/Case", "Comment"), R"(
+/Case/Comment is on offer: it was never switched on  (flow.rules.yaml:19:7)
+)");
+  flow.session->edit(Edit::setParam("/Case", "Comment", "first run"));
+  flow.session->edit(Edit::deactivateParam("/Case", "Comment"));
+  EXPECT_EQ(flow.why("/Case", "Comment"), R"(
+/Case/Comment is on offer: it was switched off  (flow.rules.yaml:19:7)
+)");
+}
+
+TEST(Why, RuleThatReadsAheadShowsTheOldValueThatItUsed) {
+  FlowCase const flow;
+  flow.session->edit(Edit::setParam("/Case", "Comment", "first run"));
+  flow.session->edit(Edit::setParam("/Case", "Steps", "20"));
+  EXPECT_EQ(flow.why("/Case", "Summary"), R"(
+/Case/Summary is absent: not available
+  Available: exists(${Comment}) and ${Steps} > 10  (flow.rules.yaml:13:20)
+    Steps was '5' when this was decided (now '20'; decided again at the next edit), needs more than 10
+)");
+  // Any further edit asks the rule again.
+  flow.session->edit(Edit::setParam(rotor, "Material", "Water"));
+  EXPECT_EQ(flow.why("/Case", "Summary"), R"(
+/Case/Summary is on offer: it was never switched on  (flow.rules.yaml:12:7)
+  Available: exists(${Comment}) and ${Steps} > 10  (flow.rules.yaml:13:20)
+    Comment exists  (user, step 1)
+    Steps is '20'  (user, step 2)
+)");
+}
+
+TEST(Why, LastEditIsShownAsAChain) {
+  FlowCase const flow;
+  flow.session->edit(Edit::setParam(rotor, "Motion", "Rotating"));
+  flow.session->edit(Edit::setParam(rotor, "Motion", "Stationary"));
+  EXPECT_EQ(flow.why(rotor, "Angular Velocity", {Question::LastEdit, {}, 1}), R"(
+/Case/Domain:rotor/Angular Velocity went (it was '1') because of the last edit
+  "Only a rotating domain has an angular velocity."
+  Available: ${Motion} == 'Rotating'  (flow.rules.yaml:38:20)
+    Motion is 'Stationary', needs 'Rotating'  (user, step 2)
+  /Case/Domain:rotor/Motion changed from 'Rotating' to 'Stationary' by the last edit itself
+)");
+  EXPECT_EQ(flow.why("/Case", "Steps", {Question::LastEdit, {}, 1}), R"(
+/Case/Steps was not changed by the last edit
+)");
+}
+
+TEST(Why, ItemThatTheRulesDoNotKnow) {
+  FlowCase const flow;
+  EXPECT_EQ(flow.why(rotor, "Angular Velocty"), R"(
+/Case/Domain:rotor/Angular Velocty is unknown to the rules
+)");
+  EXPECT_EQ(flow.why("/Elsewhere", "Motion"), R"(
+/Elsewhere/Motion is outside of the object that is edited
+)");
+}
+
+TEST(Why, LongProofIsCutAtItsLines) {
+  FlowCase const flow;
+  std::string const text = flow.why(rotor, "Drag", {Question::Value, {}, 5}, 4);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
+}
+
+}  // namespace
+}  // namespace tarn::session::test
