@@ -5,6 +5,7 @@
 #include "why/DecisionModel.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include <tarn/PathUtils.h>

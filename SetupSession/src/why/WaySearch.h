@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <tarn/Edit.h>
@@ -32,7 +33,9 @@ class Candidates {
     Item item;
     std::optional<std::string> value;
     bool isAbsence = false;
-    auto operator<=>(Aim const&) const = default;
+    friend bool operator<(Aim const& a, Aim const& b) {
+      return std::tie(a.item, a.value, a.isAbsence) < std::tie(b.item, b.value, b.isAbsence);
+    }
   };
 
   void add(Edit edit);
