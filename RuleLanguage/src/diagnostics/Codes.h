@@ -112,6 +112,7 @@ enum class Code : std::uint8_t {
   SubsetNotAllowed,
   TextLooksComputed,
   NullAsText,
+  RequiredWithoutValue,
 };
 
 /// Lint alone finds this code and those after it.
@@ -305,6 +306,9 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
      {"text-looks-computed", Severity::Warning, "A text that is not computed has the form of an expression."}},
     {Code::NullAsText,
      {"null-as-text", Severity::Warning, "A value is the text 'null', but the rules have no such value."}},
+    {Code::RequiredWithoutValue,
+     {"required-without-value", Severity::Note, "A required text or number has no default, override or list of values.",
+      true}},
 });
 
 static_assert(

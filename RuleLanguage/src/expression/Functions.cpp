@@ -725,6 +725,15 @@ Function const* findFunction(std::string_view name) noexcept {
   return found == table.end() ? nullptr : found;
 }
 
+std::string functionsOfGroup(std::size_t group) {
+  static constexpr std::array<std::string_view, 3> groups = {onObjects, onLists, onNumbersAndTexts};
+  std::string names;
+  for (auto const& function : table) {
+    if (function.group == groups.at(group)) names.append(names.empty() ? "" : ", ").append(function.name);
+  }
+  return "the functions " + StringUtilities::toLower(std::string(groups.at(group))) + " are " + names;
+}
+
 std::vector<std::string> const& functionNames() {
   static std::vector<std::string> const names = [] {
     std::vector<std::string> result;

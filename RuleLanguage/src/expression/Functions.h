@@ -87,6 +87,9 @@ struct Function {
 [[nodiscard]] std::span<Function const> functionTable() noexcept;
 /// Null when there is no function of this name.
 [[nodiscard]] Function const* findFunction(std::string_view name) noexcept;
+/// The names of the functions of a group, as a sentence: "the functions on lists are size, first, ...". The groups
+/// count from 0 in the order of the table.
+[[nodiscard]] std::string functionsOfGroup(std::size_t group);
 /// The names of all functions, in the order of the table.
 [[nodiscard]] std::vector<std::string> const& functionNames();
 /// The calls that take a `${...}` which may match many objects, as a sentence lists them: "exists(...) and

@@ -33,17 +33,34 @@ struct Mistake {
   std::string_view message;
 };
 
-constexpr std::array<Mistake, 9> mistakes = {{
+/// Longer notations come before the shorter ones that they begin with.
+constexpr auto mistakes = std::to_array<Mistake>({
     {"&&", "and", "'&&' is not part of the language; write 'and'"},
     {"||", "or", "'||' is not part of the language; write 'or'"},
+    {"&", "and", "'&' is not part of the language; write 'and'"},
+    {"|", "or", "'|' is not part of the language; write 'or'"},
+    {"===", "==", "'===' is not part of the language; write '=='"},
+    {"!==", "!=", "'!==' is not part of the language; write '!='"},
     {"=~", "", "'=~' is not part of the language; see matches, contains, starts_with and ends_with"},
+    {"=<", "<=", "'=<' is not part of the language; write '<='"},
+    {"=>", ">=", "'=>' is not part of the language; write '>='"},
     {"<>", "!=", "'<>' is not part of the language; write '!='"},
+    {"**", "", "there is no operator for powers; multiply the number by itself"},
+    {"^", "", "there is no operator for powers; multiply the number by itself"},
     {"=", "==", "'=' does not compare; write '=='"},
     {"!", "not", "'!' is not part of the language; write 'not'"},
+    {"~", "not", "'~' is not part of the language; write 'not'"},
+    {"%", "", "'%' is not part of the language; write mod(a, b) for a remainder, and 5 [%] for units"},
+    {"?", "", "'?' is not part of the language; a choice is written if(condition, a, b)"},
     {"[", "", "units belong after a number that is written out: 12 [m/s]"},
     {"$", "", "'$' must be followed by a path in braces: ${Name}"},
     {"}", "", "'}' has no '{' before it"},
-}};
+    {"@", "", "'@' begins a path, and paths are in braces: {@} or ${@/Name}"},
+    {".", "", "the components of a path are separated by '/', and paths are in braces: ${Domain/Name}"},
+});
+
+/// Notations that begin with a symbol of the language, so they would be read as two.
+constexpr std::array<std::string_view, 4> slips = {"<>", "===", "!==", "**"};
 
 }  // namespace
 
@@ -172,18 +189,32 @@ Replacement Lexer::replacement(std::string_view written, std::string_view instea
   return {{position_, written.size()}, std::move(text), "Replace " + inQuotes(written) + " by " + inQuotes(instead)};
 }
 
+bool Lexer::leadingSign(Issue& issue) const {
+  issue.range = {position_, 1};
+  issue.message = "this is always an expression; remove the '=' before it";
+  std::size_t next = position_ + 1;
+  while (next < text_.size() && StringUtilities::isSpace(text_[next])) ++next;
+  // The character after the sign is written again, because a scalar cannot begin with nothing.
+  if (next < text_.size()) {
+    issue.fix = Replacement{{position_, next + 1 - position_}, std::string(1, text_[next]), "Remove '='"};
+  }
+  return false;
+}
+
 bool Lexer::symbol(Token& token, Issue& issue) {
   static constexpr std::array<std::string_view, 13> symbols = {"==", "!=", "<=", ">=", "<", ">", "(",
                                                                ")",  ",",  "+",  "-",  "*", "/"};
   auto const rest = text_.substr(position_);
-  // "<>" would otherwise read as two comparisons.
-  bool const slip = rest.starts_with("<>");
+  bool const slip = std::any_of(slips.begin(), slips.end(), [&](auto written) { return rest.starts_with(written); });
   for (auto const known : symbols) {
     if (slip || !rest.starts_with(known)) continue;
     token.kind = TokenKind::Symbol;
     token.text = known;
     position_ += known.size();
     return true;
+  }
+  if (rest.front() == '=' && StringUtilities::trimmed(text_.substr(0, position_)).empty() && !rest.starts_with("==")) {
+    return leadingSign(issue);
   }
   for (auto const& mistake : mistakes) {
     if (!rest.starts_with(mistake.written)) continue;

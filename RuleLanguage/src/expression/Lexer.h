@@ -35,6 +35,8 @@ class Lexer {
   bool quoted(Token& token, Issue& issue);
   bool path(Token& token, Issue& issue);
   bool symbol(Token& token, Issue& issue);
+  /// An expression that begins with "=" where there is always an expression.
+  bool leadingSign(Issue& issue) const;
   [[nodiscard]] Replacement replacement(std::string_view written, std::string_view instead) const;
 
   std::string_view text_;

@@ -12,6 +12,7 @@
 #include <tarn/StringUtilities.h>
 
 #include "expression/Functions.h"
+#include "expression/Habits.h"
 #include "expression/Lexer.h"
 #include "expression/Nodes.h"
 #include "expression/OperandChecks.h"
@@ -104,8 +105,17 @@ class Parser {
   [[noreturn]] void unexpected() const {
     if (token_.kind == TokenKind::End) fail(end(), "the expression ends too early");
     if (isSymbol(")")) fail(token_.range, "')' has no '(' before it");
-    if (token_.kind == TokenKind::Word && findFunction(token_.text) == nullptr) {
+    if (token_.kind == TokenKind::Word && findFunction(token_.text) != nullptr) {
+      fail(token_.range, "an operator is missing before this; " + inQuotes(token_.text) +
+                             " is a function: " + std::string(findFunction(token_.text)->signature));
+    }
+    if (token_.kind == TokenKind::Word) {
       std::string message = "an operator is missing before " + inQuotes(token_.text);
+      if (auto const advice = adviceForOperator(token_.text)) {
+        if (advice->instead.empty()) fail(token_.range, message + std::string(advice->message));
+        fail(token_.range, message + didYouMean(advice->instead), Code::ExpressionSyntax,
+             replaceBy(token_.range, token_.text, advice->instead));
+      }
       auto const known = std::find_if(operatorWords.begin(), operatorWords.end(), [&](std::string_view word) {
         return StringUtilities::equalIgnoringCase(token_.text, word);
       });
@@ -343,6 +353,7 @@ class Parser {
   ExpressionPtr parameter(bool manyAllowed) {
     Token const token = token_;
     advance();
+    if (isQuantity(token)) return std::make_unique<FaultyPart>(Kind::Number, token.range);
     PathPattern::Fault fault;
     std::string name;
     auto pattern = PathPattern::parseParameter(token.text, name, fault);
@@ -363,9 +374,20 @@ class Parser {
     return std::make_unique<ParameterReference>(token.range, origin, std::move(*pattern), std::move(name), data_);
   }
 
+  /// Reports a quantity in braces, where a path is expected. True when there is one.
+  bool isQuantity(Token const& token) {
+    auto const quantity = TDFParam::asQuantity(token.text);
+    if (!quantity || quantity->units.empty()) return false;
+    std::string const written(StringUtilities::trimmed(token.text));
+    issue(token.range, "braces are for paths; a quantity is written without them: " + written, Code::InvalidPath,
+          replaceBy(token.range, text_.substr(token.range.offset, token.range.length), written));
+    return true;
+  }
+
   ExpressionPtr objects() {
     Token const token = token_;
     advance();
+    if (isQuantity(token)) return std::make_unique<FaultyPart>(Kind::Number, token.range);
     PathPattern::Fault fault;
     auto pattern = PathPattern::parse(token.text, fault);
     if (!pattern) {
@@ -419,37 +441,67 @@ class Parser {
       if (function != nullptr) {
         fail(token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)");
       }
+      unknownValue(token);
       fail(token.range,
            "unknown name " + inQuotes(token.text) + "; write '" + token.text + "' for a text, or ${" + token.text +
                "} for a parameter",
            Code::UnknownWord);
     }
     if (function == nullptr) {
-      auto const near = StringUtilities::nearMatch(token.text, functionNames());
-      issue(token.range, "unknown function " + inQuotes(token.text) + orDidYouMean(near), Code::UnknownFunction,
-            near.empty() ? std::nullopt : std::optional(replaceBy(token.range, token.text, near)));
-      skipArguments();
+      unknownFunction(token);
       return std::make_unique<FaultyPart>(Kind::Value, since(token.range.offset));
     }
     return call(token.range.offset, *function);
   }
 
-  /// Reads the arguments of an unknown function, so that mistakes in them are reported.
-  void skipArguments() {
+  /// Fails with a proposal when the word stands for a value in other languages.
+  static void unknownValue(Token const& token) {
+    auto const proposed = [&](std::string_view instead) {
+      fail(token.range, "unknown name " + inQuotes(token.text) + didYouMean(instead), Code::UnknownWord,
+           replaceBy(token.range, token.text, instead));
+    };
+    for (auto const word : operatorWords) {
+      if (StringUtilities::equalIgnoringCase(token.text, word)) proposed(word);
+    }
+    auto const advice = adviceForValue(token.text);
+    if (!advice) return;
+    if (!advice->instead.empty()) proposed(advice->instead);
+    fail(token.range, "unknown name " + inQuotes(token.text) + std::string(advice->message), Code::UnknownWord);
+  }
+
+  /// Proposes a near match, or the functions for the purpose of a function of another language, or those for arguments
+  /// of the given kind.
+  void unknownFunction(Token const& token) {
+    std::string const message = "unknown function " + inQuotes(token.text);
+    auto const near = StringUtilities::nearMatch(token.text, functionNames());
+    auto const calls = callsInsteadOf(token.text);
+    bool const isProposed = !near.empty() && (calls.empty() || calls.find(near + "(") != std::string_view::npos);
+    issue(token.range,
+          message + (calls.empty() ? std::string() : "; its purpose is served by " + std::string(calls)) +
+              (isProposed ? didYouMean(near) : std::string()),
+          Code::UnknownFunction, isProposed ? std::optional(replaceBy(token.range, token.text, near)) : std::nullopt);
+    std::size_t const index = issues_.size() - 1;
+    Kind const kind = skipArguments();
+    if (isProposed || !calls.empty()) return;
+    auto const group = kind == Kind::Objects ? 0 : kind == Kind::List ? 1 : 2;
+    issues_[index].message += "; " + functionsOfGroup(static_cast<std::size_t>(group));
+  }
+
+  /// Reads the arguments of an unknown function, so that mistakes in them are reported. Returns the kind of the first.
+  Kind skipArguments() {
     Level const level(*this);
     advance();
+    std::optional<Kind> first;
     if (!isSymbol(")")) {
       for (;;) {
-        if (token_.kind == TokenKind::Parameter) {
-          (void)parameter(true);
-        } else {
-          (void)implication();
-        }
+        auto const argument = token_.kind == TokenKind::Parameter ? parameter(true) : implication();
+        if (!first) first = argument->kind();
         if (!isSymbol(",")) break;
         advance();
       }
     }
     expectSymbol(")", "at the end of the arguments");
+    return first.value_or(Kind::Objects);
   }
 
   ExpressionPtr call(std::size_t begin, Function const& function) {

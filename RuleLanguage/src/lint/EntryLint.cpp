@@ -169,7 +169,7 @@ class EntryLint {
         warn(Code::NoEffect, item, std::string(flag) + " has no effect without " + needed);
       }
     }
-    checkValues(context_, def, place);
+    checkValues(context_, param, def, place);
     if (auto const item = at("Pattern")) checkPattern(def, item, at("Default Value"));
     if (auto const item = at("Quantity Type")) checkQuantityType(def, item);
     if (!param.contexts.empty()) checkContext(object, &param, param.contexts, at("Context"));

@@ -102,6 +102,15 @@ class ValueLint {
     if (auto const list = at("Unused Allowed String List")) checkTwice(list);
   }
 
+  /// A required parameter that begins without a value.
+  void checkRequired(Item const& required) {
+    bool const isGiven = def_.hasDefault() || def_.hasValueOverride();
+    if (isGiven || def_.allowedValues != nullptr || TDFParam::elementType(def_.type) == TDFParam::Logical) return;
+    context_.warn(
+        Code::RequiredWithoutValue, required,
+        "this parameter is required, but begins without a value; add a Default Value, or leave it to the user");
+  }
+
   /// What is wrong with each text that the expression gives unchanged.
   void checkResult(ValueKind const& kind, ExpressionUse const& use, Expression const& expression) {
     auto const parts = expression.operands();
@@ -357,8 +366,10 @@ void checkMessagesIn(LintContext& context, SourceText const* source, YamlNode co
 
 }  // namespace
 
-void checkValues(LintContext& context, ParamValueDef const& def, EntryPlace const& place) {
-  ValueLint(context, def).checkEntry(place);
+void checkValues(LintContext& context, ParamAvail const& param, ParamValueDef const& def, EntryPlace const& place) {
+  ValueLint lint(context, def);
+  lint.checkEntry(place);
+  if (param.required) lint.checkRequired(place.attributes.at("Required"));
 }
 
 void checkComputedValue(LintContext& context, ExpressionUse const& use) {

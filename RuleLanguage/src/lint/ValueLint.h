@@ -13,7 +13,7 @@ namespace tarn::rules {
 /// Warns of the values in the entry of a parameter that do not fit it: defaults, conditional defaults, overrides,
 /// allowed values and subsets that are of the wrong type, not allowed or out of bounds; of lists that have an item
 /// twice; and of texts that look like an expression but are not computed.
-void checkValues(LintContext& context, ParamValueDef const& def, EntryPlace const& place);
+void checkValues(LintContext& context, ParamAvail const& param, ParamValueDef const& def, EntryPlace const& place);
 
 /// The same for the texts that are written out in a computed default, override or list of allowed values.
 void checkComputedValue(LintContext& context, ExpressionUse const& use);

@@ -319,9 +319,9 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
                      guarded.value = textOrExpression(value, attribute);
                    }
                  });
-    if (!whenGiven)
+    if (!whenGiven && isLackOf("When", entry, entry))
       error(Code::MissingKey, entry, "the item has no 'When'; write 'When: true' if the value always applies");
-    if (!valueGiven) error(Code::MissingKey, entry, "the item has no 'Value'");
+    if (!valueGiven && isLackOf("Value", entry, entry)) error(Code::MissingKey, entry, "the item has no 'Value'");
     if (guarded.when && guarded.value) result.push_back(std::move(guarded));
   }
   return result;
@@ -499,7 +499,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     }
   });
 
-  if (!type && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the parameter has no 'Parameter Type'");
+  if (!type && isLackOf("Parameter Type", body, name))
+    error(Code::MissingKey, name, "the parameter has no 'Parameter Type'");
   if (fixedList && listSource) {
     twice(Code::ConflictingKeys, listSource, fixedList,
           "the allowed values are given twice; keep either Ordered Allowed String List or Value List Source");
@@ -632,8 +633,8 @@ void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item c
         break;
     }
   });
-  if (!checkGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Check'");
-  if (!messageGiven && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the check has no 'Message'");
+  if (!checkGiven && isLackOf("Check", body, name)) error(Code::MissingKey, name, "the check has no 'Check'");
+  if (!messageGiven && isLackOf("Message", body, name)) error(Code::MissingKey, name, "the check has no 'Message'");
   if (!object.addCheck(std::move(check))) {
     reportExisting(object, EntryKind::Check, "a check", name);
   }

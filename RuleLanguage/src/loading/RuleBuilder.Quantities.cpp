@@ -141,7 +141,7 @@ void RuleBuilder::readQuantityTypes(Item const& section) {
       if (data_->unitConverter() == nullptr) data_->setUnitConverter(std::make_unique<LibraryUnitConverter>());
       if (keepPlaces_) index_.quantityTypes_.emplace_back(name, value);
     });
-    if (!unitsGiven && canHoldKeys(*body.node))
+    if (!unitsGiven && isLackOf("Units", body, name))
       error(Code::MissingKey, name, "the quantity type has no 'Units'; write {Units: [...]}");
   });
 }

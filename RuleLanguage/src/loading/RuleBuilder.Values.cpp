@@ -85,6 +85,13 @@ bool RuleBuilder::isMapping(Item const& item, std::string_view what) {
   return false;
 }
 
+bool RuleBuilder::isLackOf(std::string_view key, Item const& map, Item const& at) const {
+  auto const isProposed = [&](std::string_view proposed) {
+    return proposedKeys_.contains({map.node, std::string(proposed)});
+  };
+  return canHoldKeys(*map.node) && !index_.lacksPartOf(at) && !isProposed(key) && !isProposed(anyKey);
+}
+
 bool RuleBuilder::isName(Item const& item, std::string_view what) {
   std::string_view const name = item.node->value;
   if (name.empty()) return error(Code::InvalidName, item, std::string(what) + " cannot be empty"), false;
@@ -133,7 +140,7 @@ void RuleBuilder::toBind(Expression& expression, bool hasQuantities, Item const&
 }
 
 void RuleBuilder::bindQuantities() {
-  if (quantityTypesAreWrong_) return;
+  if (quantityTypesAreWrong_ || index_.isIncomplete()) return;
   QuantityIndex const index(*data_);
   bool const hasTypes = !data_->quantityTypes().empty();
   for (auto const& [expression, hasQuantities, item, skipped] : unbound_) {
@@ -293,7 +300,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
         }
       });
       if (good && !guarded.value) {
-        error(Code::MissingKey, childItem, "the item has no 'Value'");
+        if (isLackOf("Value", childItem, childItem)) error(Code::MissingKey, childItem, "the item has no 'Value'");
         good = false;
       }
     }

@@ -87,6 +87,8 @@ Diagnostic& RuleBuilder::error(Code code, Item const& item, std::string message)
 }
 
 void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
+  // The rule may be in a part that could not be read.
+  if (issue.code == Code::UnknownNamedRule && index_.isIncomplete()) return;
   auto const rangeOf = [&](Range const& range) {
     if (diagnostics_.isFull()) return item.node->range();
     return rangeInScalar(*item.source, *item.node, skipped + range.offset, range.length);
@@ -152,7 +154,7 @@ void RuleBuilder::readHeader(File& file) {
             "unknown format version " + inQuotes(version->substr(0, 60)) + "; this program reads version 1");
     }
   });
-  if (!versionGiven) {
+  if (!versionGiven && !index_.isIncomplete(*root.source)) {
     auto& diagnostic = diagnostics_.add(Code::MissingVersion, *file.source, {},
                                         "the key 'Rule Database' is missing; begin the file with 'Rule Database: 1'");
     if (!root.node->flow && root.node->column == 1) {
@@ -255,8 +257,8 @@ void RuleBuilder::readGlobalChecks(Item const& section) {
           break;
       }
     });
-    if (!check && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Check'");
-    if (!message && canHoldKeys(*body.node)) error(Code::MissingKey, name, "the global check has no 'Message'");
+    if (!check && isLackOf("Check", body, name)) error(Code::MissingKey, name, "the global check has no 'Check'");
+    if (!message && isLackOf("Message", body, name)) error(Code::MissingKey, name, "the global check has no 'Message'");
     if (condition && text) {
       auto rule = std::make_unique<CompiledGlobalCheck>(std::move(condition), std::move(text));
       rule->setRulePlace(check.placeOfExpression(0));

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -138,6 +139,9 @@ class RuleBuilder {
   [[nodiscard]] std::optional<std::vector<std::string>> texts(Item const& item, bool oneAllowed,
                                                               std::string_view otherwise = {});
   [[nodiscard]] bool isMapping(Item const& item, std::string_view what);
+  /// Whether it is worth reporting that a map lacks a key: not when something else was reported that explains it.
+  /// `at` is where the lack would be reported.
+  [[nodiscard]] bool isLackOf(std::string_view key, Item const& map, Item const& at) const;
   /// Calls `each` with every key and value of a map. A duplicate key is reported and left out.
   template <typename Each>
   void forEach(Item const& item, std::string_view what, Each each);
@@ -229,7 +233,8 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> quantityNames_;
   bool noDefinitionsReported_ = false;
   std::optional<std::unordered_set<std::string_view>> typeNames_;
-  std::vector<SeenSection> sectionsSeen_;  // in order
+  std::set<std::pair<YamlNode const*, std::string>, std::less<>> proposedKeys_;  // instead of unknown keys, by map
+  std::vector<SeenSection> sectionsSeen_;                                        // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, std::vector<FormerEntry>> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;

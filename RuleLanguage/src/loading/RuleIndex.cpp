@@ -47,11 +47,17 @@ void RuleIndex::readText(std::string const& text, std::string const& sourceName,
   parse(limits, diagnostics);
 }
 
+bool RuleIndex::lacksPartOf(Item const& item) const {
+  auto const found = incomplete_.find(item.source);
+  return found != incomplete_.end() && found->second->lacksPartOf(item.node->line);
+}
+
 void RuleIndex::parse(LoadLimits const& limits, DiagnosticList& diagnostics) {
   for (auto const& source : set_.sources) {
     std::size_t const errorsBefore = diagnostics.errorCount();
     auto const& document =
         documents_.emplace_back(source, YamlDocument::Limits{limits.yamlDepth, limits.yamlNodes}, diagnostics);
+    if (document.isIncomplete()) incomplete_.emplace(&source, &document);
     if (document.root() != nullptr) {
       files_.push_back({&source, document.root()});
     } else if (diagnostics.errorCount() == errorsBefore) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -104,6 +105,12 @@ class RuleIndex {
   /// The names of all files and folders that were given or found, in the order of diagnostics.
   [[nodiscard]] std::vector<std::string> const& names() const noexcept { return set_.names; }
   [[nodiscard]] bool hasUnreadable() const noexcept { return set_.unreadable; }
+  /// True when a part of the rules could not be read, so that what seems to be missing may be there.
+  [[nodiscard]] bool isIncomplete() const noexcept { return set_.unreadable || !incomplete_.empty(); }
+  /// The same for one file.
+  [[nodiscard]] bool isIncomplete(SourceText const& source) const { return incomplete_.contains(&source); }
+  /// The same for the entry that begins with `item`.
+  [[nodiscard]] bool lacksPartOf(Item const& item) const;
 
   /// The uses of expressions in the order of reading, and the positions of entries, objects, roots and named rules.
   /// Filled by `RuleBuilder` when it was asked to. The pairs are type path and name.
@@ -128,6 +135,7 @@ class RuleIndex {
   RuleFileSet set_;
   std::deque<YamlDocument> documents_;
   std::vector<File> files_;
+  std::unordered_map<SourceText const*, YamlDocument const*> incomplete_;
 
   std::vector<ExpressionUse> uses_;
   std::map<std::pair<std::string, std::string>, EntryPlace> params_;

@@ -12,6 +12,7 @@
 
 #include <tarn/StringUtilities.h>
 
+#include "expression/Habits.h"
 #include "expression/NearMatch.h"
 #include "loading/RuleBuilder.h"
 #include "yaml/YamlDocument.h"
@@ -88,6 +89,24 @@ inline bool isExpression(YamlNode const& node) {
   return node.kind == YamlNode::Kind::Scalar && node.value.starts_with('=');
 }
 
+/// The key by which YAML 1.1 merges maps. Rule files are YAML 1.2, which has no such key.
+inline bool isMergeKey(YamlNode const& key) {
+  return key.style == YamlNode::Style::Plain && key.value == "<<";
+}
+/// Stands for all keys that a map lacks.
+inline constexpr char const* anyKey = "";
+inline constexpr char const* mergeKeyMessage =
+    "'<<' does not merge maps here; write the keys out, or take a whole map by an alias";
+
+inline KeyPlace placeOfKeys(std::string_view what) {
+  if (what == "a rule file") return KeyPlace::File;
+  if (what == "an object") return KeyPlace::Object;
+  if (what == "a parameter") return KeyPlace::Parameter;
+  if (what == "a child") return KeyPlace::Child;
+  if (what == "a global check" || what == "a check of an object") return KeyPlace::Check;
+  return what.starts_with("an item of") ? KeyPlace::GuardedItem : KeyPlace::Other;
+}
+
 template <typename Each>
 void RuleBuilder::forEach(Item const& item, std::string_view what, Each each) {
   if (!isMapping(item, what)) return;
@@ -97,6 +116,10 @@ void RuleBuilder::forEach(Item const& item, std::string_view what, Each each) {
   for (std::size_t i = 0; i + 1 < children.size(); i += 2) {
     Item const key{item.source, children[i]};
     if (!scalar(key, "a key")) continue;
+    if (isMergeKey(*key.node)) {
+      error(Code::UnknownKey, key, mergeKeyMessage);
+      continue;
+    }
     auto const [former, isNew] = seen.try_emplace(key.node->value, key.node);
     if (isNew) {
       each(key, Item{item.source, children[i + 1]});
@@ -120,10 +143,18 @@ void RuleBuilder::forEachKnown(Item const& item, std::string_view what, Table co
     auto const known =
         std::find_if(table.begin(), table.end(), [&](auto const& entry) { return entry.text == key.node->value; });
     if (known == table.end()) {
-      auto const near = StringUtilities::nearMatch(key.node->value, keyTexts(table));
+      if (isMergeKey(*key.node)) {
+        error(Code::UnknownKey, key, mergeKeyMessage);
+        proposedKeys_.emplace(item.node, anyKey);
+        continue;
+      }
+      auto const keys = keyTexts(table);
+      auto const habit = keyInsteadOf(key.node->value, placeOfKeys(what), keys);
+      auto const near = habit.empty() ? StringUtilities::nearMatch(key.node->value, keys) : habit;
       auto& diagnostic = error(Code::UnknownKey, key,
                                "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
-                                   (near.empty() ? std::string() : didYouMean(near)));
+                                   (habit.empty() ? orDidYouMean(near) : "; here it is called " + inQuotes(habit)));
+      if (!near.empty()) proposedKeys_.emplace(item.node, near);
       if (!near.empty() && !std::exchange(isProposed, true) && !hasKey(*item.node, near)) {
         fixText(diagnostic, key, near);
       }

@@ -1,6 +1,7 @@
 // Reads YAML through the events of libyaml, which are fast and carry exact positions. The tree is built with its own
-// stack. An alias shares the node of its anchor, but the node limit counts it as a copy: so a file whose aliases
-// multiply is refused before anything walks over it.
+// stack. When a part is not YAML, its lines are left out and the file is read again. An alias shares the node of its
+// anchor, but the node limit counts it as a copy: so a file whose aliases multiply is refused before anything walks
+// over it.
 
 #include "yaml/YamlDocument.h"
 
@@ -12,6 +13,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <set>
 #include <string_view>
 
 namespace tarn::rules {
@@ -90,14 +92,28 @@ std::string hintFor(std::string_view problem) {
   return {};
 }
 
+/// An error that ended a reading.
+struct Error {
+  Code code = Code::YamlSyntax;
+  SourceRange range;
+  std::string message;
+  std::optional<Place> noteAt;
+  std::string note;
+  std::string anchor;  // that is not known
+  YamlFailure failure;
+};
+
 class Builder {
  public:
-  Builder(SourceText const& source, YamlDocument::Limits const& limits, DiagnosticList& diagnostics,
-          std::deque<YamlNode>& nodes)
-      : source_(source), limits_(limits), diagnostics_(diagnostics), nodes_(nodes) {}
+  Builder(SourceText const& source, YamlDocument::Limits const& limits, std::deque<YamlNode>& nodes)
+      : source_(source), limits_(limits), nodes_(nodes) {}
 
-  YamlNode* build() {
-    Parser parser(source_.text());
+  [[nodiscard]] std::optional<Error>& error() noexcept { return error_; }
+
+  /// Reads `text`, which has the lines and columns of the source. On an error the root is null, except for a second
+  /// document, before which everything was read.
+  YamlNode* build(std::string const& text) {
+    Parser parser(text);
     for (;;) {
       Event event;
       if (!parser.next(event.get())) return syntaxError(parser.state());
@@ -106,8 +122,9 @@ class Builder {
           return root_;
         case YAML_DOCUMENT_START_EVENT:
           if (root_ != nullptr) {
-            return fail(Code::SeveralDocuments, rangeFrom(placeOf(event->start_mark), 3),
-                        "a rule file has one YAML document; remove '---' and everything after it");
+            fail(Code::SeveralDocuments, rangeFrom(placeOf(event->start_mark), 3),
+                 "a rule file has one YAML document; remove '---' and everything after it");
+            return root_;
           }
           break;
         case YAML_SCALAR_EVENT:
@@ -142,7 +159,7 @@ class Builder {
 
  private:
   YamlNode* fail(Code code, SourceRange const& range, std::string message) {
-    diagnostics_.add(code, source_, range, std::move(message));
+    error_ = Error{code, range, std::move(message), {}, {}, {}, {range.begin.line, 0, 0}};
     return nullptr;
   }
 
@@ -154,10 +171,20 @@ class Builder {
     }
     std::string message = "this is not YAML: " + problem + hintFor(problem);
     Place const place = placeOf(parser.problem_mark);
-    auto& diagnostic = diagnostics_.add(Code::YamlSyntax, source_, {place, place}, std::move(message));
-    if (parser.context != nullptr && parser.context_mark.line != parser.problem_mark.line) {
-      Place const begin = placeOf(parser.context_mark);
-      DiagnosticList::note(diagnostic, source_, {begin, begin}, std::string(parser.context) + " that begins here");
+    fail(Code::YamlSyntax, {place, place}, std::move(message));
+    if (lastQuote_ && lastQuote_->begin.line < place.line && lastQuote_->end.line == place.line) {
+      error_->failure.quoteLine = lastQuote_->begin.line;
+      error_->noteAt = lastQuote_->begin;
+      error_->note = "the text in quotes that ends in this line begins here";
+      return nullptr;
+    }
+    if (parser.context == nullptr || parser.context_mark.line == parser.problem_mark.line) return nullptr;
+    Place const begin = placeOf(parser.context_mark);
+    error_->noteAt = begin;
+    error_->note = std::string(parser.context) + " that begins here";
+    std::string_view const context = parser.context;
+    if (context.starts_with("while parsing a flow") || context == "while scanning a quoted scalar") {
+      error_->failure.openLine = begin.line;
     }
     return nullptr;
   }
@@ -208,6 +235,9 @@ class Builder {
     node->value.assign(reinterpret_cast<char const*>(scalar.value), scalar.length);
     node->style = styleOf(scalar.style);
     node->hasProperties = scalar.anchor != nullptr || scalar.tag != nullptr;
+    if (node->style == YamlNode::Style::SingleQuoted || node->style == YamlNode::Style::DoubleQuoted) {
+      lastQuote_ = node->range();
+    }
     remember(scalar.anchor, node);
     return place(node, node->place());
   }
@@ -244,6 +274,7 @@ class Builder {
       fail(Code::UnknownAnchor, rangeFrom(at, length),
            "there is no anchor '&" + std::string(name) +
                "' before this; put quotes around a value that begins with '*'");
+      error_->anchor = name;
       return false;
     }
     if (std::find(open_.begin(), open_.end(), found->second) != open_.end()) {
@@ -255,18 +286,77 @@ class Builder {
 
   SourceText const& source_;
   YamlDocument::Limits limits_;
-  DiagnosticList& diagnostics_;
   std::deque<YamlNode>& nodes_;
+  std::optional<Error> error_;
+  std::optional<SourceRange> lastQuote_;  // the text in quotes that was read last
   std::vector<YamlNode*> open_;
   std::map<std::string, YamlNode*, std::less<>> anchors_;
   yaml_mark_t lastEnd_{};  // of the item that was read last
   YamlNode* root_ = nullptr;
 };
 
+void report(Error const& error, SourceText const& source, DiagnosticList& diagnostics) {
+  auto& diagnostic = diagnostics.add(error.code, source, error.range, error.message);
+  if (error.noteAt) DiagnosticList::note(diagnostic, source, {*error.noteAt, *error.noteAt}, error.note);
+}
+
 }  // namespace
 
+struct YamlDocument::Attempt {
+  YamlNode* root = nullptr;
+  std::optional<Error> error;
+  std::deque<YamlNode> nodes;
+
+  void read(SourceText const& source, std::string const& text, Limits const& limits) {
+    nodes.clear();
+    Builder builder(source, limits, nodes);
+    root = builder.build(text);
+    error = std::move(builder.error());
+  }
+};
+
 YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics) {
-  root_ = Builder(source, limits, diagnostics, nodes_).build();
+  Attempt attempt;
+  attempt.read(source, source.text(), limits);
+  std::size_t errors = 0;
+  while (attempt.error) {
+    incomplete_ = true;
+    if (!recovery_) recovery_ = std::make_unique<YamlRecovery>(source);
+    // Without the lines before it, a map seems to begin later.
+    if (errors > 0 && attempt.error->note.starts_with("while parsing a block")) attempt.error->noteAt.reset();
+    // The anchor may be in a part that was left out.
+    if (attempt.error->anchor.empty() || !recovery_->hadAnchor(attempt.error->anchor)) {
+      report(*attempt.error, source, diagnostics);
+    }
+    bool const isLast = attempt.error->code == Code::SeveralDocuments || attempt.error->code == Code::LimitExceeded;
+    if (isLast || ++errors == mostErrors || !recover(source, limits, attempt)) break;
+  }
+  nodes_ = std::move(attempt.nodes);
+  root_ = attempt.root;
+}
+
+/// Leaves out lines so that the reading comes beyond them. False when that does not succeed.
+bool YamlDocument::recover(SourceText const& source, Limits const& limits, Attempt& attempt) {
+  auto const candidates = recovery_->candidates(attempt.error->failure);
+  std::deque<YamlRecovery::Lines> waiting(candidates.begin(), candidates.end());
+  std::set<std::size_t> tried;
+  std::size_t const mostBytes = std::max(4 * source.text().size(), mostReadings * freeLength / 4);
+  while (!waiting.empty()) {
+    auto const lines = waiting.front();
+    waiting.pop_front();
+    if (++readings_ > mostReadings || (readBytes_ += source.text().size()) > mostBytes) return false;
+    Attempt next;
+    next.read(source, recovery_->textWithout(lines), limits);
+    if (!next.error || next.error->failure.first() > lines.last) {
+      recovery_->leaveOut(lines);
+      attempt = std::move(next);
+      return true;
+    }
+    // What has no end may begin before the lines that were tried.
+    std::size_t const first = next.error->failure.first();
+    if (first < lines.first && tried.insert(first).second) waiting.push_front(recovery_->entryAt(first));
+  }
+  return false;
 }
 
 }  // namespace tarn::rules

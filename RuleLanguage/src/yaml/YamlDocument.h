@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "diagnostics/DiagnosticList.h"
 #include "diagnostics/SourceText.h"
+#include "yaml/YamlRecovery.h"
 
 namespace tarn::rules {
 
@@ -34,6 +36,9 @@ struct YamlNode {
 };
 
 /// One rule file as YAML. Depth and size are limited, so that no file can exhaust memory or stack.
+///
+/// A part that is not YAML is reported and left out, and the rest is read. That ends after `mostErrors` of them, and
+/// when the file was read `mostReadings` times or, if it is longer than `freeLength`, a few times as far as it is long.
 class YamlDocument {
  public:
   struct Limits {
@@ -41,14 +46,30 @@ class YamlDocument {
     std::size_t nodes;
   };
 
-  /// Parses `source`, which must outlive the document. Problems go to `diagnostics`; the root is then null.
+  static constexpr std::size_t mostErrors = 20;
+  static constexpr std::size_t mostReadings = 200;
+  static constexpr std::size_t freeLength = std::size_t{1} << 20;
+
+  /// Parses `source`, which must outlive the document. Problems go to `diagnostics`. The root is null when nothing
+  /// could be read.
   YamlDocument(SourceText const& source, Limits const& limits, DiagnosticList& diagnostics);
 
   [[nodiscard]] YamlNode const* root() const noexcept { return root_; }
+  /// Whether some of the file was left out.
+  [[nodiscard]] bool isIncomplete() const noexcept { return incomplete_; }
+  /// Whether some of the entry that begins in this line was left out.
+  [[nodiscard]] bool lacksPartOf(std::size_t line) const { return recovery_ && recovery_->lacksPartOf(line); }
 
  private:
+  struct Attempt;
+  [[nodiscard]] bool recover(SourceText const& source, Limits const& limits, Attempt& attempt);
+
   std::deque<YamlNode> nodes_;
   YamlNode* root_ = nullptr;
+  bool incomplete_ = false;
+  std::unique_ptr<YamlRecovery> recovery_;  // made when an error is found
+  std::size_t readings_ = 0;
+  std::size_t readBytes_ = 0;
 };
 
 }  // namespace tarn::rules
