@@ -22,12 +22,16 @@ NOT_SHOWN = {
     '" is not a path pattern: ', "the severity of '", "' cannot be changed: it keeps rules from being loaded",
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
     "did not find expected <document start>", "found undefined alias", "the expression ends too early",
+    # What the YAML library was doing when it met an error.
+    "while parsing a flow", "while parsing a block", "while scanning a quoted scalar",
     "'\\' must be followed by a character", "... calls ",
 }
 
 TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
 # Another test compares the table of functions with the reference.
 FUNCTION_TEXT = re.compile(r'\.(?:signature|help) = (?:"[^"]*"\s*)+|^constexpr std::string_view \w+ = "[^"]*";', re.MULTILINE)
+# The words of other languages, each row with what serves their purpose.
+FOREIGN_WORDS = re.compile(r'^(\s*)\{"[a-z0-9 ]+",', re.MULTILINE)
 ATTRIBUTE = re.compile(r'inline constexpr std::string_view \w+ = "([^"]+)"')
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 
@@ -43,6 +47,8 @@ def main():
     sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
     sources += sorted((root / "PhysicsInterfaces/src/paths").glob("PathPattern*.cpp"))
     texts = {path: FUNCTION_TEXT.sub("", code(path)) for path in sources}
+    habits = root / "RuleLanguage/src/expression/Habits.cpp"
+    texts[habits] = FOREIGN_WORDS.sub(r"\1{", texts[habits])
 
     names = set(ATTRIBUTE.findall(code(root / "PhysicsInterfaces/include/tarn/RuleAttributes.h")))
     sentences = set()

@@ -73,7 +73,14 @@ constexpr auto functions = std::to_array<Row>({
     {"children descendants child", "{Type:*} and {**}"},
 });
 
-constexpr auto trueWords = std::to_array<Row>({{"true yes on", "true"}, {"false no off", "false"}});
+// In the following tables a text that begins with ';' is the end of a sentence; any other is the right word.
+
+constexpr auto values = std::to_array<Row>({
+    {"true yes on", "true"},
+    {"false no off", "false"},
+    {"null nil none undefined",
+     "; a parameter that is absent reads as ''; write not exists(${Name}), or compare it with ''"},
+});
 
 constexpr auto operators = std::to_array<Row>({
     {"eq equals is", "=="},
@@ -83,6 +90,8 @@ constexpr auto operators = std::to_array<Row>({
     {"gt", ">"},
     {"ge gte", ">="},
     {"div", "/"},
+    {"xor", "; compare the two truth values with '!='"},
+    {"then else if unless when", "; a choice is written if(condition, a, b)"},
 });
 
 // Keys. The words are in the form that `bare` gives.
@@ -171,6 +180,12 @@ std::span<Row const> keysAt(KeyPlace place) {
   return {};
 }
 
+std::optional<WordAdvice> adviceIn(std::span<Row const> rows, std::string_view word) {
+  auto const* row = rowOf(rows, word);
+  if (row == nullptr) return std::nullopt;
+  return row->instead.starts_with(';') ? WordAdvice{{}, row->instead} : WordAdvice{row->instead, {}};
+}
+
 }  // namespace
 
 std::string_view callsInsteadOf(std::string_view function) {
@@ -179,19 +194,11 @@ std::string_view callsInsteadOf(std::string_view function) {
 }
 
 std::optional<WordAdvice> adviceForValue(std::string_view word) {
-  if (auto const* row = rowOf(trueWords, word)) return WordAdvice{row->instead, {}};
-  if (hasWord("null nil none undefined", bare(word))) {
-    return WordAdvice{{}, "; a parameter that is absent reads as ''; write not exists(${Name}), or compare it with ''"};
-  }
-  return std::nullopt;
+  return adviceIn(values, word);
 }
 
 std::optional<WordAdvice> adviceForOperator(std::string_view word) {
-  if (auto const* row = rowOf(operators, word)) return WordAdvice{row->instead, {}};
-  std::string const form = bare(word);
-  if (form == "xor") return WordAdvice{{}, "; compare the two truth values with '!='"};
-  if (hasWord("then else if unless when", form)) return WordAdvice{{}, "; a choice is written if(condition, a, b)"};
-  return std::nullopt;
+  return adviceIn(operators, word);
 }
 
 std::string keyInsteadOf(std::string_view key, KeyPlace place, std::vector<std::string> const& keys) {

@@ -360,7 +360,7 @@ class Parser {
     if (!pattern) {
       patternIssue(token, fault);
       pattern.emplace();
-    } else if (!pattern->isSingle() && !manyAllowed) {
+    } else if (!pattern->isSingle() && !manyAllowed && !isSkipping_) {
       issue(token.range,
             "this path can match several parameters; only " + callsThatTakeManyParameters() + " accept that",
             Code::SeveralParameters);
@@ -490,17 +490,19 @@ class Parser {
   /// Reads the arguments of an unknown function, so that mistakes in them are reported. Returns the kind of the first.
   Kind skipArguments() {
     Level const level(*this);
+    bool const wasSkipping = std::exchange(isSkipping_, true);
     advance();
     std::optional<Kind> first;
     if (!isSymbol(")")) {
       for (;;) {
-        auto const argument = token_.kind == TokenKind::Parameter ? parameter(true) : implication();
+        auto const argument = implication();
         if (!first) first = argument->kind();
         if (!isSymbol(",")) break;
         advance();
       }
     }
     expectSymbol(")", "at the end of the arguments");
+    isSkipping_ = wasSkipping;
     return first.value_or(Kind::Objects);
   }
 
@@ -744,6 +746,7 @@ class Parser {
   std::size_t depth_ = 0;
   std::size_t deepest_ = 0;
   bool hasQuantities_ = false;
+  bool isSkipping_ = false;  // the arguments of an unknown function, which may take a path to many parameters
   std::vector<Issue> issues_;
   std::vector<RuleCall> calls_;
   std::vector<std::string> objectNames_;  // that quantifiers around the present token give, the innermost last

@@ -23,6 +23,7 @@
 #include "expression/Nodes.h"
 #include "expression/Quantities.h"
 #include "lint/ConstantExpression.h"
+#include "lint/ValueLint.h"
 
 namespace tarn::rules {
 
@@ -38,8 +39,8 @@ struct Wanted {
 struct Impossible {
   std::string subject;
   std::string reason;
-  std::string near;         // the value that was probably meant
-  bool isProposed = false;  // the reason names it already
+  std::string near;  // the value that was probably meant
+  std::string remedy = orDidYouMean(near);
 };
 
 /// Nothing when the value is possible.
@@ -122,7 +123,9 @@ class ComparisonLint {
       };
       if (def.unusedValues.contains(wanted.text)) return Impossible{{}, " is known but never allowed", {}};
       if (std::any_of(items->begin(), items->end(), equals)) return {};
-      return Impossible{{}, " is not among its allowed values", context_.hints().nearest(wanted.text, *items)};
+      auto near = context_.hints().nearest(wanted.text, *items);
+      auto remedy = orAllowed(near, *items);
+      return Impossible{{}, " is not among its allowed values", std::move(near), std::move(remedy)};
     }
     if (def.allowedValueKind != ParamValueDef::NoAllowedValues) return {};
     switch (TDFParam::elementType(def.type)) {
@@ -189,7 +192,7 @@ class ComparisonLint {
   Judgement judgeItems(ParamValueDef const& def, Wanted const& wanted) {
     for (auto const& item : StringUtilities::stringToVector(wanted.text, ',')) {
       if (auto result = judgeByRule(def, {item, {}})) {
-        result->near.clear();  // it is not what to write instead of the whole text
+        result->near.clear();  // it does not replace the whole text
         return result;
       }
     }
@@ -225,9 +228,11 @@ class ComparisonLint {
       names.insert(names.end(), list->items().begin(), list->items().end());
     }
     if (std::find(names.begin(), names.end(), text) != names.end()) return {};
+    auto near = context_.hints().nearest(text, names);
+    auto remedy = orAllowed(near, names);
     return Impossible{"the name of the object",
                       areSingletons ? " is a singleton, whose name is its type" : " is not among the allowed names",
-                      context_.hints().nearest(text, names)};
+                      std::move(near), std::move(remedy)};
   }
 
   Judgement judgeType(TypePaths const& typePaths, std::string const& text) {
@@ -235,10 +240,11 @@ class ComparisonLint {
     std::set<std::string> types;
     for (auto const& typePath : *typePaths) types.emplace(PathUtils::lastType(typePath));
     if (types.contains(text)) return {};
-    return Impossible{
-        "the type of the object",
-        types.size() == 1 ? " is always " + inQuotes(*types.begin()) : " is not among the types that the path can name",
-        context_.hints().nearest(text, {types.begin(), types.end()}), types.size() == 1};
+    auto near = context_.hints().nearest(text, {types.begin(), types.end()});
+    if (types.size() == 1) {
+      return Impossible{"the type of the object", " is always " + inQuotes(*types.begin()), std::move(near), {}};
+    }
+    return Impossible{"the type of the object", " is not among the types that the path can name", std::move(near)};
   }
 
   /// Whether the text form of `expression` can be the value.
@@ -303,8 +309,7 @@ class ComparisonLint {
 
   void warnImpossible(Impossible const& found, std::string const& text, Range range, bool isLiteral) {
     context_.warn(Code::ImpossibleValue, use_, range,
-                  found.subject + " can never be " + inQuotes(text) + ": it" + found.reason +
-                      (found.isProposed ? std::string() : orDidYouMean(found.near)),
+                  found.subject + " can never be " + inQuotes(text) + ": it" + found.reason + found.remedy,
                   isLiteral ? textFix(range, text, found.near) : std::nullopt);
   }
 
@@ -465,7 +470,8 @@ class ComparisonLint {
       std::string_view verb;
     };
     static constexpr std::array<Row, 3> rows = {{
-        {"contains", [](std::string_view text, std::string_view part) { return text.find(part) != text.npos; },
+        {"contains",
+         [](std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; },
          " can never contain "},
         {"starts_with", [](std::string_view text, std::string_view part) { return text.starts_with(part); },
          " can never begin with "},
@@ -483,7 +489,7 @@ class ComparisonLint {
     bool const never = !rules.empty() && std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
       auto const* items = LintContext::writtenValues(*def);
       // The text of a list has separators between its items.
-      if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != part->npos))
+      if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != std::string::npos))
         return false;
       return std::none_of(items->begin(), items->end(),
                           [&](std::string const& item) { return row->holds(item, *part); });
@@ -512,7 +518,9 @@ class ComparisonLint {
     std::vector<PathUse> paths;
     use_.compiled->expression->collectPaths(paths, PathPattern());
     for (auto const& path : paths) {
-      if (path.pattern.start() != PathPattern::Start::Owner) continue;
+      // The paths inside a quantifier begin at the owner too when its set does.
+      bool const isWritten = use_.text().substr(path.range.offset, path.range.length).find('@') < path.range.length;
+      if (path.pattern.start() != PathPattern::Start::Owner || !isWritten) continue;
       context_.warn(Code::OwnerInGlobalCheck, use_, path.range,
                     "a global check belongs to no object, so '@' is the root of the model; write a path that begins "
                     "with '/', or move the check into the Checks of an object");

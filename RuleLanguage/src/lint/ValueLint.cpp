@@ -52,7 +52,8 @@ bool looksComputed(std::string_view text) {
 std::string asExpression(std::string_view text) {
   text = StringUtilities::trimmed(text);
   auto const after = StringUtilities::trimmed(text.substr(text.find('}') + 1));
-  if (text.starts_with(sign) && (after.empty() || std::string_view("+-*/").find(after.front()) != after.npos)) {
+  if (text.starts_with(sign) &&
+      (after.empty() || std::string_view("+-*/").find(after.front()) != std::string_view::npos)) {
     return std::string(text);
   }
   std::string result;
@@ -73,15 +74,6 @@ std::string asExpression(std::string_view text) {
 bool isNull(std::string_view text) {
   static constexpr std::array<std::string_view, 4> nulls = {"null", "Null", "NULL", "~"};
   return std::find(nulls.begin(), nulls.end(), text) != nulls.end();
-}
-
-/// What is allowed, as the end of a sentence: the near match, or the first of all.
-std::string orListed(std::string const& near, SharedStrings const& items) {
-  constexpr std::size_t most = 6;
-  if (!near.empty() || items.empty()) return orDidYouMean(near);
-  std::string result = "; the allowed values are ";
-  for (std::size_t i = 0; i < items.size() && i < most; ++i) result.append(i == 0 ? "" : ", ").append(items[i]);
-  return items.size() > most ? result + ", ..." : result;
 }
 
 class ValueLint {
@@ -261,7 +253,7 @@ class ValueLint {
       if (allowed_->contains(value) && !def_.unusedValues.contains(value)) return std::nullopt;
       auto near = context_.hints().nearest(value, *allowed_);
       std::string message = "the " + std::string(kind.noun) + " " + inQuotes(value) +
-                            " is not among the allowed values" + orListed(near, *allowed_);
+                            " is not among the allowed values" + orAllowed(near, *allowed_);
       return Fault{kind.notAllowed, std::move(message), std::move(near)};
     }
     auto const* advice = dynamic_cast<FixedList const*>(def_.allowedValues.get());
@@ -334,9 +326,9 @@ class ValueLint {
     for (auto const* item : list.node->children) {
       if (item->kind != YamlNode::Kind::Scalar || allowed_->contains(item->value)) continue;
       auto const near = context_.hints().nearest(item->value, *allowed_);
-      auto& warning = context_.warn(
-          Code::SubsetNotAllowed, {list.source, item},
-          "the subset value " + inQuotes(item->value) + " is not among the allowed values" + orListed(near, *allowed_));
+      auto& warning = context_.warn(Code::SubsetNotAllowed, {list.source, item},
+                                    "the subset value " + inQuotes(item->value) + " is not among the allowed values" +
+                                        orAllowed(near, *allowed_));
       LintContext::fixText(warning, {list.source, item}, item->value, near);
     }
   }
@@ -423,6 +415,14 @@ std::optional<int> orderOf(PhysicsData const& data, ParamValueDef const& def, TD
     y = *other;
   }
   return x < y ? -1 : x > y ? 1 : 0;
+}
+
+std::string orAllowed(std::string_view near, std::vector<std::string> const& items) {
+  constexpr std::size_t most = 6;
+  if (!near.empty() || items.empty()) return orDidYouMean(near);
+  std::string result = "; allowed are ";
+  for (std::size_t i = 0; i < items.size() && i < most; ++i) result.append(i == 0 ? "" : ", ").append(items[i]);
+  return items.size() > most ? result + ", ..." : result;
 }
 
 std::string computedRemedy(std::string_view text) {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <tarn/TDFParam.h>
 
@@ -27,6 +28,9 @@ void checkMessages(LintContext& context);
 /// Less than 0 when `a` is below `b`, 0 when they are equal. Nothing when they cannot be compared.
 [[nodiscard]] std::optional<int> orderOf(PhysicsData const& data, ParamValueDef const& def, TDFParam::Quantity const& a,
                                          TDFParam::Quantity const& b);
+
+/// The end of a sentence about a value that is not allowed: the near match or, without one, the first that are allowed.
+[[nodiscard]] std::string orAllowed(std::string_view near, std::vector<std::string> const& items);
 
 /// How to compute a text that looks like an expression, as the end of a sentence; empty for any other text.
 [[nodiscard]] std::string computedRemedy(std::string_view text);

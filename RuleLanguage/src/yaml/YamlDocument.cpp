@@ -82,8 +82,11 @@ std::string hintFor(std::string_view problem) {
       "mapping values are not allowed in this context", "did not find expected key", "did not find expected ',' or '}'",
       "did not find expected ',' or ']'", "did not find expected <document start>"};
   if (std::find(quoting.begin(), quoting.end(), problem) != quoting.end()) {
-    return "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that "
-           "contains ': ' or ' #'";
+    std::string hint =
+        "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that "
+        "contains ': ' or ' #'";
+    if (problem.starts_with("did not find expected ','")) hint += ", and here also around one with '[', '{' or ','";
+    return hint;
   }
   if (problem == "found character that cannot start any token") {
     return "; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'";

@@ -40,7 +40,7 @@ TEST(Parser, WhatTheLexerCannotRead) {
       {"${A} > 1e999", "8+5: '1e999' is not a number; write a text in quotes"},
       {"${A} == #x", "9+1: '#' has no meaning here; write a text in quotes"},
       {"${A} == Öl", "9+1: 'Ö' has no meaning here; write a text in quotes"},
-      {"${A} % 2 == 0", "6+1: '%' has no meaning here; write a text in quotes"},
+      {"${A} % 2 == 0", "6+1: '%' is not part of the language; write mod(a, b) for a remainder, and 5 [%] for units"},
   });
 }
 
@@ -66,15 +66,19 @@ TEST(Parser, WhereSomethingIsMissing) {
       {"${A} in ('a', 'b' 'c')", "19+3: ')' is missing at the end of the list"},
       {"exists(${A}", "12+1: ')' is missing at the end of the arguments of exists"},
       {"any({A:*} true)", "11+4: ')' is missing at the end of the arguments of any"},
-      {"nothing(1 2)", "1+7: unknown function 'nothing'\n11+1: ')' is missing at the end of the arguments"},
+      {"nothing(1 2)",
+       "1+7: unknown function 'nothing'; the functions on objects are exists, count, any, all, filter, names, paths, "
+       "values, name, type, path\n11+1: ')' is missing at the end of the arguments"},
       {"${A} ${B}", "6+4: an operator is missing before this"},
       {"${A} 'x'", "6+3: an operator is missing before this"},
       {"${A} AND ${B}", "6+3: an operator is missing before 'AND'; did you mean 'and'?"},
       {"${A} Or ${B}", "6+2: an operator is missing before 'Or'; did you mean 'or'?"},
       {"${A} IN ('x',)", "6+2: an operator is missing before 'IN'; did you mean 'in'?"},
       {"${A} Implies ${B}", "6+7: an operator is missing before 'Implies'; did you mean 'implies'?"},
-      {"${A} is ${B}", "6+2: an operator is missing before 'is'"},
-      {"${A} count({B:*})", "6+5: an operator is missing before this"},
+      {"${A} is ${B}", "6+2: an operator is missing before 'is'; did you mean '=='?"},
+      {"${A} count({B:*})",
+       "6+5: an operator is missing before this; 'count' is a function: count(set), count(set, condition), count(x in "
+       "set, condition)"},
       {"${A} not 'x'", "6+3: 'not' belongs in front of a condition, or before 'in'"},
   });
 }
@@ -85,12 +89,16 @@ TEST(Parser, NamesThatAreNone) {
           {"Motion == 'x'", "1+6: unknown name 'Motion'; write 'Motion' for a text, or ${Motion} for a parameter"},
           {"${A} == Rotating",
            "9+8: unknown name 'Rotating'; write 'Rotating' for a text, or ${Rotating} for a parameter"},
-          {"True", "1+4: unknown name 'True'; write 'True' for a text, or ${True} for a parameter"},
+          {"True", "1+4: unknown name 'True'; did you mean 'true'?"},
           {"exists", "1+6: 'exists' is a function; write exists(...)"},
           {"exist(${A})", "1+5: unknown function 'exist'; did you mean 'exists'?"},
           {"Count({A:*}) > 1", "1+5: unknown function 'Count'; did you mean 'count'?"},
-          {"startswith(${A}, 'x')", "1+10: unknown function 'startswith'; did you mean 'starts_with'?"},
-          {"frobnicate(${A}, {B}, 1)", "1+10: unknown function 'frobnicate'"},
+          {"startswith(${A}, 'x')",
+           "1+10: unknown function 'startswith'; its purpose is served by starts_with(x, y); did you mean "
+           "'starts_with'?"},
+          {"frobnicate(${A}, {B}, 1)",
+           "1+10: unknown function 'frobnicate'; the functions on numbers and texts are abs, floor, ceil, round, mod, "
+           "number, text, lower, upper, trim, starts_with, ends_with, contains, matches, length"},
           {"nothing()", "1+7: unknown function 'nothing'"},
           {"check('rotatin')", "7+9: there is no check 'rotatin'; did you mean 'rotating'?"},
           {"check('something else')", "7+16: there is no check 'something else'"},

@@ -79,7 +79,7 @@ Pertinent Roots: [Case]
       R"text(flow.rules.yaml:5:145: warning: the default 'Turbulant' is not among the allowed values; did you mean 'Turbulent'?
     5 | ...ent], Unused Allowed String List: [Chaotic], Default Value: Turbulant}
       |                                                                ^~~~~~~~~
-flow.rules.yaml:6:96: warning: the default 'c' is not among the allowed values
+flow.rules.yaml:6:96: warning: the default 'c' is not among the allowed values; allowed are a, b
     6 |       Picks: {Parameter Type: String List, Ordered Allowed String List: [a, b], Default Value: "a, c"}
       |                                                                                                ^~~~~~
 )text");
@@ -166,7 +166,7 @@ flow.rules.yaml:18:60: warning: the parameter 'Count' can never be 'many': it is
 flow.rules.yaml:19:59: warning: the parameter 'Flag' can never be 'perhaps': it is not a logical value
    19 |       F: {Parameter Type: Real, Available: "${../Flag} == 'perhaps'"}
       |                                                           ^~~~~~~~~
-flow.rules.yaml:20:61: warning: the parameter 'Regime' can never be '5': it is not among its allowed values
+flow.rules.yaml:20:61: warning: the parameter 'Regime' can never be '5': it is not among its allowed values; allowed are Laminar, Turbulent
    20 |       N: {Parameter Type: Real, Available: "${../Regime} == 5"}
       |                                                             ^
 )text");
