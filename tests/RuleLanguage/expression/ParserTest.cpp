@@ -66,9 +66,7 @@ TEST(Parser, WhereSomethingIsMissing) {
       {"${A} in ('a', 'b' 'c')", "19+3: ')' is missing at the end of the list"},
       {"exists(${A}", "12+1: ')' is missing at the end of the arguments of exists"},
       {"any({A:*} true)", "11+4: ')' is missing at the end of the arguments of any"},
-      {"nothing(1 2)",
-       "1+7: unknown function 'nothing'; the functions on objects are exists, count, any, all, filter, names, paths, "
-       "values, name, type, path\n11+1: ')' is missing at the end of the arguments"},
+      {"nothing(1 2)", "1+7: unknown function 'nothing'\n11+1: ')' is missing at the end of the arguments"},
       {"${A} ${B}", "6+4: an operator is missing before this"},
       {"${A} 'x'", "6+3: an operator is missing before this"},
       {"${A} AND ${B}", "6+3: an operator is missing before 'AND'; did you mean 'and'?"},
@@ -99,7 +97,9 @@ TEST(Parser, NamesThatAreNone) {
           {"frobnicate(${A}, {B}, 1)",
            "1+10: unknown function 'frobnicate'; the functions on numbers and texts are abs, floor, ceil, round, mod, "
            "number, text, lower, upper, trim, starts_with, ends_with, contains, matches, length"},
-          {"nothing()", "1+7: unknown function 'nothing'"},
+          {"nothing()",
+           "1+7: unknown function 'nothing'; the functions on objects are exists, count, any, all, filter, names, "
+           "paths, values, name, type, path"},
           {"check('rotatin')", "7+9: there is no check 'rotatin'; did you mean 'rotating'?"},
           {"check('something else')", "7+16: there is no check 'something else'"},
           {"size(list('fluid')) > 0", "11+7: there is no list 'fluid'; did you mean 'fluids'?"},
