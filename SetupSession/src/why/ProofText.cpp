@@ -114,7 +114,7 @@ class Writer {
   }
 
   std::string factText(ProofNode const& node) const {
-    std::string const item = shown(node.item);
+    std::string item = shown(node.item);
     switch (node.fact) {
       case Fact::OutsideRoot:
         return item + " is outside of the object that is edited";
