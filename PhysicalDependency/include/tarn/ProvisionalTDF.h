@@ -133,6 +133,7 @@ class QuantityModifier;
 /// | `getNewlyUnavailParams`      | parameters that left it and are not potential now  | empty                |
 /// | `getDeletedObjects`          | deleted objects, only the top of each subtree      | empty                |
 /// | `getCreatedObjects`          | created objects                                    | empty                |
+/// | `getOverriddenRequests`      | values of the guide that an override replaced      | empty                |
 /// | `getModBoundsParams`         | computed bounds that changed                       | empty                |
 /// | `getModQuantParams`          | quantity types that were adjusted anew             | empty                |
 /// | `getEmptyParameters`         | all parameters that lack a value                   | empty                |
@@ -422,6 +423,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// In the order of their creation. Of a branch that is mirrored from the base model, only its top. An object that was
   /// deleted later in the same update is listed too: ask `hasObject`.
   [[nodiscard]] std::vector<std::string> const& getCreatedObjects() const noexcept;
+  /// Parameters whose value in the guide the update replaced by an override, in the order of events.
+  [[nodiscard]] std::vector<ParamId> const& getOverriddenRequests() const noexcept;
   /// Path of the parameter to its lower and upper bound. May list a parameter in an object named "__%%dummy%%__". The
   /// library uses that object to find out about types that have no object yet. Ignore such entries.
   [[nodiscard]] std::map<std::string, std::pair<std::string, std::string>> const& getModBoundsParams() const noexcept;

@@ -29,6 +29,8 @@ struct Outcome {
   /// Paths of the objects that the last update created, in the order of their creation. Of a mirrored branch only its
   /// top.
   std::vector<std::string> createdObjects;
+  /// The parameters whose value in the guide the last update replaced by an override.
+  std::vector<std::pair<std::string, std::string>> writtenRequests;
   /// Parent path and type of what a user may add. Sorted between updates; kept by an update without a walk.
   std::vector<std::pair<std::string, std::string>> userNamedTypes;
 };

@@ -73,6 +73,10 @@ bool ProvisionalFacts::areDefaultNamesApplied(std::string const& p_key) const {
 
 void ProvisionalFacts::setGuideParam(std::string const& p_objPath, std::string const& p_name,
                                      std::string const& p_value) {
+  std::string const* const before = m_intent.guide.findParameterValue(p_objPath, p_name);
+  if (!m_isTrying && (before == nullptr || *before != p_value)) {
+    journaled::append(recording(), m_outcome.writtenRequests, {p_objPath, p_name});
+  }
   m_intent.guide.setParameter(p_objPath, p_name, p_value);
 }
 
@@ -319,6 +323,7 @@ void ProvisionalFacts::publishChanges(bool p_on) noexcept {
 void ProvisionalFacts::beginUpdate(UpdateKind p_kind) {
   m_outcome.active.resetChanges();
   journaled::assign(recording(), m_outcome.createdObjects, {});
+  journaled::assign(recording(), m_outcome.writtenRequests, {});
   TrackerAccess::reset(m_outcome.quantities, recording());
   TrackerAccess::reset(m_outcome.bounds, recording());
   if (p_kind == UpdateKind::FollowedWalk) {

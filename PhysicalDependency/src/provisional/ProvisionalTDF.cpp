@@ -243,6 +243,10 @@ std::vector<std::string> const& ProvisionalTDF::getCreatedObjects() const noexce
   return m_impl->outcome().createdObjects;
 }
 
+std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getOverriddenRequests() const noexcept {
+  return m_impl->outcome().writtenRequests;
+}
+
 /// As logged, including what became potential later in the same walk. Callers who draw new items rely on this order.
 std::vector<ProvisionalTDF::ParamId> const& ProvisionalTDF::getNewlyAvailParams() const noexcept {
   return m_impl->outcome().active.getAddedParameters();

@@ -112,17 +112,29 @@ void DynamicTDF::refreshState(ModelState& state, std::string const& rootPath) co
   DynamicTDFAccess::refreshState(*this, state, rootPath, nullptr);
 }
 
+namespace {
+
+/// Each entry of the log costs a look-up in tree and state. That is several times the cost of a parameter in a new
+/// state. Most objects have a handful of parameters, so few changes need no count of the parameters; one object may
+/// have all.
+bool isRebuiltFor(std::size_t changes, std::size_t objects, ModelState const& state) {
+  if (changes <= objects * 2) return false;
+  std::size_t params = 0;
+  for (auto const& [path, object] : state) params += object.size();
+  return changes > params / 4;
+}
+
+}  // namespace
+
 void DynamicTDFAccess::refreshState(DynamicTDF const& tree, ModelState& state, std::string const& rootPath,
                                     Journal* journal) {
   DynamicTDF::Impl const& impl = *tree.impl_;
   auto const& added = impl.changes_.addedParams();
   auto const& modified = impl.changes_.modifiedParams();
   auto const& deleted = impl.changes_.deletedParams();
-  // Each entry of the log costs a look-up in tree and state. That is several times the cost of a parameter in a new
-  // state, and objects have a handful of parameters. For an object that is found under another path than it is listed
-  // under, the log may hold either path.
+  // For an object that is found under another path than it is listed under, the log may hold either path.
   std::size_t const changes = added.size() + modified.size() + deleted.size();
-  if (changes > impl.nodes_.size() * 2 || impl.nodes_.hasOtherwiseListed()) {
+  if (isRebuiltFor(changes, impl.nodes_.size(), state) || impl.nodes_.hasOtherwiseListed()) {
     journaled::assign(journal, state, tree.getState(rootPath));
     return;
   }

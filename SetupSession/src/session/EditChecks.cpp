@@ -9,6 +9,7 @@
 #include <tarn/Error.h>
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/TDFChangeFile.h>
 #include <tarn/TDFPath.h>
 #include <tarn/session/Session.h>
 
@@ -55,6 +56,10 @@ bool isNamed(std::string const& path) {
 std::string canonical(std::string const& path, std::string& fault) {
   try {
     TDFPath parsed(path);
+    if (parsed.size() > TDFChangeFile::maxComponents) {
+      fault = "The path has more components than a model can hold";
+      return {};
+    }
     for (unsigned long long i = 0; i < parsed.size(); ++i) {
       if (parsed.getName(i) == parsed.getType(i)) parsed.setName(i, {});
     }
@@ -71,7 +76,7 @@ Edit withPath(Edit edit, std::string path) {
 }
 
 std::string quotedPath(std::string const& path) {
-  return path.empty() ? std::string("the root of the model") : shown(path);
+  return shown(path.empty() ? "/" : path);
 }
 
 }  // namespace
@@ -110,7 +115,7 @@ EditChecks::Checked EditChecks::checkPath(Edit const& edit) const {
   std::string fault;
   std::string path = canonical(edit.path, fault);
   if (!fault.empty()) {
-    return refused(RefusalCode::Unreadable, edit, shown(edit.path) + " is not the path of an object: " + fault);
+    return refused(RefusalCode::Unreadable, edit, fault + '.');
   }
   if (path != edit.path) {
     std::string sentence = shown(edit.path) + " is written " + quotedPath(path) + '.';
@@ -481,7 +486,10 @@ std::optional<Refused> EditChecks::resolve(std::string const& text, Item& item) 
     return refused(RefusalCode::Unreadable, Edit::activateObject({}), "The path is too long.");
   }
   if (path.empty() || path == ".") path = root;
-  if (path == "/") path.clear();
+  if (path == "/") {
+    item = {std::string(), std::nullopt};
+    return root.empty() ? std::nullopt : checkPath(Edit::activateObject({}));
+  }
   if (!path.empty() && path.front() != '/') path = root + '/' + path;
   if (path.size() > 1 && path.back() == '/') path.pop_back();
   if (path.empty() || path == root) {

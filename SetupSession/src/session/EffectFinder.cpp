@@ -26,21 +26,23 @@ void EffectFinder::noteUpdate(Edit const& edit) {
     isAnyChange = true;
   };
 
+  // Wherever the choices may have changed, the default may have changed with them.
   for (auto const& param : state.getModParams()) {
-    touch({param.first, param.second}).defaultValue = true;  // the choices may have changed, and the default with them
+    touch({param.first, param.second}).defaultValue = true;
     changed(param);
   }
   for (auto const& param : state.getNewlyAvailParams()) {
     Item item = {param.first, param.second};
     if (state.hasParameter(param.first, param.second)) offersNow_[item] = false;
-    touch(std::move(item));
+    touch(std::move(item)).defaultValue = true;
     changed(param);
   }
   // Includes those that became potential.
   for (auto const& param : state.getActiveTree().getDeletedParameters()) {
-    touch({param.first, param.second});
+    touch({param.first, param.second}).defaultValue = true;
     changed(param);
   }
+  for (auto const& [path, name] : state.getOverriddenRequests()) touch({path, name});
   for (auto const& [path, name] : state.getModPotParams()) touch({path, name}).defaultValue = true;
   // Lost first: an item that is added and deleted is on offer.
   for (auto const& [path, name] : state.getNewlyUnavailPotParams()) {
@@ -149,7 +151,14 @@ void EffectFinder::lookAfter() {
     if (!covered) tops.push_back(path);
   }
   branches_ = std::move(tops);
-  for (std::string const& path : branches_) touchAskedBelow(path);
+  for (std::string const& path : branches_) {
+    touchAskedBelow(path);
+    // Decisions are forgotten by the characters of the path, so those on longer names are touched too.
+    for (auto item = requests_.decided().lower_bound(Item{path, std::nullopt});
+         item != requests_.decided().end() && item->first.path.starts_with(path); ++item) {
+      touch(item->first);
+    }
+  }
   for (std::string const& path : mirrored_) touchObjectsBelow(path);
   for (auto& [item, touched] : items_) touched.after = look(item, touched, isOffered(item));
 }

@@ -13,6 +13,7 @@
 #include <tarn/session/Waiting.h>
 
 #include "session/OfferIndex.h"
+#include "session/Requests.h"
 #include "session/RuleReaders.h"
 #include "session/RuledState.h"
 
@@ -21,7 +22,7 @@ namespace tarn::session {
 /// Finds the net effect of updates from two looks at the items that they may have touched: one in the state after them,
 /// one in the state before. The lists of a provisional state are events; they say where to look.
 ///
-///     EffectFinder finder(state, offers, readers);
+///     EffectFinder finder(state, offers, readers, requests);
 ///     apply(edit); finder.noteUpdate(edit);         // once for each edit
 ///     finder.lookAfter();
 ///     rollback();
@@ -31,14 +32,12 @@ namespace tarn::session {
 /// The cost is that of the touched items.
 class EffectFinder {
  public:
-  /// `offers` are those before the updates. All must outlive this object.
-  EffectFinder(RuledState const& state, OfferIndex const& offers, RuleReaders const& readers)
-      : state_(state), offers_(offers), readers_(readers) {}
+  /// `offers` are those before the updates, and `requests` are at least those. All must outlive this object.
+  EffectFinder(RuledState const& state, OfferIndex const& offers, RuleReaders const& readers, Requests const& requests)
+      : state_(state), offers_(offers), readers_(readers), requests_(requests) {}
 
   /// Notes what the last update touched.
   void noteUpdate(Edit const& edit);
-  /// Notes an item that the last update may have touched in another way.
-  void note(Item item) { touch(std::move(item)); }
   void lookAfter();
   void lookBefore();
   [[nodiscard]] Effect effect() const;
@@ -75,6 +74,7 @@ class EffectFinder {
   RuledState const& state_;
   OfferIndex const& offers_;
   RuleReaders const& readers_;
+  Requests const& requests_;
   std::map<Item, Touched> items_;
   /// Whether an item is on offer after the updates, where they have changed that.
   std::map<Item, bool> offersNow_;

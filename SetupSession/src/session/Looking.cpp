@@ -15,6 +15,14 @@ std::optional<std::string> unlessEmpty(std::string text) {
   return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
+/// What user interfaces show instead of the name, and where.
+template <class Entry, class Record>
+void describeForPeople(Entry const& entry, Record& record) {
+  record.group = entry.group;
+  record.label = entry.label;
+  record.advanced = entry.advanced;
+}
+
 /// The value of a parameter in a state, or null.
 std::string const* valueIn(ModelState const& model, std::string const& path, std::string const& name) {
   auto const object = model.find(path);
@@ -89,6 +97,7 @@ std::optional<ParamRecord> SessionImpl::lookParam(std::string const& path, std::
   if (!rules) return record;
 
   record.description = rules.entry->description;
+  describeForPeople(*rules.entry, record);
   record.type = rules.value->type;
   record.required = rules.entry->required;
   if (!record.available()) record.reason = rules.entry->reason;
@@ -140,6 +149,7 @@ std::optional<ObjectRecord> SessionImpl::lookObject(std::string const& path) con
   }
   if (rules) {
     if (record.description.empty()) record.description = rules.entry->description;
+    describeForPeople(*rules.entry, record);
     record.required = rules.entry->required;
     record.singleton = rules.entry->singleton;
     record.editable = !state.isInMirroredBranch(path);
@@ -192,6 +202,7 @@ std::vector<ChildTypeRecord> SessionImpl::childTypes(std::string const& path) co
     ChildTypeRecord record;
     record.type = entry.type;
     record.description = entry.description;
+    describeForPeople(entry, record);
     record.required = entry.required;
     record.singleton = entry.singleton;
     record.editable = !isMirrored && !RuledState::isMirrored(entry);

@@ -122,12 +122,14 @@ std::optional<Waiting> RuledState::waitingParam(std::string const& path, std::st
     waiting.ruleReason = rules.entry->reason;
     return waiting;
   }
+  bool const isOverridden =
+      rules.value->hasValueOverride() && override(rules, path, state_->getAllowedValueData(path, name)).first;
+  // An override takes the request over where the parameter is present. So nothing of the user's waits there.
+  if (isOverridden && present != nullptr) return std::nullopt;
   if (isOff) {
     waiting.reason = WaitingReason::SwitchedOff;
-  } else if (rules.value->hasValueOverride() && override(rules, path, state_->getAllowedValueData(path, name)).first) {
-    waiting.reason = WaitingReason::Overridden;
   } else {
-    waiting.reason = WaitingReason::ValueNotAllowed;
+    waiting.reason = isOverridden ? WaitingReason::Overridden : WaitingReason::ValueNotAllowed;
   }
   return waiting;
 }

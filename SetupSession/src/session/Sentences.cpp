@@ -45,7 +45,7 @@ std::string orNone(std::string const& text) {
   return text.empty() ? "none" : quoted(text);
 }
 
-std::string withReason(std::string sentence, std::string const& reason) {
+std::string withReason(std::string const& sentence, std::string const& reason) {
   return reason.empty() ? sentence + '.' : sentence + ": " + printable(reason);
 }
 

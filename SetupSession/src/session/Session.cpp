@@ -31,7 +31,7 @@ std::string readablePath(std::string const& path, OpenFault fault) {
   try {
     return TDFPath(path).getFullPath();
   } catch (Error const& error) {
-    fail(fault, shown(path) + " is not the path of an object: " + error.getMessage());
+    fail(fault, error.getMessage() + '.');
   }
 }
 
@@ -59,16 +59,17 @@ std::string chosenRoot(PhysicsData const& rules, ModelState const& model, Sessio
   std::vector<std::string> objects = roots.objectsIn(model);
   if (objects.size() == 1) return objects.front();
   if (objects.size() > 1) {
-    fail(OpenFault::SeveralRoots,
-         "The model has " + std::to_string(objects.size()) + " objects that can be edited. Say which one to edit.",
+    std::string const count = std::to_string(objects.size());
+    fail(OpenFault::SeveralRoots, "The model has " + count + " objects that can be edited. Say which one to edit.",
          std::move(objects));
   }
   std::vector<std::string> types;
   for (std::string const& type : roots.types()) types.push_back('/' + type);
   if (types.size() == 1) return types.front();
+  bool const isAny = !types.empty();
   fail(OpenFault::NoRoot,
-       types.empty() ? "The rules do not say which objects they look at. Say which object to edit."
-                     : "The model has no object that the rules look at. Say which object to edit.",
+       isAny ? "The model has no object that the rules look at. Say which object to edit."
+             : "The rules do not say which objects they look at. Say which object to edit.",
        std::move(types));
 }
 

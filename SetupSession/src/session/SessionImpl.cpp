@@ -135,7 +135,7 @@ EditResult SessionImpl::tryEdits(std::span<Edit const> edits) {
 EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, bool followsReferences,
                                 std::function<void()> const& inside) const {
   EditResult result;
-  EffectFinder finder(work.ruled, work.offers, readers_);
+  EffectFinder finder(work.ruled, work.offers, readers_, requests_);
   std::size_t index = 0;
   try {
     std::size_t characters = 0;
@@ -188,13 +188,6 @@ void SessionImpl::makeChecked(Work& work, Edit const& edit, bool followsReferenc
     throw RefusedEdits{std::move(*refused)};
   }
   finder.noteUpdate(made);
-  if (isRename || made.kind == Edit::Kind::RemoveObject) {
-    // Decisions are forgotten by the characters of the path.
-    for (auto item = requests_.decided().lower_bound(Item{made.path, std::nullopt});
-         item != requests_.decided().end() && item->first.path.starts_with(made.path); ++item) {
-      finder.note(item->first);
-    }
-  }
   if (made.kind == Edit::Kind::SetParam && made.value != StringUtilities::removeWhitespace(edit.value) &&
       TDFParam::isNumericType(work.ruled.rulesOfParam(made.path, made.name).value->type)) {
     result.conversions.push_back({0, {made.path, made.name}, edit.value, made.value});
@@ -371,7 +364,7 @@ std::optional<EditResult> SessionImpl::undoAnew() {
     std::size_t const first = count > options_.quickSteps + 1 ? count - options_.quickSteps - 1 : 0;
     for (std::size_t i = 0; i < count; ++i) {
       EditResult result;
-      EffectFinder finder(work->ruled, work->offers, readers_);
+      EffectFinder finder(work->ruled, work->offers, readers_, requests_);
       {
         Trial trial(*work->state);
         for (Edit const& edit : steps_[i].made) {

@@ -105,14 +105,13 @@ TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
       {Edit::setParam("/Plant/Pipe:P1", "Through", "T1,T7"),
        "Refused: The parameter \"Through\" in \"/Plant/Pipe:P1\" cannot have the value \"T1,T7\": item 2 is wrong: it "
        "is "
-       "not an allowed value. Possible now: \"T1\", \"T2\". Nearest: set /Plant/Pipe:P1/Through to \"T1,T1\"."},
+       "not an allowed value. Possible now: \"T1\", \"T2\"."},
       {Edit::addObject("/Plant/Tnk:T3"),
        "Refused: The rules know no object \"Tnk\" in \"/Plant\". Nearest: add /Plant/Tank:T3."},
       {Edit::setParam("/Plant/Tank:T1/Hight", "Unit", "m"),
        "Refused: The rules know no object \"Hight\" in \"/Plant/Tank:T1\"."},
       {Edit::setParam("/Plnt", "Title", "x"), "Refused: \"/Plnt\" is outside of \"/Plant\", which is being edited."},
-      {Edit::setParam("Plant", "Title", "x"),
-       "Refused: \"Plant\" is not the path of an object: \"Plant\" is not a path: it does not begin with \"/\"."},
+      {Edit::setParam("Plant", "Title", "x"), "Refused: \"Plant\" is not a path: a path begins with \"/\"."},
       {Edit::setParam("/Plant:Plant", "Title", "x"),
        "Refused: \"/Plant:Plant\" is written \"/Plant\". Nearest: set /Plant/Title to \"x\"."},
       {Edit::setParam("/Plant", "Title", "two\nlines"), "Refused: Paths, names and values are a single line of text."},
@@ -275,8 +274,13 @@ TEST(SessionEdit, TakesTextsOfAnyLength) {
 TEST(SessionEdit, AnswersAboutPathsOfManyLevels) {
   Tanks tanks;
   std::string path = "/Plant";
-  for (int i = 0; i < 10'000; ++i) path += "/Deep";
+  for (int i = 0; i < 900; ++i) path += "/Deep";
   EXPECT_EQ(tanks->edit(Edit::setParam(path, "Title", "1")).refused->code, RefusalCode::UnknownObject);
+  for (int i = 0; i < 100'000; ++i) path += "/Deep";
+  EXPECT_EQ(sentenceOf(*tanks->edit(Edit::setParam(path, "Title", "1")).refused),
+            "The path has more components than a model can hold.");
+  EXPECT_FALSE(tanks->lookParam(path, "Title"));
+  EXPECT_FALSE(tanks->lookObject(path));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <optional>
 #include <string>
 
@@ -20,7 +19,10 @@ struct TARN_EXPORT Item {
   [[nodiscard]] std::string text() const;
 
   /// By path; an object comes before its parameters.
-  friend auto operator<=>(Item const&, Item const&) = default;
+  friend bool operator<(Item const& a, Item const& b) noexcept {
+    return a.path != b.path ? a.path < b.path : a.name < b.name;
+  }
+  friend bool operator==(Item const&, Item const&) = default;
 };
 
 }  // namespace tarn::session

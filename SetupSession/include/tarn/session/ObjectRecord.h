@@ -20,6 +20,10 @@ struct TARN_EXPORT ObjectRecord {
   std::string name;
   /// As the rules describe the object, or else the entry in its parent; "" when they do not.
   std::string description;
+  /// As in `ParamRecord`, from the entry in the parent.
+  std::string group;
+  std::string label;
+  bool advanced = false;
   bool required = false;
   /// There is at most one object of this type in its parent, without a name.
   bool singleton = false;
@@ -53,6 +57,9 @@ struct TARN_EXPORT ObjectRecord {
 struct TARN_EXPORT ChildTypeRecord {
   std::string type;
   std::string description;
+  std::string group;
+  std::string label;
+  bool advanced = false;
   bool required = false;
   bool singleton = false;
   bool editable = true;

@@ -43,6 +43,11 @@ struct TARN_EXPORT ParamRecord {
   std::string name;
   /// As the rules describe it; "" when they do not.
   std::string description;
+  /// For user interfaces: the group under which the rules show the parameter, the name to show instead of `name`, and
+  /// whether it is folded. "" when the rules give none.
+  std::string group;
+  std::string label;
+  bool advanced = false;
   TDFParam::Type type = TDFParam::String;
   bool required = false;
 
