@@ -44,6 +44,8 @@ class CompiledRule : public Base {
   void collectReads(RuleReads& reads) const override { compiled_->expression->collectReads(reads, PathPattern()); }
   [[nodiscard]] std::string sourceText() const override { return compiled_->source; }
   [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
+  /// For tools that look into the expression.
+  [[nodiscard]] Compiled const& compiled() const noexcept { return *compiled_; }
 
  protected:
   [[nodiscard]] FlatCondition const& condition() const { return compiled_->condition; }

@@ -4,54 +4,18 @@
 #include <vector>
 
 #include <tarn/EvalContext.h>
-#include <tarn/ModelTDF.h>
+
+#include "expression/Nodes.h"
+#include "lint/ValueModel.h"
 
 namespace tarn::rules {
 
 namespace {
 
-/// A model in which nothing exists, for expressions that read nothing.
-class EmptyModel final : public ModelTDF {
- public:
-  bool hasObject(std::string const& /*path*/) const override { return false; }
-  bool hasParameter(std::string const& /*paramPath*/) const override { return false; }
-  bool hasParameter(std::string const& /*objPath*/, std::string const& /*name*/) const override { return false; }
-  std::string const& getObjectName(std::string const& /*path*/) const override { return empty_; }
-  std::string const& getObjectType(std::string const& /*path*/) const override { return empty_; }
-  std::string const& getParameterValue(std::string const& /*paramPath*/) const override { return empty_; }
-  std::string const& getParameterValue(std::string const& /*objPath*/, std::string const& /*name*/) const override {
-    return empty_;
-  }
-  bool getParamValueAsList(std::string const& /*paramPath*/, std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getParamValueAsList(std::string const& /*objPath*/, std::string const& /*name*/,
-                           std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getParameterNames(std::string const& /*path*/, std::vector<std::string>& /*out*/) const override {
-    return false;
-  }
-  bool getChildObjectPaths(std::string const& /*path*/, std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getChildObjectNamesByType(std::string const& /*path*/, std::string const& /*type*/,
-                                 std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-  bool getChildObjectPathsByType(std::string const& /*path*/, std::string const& /*type*/,
-                                 std::vector<std::string>& out) const override {
-    return out.clear(), false;
-  }
-
- private:
-  std::string empty_;
-};
-
 /// Calls `question` with a frame in which nothing can be read.
 template <typename Question>
 auto inNothing(Question question) {
-  EmptyModel const model;
+  ValueModel const model;
   TDFContext const root{std::string{}};
   EvalContext evalContext(&model);
   return question(Frame{model, root, &evalContext});
@@ -60,9 +24,25 @@ auto inNothing(Question question) {
 }  // namespace
 
 bool readsNothing(Expression const& expression) {
-  RuleReads reads;
-  expression.collectReads(reads, PathPattern());
-  return !reads.readsModel() && !reads.contextIdentity;
+  // Not by the reads: the names around a part of an expression are not known here.
+  std::vector<Expression const*> open{&expression};
+  while (!open.empty()) {
+    auto const* part = open.back();
+    open.pop_back();
+    if (dynamic_cast<ParameterReference const*>(part) != nullptr || dynamic_cast<ObjectSet const*>(part) != nullptr) {
+      return false;
+    }
+    auto const* call = dynamic_cast<FunctionCall const*>(part);
+    if (call != nullptr && call->function().readsContextIdentity) return false;
+    if (dynamic_cast<NamedCall const*>(part) != nullptr) {
+      RuleReads reads;
+      part->collectReads(reads, PathPattern());
+      if (reads.readsModel() || reads.contextIdentity) return false;
+    }
+    auto const operands = part->operands();
+    open.insert(open.end(), operands.begin(), operands.end());
+  }
+  return true;
 }
 
 bool constantTruth(Expression const& expression) {
@@ -71,6 +51,10 @@ bool constantTruth(Expression const& expression) {
 
 double constantNumber(Expression const& expression) {
   return inNothing([&](Frame const& frame) { return expression.number(frame); });
+}
+
+std::string constantText(Expression const& expression) {
+  return inNothing([&](Frame const& frame) { return expression.text(frame); });
 }
 
 }  // namespace tarn::rules

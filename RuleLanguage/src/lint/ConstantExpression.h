@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "expression/Expression.h"
 
 namespace tarn::rules {
@@ -12,5 +14,7 @@ namespace tarn::rules {
 [[nodiscard]] bool constantTruth(Expression const& expression);
 /// The same as a number.
 [[nodiscard]] double constantNumber(Expression const& expression);
+/// The same as a text.
+[[nodiscard]] std::string constantText(Expression const& expression);
 
 }  // namespace tarn::rules

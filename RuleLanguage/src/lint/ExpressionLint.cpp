@@ -1,5 +1,4 @@
-// Checks of single expressions: paths that the rules do not define, comparisons that can never be true, conditions that
-// can never hold, and computed names that no object can have.
+// Checks of single expressions: paths that the rules do not define, and computed names that no object can have.
 
 #include "lint/ExpressionLint.h"
 
@@ -106,58 +105,6 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
   }
 }
 
-// A condition that can never hold
-
-/// True when two of the conditions, which must all hold, compare one parameter with different texts.
-bool contradicts(std::vector<Expression const*> const& parts) {
-  std::map<std::string, std::set<std::string>> wanted;
-  for (auto const* part : parts) {
-    auto const* comparison = dynamic_cast<Comparison const*>(part);
-    if (comparison == nullptr || comparison->op() != Comparison::Operator::Equal) continue;
-    for (bool const swapped : {false, true}) {
-      auto const& one = swapped ? comparison->right() : comparison->left();
-      auto const& other = swapped ? comparison->left() : comparison->right();
-      auto const* parameter = dynamic_cast<ParameterReference const*>(&one);
-      auto const* literal = dynamic_cast<Literal const*>(&other);
-      if (parameter == nullptr || literal == nullptr || literal->kind() != Kind::Text) continue;
-      auto& texts = wanted[parameter->spelling()];
-      texts.insert(literal->rawText());
-      if (texts.size() > 1) return true;
-    }
-  }
-  return false;
-}
-
-/// True when the form of the condition shows that it can never hold.
-bool neverHolds(Expression const& expression) {
-  if (readsNothing(expression)) return !constantTruth(expression);
-  auto const* logic = dynamic_cast<Logic const*>(&expression);
-  if (logic == nullptr) {
-    if (dynamic_cast<Kept const*>(&expression) != nullptr) return neverHolds(*expression.operands().front());
-    auto const* membership = dynamic_cast<Membership const*>(&expression);
-    auto const* list = membership != nullptr ? dynamic_cast<ListLiteral const*>(&membership->items()) : nullptr;
-    return list != nullptr && !membership->negated() && list->operands().empty() && list->fixedItems().empty();
-  }
-  auto const parts = logic->operands();
-  switch (logic->op()) {
-    case Logic::Operator::And:
-      return std::any_of(parts.begin(), parts.end(), [](auto const* part) { return neverHolds(*part); }) ||
-             contradicts(parts);
-    case Logic::Operator::Or:
-      return std::all_of(parts.begin(), parts.end(), [](auto const* part) { return neverHolds(*part); });
-    default:
-      return false;
-  }
-}
-
-void checkCondition(LintContext& context, ExpressionUse const& use) {
-  if (use.role != Role::Condition) return;
-  auto const& expression = *use.compiled->expression;
-  if (neverHolds(expression)) {
-    context.warn(Code::NeverHolds, use, expression.range(), "this condition can never hold");
-  }
-}
-
 // Computed names that no object can have
 
 /// Checks the parts of an expression for names that are written out: the whole text, the items of lists, and the texts
@@ -221,7 +168,6 @@ void checkNames(LintContext& context, ExpressionUse const& use) {
 
 void checkExpression(LintContext& context, ExpressionUse const& use) {
   checkPaths(context, use);
-  checkCondition(context, use);
   checkNames(context, use);
 }
 

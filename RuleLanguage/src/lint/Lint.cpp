@@ -9,11 +9,13 @@
 
 #include "expression/NearMatch.h"
 #include "lint/ComparisonLint.h"
+#include "lint/ConditionLint.h"
 #include "lint/EntryLint.h"
 #include "lint/ExpressionLint.h"
 #include "lint/LintContext.h"
 #include "lint/OrderLint.h"
 #include "lint/UnitLint.h"
+#include "lint/UnusedLint.h"
 #include "lint/ValueLint.h"
 
 namespace tarn::rules {
@@ -55,8 +57,10 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
     checkOrder(context, use);
     checkQuantities(context, use);
   }
+  checkConditions(context);
   checkEntries(context);
   checkUnits(context);
+  checkUnused(context);
   checkMessages(context);
   checkRoots(context);
 }

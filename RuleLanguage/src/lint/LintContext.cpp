@@ -32,13 +32,25 @@ Diagnostic& LintContext::warn(Code code, Item const& item, std::string message) 
   return warning;
 }
 
-void LintContext::warn(Code code, ExpressionUse const& use, Range range, std::string message,
-                       std::optional<Replacement> const& fix) {
+Diagnostic& LintContext::warn(Code code, ExpressionUse const& use, Range range, std::string message,
+                              std::optional<Replacement> const& fix) {
+  if (code == Code::ImpossibleValue || code == Code::ComparedAsWritten || code == Code::DivisionByZero) {
+    faults_[use.item.node].push_back(range);
+  }
   std::size_t const offset = use.skipped + range.offset;
   SourceRange const place = rangeInScalar(*use.item.source, *use.item.node, offset, range.length, &walk_);
   auto& warning = diagnostics_.add(code, *use.item.source, place, std::move(message));
   noteTaken(warning, use.taken);
   if (fix) RuleBuilder::fixExpression(warning, use.item, use.skipped, *fix, &fixWalk_);
+  return warning;
+}
+
+bool LintContext::hasFaultInside(ExpressionUse const& use, Range range) const {
+  auto const faults = faults_.find(use.item.node);
+  if (faults == faults_.end()) return false;
+  return std::any_of(faults->second.begin(), faults->second.end(), [&](Range const& fault) {
+    return range.offset <= fault.offset && fault.offset + fault.length <= range.offset + range.length;
+  });
 }
 
 void LintContext::fixText(Diagnostic& warning, Item const& item, std::string_view text, std::string_view replacement) {

@@ -52,8 +52,12 @@ class LintContext {
   /// Adds a warning about a whole scalar or list. The reference is valid until the next warning.
   Diagnostic& warn(Code code, Item const& item, std::string message);
   /// Adds a warning about a part of an expression.
-  void warn(Code code, ExpressionUse const& use, Range range, std::string message,
-            std::optional<Replacement> const& fix = std::nullopt);
+  Diagnostic& warn(Code code, ExpressionUse const& use, Range range, std::string message,
+                   std::optional<Replacement> const& fix = std::nullopt);
+  /// Whether a comparison inside `range` was reported that cannot be meant. What follows from it is not reported too.
+  [[nodiscard]] bool hasFaultInside(ExpressionUse const& use, Range range) const;
+  /// Names the cause of the last warning, see `DiagnosticList::setCause`.
+  void setCause(std::string cause) { diagnostics_.setCause(std::move(cause)); }
   /// Gives a warning a fix that writes `replacement` instead of `text`, where `text` is the whole of a scalar or an
   /// item of a list. Does nothing when `replacement` is empty or the text is written in another way.
   static void fixText(Diagnostic& warning, Item const& item, std::string_view text, std::string_view replacement);
@@ -82,6 +86,7 @@ class LintContext {
   std::unordered_map<ObjDependDef const*, EntryPositions> positions_;
   std::unordered_map<std::string, TypePaths> resolved_;
   std::unordered_map<NamedRule const*, std::string const*> impossibleNames_;
+  std::unordered_map<YamlNode const*, std::vector<Range>> faults_;  // by the scalar of the expression
   // Two walks, so that the search for a fix does not throw back the search for the next warning.
   ScalarWalk walk_;
   ScalarWalk fixWalk_;

@@ -45,13 +45,13 @@ Pertinent Roots: [Case]
             R"text(flow.rules.yaml:3:13: warning: the rules define no parameter 'Motin'
     3 |   relative: ${Motin} == 'x'
       |             ^~~~~~~~
-flow.rules.yaml:4:10: warning: this condition can never hold
+flow.rules.yaml:4:10: warning: this condition can never hold; correct it, or remove what depends on it
     4 |   never: false
       |          ^~~~~
 flow.rules.yaml:5:15: warning: the rules define no parameter 'Motion'
     5 |   impossible: ${Motion} == 'Rotating' and ${Motion} == 'Resting'
       |               ^~~~~~~~~
-flow.rules.yaml:5:15: warning: this condition can never hold
+flow.rules.yaml:5:15: warning: this condition can never hold; correct it, or remove what depends on it
     5 |   impossible: ${Motion} == 'Rotating' and ${Motion} == 'Resting'
       |               ^~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~
 flow.rules.yaml:5:43: warning: the rules define no parameter 'Motion'
@@ -60,7 +60,7 @@ flow.rules.yaml:5:43: warning: the rules define no parameter 'Motion'
 flow.rules.yaml:6:9: warning: the rules define no parameter 'Motion'
     6 |   none: ${Motion} in ()
       |         ^~~~~~~~~
-flow.rules.yaml:6:9: warning: this condition can never hold
+flow.rules.yaml:6:9: warning: this condition can never hold; correct it, or remove what depends on it
     6 |   none: ${Motion} in ()
       |         ^~~~~~~~~~~~~~~
 )text");

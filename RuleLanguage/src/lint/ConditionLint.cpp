@@ -1,0 +1,708 @@
+// Conditions that can never or must always hold. A condition is first judged by itself, with what the rules say about
+// the values of the parameters in it. Then it is judged together with facts: what holds wherever it is evaluated. The
+// object exists, so its child entries are available and live; a parameter that exists is available; and so on. Facts
+// can be left out without making a verdict wrong, so there are limits to how many are used.
+
+#include "lint/ConditionLint.h"
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include <tarn/PathUtils.h>
+#include <tarn/TDFParam.h>
+
+#include "expression/CompiledRules.h"
+#include "expression/NamedRule.h"
+#include "lint/ConditionTerms.h"
+#include "lint/ConstantExpression.h"
+
+namespace tarn::rules {
+
+namespace {
+
+using Node = ConditionFormula::Node;
+
+enum class Verdict { Open, Never, Always, GivenUp, Unreachable };
+
+/// Something that holds wherever a condition is evaluated.
+struct Fact {
+  Node node;
+  Item item;  // where it is written
+  std::string meaning;
+};
+
+/// An analysis that goes further into what parameters depend on hardly ever finds more.
+constexpr std::size_t mostRounds = 3;
+constexpr std::size_t mostParameters = 16;
+constexpr std::size_t mostContextRules = 4;
+/// Longer check lists are only analysed up to here.
+constexpr std::size_t longestList = 50;
+constexpr std::size_t mostListedValues = 5;
+
+bool isLiteral(Expression const& expression, bool value) {
+  auto const* literal = dynamic_cast<Literal const*>(&expression);
+  return literal != nullptr && literal->kind() == Kind::Truth && constantTruth(*literal) == value;
+}
+
+Compiled const* compiledOf(std::unique_ptr<Condition> const& condition) {
+  auto const* rule = dynamic_cast<CompiledCondition const*>(condition.get());
+  return rule != nullptr ? &rule->compiled() : nullptr;
+}
+
+/// Whether `name` is at `path` or above the object at `context`.
+bool isAtOrAbove(std::string const& path, std::string const& context) {
+  return context.starts_with(path) && (context.size() == path.size() || context[path.size()] == '/' || path.empty());
+}
+
+/// A scope for a condition whose object is not known. No two paths that can be different meet in it.
+ConditionScope unknownScope(Expression const& expression, Base base = {}) {
+  std::vector<PathUse> paths;
+  base.context = PathPattern();
+  expression.collectPaths(paths, base);
+  std::size_t mostParents = 0;
+  std::vector<std::string> nearest;
+  for (auto const& path : paths) {
+    auto const& steps = path.pattern.steps();
+    mostParents =
+        std::max(mostParents,
+                 static_cast<std::size_t>(std::count_if(steps.begin(), steps.end(), [](PathPattern::Step const& step) {
+                   return step.kind == PathPattern::StepKind::Parent;
+                 })));
+    auto const& type = path.pattern.startType();
+    if (path.pattern.start() != PathPattern::Start::Nearest) continue;
+    if (std::find(nearest.begin(), nearest.end(), type) == nearest.end()) nearest.push_back(type);
+  }
+  ConditionScope scope;
+  std::size_t number = 0;
+  auto const addUnknown = [&] {
+    for (std::size_t i = 0; i <= mostParents; ++i) scope.context += "/\3:" + std::to_string(++number);
+  };
+  addUnknown();
+  for (auto const& type : nearest) {
+    scope.context += "/" + type + ":\3";
+    addUnknown();
+  }
+  // The owner may be another object than the context.
+  scope.owner = scope.context + "/\4:owner";
+  for (std::size_t i = 0; i <= mostParents; ++i) scope.owner += "/\4:" + std::to_string(++number);
+  return scope;
+}
+
+/// One condition that is judged, with what it needs.
+struct Subject {
+  Expression const* expression;
+  std::string_view source;
+  ConditionScope scope;
+  /// The object in which it is evaluated; null when that is not known.
+  ObjDependDef const* object = nullptr;
+};
+
+class ConditionLint {
+ public:
+  explicit ConditionLint(LintContext& context)
+      : context_(context), isLookedInto_([this](NamedRule const& rule) { return !isDecided(rule); }) {}
+
+  void run() {
+    auto const& uses = context_.rules().uses();
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+      auto const& use = uses[i];
+      if (use.role == Role::Condition) {
+        if (isOfCheckList(use)) {
+          std::size_t end = i + 1;
+          while (end < uses.size() && isSameList(use, uses[end])) ++end;
+          checkList(i, end);
+          i = end - 1;
+        } else {
+          check(use);
+        }
+      } else {
+        checkQuantifiers(use, *use.compiled->expression);
+      }
+    }
+    for (auto const* object : context_.data().objects()) {
+      for (auto const& param : object->params()) {
+        if (!param->contexts.empty()) checkContexts(*object, param.get(), nullptr);
+      }
+      for (auto const& child : object->children()) {
+        if (!child->contexts.empty()) checkContexts(*object, nullptr, child.get());
+      }
+    }
+  }
+
+ private:
+  // What is judged
+
+  static bool isOfCheckList(ExpressionUse const& use) {
+    return use.attribute == "Default Value Check List" || use.attribute == "Value Override Check List";
+  }
+  /// Whether `other` is a later expression of the list that `use` begins.
+  static bool isSameList(ExpressionUse const& use, ExpressionUse const& other) {
+    return other.attribute == use.attribute && other.kind == use.kind && other.entry == use.entry &&
+           other.typePath == use.typePath;
+  }
+
+  [[nodiscard]] Subject subjectOf(ExpressionUse const& use) const {
+    Subject subject{use.compiled->expression.get(), use.compiled->source, {}, nullptr};
+    if (use.named != nullptr) {
+      subject.scope = unknownScope(*subject.expression);
+    } else if (!use.typePath.empty()) {
+      subject.scope.context = subject.scope.owner = representative(context_.data(), use.typePath);
+      subject.object = context_.data().getObjDependDef(use.typePath, true);
+    }
+    return subject;
+  }
+
+  /// A named check that holds always or never is reported where it is defined, and so is a constant, which may be a
+  /// switch that people turn. Rules that call it are not affected.
+  bool isDecided(NamedRule const& rule) {
+    auto const [known, isNew] = decided_.try_emplace(&rule, true);
+    if (!isNew) return known->second;
+    bool decided = false;
+    if (auto const* body = rule.expression()) {
+      Subject const subject{body, rule.source(), unknownScope(*body)};
+      ConditionTerms terms(context_.data(), isLookedInto_);
+      auto const node = terms.add(*body, rule.source(), subject.scope);
+      std::vector<Fact> facts;
+      addFacts(terms, subject, nullptr, facts);
+      if (!terms.isTooLarge()) {
+        terms.finish();
+        std::size_t steps = conditionSteps;
+        auto const verdict = judge(terms, nodesOf(relevant(terms, std::move(facts), node)), node, steps);
+        decided = verdict == Verdict::Never || verdict == Verdict::Always;
+      }
+    }
+    decided_[&rule] = decided;
+    return decided;
+  }
+
+  // Verdicts
+
+  [[nodiscard]] static Verdict judge(ConditionTerms& terms, std::vector<Node> nodes, Node condition,
+                                     std::size_t& steps) {
+    nodes.push_back(condition);
+    auto const canHold = terms.formula().isSatisfiable(nodes, steps);
+    if (!canHold) return Verdict::GivenUp;
+    nodes.back() = terms.formula().negation(condition);
+    auto const canFail = terms.formula().isSatisfiable(nodes, steps);
+    if (!canFail) return Verdict::GivenUp;
+    if (!*canHold) return *canFail ? Verdict::Never : Verdict::Unreachable;
+    return *canFail ? Verdict::Open : Verdict::Always;
+  }
+
+  [[nodiscard]] static std::vector<Node> nodesOf(std::vector<Fact> const& facts) {
+    std::vector<Node> nodes;
+    for (auto const& fact : facts) nodes.push_back(fact.node);
+    return nodes;
+  }
+
+  /// The facts that have to do with the condition: that share a parameter with it, or with a fact that does.
+  [[nodiscard]] static std::vector<Fact> relevant(ConditionTerms& terms, std::vector<Fact> facts, Node condition) {
+    auto& formula = terms.formula();
+    std::vector<bool> marks(formula.variableCount());
+    formula.markVariables(condition, marks);
+    std::vector<Fact> found;
+    for (bool isChanged = true; isChanged && !facts.empty();) {
+      isChanged = false;
+      for (auto fact = facts.begin(); fact != facts.end();) {
+        std::vector<bool> own(marks.size());
+        formula.markVariables(fact->node, own);
+        bool meets = false;
+        for (std::size_t i = 0; i < own.size(); ++i) meets |= own[i] && marks[i];
+        if (!meets) {
+          ++fact;
+          continue;
+        }
+        for (std::size_t i = 0; i < own.size(); ++i) marks[i] = marks[i] || own[i];
+        found.push_back(std::move(*fact));
+        fact = facts.erase(fact);
+        isChanged = true;
+      }
+    }
+    return found;
+  }
+
+  /// Leaves out the facts without which the verdict is the same.
+  static void reduce(ConditionTerms& terms, std::vector<Fact>& facts, Node condition, Verdict verdict,
+                     std::size_t& steps) {
+    for (std::size_t i = 0; i < facts.size();) {
+      auto nodes = nodesOf(facts);
+      nodes.erase(nodes.begin() + static_cast<std::ptrdiff_t>(i));
+      if (judge(terms, std::move(nodes), condition, steps) == verdict) {
+        facts.erase(facts.begin() + static_cast<std::ptrdiff_t>(i));
+      } else {
+        ++i;
+      }
+    }
+  }
+
+  // Facts
+
+  [[nodiscard]] Item placeOf(std::string const& typePath, std::string const& name, bool isChild,
+                             std::string_view attribute) const {
+    auto const& places = isChild ? context_.rules().childPlaces() : context_.rules().paramPlaces();
+    auto const entry = places.find({typePath, name});
+    if (entry == places.end()) return {};
+    auto const found = entry->second.attributes.find(attribute);
+    return found == entry->second.attributes.end() ? entry->second.name : found->second;
+  }
+
+  /// The condition that the last context rule parameter before the entry has one of `contexts`. Nothing when the entry
+  /// has too many context rules before it. `end` is the number of parameters before the entry.
+  [[nodiscard]] std::optional<Node> liveNode(ConditionTerms& terms, ObjDependDef const& object, std::string const& path,
+                                             std::vector<std::string> const& contexts, std::size_t end) {
+    auto const& positions = context_.positionsOf(object).contextRules;
+    auto const last = std::lower_bound(positions.begin(), positions.end(), end);
+    if (static_cast<std::size_t>(last - positions.begin()) > mostContextRules) return std::nullopt;
+    auto& formula = terms.formula();
+    Node live = formula.constant(std::find(contexts.begin(), contexts.end(), "") != contexts.end());
+    for (auto position = positions.begin(); position != last; ++position) {
+      auto const& name = object.params()[*position]->name;
+      Node const absent = formula.negation(terms.addExists(path, name));
+      live = formula.disjunction({terms.addHasOneOf(path, name, contexts), formula.conjunction({absent, live})});
+    }
+    return live;
+  }
+
+  /// The two conditions of an entry, when it has them.
+  template <typename Entry>
+  void addEntryFacts(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
+                     std::string const& name, std::size_t end, bool isChild, std::string const& meaning,
+                     std::vector<Fact>& facts) {
+    if (!entry.contexts.empty()) {
+      if (auto const live = liveNode(terms, object, path, entry.contexts, end)) {
+        facts.push_back({*live, placeOf(object.typePath(), name, isChild, "Context"), meaning});
+      }
+    }
+    if (auto const* compiled = compiledOf(entry.available)) {
+      Node const node = terms.add(*compiled->expression, compiled->source, {path, path});
+      facts.push_back({node, placeOf(object.typePath(), name, isChild, "Available"), meaning});
+    }
+  }
+
+  [[nodiscard]] std::size_t positionOf(ObjDependDef const& object, std::string const& parameter) {
+    return EntryPositions::indexIn(context_.positionsOf(object).params, parameter);
+  }
+
+  /// The object at `path` exists, so the child entries of it and of all objects above it are live and available.
+  void addObjectFacts(ConditionTerms& terms, std::string const& path, std::vector<Fact>& facts) {
+    std::string_view object = path;
+    while (!object.empty() && !terms.isTooLarge()) {
+      std::string const parentPath(PathUtils::parentOf(object));
+      std::string const type(PathUtils::lastType(object));
+      auto const* parent = context_.data().getObjDependDef(PathUtils::typePathOf(parentPath), true);
+      auto const* child = parent != nullptr ? parent->findChild(type) : nullptr;
+      if (child != nullptr) {
+        addEntryFacts(terms, *parent, parentPath, *child, type, parent->params().size(), true,
+                      "an object " + inQuotes(type) + " exists only under this condition", facts);
+      }
+      object = PathUtils::parentOf(object);
+    }
+  }
+
+  /// A parameter that exists is live and available, and one that is required exists then.
+  void addParameterFacts(ConditionTerms& terms, Subject const& subject, std::size_t end, std::vector<Fact>& facts) {
+    for (std::size_t round = 0, from = 0; round < mostRounds; ++round) {
+      std::size_t const known = terms.parameters().size();
+      for (std::size_t i = from; i < known && i < mostParameters && !terms.isTooLarge(); ++i) {
+        auto const parameter = terms.parameters()[i];
+        if (parameter.entry == nullptr || parameter.entry->validationRelaxed) continue;
+        // What follows from a parameter that never exists is not reported too.
+        if (neverThere_.contains(parameter.entry)) continue;
+        auto const& entry = *parameter.entry;
+        auto const* object = context_.data().getObjDependDef(PathUtils::typePathOf(parameter.path), true);
+        if (object == nullptr) continue;
+        std::size_t const position = positionOf(*object, parameter.name);
+        // What comes later in a walk may not be there yet.
+        bool const isEarlier =
+            isAtOrAbove(parameter.path, subject.scope.context) && (object != subject.object || position < end);
+        bool const isRequired = entry.required && isEarlier && alwaysHasValues(*entry.valueDef(), parameter);
+        if (entry.contexts.empty() && entry.available == nullptr) {
+          if (isRequired) terms.setAlwaysThere(i);
+          continue;
+        }
+        std::vector<Fact> own;
+        addEntryFacts(terms, *object, parameter.path, entry, parameter.name, position, false,
+                      "the parameter " + inQuotes(parameter.name) + " exists only under this condition", own);
+        auto& formula = terms.formula();
+        Node const exists = terms.addExists(parameter.path, parameter.name);
+        std::vector<Node> conditions;
+        for (auto& fact : own) {
+          conditions.push_back(fact.node);
+          fact.node = formula.disjunction({formula.negation(exists), fact.node});
+          facts.push_back(std::move(fact));
+        }
+        // Without the condition for being live it is not known when the parameter must exist.
+        bool const isComplete =
+            conditions.size() == (entry.contexts.empty() ? 0U : 1U) + (entry.available == nullptr ? 0U : 1U);
+        if (isRequired && isComplete) {
+          facts.push_back({formula.disjunction({exists, formula.negation(formula.conjunction(std::move(conditions)))}),
+                           placeOf(object->typePath(), parameter.name, false, "Required"),
+                           "the parameter " + inQuotes(parameter.name) + " is required"});
+        }
+      }
+      if (terms.parameters().size() == known) return;
+      from = known;
+    }
+  }
+
+  /// Whether a parameter has a value to choose whenever it is available. Without one it would not be available.
+  [[nodiscard]] static bool alwaysHasValues(ParamValueDef const& def, ConditionTerms::Parameter const& parameter) {
+    if (def.allowedValueKind == ParamValueDef::NoAllowedValues || def.availableWithNoAllowedValues) return true;
+    return parameter.values.has_value() && def.allowedValueChecks.empty();
+  }
+
+  /// What holds wherever a rule of an entry is evaluated.
+  void addFacts(ConditionTerms& terms, Subject const& subject, ExpressionUse const* use, std::vector<Fact>& facts) {
+    std::size_t end = static_cast<std::size_t>(-1);
+    if (subject.object != nullptr) {
+      addObjectFacts(terms, subject.scope.context, facts);
+      if (use != nullptr && use->kind == EntryKind::Parameter) {
+        if (auto const* entry = subject.object->findParam(use->entry)) {
+          end = positionOf(*subject.object, use->entry);
+          addOwnFacts(terms, subject, *use, *entry, end, false, facts);
+        }
+      } else if (use != nullptr && use->kind == EntryKind::Child) {
+        if (auto const* entry = subject.object->findChild(use->entry)) {
+          addOwnFacts(terms, subject, *use, *entry, subject.object->params().size(), true, facts);
+        }
+      } else if (use != nullptr && use->attribute != "When") {
+        for (auto const& one : subject.object->checks()) {
+          if (one->name != use->entry) continue;
+          if (auto const* when = compiledOf(one->when)) {
+            facts.push_back({terms.add(*when->expression, when->source, subject.scope), {}, {}});
+          }
+        }
+      }
+    }
+    addParameterFacts(terms, subject, end, facts);
+  }
+
+  template <typename Entry>
+  void addOwnFacts(ConditionTerms& terms, Subject const& subject, ExpressionUse const& use, Entry const& entry,
+                   std::size_t end, bool isChild, std::vector<Fact>& facts) {
+    std::vector<Fact> own;
+    addEntryFacts(terms, *subject.object, subject.scope.context, entry, use.entry, end, isChild,
+                  "this is evaluated only under this condition", own);
+    // An entry that is not live is not evaluated at all.
+    if (use.attribute == "Available" && entry.available != nullptr && !own.empty()) own.pop_back();
+    for (auto& fact : own) facts.push_back(std::move(fact));
+  }
+
+  // Reports
+
+  /// The reason for a verdict that the rules for the values of parameters give. Empty when the form of the condition
+  /// alone gives it.
+  [[nodiscard]] static std::string reasonOf(ConditionTerms& terms, std::vector<Node> const& facts, Node condition,
+                                            Verdict verdict) {
+    std::string reason;
+    for (std::size_t i = 0; i < terms.parameters().size(); ++i) {
+      auto const former = terms.parameters()[i];
+      if (!former.values && !former.isAlwaysThere) continue;
+      terms.setOpen(i);
+      terms.finish();
+      std::size_t steps = conditionSteps;
+      bool const isNeeded = terms.needsAllValues(i) || judge(terms, facts, condition, steps) != verdict;
+      if (isNeeded) {
+        reason += reason.empty() ? ", because " : ", and ";
+        reason += inQuotes(former.name);
+        if (former.isAlwaysThere) reason += " is required";
+        if (former.isAlwaysThere && former.values) reason += " and";
+        if (former.values) reason += " can only be " + listed(*former.values);
+      }
+      terms.restore(i, former);
+    }
+    terms.finish();
+    return reason;
+  }
+
+  [[nodiscard]] static std::string listed(std::vector<std::string> const& values) {
+    if (values.size() > mostListedValues) return "one of its allowed values";
+    std::string text;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (i > 0) text += i + 1 == values.size() ? " or " : ", ";
+      text += values[i].empty() ? "blank" : inQuotes(values[i]);
+    }
+    return text;
+  }
+
+  static std::string textOf(Verdict verdict, std::string const& what, std::string const& reason) {
+    return verdict == Verdict::Never ? what + " can never hold" + reason + "; correct it, or remove what depends on it"
+                                     : what + " always holds" + reason + "; correct it, or leave it out";
+  }
+
+  void warn(ExpressionUse const& use, Expression const& part, Verdict verdict, std::string const& what,
+            std::string const& reason, std::vector<Fact> const& facts) {
+    if (context_.hasFaultInside(use, part.range())) return;
+    auto& warning = context_.warn(verdict == Verdict::Never ? Code::NeverHolds : Code::AlwaysHolds, use, part.range(),
+                                  textOf(verdict, what, reason));
+    addNotes(warning, facts);
+  }
+
+  static void addNotes(Diagnostic& warning, std::vector<Fact> const& facts) {
+    for (auto const& fact : facts) {
+      if (fact.item) DiagnosticList::note(warning, *fact.item.source, fact.item.node->range(), fact.meaning);
+    }
+  }
+
+  /// Whether a verdict is what the author has written on purpose.
+  [[nodiscard]] bool isMeant(ExpressionUse const& use, Expression const& expression, Subject const& subject) const {
+    if (isLiteral(expression, true)) return true;
+    // `When: ..., Check: false` is the way to forbid something.
+    if (use.kind != EntryKind::Check || use.attribute != "Check" || !isLiteral(expression, false)) return false;
+    if (subject.object == nullptr) return false;
+    for (auto const& one : subject.object->checks()) {
+      if (one->name == use.entry) return one->when != nullptr;
+    }
+    return false;
+  }
+
+  void giveUp(ExpressionUse const& use, Expression const& expression) {
+    context_.warn(Code::AnalysisGivenUp, use, expression.range(),
+                  "lint did not find out whether this condition always or never holds; divide it into named checks");
+  }
+
+  // The checks
+
+  void check(ExpressionUse const& use) {
+    auto const subject = subjectOf(use);
+    if (!isMeant(use, *subject.expression, subject)) {
+      auto const verdict = judgeAndReport(use, subject, &use);
+      bool const isAvailability = use.kind == EntryKind::Parameter && use.attribute == "Available";
+      if (verdict == Verdict::Never && isAvailability && subject.object != nullptr) {
+        neverThere_.insert(subject.object->findParam(use.entry));
+      }
+    }
+    checkQuantifiers(use, *subject.expression);
+  }
+
+  /// Judges one condition and, when it is open, its parts. Returns its verdict. `entryUse` is null for a condition that
+  /// is evaluated in other objects than those that have it.
+  Verdict judgeAndReport(ExpressionUse const& use, Subject const& subject, ExpressionUse const* entryUse) {
+    ConditionTerms terms(context_.data(), isLookedInto_);
+    Node const node = terms.add(*subject.expression, subject.source, subject.scope);
+    auto const operands = terms.operands();
+    if (terms.isTooLarge()) {
+      giveUp(use, *subject.expression);
+      return Verdict::GivenUp;
+    }
+    std::vector<Fact> facts;
+    addFacts(terms, subject, entryUse, facts);
+    if (terms.isTooLarge()) {
+      // The condition alone can be analysed.
+      ConditionTerms alone(context_.data(), isLookedInto_);
+      Node const only = alone.add(*subject.expression, subject.source, subject.scope);
+      return judgeWith(use, subject, alone, only, alone.operands(), {});
+    }
+    return judgeWith(use, subject, terms, node, operands, std::move(facts));
+  }
+
+  Verdict judgeWith(ExpressionUse const& use, Subject const& subject, ConditionTerms& terms, Node node,
+                    std::vector<ConditionTerms::Operand> const& operands, std::vector<Fact> facts) {
+    terms.finish();
+    std::size_t steps = conditionSteps;
+    auto verdict = judge(terms, {}, node, steps);
+    if (verdict == Verdict::Never || verdict == Verdict::Always) {
+      warn(use, *subject.expression, verdict, "this condition", reasonOf(terms, {}, node, verdict), {});
+      return verdict;
+    }
+    facts = relevant(terms, std::move(facts), node);
+    if (verdict == Verdict::Open && !facts.empty()) {
+      verdict = judge(terms, nodesOf(facts), node, steps);
+      if (verdict == Verdict::Never || verdict == Verdict::Always) {
+        reduce(terms, facts, node, verdict, steps);
+        auto const reason = reasonOf(terms, nodesOf(facts), node, verdict);
+        warn(use, *subject.expression, verdict, "where it is evaluated this condition", reason, facts);
+        return verdict;
+      }
+    }
+    std::vector<Expression const*> reported;
+    for (auto operand = operands.rbegin(); operand != operands.rend() && verdict != Verdict::GivenUp; ++operand) {
+      auto const* part = operand->expression;
+      auto const isInside = [&](Expression const* other) {
+        auto const& outer = other->range();
+        auto const& inner = part->range();
+        return outer.offset <= inner.offset && inner.offset + inner.length <= outer.offset + outer.length;
+      };
+      // The parts of a part are before it.
+      if (std::any_of(reported.begin(), reported.end(), isInside)) continue;
+      if (isLiteral(*part, true) || isLiteral(*part, false)) continue;
+      auto const ofPart = judge(terms, {}, operand->node, steps);
+      if (ofPart == Verdict::GivenUp) verdict = ofPart;
+      if (ofPart != Verdict::Never && ofPart != Verdict::Always) continue;
+      reported.push_back(part);
+      warn(use, *part, ofPart, "this part of the condition", reasonOf(terms, {}, operand->node, ofPart), {});
+    }
+    if (verdict == Verdict::GivenUp) giveUp(use, *subject.expression);
+    return verdict;
+  }
+
+  /// The conditions of `any`, `all`, `count` and `filter`, which are evaluated in other objects.
+  void checkQuantifiers(ExpressionUse const& use, Expression const& expression) {
+    struct Part {
+      Expression const* expression;
+      Base base;
+    };
+    std::vector<Part> open{{&expression, Base()}};
+    while (!open.empty()) {
+      auto const [part, base] = std::move(open.back());
+      open.pop_back();
+      auto const operands = part->operands();
+      if (operands.size() == 2 && dynamic_cast<Quantifier const*>(part) != nullptr) {
+        checkBody(use, *operands[1], part->operandBase(1, base));
+      }
+      for (std::size_t i = 0; i < operands.size(); ++i) open.push_back({operands[i], part->operandBase(i, base)});
+    }
+  }
+
+  void checkBody(ExpressionUse const& use, Expression const& body, Base const& base) {
+    auto const& objects = base.context;
+    if (isLiteral(body, true)) return;
+    Subject subject{&body, use.compiled->source, unknownScope(body, base), nullptr};
+    auto const types = context_.resolve(use, objects);
+    bool const isKnown = types->size() == 1 && !types->begin()->empty();
+    if (isKnown && (use.named == nullptr || objects.isAbsolute())) {
+      subject.object = context_.data().getObjDependDef(*types->begin(), true);
+      subject.scope.context = representative(context_.data(), *types->begin(), '\2');
+      if (use.named == nullptr) subject.scope.owner = representative(context_.data(), use.typePath);
+    }
+    judgeAndReport(use, subject, nullptr);
+  }
+
+  /// The conditions of a check list, of which the first that holds applies. `begin` and `end` are indexes in `uses`.
+  void checkList(std::size_t begin, std::size_t end) {
+    auto const& uses = context_.rules().uses();
+    std::vector<ExpressionUse const*> conditions;
+    ExpressionUse const* always = nullptr;
+    bool isReported = false;
+    for (std::size_t i = begin; i < end; ++i) {
+      auto const& use = uses[i];
+      if (use.role != Role::Condition) {
+        checkQuantifiers(use, *use.compiled->expression);
+        continue;
+      }
+      auto const subject = subjectOf(use);
+      if (always != nullptr) {
+        if (!std::exchange(isReported, true)) reportUnreachable(use, {always});
+        continue;
+      }
+      checkQuantifiers(use, *subject.expression);
+      if (isLiteral(*subject.expression, true)) {
+        always = &use;
+        continue;
+      }
+      auto const verdict = judgeAndReport(use, subject, &use);
+      if (verdict == Verdict::Always) always = &use;
+      if (verdict == Verdict::Open && !conditions.empty() && conditions.size() < longestList &&
+          isCovered(conditions, &use)) {
+        reportUnreachable(use, conditions);
+      }
+      if (verdict != Verdict::Never) conditions.push_back(&use);
+    }
+    if (uses[begin].attribute == "Default Value Check List") checkDefaultBehind(uses[begin], always, conditions);
+  }
+
+  /// Whether one of `conditions` holds whenever the condition of `last` holds; always, when `last` is null.
+  [[nodiscard]] bool isCovered(std::vector<ExpressionUse const*> const& conditions, ExpressionUse const* last) {
+    ConditionTerms terms(context_.data(), isLookedInto_);
+    std::vector<Node> nodes;
+    auto const subject = subjectOf(*conditions.front());
+    for (auto const* use : conditions) {
+      nodes.push_back(
+          terms.formula().negation(terms.add(*use->compiled->expression, use->compiled->source, subject.scope)));
+    }
+    std::optional<Node> asked;
+    if (last != nullptr) {
+      asked = terms.add(*last->compiled->expression, last->compiled->source, subject.scope);
+      nodes.push_back(*asked);
+    }
+    std::vector<Fact> facts;
+    if (!terms.isTooLarge()) addFacts(terms, subject, conditions.front(), facts);
+    if (terms.isTooLarge()) return false;
+    terms.finish();
+    facts = relevant(terms, std::move(facts), terms.formula().conjunction(nodes));
+    std::size_t steps = conditionSteps;
+    auto given = nodesOf(facts);
+    // When nothing at all is possible here, that is reported elsewhere.
+    if (!terms.formula().isSatisfiable(given, steps).value_or(false)) return false;
+    if (asked) {
+      given.push_back(*asked);
+      if (!terms.formula().isSatisfiable(given, steps).value_or(false)) return false;
+    }
+    given.insert(given.end(), nodes.begin(), nodes.end());
+    return !terms.formula().isSatisfiable(given, steps).value_or(true);
+  }
+
+  void reportUnreachable(ExpressionUse const& use, std::vector<ExpressionUse const*> const& earlier) {
+    auto& warning = context_.warn(Code::UnreachableEntry, use, use.compiled->expression->range(),
+                                  "this entry is never reached, because an entry before it applies whenever its "
+                                  "condition holds; move it up, or remove it");
+    if (earlier.size() == 1) {
+      auto const& item = earlier.front()->item;
+      DiagnosticList::note(warning, *item.source, item.node->range(), "this condition holds then");
+    }
+  }
+
+  /// A default behind a check list that always applies.
+  void checkDefaultBehind(ExpressionUse const& list, ExpressionUse const* always,
+                          std::vector<ExpressionUse const*> const& conditions) {
+    auto const place = context_.rules().paramPlaces().find({list.typePath, list.entry});
+    if (place == context_.rules().paramPlaces().end()) return;
+    auto const item = place->second.attributes.find("Default Value");
+    if (item == place->second.attributes.end()) return;
+    bool const isNeverUsed = always != nullptr || (!conditions.empty() && conditions.size() <= longestList &&
+                                                   isCovered(conditions, nullptr));
+    if (!isNeverUsed) return;
+    context_.warn(Code::UnreachableEntry, item->second,
+                  "this default is never used, because one of the conditions of the Default Value Check List always "
+                  "holds; remove it");
+  }
+
+  /// An entry that is never live, because its contexts exclude what holds wherever it could be live.
+  void checkContexts(ObjDependDef const& object, ParamAvail const* param, ChildAvail const* child) {
+    auto const& contexts = param != nullptr ? param->contexts : child->contexts;
+    auto const& name = param != nullptr ? param->name : child->type;
+    Subject subject{nullptr, {}, {}, &object};
+    subject.scope.context = subject.scope.owner = representative(context_.data(), object.typePath());
+    ConditionTerms terms(context_.data(), isLookedInto_);
+    std::size_t const end = param != nullptr ? positionOf(object, name) : object.params().size();
+    auto const live = liveNode(terms, object, subject.scope.context, contexts, end);
+    if (!live) return;
+    std::vector<Fact> facts;
+    addObjectFacts(terms, subject.scope.context, facts);
+    addParameterFacts(terms, subject, end, facts);
+    if (terms.isTooLarge()) return;
+    terms.finish();
+    facts = relevant(terms, std::move(facts), *live);
+    std::size_t steps = conditionSteps;
+    // Contexts that no context rule can have are reported one by one.
+    if (facts.empty() || judge(terms, {}, *live, steps) != Verdict::Open) return;
+    if (judge(terms, nodesOf(facts), *live, steps) != Verdict::Never) return;
+    reduce(terms, facts, *live, Verdict::Never, steps);
+    auto const item = placeOf(object.typePath(), name, child != nullptr, "Context");
+    auto& warning = context_.warn(Code::NeverLive, item,
+                                  "the last context rule before this entry never has this value, so the entry is never "
+                                  "live; correct its context, "
+                                  "or remove the entry");
+    addNotes(warning, facts);
+  }
+
+  LintContext& context_;
+  std::function<bool(NamedRule const&)> isLookedInto_;
+  std::unordered_map<NamedRule const*, bool> decided_;
+  std::unordered_set<ParamAvail const*> neverThere_;
+};
+
+}  // namespace
+
+void checkConditions(LintContext& context) {
+  ConditionLint(context).run();
+}
+
+}  // namespace tarn::rules

@@ -1,0 +1,554 @@
+// From conditions to formulas. Connectives, named checks and `if` are taken apart. What is left is evaluated by the
+// expression itself, once for each value that its parameter can have, so that it means here what it means in a model.
+
+#include "lint/ConditionTerms.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <unordered_set>
+
+#include <tarn/PathUtils.h>
+#include <tarn/TDFParam.h>
+
+#include "expression/NamedRule.h"
+#include "lint/ConstantExpression.h"
+#include "lint/ValueModel.h"
+
+namespace tarn::rules {
+
+namespace {
+
+/// A parameter with more allowed values is only known by those that conditions name and one more.
+constexpr std::size_t fewValues = 16;
+/// With more values in pairs, a comparison of two parameters is not looked into.
+constexpr std::size_t mostPairs = 256;
+
+bool isConstant(Expression const& expression) {
+  if (dynamic_cast<Literal const*>(&expression) != nullptr) return true;
+  return expression.kind() != Kind::Objects && readsNothing(expression);
+}
+
+template <typename Value>
+void addOnce(std::vector<Value>& values, Value const& value) {
+  if (std::find(values.begin(), values.end(), value) == values.end()) values.push_back(value);
+}
+
+/// Numbers between, below and above the given ones, and these themselves. With `isWhole` only whole ones are added.
+std::vector<double> withNeighbours(std::vector<double> numbers, bool isWhole) {
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  std::vector<double> result;
+  auto const add = [&](double low, double high) {
+    double const number = isWhole ? std::floor(low) + 1 : low + (high - low) / 2;
+    if (low < number && number < high) result.push_back(number);
+  };
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    double const number = numbers[i];
+    if (i == 0) result.push_back(isWhole ? std::ceil(number) - 1 : number - std::max(1.0, std::abs(number)));
+    if (i > 0) add(numbers[i - 1], number);
+    if (!isWhole || number == std::floor(number)) result.push_back(number);
+    if (i + 1 == numbers.size()) {
+      result.push_back(isWhole ? std::floor(number) + 1 : number + std::max(1.0, std::abs(number)));
+    }
+  }
+  return result;
+}
+
+/// The list that a membership asks, when its items are written out: null otherwise.
+SharedStrings const* fixedItemsOf(Expression const& list) {
+  if (auto const* literal = dynamic_cast<ListLiteral const*>(&list)) {
+    if (literal->operands().empty()) return &literal->fixedItems();
+  } else if (dynamic_cast<Kept const*>(&list) != nullptr) {
+    return fixedItemsOf(*list.operands().front());
+  } else if (auto const* call = dynamic_cast<NamedCall const*>(&list)) {
+    if (call->rule().expression() != nullptr) return fixedItemsOf(*call->rule().expression());
+  }
+  return nullptr;
+}
+
+bool isExists(Expression const& part) {
+  auto const* call = dynamic_cast<FunctionCall const*>(&part);
+  return call != nullptr && call->function().name == "exists";
+}
+
+}  // namespace
+
+std::string representative(PhysicsData const& data, std::string const& typePath, char number) {
+  std::string path;
+  std::string types;
+  for (std::size_t begin = 0; begin < typePath.size();) {
+    std::size_t const end = std::min(typePath.find('/', begin + 1), typePath.size());
+    std::string const type = typePath.substr(begin + 1, end - begin - 1);
+    auto const* parent = data.getObjDependDef(types, true);
+    auto const* child = parent != nullptr ? parent->findChild(type) : nullptr;
+    types += "/" + type;
+    path += "/" + type;
+    // An object at the root of a model can have a name, whatever the rules say of it.
+    if (child == nullptr || !child->singleton) path.append(":").push_back(number);
+    begin = end;
+  }
+  return path;
+}
+
+ConditionScope const* ConditionTerms::keep(ConditionScope const& scope) {
+  return scopes_.emplace_back(std::make_unique<ConditionScope>(scope)).get();
+}
+
+ConditionFormula::Node ConditionTerms::add(Expression const& condition, std::string_view source,
+                                           ConditionScope const& scope) {
+  return addPart(condition, source, keep(scope));
+}
+
+std::size_t ConditionTerms::parameter(std::string const& path, std::string const& name) {
+  for (std::size_t i = 0; i < parameters_.size(); ++i) {
+    if (parameters_[i].name == name && parameters_[i].path == path) return i;
+  }
+  Parameter made;
+  made.path = path;
+  made.name = name;
+  made.variable = formula_.addVariable();
+  if (auto const* object = data_.getObjDependDef(PathUtils::typePathOf(path), true)) {
+    made.entry = object->findParam(name);
+  }
+  auto const* def = made.entry != nullptr ? made.entry->valueDef() : nullptr;
+  auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
+  bool isClosed = list != nullptr && def->allowedValueKind == ParamValueDef::FixedAllowedValues &&
+                  !def->allowsAnyValue && !TDFParam::isListType(def->type) && !made.entry->validationRelaxed;
+  std::vector<std::string> values;
+  if (isClosed) {
+    for (auto const& item : list->items()) {
+      if (!def->unusedValues.contains(item)) values.push_back(item);
+    }
+    // An override counts as it is, allowed or not.
+    for (auto const& guarded : def->overrideChecks) {
+      auto const* fixed = dynamic_cast<FixedText const*>(guarded.value.get());
+      isClosed &= fixed != nullptr;
+      if (fixed != nullptr) addOnce(values, fixed->text());
+    }
+    bool const canBeBlank = def->fallbackToBlankDefault || def->availableWithNoAllowedValues || def->subset != nullptr;
+    if (canBeBlank) addOnce(values, std::string());
+  }
+  if (isClosed && !values.empty()) made.values = std::move(values);
+  parameters_.push_back(std::move(made));
+  questions_.emplace_back();
+  return parameters_.size() - 1;
+}
+
+void ConditionTerms::setOpen(std::size_t parameter) {
+  parameters_[parameter].values.reset();
+  parameters_[parameter].isAlwaysThere = false;
+}
+
+std::optional<std::vector<std::size_t>> ConditionTerms::parametersOf(Expression const& part,
+                                                                     ConditionScope const& scope) {
+  std::vector<std::size_t> found;
+  std::vector<Expression const*> open{&part};
+  while (!open.empty()) {
+    auto const* one = open.back();
+    open.pop_back();
+    if (auto const* reference = dynamic_cast<ParameterReference const*>(one)) {
+      // Which object a name stands for is only known in an evaluation.
+      if (reference->origin().isNamed()) return std::nullopt;
+      auto const& pattern = reference->objectPattern();
+      switch (pattern.start()) {
+        case PathPattern::Start::Context:
+        case PathPattern::Start::Root:
+        case PathPattern::Start::Nearest:
+        case PathPattern::Start::Owner:
+          break;
+        default:
+          return std::nullopt;
+      }
+      std::string path;
+      if (!pattern.isSingle()) return std::nullopt;
+      // Above the root there is nothing, so the parameter is absent. That is left open.
+      if (!pattern.resolve(TDFContext(scope.context, scope.owner), path)) return std::nullopt;
+      addOnce(found, parameter(path, reference->name()));
+      continue;
+    }
+    if (dynamic_cast<FunctionCall const*>(one) != nullptr) {
+      auto const& function = dynamic_cast<FunctionCall const*>(one)->function();
+      if (function.readsContextIdentity) return std::nullopt;
+    } else if (auto const* call = dynamic_cast<NamedCall const*>(one)) {
+      if (call->kind() == Kind::List && fixedItemsOf(*call) != nullptr) continue;
+      return std::nullopt;
+    } else if (dynamic_cast<Literal const*>(one) == nullptr && dynamic_cast<QuantityLiteral const*>(one) == nullptr &&
+               dynamic_cast<ListLiteral const*>(one) == nullptr && dynamic_cast<Comparison const*>(one) == nullptr &&
+               dynamic_cast<Membership const*>(one) == nullptr && dynamic_cast<Logic const*>(one) == nullptr &&
+               dynamic_cast<Arithmetic const*>(one) == nullptr && dynamic_cast<Negation const*>(one) == nullptr &&
+               dynamic_cast<Choice const*>(one) == nullptr && dynamic_cast<Kept const*>(one) == nullptr) {
+      return std::nullopt;
+    }
+    auto const operands = one->operands();
+    open.insert(open.end(), operands.begin(), operands.end());
+  }
+  return found;
+}
+
+ConditionFormula::Node ConditionTerms::addLogic(Logic const& logic, std::string_view source,
+                                                ConditionScope const* scope) {
+  std::vector<ConditionFormula::Node> parts;
+  for (auto const* part : logic.operands()) {
+    parts.push_back(addPart(*part, source, scope));
+    if (callDepth_ == 0) operands_.push_back({part, parts.back()});
+  }
+  switch (logic.op()) {
+    case Logic::Operator::Not:
+      return formula_.negation(parts.front());
+    case Logic::Operator::And:
+      return formula_.conjunction(std::move(parts));
+    case Logic::Operator::Or:
+      return formula_.disjunction(std::move(parts));
+    case Logic::Operator::Implies:
+      parts.front() = formula_.negation(parts.front());
+      return formula_.disjunction(std::move(parts));
+  }
+  return formula_.constant(true);
+}
+
+ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::string_view source,
+                                               ConditionScope const* scope) {
+  if (++size_ > mostParts) return formula_.constant(true);
+  if (dynamic_cast<Kept const*>(&part) != nullptr) return addPart(*part.operands().front(), source, scope);
+  if (auto const* logic = dynamic_cast<Logic const*>(&part)) return addLogic(*logic, source, scope);
+  if (auto const* call = dynamic_cast<NamedCall const*>(&part)) {
+    auto const* body = call->rule().expression();
+    if (part.kind() == Kind::Truth && body != nullptr && isLookedInto_(call->rule())) {
+      for (auto const& called : called_) {
+        if (called.rule == &call->rule() && called.scope == scope) return called.node;
+      }
+      ++callDepth_;
+      auto const node = addPart(*body, call->rule().source(), scope);
+      --callDepth_;
+      called_.push_back({&call->rule(), scope, node});
+      return node;
+    }
+    return addOpaque(part, source, scope);
+  }
+  if (dynamic_cast<Choice const*>(&part) != nullptr) {
+    auto const operands = part.operands();
+    auto const when = addPart(*operands[0], source, scope);
+    auto const then = addPart(*operands[1], source, scope);
+    auto const otherwise = addPart(*operands[2], source, scope);
+    return formula_.disjunction(
+        {formula_.conjunction({when, then}), formula_.conjunction({formula_.negation(when), otherwise})});
+  }
+  if (isConstant(part)) {
+    return formula_.constant(constantTruth(part));
+  }
+  if (auto const term = addTermComparison(part, source, scope)) return *term;
+  auto const read = parametersOf(part, *scope);
+  if (!read || read->empty() || read->size() > 2) return addOpaque(part, source, scope);
+
+  auto const operands = part.operands();
+  bool isKnown = read->size() == 1;
+  if (auto const* reference = dynamic_cast<ParameterReference const*>(&part)) {
+    questions_[read->front()].asksTruth = true;
+    isKnown &= reference != nullptr;
+  } else if (dynamic_cast<Comparison const*>(&part) != nullptr) {
+    // A parameter with a constant, or with itself. A text that is a number is equal to itself in more ways.
+    if (read->size() == 1 && !isConstant(*operands[0]) && !isConstant(*operands[1])) {
+      addOnce(questions_[read->front()].numbers, 1.0);
+    }
+    for (auto const* operand : operands) {
+      if (dynamic_cast<ParameterReference const*>(operand) != nullptr) continue;
+      if (!isConstant(*operand)) {
+        isKnown = false;
+        break;
+      }
+      for (std::size_t const i : *read) {
+        if (operand->kind() == Kind::Truth) questions_[i].asksTruth = true;
+        addOnce(questions_[i].texts, constantText(*operand));
+        double const number = constantNumber(*operand);
+        if (!std::isnan(number)) addOnce(questions_[i].numbers, number);
+      }
+    }
+  } else if (dynamic_cast<Membership const*>(&part) != nullptr) {
+    auto const* items = fixedItemsOf(*operands[1]);
+    isKnown &= items != nullptr && dynamic_cast<ParameterReference const*>(operands[0]) != nullptr;
+    if (isKnown) {
+      for (auto const& item : *items) addOnce(questions_[read->front()].texts, item);
+    }
+  } else {
+    isKnown &= isExists(part) && dynamic_cast<ParameterReference const*>(operands.front()) != nullptr;
+  }
+  if (!isKnown) {
+    // Anything can be asked of parameters of which all values are known.
+    std::size_t pairs = 1;
+    for (std::size_t const i : *read) {
+      if (!parameters_[i].values) return addOpaque(part, source, scope);
+      pairs *= parameters_[i].values->size() + 2;
+    }
+    if (pairs > mostPairs) return addOpaque(part, source, scope);
+    for (std::size_t const i : *read) questions_[i].needsAllValues = true;
+  }
+  std::vector<ConditionFormula::Variable> variables;
+  for (std::size_t const i : *read) variables.push_back(parameters_[i].variable);
+  auto const node = formula_.addAtom(std::move(variables));
+  atoms_.push_back({Atom::Kind::Expression, node, &part, scope, *read});
+  return node;
+}
+
+ConditionFormula::Node ConditionTerms::addOpaque(Expression const& part, std::string_view source,
+                                                 ConditionScope const* scope) {
+  std::string key(source.substr(std::min<std::size_t>(part.range().offset, source.size()), part.range().length));
+  // Without its text a part is like no other.
+  if (key.empty()) key = "\n" + std::to_string(opaque_.size());
+  key += "\n" + scope->context + "\n" + scope->owner;
+  for (auto const& [known, node] : opaque_) {
+    if (known == key) return node;
+  }
+  auto const node = formula_.addAtom({formula_.addVariable(2)});
+  formula_.setTable(node, {false, true});
+  opaque_.emplace_back(std::move(key), node);
+  return node;
+}
+
+std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expression const& part, std::string_view source,
+                                                                        ConditionScope const* scope) {
+  auto const operands = part.operands();
+  bool const isComparison = dynamic_cast<Comparison const*>(&part) != nullptr;
+  auto const* membership = dynamic_cast<Membership const*>(&part);
+  if (!isComparison && membership == nullptr) return std::nullopt;
+  bool const isSwapped = isComparison && isConstant(*operands[0]);
+  auto const& one = *operands[isSwapped ? 1 : 0];
+  auto const& other = *operands[isSwapped ? 0 : 1];
+  if (one.kind() != Kind::Number && one.kind() != Kind::Text) return std::nullopt;
+  bool const isNumber = one.kind() == Kind::Number;
+  std::vector<double> numbers;
+  std::vector<std::string> texts;
+  if (isComparison) {
+    if (!isConstant(other) || other.kind() == Kind::Truth) return std::nullopt;
+    if (!isNumber && other.kind() != Kind::Text) return std::nullopt;
+    auto const op = dynamic_cast<Comparison const*>(&part)->op();
+    bool const isOrder = op != Comparison::Operator::Equal && op != Comparison::Operator::NotEqual;
+    if (!isNumber && isOrder) return std::nullopt;
+    if (isNumber) {
+      double const number = constantNumber(other);
+      if (std::isnan(number)) return std::nullopt;
+      numbers.push_back(number);
+    } else {
+      texts.push_back(constantText(other));
+    }
+  } else {
+    auto const* items = isNumber ? nullptr : fixedItemsOf(*operands[1]);
+    if (items == nullptr) return std::nullopt;
+    texts.assign(items->begin(), items->end());
+  }
+  // Parameters of few values are evaluated with each of them, which shows more.
+  if (auto const read = parametersOf(one, *scope); read && !read->empty()) {
+    if (std::all_of(read->begin(), read->end(), [&](std::size_t i) { return parameters_[i].values.has_value(); })) {
+      return std::nullopt;
+    }
+  }
+  std::string key(source.substr(std::min<std::size_t>(one.range().offset, source.size()), one.range().length));
+  if (key.empty()) return std::nullopt;
+  key += "\n" + scope->context + "\n" + scope->owner;
+  auto term = std::find_if(terms_.begin(), terms_.end(), [&](Term const& known) { return known.key == key; });
+  if (term == terms_.end()) {
+    auto const* quantifier = dynamic_cast<Quantifier const*>(&one);
+    auto const* call = dynamic_cast<FunctionCall const*>(&one);
+    bool const isCount =
+        isNumber && (quantifier != nullptr ||
+                     (call != nullptr && (call->function().name == "size" || call->function().name == "length")));
+    terms_.push_back({key, isNumber, isCount});
+    term = terms_.end() - 1;
+    term->variable = formula_.addVariable();
+  }
+  for (double const number : numbers) addOnce(term->numbers, number);
+  for (auto const& text : texts) addOnce(term->texts, text);
+  auto const node = formula_.addAtom({term->variable});
+  Atom atom{Atom::Kind::Term, node, &part, scope};
+  atom.term = static_cast<std::size_t>(term - terms_.begin());
+  atoms_.push_back(std::move(atom));
+  return node;
+}
+
+ConditionFormula::Node ConditionTerms::addExists(std::string const& path, std::string const& name) {
+  std::size_t const i = parameter(path, name);
+  auto const node = formula_.addAtom({parameters_[i].variable});
+  atoms_.push_back({Atom::Kind::Exists, node, nullptr, nullptr, {i}});
+  return node;
+}
+
+ConditionFormula::Node ConditionTerms::addHasOneOf(std::string const& path, std::string const& name,
+                                                   std::vector<std::string> const& values) {
+  std::size_t const i = parameter(path, name);
+  for (auto const& value : values) addOnce(questions_[i].contexts, value);
+  auto const node = formula_.addAtom({parameters_[i].variable});
+  atoms_.push_back({Atom::Kind::HasOneOf, node, nullptr, nullptr, {i}, &values});
+  return node;
+}
+
+std::vector<ConditionTerms::Value> ConditionTerms::closedValues(Parameter const& parameter,
+                                                                Questions const& questions) const {
+  std::vector<Value> values;
+  bool const needsAll = questions.needsAllValues || questions.asksTruth || !questions.numbers.empty();
+  if (needsAll || parameter.values->size() <= fewValues) {
+    for (auto const& text : *parameter.values) values.push_back({text});
+    return values;
+  }
+  std::unordered_set<std::string_view> asked(questions.texts.begin(), questions.texts.end());
+  asked.insert(questions.contexts.begin(), questions.contexts.end());
+  bool hasOther = false;
+  for (auto const& text : *parameter.values) {
+    if (!asked.contains(text) && std::exchange(hasOther, true)) continue;
+    values.push_back({text});
+  }
+  return values;
+}
+
+std::vector<ConditionTerms::Value> ConditionTerms::valuesOf(std::size_t index) const {
+  auto const& parameter = parameters_[index];
+  auto const& questions = questions_[index];
+  std::vector<Value> values;
+  auto const addText = [&](std::string const& text) {
+    for (auto const& known : values) {
+      if (known.text == text) return;
+    }
+    values.push_back({text});
+  };
+  if (parameter.values) {
+    values = closedValues(parameter, questions);
+    // A value that the parameter can never have is reported where it is compared. It must not make more findings.
+    for (auto const& text : questions.texts) {
+      if (!text.empty()) addText(text);
+    }
+  } else {
+    auto const* def = parameter.entry != nullptr ? parameter.entry->valueDef() : nullptr;
+    bool const isRelaxed = parameter.entry != nullptr && parameter.entry->validationRelaxed;
+    bool const isPlain = def != nullptr && !isRelaxed && def->overrideChecks.empty() &&
+                         def->allowedValueKind == ParamValueDef::NoAllowedValues;
+    bool const isLogical = isPlain && def->type == TDFParam::Logical;
+    bool const isWhole = isPlain && def->type == TDFParam::Integer && def->quantityType == nullptr;
+    bool const isNumeric = isPlain && (def->type == TDFParam::Integer || def->type == TDFParam::Real);
+    addText("");
+    for (auto const& text : questions.texts) addText(text);
+    for (auto const& text : questions.contexts) addText(text);
+    if (questions.asksTruth || isLogical) {
+      for (char const* text : {"true", "false", "1", "0", "TRUE", "FALSE"}) {
+        if (!isNumeric || text[0] == '1' || text[0] == '0') addText(text);
+      }
+    }
+    if (!isLogical) {
+      for (double const number : withNeighbours(questions.numbers, isWhole)) {
+        std::string const text = numberText(number);
+        addText(text);
+        // The same number, written in another way.
+        addText(text.find_first_of(".e") != std::string::npos ? text + " " : text + ".0");
+      }
+      if (isNumeric) {
+        addText("7.25e6");
+      } else {
+        addText("\1 any other text");
+      }
+    }
+  }
+  if (!parameter.isAlwaysThere) values.push_back({"", false});
+  return values;
+}
+
+void ConditionTerms::fillTable(Atom const& atom) {
+  auto const& first = values_[atom.parameters.front()];
+  std::vector<bool> table;
+  if (atom.kind == Atom::Kind::Exists) {
+    for (auto const& value : first) table.push_back(value.isThere);
+  } else if (atom.kind == Atom::Kind::HasOneOf) {
+    for (auto const& value : first) {
+      table.push_back(value.isThere &&
+                      std::find(atom.values->begin(), atom.values->end(), value.text) != atom.values->end());
+    }
+  } else {
+    ValueModel model;
+    for (std::size_t const i : atom.parameters)
+      model.parameters().push_back({parameters_[i].path, parameters_[i].name, {}});
+    TDFContext const context(atom.scope->context, atom.scope->owner);
+    EvalContext evalContext(&model);
+    Frame const frame{model, context, &evalContext};
+    auto const set = [&](std::size_t i, Value const& value) {
+      model.parameters()[i].value = value.text;
+      model.parameters()[i].isThere = value.isThere;
+    };
+    for (auto const& value : first) {
+      set(0, value);
+      if (atom.parameters.size() == 1) {
+        table.push_back(atom.expression->truth(frame));
+        continue;
+      }
+      for (auto const& other : values_[atom.parameters[1]]) {
+        set(1, other);
+        table.push_back(atom.expression->truth(frame));
+      }
+    }
+  }
+  formula_.setTable(atom.node, std::move(table));
+}
+
+void ConditionTerms::fillTerm(Atom const& atom) {
+  auto const& term = terms_[atom.term];
+  std::vector<bool> table;
+  auto const operands = atom.expression->operands();
+  if (!term.isNumber) {
+    auto const* membership = dynamic_cast<Membership const*>(atom.expression);
+    auto const holds = [&](std::string const* text) {
+      if (membership != nullptr) {
+        bool const isIn = text != nullptr && fixedItemsOf(membership->items())->contains(*text);
+        return isIn != membership->negated();
+      }
+      auto const& other = isConstant(*operands[0]) ? *operands[0] : *operands[1];
+      bool const isEqual = text != nullptr && constantText(other) == *text;
+      return isEqual == (dynamic_cast<Comparison const*>(atom.expression)->op() == Comparison::Operator::Equal);
+    };
+    for (auto const& text : term.texts) table.push_back(holds(&text));
+    table.push_back(holds(nullptr));
+  } else {
+    auto const& comparison = dynamic_cast<Comparison const&>(*atom.expression);
+    bool const isSwapped = isConstant(*operands[0]);
+    double const constant = constantNumber(*operands[isSwapped ? 0 : 1]);
+    auto const holds = [&](double number) {
+      double const a = isSwapped ? constant : number;
+      double const b = isSwapped ? number : constant;
+      switch (comparison.op()) {
+        case Comparison::Operator::Equal:
+          return a == b;
+        case Comparison::Operator::NotEqual:
+          return !(a == b);
+        case Comparison::Operator::Less:
+          return a < b;
+        case Comparison::Operator::LessEqual:
+          return a <= b;
+        case Comparison::Operator::Greater:
+          return a > b;
+        case Comparison::Operator::GreaterEqual:
+          return a >= b;
+      }
+      return false;
+    };
+    for (double const number : withNeighbours(term.numbers, term.isCount)) {
+      if (!term.isCount || number >= 0) table.push_back(holds(number));
+    }
+    if (!term.isCount) table.push_back(holds(std::numeric_limits<double>::quiet_NaN()));
+    // All counts can be negative only where constants are.
+    if (table.empty()) table.push_back(holds(0));
+  }
+  formula_.setSize(term.variable, table.size());
+  formula_.setTable(atom.node, std::move(table));
+}
+
+void ConditionTerms::finish() {
+  values_.clear();
+  for (std::size_t i = 0; i < parameters_.size(); ++i) {
+    values_.push_back(valuesOf(i));
+    formula_.setSize(parameters_[i].variable, values_[i].size());
+  }
+  for (auto const& atom : atoms_) {
+    if (atom.kind == Atom::Kind::Term) {
+      fillTerm(atom);
+    } else {
+      fillTable(atom);
+    }
+  }
+}
+
+}  // namespace tarn::rules

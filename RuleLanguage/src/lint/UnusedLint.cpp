@@ -1,0 +1,60 @@
+#include "lint/UnusedLint.h"
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "expression/NamedRule.h"
+#include "expression/Nodes.h"
+
+namespace tarn::rules {
+
+namespace {
+
+void checkNamedRules(LintContext& context) {
+  std::unordered_set<NamedRule const*> called;
+  std::vector<Expression const*> open;
+  for (auto const& use : context.rules().uses()) {
+    open.push_back(use.compiled->expression.get());
+    while (!open.empty()) {
+      auto const* part = open.back();
+      open.pop_back();
+      if (auto const* call = dynamic_cast<NamedCall const*>(part)) called.insert(&call->rule());
+      auto const operands = part->operands();
+      open.insert(open.end(), operands.begin(), operands.end());
+    }
+  }
+  for (auto const& [rule, place] : context.rules().namedPlaces()) {
+    if (called.contains(rule)) continue;
+    context.warn(Code::UnusedName, place,
+                 "no rule uses " + inQuotes(rule->name()) + "; remove it, unless a program evaluates it by its name");
+  }
+}
+
+void checkQuantityTypes(LintContext& context) {
+  std::unordered_set<std::string> used;
+  for (auto const* object : context.data().objects()) {
+    for (auto const& param : object->params()) {
+      auto const* type = param->valueDef() != nullptr ? param->valueDef()->quantityType.get() : nullptr;
+      if (type == nullptr) continue;
+      auto const* fixed = dynamic_cast<FixedText const*>(type);
+      // A computed type can be any of them.
+      if (fixed == nullptr) return;
+      used.insert(fixed->text());
+    }
+  }
+  for (auto const& [name, units] : context.rules().quantityTypePlaces()) {
+    if (used.contains(name.node->value)) continue;
+    context.warn(Code::UnusedName, name,
+                 "no parameter has the quantity type " + inQuotes(name.node->value) + "; remove it, or use it");
+  }
+}
+
+}  // namespace
+
+void checkUnused(LintContext& context) {
+  checkNamedRules(context);
+  checkQuantityTypes(context);
+}
+
+}  // namespace tarn::rules
