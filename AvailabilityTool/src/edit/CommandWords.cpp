@@ -95,6 +95,11 @@ bool isEdit(Word word) noexcept {
   }
 }
 
+bool needsArguments(Word word) noexcept {
+  std::string_view const arguments = infoOf(word).arguments;
+  return !arguments.empty() && arguments.front() != '[';
+}
+
 std::variant<Word, UnknownWord> findCommand(std::string_view typed, bool mayShorten) {
   std::string const word = StringUtilities::toLower(std::string(typed));
   for (CommandInfo const& info : commands) {
@@ -109,7 +114,10 @@ std::variant<Word, UnknownWord> findCommand(std::string_view typed, bool mayShor
   if (mayShorten && begun.size() == 1) return begun.front()->word;
   for (CommandInfo const* info : begun) unknown.meant.push_back(info->name);
   if (begun.size() > 1 && mayShorten) {
-    unknown.sentence = '"' + std::string(word) + "\" can be the beginning of several commands.";
+    unknown.sentence = '"' + word + "\" can be the beginning of several commands: ";
+    for (CommandInfo const* info : begun) {
+      unknown.sentence += std::string(info->name) + (info == begun.back() ? "." : ", ");
+    }
   }
   if (!unknown.meant.empty()) return unknown;
   for (ForeignWord const& foreign : foreignWords) {

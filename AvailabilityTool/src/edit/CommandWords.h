@@ -53,6 +53,9 @@ struct CommandInfo {
 /// Whether the command changes the model, and can be tried.
 [[nodiscard]] bool isEdit(Word word) noexcept;
 
+/// Whether the command cannot be without arguments.
+[[nodiscard]] bool needsArguments(Word word) noexcept;
+
 /// A word that is no command: a sentence, and the names of the commands that were probably meant, possibly none.
 struct UnknownWord {
   std::string sentence;

@@ -48,8 +48,7 @@ std::optional<Edit> Editor::readEdit(Arguments const& arguments) {
   std::string_view const text = arguments.text;
   CommandInfo const& info = infoOf(arguments.word);
   if (text.empty()) {
-    (void)fail("\"" + std::string(info.name) + "\" needs arguments: " + std::string(info.name) + ' ' +
-                   std::string(info.arguments),
+    (void)fail("Arguments are missing: " + std::string(info.name) + ' ' + std::string(info.arguments),
                "help " + std::string(info.name));
     return std::nullopt;
   }
@@ -57,7 +56,7 @@ std::optional<Edit> Editor::readEdit(Arguments const& arguments) {
     case Word::Set: {
       std::size_t const equals = text.find('=');
       if (equals == std::string_view::npos) {
-        (void)fail("\"set\" needs a \"=\" between the path and the value: set PATH = VALUE", "help set");
+        (void)fail("A = is missing between the path and the value: set PATH = VALUE", "help set");
         return std::nullopt;
       }
       std::string const path = absolute(text.substr(0, equals));
@@ -109,17 +108,16 @@ std::optional<Edit> Editor::readNaming(Arguments const& arguments) {
     return make(absolute(text.substr(0, equals)), text.substr(equals + 1));
   }
   std::vector<Edit> possible;
-  for (std::size_t blank = text.find(' '); blank != std::string_view::npos && blank < session::Session::mostCharacters;
+  constexpr std::size_t longestPath = 10'000;
+  for (std::size_t blank = text.find(' '); blank < longestPath && possible.size() < 2;
        blank = text.find(' ', blank + 1)) {
-    constexpr std::size_t longestPath = 10'000;
-    if (blank > longestPath || possible.size() > 1) break;
     std::string path = absolute(text.substr(0, blank));
     if (!session_.provisional().getActiveTree().hasObject(path)) continue;
     possible.push_back(make(std::move(path), text.substr(blank + 1)));
   }
   if (possible.size() == 1) return possible.front();
   std::string const name(infoOf(arguments.word).name);
-  (void)fail("Write \"=\" between the object and its new name: " + name + " OBJECT = NAME",
+  (void)fail("Write = between the object and its new name: " + name + " OBJECT = NAME",
              possible.empty() ? "help " + name : commandText(possible.front()));
   return std::nullopt;
 }
@@ -151,7 +149,10 @@ Outcome Editor::edit(Arguments const& arguments) {
   }
   EditResult result =
       edit->kind == Edit::Kind::RenameObject ? session_.renameFollowed(edit->path, edit->name) : session_.edit(*edit);
-  if (result.refused) return refuse(*result.refused);
+  if (result.refused) {
+    proposeObject(*result.refused);
+    return refuse(*result.refused);
+  }
   if (result.step != 0) {
     done_.push_back(nextStep_++);
     undone_.clear();
@@ -160,6 +161,16 @@ Outcome Editor::edit(Arguments const& arguments) {
   showResult(std::move(result), std::move(options));
   stayInTheModel();
   return Outcome::Done;
+}
+
+/// Adds the edit with the object that was probably meant, if the refusal has no proposal.
+void Editor::proposeObject(Refused& refused) const {
+  if (refused.nearest || refused.code != session::RefusalCode::UnknownObject) return;
+  auto const resolved = session_.resolve(refused.edit.path);
+  auto const* const other = std::get_if<Refused>(&resolved);
+  if (other == nullptr || !other->nearest || other->nearest->kind != Edit::Kind::ActivateObject) return;
+  refused.nearest = refused.edit;
+  refused.nearest->path = other->nearest->path;
 }
 
 /// Follows the object where the user is to its new name.
@@ -190,7 +201,7 @@ Outcome Editor::tryEdit(std::string_view text) {
   auto const found = findCommand(divided.word, screen_.isTerminal());
   auto const* const word = std::get_if<Word>(&found);
   if (divided.word.empty() || word == nullptr || !isEdit(*word)) {
-    return fail("\"try\" needs an edit: try set PATH = VALUE", "help try");
+    return fail("An edit is missing: try set PATH = VALUE", "help try");
   }
   std::optional<Edit> const edit = readEdit({*word, divided.rest});
   if (!edit) return Outcome::Refused;
@@ -245,7 +256,7 @@ Outcome Editor::undo(std::string_view text, bool isRedo) {
   if (!text.empty()) {
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
     if (error != std::errc() || end != text.data() + text.size() || count == 0) {
-      return fail("\"" + name + "\" takes a number of steps: " + name + " 2", name);
+      return fail("Write a number of steps: " + name + " 2", "help " + name);
     }
   }
   std::vector<std::size_t>& from = isRedo ? undone_ : done_;

@@ -110,7 +110,7 @@ Outcome Editor::go(std::string_view text) {
 }
 
 Outcome Editor::find(std::string_view text) {
-  if (text.empty()) return fail("\"find\" needs a part of a name: find TEXT", "help find");
+  if (text.empty()) return fail("A part of a name is missing: find TEXT", "help find");
   constexpr std::size_t most = 100;
   std::vector<session::Found> const found = session_.find(text, most + 1);
   if (found.empty()) {

@@ -108,7 +108,7 @@ std::string Editor::leftOut() const {
 Outcome Editor::quit(std::string_view text) {
   std::string const word = StringUtilities::toLower(std::string(text));
   if (word == "unsaved") return Outcome::Quit;
-  if (!word.empty()) return fail("\"quit\" takes only the word \"unsaved\".", "quit");
+  if (!word.empty()) return fail("Write quit, or quit unsaved.", "quit");
   std::size_t const unsaved = unsavedSteps();
   if (unsaved == 0) return Outcome::Quit;
   if (!ask_) {

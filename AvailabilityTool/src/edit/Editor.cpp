@@ -28,9 +28,14 @@ Outcome Editor::run(std::string_view line) {
   // Scripts write whole words. A command that is added later would otherwise change what they mean.
   auto const found = findCommand(divided.word, screen_.isTerminal());
   if (auto const* const unknown = std::get_if<UnknownWord>(&found)) {
-    std::string meant;
-    for (std::string_view const name : unknown->meant) meant += (meant.empty() ? "" : "\n") + std::string(name);
-    return fail(unknown->sentence, meant.empty() ? "help" : meant);
+    if (unknown->meant.size() != 1) return fail(unknown->sentence, "help");
+    std::string const meant(unknown->meant.front());
+    constexpr std::size_t most = 200;
+    bool const isWhole = divided.rest.size() <= most && harmless(divided.rest) == divided.rest;
+    auto const known = findCommand(meant, false);
+    bool const needsMore = divided.rest.empty() && needsArguments(std::get<Word>(known));
+    if (!isWhole || needsMore) return fail(unknown->sentence, "help " + meant);
+    return fail(unknown->sentence, meant + (divided.rest.empty() ? "" : ' ' + std::string(divided.rest)));
   }
   return runCommand({std::get<Word>(found), divided.rest});
 }
@@ -40,7 +45,7 @@ Outcome Editor::runCommand(Arguments const& arguments) {
   bool const takesNothing = infoOf(arguments.word).arguments.empty();
   if (takesNothing && !text.empty()) {
     std::string const name(infoOf(arguments.word).name);
-    return fail("\"" + name + "\" has no arguments.", name);
+    return fail("The command " + name + " has no arguments.", name);
   }
   switch (arguments.word) {
     case Word::Set:
@@ -112,9 +117,7 @@ std::size_t Editor::unsavedSteps() const {
 Outcome Editor::fail(std::string const& sentence, std::string const& meant) {
   std::string text = screen_.isTerminal() ? painted("not done", Colour::Red, screen_.look()) + ": " : "";
   text += sentence + '\n';
-  for (std::string const& command : StringUtilities::splitValue(meant, '\n')) {
-    text += "  nearest: " + painted(command, Colour::Green, screen_.look()) + '\n';
-  }
+  if (!meant.empty()) text += "  nearest: " + painted(meant, Colour::Green, screen_.look()) + '\n';
   screen_.complain(text);
   return Outcome::Failed;
 }

@@ -83,6 +83,7 @@ class Editor {
   [[nodiscard]] bool mayLose(Edit const& edit);
   void showResult(session::EditResult result, ResultTextOptions options);
   void note(session::EditResult const& result);
+  void proposeObject(session::Refused& refused) const;
   void stayInTheModel();
 
   // Looking
@@ -105,7 +106,7 @@ class Editor {
   [[nodiscard]] std::string leftOut() const;
 
   Outcome refuse(session::Refused const& refused);
-  /// Shows a sentence, and the commands that were probably meant, one on each line.
+  /// Shows a sentence and, if there is one, the command that was probably meant.
   Outcome fail(std::string const& sentence, std::string const& meant = {});
   [[nodiscard]] ResultTextOptions resultOptions() const;
   [[nodiscard]] bool asksYes(std::string const& question, std::string const& listed);

@@ -89,7 +89,9 @@ class ResultWriter {
     for (WaitingChange const& change : result.effect.waiting) waiting_.emplace(change.item, &change);
     for (ValueChange const& change : result.effect.values) {
       if (change.after) present_.insert({change.path, change.name});
+      values_.emplace(Item{change.path, change.name}, &change);
     }
+    noteRenaming();
     for (std::string const& path : result.effect.objectsCreated) present_.insert({path, std::nullopt});
   }
 
@@ -148,6 +150,53 @@ class ResultWriter {
       default:
         return false;
     }
+  }
+
+  // Renaming
+
+  void noteRenaming() {
+    Edit const* const edit = only();
+    if (edit == nullptr || edit->kind != Edit::Kind::RenameObject) return;
+    oldPath_ = edit->path;
+    newPath_ = edit->path.substr(0, edit->path.size() - PathUtils::lastName(edit->path).size()) + edit->name;
+    Effect const& effect = result_.effect;
+    for (std::string const& path : effect.objectsCreated) moves_.insert({path, std::nullopt});
+    for (std::string const& path : effect.objectsDeleted) moves_.insert({path, std::nullopt});
+    for (Item const& item : effect.offersGained) offers_.insert(item);
+    for (Item const& item : effect.offersLost) offers_.insert(item);
+  }
+
+  /// The item under the other name of the object that was renamed; nothing for items outside of it.
+  [[nodiscard]] std::optional<Item> otherName(Item const& item) const {
+    if (newPath_.empty()) return std::nullopt;
+    bool const isOld = PathUtils::isChildPath(oldPath_, item.path);
+    if (!isOld && !PathUtils::isChildPath(newPath_, item.path)) return std::nullopt;
+    std::string const& from = isOld ? oldPath_ : newPath_;
+    return Item{(isOld ? newPath_ : oldPath_) + item.path.substr(from.size()), item.name};
+  }
+
+  /// Whether the change is only the other half of a move: the item went under the old name and came under the new one.
+  [[nodiscard]] bool isMoved(ValueChange const& change) const {
+    for (session::FollowedReference const& followed : result_.followed) {
+      if (followed.item == Item{change.path, change.name}) return true;
+    }
+    auto const other = otherName({change.path, change.name});
+    auto const found = other ? values_.find(*other) : values_.end();
+    return found != values_.end() && found->second->before == change.after && found->second->after == change.before;
+  }
+  [[nodiscard]] bool isMoved(std::string const& path) const {
+    auto const other = otherName({path, std::nullopt});
+    return other && moves_.contains(*other);
+  }
+  [[nodiscard]] bool isMoved(Item const& offer) const {
+    auto const other = otherName(offer);
+    return other && offers_.contains(*other);
+  }
+  [[nodiscard]] bool isMoved(WaitingChange const& change) const {
+    auto const other = otherName(change.item);
+    auto const found = other ? waiting_.find(*other) : waiting_.end();
+    return found != waiting_.end() && change.after && found->second->before &&
+           found->second->before->value == change.after->value;
   }
 
   [[nodiscard]] WaitingChange const* waitingOf(std::string const& path, std::string const& name) const {
@@ -255,7 +304,7 @@ class ResultWriter {
     switch (section) {
       case Section::Waiting:
         for (WaitingChange const& change : effect.waiting) {
-          if (!change.after || isVerdictOn(change)) continue;
+          if (!change.after || isVerdictOn(change) || isMoved(change)) continue;
           std::string line = change.item.name ? shortened(*change.item.name) : "";
           if (change.after->value) line += " = " + value(*change.after->value);
           line += (line.empty() ? "" : "   ") + whyWaiting(*change.after);
@@ -264,7 +313,7 @@ class ResultWriter {
         break;
       case Section::Gone:
         for (ValueChange const& change : effect.values) {
-          if (change.after || isInVerdict(change.path, change.name)) continue;
+          if (change.after || isInVerdict(change.path, change.name) || isMoved(change)) continue;
           WaitingChange const* const waits = waitingOf(change.path, change.name);
           if (waits != nullptr && waits->after) continue;  // listed there, with its value
           bool const isOwn = options_.own.contains({change.path, change.name});
@@ -275,14 +324,14 @@ class ResultWriter {
         break;
       case Section::Changed:
         for (ValueChange const& change : effect.values) {
-          if (!change.before || !change.after || isInVerdict(change.path, change.name)) continue;
+          if (!change.before || !change.after || isInVerdict(change.path, change.name) || isMoved(change)) continue;
           entries.push_back(
               {change.path, shortened(change.name) + ": " + value(*change.before) + " -> " + value(*change.after)});
         }
         break;
       case Section::New:
         for (ValueChange const& change : effect.values) {
-          if (change.before || isInVerdict(change.path, change.name)) continue;
+          if (change.before || isInVerdict(change.path, change.name) || isMoved(change)) continue;
           std::string line = shortened(change.name);
           line += change.after->empty() ? "   needs a value" : " = " + value(*change.after);
           entries.push_back({change.path, std::move(line)});
@@ -327,10 +376,10 @@ class ResultWriter {
     std::vector<Entry> came;
     std::vector<Entry> went;
     for (std::string const& path : result_.effect.objectsCreated) {
-      if (!isObjectInVerdict(path)) came.push_back({path, ""});
+      if (!isObjectInVerdict(path) && !isMoved(path)) came.push_back({path, ""});
     }
     for (std::string const& path : result_.effect.objectsDeleted) {
-      if (!isObjectInVerdict(path)) went.push_back({path, ""});
+      if (!isObjectInVerdict(path) && !isMoved(path)) went.push_back({path, ""});
     }
     std::size_t const cameCount = came.size();
     std::size_t const wentCount = went.size();
@@ -348,7 +397,7 @@ class ResultWriter {
         bool const isSwitched =
             edit != nullptr && edit->path == item.path &&
             (item.name ? isOfParam(edit->kind) && edit->name == *item.name : isObjectInVerdict(item.path));
-        if (!isSwitched) all.push_back({item.path, item.name ? shortened(*item.name) : ""});
+        if (!isSwitched && !isMoved(item)) all.push_back({item.path, item.name ? shortened(*item.name) : ""});
       }
       return all;
     };
@@ -571,6 +620,12 @@ class ResultWriter {
   EditResult const& result_;
   ResultTextOptions const& options_;
   std::map<Item, WaitingChange const*> waiting_;
+  std::map<Item, ValueChange const*> values_;
+  /// The names of an object that was renamed, and the items that went or came in it. Empty without a renaming.
+  std::string oldPath_;
+  std::string newPath_;
+  std::set<Item> moves_;
+  std::set<Item> offers_;
   /// Items that came or have another value.
   std::set<Item> present_;
   std::vector<Part> parts_;

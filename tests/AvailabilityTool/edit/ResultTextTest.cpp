@@ -223,6 +223,34 @@ TEST(ResultText, SaysWhatWasConvertedAndWhatFollowed) {
             "  followed: /Case/Domain:a/Material: Water -> Sea\n");
 }
 
+TEST(ResultText, ARenamingIsNotShownAsItemsThatWentAndCame) {
+  EditResult result;
+  result.step = 2;
+  result.made = {Edit::renameObject("/Case/Material:Air", "Dry Air")};
+  result.effect.values = {{"/Case/Material:Air", "Density", "1.2", std::nullopt},
+                          {"/Case/Material:Air", "Phase", "Gas", std::nullopt},
+                          {"/Case/Material:Air/Law", "Constant", "120", std::nullopt},
+                          {"/Case/Material:Dry Air", "Density", std::nullopt, "1.2"},
+                          {"/Case/Material:Dry Air", "Phase", std::nullopt, "Liquid"},
+                          {"/Case/Material:Dry Air/Law", "Constant", std::nullopt, "120"}};
+  result.effect.objectsCreated = {"/Case/Material:Dry Air", "/Case/Material:Dry Air/Law"};
+  result.effect.objectsDeleted = {"/Case/Material:Air", "/Case/Material:Air/Law"};
+  result.effect.offersGained = {{"/Case/Material:Dry Air", "Colour"}};
+  result.effect.offersLost = {{"/Case/Material:Air", "Colour"}};
+  WaitingChange const waits = begins("/Case/Material:Dry Air", "Limit", "3", WaitingReason::NotAvailable);
+  session::Item const before = {"/Case/Material:Air", "Limit"};
+  result.effect.waiting = {{before, Waiting{before, "3", WaitingReason::NotAvailable, {}, {}}, std::nullopt}, waits};
+  EXPECT_EQ(resultText(result),
+            "done 2: rename /Case/Material:Air = Dry Air\n"
+            "  1 gone, 1 new\n"
+            "- 1 gone\n"
+            "    /Case/Material:Air\n"
+            "      Phase (was Gas)\n"
+            "+ 1 new\n"
+            "    /Case/Material:Dry Air\n"
+            "      Phase = Liquid\n");
+}
+
 TEST(ResultText, ARefusalSaysWhatIsPossibleAndNamesTheNearestCommand) {
   EditResult result;
   result.refused = Refused{RefusalCode::ValueNotAllowed,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <string>
 
@@ -19,10 +20,8 @@ struct TARN_EXPORT Item {
   [[nodiscard]] std::string text() const;
 
   /// By path; an object comes before its parameters.
-  friend bool operator<(Item const& a, Item const& b) noexcept {
-    return a.path != b.path ? a.path < b.path : a.name < b.name;
-  }
-  friend bool operator==(Item const&, Item const&) = default;
+  // NOLINTNEXTLINE(modernize-use-nullptr): a comparison with 0 that the compiler writes
+  friend auto operator<=>(Item const&, Item const&) = default;
 };
 
 }  // namespace tarn::session
