@@ -198,6 +198,7 @@ class ConditionLint {
 
   [[nodiscard]] static std::vector<Node> nodesOf(std::vector<Fact> const& facts) {
     std::vector<Node> nodes;
+    nodes.reserve(facts.size() + 1);
     for (auto const& fact : facts) nodes.push_back(fact.node);
     return nodes;
   }
@@ -612,6 +613,7 @@ class ConditionLint {
   [[nodiscard]] bool isCovered(std::vector<ExpressionUse const*> const& conditions, ExpressionUse const* last) {
     ConditionTerms terms(context_.data(), isLookedInto_);
     std::vector<Node> nodes;
+    nodes.reserve(conditions.size() + 1);
     auto const subject = subjectOf(*conditions.front());
     for (auto const* use : conditions) {
       nodes.push_back(
