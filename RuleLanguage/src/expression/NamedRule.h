@@ -52,6 +52,7 @@ class NamedCheck final : public Check {
   [[nodiscard]] std::string sourceText() const override { return rule_.source(); }
   [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] NamedRule& rule() noexcept { return rule_; }
+  [[nodiscard]] NamedRule const& rule() const noexcept { return rule_; }
 
  private:
   NamedRule rule_;
@@ -65,6 +66,7 @@ class NamedList final : public List {
   [[nodiscard]] std::string sourceText() const override { return rule_.source(); }
   [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] NamedRule& rule() noexcept { return rule_; }
+  [[nodiscard]] NamedRule const& rule() const noexcept { return rule_; }
 
  private:
   NamedRule rule_;
@@ -80,6 +82,7 @@ class NamedValue final : public TextExpression {
   [[nodiscard]] std::string sourceText() const override { return rule_.source(); }
   [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
   [[nodiscard]] NamedRule& rule() noexcept { return rule_; }
+  [[nodiscard]] NamedRule const& rule() const noexcept { return rule_; }
 
  private:
   NamedRule rule_;

@@ -156,6 +156,8 @@ class Parser {
       case Role::List:
         checks_.requireList(expression);
         break;
+      case Role::Any:
+        break;
     }
   }
 

@@ -17,14 +17,14 @@
 namespace tarn::rules {
 
 /// The form of result that the user of an expression needs. Numbers and truth values convert to text; text does not
-/// convert to a condition.
-enum class Role { Condition, Text, List };
+/// convert to a condition. `Any` takes every form.
+enum class Role { Condition, Text, List, Any };
 
 /// The checks, lists and values that expressions may call.
 struct NamedRules {
-  std::map<std::string, NamedCheck*, std::less<>> checks;
-  std::map<std::string, NamedList*, std::less<>> lists;
-  std::map<std::string, NamedValue*, std::less<>> values;
+  std::map<std::string, NamedCheck const*, std::less<>> checks;
+  std::map<std::string, NamedList const*, std::less<>> lists;
+  std::map<std::string, NamedValue const*, std::less<>> values;
   /// Whether the rules have an object type of that name, so that nothing else may have it. Empty: there are none.
   std::function<bool(std::string_view)> isType;
   mutable HintBudget hints;
