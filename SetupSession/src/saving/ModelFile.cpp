@@ -114,6 +114,13 @@ fs::path targetOf(std::string const& name) {
   return failed ? fs::path(name) : resolved;
 }
 
+/// Whether there may be an earlier model: not in a pipe or a device.
+bool canHoldModel(std::string const& name) {
+  std::error_code failed;
+  fs::file_status const status = fs::status(name, failed);
+  return !fs::exists(status) || fs::is_regular_file(status) || fs::is_directory(status);
+}
+
 /// Returns 0, or the number of the error.
 int replaceFile(std::string const& name, std::string const& bytes) {
   fs::path const target = targetOf(name);
@@ -162,7 +169,8 @@ std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder
   std::string text;
   try {
     text = rewriteModelText(bytes_, state, order);
-    auto const onDisk = bytesOf(name_);
+    // What is in a pipe or a device is no model, and reading it might never end.
+    auto const onDisk = canHoldModel(name_) ? bytesOf(name_) : std::nullopt;
     bool const isOwn = onDisk && exists_ && *onDisk == bytes_;
     if (onDisk && *onDisk == text) {
       bytes_ = std::move(text);

@@ -19,7 +19,7 @@ bool isWordCharacter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
 }
 
-/// How `name` matches `text`, which is in lower case.
+/// How `name` matches `text`, which is in lower case and not empty.
 std::optional<MatchKind> match(std::string_view name, std::string const& text) {
   std::string const lower = StringUtilities::toLower(std::string(name));
   std::size_t place = lower.find(text);
@@ -29,6 +29,10 @@ std::optional<MatchKind> match(std::string_view name, std::string const& text) {
     if (!isWordCharacter(lower[place - 1])) return MatchKind::Word;
   }
   return MatchKind::Substring;
+}
+
+std::string soughtText(std::string_view text) {
+  return StringUtilities::toLower(StringUtilities::removeWhitespace(std::string(text)));
 }
 
 /// Calls `visit` with the path of each object of the tree at and below `root`, parents first, in the order of the tree.
@@ -55,8 +59,13 @@ std::variant<Item, Refused> SessionImpl::resolve(std::string_view text) const {
   return item;
 }
 
+std::optional<MatchKind> matchOf(std::string_view name, std::string_view text) {
+  std::string const sought = soughtText(text);
+  return sought.empty() ? std::nullopt : match(name, sought);
+}
+
 std::vector<Found> SessionImpl::find(std::string_view text, std::size_t most) const {
-  std::string const lower = StringUtilities::toLower(StringUtilities::removeWhitespace(std::string(text)));
+  std::string const lower = soughtText(text);
   std::vector<Found> found;
   if (lower.empty() || most == 0) return found;
   // The names of a type are compared once, however many objects have it.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include <tarn/Export.h>
 #include <tarn/session/Item.h>
@@ -18,6 +20,10 @@ enum class MatchKind : int {
   /// Any part of the name.
   Substring = 3
 };
+
+/// How `name` matches `text`; nothing when it does not contain it. An empty text matches nothing. Upper and lower case
+/// are the same, and white space at the ends of `text` is ignored. Linear in the length of both.
+[[nodiscard]] TARN_EXPORT std::optional<MatchKind> matchOf(std::string_view name, std::string_view text);
 
 /// An item that a search has found.
 struct TARN_EXPORT Found {
