@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'validate lint show console --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'validate lint edit find eval show console --version -h --help' -- "$current")
     return
   fi
 
@@ -22,21 +22,30 @@ _zev() {
       return
       ;;
     --format)
-      mapfile -t COMPREPLY < <(compgen -W 'text json sarif' -- "$current")
+      local formats='text json'
+      [[ ${COMP_WORDS[1]} != validate && ${COMP_WORDS[1]} != lint ]] || formats+=' sarif'
+      mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
       return
       ;;
     --fail-on)
       mapfile -t COMPREPLY < <(compgen -W 'error warning' -- "$current")
       return
       ;;
-    --root | --based-on | --validation-root) return ;; # objects, which stand in a model
-    -j | --jobs) return ;;                             # a number
+    --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
+    --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
+    -j | --jobs | --limit) return ;;                                       # a number
   esac
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
     validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
     lint) options+=' --rules --format --fail-on --severity' ;;
+    edit)
+      options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
+      options+=' --format'
+      ;;
+    find) options+=' --rules --root --limit --format' ;;
+    eval) options+=' --rules --at --format' ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;
     *) return ;;

@@ -22,6 +22,9 @@
 #include "cli/ListArguments.h"
 #include "cli/Output.h"
 #include "console/ConsoleCommand.h"
+#include "edit/EditCommand.h"
+#include "eval/EvalCommand.h"
+#include "find/FindCommand.h"
 #include "lint/LintCommand.h"
 #include "show/ShowCommand.h"
 #include "validate/ValidateCommand.h"
@@ -33,6 +36,9 @@ namespace {
 void addCommands(CLI::App& app, Command& chosen) {
   addValidateCommand(app, chosen);
   addLintCommand(app, chosen);
+  addEditCommand(app, chosen);
+  addFindCommand(app, chosen);
+  addEvalCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
 }
@@ -66,8 +72,8 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
 /// The options of a command that take more than one value.
 std::vector<ListOption> listOptions(std::string const& command) {
   if (command == "validate") return validateListOptions();
-  if (command == "show" || command == "console") return {{"--rules", looksLikeRules}};
-  return {};
+  if (command == "lint") return {};
+  return {{"--rules", looksLikeRules}};
 }
 
 int run(std::vector<std::string> arguments) {

@@ -56,12 +56,13 @@ TEST_F(BashCompletion, IsRegisteredForTheProgram) {
 }
 
 TEST_F(BashCompletion, OffersTheCommandsFirst) {
-  EXPECT_THAT(complete({""}), UnorderedElementsAre("validate", "lint", "show", "console", "--version", "-h", "--help"));
+  EXPECT_THAT(complete({""}), UnorderedElementsAre("validate", "lint", "edit", "find", "eval", "show", "console",
+                                                   "--version", "-h", "--help"));
   EXPECT_THAT(complete({"v"}), UnorderedElementsAre("validate"));
 }
 
 TEST_F(BashCompletion, OffersEachCommandTheOptionsOfItsHelp) {
-  for (std::string const command : {"validate", "lint", "show", "console"}) {
+  for (std::string const command : {"validate", "lint", "edit", "find", "eval", "show", "console"}) {
     std::string const help = outputOf(std::string(TARN_ZEV) + ' ' + command + " --help");
     std::regex const option("\n  (?:(-[a-z]),)?(--[a-z-]+)");
     std::set<std::string> expected;
@@ -78,6 +79,8 @@ TEST_F(BashCompletion, OffersEachCommandTheOptionsOfItsHelp) {
 TEST_F(BashCompletion, OffersTheValuesOfAnOption) {
   EXPECT_THAT(complete({"validate", "--phase", ""}), UnorderedElementsAre("dependency", "global", "all"));
   EXPECT_THAT(complete({"validate", "--format", "j"}), UnorderedElementsAre("json"));
+  EXPECT_THAT(complete({"lint", "--format", ""}), UnorderedElementsAre("text", "json", "sarif"));
+  EXPECT_THAT(complete({"edit", "--format", ""}), UnorderedElementsAre("text", "json"));
   EXPECT_THAT(complete({"validate", "--phase", "=", "g"}), UnorderedElementsAre("global"));
   EXPECT_THAT(complete({"validate", "--phase", "="}), UnorderedElementsAre("dependency", "global", "all"));
 }
@@ -89,6 +92,7 @@ TEST_F(BashCompletion, OffersRuleFilesAndFoldersBehindRules) {
 TEST_F(BashCompletion, OffersFilesWhereAModelIsWanted) {
   EXPECT_THAT(complete({"console", "--model", "p"}), UnorderedElementsAre("pump.tdf"));
   EXPECT_THAT(complete({"validate", "--rules", "rules", "o"}), UnorderedElementsAre("old pump.tdf"));
+  EXPECT_THAT(complete({"edit", "--out", "o"}), UnorderedElementsAre("old pump.tdf"));
 }
 
 TEST_F(BashCompletion, OffersTheStreamsAsTargetOfTheLog) {
@@ -98,6 +102,7 @@ TEST_F(BashCompletion, OffersTheStreamsAsTargetOfTheLog) {
 TEST_F(BashCompletion, OffersNothingForAnObjectOrANumberNorBehindAnUnknownCommand) {
   EXPECT_THAT(complete({"validate", "-j", ""}), IsEmpty());
   EXPECT_THAT(complete({"show", "--root", "/"}), IsEmpty());
+  EXPECT_THAT(complete({"edit", "--set", "/"}), IsEmpty());
   EXPECT_THAT(complete({"prove", "-"}), IsEmpty());
 }
 

@@ -62,4 +62,12 @@ ModelText readModelText(std::string const& name) {
   }
 }
 
+session::ModelFile readEditedFile(std::string const& name) {
+  try {
+    return session::ModelFile::read(name);
+  } catch (FileError const& error) {
+    throw ModelFailure(unreadable(error, name));
+  }
+}
+
 }  // namespace tarn::tool

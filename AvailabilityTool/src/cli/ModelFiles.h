@@ -6,6 +6,7 @@
 #include <tarn/ModelState.h>
 #include <tarn/ModelText.h>
 #include <tarn/TDFChangeFile.h>
+#include <tarn/session/ModelFile.h>
 
 #include "cli/Failure.h"
 
@@ -35,5 +36,8 @@ class ModelFailure : public Failure {
 
 /// The text of a model, possibly with malformed lines. Throws a `ModelFailure` if it cannot be read.
 [[nodiscard]] ModelText readModelText(std::string const& name);
+
+/// The file of a model that is to be edited and saved. Throws a `ModelFailure` if it cannot be read.
+[[nodiscard]] session::ModelFile readEditedFile(std::string const& name);
 
 }  // namespace tarn::tool

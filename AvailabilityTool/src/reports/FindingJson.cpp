@@ -6,15 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "reports/SessionJson.h"
+
 namespace tarn::tool {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-Json placeOf(TextPlace const& place) {
-  return {{"file", place.source()}, {"line", place.line()}, {"column", place.column()}};
-}
 
 void addExpected(Json& json, session::Expected const& expected) {
   auto const add = [&json](char const* key, auto const& value) {
@@ -55,9 +53,9 @@ Json findingAsJson(session::Finding const& finding) {
   if (!expected.empty()) json["expected"] = std::move(expected);
   if (!finding.places.empty()) {
     Json& places = json["places"] = Json::array();
-    for (TextPlace const& place : finding.places) places.push_back(placeOf(place));
+    for (TextPlace const& place : finding.places) places.push_back(placeAsJson(place));
   }
-  if (finding.rule.isKnown()) json["rule"] = placeOf(finding.rule);
+  if (finding.rule.isKnown()) json["rule"] = placeAsJson(finding.rule);
   json["message"] = finding.message;
   return json;
 }

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "reports/FindingJson.h"
+#include "reports/JsonText.h"
 
 namespace tarn::tool {
 
@@ -17,10 +18,6 @@ using Json = nlohmann::ordered_json;
 using session::Finding;
 using session::FindingKind;
 
-std::string dump(Json const& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 // Writes the list `key`, with an entry for each finding that `belongs` to it. Each entry is written at once, because a
 // model can have many.
 template <typename Belongs, typename Entry>
@@ -28,7 +25,7 @@ void writeList(std::ostream& out, char const* key, std::vector<Finding> const& f
   out << ",\"" << key << "\":[";
   char const* separator = "";
   for (Finding const& finding : findings) {
-    if (belongs(finding)) out << std::exchange(separator, ",") << dump(entry(finding));
+    if (belongs(finding)) out << std::exchange(separator, ",") << jsonLine(entry(finding));
   }
   out << ']';
 }
@@ -63,7 +60,7 @@ Json valueFault(Finding const& finding) {
 }  // namespace
 
 void writeJsonReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
-  out << "{\"model\":" << dump(modelName) << ",\"status\":" << findings.status;
+  out << "{\"model\":" << jsonLine(modelName) << ",\"status\":" << findings.status;
   writeList(out, "dependency", findings.list, isErrorOf(FindingKind::Dependency), pathAndMessage);
   writeList(out, "global", findings.list, isErrorOf(FindingKind::Global),
             [](Finding const& one) { return Json(one.message); });
@@ -83,7 +80,7 @@ void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFail
   report["model"] = modelName;
   report["error"] = failure.malformed().empty() ? failure.what() : "the model has malformed lines";
   report["malformed"] = std::move(malformed);
-  out << dump(report) << '\n';
+  out << jsonLine(report) << '\n';
 }
 
 }  // namespace tarn::tool

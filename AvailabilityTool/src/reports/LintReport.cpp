@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "reports/JsonText.h"
 #include "reports/SarifLog.h"
 
 namespace tarn::tool {
@@ -71,7 +72,7 @@ void writeLintAsJson(std::ostream& out, rules::LintResult const& result) {
                {"unreadable", result.unreadable}};
   Json& list = json["diagnostics"] = Json::array();
   for (Diagnostic const& diagnostic : result.diagnostics) list.push_back(jsonOf(diagnostic));
-  out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+  out << jsonLine(json) << '\n';
 }
 
 void writeLintAsSarif(std::ostream& out, rules::LintResult const& result, int exitStatus) {

@@ -6,16 +6,13 @@
 #include <ostream>
 
 #include "cli/ExitStatus.h"
+#include "reports/JsonText.h"
 
 namespace tarn::tool {
 
 namespace {
 
 using Json = SarifLog::Json;
-
-std::string dump(Json const& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 bool isPlain(char c) noexcept {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
@@ -69,7 +66,7 @@ SarifLog::SarifLog(std::ostream& out, std::vector<Rule> const& rules) : out_(out
   }
   Json const tool = {{"driver", std::move(driver)}};
   out_ << R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[{"tool":)"
-       << dump(tool) << R"(,"columnKind":"unicodeCodePoints","results":[)";
+       << jsonLine(tool) << R"(,"columnKind":"unicodeCodePoints","results":[)";
 }
 
 void SarifLog::add(Result const& result, Json const& properties) {
@@ -82,7 +79,7 @@ void SarifLog::add(Result const& result, Json const& properties) {
   if (!locations.empty()) json["locations"] = std::move(locations);
   if (!result.related.empty()) json["relatedLocations"] = locationsOf(result.related);
   if (!properties.is_null()) json["properties"] = properties;
-  out_ << (isFirst_ ? "\n" : ",\n") << dump(json);
+  out_ << (isFirst_ ? "\n" : ",\n") << jsonLine(json);
   isFirst_ = false;
 }
 
@@ -95,7 +92,7 @@ void SarifLog::addFailure(std::string const& message, std::vector<Place> const& 
 void SarifLog::finish(int exitStatus) {
   Json invocation = {{"executionSuccessful", exitStatus != Failed}, {"exitCode", exitStatus}};
   if (!failures_.empty()) invocation["toolExecutionNotifications"] = std::move(failures_);
-  out_ << (isFirst_ ? "]" : "\n]") << ",\"invocations\":[" << dump(invocation) << "]}]}\n";
+  out_ << (isFirst_ ? "]" : "\n]") << ",\"invocations\":[" << jsonLine(invocation) << "]}]}\n";
 }
 
 }  // namespace tarn::tool

@@ -169,7 +169,7 @@ std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder
   std::string text;
   try {
     text = rewriteModelText(bytes_, state, order);
-    // What is in a pipe or a device is no model, and reading it might never end.
+    // A pipe or a device holds no earlier model, and reading it might never end.
     auto const onDisk = canHoldModel(name_) ? bytesOf(name_) : std::nullopt;
     bool const isOwn = onDisk && exists_ && *onDisk == bytes_;
     if (onDisk && *onDisk == text) {

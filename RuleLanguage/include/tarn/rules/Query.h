@@ -24,7 +24,7 @@ namespace tarn::rules {
 ///     if (parsed.query->evaluate(TDFContext("/Case/Domain:rotor"), &context).truth) ...
 class TARN_EXPORT Query final : public RuleExpression {
  public:
-  /// What an expression results in. It is known before an evaluation, from the way the expression is written.
+  /// The kind of a result. It is known before an evaluation, from the way the expression is written.
   enum class Kind { Truth, Number, Text, List, Objects };
 
   struct Result {
@@ -61,7 +61,7 @@ class TARN_EXPORT Query final : public RuleExpression {
   std::unique_ptr<Parts const> parts_;
 };
 
-/// What `parseQuery` returns.
+/// The result of `parseQuery`.
 struct ParsedQuery {
   /// Null when there are diagnostics.
   std::unique_ptr<Query> query;

@@ -1,0 +1,183 @@
+// `zev eval`: evaluates an expression of the rule language at an object of a model, and shows the value of each of its
+// parts.
+#include "eval/EvalCommand.h"
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <tarn/DynamicTDF.h>
+#include <tarn/EvalContext.h>
+#include <tarn/PertinentRoots.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/TDFContext.h>
+#include <tarn/rules/Query.h>
+
+#include "cli/ExitStatus.h"
+#include "cli/Failure.h"
+#include "cli/ModelFiles.h"
+#include "cli/PathArgument.h"
+#include "cli/RuleFiles.h"
+#include "edit/ShownText.h"
+#include "reports/ExplanationJson.h"
+#include "reports/ExplanationText.h"
+#include "reports/JsonText.h"
+#include "reports/SessionJson.h"
+
+namespace tarn::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using rules::Query;
+
+struct EvalOptions {
+  std::vector<std::string> rules;
+  std::string model;
+  std::string at;
+  std::string expression;
+  bool asJson = false;
+};
+
+/// The object where relative paths start.
+std::string objectOf(EvalOptions const& options, PhysicsData const& rules, ModelState const& model,
+                     DynamicTDF const& tree) {
+  if (options.at.empty()) {
+    auto const objects = PertinentRoots(rules).objectsIn(model);
+    return objects.size() == 1 ? objects.front() : std::string();
+  }
+  std::string const at = pathArgument("--at", options.at).getFullPath();
+  if (options.model.empty() || at.empty() || tree.hasObject(at)) return at;
+  std::vector<std::string> known;
+  for (auto const& [path, params] : model) known.push_back(path);
+  std::string const near = StringUtilities::nearMatch(at, known);
+  throw Failure("--at: the model has no object " + at + (near.empty() ? "" : "; did you mean " + near + '?'));
+}
+
+Json valueOf(Query::Result const& result) {
+  switch (result.kind) {
+    case Query::Kind::Truth:
+      return result.truth;
+    case Query::Kind::Number:
+      return numberAsJson(result.number);
+    case Query::Kind::Text:
+      return result.text;
+    case Query::Kind::List:
+    case Query::Kind::Objects:
+      break;
+  }
+  return result.items;
+}
+
+char const* nameOf(Query::Kind kind) {
+  switch (kind) {
+    case Query::Kind::Truth:
+      return "truth";
+    case Query::Kind::Number:
+      return "number";
+    case Query::Kind::Text:
+      return "text";
+    case Query::Kind::List:
+      return "list";
+    case Query::Kind::Objects:
+      break;
+  }
+  return "objects";
+}
+
+/// The value on lines of its own, for scripts: a list has a line for each item.
+void writeValue(std::ostream& out, Query::Result const& result) {
+  switch (result.kind) {
+    case Query::Kind::Truth:
+    case Query::Kind::Text:
+      out << harmless(result.text) << '\n';
+      return;
+    case Query::Kind::Number:
+      out << (result.text.empty() ? "not a number" : result.text) << '\n';
+      return;
+    case Query::Kind::List:
+    case Query::Kind::Objects:
+      break;
+  }
+  for (std::string const& item : result.items) out << harmless(item) << '\n';
+  if (result.items.empty()) out << (result.kind == Query::Kind::List ? "an empty list\n" : "no objects\n");
+}
+
+int eval(EvalOptions const& options, std::ostream& out, std::ostream& err) {
+  auto const rules = loadRuleFiles(options.rules, err);
+  auto const parsed = rules::parseQuery(options.expression, *rules);
+  if (!parsed.query) {
+    err << rules::format(parsed.diagnostics);
+    throw Failure("the expression cannot be evaluated; see above");
+  }
+  ModelState const model = options.model.empty() ? ModelState() : readModelFile(options.model, TDFChangeFile::Strict);
+  DynamicTDF tree(false);
+  tree.initialise(model.begin(), model.end());
+  std::string const at = objectOf(options, *rules, model, tree);
+
+  TDFContext const context(at);
+  EvalContext evalContext(&tree);
+  Query::Result const result = parsed.query->evaluate(context, &evalContext);
+  Explanation const explanation = parsed.query->explain(context, tree);
+  if (options.asJson) {
+    Json json = {{"schema", sessionJsonSchema}};
+    json["expression"] = options.expression;
+    json["at"] = at;
+    json["kind"] = nameOf(result.kind);
+    json["value"] = valueOf(result);
+    json["explanation"] = explanationAsJson(explanation);
+    out << jsonLine(json) << '\n';
+    return NothingFound;
+  }
+  writeValue(out, result);
+  out << "\nat " << (at.empty() ? "/" : harmless(at)) << ":\n" << explanationText(explanation, "  ");
+  return NothingFound;
+}
+
+}  // namespace
+
+void addEvalCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<EvalOptions>();
+  auto format = std::make_shared<std::string>("text");
+  auto arguments = std::make_shared<std::vector<std::string>>();
+  CLI::App* command = app.add_subcommand("eval", "Evaluate an expression of the rule language in a model");
+  command
+      ->add_option("--rules", options->rules,
+                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
+      ->type_name("PATH")
+      ->allow_extra_args(false)
+      ->required();
+  command
+      ->add_option("--at", options->at,
+                   "The object where relative paths start; default: the only object that\nthe rules look at")
+      ->type_name("OBJECT");
+  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line")
+      ->type_name("text|json")
+      ->check(CLI::IsMember({"text", "json"}).description(""));
+  command
+      ->add_option("EXPRESSION", *arguments,
+                   "A model file, or - for the standard input, and the expression;\nthe model can be left out")
+      ->type_name("[MODEL] EXPRESSION")
+      ->expected(1, 2)
+      ->required();
+  command->footer(
+      "The value comes first, then the value of each part that decided it. The model is taken as it is written: it\n"
+      "has no defaults of the rules. Put the expression in single quotes, because a shell would replace ${...}. Begin\n"
+      "with a blank if the expression begins with a minus.\n"
+      "Examples: zev eval --rules rules/ pump.tdf 'count({/Case/Domain:*})'\n"
+      "          zev eval --rules rules/ pump.tdf --at /Case/Domain:rotor '${Motion} == \"Rotating\"'\n"
+      "Exit status: 0, or 2 for wrong usage, an expression with errors, or a file that could not be read.");
+  command->callback([options, format, arguments, &chosen] {
+    options->asJson = *format == "json";
+    options->expression = arguments->back();
+    if (arguments->size() == 2) options->model = arguments->front();
+    chosen = [options](std::ostream& out, std::ostream& err) { return eval(*options, out, err); };
+  });
+}
+
+}  // namespace tarn::tool

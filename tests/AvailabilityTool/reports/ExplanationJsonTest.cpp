@@ -1,0 +1,26 @@
+#include "reports/ExplanationJson.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "reports/JsonText.h"
+
+namespace tarn::tool {
+namespace {
+
+TEST(ExplanationJson, NumbersAreWholeWhereTheyAreAndNullWhereThereIsNone) {
+  EXPECT_EQ(jsonLine(numberAsJson(3)), "3");
+  EXPECT_EQ(jsonLine(numberAsJson(-0.5)), "-0.5");
+  EXPECT_EQ(jsonLine(numberAsJson(1e300)), "1e+300");
+  EXPECT_EQ(jsonLine(numberAsJson(std::nan(""))), "null");
+  EXPECT_EQ(jsonLine(numberAsJson(std::numeric_limits<double>::infinity())), "null");
+}
+
+TEST(ExplanationJson, AnExplanationThatWasNotMadeIsNull) {
+  EXPECT_EQ(jsonLine(explanationAsJson({})), "null");
+}
+
+}  // namespace
+}  // namespace tarn::tool
