@@ -21,7 +21,9 @@ of a fenced block says what it is:
                       a file of this content, for the commands that follow. The lines of a second block of the same
                       name replace the first.
     console           commands behind `$ `, and what they print. `zev` is found wherever it has been built. Lines
-                      behind `ZEV> ` are typed into the command above them, and stand where a terminal shows them.
+                      behind `ZEV> ` are typed into the command above them, and stand where a terminal shows them. The
+                      same holds for what is behind a prompt of `zev edit`, such as `/Case> `, and behind a question
+                      that ends with `[y/N] ` or the like; then the command runs on a terminal of its own.
                       A line `...` replaces one or more lines that are left out.
 
 `cpp`, `cmake` and `text form` are not run. Any other block is an error, so that nothing goes untested by a slip. With
@@ -33,6 +35,7 @@ import itertools
 import json
 import os
 import pathlib
+import pty
 import re
 import subprocess
 import sys
@@ -41,6 +44,8 @@ import tempfile
 FENCE = re.compile(r"^( *)```(.*)$")
 PROMPT = "ZEV> "
 LEFT_OUT = "..."
+# `zev edit` shows this on a terminal before it waits for a line.
+EDIT_PROMPT = re.compile(r"(?:/[^>\n]*(?<!-)> |[^\n]*\[y/N[^]\n]*\] )")
 
 
 class Block:
@@ -100,6 +105,30 @@ class Examples:
         if done.returncode == 124:
             sys.exit(f"{words[-1]}: has not ended in two minutes")
         return done
+
+    def dialogue(self, command, typed):
+        """Returns what a terminal shows when a person types these lines, each when the program waits for one."""
+        ours, theirs = pty.openpty()
+        # The program ends, whatever happens, and this side with it.
+        process = subprocess.Popen(["timeout", "120", "/bin/sh", "-c", command], cwd=self.folder, stdin=theirs,
+                                   stdout=theirs, stderr=theirs, start_new_session=True,
+                                   env=dict(self.environment, TERM="dumb", HOME=str(self.folder)))
+        os.close(theirs)
+        shown, waiting = b"", list(typed)
+        while True:
+            try:
+                read = os.read(ours, 65536)
+            except OSError:  # the other side is closed
+                break
+            if not read:
+                break
+            shown += read
+            last = shown.rsplit(b"\n", 1)[-1].decode(errors="replace")
+            if EDIT_PROMPT.fullmatch(last):
+                os.write(ours, (waiting.pop(0) + "\n").encode() if waiting else b"\x04")
+        process.wait()
+        os.close(ours)
+        return shown.decode().replace("\r\n", "\n")
 
     def fault(self, block, message):
         sys.exit(f"line {block.first}: {message}")
@@ -170,7 +199,13 @@ class Examples:
         for number, line in enumerate(block.lines):
             if not line.startswith("$ "):
                 continue
-            below = itertools.takewhile(lambda text: not text.startswith("$ "), block.lines[number + 1:])
+            below = list(itertools.takewhile(lambda text: not text.startswith("$ "), block.lines[number + 1:]))
+            prompts = [EDIT_PROMPT.match(text) for text in below]
+            if any(prompts):
+                answers = [text[prompt.end():] for text, prompt in zip(below, prompts) if prompt]
+                self.answered += 1
+                shown += [line, *self.dialogue(line[2:], answers).splitlines()]
+                continue
             typed = [text[len(PROMPT):] for text in below if text.startswith(PROMPT)]
             done = self.run(line[2:] + " 2>&1", "".join(text + "\n" for text in typed) if typed else None)
             self.answered += 1

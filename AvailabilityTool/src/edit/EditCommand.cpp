@@ -149,8 +149,8 @@ class EditRun {
   }
 
  private:
-  /// The whole command line with the nearest possible edits instead of those that were refused. Nothing if that would be
-  /// refused as well.
+  /// The whole command line with the nearest possible edits instead of those that were refused. Nothing if that would
+  /// be refused as well.
   [[nodiscard]] std::optional<std::string> workingLine(session::Refused refused) {
     std::vector<Edit> edits = edits_;
     // An edit may have two slips, in its name and in its value.

@@ -104,8 +104,7 @@ class ComparisonLint {
   // What something can be
 
   /// What the rules say of a parameter, in all objects that the path can name.
-  [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter,
-                                                          Base const& base) {
+  [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter, Base const& base) {
     std::vector<ParamValueDef const*> result;
     auto const typePaths = context_.resolve(use_, parameter.objectsFrom(base));
     for (auto const& typePath : *typePaths) {
@@ -162,8 +161,7 @@ class ComparisonLint {
   }
 
   /// An absent parameter equals the empty text, so that is always possible.
-  Judgement judgeParameter(ParameterReference const& parameter, Base const& base, Wanted const& wanted,
-                           bool asItem) {
+  Judgement judgeParameter(ParameterReference const& parameter, Base const& base, Wanted const& wanted, bool asItem) {
     if (wanted.text.empty()) return {};
     Judgement result;
     for (auto const* def : rulesOf(parameter, base)) {
@@ -358,8 +356,7 @@ class ComparisonLint {
   }
 
   /// Values that are equal as what they are, but not as they are written.
-  void checkForm(ParameterReference const& parameter, Wanted const& wanted, Literal const& literal,
-                 Base const& base) {
+  void checkForm(ParameterReference const& parameter, Wanted const& wanted, Literal const& literal, Base const& base) {
     auto const rules = freeRulesOf(parameter, base);
     if (rules.empty()) return;
     auto const type = rules.front()->type;
