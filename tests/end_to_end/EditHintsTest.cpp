@@ -46,17 +46,16 @@ TEST_P(EditHints, ArePossibleCommands) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AfterA, EditHints,
-                         testing::Values("sett Title = x", "exit", "?", "cd Solver", "s", "help und",
-                                         "set Flow Regim = Laminar", "set Flow Regime = laminar",
-                                         "set Domain:chanel/Material = Air", "set Domain:channel/Domain Type = Fluids",
-                                         "set Title", "set", "on Domain:channel/Colou", "off Domain:channel/Buoyanci",
-                                         "add Domain", "remove Domain:chanel", "copy Domain:channel",
-                                         "copy Domain:channel = sink", "rename Domain:channel = a/b",
-                                         "rename Domain:sinc = x", "show Analisis", "show Analysis/Time Stp",
-                                         "list Analysis/Analysis Type", "go Domain:sin", "undo x", "try show Solver",
-                                         "find", "find xyzzy", "mine all", "copy Domain:channel = other",
-                                         "remove Domain:channel", "set Title = x"));
+INSTANTIATE_TEST_SUITE_P(
+    AfterA, EditHints,
+    testing::Values("sett Title = x", "exit", "?", "cd Solver", "s", "help und", "set Flow Regim = Laminar",
+                    "set Flow Regime = laminar", "set Domain:chanel/Material = Air",
+                    "set Domain:channel/Domain Type = Fluids", "set Title", "set", "on Domain:channel/Colou",
+                    "off Domain:channel/Buoyanci", "add Domain", "remove Domain:chanel", "copy Domain:channel",
+                    "copy Domain:channel = sink", "rename Domain:channel = a/b", "rename Domain:sinc = x",
+                    "show Analisis", "show Analysis/Time Stp", "list Analysis/Analysis Type", "go Domain:sin", "undo x",
+                    "try show Solver", "find", "find xyzzy", "why", "how Analysis/Time Stp", "why Solver = 3",
+                    "mine all", "copy Domain:channel = other", "remove Domain:channel", "set Title = x"));
 
 }  // namespace
 }  // namespace tarn::test

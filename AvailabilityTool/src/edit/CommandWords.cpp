@@ -12,7 +12,7 @@ namespace tarn::tool {
 
 namespace {
 
-constexpr std::array<CommandInfo, 22> commands = {{
+constexpr std::array<CommandInfo, 24> commands = {{
     {Word::Set, "set", "PATH = VALUE", "give a parameter a value",
      "Everything after the first \"=\" is the value. Blanks need no quotes. A number may have any units that can be\n"
      "converted: \"25 mm\" and \"25 [mm]\" are the same. A value for a parameter that is not available now is kept "
@@ -39,6 +39,10 @@ constexpr std::array<CommandInfo, 22> commands = {{
     {Word::Waiting, "waiting", "", "list what was asked for and is not in force, with the reason",
      "It comes into force by itself when the rules allow it. It is not part of the file that \"save\" writes.\n"},
     {Word::Diff, "diff", "", "list what differs from the model as it was opened", ""},
+    {Word::Why, "why", "PATH [= VALUE]", "explain why something is as it is, or why a value is not allowed",
+     "The answer has the rule with its place, the values that decided, and where they come from.\n"},
+    {Word::How, "how", "PATH [= VALUE]", "find the shortest edits after which something is there, or has a value",
+     "Each answer was tried. Nothing changes.\n"},
     {Word::Try, "try", "EDIT", "show what an edit would do, without doing it: try off Domain:rotor/Heat",
      "Also shows the findings that would come and go.\n"},
     {Word::Effects, "effects", "[all | SECTION]", "show again what the last edit did, or all of it",

@@ -25,6 +25,8 @@ enum class Word {
   Mine,
   Waiting,
   Diff,
+  Why,
+  How,
   Try,
   Effects,
   Findings,

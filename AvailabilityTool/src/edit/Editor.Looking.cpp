@@ -201,6 +201,61 @@ Outcome Editor::findings() {
   return Outcome::Done;
 }
 
+/// "PATH", or "PATH = VALUE".
+std::optional<session::Goal> Editor::readGoal(std::string_view text, std::string_view command) {
+  if (text.empty()) {
+    (void)fail("A path is missing: " + std::string(command) + " PATH", "help " + std::string(command));
+    return std::nullopt;
+  }
+  std::size_t const equals = text.find('=');
+  std::optional<Item> item = resolve(text.substr(0, equals), command);
+  if (!item) return std::nullopt;
+  session::Goal goal = {std::move(*item), std::nullopt};
+  if (equals == std::string_view::npos) return goal;
+  if (!goal.item.name) {
+    (void)fail(shownPath(goal.item.path) + " is an object, and has no value.",
+               std::string(command) + ' ' + goal.item.path);
+    return std::nullopt;
+  }
+  goal.value = StringUtilities::trimmed(text.substr(equals + 1));
+  return goal;
+}
+
+Outcome Editor::why(std::string_view text) {
+  auto const goal = readGoal(text, "why");
+  if (!goal) return Outcome::Failed;
+  constexpr std::size_t mostLines = 40;
+  session::WhyOptions options;
+  options.depth = 2;
+  if (goal->value) {
+    options.question = session::Question::Allowed;
+    options.value = *goal->value;
+  }
+  std::string answer = textOf(session_.why(goal->item, options), mostLines);
+  if (!goal->value && !session_.steps().empty()) {
+    options.question = session::Question::LastEdit;
+    session::Proof const last = session_.why(goal->item, options);
+    if (last.answer().fact != session::Fact::NotChanged) answer += textOf(last, mostLines);
+  }
+  screen_.page(answer);
+  return Outcome::Done;
+}
+
+Outcome Editor::how(std::string_view text) {
+  auto const goal = readGoal(text, "how");
+  if (!goal) return Outcome::Failed;
+  session::HowResult const result = session_.how(*goal);
+  std::string answer = textOf(result);
+  for (std::size_t i = 0; i < result.ways.size(); ++i) {
+    std::vector<Edit> const& edits = result.ways[i].edits;
+    if (!std::all_of(edits.begin(), edits.end(), isTypeable)) continue;
+    answer += "type:\n";
+    for (Edit const& edit : edits) answer += "  " + painted(commandText(edit), Colour::Green, screen_.look()) + '\n';
+  }
+  screen_.page(answer);
+  return Outcome::Done;
+}
+
 Outcome Editor::help(std::string_view text) {
   if (text.empty()) {
     std::string all;

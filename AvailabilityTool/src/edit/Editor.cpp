@@ -70,6 +70,10 @@ Outcome Editor::runCommand(Arguments const& arguments) {
       return waiting();
     case Word::Diff:
       return differences();
+    case Word::Why:
+      return why(text);
+    case Word::How:
+      return how(text);
     case Word::Try:
       return tryEdit(text);
     case Word::Effects:

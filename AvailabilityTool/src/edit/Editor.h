@@ -12,6 +12,7 @@
 #include <tarn/Edit.h>
 #include <tarn/ModelTextRewrite.h>
 #include <tarn/session/EditResult.h>
+#include <tarn/session/How.h>
 #include <tarn/session/ModelFile.h>
 #include <tarn/session/Session.h>
 
@@ -96,6 +97,9 @@ class Editor {
   Outcome differences();
   Outcome findings();
   Outcome help(std::string_view text);
+  Outcome why(std::string_view text);
+  Outcome how(std::string_view text);
+  [[nodiscard]] std::optional<session::Goal> readGoal(std::string_view text, std::string_view command);
   [[nodiscard]] std::optional<session::Item> resolve(std::string_view text, std::string_view command);
   [[nodiscard]] std::optional<session::ObjectRecord> presentObject(std::string_view text, std::string_view command);
 

@@ -189,6 +189,10 @@ Completion EditorCompleter::completeArgument(Word word, std::string_view text) c
     case Word::List:
     case Word::Go:
       return completeItem(word, std::string(text));
+    case Word::Why:
+    case Word::How:
+      return text.find('=') != std::string_view::npos ? completeSetting(text)
+                                                      : completeItem(Word::Show, std::string(text));
     case Word::Try: {
       auto const* const blank = std::find_if(text.begin(), text.end(), StringUtilities::isSpace);
       auto const length = static_cast<std::size_t>(blank - text.begin());
