@@ -84,6 +84,12 @@ TEST(SessionFailures, ARedoIsMadeOrNotMade) {
       [](session::Session& session) { (void)session.redo(); });
 }
 
+TEST(SessionFailures, ARenamingIsMadeOrNotMade) {
+  leavesEveryAnswerAsItWas(nothing, [](session::Session& session) {
+    (void)session.renameFollowed("/Rotor/Blade:first blade", "other blade");
+  });
+}
+
 TEST(SessionFailures, ATrialLeavesEveryAnswerAsItWasInAnyCase) {
   auto const rules = rules::parseRules(rotorRules);
   Edit const edit = Edit::setParam("/Rotor", "Motion", "Rotating");

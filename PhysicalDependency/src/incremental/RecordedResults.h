@@ -19,7 +19,7 @@ namespace tarn {
 /// list of all objects that every object asks for.
 class RecordedResults final : public EvalCache {
  public:
-  RecordedResults(ReadRecorder& recorder, ReaderIndex& readers) noexcept : recorder_(recorder), readers_(readers) {}
+  RecordedResults(ReadRecorder& recorder, ReaderIndex& readers) : recorder_(recorder), readers_(readers) {}
 
   [[nodiscard]] Result const* find(void const* rule) const override;
   Result const* store(void const* rule, Result result) override;

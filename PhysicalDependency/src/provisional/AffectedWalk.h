@@ -59,7 +59,7 @@ class WalkHandler {
 class AffectedWalk {
  public:
   /// All are used as long as this exists.
-  AffectedWalk(ProvisionalFacts& facts, WalkHandler& handler, PhysicsData const& rules) noexcept
+  AffectedWalk(ProvisionalFacts& facts, WalkHandler& handler, PhysicsData const& rules)
       : facts_(facts), handler_(handler), rules_(rules) {}
   AffectedWalk(AffectedWalk const&) = delete;
   AffectedWalk& operator=(AffectedWalk const&) = delete;
