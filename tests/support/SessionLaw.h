@@ -86,6 +86,8 @@ struct SessionLawReport {
   /// Empty if the laws hold.
   std::string broken;
   std::size_t sessions = 0;
+  /// Sessions that ended because a faulty rule answered a question.
+  std::size_t faulty = 0;
   SessionLaw::Counts counts;
 };
 
