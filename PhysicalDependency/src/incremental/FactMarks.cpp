@@ -18,6 +18,8 @@ Fact anyChange() noexcept {
 /// Takes the reads of a visit back.
 struct FactMarks::FormerReads {
   void operator()() noexcept {
+    // The walk is forgotten after the rollback, and the object may have left the tree.
+    if (marks->isLost()) return;
     try {
       marks->readers.setReads({object->handle, entry}, object->entries[entry].reads, reads);
     } catch (...) {

@@ -128,6 +128,8 @@ struct WalkObject {
   [[nodiscard]] std::pair<Children, Children> childrenOf(Entry entry) noexcept;
   /// The next object whose path has the same bucket.
   WalkObject* nextInBucket = nullptr;
+  /// Objects that could not come back are linked until the walk is forgotten.
+  std::unique_ptr<WalkObject> nextLost;
 
   [[nodiscard]] std::uint64_t& marksAt(std::size_t word) noexcept {
     return word == 0 ? firstMarks : moreMarks[word - 1];

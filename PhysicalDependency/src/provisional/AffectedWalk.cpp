@@ -66,9 +66,13 @@ struct AffectedWalk::NewChildren {
 struct AffectedWalk::FormerChildren {
   void operator()() noexcept {
     try {
-      walk->restoreChildren(*this);
+      if (!walk->marks_.isLost()) walk->restoreChildren(*this);
     } catch (...) {
       walk->marks_.lose();
+    }
+    // Steps that are still to be undone refer to those that could not come back.
+    for (auto& child : dropped) {
+      if (child != nullptr) walk->keepLost(std::move(child));
     }
   }
 
@@ -128,6 +132,7 @@ void AffectedWalk::forget() noexcept {
   facts_.follow(nullptr);
   marks_.clear();
   dropped_.clear();
+  while (lost_ != nullptr) lost_ = std::move(lost_->nextLost);
   result_ = {};
 }
 
@@ -341,29 +346,40 @@ void AffectedWalk::removeFromTree(WalkObject& top) noexcept {
 
 /// Children that were there before come back. Children that were not there go; the lists do not refer to them any more.
 void AffectedWalk::restoreChildren(FormerChildren& former) {
+  // First all that can fail. The objects stay where they are until then.
   auto& children = former.parent->children;
+  children.reserve(children.size() + former.dropped.size());
   auto const [begin, end] = former.parent->childrenOf(former.entry);
-  std::unordered_map<WalkObject const*, std::unique_ptr<WalkObject>> known;
-  std::vector<WalkObject*> dropped;
-  for (auto child = begin; child != end; ++child) known.emplace(child->get(), std::move(*child));
-  for (auto& child : former.dropped) {
-    dropped.push_back(child.get());
-    known.emplace(child.get(), std::move(child));
-  }
+  std::unordered_map<WalkObject const*, std::unique_ptr<WalkObject>*> owners;
   std::vector<std::unique_ptr<WalkObject>> before;
-  for (WalkObject const* const child : former.order) {
-    auto const place = known.find(child);
-    before.push_back(std::move(place->second));
-    known.erase(place);
+  std::vector<std::unique_ptr<WalkObject>> gone;
+  std::vector<WalkObject*> back;
+  before.reserve(former.order.size());
+  gone.reserve(static_cast<std::size_t>(end - begin));
+  back.reserve(former.dropped.size());
+  for (auto child = begin; child != end; ++child) owners.emplace(child->get(), &*child);
+  for (auto& child : former.dropped) {
+    owners.emplace(child.get(), &child);
+    back.push_back(child.get());
   }
-  for (auto const& [child, owned] : known) removeFromTree(*owned);
+
+  for (WalkObject const* const child : former.order) before.push_back(std::move(*owners.find(child)->second));
+  for (auto child = begin; child != end; ++child) {
+    if (*child != nullptr) gone.push_back(std::move(*child));
+  }
+  for (auto const& child : gone) removeFromTree(*child);
   auto const place = children.erase(begin, end);
   children.insert(place, std::make_move_iterator(before.begin()), std::make_move_iterator(before.end()));
-  for (WalkObject* const child : dropped) {
+  for (WalkObject* const child : back) {
     marks_.tree.relist(*child);
     bool const isDirty = !child->isClean() || child->isNew;
     if (isDirty && !WalkTree::noteDirty(*child)) marks_.lose();
   }
+}
+
+void AffectedWalk::keepLost(std::unique_ptr<WalkObject> object) noexcept {
+  object->nextLost = std::move(lost_);
+  lost_ = std::move(object);
 }
 
 void AffectedWalk::checkRollback() noexcept {

@@ -99,6 +99,7 @@ class AffectedWalk {
   struct NewChildren;
   void restoreChildren(FormerChildren& former);
   void removeFromTree(WalkObject& top) noexcept;
+  void keepLost(std::unique_ptr<WalkObject> object) noexcept;
 
   ProvisionalFacts& facts_;
   WalkHandler& handler_;
@@ -115,6 +116,8 @@ class AffectedWalk {
   VisitResult result_;
   /// Objects that the running walk has dropped. The lists still refer to them.
   std::vector<std::unique_ptr<WalkObject>> dropped_;
+  /// Objects that a rollback could not put back for lack of memory. Linked, because that needs none.
+  std::unique_ptr<WalkObject> lost_;
 };
 
 }  // namespace tarn
