@@ -22,7 +22,7 @@ NOT_SHOWN = {
     '" is not a path pattern: ', "the severity of '", "' cannot be changed: it keeps rules from being loaded",
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
     "did not find expected <document start>", "found undefined alias", "the expression ends too early",
-    # What the YAML library was doing when it met an error.
+    # The work of the YAML library when it met an error.
     "while parsing a flow", "while parsing a block", "while scanning a quoted scalar",
     "'\\' must be followed by a character", "... calls ",
 }

@@ -51,7 +51,7 @@ std::string objectOf(EvalOptions const& options, PhysicsData const& rules, Model
     auto const objects = PertinentRoots(rules).objectsIn(model);
     return objects.size() == 1 ? objects.front() : std::string();
   }
-  std::string const at = pathArgument("--at", options.at).getFullPath();
+  std::string at = pathArgument("--at", options.at).getFullPath();
   if (options.model.empty() || at.empty() || tree.hasObject(at)) return at;
   std::vector<std::string> known;
   for (auto const& [path, params] : model) known.push_back(path);

@@ -34,7 +34,6 @@ namespace tarn::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using session::MatchKind;
 
 struct FindOptions {
   SessionArguments arguments;

@@ -24,7 +24,7 @@ SarifLog::Result resultOf(std::string const& modelName, session::Finding const& 
   return result;
 }
 
-/// What the result itself does not hold.
+/// The data that the result itself does not hold.
 SarifLog::Json propertiesOf(session::Finding const& finding) {
   SarifLog::Json properties = findingAsJson(finding);
   for (char const* key : {"code", "severity", "path", "places", "rule", "message"}) properties.erase(key);

@@ -420,8 +420,8 @@ class TARN_EXPORT ProvisionalTDF : public DependencyAnalyser {
   /// Parameters that became potential are not listed here, but in `getNewlyAvailPotParams`.
   [[nodiscard]] std::vector<ParamId> const& getNewlyUnavailParams() const noexcept;
   [[nodiscard]] std::vector<std::string> const& getDeletedObjects() const noexcept;
-  /// In the order of their creation. Of a branch that is mirrored from the base model, only its top. An object that was
-  /// deleted later in the same update is listed too: ask `hasObject`.
+  /// In the order of their creation. A branch that is mirrored from the base model counts as its top. An object that
+  /// was deleted later in the same update is listed too: ask `hasObject`.
   [[nodiscard]] std::vector<std::string> const& getCreatedObjects() const noexcept;
   /// Parameters whose value in the guide the update replaced by an override, in the order of events.
   [[nodiscard]] std::vector<ParamId> const& getOverriddenRequests() const noexcept;

@@ -26,8 +26,8 @@ struct Outcome {
   /// Paths of the parameters without a value, in walk order; and those of them whose type is typed in.
   std::vector<std::string> emptyParams;
   std::vector<std::string> emptyTypedParams;
-  /// Paths of the objects that the last update created, in the order of their creation. Of a mirrored branch only its
-  /// top.
+  /// Paths of the objects that the last update created, in the order of their creation. A mirrored branch is known by
+  /// its top.
   std::vector<std::string> createdObjects;
   /// The parameters whose value in the guide the last update replaced by an override.
   std::vector<std::pair<std::string, std::string>> writtenRequests;

@@ -54,7 +54,7 @@ struct TARN_EXPORT Explanation {
     ListOfItems
   };
 
-  /// What a part gave.
+  /// The result of a part.
   struct Result {
     enum class Kind { Truth, Number, Text, List, Objects };
     Kind kind = Kind::Truth;
@@ -94,9 +94,9 @@ struct TARN_EXPORT Explanation {
     Result result;
     /// The part was not needed for the result, but it fails like the part that decided.
     bool alsoFails = false;
-    /// Number of operands of `And` and `Or`, or of objects that a set function looked at. Of these, `agreeing` gave
-    /// what the node gave: in an `and` that fails, the operands that fail. Objects that were not looked at, because the
-    /// result was known before, are in neither number.
+    /// Number of operands of `And` and `Or`, or of objects that a set function looked at. `agreeing` of them
+    /// gave what the node gave: in an `and` that fails, the operands that fail. Objects that were not looked at,
+    /// because the result was known before, are in neither number.
     std::size_t total = 0;
     std::size_t agreeing = 0;
     /// Indices in `reads` of what the part itself read, without its children.

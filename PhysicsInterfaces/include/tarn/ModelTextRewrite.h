@@ -18,8 +18,9 @@ using ModelTextOrder = std::function<std::size_t(std::string const& objectPath, 
 ///
 ///     std::string const saved = rewriteModelText(original, session.state());
 ///
-/// What `state` does not change is kept byte for byte: comments, blank lines, the order of lines, the spelling of
-/// numbers, indentation, line ends, a byte order mark, and whether items are written line by line or in blocks.
+/// Everything that `state` does not change is kept byte for byte: comments, blank lines, the order of lines, the
+/// spelling of numbers, indentation, line ends, a byte order mark, and whether items are written line by line or in
+/// blocks.
 ///
 /// - A changed value is replaced in its line. If the parameter is given twice, the first line is changed, because that
 ///   one counts.

@@ -224,7 +224,7 @@ class Rewriting {
     }
   };
 
-  // What stays.
+  // The lines that stay.
 
   void judgeLines() {
     auto const& lines = outline_.lines();
@@ -260,7 +260,7 @@ class Rewriting {
     }
   }
 
-  // What is new in an object that the text mentions.
+  // New parameters of objects that the text mentions.
 
   void completeObject(std::size_t number, ObjectState const& params) {
     Outline::Object const& object = outline_.objects()[number];

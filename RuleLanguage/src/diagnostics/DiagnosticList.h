@@ -28,7 +28,7 @@ class DiagnosticList {
 
   /// Adds a further position to a diagnostic.
   static void note(Diagnostic& diagnostic, SourceText const& source, SourceRange const& range, std::string message);
-  /// Names the cause of the last diagnostic that was added. Of all diagnostics with one code and one cause only the
+  /// Names the cause of the last diagnostic that was added. Diagnostics with one code and one cause are one: the
   /// first in the order of the files is kept, with their number. Without a cause that holds for diagnostics with the
   /// same range and message: a part of a file that several aliases or templates refer to is read several times.
   void setCause(std::string cause);

@@ -33,7 +33,7 @@ using Operation = Explanation::Operation;
 using Result = Explanation::Result;
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
-/// Of so many operands, or objects, each is looked at by itself. A longer row becomes one part.
+/// Up to this number, operands or objects are looked at one by one. A longer row becomes one part.
 constexpr std::size_t maxRow = 500;
 /// So many witnesses of `any` are looked at to find one that needs no further fact.
 constexpr std::size_t maxWitnesses = 20;

@@ -14,7 +14,7 @@ namespace tarn::rules {
 /// size(list)". Empty when the function is not known.
 [[nodiscard]] std::string_view callsInsteadOf(std::string_view function);
 
-/// What to write instead of a word that stands for a value in other languages.
+/// The replacement of a word that means a value in other languages.
 struct WordAdvice {
   std::string_view instead;  // the right word; empty when there is no plain replacement
   std::string_view message;  // the end of a sentence

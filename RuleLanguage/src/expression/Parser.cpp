@@ -456,7 +456,7 @@ class Parser {
     return call(token.range.offset, *function);
   }
 
-  /// Fails with a proposal when the word stands for a value in other languages.
+  /// Fails with a proposal when the word means a value in other languages.
   static void unknownValue(Token const& token) {
     auto const proposed = [&](std::string_view instead) {
       fail(token.range, "unknown name " + inQuotes(token.text) + didYouMean(instead), Code::UnknownWord,

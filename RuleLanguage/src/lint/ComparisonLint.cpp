@@ -1,6 +1,6 @@
-// Comparisons with values that are written out. What a parameter can hold is known from its type and from its allowed
-// values when those are written out too; names and types of objects are known from the child rules. Where any of this
-// is computed, or is the user's choice, there is no warning.
+// Comparisons with values that are written out. The values that a parameter can hold are known from its type and from
+// its allowed values when those are written out too; names and types of objects are known from the child rules. Where
+// any of this is computed, or is the user's choice, there is no warning.
 
 #include "lint/ComparisonLint.h"
 
@@ -103,7 +103,7 @@ class ComparisonLint {
 
   // What something can be
 
-  /// What the rules say of a parameter, in all objects that the path can name.
+  /// The rules of a parameter, in all objects that the path can name.
   [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter, Base const& base) {
     std::vector<ParamValueDef const*> result;
     auto const typePaths = context_.resolve(use_, parameter.objectsFrom(base));

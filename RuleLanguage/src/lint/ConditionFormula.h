@@ -40,7 +40,8 @@ class ConditionFormula {
   /// Marks in `marks` all variables that `node` depends on.
   void markVariables(Node node, std::vector<bool>& marks) const;
 
-  /// Whether some values make all nodes true. Nothing when `steps`, which counts down, comes to 0 before that is known.
+  /// Whether some values make all nodes true. Nothing when `steps`, which counts down, results in 0 before that is
+  /// known.
   [[nodiscard]] std::optional<bool> isSatisfiable(std::span<Node const> nodes, std::size_t& steps) const;
 
  private:
@@ -61,7 +62,7 @@ class ConditionFormula {
     Variable open = unset;
     Node openAtom = 0;
     bool isWanted = true;
-    // What is decided stays so until a value is taken back. What is open is so for one evaluation: a check that is
+    // A decision stays until a value is taken back. An open part is open for one evaluation: a check that is
     // called in many places is one node.
     struct Known {
       std::size_t evaluation = 0;

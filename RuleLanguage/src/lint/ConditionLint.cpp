@@ -314,13 +314,13 @@ class ConditionLint {
       for (std::size_t i = from; i < known && i < mostParameters && !terms.isTooLarge(); ++i) {
         auto const parameter = terms.parameters()[i];
         if (parameter.entry == nullptr || parameter.entry->validationRelaxed) continue;
-        // What follows from a parameter that never exists is not reported too.
+        // Consequences of a parameter that never exists are not reported too.
         if (neverThere_.contains(parameter.entry)) continue;
         auto const& entry = *parameter.entry;
         auto const* object = context_.data().getObjDependDef(PathUtils::typePathOf(parameter.path), true);
         if (object == nullptr) continue;
         std::size_t const position = positionOf(*object, parameter.name);
-        // What comes later in a walk may not be there yet.
+        // A parameter that comes later in a walk may not be there yet.
         bool const isEarlier =
             isAtOrAbove(parameter.path, subject.scope.context) && (object != subject.object || position < end);
         bool const isRequired = entry.required && isEarlier && alwaysHasValues(*entry.valueDef(), parameter);
@@ -359,7 +359,7 @@ class ConditionLint {
     return parameter.values.has_value() && def.allowedValueChecks.empty();
   }
 
-  /// What holds wherever a rule of an entry is evaluated.
+  /// The facts that hold wherever a rule of an entry is evaluated.
   void addFacts(ConditionTerms& terms, Subject const& subject, ExpressionUse const* use, std::vector<Fact>& facts) {
     std::size_t end = static_cast<std::size_t>(-1);
     if (subject.object != nullptr) {

@@ -1,4 +1,4 @@
-// From conditions to formulas. Connectives, named checks and `if` are taken apart. What is left is evaluated by the
+// From conditions to formulas. Connectives, named checks and `if` are taken apart. Everything else is evaluated by the
 // expression itself, once for each value that its parameter can have, so that it means here what it means in a model.
 
 #include "lint/ConditionTerms.h"
@@ -148,7 +148,7 @@ std::optional<std::vector<std::size_t>> ConditionTerms::parametersOf(Expression 
     auto const* one = open.back();
     open.pop_back();
     if (auto const* reference = dynamic_cast<ParameterReference const*>(one)) {
-      // Which object a name stands for is only known in an evaluation.
+      // The object that a name means is only known in an evaluation.
       if (reference->origin().isNamed()) return std::nullopt;
       auto const& pattern = reference->objectPattern();
       switch (pattern.start()) {

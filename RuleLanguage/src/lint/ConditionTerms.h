@@ -81,7 +81,7 @@ class ConditionTerms {
   [[nodiscard]] ConditionFormula& formula() noexcept { return formula_; }
 
  private:
-  /// What an atom asks of its variables.
+  /// The question that an atom asks of its variables.
   struct Atom {
     enum class Kind { Expression, Exists, HasOneOf, Term };
     Kind kind;
@@ -92,7 +92,7 @@ class ConditionTerms {
     std::vector<std::string> const* values = nullptr;
     std::size_t term = 0;
   };
-  /// What the atoms ask of the values of a parameter.
+  /// The questions that the atoms ask of the values of a parameter.
   struct Questions {
     std::vector<std::string> texts;
     std::vector<std::string> contexts;  // texts that need not be among its values
@@ -153,7 +153,7 @@ class ConditionTerms {
   std::size_t callDepth_ = 0;
 };
 
-/// The path of an object of a type as `ConditionScope` has it. `number` tells objects apart that are different ones.
+/// The path of an object of a type as `ConditionScope` has it. `number` distinguishes objects that are different ones.
 [[nodiscard]] std::string representative(PhysicsData const& data, std::string const& typePath, char number = '\1');
 
 }  // namespace tarn::rules

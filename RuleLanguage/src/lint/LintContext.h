@@ -54,7 +54,7 @@ class LintContext {
   /// Adds a warning about a part of an expression.
   Diagnostic& warn(Code code, ExpressionUse const& use, Range range, std::string message,
                    std::optional<Replacement> const& fix = std::nullopt);
-  /// Whether a comparison inside `range` was reported that cannot be meant. What follows from it is not reported too.
+  /// Whether a comparison inside `range` was reported that cannot be meant. Its consequences are not reported too.
   [[nodiscard]] bool hasFaultInside(ExpressionUse const& use, Range range) const;
   /// Names the cause of the last warning, see `DiagnosticList::setCause`.
   void setCause(std::string cause) { diagnostics_.setCause(std::move(cause)); }

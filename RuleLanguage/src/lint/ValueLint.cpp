@@ -32,7 +32,7 @@ constexpr ValueKind defaults = {"default", Code::DefaultNotAllowed, Code::Defaul
 constexpr ValueKind overrides = {"override", Code::OverrideNotAllowed, Code::OverrideOfWrongType,
                                  Code::OverrideOutOfBounds};
 
-/// What is wrong with a value.
+/// The fault of a value.
 struct Fault {
   Code code;
   std::string message;
@@ -48,7 +48,7 @@ bool looksComputed(std::string_view text) {
 }
 
 /// The expression that a text with parameters in it was probably meant to be. An operator after the first parameter
-/// shows that all of it is an expression. Otherwise the parameters stand in a text.
+/// shows that all of it is an expression. Otherwise the parameters are in a text.
 std::string asExpression(std::string_view text) {
   text = StringUtilities::trimmed(text);
   auto const after = StringUtilities::trimmed(text.substr(text.find('}') + 1));
@@ -103,7 +103,7 @@ class ValueLint {
         "this parameter is required, but begins without a value; add a Default Value, or leave it to the user");
   }
 
-  /// What is wrong with each text that the expression gives unchanged.
+  /// The fault of each text that the expression gives unchanged.
   void checkResult(ValueKind const& kind, ExpressionUse const& use, Expression const& expression) {
     auto const parts = expression.operands();
     if (dynamic_cast<Kept const*>(&expression) != nullptr) {

@@ -355,7 +355,7 @@ bool YamlDocument::recover(SourceText const& source, Limits const& limits, Attem
       attempt = std::move(next);
       return true;
     }
-    // What has no end may begin before the lines that were tried.
+    // A construct without an end may begin before the lines that were tried.
     std::size_t const first = next.error->failure.first();
     if (first < lines.first && tried.insert(first).second) waiting.push_front(recovery_->entryAt(first));
   }

@@ -34,7 +34,7 @@ class YamlRecovery {
   /// `source` must stay valid.
   explicit YamlRecovery(SourceText const& source) : source_(source), leftOut_(source.lineCount() + 1) {}
 
-  /// What to leave out, in the order of trial: from the entry with the problem to the whole section.
+  /// The parts to leave out, in the order of trial: from the entry with the problem to the whole section.
   [[nodiscard]] std::vector<Lines> candidates(YamlFailure const& failure) const;
   /// The entry that begins in a line.
   [[nodiscard]] Lines entryAt(std::size_t line) const;

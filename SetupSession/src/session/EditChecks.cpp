@@ -1,5 +1,5 @@
-// A slip is refused, a wish is kept. What is certain before the edit is judged before it; what only the rules can
-// answer is judged from the state after it, which is then taken back.
+// A slip is refused, a wish is kept. A fact that is certain before the edit is judged before it; what only the rules
+// can answer is judged from the state after it, which is then taken back.
 #include "session/EditChecks.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // Where to look: every item that can differ between the two states must be among the touched ones, and one that does
 // not differ does no harm. Values, allowed values, bounds, quantity types, offers and objects come from the lists of
-// the state. Defaults come from what their rules read. What waits depends on those and on the edit itself.
+// the state. Defaults come from what their rules read. Waiting requests depend on those and on the edit itself.
 #include "session/EffectFinder.h"
 
 #include <algorithm>
@@ -67,7 +67,7 @@ void EffectFinder::noteUpdate(Edit const& edit) {
     touch({path, std::nullopt});
     if (state.hasObject(path)) offersNow_[{path, std::nullopt}] = false;
     branches_.push_back(path);
-    // Of a mirrored branch only the top is listed.
+    // Only the top of a mirrored branch is listed.
     if (state_.isInMirroredBranch(path)) mirrored_.push_back(path);
     isAnyObject = true;
   }
@@ -86,7 +86,7 @@ void EffectFinder::noteUpdate(Edit const& edit) {
     if (reader.part == RuleReaders::Part::Quantity) touched.quantity = true;
   }
 
-  // What the edit asks for may wait without a trace in the lists.
+  // The request of the edit may wait without a trace in the lists.
   bool const isOfParam = edit.kind == Edit::Kind::SetParam || edit.kind == Edit::Kind::ActivateParam ||
                          edit.kind == Edit::Kind::DeactivateParam;
   if (isOfParam) touch({edit.path, edit.name});

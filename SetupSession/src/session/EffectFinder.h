@@ -50,7 +50,7 @@ class EffectFinder {
     bool isPresent = false;
     bool isOffered = false;
     std::optional<Waiting> waiting;
-    // Of parameters.
+    // For parameters only.
     std::string value;
     ParamAllowedValues allowed;
     std::optional<std::string> defaultValue;

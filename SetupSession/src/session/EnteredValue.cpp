@@ -1,6 +1,6 @@
-// Values as users type them. Whatever cannot be meant is refused here, with the nearest value that could be. A value of
-// the right form is passed on as it was typed, with three exceptions: items of a list lose the blanks around them,
-// units get their brackets, and a number in units that the quantity type does not list is converted.
+// Values as users type them. A value that cannot be meant is refused here, with the nearest value that could be. A
+// value of the right form is passed on as it was typed, with three exceptions: items of a list lose the blanks around
+// them, units get their brackets, and a number in units that the quantity type does not list is converted.
 #include "session/EnteredValue.h"
 
 #include <cmath>
@@ -59,7 +59,7 @@ std::optional<LooseQuantity> asLooseQuantity(std::string_view text) {
   return std::nullopt;
 }
 
-/// What a parameter says about units. Without units, none are expected.
+/// The units of a parameter. Without units, none are expected.
 struct ExpectedUnits {
   bool isUnknown = false;  // the rules name a quantity type that they do not have
   QuantityType const* type = nullptr;

@@ -15,7 +15,7 @@ std::optional<std::string> unlessEmpty(std::string text) {
   return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-/// What user interfaces show instead of the name, and where.
+/// The texts that user interfaces show instead of the name, and where.
 template <class Entry, class Record>
 void describeForPeople(Entry const& entry, Record& record) {
   record.group = entry.group;

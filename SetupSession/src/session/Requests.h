@@ -42,7 +42,7 @@ class Requests {
   using Values = std::map<Item, std::vector<Given>>;
   using Decided = std::map<Item, std::size_t>;
   using Made = std::map<std::string, std::vector<std::size_t>, std::less<>>;
-  /// What a step added, for its removal. Entries of the maps stay, without content.
+  /// The requests that a step added, for its removal. Entries of the maps stay, without content.
   struct Added {
     std::vector<Values::iterator> values;
     std::vector<Decided::iterator> decided;

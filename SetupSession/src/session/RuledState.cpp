@@ -50,7 +50,7 @@ bool RuledState::isInMirroredBranch(std::string const& path) const {
   return false;
 }
 
-// What the state has.
+// The content of the state.
 
 bool RuledState::hasObject(std::string const& path) const {
   return state_->hasObject(path);
@@ -167,7 +167,7 @@ std::optional<Waiting> RuledState::waitingObject(std::string const& path, bool i
   return waiting;
 }
 
-// What the rules say now.
+// The answers of the rules now.
 
 ParamAllowedValues RuledState::allowedValues(ParamRules const& rules, std::string const& path) const {
   EvalContext evaluation(state_->getModelOfRules());

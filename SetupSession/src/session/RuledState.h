@@ -68,7 +68,7 @@ class RuledState {
   [[nodiscard]] std::string missingObject(std::string const& path) const;
   /// Whether an asked value is in force where the parameter has `value`. The rules may add units or items to it.
   [[nodiscard]] static bool isInForce(TDFParam::Type type, std::string const& asked, std::string const& value);
-  /// What waits. `isOffered` says whether the item is on offer.
+  /// Waiting requests. `isOffered` says whether the item is on offer.
   [[nodiscard]] std::optional<Waiting> waitingParam(std::string const& path, std::string const& name,
                                                     bool isOffered) const;
   [[nodiscard]] std::optional<Waiting> waitingObject(std::string const& path, bool isOffered) const;

@@ -94,7 +94,7 @@ std::vector<Found> SessionImpl::find(std::string_view text, std::size_t most) co
       found.push_back({{path, *param.name}, param.kind, tree.hasParameter(path, *param.name)});
     }
   });
-  // What was found comes in the order of the tree and the rules, which is the order of equal matches.
+  // Matches come in the order of the tree and the rules, which is the order of equal matches.
   std::stable_sort(found.begin(), found.end(), [](Found const& a, Found const& b) {
     return a.match != b.match ? a.match < b.match : a.item.path < b.item.path;
   });

@@ -204,7 +204,7 @@ void SessionImpl::makeRaw(Work& work, Edit edit, EffectFinder& finder, EditResul
   result.made.push_back(std::move(edit));
 }
 
-/// What a renaming would lose: the state copies only what is present.
+/// The requests that a renaming would lose: the state copies only what is present.
 std::vector<Edit> SessionImpl::editsToMove(Work const& work, Edit const& rename) const {
   std::string const target = renamedPath(rename);
   auto const moved = [&](std::string const& path) { return target + path.substr(rename.path.size()); };

@@ -67,7 +67,7 @@ class SessionImpl {
   [[nodiscard]] Proof why(Item const& item, WhyOptions const& options) const;
   [[nodiscard]] HowResult how(Goal const& goal, HowOptions const& options) const;
 
-  // What the session works with.
+  // The parts that the session works with.
   [[nodiscard]] std::string const& root() const noexcept { return root_; }
   [[nodiscard]] PhysicsData const& rules() const noexcept { return rules_; }
   [[nodiscard]] ModelState const& model() const noexcept { return model_; }

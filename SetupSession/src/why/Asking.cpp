@@ -1,5 +1,5 @@
 // Why and how of a session. The search for ways is breadth first: all single edits before all pairs. After each edit
-// the question is asked again, because a rule that stands in the way is often the first of several.
+// the question is asked again, because a rule in the way is often the first of several.
 
 #include <algorithm>
 #include <chrono>
@@ -28,7 +28,7 @@ bool isReached(RuledState const& state, Goal const& goal) {
   return *value == *goal.value || (rules && RuledState::isInForce(rules.value->type, *goal.value, *value));
 }
 
-/// The state as tried, in a form that tells different states apart: what is different from the start, and what was
+/// The state as tried, in a form that distinguishes different states: what is different from the start, and what was
 /// asked for, whatever its order.
 std::string fingerprint(EditResult const& result) {
   std::string key;

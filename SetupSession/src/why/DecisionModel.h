@@ -12,7 +12,7 @@
 
 namespace tarn::session {
 
-/// What the state was before its last walk.
+/// The state before its last walk.
 class FormerState {
  public:
   /// `effect` is that of the last walk; null before the first edit: then nothing was there. Must outlive this.

@@ -1,4 +1,4 @@
-// The text form of proofs. Everything that is said here stands in the proof as data.
+// The text form of proofs. Everything that is said here is in the proof as data.
 
 #include <tarn/session/Proof.h>
 
@@ -82,7 +82,7 @@ class Writer {
     for (ProofRule const& rule : node.rules) {
       add(indent, "  " + rule.attribute + ": " + ruleText(rule) + placed(rule.place));
       if (rule.explanation.nodes.empty()) continue;
-      // What is in force needs nothing.
+      // A part that is in force needs nothing.
       bool const isBlocking = !isDecision(node.fact) &&
                               rule.explanation.nodes.front().result.kind == Result::Kind::Truth &&
                               !rule.explanation.nodes.front().result.truth;

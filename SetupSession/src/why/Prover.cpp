@@ -1,5 +1,5 @@
 // The causes of an item are asked in the order in which a walk decides them, and the first that applies is the proof.
-// What follows from it, such as everything inside an absent object, is not repeated.
+// Its consequences, such as everything inside an absent object, is not repeated.
 
 #include "why/Prover.h"
 
@@ -104,7 +104,7 @@ void Prover::openReads(std::size_t node, std::size_t depth) {
       if (!isNeeded[i] || read.isOld ||
           !StringUtilities::isPathRootedAt(state_.state().getActiveRoot(), read.read.object))
         continue;
-      // What the user or the model has given needs no further explanation.
+      // A value that the user or the model has given needs no further explanation.
       if (read.origin == Origin::User || read.origin == Origin::Model) continue;
       std::size_t found = none;
       if (read.read.isParameter() && state_.rulesOfParam(read.read.object, read.read.name)) {

@@ -18,7 +18,7 @@
 
 namespace tarn::session {
 
-/// What a proof is made from.
+/// The material of a proof.
 struct ProofSources {
   RuledState const& state;
   /// Whether an item is on offer.

@@ -16,7 +16,7 @@
 
 namespace tarn::session {
 
-/// Finds edits that may bring one state nearer to a goal: those that change a part of a rule that stands in the way.
+/// Finds edits that may bring one state nearer to a goal: those that change a part of a rule in the way.
 /// It goes from the goal to what its rules have read, and on to the rules of what is absent among that.
 class Candidates {
  public:

@@ -33,7 +33,7 @@ struct PartlyKnown {
 
   [[nodiscard]] bool knows(ModelRead const& asked) const {
     for (ModelRead const& read : known) {
-      // Who knows a value knows that it is there; who knows that it is there does not know the value.
+      // Knowing a value means knowing that it is there, but not the other way round.
       if (read.isSameFact(asked) && (read.kind == asked.kind || read.kind == ModelRead::Kind::Value)) return true;
     }
     return false;

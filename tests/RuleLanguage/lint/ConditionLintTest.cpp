@@ -1,4 +1,4 @@
-// What lint says of conditions, against an evaluation with all values; and the limits of the analysis.
+// The verdicts of lint on conditions, against an evaluation with all values; and the limits of the analysis.
 
 #include <optional>
 #include <random>
@@ -112,7 +112,7 @@ std::string judgedByAllValues(PhysicsData const& data) {
   return canHold && canFail ? "" : canHold ? "always-holds" : "never-holds";
 }
 
-/// What lint says of the whole condition, which is on line 14.
+/// The verdict of lint on the whole condition, which is on line 14.
 std::string judgedByLint(std::string const& rules) {
   for (auto const& one : lintText(rules).diagnostics) {
     bool const isWhole = one.message.starts_with("this condition") || one.message.starts_with("where it is evaluated");

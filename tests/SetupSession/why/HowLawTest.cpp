@@ -138,7 +138,7 @@ TEST(HowLaw, FindsWhatEveryEditTriedInTurnFindsInAsFewEdits) {
   EXPECT_GT(reached, 30U);
 }
 
-/// 100 chains of ten: each parameter needs the one before it in its chain. Of every third chain, the last needs the
+/// 100 chains of ten: each parameter needs the one before it in its chain. The last of every third chain needs the
 /// first ones of two other chains as well.
 std::string flatRules() {
   std::string text = "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Parameters:\n";

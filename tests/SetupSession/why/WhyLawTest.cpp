@@ -1,5 +1,5 @@
 // The law of proofs over random rules and sessions. The rules read ahead, so that some were decided on old values. A
-// second, plain model keeps for each walk what was there before it. Whatever the edits:
+// second, plain model keeps for each walk what was there before it. After any edits:
 // - the proof gives the state that is there: no rule that was asked contradicts it;
 // - every value that it names is what the rule has read: the new one of what the walk decides before, the old one else;
 // - with everything else unknown it gives the same result. Here: changing any parameter that it does not need changes
@@ -109,7 +109,8 @@ Values valuesOf(Session const& session) {
   return values;
 }
 
-/// What the rules of a parameter saw: the new values of the parameters before it, the old ones of all others.
+/// The values that the rules of a parameter saw: the new values of the parameters before it, the old ones of all
+/// others.
 Values seenBy(unsigned param, Values const& before, Values const& after) {
   Values seen;
   for (unsigned i = 0; i < paramCount; ++i) {

@@ -1,4 +1,4 @@
-// Proofs as their text, compared whole: what an engineer is told.
+// Proofs as their text, compared whole: the lines that an engineer reads.
 
 #include <algorithm>
 #include <string>

@@ -77,7 +77,7 @@ struct LintResult {
   std::size_t accepted = 0;
 };
 
-/// What lint reports, and how.
+/// The findings that lint reports, and how.
 struct LintOptions {
   LoadLimits limits;
   /// The severity of findings by their code, where it is not that of `diagnosticCodes`. Without a severity, findings of

@@ -34,7 +34,7 @@ struct TARN_EXPORT FollowedReference {
   friend bool operator==(FollowedReference const&, FollowedReference const&) = default;
 };
 
-/// What became of one or several edits. They are applied as one, or refused as one.
+/// The outcome of one or several edits. They are applied as one, or refused as one.
 struct TARN_EXPORT EditResult {
   /// Why the edits were refused. Empty when they were applied.
   std::optional<Refused> refused;
@@ -51,7 +51,7 @@ struct TARN_EXPORT EditResult {
   friend bool operator==(EditResult const&, EditResult const&) = default;
 };
 
-/// What would become of edits: their result, and the findings that would come and go.
+/// The outcome that edits would have: their result, and the findings that would come and go.
 struct TARN_EXPORT TryResult {
   EditResult result;
   /// Findings that a review would have after the edits and has not now, and the other way round. Two findings are the

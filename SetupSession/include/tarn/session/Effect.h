@@ -61,8 +61,8 @@ struct TARN_EXPORT WaitingChange {
   friend bool operator==(WaitingChange const&, WaitingChange const&) = default;
 };
 
-/// The net effect of one or several edits: how the state after them differs from the state before. What came and went
-/// in between is not listed, and neither is what changed and changed back.
+/// The net effect of one or several edits: how the state after them differs from the state before. An item that came
+/// and went in between is not listed, and neither is what changed and changed back.
 ///
 /// Each list is sorted by path and name, and names an item once.
 ///
@@ -72,7 +72,7 @@ struct TARN_EXPORT Effect {
   /// Parameters that came, went, or have another value.
   std::vector<ValueChange> values;
   std::vector<ChoicesChange> choices;
-  /// Of present numeric parameters.
+  /// Changes of present numeric parameters.
   std::vector<BoundsChange> bounds;
   std::vector<TextChange> defaults;
   /// The quantity types of present numeric parameters.
@@ -85,7 +85,7 @@ struct TARN_EXPORT Effect {
   std::vector<std::string> objectsCreated;
   /// All objects that went, also those inside other deleted objects.
   std::vector<std::string> objectsDeleted;
-  /// What began to wait, waits no longer, or waits with another value or for another reason.
+  /// Requests that began to wait, wait no longer, or wait with another value or for another reason.
   std::vector<WaitingChange> waiting;
 
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }

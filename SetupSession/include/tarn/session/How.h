@@ -14,7 +14,7 @@
 
 namespace tarn::session {
 
-/// What to reach: the item is present, or the parameter has the value.
+/// The state to reach: the item is present, or the parameter has the value.
 struct TARN_EXPORT Goal {
   Item item;
   std::optional<std::string> value;
@@ -36,7 +36,7 @@ struct TARN_EXPORT HowOptions {
 /// A sequence of edits that was tried and reached the goal.
 struct TARN_EXPORT Way {
   std::vector<Edit> edits;
-  /// What the edits do, as `Session::tryEdits` returns it.
+  /// The effect of the edits, as `Session::tryEdits` returns it.
   EditResult result;
   /// Values of the user or the model that would no longer be in force, apart from those that the edits set themselves.
   /// They are kept, and wait.
@@ -60,15 +60,15 @@ enum class HowAnswer : int {
 struct TARN_EXPORT HowResult {
   Goal goal;
   HowAnswer answer = HowAnswer::NotFound;
-  /// The best first: with fewer edits, fewer lost values, fewer deleted objects, a smaller effect. Of the shortest
-  /// length only.
+  /// The best first: with fewer edits, fewer lost values, fewer deleted objects, a smaller effect. All have the
+  /// shortest length.
   std::vector<Way> ways;
   /// The number of tried sequences.
   std::size_t trials = 0;
   /// All sequences that were considered, up to this length, were tried.
   std::size_t completedEdits = 0;
   bool stoppedByTime = false;
-  /// What stands in the way now: the proof of the goal's opposite. Not set for `AlreadySo`.
+  /// The obstacle now: the proof of the goal's opposite. Not set for `AlreadySo`.
   std::optional<Proof> blocking;
   /// Parameters in the way that can have any number or text. Only the values that the rules mention were tried.
   std::vector<Item> freeParams;

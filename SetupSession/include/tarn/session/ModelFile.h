@@ -24,7 +24,7 @@ enum class SaveFault : int {
 
 struct TARN_EXPORT SaveError {
   SaveFault fault = SaveFault::WriteFailed;
-  /// What happened, with the name of the file and the remedy.
+  /// The event, with the name of the file and the remedy.
   std::string sentence;
 
   friend bool operator==(SaveError const&, SaveError const&) = default;
@@ -33,7 +33,7 @@ struct TARN_EXPORT SaveError {
 /// Whether saving may replace a file that someone else has written.
 enum class Overwrite { No, Yes };
 
-/// A model file at work: it is read, and saved again with what has changed. What was not touched stays byte for byte,
+/// A model file at work: it is read, and saved again with what has changed. Everything else stays byte for byte,
 /// as `rewriteModelText` says.
 ///
 ///     ModelFile file = ModelFile::read("pump.tdf");
@@ -43,8 +43,8 @@ enum class Overwrite { No, Yes };
 ///
 /// A file is written beside its place under another name, `pump.tdf.new-1`, and then renamed. So there is always either
 /// the old or the new file, whatever happens. When saving fails, the file and this object are as they were, and saving
-/// can be tried again. Permissions are kept. A symbolic link stays, and the file that it names is replaced. What is not
-/// a regular file, such as a pipe, is written directly.
+/// can be tried again. Permissions are kept. A symbolic link stays, and the file that it names is replaced. Another
+/// kind of file, such as a pipe, is written directly.
 class TARN_EXPORT ModelFile {
  public:
   /// Reads a file to its end; "-" is the standard input. Throws a `FileError` that names the file if it cannot be

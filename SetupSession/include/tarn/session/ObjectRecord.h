@@ -36,7 +36,7 @@ struct TARN_EXPORT ObjectRecord {
   bool offered = false;
   /// Objects of this type are available in the parent now.
   bool available = false;
-  /// What the rule gives as its `Reason`, when the object is not available. "" when it gives none.
+  /// The `Reason` of the rule, when the object is not available. "" when it gives none.
   std::string reason;
   std::optional<bool> decision;
   /// Set when the object was asked for and is not present.

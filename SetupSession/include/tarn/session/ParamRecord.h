@@ -57,7 +57,7 @@ struct TARN_EXPORT ParamRecord {
   bool offered = false;
   /// The parameter is present or on offer.
   [[nodiscard]] bool available() const noexcept { return present || offered; }
-  /// What the rule gives as its `Reason`, when the parameter is not available. "" when it gives none.
+  /// The `Reason` of the rule, when the parameter is not available. "" when it gives none.
   std::string reason;
   /// The user's decision: switched on, or switched off. Empty without one.
   std::optional<bool> decision;
@@ -67,12 +67,12 @@ struct TARN_EXPORT ParamRecord {
   Origin origin = Origin::None;
   /// The step that gave the value, for `Origin::User`.
   std::size_t step = 0;
-  /// What the user or the model asks for and is not in force.
+  /// The request of the user or the model that is not in force.
   std::optional<Waiting> waiting;
   /// The value in the model that was opened. Empty when it has none.
   std::optional<std::string> valueInModel;
 
-  /// What the parameter would have without a value of the user or the model. Empty when the rules give none.
+  /// The value that the parameter would have without a value of the user or the model. Empty when the rules give none.
   std::optional<std::string> defaultValue;
   /// The bounds as the rules give them: "0 [m]". Empty for no bound.
   std::optional<std::string> lowerBound;

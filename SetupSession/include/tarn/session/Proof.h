@@ -14,7 +14,7 @@
 
 namespace tarn::session {
 
-/// What a proof is asked for. The numbers are part of the interface.
+/// The question that a proof answers. The numbers are part of the interface.
 enum class Question : int {
   /// Why the item is present, absent, required, on offer or waiting: whichever it is.
   Presence = 0,
@@ -26,7 +26,8 @@ enum class Question : int {
   LastEdit = 3
 };
 
-/// What decided about an item. The numbers are part of the interface. Later versions may add facts at the end.
+/// The cause that decided about an item. The numbers are part of the interface. Later versions may add facts at the
+/// end.
 enum class Fact : int {
   /// @name Absent
   /// @{
@@ -102,7 +103,7 @@ enum class Fact : int {
 /// A read that decided, with where its value comes from.
 struct TARN_EXPORT ProofRead {
   ModelRead read;
-  /// Of a parameter: where its value comes from.
+  /// The source of the value, for a parameter.
   Origin origin = Origin::None;
   /// The step, for `Origin::User`.
   std::size_t step = 0;
@@ -171,7 +172,7 @@ struct TARN_EXPORT Proof {
   [[nodiscard]] ProofNode const& answer() const { return nodes.front(); }
 };
 
-/// What to prove.
+/// The fact to prove.
 struct TARN_EXPORT WhyOptions {
   Question question = Question::Value;
   /// For `Question::Allowed`.

@@ -17,7 +17,7 @@
 /// and control characters in them are escaped.
 namespace tarn::session {
 
-/// What an edit asks for: `set "Motion" of /Case/Domain:rotor to "Rotating"`.
+/// The request of an edit: `set "Motion" of /Case/Domain:rotor to "Rotating"`.
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(Edit const& edit);
 /// Why an edit was refused, and what would have worked.
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(Refused const& refused);
@@ -26,7 +26,7 @@ namespace tarn::session {
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(ValueChange const& change);
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(ChoicesChange const& change);
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(BoundsChange const& change);
-/// Of a default that changed, and of a quantity type that changed.
+/// For a default that changed, and for a quantity type that changed.
 [[nodiscard]] TARN_EXPORT std::string sentenceOfDefault(TextChange const& change);
 [[nodiscard]] TARN_EXPORT std::string sentenceOfQuantity(TextChange const& change);
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(Conversion const& conversion);
