@@ -16,8 +16,8 @@ namespace tarn {
 ///
 /// A tree holds the parts that decided, and leaves out the others. For example, `a and b` that does not hold has the
 /// operand that failed; `a and b` that holds has both. So the parts are enough for the result, whatever is true of
-/// everything else. Parts that are marked `alsoFails` are the exception. They are not needed for the result, but stand
-/// in the way as well: the second false operand of the `and` above.
+/// everything else. Parts that are marked `alsoFails` are the exception. They are not needed for the result, but fail
+/// as well: the second false operand of the `and` above.
 struct TARN_EXPORT Explanation {
   enum class Operation {
     /// Not looked into: an expression that a program made, or one that is too large.
