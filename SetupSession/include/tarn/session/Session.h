@@ -90,25 +90,22 @@ struct TARN_EXPORT OpenError {
 /// available now. The wish is kept, the result lists it as waiting with the reason, and it comes into force by itself
 /// when the rules allow it. In detail:
 ///
-/// | Edit                         | is refused when                                        | waits when |
-/// |------------------------------|--------------------------------------------------------|------------------------------|
-/// | `setParam`                   | the rules do not know the object or the parameter; a   | the parameter, or a
-/// singleton| |                              | named object above it was never asked for; the value   | above it, is
-/// not available   | |                              | is of the wrong type or in units that cannot be        | or is
-/// switched off; or the   | |                              | converted; it is not allowed, and the parameter is     |
-/// edit itself makes the rules  | |                              | available; an override fixes another value; the
-/// object | refuse the value             | |                              | is taken from the model as it is | | |
-/// `activateParam`              | the rules do not know it                               | it is not available | |
-/// `deactivateParam`            | the rules do not know it; it is required and the user  | | | | has given it no value
-/// |                              | | `activateObject`             | the rules do not know it, or do not allow the
-/// name; it | it is not available          | |                              | has a name of the user's choice and was
-/// never added    |                              | | `deactivateObject`           | the same; it is required | | |
-/// `addObject`                  | the type is unknown or has no names; the name is taken | objects of the type are not
-/// | |                              | or not allowed; a named object above it was never      | available | | | asked
-/// for                                              |                              | | `removeObject`               |
-/// it does not exist, or stands only by the rules         |                              | | `duplicateObject`, | it
-/// does not exist or has no name; the new name is      |                              | | `renameObject` | taken or not
-/// allowed; it stands only by the rules      |                              |
+/// - `setParam` is refused when the rules do not know the object or the parameter, or a named object above it was
+///   never asked for; when the value is of the wrong type or in units that cannot be converted; when the parameter is
+///   available and the value is not allowed, or the edit itself makes the rules refuse it; when an override fixes
+///   another value; when the object is taken from the model as it is. It waits when the parameter, or a singleton above
+///   it, is not available or is switched off.
+/// - `activateParam` is refused when the rules do not know the parameter. It waits when the parameter is not available.
+/// - `deactivateParam` is refused when the rules do not know the parameter, or when it is required and the user has
+///   given it no value.
+/// - `activateObject` is refused when the rules do not know the object or do not allow the name, or when the object has
+///   a name of the user's choice and was never added. It waits when the object is not available.
+/// - `deactivateObject` is refused for the same reasons, and when the object is required.
+/// - `addObject` is refused when the type is unknown or has no names; when the name is taken or not allowed; when a
+///   named object above it was never asked for. It waits when objects of the type are not available.
+/// - `removeObject` is refused when the object does not exist, or stands only by the rules.
+/// - `duplicateObject` and `renameObject` are refused when the object does not exist, has no name, or stands only by
+///   the rules; when the new name is taken or not allowed.
 ///
 /// A value that the rules wanted replaced, such as a list to which they add required items, is applied; the effect
 /// shows what it became. Switching off a required parameter that has a value of its own puts the default in force. The
