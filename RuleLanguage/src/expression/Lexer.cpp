@@ -10,7 +10,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 
 namespace tarn::rules {
 

@@ -11,8 +11,8 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
+#include "diagnostics/NearMatch.h"
 #include "expression/NamedRule.h"
-#include "expression/NearMatch.h"
 #include "patterns/RegularExpression.h"
 
 namespace tarn::rules {

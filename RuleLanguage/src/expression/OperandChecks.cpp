@@ -6,8 +6,8 @@
 
 #include <utility>
 
+#include "diagnostics/NearMatch.h"
 #include "expression/NamedRule.h"
-#include "expression/NearMatch.h"
 #include "expression/Nodes.h"
 
 namespace tarn::rules {

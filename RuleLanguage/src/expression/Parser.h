@@ -9,10 +9,10 @@
 
 #include <tarn/PhysicsData.h>
 
+#include "diagnostics/NearMatch.h"
 #include "expression/Expression.h"
 #include "expression/Issue.h"
 #include "expression/NamedRule.h"
-#include "expression/NearMatch.h"
 
 namespace tarn::rules {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "expression/Nodes.h"
 
 namespace tarn::rules {

@@ -8,8 +8,8 @@
 
 #include <tarn/StringUtilities.h>
 
-#include "expression/NearMatch.h"
-#include "loading/RuleBuilder.h"
+#include "diagnostics/NearMatch.h"
+#include "yaml/MapReader.h"
 
 namespace tarn::rules {
 
@@ -40,7 +40,7 @@ void reportUnknown(Item const& item, DiagnosticList& diagnostics) {
       diagnostics.add(Code::UnknownCode, *item.source, item.node->range(),
                       "there is no code " + inQuotes(std::string_view(name).substr(0, 60)) +
                           (near.empty() ? "; write a code of a warning or note of lint" : didYouMean(near)));
-  if (!near.empty()) RuleBuilder::fixText(diagnostic, item, near);
+  if (!near.empty()) MapReader::fixText(diagnostic, item, near);
 }
 
 bool canBeAccepted(std::string_view name) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "lint/ComparisonLint.h"
 #include "lint/ConditionLint.h"
 #include "lint/EntryLint.h"

@@ -6,6 +6,7 @@
 #include "expression/Nodes.h"
 #include "lint/EntryLint.h"
 #include "loading/RuleBuilder.h"
+#include "yaml/MapReader.h"
 
 namespace tarn::rules {
 
@@ -66,7 +67,7 @@ void LintContext::fixText(Diagnostic& warning, Item const& item, std::string_vie
       }
     }
   } else if (item.node->kind == YamlNode::Kind::Scalar && item.node->value == text) {
-    RuleBuilder::fixText(warning, item, replacement);
+    MapReader::fixText(warning, item, replacement);
   }
 }
 

@@ -13,7 +13,7 @@
 #include <tarn/PhysicsData.h>
 
 #include "diagnostics/DiagnosticList.h"
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "lint/TypeTree.h"
 #include "loading/RuleIndex.h"
 #include "yaml/ScalarText.h"

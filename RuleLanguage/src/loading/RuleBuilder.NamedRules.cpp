@@ -9,7 +9,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "expression/Nodes.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"

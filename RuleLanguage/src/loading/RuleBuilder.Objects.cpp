@@ -8,7 +8,7 @@
 #include <tarn/RuleAttributes.h>
 #include <tarn/StringUtilities.h>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"
 

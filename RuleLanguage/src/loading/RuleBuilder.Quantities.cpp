@@ -8,7 +8,7 @@
 #include <tarn/QuantityType.h>
 #include <tarn/TDFParam.h>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"
 #include "units/UnitLibrary.h"

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"
 

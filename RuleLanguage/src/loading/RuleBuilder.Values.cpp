@@ -7,7 +7,7 @@
 
 #include <tarn/StringUtilities.h>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 #include "expression/Nodes.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"
@@ -15,26 +15,6 @@
 namespace tarn::rules {
 
 using StringUtilities::isSpace;
-
-std::optional<std::string_view> RuleBuilder::scalar(Item const& item, std::string_view what) {
-  if (item.node->kind == YamlNode::Kind::Scalar) return item.node->value;
-  std::string message = std::string(what) + " must be a single value, but this is " + std::string(kindText(*item.node));
-  if (item.node->flow && item.node->kind == YamlNode::Kind::Mapping) {
-    message += "; put quotes around an expression that begins with '{'";
-  }
-  error(Code::WrongKind, item, std::move(message));
-  return std::nullopt;
-}
-
-void RuleBuilder::yesNo(Item const& item, bool& value) {
-  auto const text = scalar(item, "yes or no");
-  if (!text) return;
-  if (auto const given = StringUtilities::asYesNo(*text)) {
-    value = *given;
-    return;
-  }
-  error(Code::NotYesOrNo, item, "this must be yes or no, not " + inQuotes(text->substr(0, 60)));
-}
 
 void RuleBuilder::shownName(Item const& item, std::string_view what, std::string& name) {
   if (!scalar(item, what) || !isName(item, what)) return;
@@ -45,60 +25,8 @@ void RuleBuilder::shownName(Item const& item, std::string_view what, std::string
   name = item.node->value;
 }
 
-std::optional<std::vector<std::string>> RuleBuilder::texts(Item const& item, bool oneAllowed,
-                                                           std::string_view otherwise) {
-  if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};
-  if (item.node->kind != YamlNode::Kind::Sequence) {
-    bool const isOne = item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node);
-    std::string message = "this must be a list of texts, but it is " + std::string(kindText(*item.node));
-    if (!otherwise.empty() && isExpression(*item.node)) {
-      message += "; " + std::string(otherwise);
-    } else if (isOne) {
-      message += "; write a list of one as [" + item.node->value.substr(0, 60) + "]";
-    }
-    auto& diagnostic = error(Code::WrongKind, item, std::move(message));
-    if (isOne) fixAsList(diagnostic, item);
-    return std::nullopt;
-  }
-  std::vector<std::string> result;
-  result.reserve(item.node->children.size());
-  bool good = true;
-  for (auto const* child : item.node->children) {
-    if (child->kind == YamlNode::Kind::Scalar) {
-      result.push_back(child->value);
-    } else {
-      error(Code::WrongKind, {item.source, child},
-            "an item of this list must be a single text, but this is " + std::string(kindText(*child)));
-      good = false;
-    }
-  }
-  if (!good) return std::nullopt;
-  return result;
-}
-
-bool RuleBuilder::isMapping(Item const& item, std::string_view what) {
-  if (item.node->kind == YamlNode::Kind::Mapping) return true;
-  if (!isNothing(*item.node)) {
-    error(Code::WrongKind, item,
-          std::string(what) + " must be a map, but this is " + std::string(kindText(*item.node)));
-  }
-  return false;
-}
-
 bool RuleBuilder::isLackOf(std::string_view key, Item const& map, Item const& at) const {
-  auto const isProposed = [&](std::string_view proposed) {
-    return proposedKeys_.contains({map.node, std::string(proposed)});
-  };
-  return canHoldKeys(*map.node) && !index_.lacksPartOf(at) && !isProposed(key) && !isProposed(anyKey);
-}
-
-bool RuleBuilder::isName(Item const& item, std::string_view what) {
-  std::string_view const name = item.node->value;
-  if (name.empty()) return error(Code::InvalidName, item, std::string(what) + " cannot be empty"), false;
-  if (isSpace(name.front()) || isSpace(name.back())) {
-    return error(Code::InvalidName, item, std::string(what) + " cannot begin or end with a blank"), false;
-  }
-  return true;
+  return canHoldKeys(*map.node) && !index_.lacksPartOf(at) && !isMisspelled(key, *map.node);
 }
 
 ParsedExpression RuleBuilder::parsed(Item const& item, std::size_t skipped, Role role) {

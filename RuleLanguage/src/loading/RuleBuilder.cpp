@@ -10,7 +10,8 @@
 #include <memory>
 #include <utility>
 
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
+#include "expression/Habits.h"
 #include "loading/RuleSections.h"
 #include "yaml/ScalarText.h"
 
@@ -40,12 +41,21 @@ constexpr auto globalKeys = std::to_array<Key<GlobalKey>>({
     {"Accepted", GlobalKey::Accepted},
 });
 
+KeyPlace placeOfKeys(std::string_view what) {
+  if (what == "a rule file") return KeyPlace::File;
+  if (what == "an object") return KeyPlace::Object;
+  if (what == "a parameter") return KeyPlace::Parameter;
+  if (what == "a child") return KeyPlace::Child;
+  if (what == "a global check" || what == "a check of an object") return KeyPlace::Check;
+  return what.starts_with("an item of") ? KeyPlace::GuardedItem : KeyPlace::Other;
+}
+
 }  // namespace
 
 RuleBuilder::RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diagnostics, LoadLimits const& limits)
-    : index_(index),
+    : MapReader(diagnostics),
+      index_(index),
       keepPlaces_(keepPlaces),
-      diagnostics_(diagnostics),
       limits_(limits),
       data_(std::make_unique<PhysicsData>()) {
   for (auto const& file : index.files()) files_.push_back({file.source, file.root, {}});
@@ -82,8 +92,9 @@ void RuleBuilder::build() {
 
 // Problems
 
-Diagnostic& RuleBuilder::error(Code code, Item const& item, std::string message) {
-  return diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
+std::string RuleBuilder::keyInsteadOf(std::string_view key, std::string_view what,
+                                      std::vector<std::string> const& keys) const {
+  return rules::keyInsteadOf(key, placeOfKeys(what), keys);
 }
 
 void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
@@ -104,29 +115,6 @@ void RuleBuilder::fixExpression(Diagnostic& diagnostic, Item const& item, std::s
   if (!text) return;
   DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, *item.node, offset, fix.range.length, walk),
                       std::move(*text), std::move(fix.title));
-}
-
-void RuleBuilder::fixText(Diagnostic& diagnostic, Item const& item, std::string_view text) {
-  std::string const& former = item.node->value;
-  auto written = writtenInScalar(*item.node, 0, former.size(), text);
-  if (!written || former.empty()) return;
-  DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, *item.node, 0, former.size()),
-                      std::move(*written), "Replace " + inQuotes(former) + " by " + inQuotes(text));
-}
-
-void RuleBuilder::fixAsList(Diagnostic& diagnostic, Item const& item) {
-  auto const& node = *item.node;
-  // Only for a plain text of one line without characters that would end it inside a list.
-  bool const plain = node.style == YamlNode::Style::Plain && node.line == node.endLine && !node.value.empty() &&
-                     node.value.find_first_of(",[]{}") == std::string::npos;
-  if (!plain) return;
-  DiagnosticList::fix(diagnostic, *item.source, rangeInScalar(*item.source, node, 0, node.value.size()),
-                      "[" + node.value + "]", "Write a list of one item");
-}
-
-void RuleBuilder::twice(Code code, Item const& item, Item const& former, std::string message) {
-  auto& diagnostic = error(code, item, std::move(message));
-  if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "the first one is here");
 }
 
 void RuleBuilder::readHeader(File& file) {

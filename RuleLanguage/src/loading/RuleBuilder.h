@@ -24,6 +24,7 @@
 #include "expression/Parser.h"
 #include "loading/RuleIndex.h"
 #include "patterns/RegularExpression.h"
+#include "yaml/MapReader.h"
 #include "yaml/ScalarText.h"
 
 namespace tarn::rules {
@@ -33,7 +34,7 @@ namespace tarn::rules {
 ///
 /// The files are read in two rounds. The first round creates every named check, list and value, so that expressions can
 /// call them whatever the order of the files. The second round reads everything else.
-class RuleBuilder {
+class RuleBuilder : private MapReader {
  public:
   /// Builds from the files of `index`. With `keepPlaces` it enters into the index where everything is written, which
   /// takes time and memory that loading alone does not need.
@@ -45,9 +46,7 @@ class RuleBuilder {
   [[nodiscard]] std::unique_ptr<PhysicsData> takeData() { return std::move(data_); }
   [[nodiscard]] PhysicsData const& data() const { return *data_; }
 
-  /// Gives a diagnostic a fix that replaces the whole text of a scalar, where the new text can be written there.
-  static void fixText(Diagnostic& diagnostic, Item const& item, std::string_view text);
-  /// The same for a part of an expression that begins `skipped` bytes into the scalar.
+  /// Gives a diagnostic a fix for a part of an expression that begins `skipped` bytes into the scalar.
   static void fixExpression(Diagnostic& diagnostic, Item const& item, std::size_t skipped, Replacement fix,
                             ScalarWalk* walk = nullptr);
 
@@ -125,28 +124,17 @@ class RuleBuilder {
   };
 
   // Problems
-  Diagnostic& error(Code code, Item const& item, std::string message);
+  [[nodiscard]] std::string keyInsteadOf(std::string_view key, std::string_view what,
+                                         std::vector<std::string> const& keys) const override;
   /// Adds an issue of an expression that begins `skipped` bytes into the scalar.
   void report(Item const& item, std::size_t skipped, Issue issue);
-  static void fixAsList(Diagnostic& diagnostic, Item const& item);
-  void twice(Code code, Item const& item, Item const& former, std::string message);
 
   // YAML values
-  [[nodiscard]] std::optional<std::string_view> scalar(Item const& item, std::string_view what);
-  void yesNo(Item const& item, bool& value);
   /// A group or label. Interfaces compare and show it, so it must be on one line and have no blanks at its ends.
   void shownName(Item const& item, std::string_view what, std::string& name);
-  [[nodiscard]] std::optional<std::vector<std::string>> texts(Item const& item, bool oneAllowed,
-                                                              std::string_view otherwise = {});
-  [[nodiscard]] bool isMapping(Item const& item, std::string_view what);
   /// Whether it is worth reporting that a map lacks a key: not when something else was reported that explains it.
   /// `at` is where the lack would be reported.
   [[nodiscard]] bool isLackOf(std::string_view key, Item const& map, Item const& at) const;
-  /// Calls `each` with every key and value of a map. A duplicate key is reported and left out.
-  template <typename Each>
-  void forEach(Item const& item, std::string_view what, Each each);
-  template <typename Table, typename Each>
-  void forEachKnown(Item const& item, std::string_view what, Table const& table, Each each);
 
   // Expressions
   [[nodiscard]] ParsedExpression parsed(Item const& item, std::size_t skipped, Role role);
@@ -216,11 +204,9 @@ class RuleBuilder {
   /// Where else an entry of that name is given in the object; empty when it is not.
   [[nodiscard]] FormerEntry formerPlace(std::string const& typePath, EntryKind kind, Item const& entry);
   [[nodiscard]] bool isTypePath(Item const& item);
-  [[nodiscard]] bool isName(Item const& item, std::string_view what);
 
   RuleIndex& index_;
   bool keepPlaces_;
-  DiagnosticList& diagnostics_;
   LoadLimits const& limits_;
   std::unique_ptr<PhysicsData> data_;
   std::vector<File> files_;
@@ -233,8 +219,7 @@ class RuleBuilder {
   std::map<std::string, Item, std::less<>> quantityNames_;
   bool noDefinitionsReported_ = false;
   std::optional<std::unordered_set<std::string_view>> typeNames_;
-  std::set<std::pair<YamlNode const*, std::string>, std::less<>> proposedKeys_;  // instead of unknown keys, by map
-  std::vector<SeenSection> sectionsSeen_;                                        // in order
+  std::vector<SeenSection> sectionsSeen_;  // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, std::vector<FormerEntry>> formerPlaces_;
   std::size_t sectionsIndexed_ = 0;

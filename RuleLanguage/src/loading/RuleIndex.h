@@ -10,32 +10,17 @@
 #include <utility>
 #include <vector>
 
-#include <tarn/RulePlace.h>
 #include <tarn/rules/RuleLoader.h>
 
 #include "diagnostics/DiagnosticList.h"
 #include "diagnostics/SourceText.h"
 #include "expression/CompiledRules.h"
 #include "expression/Parser.h"
-#include "loading/RuleFileSet.h"
+#include "yaml/SourceFileSet.h"
 #include "yaml/YamlDocument.h"
+#include "yaml/YamlItem.h"
 
 namespace tarn::rules {
-
-/// A YAML node together with its file. Valid as long as the `RuleIndex` that owns both.
-struct Item {
-  SourceText const* source = nullptr;
-  YamlNode const* node = nullptr;
-
-  explicit operator bool() const noexcept { return node != nullptr; }
-  /// Where the node begins.
-  [[nodiscard]] RulePlace place() const;
-  /// The first byte of the expression that follows `skipped` bytes of the scalar and blanks; `skipped` when nothing but
-  /// blanks follows. An expression's ranges count from here, so they are also ranges of its source text.
-  [[nodiscard]] std::size_t beginOfExpression(std::size_t skipped) const noexcept;
-  /// The position of that byte.
-  [[nodiscard]] RulePlace placeOfExpression(std::size_t skipped) const;
-};
 
 /// A kind of entry of an object.
 enum class EntryKind { Parameter, Child, Check };
@@ -132,7 +117,7 @@ class RuleIndex {
 
   void parse(LoadLimits const& limits, DiagnosticList& diagnostics);
 
-  RuleFileSet set_;
+  SourceFileSet set_;
   std::deque<YamlDocument> documents_;
   std::vector<File> files_;
   std::unordered_map<SourceText const*, YamlDocument const*> incomplete_;

@@ -1,4 +1,4 @@
-#include "loading/RuleFileSet.h"
+#include "yaml/SourceFileSet.h"
 
 #include <dirent.h>
 
@@ -31,11 +31,12 @@ std::string readFile(fs::path const& path, std::size_t maxFileSize, std::string&
   return {};
 }
 
-/// Adds the rule files of a folder. Returns the reason when that fails, otherwise the empty text.
+/// Adds the files of a folder whose names end with `suffix`. Returns the reason when that fails, otherwise the empty
+/// text.
 ///
 /// It does not use a directory iterator: the one of g++ 12 builds paths in functions that are noexcept, so it ends the
 /// program when memory runs out.
-std::string listRuleFiles(fs::path const& path, std::vector<fs::path>& found) {
+std::string listFiles(fs::path const& path, std::string_view suffix, std::vector<fs::path>& found) {
   struct Closer {
     void operator()(DIR* folder) const noexcept { ::closedir(folder); }
   };
@@ -45,16 +46,17 @@ std::string listRuleFiles(fs::path const& path, std::vector<fs::path>& found) {
     errno = 0;
     dirent const* const entry = ::readdir(folder.get());
     if (entry == nullptr) return errno != 0 ? std::strerror(errno) : std::string();
-    if (std::string_view(entry->d_name).ends_with(".rules.yaml")) found.push_back(path / entry->d_name);
+    if (std::string_view(entry->d_name).ends_with(suffix)) found.push_back(path / entry->d_name);
   }
 }
 
 }  // namespace
 
-void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t maxFileSize,
-                       DiagnosticList& diagnostics) {
+void SourceFileSet::read(std::vector<fs::path> const& filesOrFolders, FileKind const& kind, std::size_t maxFileSize,
+                         DiagnosticList& diagnostics) {
+  std::string const what(kind.name);
   auto const refuse = [&](std::string const& name, std::string const& reason) {
-    diagnostics.addAboutFile(Code::UnreadableFile, name, "cannot read the rule file: " + reason);
+    diagnostics.addAboutFile(Code::UnreadableFile, name, "cannot read the " + what + ": " + reason);
     unreadable = true;
   };
   auto const readOne = [&](fs::path const& path) {
@@ -76,13 +78,14 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
       continue;
     }
     std::vector<fs::path> found;
-    std::string const reason = listRuleFiles(path, found);
+    std::string const reason = listFiles(path, kind.suffix, found);
     names.push_back(path.string());
     if (!reason.empty()) {
       refuse(path.string(), reason);
     } else if (found.empty()) {
-      diagnostics.addAboutFile(Code::NoRuleFiles, path.string(),
-                               "the folder contains no rule files; their names must end in .rules.yaml");
+      diagnostics.addAboutFile(
+          Code::NoRuleFiles, path.string(),
+          "the folder contains no " + what + "s; their names must end in " + std::string(kind.suffix));
       unreadable = true;
     }
     std::sort(found.begin(), found.end(),
@@ -90,7 +93,7 @@ void RuleFileSet::read(std::vector<fs::path> const& filesOrFolders, std::size_t 
     for (auto const& file : found) readOne(file);
   }
   if (filesOrFolders.empty()) {
-    diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no rule file is given");
+    diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no " + what + " is given");
     unreadable = true;
   }
 }

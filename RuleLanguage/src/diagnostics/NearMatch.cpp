@@ -1,4 +1,4 @@
-#include "expression/NearMatch.h"
+#include "diagnostics/NearMatch.h"
 
 namespace tarn::rules {
 
