@@ -34,13 +34,22 @@ Effect Effect::reversed() const {
   return back;
 }
 
+namespace {
+
+constexpr std::array<std::string_view, 17> codeNames = {
+    "unreadable",       "outside-root",  "is-root",           "unknown-object",      "unknown-parameter",
+    "wrong-type",       "unknown-units", "value-not-allowed", "fixed-by-the-rules",  "name-taken",
+    "name-not-allowed", "not-named",     "name-missing",      "stands-by-the-rules", "not-editable",
+    "rule-failed",      "too-many-steps"};
+
+}  // namespace
+
 std::string_view refusalName(RefusalCode code) noexcept {
-  constexpr std::array<std::string_view, 17> names = {
-      "unreadable",       "outside-root",  "is-root",           "unknown-object",      "unknown-parameter",
-      "wrong-type",       "unknown-units", "value-not-allowed", "fixed-by-the-rules",  "name-taken",
-      "name-not-allowed", "not-named",     "name-missing",      "stands-by-the-rules", "not-editable",
-      "rule-failed",      "too-many-steps"};
-  return names[static_cast<std::size_t>(code)];
+  return codeNames[static_cast<std::size_t>(code)];
+}
+
+std::span<std::string_view const> refusalNames() noexcept {
+  return codeNames;
 }
 
 std::string_view originName(Origin origin) noexcept {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,8 @@ enum class RefusalCode : int {
 
 /// Lower case words with hyphens, such as "unknown-parameter". Valid until the program ends.
 [[nodiscard]] TARN_EXPORT std::string_view refusalName(RefusalCode code) noexcept;
+/// The names of all codes, in the order of their numbers. Valid until the program ends.
+[[nodiscard]] TARN_EXPORT std::span<std::string_view const> refusalNames() noexcept;
 
 /// Why an edit was refused, and what would have worked.
 struct TARN_EXPORT Refused {
