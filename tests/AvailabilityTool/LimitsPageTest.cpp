@@ -13,11 +13,11 @@
 #include <tarn/PathPattern.h>
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
+#include <tarn/service/FindingJson.h>
 
 #include "Places.h"
 #include "console/Completion.h"
 #include "console/HistoryFile.h"
-#include "reports/FindingJson.h"
 
 namespace tarn::tool {
 namespace {
@@ -66,7 +66,7 @@ TEST(LimitsPage, TellsTheLimitsOfPathsAndOfTheConsole) {
   EXPECT_THAT(told("TDFChangeFile::maxComponents"), is(TDFChangeFile::maxComponents));
   EXPECT_THAT(told("ModelText::mostFaults"), is(ModelText::mostFaults));
   EXPECT_THAT(told("ModelText::mostOccurrences"), is(ModelText::mostOccurrences));
-  EXPECT_THAT(told("mostAllowedInJson"), is(mostAllowedInJson));
+  EXPECT_THAT(told("mostAllowedInJson"), is(service::mostAllowedInJson));
   EXPECT_THAT(told("PathPattern::maxSteps"), is(PathPattern::maxSteps));
   EXPECT_THAT(told("HistoryFile::maxLines"), is(HistoryFile::maxLines));
   EXPECT_THAT(told("Completion::maxChoices"), is(Completion::maxChoices));

@@ -14,6 +14,9 @@
 
 #include <tarn/Error.h>
 #include <tarn/ModelTextRewrite.h>
+#include <tarn/service/FindingJson.h>
+#include <tarn/service/JsonText.h>
+#include <tarn/service/SessionJson.h>
 #include <tarn/session/ModelFile.h>
 #include <tarn/session/Session.h>
 
@@ -25,9 +28,6 @@
 #include "edit/ResultText.h"
 #include "edit/RunEditor.h"
 #include "edit/ShownText.h"
-#include "reports/FindingJson.h"
-#include "reports/JsonText.h"
-#include "reports/SessionJson.h"
 #include "session/OpenedSession.h"
 
 namespace tarn::tool {
@@ -191,20 +191,20 @@ class EditRun {
   void writeJson(std::ostream& report, session::TryResult const& tried,
                  std::optional<std::string> const& written) const {
     session::EditResult const& result = tried.result;
-    Json json = {{"schema", sessionJsonSchema}};
+    Json json = {{"schema", service::sessionJsonSchema}};
     json["model"] = options_.arguments.model;
     json["root"] = opened_.session().root();
     if (options_.dryRun) json["dryRun"] = true;
-    json.update(editResultAsJson(result));
+    json.update(service::editResultAsJson(result));
     // The sentence says that the edits were made.
     if (options_.dryRun && result.applied()) json.erase("message");
     if (proposal_) json["command"] = *proposal_;
     if (options_.dryRun && result.applied()) {
-      json["findingsGained"] = jsonList(tried.findingsGained, findingAsJson);
-      json["findingsLost"] = jsonList(tried.findingsLost, findingAsJson);
+      json["findingsGained"] = service::jsonList(tried.findingsGained, service::findingAsJson);
+      json["findingsLost"] = service::jsonList(tried.findingsLost, service::findingAsJson);
     }
     if (written) json["written"] = *written;
-    report << jsonLine(json) << '\n';
+    report << service::jsonLine(json) << '\n';
   }
 
   void sayWhatWasWritten(session::EditResult const& result, std::optional<std::string> const& written) const {

@@ -17,6 +17,9 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFContext.h>
 #include <tarn/rules/Query.h>
+#include <tarn/service/ExplanationJson.h>
+#include <tarn/service/JsonText.h>
+#include <tarn/service/SessionJson.h>
 
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -24,10 +27,7 @@
 #include "cli/PathArgument.h"
 #include "cli/RuleFiles.h"
 #include "edit/ShownText.h"
-#include "reports/ExplanationJson.h"
 #include "reports/ExplanationText.h"
-#include "reports/JsonText.h"
-#include "reports/SessionJson.h"
 
 namespace tarn::tool {
 
@@ -64,7 +64,7 @@ Json valueOf(Query::Result const& result) {
     case Query::Kind::Truth:
       return result.truth;
     case Query::Kind::Number:
-      return numberAsJson(result.number);
+      return service::numberAsJson(result.number);
     case Query::Kind::Text:
       return result.text;
     case Query::Kind::List:
@@ -125,13 +125,13 @@ int eval(EvalOptions const& options, std::ostream& out, std::ostream& err) {
   Query::Result const result = parsed.query->evaluate(context, &evalContext);
   Explanation const explanation = parsed.query->explain(context, tree);
   if (options.asJson) {
-    Json json = {{"schema", sessionJsonSchema}};
+    Json json = {{"schema", service::sessionJsonSchema}};
     json["expression"] = options.expression;
     json["at"] = at;
     json["kind"] = nameOf(result.kind);
     json["value"] = valueOf(result);
-    json["explanation"] = explanationAsJson(explanation);
-    out << jsonLine(json) << '\n';
+    json["explanation"] = service::explanationAsJson(explanation);
+    out << service::jsonLine(json) << '\n';
     return NothingFound;
   }
   writeValue(out, result);

@@ -19,14 +19,14 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/RulePlace.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/service/JsonText.h>
+#include <tarn/service/SessionJson.h>
 #include <tarn/session/Found.h>
 #include <tarn/session/Session.h>
 
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "edit/ShownText.h"
-#include "reports/JsonText.h"
-#include "reports/SessionJson.h"
 #include "session/OpenedSession.h"
 
 namespace tarn::tool {
@@ -171,14 +171,14 @@ std::string textOf(Hit const& hit) {
 }
 
 Json jsonOf(Hit const& hit) {
-  Json json = {{"schema", sessionJsonSchema}, {"kind", nameOf(hit.kind)}};
+  Json json = {{"schema", service::sessionJsonSchema}, {"kind", nameOf(hit.kind)}};
   if (hit.kind == Kind::Rule) json["rule"] = hit.what;
-  Json found = foundAsJson(hit.found);
+  Json found = service::foundAsJson(hit.found);
   if (hit.kind == Kind::Rule || hit.kind == Kind::Value) found.erase("present");
   if (isNamedRule(hit)) found.erase("path");
   json.update(found);
   if (hit.value) json["value"] = *hit.value;
-  if (hit.place.isKnown()) json["place"] = placeAsJson(hit.place);
+  if (hit.place.isKnown()) json["place"] = service::placeAsJson(hit.place);
   return json;
 }
 
@@ -212,7 +212,7 @@ int find(FindOptions const& options, std::ostream& out, std::ostream& err) {
     if (options.limit != 0 && ++ofKind > options.limit) {
       ++left;
     } else if (options.asJson) {
-      out << jsonLine(jsonOf(hit)) << '\n';
+      out << service::jsonLine(jsonOf(hit)) << '\n';
     } else {
       out << "  " << textOf(hit) << '\n';
     }

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "reports/FindingJson.h"
-#include "reports/JsonText.h"
+#include <tarn/service/FindingJson.h>
+#include <tarn/service/JsonText.h>
 
 namespace tarn::tool {
 
@@ -25,7 +25,7 @@ void writeList(std::ostream& out, char const* key, std::vector<Finding> const& f
   out << ",\"" << key << "\":[";
   char const* separator = "";
   for (Finding const& finding : findings) {
-    if (belongs(finding)) out << std::exchange(separator, ",") << jsonLine(entry(finding));
+    if (belongs(finding)) out << std::exchange(separator, ",") << service::jsonLine(entry(finding));
   }
   out << ']';
 }
@@ -60,14 +60,14 @@ Json valueFault(Finding const& finding) {
 }  // namespace
 
 void writeJsonReport(std::ostream& out, std::string const& modelName, session::Findings const& findings) {
-  out << "{\"model\":" << jsonLine(modelName) << ",\"status\":" << findings.status;
+  out << "{\"model\":" << service::jsonLine(modelName) << ",\"status\":" << findings.status;
   writeList(out, "dependency", findings.list, isErrorOf(FindingKind::Dependency), pathAndMessage);
   writeList(out, "global", findings.list, isErrorOf(FindingKind::Global),
             [](Finding const& one) { return Json(one.message); });
   writeList(out, "unknown", findings.list, isErrorOf(FindingKind::UnknownName), unknownName);
   writeList(out, "values", findings.list, isErrorOf(FindingKind::Value), valueFault);
   writeList(out, "beta", findings.beta, isAny, pathAndMessage);
-  writeList(out, "findings", findings.list, isAny, findingAsJson);
+  writeList(out, "findings", findings.list, isAny, service::findingAsJson);
   out << "}\n";
 }
 
@@ -80,7 +80,7 @@ void writeJsonFailure(std::ostream& out, std::string const& modelName, ModelFail
   report["model"] = modelName;
   report["error"] = failure.malformed().empty() ? failure.what() : "the model has malformed lines";
   report["malformed"] = std::move(malformed);
-  out << jsonLine(report) << '\n';
+  out << service::jsonLine(report) << '\n';
 }
 
 }  // namespace tarn::tool

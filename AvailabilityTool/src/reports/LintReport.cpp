@@ -9,7 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "reports/JsonText.h"
+#include <tarn/service/JsonText.h>
+
 #include "reports/SarifLog.h"
 
 namespace tarn::tool {
@@ -72,7 +73,7 @@ void writeLintAsJson(std::ostream& out, rules::LintResult const& result) {
                {"unreadable", result.unreadable}};
   Json& list = json["diagnostics"] = Json::array();
   for (Diagnostic const& diagnostic : result.diagnostics) list.push_back(jsonOf(diagnostic));
-  out << jsonLine(json) << '\n';
+  out << service::jsonLine(json) << '\n';
 }
 
 void writeLintAsSarif(std::ostream& out, rules::LintResult const& result, int exitStatus) {

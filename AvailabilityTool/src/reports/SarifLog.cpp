@@ -5,8 +5,9 @@
 #include <array>
 #include <ostream>
 
+#include <tarn/service/JsonText.h>
+
 #include "cli/ExitStatus.h"
-#include "reports/JsonText.h"
 
 namespace tarn::tool {
 
@@ -66,7 +67,7 @@ SarifLog::SarifLog(std::ostream& out, std::vector<Rule> const& rules) : out_(out
   }
   Json const tool = {{"driver", std::move(driver)}};
   out_ << R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[{"tool":)"
-       << jsonLine(tool) << R"(,"columnKind":"unicodeCodePoints","results":[)";
+       << service::jsonLine(tool) << R"(,"columnKind":"unicodeCodePoints","results":[)";
 }
 
 void SarifLog::add(Result const& result, Json const& properties) {
@@ -79,7 +80,7 @@ void SarifLog::add(Result const& result, Json const& properties) {
   if (!locations.empty()) json["locations"] = std::move(locations);
   if (!result.related.empty()) json["relatedLocations"] = locationsOf(result.related);
   if (!properties.is_null()) json["properties"] = properties;
-  out_ << (isFirst_ ? "\n" : ",\n") << jsonLine(json);
+  out_ << (isFirst_ ? "\n" : ",\n") << service::jsonLine(json);
   isFirst_ = false;
 }
 
@@ -92,7 +93,7 @@ void SarifLog::addFailure(std::string const& message, std::vector<Place> const& 
 void SarifLog::finish(int exitStatus) {
   Json invocation = {{"executionSuccessful", exitStatus != Failed}, {"exitCode", exitStatus}};
   if (!failures_.empty()) invocation["toolExecutionNotifications"] = std::move(failures_);
-  out_ << (isFirst_ ? "]" : "\n]") << ",\"invocations\":[" << jsonLine(invocation) << "]}]}\n";
+  out_ << (isFirst_ ? "]" : "\n]") << ",\"invocations\":[" << service::jsonLine(invocation) << "]}]}\n";
 }
 
 }  // namespace tarn::tool

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "reports/FindingJson.h"
+#include <tarn/service/FindingJson.h>
 
 namespace tarn::tool {
 
@@ -26,7 +26,7 @@ SarifLog::Result resultOf(std::string const& modelName, session::Finding const& 
 
 /// The data that the result itself does not hold.
 SarifLog::Json propertiesOf(session::Finding const& finding) {
-  SarifLog::Json properties = findingAsJson(finding);
+  SarifLog::Json properties = service::findingAsJson(finding);
   for (char const* key : {"code", "severity", "path", "places", "rule", "message"}) properties.erase(key);
   return properties.empty() ? SarifLog::Json(nullptr) : properties;
 }

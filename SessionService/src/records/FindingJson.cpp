@@ -1,4 +1,4 @@
-#include "reports/FindingJson.h"
+#include <tarn/service/FindingJson.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "reports/SessionJson.h"
+#include <tarn/service/SessionJson.h>
 
-namespace tarn::tool {
+namespace tarn::service {
 
 namespace {
 
@@ -60,4 +60,4 @@ Json findingAsJson(session::Finding const& finding) {
   return json;
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::service

@@ -4,10 +4,12 @@
 
 #include <nlohmann/json.hpp>
 
-namespace tarn::tool {
+#include <tarn/Export.h>
+
+namespace tarn::service {
 
 /// The text of a JSON value on one line. Bytes that are not UTF-8 become U+FFFD.
-[[nodiscard]] std::string jsonLine(nlohmann::ordered_json const& json);
+[[nodiscard]] TARN_EXPORT std::string jsonLine(nlohmann::ordered_json const& json);
 
 /// The list of `asJson(record)` for all `records`.
 template <typename Records, typename AsJson>
@@ -17,4 +19,4 @@ template <typename Records, typename AsJson>
   return list;
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::service

@@ -3,17 +3,18 @@
 #include <nlohmann/json.hpp>
 
 #include <tarn/Explanation.h>
+#include <tarn/Export.h>
 #include <tarn/ModelRead.h>
 
 // Explanations of rules as JSON, in the manner of SessionJson.h.
 
-namespace tarn::tool {
+namespace tarn::service {
 
 /// Null for what is not a number. A whole number has no decimal point.
-[[nodiscard]] nlohmann::ordered_json numberAsJson(double number);
+[[nodiscard]] TARN_EXPORT nlohmann::ordered_json numberAsJson(double number);
 /// The item, "isPresent", and its "value" or "items"; "childrenOfType", "children" or "parameterNames" for a list.
-[[nodiscard]] nlohmann::ordered_json modelReadAsJson(ModelRead const& read);
+[[nodiscard]] TARN_EXPORT nlohmann::ordered_json modelReadAsJson(ModelRead const& read);
 /// The tree of parts, from its root.
-[[nodiscard]] nlohmann::ordered_json explanationAsJson(Explanation const& explanation);
+[[nodiscard]] TARN_EXPORT nlohmann::ordered_json explanationAsJson(Explanation const& explanation);
 
-}  // namespace tarn::tool
+}  // namespace tarn::service

@@ -1,13 +1,13 @@
-#include "reports/ExplanationJson.h"
+#include <tarn/service/ExplanationJson.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
-#include "reports/JsonText.h"
+#include <tarn/service/JsonText.h>
 
-namespace tarn::tool {
+namespace tarn::service {
 namespace {
 
 TEST(ExplanationJson, NumbersAreWholeWhereTheyAreAndNullWhereThereIsNone) {
@@ -23,4 +23,4 @@ TEST(ExplanationJson, AnExplanationThatWasNotMadeIsNull) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::service

@@ -1,5 +1,5 @@
 // Each record of a session as JSON, with everything that it can have. Programs rely on the names of the keys.
-#include "reports/SessionJson.h"
+#include <tarn/service/SessionJson.h>
 
 #include <gtest/gtest.h>
 
@@ -7,11 +7,10 @@
 #include <string>
 
 #include <tarn/Edit.h>
+#include <tarn/service/JsonText.h>
 #include <tarn/session/EditResult.h>
 
-#include "reports/JsonText.h"
-
-namespace tarn::tool {
+namespace tarn::service {
 namespace {
 
 using session::Item;
@@ -132,4 +131,4 @@ TEST(SessionJson, BytesThatAreNotUtf8AreReplaced) {
 }
 
 }  // namespace
-}  // namespace tarn::tool
+}  // namespace tarn::service

@@ -1,13 +1,13 @@
-#include "reports/ExplanationJson.h"
+#include <tarn/service/ExplanationJson.h>
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-#include "reports/JsonText.h"
+#include <tarn/service/JsonText.h>
 
-namespace tarn::tool {
+namespace tarn::service {
 
 namespace {
 
@@ -155,4 +155,4 @@ Json explanationAsJson(Explanation const& explanation) {
   return explanation.nodes.empty() ? Json() : partAsJson(explanation, 0);
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::service

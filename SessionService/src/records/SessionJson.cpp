@@ -1,14 +1,13 @@
-// Records of a session as JSON. Each record is written in one place, so that it has one form in all subcommands.
-#include "reports/SessionJson.h"
+// Records of a session as JSON. Each record is written in one place, so it has one form everywhere.
+#include <tarn/service/SessionJson.h>
 
 #include <optional>
 #include <string>
 
+#include <tarn/service/JsonText.h>
 #include <tarn/session/Sentences.h>
 
-#include "reports/JsonText.h"
-
-namespace tarn::tool {
+namespace tarn::service {
 
 namespace {
 
@@ -237,4 +236,4 @@ Json foundAsJson(session::Found const& found) {
   return json;
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::service
