@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'validate lint edit find eval show console --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint show console --version -h --help' -- "$current")
     return
   fi
 
@@ -33,7 +33,7 @@ _zev() {
       ;;
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
-    -j | --jobs | --limit) return ;;                                       # a number
+    -j | --jobs | --limit | --depth) return ;;                             # a number
   esac
 
   local options='-h --help'
@@ -44,6 +44,8 @@ _zev() {
       options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
       options+=' --format'
       ;;
+    why) options+=' --rules --root --depth --format' ;;
+    how) options+=' --rules --root --format' ;;
     find) options+=' --rules --root --limit --format' ;;
     eval) options+=' --rules --at --format' ;;
     show) options+=' --rules --model --root' ;;

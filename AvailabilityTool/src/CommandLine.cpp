@@ -28,17 +28,20 @@
 #include "lint/LintCommand.h"
 #include "show/ShowCommand.h"
 #include "validate/ValidateCommand.h"
+#include "why/WhyCommand.h"
 
 namespace tarn::tool {
 
 namespace {
 
 void addCommands(CLI::App& app, Command& chosen) {
-  addValidateCommand(app, chosen);
-  addLintCommand(app, chosen);
   addEditCommand(app, chosen);
+  addValidateCommand(app, chosen);
+  addWhyCommand(app, chosen);
+  addHowCommand(app, chosen);
   addFindCommand(app, chosen);
   addEvalCommand(app, chosen);
+  addLintCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
 }

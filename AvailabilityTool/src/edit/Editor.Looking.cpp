@@ -9,6 +9,7 @@
 #include "edit/Editor.h"
 #include "edit/ItemText.h"
 #include "edit/ShownText.h"
+#include "why/Asked.h"
 
 namespace tarn::tool {
 
@@ -18,6 +19,12 @@ using session::Item;
 using session::Refused;
 
 using Lines = std::vector<std::pair<std::string, std::string>>;
+
+/// The edit that asks for the goal itself.
+Edit goalEdit(session::Goal const& goal) {
+  if (!goal.item.isParam()) return Edit::activateObject(goal.item.path);
+  return Edit::setParam(goal.item.path, *goal.item.name, goal.value.value_or(""));
+}
 
 }  // namespace
 
@@ -207,17 +214,18 @@ std::optional<session::Goal> Editor::readGoal(std::string_view text, std::string
     (void)fail("A path is missing: " + std::string(command) + " PATH", "help " + std::string(command));
     return std::nullopt;
   }
-  std::size_t const equals = text.find('=');
-  std::optional<Item> item = resolve(text.substr(0, equals), command);
-  if (!item) return std::nullopt;
-  session::Goal goal = {std::move(*item), std::nullopt};
-  if (equals == std::string_view::npos) return goal;
-  if (!goal.item.name) {
+  Asked asked = dividedAtEquals(text);
+  FoundItem found = findItem(session_, absolute(asked.path));
+  if (!found.item) {
+    (void)resolve(asked.path, command);  // says why
+    return std::nullopt;
+  }
+  session::Goal goal = {std::move(*found.item), std::move(asked.value)};
+  if (goal.value && !goal.item.isParam()) {
     (void)fail(shownPath(goal.item.path) + " is an object, and has no value.",
                std::string(command) + ' ' + goal.item.path);
     return std::nullopt;
   }
-  goal.value = StringUtilities::trimmed(text.substr(equals + 1));
   return goal;
 }
 
@@ -225,17 +233,19 @@ Outcome Editor::why(std::string_view text) {
   auto const goal = readGoal(text, "why");
   if (!goal) return Outcome::Failed;
   constexpr std::size_t mostLines = 40;
-  session::WhyOptions options;
-  options.depth = 2;
-  if (goal->value) {
-    options.question = session::Question::Allowed;
-    options.value = *goal->value;
-  }
-  std::string answer = textOf(session_.why(goal->item, options), mostLines);
+  constexpr std::size_t depth = 2;
+  session::Proof const proof = proofOf(session_, *goal, depth);
+  std::string answer = textOf(proof, mostLines);
   if (!goal->value && !session_.steps().empty()) {
+    session::WhyOptions options;
+    options.depth = depth;
     options.question = session::Question::LastEdit;
     session::Proof const last = session_.why(goal->item, options);
     if (last.answer().fact != session::Fact::NotChanged) answer += textOf(last, mostLines);
+  }
+  if (isWorthHow(proof) && isTypeable(goalEdit(*goal))) {
+    std::string const value = goal->value ? " = " + *goal->value : "";
+    answer += "next: " + painted("how " + goal->item.text() + value, Colour::Green, screen_.look()) + '\n';
   }
   screen_.page(answer);
   return Outcome::Done;
@@ -244,15 +254,12 @@ Outcome Editor::why(std::string_view text) {
 Outcome Editor::how(std::string_view text) {
   auto const goal = readGoal(text, "how");
   if (!goal) return Outcome::Failed;
-  session::HowResult const result = session_.how(*goal);
-  std::string answer = textOf(result);
-  for (std::size_t i = 0; i < result.ways.size(); ++i) {
-    std::vector<Edit> const& edits = result.ways[i].edits;
-    if (!std::all_of(edits.begin(), edits.end(), isTypeable)) continue;
-    answer += "type:\n";
-    for (Edit const& edit : edits) answer += "  " + painted(commandText(edit), Colour::Green, screen_.look()) + '\n';
-  }
-  screen_.page(answer);
+  screen_.page(howText(session_.how(*goal), [&](std::vector<Edit> const& edits) {
+    std::vector<std::string> commands;
+    if (!std::all_of(edits.begin(), edits.end(), isTypeable)) return commands;
+    for (Edit const& edit : edits) commands.push_back(painted(commandText(edit), Colour::Green, screen_.look()));
+    return commands;
+  }));
   return Outcome::Done;
 }
 

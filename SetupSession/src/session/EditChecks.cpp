@@ -197,10 +197,17 @@ EditChecks::Checked EditChecks::unknownObject(Edit const& edit, std::string cons
   // To propose the removal of another object would be dangerous.
   bool const takesAway = edit.kind == Kind::RemoveObject || edit.kind == Kind::DeactivateObject;
   if (near.empty() && edit.kind != Kind::AddObject && !(takesAway && path == edit.path && rules)) {
-    std::vector<std::string> components;
-    components.reserve(known.size());
-    for (std::string const& child : known) components.push_back(child.substr(parent.size() + 1));
-    near = StringUtilities::nearMatch(path.substr(parent.size() + 1), components);
+    // Where the type is right, only the name can be misspelt: a type that two objects share says nothing.
+    std::string const component = path.substr(parent.size() + 1);
+    std::string const same = rules && isNamed(path) ? component.substr(0, component.find(':') + 1) : std::string();
+    std::vector<std::string> candidates;
+    candidates.reserve(known.size());
+    for (std::string const& child : known) {
+      std::string_view const candidate = std::string_view(child).substr(parent.size() + 1);
+      if (candidate.starts_with(same)) candidates.emplace_back(candidate.substr(same.size()));
+    }
+    near = StringUtilities::nearMatch(component.substr(same.size()), candidates);
+    if (!near.empty()) near = same + near;
   }
   if (!near.empty()) result->nearest = withPath(edit, parent + '/' + near + edit.path.substr(path.size()));
   return result;

@@ -1,0 +1,108 @@
+#include "why/Asked.h"
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+#include <tarn/ObjDependDef.h>
+#include <tarn/PathUtils.h>
+#include <tarn/PhysicsData.h>
+#include <tarn/StringUtilities.h>
+#include <tarn/session/Item.h>
+
+namespace tarn::tool {
+
+using session::Fact;
+
+Asked dividedAtEquals(std::string_view text) {
+  std::size_t const equals = text.find('=');
+  Asked asked{StringUtilities::trimmed(text.substr(0, equals)), std::nullopt};
+  if (equals != std::string_view::npos) asked.value = StringUtilities::trimmed(text.substr(equals + 1));
+  return asked;
+}
+
+FoundItem findItem(session::Session const& session, std::string_view path) {
+  FoundItem found;
+  auto resolved = session.resolve(path);
+  if (auto* const item = std::get_if<session::Item>(&resolved)) {
+    found.item = std::move(*item);
+    return found;
+  }
+  found.refused = std::get<session::Refused>(std::move(resolved));
+  if (found.refused->code != session::RefusalCode::UnknownObject) return found;
+  // The path was read, so its edit has it in the form that the model uses.
+  Edit const& edit = found.refused->edit;
+  std::string const whole = edit.name.empty() ? edit.path : edit.path + '/' + edit.name;
+  auto const rulesOf = [&](std::string const& object) {
+    return session.rules().getObjDependDef(PathUtils::typePathOf(object), true);
+  };
+  std::string const parent(PathUtils::parentOf(whole));
+  std::string const last = whole.substr(parent.size() + 1);
+  if (ObjDependDef const* const above = rulesOf(parent); above != nullptr && above->findParam(last) != nullptr) {
+    found.item = session::Item{parent, last};
+  } else if (rulesOf(whole) != nullptr) {
+    found.item = session::Item{whole, std::nullopt};
+  }
+  return found;
+}
+
+std::string goalText(session::Goal const& goal) {
+  std::string const item = goal.item.text();
+  return goal.value ? item + '=' + *goal.value : item;
+}
+
+session::Proof proofOf(session::Session const& session, session::Goal const& goal, std::size_t depth) {
+  session::WhyOptions options;
+  options.depth = depth;
+  if (!goal.item.isParam()) options.question = session::Question::Presence;
+  if (goal.value) {
+    auto const param = session.lookParam(goal.item.path, *goal.item.name);
+    bool const isItsValue = param && param->value == goal.value;
+    options.question = isItsValue ? session::Question::Value : session::Question::Allowed;
+    options.value = *goal.value;
+  }
+  return session.why(goal.item, options);
+}
+
+bool isWorthHow(session::Proof const& proof) {
+  switch (proof.answer().fact) {
+    case Fact::ObjectAbsent:
+    case Fact::NotLive:
+    case Fact::NotAvailable:
+    case Fact::NoAllowedValue:
+    case Fact::NotAskedFor:
+    case Fact::NeverSwitchedOn:
+    case Fact::SwitchedOff:
+    case Fact::ValueRefused:
+      return true;
+    case Fact::NotInList:
+    case Fact::CheckFails:
+    case Fact::OutsideSubset: {
+      // A list that is written out in the rules is always the same.
+      auto const& rules = proof.answer().rules;
+      return std::any_of(rules.begin(), rules.end(), [](auto const& rule) { return !rule.reads.empty(); });
+    }
+    default:
+      return false;
+  }
+}
+
+std::string howText(session::HowResult const& result,
+                    std::function<std::vector<std::string>(std::vector<Edit> const&)> const& commands) {
+  std::string text = textOf(result);
+  char const* before = "type:\n";
+  for (session::Way const& way : result.ways) {
+    std::vector<std::string> const lines = commands(way.edits);
+    if (lines.empty()) continue;
+    text += before;
+    for (std::string const& line : lines) text += "  " + line + '\n';
+    before = "or:\n";
+  }
+  return text;
+}
+
+std::string firstLine(std::string const& text) {
+  return text.substr(0, text.find('\n'));
+}
+
+}  // namespace tarn::tool

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tarn/Edit.h>
+#include <tarn/session/How.h>
+#include <tarn/session/Item.h>
+#include <tarn/session/Proof.h>
+#include <tarn/session/Refused.h>
+#include <tarn/session/Session.h>
+
+// What `why` and `how` are asked, in the editor and on the command line, and their answers as text.
+
+namespace tarn::tool {
+
+/// PATH, or PATH = VALUE. The first "=" ends the path.
+struct Asked {
+  std::string_view path;
+  std::optional<std::string> value;
+};
+[[nodiscard]] Asked dividedAtEquals(std::string_view text);
+
+/// The item that a path names, also an object with a name of the user's choice that nobody has asked for, and what is
+/// in it, if the rules know its type: the answers are about what is absent, too.
+struct FoundItem {
+  std::optional<session::Item> item;
+  /// Why no item of this path is known, with the nearest one.
+  std::optional<session::Refused> refused;
+};
+[[nodiscard]] FoundItem findItem(session::Session const& session, std::string_view path);
+
+/// PATH, or PATH=VALUE, for a goal.
+[[nodiscard]] std::string goalText(session::Goal const& goal);
+
+/// The proof for an item: why it is there or not, or why a parameter has its value. With a value: why the parameter has
+/// that value if it has it, and otherwise why the value is allowed or not allowed.
+[[nodiscard]] session::Proof proofOf(session::Session const& session, session::Goal const& goal, std::size_t depth);
+
+/// What to ask `how` after an answer of `why`: how the absent item comes, or how the value becomes allowed. Nothing if
+/// the item is there, the value is allowed, or no edit can help.
+[[nodiscard]] bool isWorthHow(session::Proof const& proof);
+
+/// The result of `how`, and after it the commands for each way. `commands` gives the lines that make the edits; none
+/// if they cannot be typed.
+[[nodiscard]] std::string howText(session::HowResult const& result,
+                                  std::function<std::vector<std::string>(std::vector<Edit> const&)> const& commands);
+
+/// The first line of an answer.
+[[nodiscard]] std::string firstLine(std::string const& text);
+
+}  // namespace tarn::tool
