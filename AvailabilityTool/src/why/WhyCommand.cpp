@@ -14,6 +14,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <tarn/service/JsonText.h>
+#include <tarn/service/ProofJson.h>
+#include <tarn/service/SessionJson.h>
 #include <tarn/session/How.h>
 #include <tarn/session/Proof.h>
 #include <tarn/session/Refused.h>
@@ -23,9 +26,6 @@
 #include "cli/ShellWord.h"
 #include "edit/EditArguments.h"
 #include "edit/ShownText.h"
-#include "reports/JsonText.h"
-#include "reports/ProofJson.h"
-#include "reports/SessionJson.h"
 #include "session/OpenedSession.h"
 #include "why/Asked.h"
 
@@ -75,10 +75,11 @@ class Question {
   }
 
   [[nodiscard]] Json head() const {
-    Json json = {
-        {"schema", sessionJsonSchema}, {"model", options_.arguments.model}, {"root", opened_.session().root()}};
+    Json json = {{"schema", service::sessionJsonSchema},
+                 {"model", options_.arguments.model},
+                 {"root", opened_.session().root()}};
     if (!hasItem_) return json;
-    json.update(itemAsJson(goal_.item));
+    json.update(service::itemAsJson(goal_.item));
     if (goal_.value) json["value"] = *goal_.value;
     return json;
   }
@@ -107,7 +108,7 @@ class Question {
       json["refused"] = {{"code", refusalName(refused_->code)}, {"sentence", refused_->sentence}};
       json["message"] = refused_->sentence;
       if (proposal) json["command"] = *proposal;
-      out_ << jsonLine(json) << '\n';
+      out_ << service::jsonLine(json) << '\n';
       return FindingsMade;
     }
     err_ << "zev: " << harmless(refused_->sentence) << '\n';
@@ -135,8 +136,8 @@ int why(WhyOptions const& options, std::ostream& out, std::ostream& err) {
   if (options.asJson) {
     Json json = question.head();
     json["message"] = firstLine(text);
-    json["proof"] = proofAsJson(proof);
-    out << jsonLine(json) << '\n';
+    json["proof"] = service::proofAsJson(proof);
+    out << service::jsonLine(json) << '\n';
     return NothingFound;
   }
   out << text;
@@ -168,11 +169,11 @@ int how(WhyOptions const& options, std::ostream& out, std::ostream& err) {
     std::string message = firstLine(textOf(result));
     if (message.ends_with(':')) message.pop_back();
     json["message"] = message;
-    json.update(howAsJson(result));
+    json.update(service::howAsJson(result));
     for (std::size_t i = 0; i < result.ways.size(); ++i) {
       json["ways"][i]["command"] = editLine(options.arguments, result.ways[i].edits);
     }
-    out << jsonLine(json) << '\n';
+    out << service::jsonLine(json) << '\n';
     return status;
   }
   out << howText(result, [&](std::vector<Edit> const& edits) {

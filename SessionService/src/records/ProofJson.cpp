@@ -1,12 +1,12 @@
-#include "reports/ProofJson.h"
+#include <tarn/service/ProofJson.h>
 
 #include <string>
 
-#include "reports/ExplanationJson.h"
-#include "reports/JsonText.h"
-#include "reports/SessionJson.h"
+#include <tarn/service/ExplanationJson.h>
+#include <tarn/service/JsonText.h>
+#include <tarn/service/SessionJson.h>
 
-namespace tarn::tool {
+namespace tarn::service {
 
 namespace {
 
@@ -187,4 +187,4 @@ Json howAsJson(session::HowResult const& result) {
   return json;
 }
 
-}  // namespace tarn::tool
+}  // namespace tarn::service

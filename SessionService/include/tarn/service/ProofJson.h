@@ -4,19 +4,20 @@
 
 #include <nlohmann/json.hpp>
 
+#include <tarn/Export.h>
 #include <tarn/session/How.h>
 #include <tarn/session/Proof.h>
 
 // The answers to why and how as JSON, in the manner of SessionJson.h.
 
-namespace tarn::tool {
+namespace tarn::service {
 
 /// "question", "hidden", and "nodes": the first is the answer, and "children" and "node" are indices of nodes.
-[[nodiscard]] nlohmann::ordered_json proofAsJson(session::Proof const& proof);
+[[nodiscard]] TARN_EXPORT nlohmann::ordered_json proofAsJson(session::Proof const& proof);
 /// "answer", "ways", "trials", "completedEdits", and what else there is.
-[[nodiscard]] nlohmann::ordered_json howAsJson(session::HowResult const& result);
+[[nodiscard]] TARN_EXPORT nlohmann::ordered_json howAsJson(session::HowResult const& result);
 
 /// "not-available".
-[[nodiscard]] std::string_view factName(session::Fact fact) noexcept;
+[[nodiscard]] TARN_EXPORT std::string_view factName(session::Fact fact) noexcept;
 
-}  // namespace tarn::tool
+}  // namespace tarn::service
