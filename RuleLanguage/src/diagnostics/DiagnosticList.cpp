@@ -139,6 +139,13 @@ void merge(Diagnostic& first, Diagnostic const& other, std::size_t& others) {
                          other.sourceLine, other.sourceColumn});
 }
 
+bool hasNote(Diagnostic const& diagnostic, Diagnostic::Note const& note) {
+  return std::any_of(diagnostic.notes.begin(), diagnostic.notes.end(), [&](Diagnostic::Note const& other) {
+    return other.source == note.source && other.line == note.line && other.column == note.column &&
+           other.message == note.message;
+  });
+}
+
 }  // namespace
 
 std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& files, bool warnings) {
@@ -188,7 +195,7 @@ std::vector<Diagnostic> DiagnosticList::take(std::vector<std::string> const& fil
       auto& first = result[known->second];
       ++first.affected;
       for (auto& note : one.notes) {
-        if (first.notes.size() < shownPlaces) first.notes.push_back(std::move(note));
+        if (first.notes.size() < shownPlaces && !hasNote(first, note)) first.notes.push_back(std::move(note));
       }
     }
   }

@@ -50,11 +50,12 @@ void checkRoots(LintContext& context) {
 
 void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics) {
   LintContext context(rules, data, diagnostics);
+  OrderLint order(context);
   for (auto const& use : rules.uses()) {
     checkExpression(context, use);
     checkComparisons(context, use);
     checkComputedValue(context, use);
-    checkOrder(context, use);
+    order.check(use);
     checkQuantities(context, use);
   }
   checkConditions(context);

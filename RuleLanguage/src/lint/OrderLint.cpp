@@ -1,10 +1,13 @@
 // Walk order: a walk decides the parameters of an object in the order of the rules, then its children in their order,
 // each with everything below it. A rule that reads what comes later sees the state from before the edit.
+//
+// Each read of an expression is compared with the rule once. Where the order of two entries of one object decides, the
+// read is entered into the order of these entries. Advice is computed from it when all reads are known.
 
 #include "lint/OrderLint.h"
 
 #include <algorithm>
-#include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,6 +18,9 @@ namespace tarn::rules {
 
 namespace {
 
+/// As much of a long circle is shown.
+constexpr std::size_t mostHops = 6;
+
 /// The first part of the expression that names each parameter and, under the empty text, a set of objects.
 std::map<std::string, Range> rangesOf(ExpressionUse const& use) {
   std::vector<PathUse> paths;
@@ -24,17 +30,112 @@ std::map<std::string, Range> rangesOf(ExpressionUse const& use) {
   return ranges;
 }
 
-bool isLaterParameter(LintContext& context, ObjDependDef const& object, ExpressionUse const& use,
-                      std::string const& name) {
-  if (use.kind == EntryKind::Child) return false;
-  if (name == use.entry) return use.attribute == "Available";
-  auto const& positions = context.positionsOf(object).params;
-  return EntryPositions::indexIn(positions, name) > EntryPositions::indexIn(positions, use.entry);
+/// A review evaluates such an expression after all walks, when everything is decided.
+bool isForReview(ExpressionUse const& use) {
+  return use.kind == EntryKind::Check || use.attribute == "Minimum Count" || use.attribute == "Maximum Count";
 }
 
-/// True when a walk visits objects of type path `target` only after the rule. When both are below children of the same
-/// type, that is not known, and the answer is false.
-bool isLaterObject(LintContext& context, ExpressionUse const& use, std::string const& target) {
+/// "'a', 'b' and 'c'"
+std::string listed(std::vector<std::string> const& names) {
+  std::string text;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
+    text += inQuotes(names[i]);
+  }
+  return text;
+}
+
+}  // namespace
+
+OrderLint::OrderLint(LintContext& context) : context_(context) {
+  for (auto const& use : context.rules().uses()) {
+    if (!use.typePath.empty() && !isForReview(use)) collect(use);
+  }
+}
+
+// Collecting
+
+void OrderLint::collect(ExpressionUse const& use) {
+  auto const* object = context_.data().getObjDependDef(use.typePath, true);
+  if (object == nullptr) return;
+  RuleReads reads;
+  use.compiled->expression->collectReads(reads, PathPattern());
+  if (reads.parameters.empty() && reads.objectSets.empty()) return;
+  auto const ranges = rangesOf(use);
+  auto const rangeOf = [&](std::string const& parameter) {
+    auto const found = ranges.find(parameter);
+    return found == ranges.end() ? use.compiled->expression->range() : found->second;
+  };
+  for (auto const& read : reads.parameters) collectParameter(use, *object, read, rangeOf(read.name));
+  for (auto const& set : reads.objectSets) collectSet(use, set, rangeOf({}));
+}
+
+void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
+                                 Range range) {
+  auto const named = context_.types().resolve(read.objects, use.typePath);
+  bool const isOwn = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
+                     named == std::set<std::string>{use.typePath};
+  LateRead late{range, "the value of " + inQuotes(read.name), false, {}};
+  bool isLate = !named.empty();
+  for (auto const& typePath : named) {
+    auto const* target = context_.data().getObjDependDef(typePath, true);
+    if (target == nullptr || target->findParam(read.name) == nullptr) {
+      isLate = false;
+      continue;
+    }
+    auto const relation = isOwn ? toOwnParameter(use, object, read.name) : toObject(use, typePath);
+    addRead(relation, named.size() == 1, use, range);
+    isLate = isLate && relation.isLater;
+    late.relations.push_back(relation);
+  }
+  if (!isLate) return;
+  late.isOwnAvailability = isOwn && use.kind != EntryKind::Child && use.entry == read.name;
+  late_[&use].push_back(std::move(late));
+}
+
+void OrderLint::collectSet(ExpressionUse const& use, PathPattern const& set, Range range) {
+  // The types that are late for one reason make one warning.
+  std::vector<std::pair<LateRead, std::vector<std::string>>> groups;
+  for (auto const& typePath : context_.types().resolve(set, use.typePath)) {
+    if (!isDecidedByRules(typePath)) continue;
+    auto const relation = toObject(use, typePath);
+    addRead(relation, true, use, range);
+    if (!relation.isLater) continue;
+    auto group = std::find_if(groups.begin(), groups.end(),
+                              [&](auto const& one) { return one.first.relations.front().list == relation.list; });
+    if (group == groups.end()) group = groups.insert(group, {LateRead{range, {}, false, {}}, {}});
+    group->first.relations.push_back(relation);
+    group->second.emplace_back(PathUtils::lastType(typePath));
+  }
+  for (auto& [late, types] : groups) {
+    constexpr std::size_t mostTypes = 3;
+    std::string const more = types.size() > mostTypes ? ", ..." : "";
+    types.resize(std::min(types.size(), mostTypes));
+    bool const isOne = types.size() == 1;
+    late.what = (isOne ? "the objects of type " : "the objects of the types ") + listed(types) + more;
+    late_[&use].push_back(std::move(late));
+  }
+}
+
+void OrderLint::addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, Range range) {
+  if (relation.list == nullptr) return;
+  relation.list->order.addRead(relation.reader, relation.read, isCertain, reasons_.size());
+  reasons_.push_back({&use, range, relation.reader, relation.read});
+}
+
+OrderLint::Relation OrderLint::toOwnParameter(ExpressionUse const& use, ObjDependDef const& object,
+                                              std::string const& name) {
+  if (use.kind == EntryKind::Child) return {};
+  if (name == use.entry) return {use.attribute == "Available"};
+  auto const& positions = context_.positionsOf(object).params;
+  std::size_t const read = EntryPositions::indexIn(positions, name);
+  std::size_t const reader = EntryPositions::indexIn(positions, use.entry);
+  return {read > reader, &listOf(object, false), reader, read};
+}
+
+/// Whether a walk visits objects of type path `target` only after the rule. When both are below children of the same
+/// type, that is not known, and the answer is no.
+OrderLint::Relation OrderLint::toObject(ExpressionUse const& use, std::string const& target) {
   std::string reader = use.typePath;
   if (use.kind == EntryKind::Child) reader += "/" + use.entry;
   std::size_t common = 0;
@@ -44,75 +145,185 @@ bool isLaterObject(LintContext& context, ExpressionUse const& use, std::string c
   }
   bool const readerEnds = i == reader.size();
   bool const targetEnds = i == target.size();
-  if (readerEnds && (targetEnds || target[i] == '/')) {
-    // The reader's own children, or what the child rule itself decides.
-    return target.size() > use.typePath.size();
-  }
-  if (targetEnds && reader[i] == '/') return false;
-  auto const parent = reader.substr(0, common);
-  if (parent.size() + 1 > target.size()) return false;
-  auto const typeBelow = [&](std::string const& path) {
-    return path.substr(common + 1, path.find('/', common + 1) - common - 1);
+  // The reader's own children, or what the child rule itself decides.
+  if (readerEnds && (targetEnds || target[i] == '/')) return {target.size() > use.typePath.size()};
+  if (targetEnds && reader[i] == '/') return {};
+  auto const* object = context_.data().getObjDependDef(reader.substr(0, common), true);
+  if (object == nullptr) return {};
+  auto const& children = context_.positionsOf(*object).children;
+  auto const indexOf = [&](std::string const& path) {
+    return EntryPositions::indexIn(children, path.substr(common + 1, path.find('/', common + 1) - common - 1));
   };
-  auto const* object = context.data().getObjDependDef(parent, true);
-  if (object == nullptr) return false;
-  auto const& children = context.positionsOf(*object).children;
-  auto const at = EntryPositions::indexIn(children, typeBelow(target));
-  // A parameter of the parent itself comes before all of its children.
-  if (use.kind != EntryKind::Child && use.typePath == parent) return at < children.size();
-  return at < children.size() && at > EntryPositions::indexIn(children, typeBelow(reader));
+  std::size_t const at = indexOf(reader);
+  std::size_t const read = indexOf(target);
+  if (at == children.size() || read == children.size()) return {};
+  return {read > at, &listOf(*object, true), at, read};
 }
 
-bool isDecidedByRules(LintContext const& context, std::string const& typePath) {
-  auto const* parent = context.data().getObjDependDef(std::string(PathUtils::parentOf(typePath)), true);
+bool OrderLint::isDecidedByRules(std::string const& typePath) const {
+  auto const* parent = context_.data().getObjDependDef(std::string(PathUtils::parentOf(typePath)), true);
   auto const* child = parent != nullptr ? parent->findChild(std::string(PathUtils::lastType(typePath))) : nullptr;
   return child != nullptr && (child->singleton || child->allowedNamesSource != nullptr);
 }
 
-/// A review evaluates such an expression after all walks, when everything is decided.
-bool isForReview(ExpressionUse const& use) {
-  return use.kind == EntryKind::Check || use.attribute == "Minimum Count" || use.attribute == "Maximum Count";
+// Lists
+
+OrderLint::List& OrderLint::listOf(ObjDependDef const& object, bool areChildren) {
+  auto const known = lists_.find({&object, areChildren});
+  if (known != lists_.end()) return known->second;
+  std::size_t const size = areChildren ? object.children().size() : object.params().size();
+  auto& list =
+      lists_.emplace(std::pair(&object, areChildren), List{&object, areChildren, EntryOrder(size)}).first->second;
+  for (Entry entry = 0; entry < size; ++entry) {
+    auto const* place = placeOf(list, entry);
+    if (place != nullptr) list.order.setHome(entry, {place->section.node, place->taken.node, place->use.node});
+  }
+  if (areChildren) return list;  // contexts depend on parameters alone
+  bool hasContexts = std::any_of(object.children().begin(), object.children().end(),
+                                 [](auto const& child) { return !child->contexts.empty(); });
+  for (Entry entry = 0; entry < size; ++entry) {
+    auto const& param = *object.params()[entry];
+    if (param.contextRule) list.order.addContextRule(entry);
+    if (!param.contexts.empty()) list.order.addWithContext(entry);
+    hasContexts = hasContexts || !param.contexts.empty();
+  }
+  if (hasContexts) list.order.keepContextRules();
+  return list;
 }
 
-}  // namespace
+EntryPlace const* OrderLint::placeOf(List const& list, Entry entry) const {
+  auto const& places = list.areChildren ? context_.rules().childPlaces() : context_.rules().paramPlaces();
+  auto const found = places.find({list.object->typePath(), nameOf(list, entry)});
+  return found != places.end() ? &found->second : nullptr;
+}
 
-void checkOrder(LintContext& context, ExpressionUse const& use) {
-  if (use.typePath.empty() || isForReview(use)) return;
-  auto const* object = context.data().getObjDependDef(use.typePath, true);
-  if (object == nullptr) return;
-  RuleReads reads;
-  use.compiled->expression->collectReads(reads, PathPattern());
-  auto const ranges = rangesOf(use);
-  auto const rangeOf = [&](std::string const& parameter) {
-    auto const found = ranges.find(parameter);
-    return found == ranges.end() ? use.compiled->expression->range() : found->second;
-  };
-  for (auto const& read : reads.parameters) {
-    auto const named = context.types().resolve(read.objects, use.typePath);
-    bool const own = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
-                     named == std::set<std::string>{use.typePath};
-    bool const allLater = !named.empty() && std::all_of(named.begin(), named.end(), [&](std::string const& typePath) {
-      auto const* target = context.data().getObjDependDef(typePath, true);
-      if (target == nullptr || target->findParam(read.name) == nullptr) return false;
-      return own ? isLaterParameter(context, *object, use, read.name) : isLaterObject(context, use, typePath);
-    });
-    if (!allLater) continue;
-    if (own && use.kind != EntryKind::Child && use.entry == read.name) {
-      context.warn(Code::DependsOnItself, use, rangeOf(read.name),
-                   "the availability of " + inQuotes(read.name) + " depends on its own value");
-    } else {
-      context.warn(Code::ReadsLaterDecision, use, rangeOf(read.name),
-                   "the value of " + inQuotes(read.name) +
-                       " is decided later in the same walk, so this reads the value from before the edit");
-    }
+std::string const& OrderLint::nameOf(List const& list, Entry entry) {
+  return list.areChildren ? list.object->children()[entry]->type : list.object->params()[entry]->name;
+}
+
+// Advice
+
+OrderLint::Advice OrderLint::adviceFor(ExpressionUse const& use, LateRead const& late) {
+  auto const first = std::find_if(late.relations.begin(), late.relations.end(),
+                                  [](Relation const& one) { return one.list != nullptr; });
+  if (first == late.relations.end()) {
+    return {use.kind == EntryKind::Child
+                ? "; no order of the entries changes that, because this rule comes before the children that it is about"
+                : "; no order of the entries changes that, because the parameters of an object come before its "
+                  "children",
+            {},
+            {},
+            {}};
   }
-  for (auto const& set : reads.objectSets) {
-    for (auto const& typePath : context.types().resolve(set, use.typePath)) {
-      if (!isDecidedByRules(context, typePath) || !isLaterObject(context, use, typePath)) continue;
-      context.warn(Code::ReadsLaterDecision, use, rangeOf({}),
-                   "the objects of type " + inQuotes(PathUtils::lastType(typePath)) +
-                       " are decided later in the same walk, so this sees the objects from before the edit");
+  auto& list = *first->list;
+  auto& order = list.order;
+  Entry const reader = first->reader;
+  Entry read = first->read;
+  std::size_t count = 0;
+  for (auto const& relation : late.relations) {
+    if (relation.list != &list) continue;
+    if (order.isCircle(reader, relation.read)) {
+      return adviceOfCircle(list, order.shortestCircle(reader, relation.read, totalSteps_));
+    }
+    read = std::max(read, relation.read);
+    ++count;
+  }
+  // One move of the reader for everything that it reads too early, if there is one.
+  auto const moveAfter = [&](Entry last) {
+    auto found = order.moveDown(reader, last, totalSteps_);
+    // Something that is read must not move along.
+    bool const isInVain = found && std::any_of(late.relations.begin(), late.relations.end(), [&](Relation const& one) {
+                            auto const& moved = found->entries;
+                            return one.list == &list && std::find(moved.begin(), moved.end(), one.read) != moved.end();
+                          });
+    return isInVain ? std::nullopt : found;
+  };
+  auto move = moveAfter(order.lastRead(reader, read));
+  if (!move) move = moveAfter(read);
+  if (move && move->entries.size() == 1) return adviceOf(list, *move);
+  if (count == 1) {
+    auto const up = order.moveUp(reader, read, totalSteps_);
+    if (up && (!move || up->entries.size() < move->entries.size())) return adviceOf(list, *up);
+  }
+  return move ? adviceOf(list, *move) : Advice{};
+}
+
+OrderLint::Advice OrderLint::adviceOf(List const& list, EntryOrder::Move const& move) const {
+  Advice advice;
+  std::vector<std::string> names;
+  for (Entry const entry : move.entries) {
+    names.push_back(nameOf(list, entry));
+    if (auto const* place = placeOf(list, entry)) advice.notes.emplace_back(place->name, "move this entry");
+  }
+  auto const* anchor = placeOf(list, move.anchor);
+  std::string const side = move.isAfter ? "after " : "before ";
+  advice.text = "; move ";
+  if (list.areChildren) advice.text += names.size() == 1 ? "the child " : "the children ";
+  advice.text += listed(names);
+  if (list.areChildren) advice.text += " of " + list.object->typePath();
+  if (names.size() > 1) advice.text += ", in this order,";
+  advice.text += " to just " + side;
+  if (move.isUse && anchor != nullptr) {
+    advice.text += "the Use of " + inQuotes(anchor->taken.node->value);
+    advice.notes.emplace_back(anchor->use, "to just " + side + "this");
+  } else {
+    advice.text += inQuotes(nameOf(list, move.anchor));
+    if (anchor != nullptr) advice.notes.emplace_back(anchor->name, "to just " + side + "this entry");
+  }
+  return advice;
+}
+
+OrderLint::Advice OrderLint::adviceOfCircle(List const& list, std::vector<std::size_t> circle) const {
+  Advice advice;
+  advice.text = "; no order of the entries changes that, because they read each other in a circle";
+  for (std::size_t i = 0; i < circle.size(); ++i) {
+    if (i == mostHops && circle.size() > mostHops + 1) {
+      advice.text += ", and so on over " + std::to_string(circle.size() - i) + " more";
       break;
+    }
+    auto const& reason = reasons_[circle[i]];
+    advice.text += i == 0 ? ": " : i + 1 == circle.size() ? ", and " : ", ";
+    advice.text += inQuotes(nameOf(list, reason.reader)) + " reads " + inQuotes(nameOf(list, reason.read));
+  }
+  auto sorted = circle;
+  std::sort(sorted.begin(), sorted.end());
+  for (std::size_t const reason : sorted) advice.cause += "circle " + std::to_string(reason);
+  circle.resize(std::min(circle.size(), mostHops));
+  if (!circle.empty()) circle.erase(circle.begin());  // the first hop is what the warning is about
+  advice.circle = std::move(circle);
+  return advice;
+}
+
+void OrderLint::check(ExpressionUse const& use) {
+  auto const found = late_.find(&use);
+  if (found == late_.end()) return;
+  for (auto const& late : found->second) {
+    if (late.isOwnAvailability) {
+      context_.warn(Code::DependsOnItself, use, late.range,
+                    "the availability of " + inQuotes(use.entry) + " depends on its own value");
+      continue;
+    }
+    auto const advice = adviceFor(use, late);
+    bool const isValue = late.what.starts_with("the value");
+    auto& warning = context_.warn(Code::ReadsLaterDecision, use, late.range,
+                                  late.what +
+                                      (isValue ? " is decided later in the same walk, so this reads the value from "
+                                                 "before the edit"
+                                               : " are decided later in the same walk, so this sees the objects from "
+                                                 "before the edit") +
+                                      advice.text);
+    // The reads of one circle are reported once.
+    if (!advice.cause.empty()) context_.setCause(advice.cause);
+    for (auto const& [item, message] : advice.notes) {
+      DiagnosticList::note(warning, *item.source, item.node->range(), message);
+    }
+    for (std::size_t const index : advice.circle) {
+      auto const& reason = reasons_[index];
+      auto const& item = reason.use->item;
+      auto const place =
+          rangeInScalar(*item.source, *item.node, reason.use->skipped + reason.range.offset, reason.range.length);
+      DiagnosticList::note(warning, *item.source, place,
+                           "it is read here, in " + reason.use->attribute + " of " + inQuotes(reason.use->entry));
     }
   }
 }

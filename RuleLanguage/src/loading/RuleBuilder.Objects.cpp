@@ -231,6 +231,7 @@ void RuleBuilder::readSection(ObjDependDef& object, EntryKind kind, Item const& 
   if (readTemplate_ == nullptr)
     sectionsSeen_.push_back({object.typePath(), kind, section, taking_ ? taking_->use : Item{}});
   forEach(section, sectionName(kind), [&](Item const& name, Item const& body) {
+    section_ = section;  // a Use has read other sections
     if (isUse(*name.node, *body.node)) {
       use(object, body, kind);
       return;
@@ -350,6 +351,8 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   EntryPlace place;
   place.name = name;
   place.taken = owner_.taken;
+  place.section = section_;
+  if (taking_) place.use = taking_->list;
 
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
@@ -536,6 +539,8 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
   EntryPlace place;
   place.name = name;
   place.taken = owner_.taken;
+  place.section = section_;
+  if (taking_) place.use = taking_->list;
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
   };

@@ -121,12 +121,13 @@ void RuleBuilder::use(ObjDependDef& object, Item const& names, std::optional<Ent
     if (readTemplate_ != nullptr) {
       readTemplate_->uses.emplace_back(&used, name);
     } else if (!used.isWrong) {
-      take(object, used, name, only);
+      take(object, used, name, names, only);
     }
   }
 }
 
-void RuleBuilder::take(ObjDependDef& object, Template& taken, Item const& name, std::optional<EntryKind> only) {
+void RuleBuilder::take(ObjDependDef& object, Template& taken, Item const& name, Item const& list,
+                       std::optional<EntryKind> only) {
   Item const former = [&] {
     Item first;
     for (auto const kind : entryKinds) {
@@ -162,7 +163,7 @@ void RuleBuilder::take(ObjDependDef& object, Template& taken, Item const& name, 
     return;
   }
   if (only) usedInSections_.try_emplace({object.typePath(), &taken}, name);
-  taking_.emplace(Taking{&taken, name});
+  taking_.emplace(Taking{&taken, name, only ? list : Item{}});
   readEntries(object, taken.name, taken.body, "a template", only);
   taking_.reset();
 }

@@ -120,7 +120,8 @@ class RuleBuilder : private MapReader {
   /// The templates that objects take at the moment: from the Use of the object inwards.
   struct Taking {
     Template const* outermost;
-    Item use;  // the name of the template in the Use of the object
+    Item use;   // the name of the template in the Use of the object
+    Item list;  // all names in that Use, when it is written among entries; otherwise empty
   };
 
   // Problems
@@ -186,7 +187,7 @@ class RuleBuilder : private MapReader {
   void checkChainsOfTemplates();
   /// Reads a `Use`: takes the entries of the templates that it names into `object`.
   void use(ObjDependDef& object, Item const& names, std::optional<EntryKind> only);
-  void take(ObjDependDef& object, Template& taken, Item const& name, std::optional<EntryKind> only);
+  void take(ObjDependDef& object, Template& taken, Item const& name, Item const& list, std::optional<EntryKind> only);
   /// Reports the kinds of entries that an object leaves out where it uses a template in some of its sections.
   void reportPartsNotTaken();
   /// Reports that an object already has the entry `name`. The entry is its own, or that of a template that it takes.
@@ -228,6 +229,7 @@ class RuleBuilder : private MapReader {
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   std::unordered_map<std::string, std::shared_ptr<RegularExpression const>> patterns_;
   Owner owner_;
+  Item section_;  // the section that is being read
   std::vector<LaterUse> laterUses_;
 
   struct Unbound {

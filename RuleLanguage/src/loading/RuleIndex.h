@@ -48,7 +48,10 @@ struct ExpressionUse {
 struct EntryPlace {
   Item name;
   std::map<std::string_view, Item> attributes;
-  Item taken = {};  // as in `ExpressionUse`
+  Item taken = {};    // as in `ExpressionUse`
+  Item section = {};  // the map that has the entry as a key
+  /// The `Use` by which the object takes the entry, when it is written among the entries of that kind; otherwise empty.
+  Item use = {};
 };
 
 /// Where a template is written, and how many times objects and other templates use it.
