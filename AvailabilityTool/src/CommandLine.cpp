@@ -27,6 +27,7 @@
 #include "find/FindCommand.h"
 #include "lint/LintCommand.h"
 #include "show/ShowCommand.h"
+#include "test/TestCommand.h"
 #include "validate/ValidateCommand.h"
 #include "why/WhyCommand.h"
 
@@ -42,6 +43,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addFindCommand(app, chosen);
   addEvalCommand(app, chosen);
   addLintCommand(app, chosen);
+  addTestCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
 }
@@ -76,6 +78,7 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
 std::vector<ListOption> listOptions(std::string const& command) {
   if (command == "validate") return validateListOptions();
   if (command == "lint") return {};
+  if (command == "test") return {{"--rules", looksLikeRulesUnderTest}};
   return {{"--rules", looksLikeRules}};
 }
 

@@ -1,7 +1,5 @@
 #include "diagnostics/Codes.h"
 
-#include <algorithm>
-
 namespace tarn::rules {
 
 namespace {
@@ -31,12 +29,6 @@ std::string_view severityName(Severity severity) noexcept {
       return "note";
   }
   return "";
-}
-
-DiagnosticCode const* findCode(std::string_view name) noexcept {
-  auto const row =
-      std::find_if(publicRows.begin(), publicRows.end(), [&](DiagnosticCode const& one) { return one.name == name; });
-  return row == publicRows.end() ? nullptr : &*row;
 }
 
 bool preventsLoading(Diagnostic const& diagnostic) noexcept {

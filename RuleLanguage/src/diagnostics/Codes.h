@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -322,7 +323,11 @@ static_assert(
     "the rows are in the order of the enumerators, and no row is missing between them");
 
 /// The row of a code by its public name, as `diagnosticCodes` has it. Null when there is none.
-[[nodiscard]] DiagnosticCode const* findCode(std::string_view name) noexcept;
+[[nodiscard]] inline DiagnosticCode const* findCode(std::string_view name) noexcept {
+  auto const rows = diagnosticCodes();
+  auto const row = std::find_if(rows.begin(), rows.end(), [&](DiagnosticCode const& one) { return one.name == name; });
+  return row == rows.end() ? nullptr : &*row;
+}
 
 [[nodiscard]] constexpr DiagnosticCode const& infoOf(Code code) noexcept {
   return codeTable[static_cast<std::size_t>(code)].info;

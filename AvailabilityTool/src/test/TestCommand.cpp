@@ -1,0 +1,134 @@
+// `zev test`: runs tests of rules, on several threads, and prints those that failed.
+#include "test/TestCommand.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <tarn/StringUtilities.h>
+#include <tarn/rules/Diagnostic.h>
+#include <tarn/workbench/RuleTests.h>
+
+#include "cli/Counted.h"
+#include "cli/ExitStatus.h"
+#include "cli/Failure.h"
+#include "cli/ListArguments.h"
+#include "cli/OrderedResults.h"
+#include "cli/Progress.h"
+#include "cli/RuleFiles.h"
+#include "reports/TestReport.h"
+
+namespace tarn::tool {
+
+namespace {
+
+enum class Format { Text, Json, JUnit };
+
+struct TestOptions {
+  std::vector<std::string> rules;
+  std::vector<std::string> tests;
+  std::string filter;
+  Format format = Format::Text;
+  std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
+};
+
+bool contains(std::string const& name, std::string const& part) {
+  return StringUtilities::toLower(name).find(StringUtilities::toLower(part)) != std::string::npos;
+}
+
+std::vector<std::size_t> chosenTests(workbench::RuleTests const& tests, std::string const& filter) {
+  std::vector<std::size_t> chosen;
+  for (std::size_t i = 0; i < tests.size(); ++i) {
+    if (contains(tests.name(i), filter)) chosen.push_back(i);
+  }
+  if (!chosen.empty()) return chosen;
+  if (filter.empty()) throw Failure("the files contain no tests; write them under 'Tests'");
+  throw Failure("--filter: no name of a test contains \"" + filter + '"');
+}
+
+int test(TestOptions const& options, std::ostream& out, std::ostream& err) {
+  auto const rules = loadRuleFiles(options.rules, err);
+  auto const tests = workbench::RuleTests::read({options.tests.begin(), options.tests.end()});
+  // With a wrong file the verdict would be about a part of the tests only.
+  if (!tests.diagnostics().empty()) {
+    err << rules::format(tests.diagnostics());
+    throw Failure("the tests cannot be run; see above");
+  }
+  std::vector<std::size_t> const chosen = chosenTests(tests, options.filter);
+  OrderedResults<workbench::TestResult> results(chosen.size(), options.jobs,
+                                                [&](std::size_t i) { return tests.run(chosen[i], *rules); });
+  Progress progress(err, standardErrorIsTerminal(), chosen.size());
+  std::vector<TestOutcome> outcomes;
+  for (std::size_t const i : chosen) {
+    progress.begin(tests.name(i));
+    outcomes.push_back({tests.name(i), tests.place(i), results.next()});
+    if (options.format != Format::Text || outcomes.back().result.passed()) continue;
+    progress.hide();
+    writeTestAsText(out, outcomes.back());
+  }
+  progress.hide();
+  std::size_t const failed = failedTests(outcomes);
+  switch (options.format) {
+    case Format::Text:
+      out.flush();
+      err << "zev: " << counted(outcomes.size(), "test") << " run, "
+          << (failed == 0 ? "all passed" : std::to_string(failed) + " failed") << ".\n";
+      break;
+    case Format::Json:
+      writeTestsAsJson(out, outcomes);
+      break;
+    case Format::JUnit:
+      writeTestsAsJUnit(out, outcomes);
+      break;
+  }
+  return failed == 0 ? NothingFound : FindingsMade;
+}
+
+}  // namespace
+
+bool looksLikeRulesUnderTest(std::string const& argument) {
+  return looksLikeRules(argument) && !argument.ends_with(".rule-tests.yaml");
+}
+
+void addTestCommand(CLI::App& app, Command& chosen) {
+  auto options = std::make_shared<TestOptions>();
+  auto format = std::make_shared<std::string>("text");
+  CLI::App* command = app.add_subcommand("test", "Run tests of rules");
+  command
+      ->add_option("--rules", options->rules,
+                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
+      ->type_name("PATH")
+      ->allow_extra_args(false)
+      ->required();
+  command->add_option("--filter", options->filter, "Run only tests whose names contain this text; case does not matter")
+      ->type_name("TEXT");
+  command
+      ->add_option("--format", *format,
+                   "text, for people, the default; json, one object on a line; or junit, XML for\nbuild servers")
+      ->type_name("text|json|junit")
+      ->check(CLI::IsMember({"text", "json", "junit"}).description(""));
+  command->add_option("-j,--jobs", options->jobs, "Run up to N tests at once; default: the number of processor cores")
+      ->type_name("N")
+      ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));
+  command->add_option("TESTS", options->tests, "Files of tests, and folders with *.rule-tests.yaml")
+      ->type_name("")
+      ->required();
+  command->footer(
+      "Each test opens a model, edits it, and compares what became of it with what is expected. Of a test that fails,\n"
+      "each expectation that was not met is printed with its place, what is instead, why, and the rule that decided.\n"
+      "Examples: zev test --rules rules/ tests/\n"
+      "          zev test --rules rules/ --filter rotating tests/domain.rule-tests.yaml\n"
+      "Exit status: 0 all tests passed, 1 a test failed, 2 wrong usage, or rules or tests that could not be read.");
+  command->callback([options, format, &chosen] {
+    options->format = *format == "json" ? Format::Json : *format == "junit" ? Format::JUnit : Format::Text;
+    chosen = [options](std::ostream& out, std::ostream& err) { return test(*options, out, err); };
+  });
+}
+
+}  // namespace tarn::tool
