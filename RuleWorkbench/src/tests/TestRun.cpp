@@ -174,7 +174,7 @@ bool TestRun::open() {
   }
   std::string actual = opened.error->sentence;
   if (!opened.error->candidates.empty()) {
-    actual += " Write 'Root' with one of " + listText(opened.error->candidates) + '.';
+    actual += " Possible after 'Root': " + listText(opened.error->candidates) + '.';
   }
   fail(test_.root ? test_.root->place : test_.place, test_.root ? test_.root->text : test_.name,
        "a model that can be edited", std::move(actual));
