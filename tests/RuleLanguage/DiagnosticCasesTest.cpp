@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tarn/rules/RuleLoader.h>
+
 #include "Places.h"
 #include "RuleLanguage/DiagnosticCases.h"
 #include "support/FileText.h"
@@ -31,6 +33,56 @@ std::vector<std::string> caseFiles() {
 bool isSet(char const* variable) {
   char const* const value = std::getenv(variable);
   return value != nullptr && *value != '\0';
+}
+
+/// The codes that need other options, limits or files than a case can give, each with what gives it.
+LintResult lintFor(std::string const& code) {
+  std::string const sound =
+      "Rule Database: 1\nPertinent Roots: [Pump]\nObjects: {/Pump: {Parameters: {Speed: {Parameter Type: Real, "
+      "Required: yes}}}}\n";
+  LintOptions options;
+  if (code == "analysis-given-up") {
+    std::string condition = "name() == '0'";
+    for (int i = 1; i <= 1000; ++i) condition += " or name() == '" + std::to_string(i) + "'";
+    return lintText(sound + "Checks: {named: \"" + condition + "\"}\n");
+  }
+  if (code == "empty-file") return lintText("");
+  if (code == "limit-exceeded") {
+    options.limits.expressionLength = 3;
+    return lintText(sound + "Checks: {one: \"true and true\"}\n", "pump.rules.yaml", options);
+  }
+  if (code == "no-rule-files") return lintRules(std::vector<fs::path>(), options);
+  if (code == "required-without-value" || code == "unused-name") {
+    options.severities[code] = Severity::Note;
+    return lintText(sound + "Checks: {unused: name() == 'x'}\n", "pump.rules.yaml", options);
+  }
+  if (code == "too-many-errors") {
+    options.limits.errors = 1;
+    return lintText("Slip: {}\nSlap: {}\n", "pump.rules.yaml", options);
+  }
+  if (code == "unreadable-file") {
+    options.limits.fileSize = 3;
+    return lintText(sound, "pump.rules.yaml", options);
+  }
+  if (code == "yaml-encoding") return lintText("Rule Database: \xFF\n");
+  return {};
+}
+
+TEST(DiagnosticCases, EveryCodeHasOne) {
+  std::set<std::string> given;
+  for (auto const& name : caseFiles()) {
+    auto const file = splitCases(tarn::test::fileText(fs::path(TARN_SOURCE_DIR) / "tests/RuleLanguage/cases" / name));
+    for (auto const& one : file.cases) {
+      for (auto const& diagnostic : lintText(one.text, "flow.rules.yaml").diagnostics) given.insert(diagnostic.code);
+    }
+  }
+  for (auto const& code : diagnosticCodes()) {
+    // It needs a computer without the definitions of units; the end-to-end test of lint takes them away.
+    if (code.name == "no-unit-definitions" || given.contains(std::string(code.name))) continue;
+    auto const result = lintFor(std::string(code.name)).diagnostics;
+    EXPECT_TRUE(std::any_of(result.begin(), result.end(), [&](auto const& one) { return one.code == code.name; }))
+        << "no case gives the code " << code.name;
+  }
 }
 
 class RuleFileWithExpectations : public testing::TestWithParam<std::string> {};

@@ -41,6 +41,7 @@ struct Impossible {
   std::string reason;
   std::string near;  // the value that was probably meant
   std::string remedy = orDidYouMean(near);
+  NamedRule const* list = nullptr;  // the named list that lacks the value
 };
 
 /// Nothing when the value is possible.
@@ -125,7 +126,8 @@ class ComparisonLint {
       if (std::any_of(items->begin(), items->end(), equals)) return {};
       auto near = context_.hints().nearest(wanted.text, *items);
       auto remedy = orAllowed(near, *items);
-      return Impossible{{}, " is not among its allowed values", std::move(near), std::move(remedy)};
+      return Impossible{
+          {}, " is not among its allowed values", std::move(near), std::move(remedy), LintContext::namedValues(def)};
     }
     if (def.allowedValueKind != ParamValueDef::NoAllowedValues) return {};
     switch (TDFParam::elementType(def.type)) {
@@ -308,9 +310,11 @@ class ComparisonLint {
   // Reports
 
   void warnImpossible(Impossible const& found, std::string const& text, Range range, bool isLiteral) {
-    context_.warn(Code::ImpossibleValue, use_, range,
-                  found.subject + " can never be " + inQuotes(text) + ": it" + found.reason + found.remedy,
-                  isLiteral ? textFix(range, text, found.near) : std::nullopt);
+    auto& warning =
+        context_.warn(Code::ImpossibleValue, use_, range,
+                      found.subject + " can never be " + inQuotes(text) + ": it" + found.reason + found.remedy,
+                      isLiteral ? textFix(range, text, found.near) : std::nullopt);
+    if (found.list != nullptr) context_.setCauseIsList(warning, *found.list, text);
   }
 
   /// A fix that writes `near` instead of the text that the range covers with its quotes.

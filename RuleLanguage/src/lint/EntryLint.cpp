@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,7 @@ class EntryLint {
   explicit EntryLint(LintContext& context) : context_(context) {}
 
   void run() {
+    checkObjects();
     for (auto const* object : context_.data().objects()) {
       for (auto const& param : object->params()) {
         if (param->valueDef() != nullptr) checkParameter(*object, *param, *param->valueDef());
@@ -30,7 +32,6 @@ class EntryLint {
       for (auto const& child : object->children()) checkChild(*object, *child);
     }
     context_.setTaken({});
-    checkObjects();
   }
 
  private:
@@ -50,6 +51,8 @@ class EntryLint {
         for (auto const& child : parent->children()) candidates.push_back(child->type);
       }
       auto const near = context_.hints().nearest(type, candidates);
+      // The entry that the other type lacks is this one.
+      if (!near.empty()) meant_.insert(parentPath + "/" + near);
       auto& warning = context_.warn(
           Code::UnreachableType, place,
           "no child rule leads to objects of this type, so this entry is never used" + orDidYouMean(near));
@@ -66,7 +69,7 @@ class EntryLint {
     auto const typePath = object.typePath() + "/" + child.type;
     auto const& place = context_.rules().childPlaces().at({object.typePath(), child.type});
     context_.setTaken(place.taken);
-    if (context_.data().getObjDependDef(typePath, true) == nullptr) {
+    if (context_.data().getObjDependDef(typePath, true) == nullptr && !meant_.contains(typePath)) {
       warn(Code::MissingObjectEntry, place.name,
            "there is no entry " + typePath + " under Objects, so the rules define nothing inside this child");
     }
@@ -128,13 +131,8 @@ class EntryLint {
     checkListedNames(context_, list);
     for (auto const* node : list.node->children) {
       bool const isGuarded = node->kind == YamlNode::Kind::Mapping;
-      for (std::size_t i = 0; isGuarded && i + 1 < node->children.size(); i += 2) {
-        if (node->children[i]->value == "Value") {
-          node = node->children[i + 1];
-          break;
-        }
-      }
-      if (node->kind != YamlNode::Kind::Scalar) continue;
+      if (isGuarded) node = valueIn(*node, "Value");
+      if (node == nullptr || node->kind != YamlNode::Kind::Scalar) continue;
       if (isGuarded && node->value.starts_with('=')) continue;  // an expression, which is checked as one
       auto const problem = problemOfName(node->value, child.type);
       if (problem) warn(problem->code, {list.source, node}, problem->message);
@@ -294,6 +292,7 @@ class EntryLint {
   }
 
   LintContext& context_;
+  std::unordered_set<std::string> meant_;  // the type paths that entries of object types were probably meant to have
 };
 
 }  // namespace

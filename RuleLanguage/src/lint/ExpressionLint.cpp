@@ -69,13 +69,37 @@ NearType nearObject(LintContext& context, ExpressionUse const& use, PathPattern 
   return {};
 }
 
+/// The paths of an expression that lead nowhere. Paths inside a quantifier begin at its set, without being written so.
+/// When the set leads nowhere they do not either, and that is not reported too.
+class UnknownPaths {
+ public:
+  [[nodiscard]] bool isConsequence(ExpressionUse const& use, PathUse const& path) {
+    std::string const pattern = path.pattern.text();
+    std::string_view const written = use.text().substr(path.range.offset, path.range.length);
+    for (auto const& [former, formerWritten] : known_) {
+      bool const beginsThere =
+          pattern.starts_with(former) && (pattern.size() == former.size() || pattern[former.size()] == '/');
+      if (beginsThere && written.find(formerWritten) == std::string_view::npos) return true;
+    }
+    std::size_t const begin = written.find('{') + 1;
+    std::size_t const end = written.rfind('}');
+    if (end != std::string_view::npos && begin < end) known_.emplace_back(pattern, written.substr(begin, end - begin));
+    return false;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::string_view>> known_;  // the pattern, and the path as it is written
+};
+
 void checkPaths(LintContext& context, ExpressionUse const& use) {
+  UnknownPaths unknown;
   std::vector<PathUse> paths;
   use.compiled->expression->collectPaths(paths, PathPattern());
   for (auto const& path : paths) {
     auto const resolved = context.resolve(use, path.pattern);
     auto const& named = *resolved;
     if (named.empty()) {
+      if (unknown.isConsequence(use, path)) continue;
       auto const [type, near] = nearObject(context, use, path.pattern);
       context.warn(Code::UnknownObjectPath, use, path.range,
                    "the rules define no object at this path" + orDidYouMean(near),
@@ -85,8 +109,10 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
     if (path.parameter.empty()) continue;
     bool const known = std::any_of(named.begin(), named.end(), [&](std::string const& typePath) {
       auto const* object = context.data().getObjDependDef(typePath, true);
-      // A child without rules of its own is reported elsewhere. The root has no parameters.
-      if (object == nullptr) return !typePath.empty();
+      // A child without rules of its own is reported elsewhere. The root has no parameters. A named rule is meant for
+      // objects that have rules.
+      bool const isAnyObject = use.named != nullptr && !path.pattern.isAbsolute();
+      if (object == nullptr) return !typePath.empty() && !isAnyObject;
       return object->findParam(path.parameter) != nullptr;
     });
     if (known) continue;
@@ -123,7 +149,10 @@ class NameCheck {
       checkList(*list.operands()[1]);
       checkList(*list.operands()[2]);
     } else if (auto const* named = dynamic_cast<NamedCall const*>(&list)) {
-      if (auto const* name = context_.impossibleNameIn(named->rule())) checkName(*name, list.range());
+      auto const* name = context_.impossibleNameIn(named->rule());
+      auto const problem = name != nullptr ? problemOfName(*name, {}) : std::nullopt;
+      auto const place = problem ? context_.placeInList(named->rule(), *name) : Item{};
+      if (place) context_.warnWithUse(problem->code, place, problem->message, use_, list.range());
     } else if (auto const* call = dynamic_cast<FunctionCall const*>(&list)) {
       auto const arguments = call->operands();
       for (std::size_t i = 0; i < arguments.size() && i < call->function().itemsFrom; ++i) checkList(*arguments[i]);

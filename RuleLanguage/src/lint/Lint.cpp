@@ -62,6 +62,7 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
   checkEntries(context);
   checkUnits(context);
   checkUnused(context);
+  checkNamedLists(context);
   checkMessages(context);
   checkRoots(context);
 }

@@ -46,6 +46,16 @@ Diagnostic& LintContext::warn(Code code, ExpressionUse const& use, Range range, 
   return warning;
 }
 
+Diagnostic& LintContext::warnWithUse(Code code, Item const& item, std::string message, ExpressionUse const& use,
+                                     Range range) {
+  auto& warning = diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
+  SourceRange const place =
+      rangeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset, range.length, &walk_);
+  DiagnosticList::note(warning, *use.item.source, place, "it is used here");
+  noteTaken(warning, use.taken);
+  return warning;
+}
+
 bool LintContext::hasFaultInside(ExpressionUse const& use, Range range) const {
   auto const faults = faults_.find(use.item.node);
   if (faults == faults_.end()) return false;
@@ -87,13 +97,47 @@ LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPatter
   return kept;
 }
 
+namespace {
+
+/// The expression of a computed list; null for any other.
+Expression const* listExpressionOf(ListExpression const* values) {
+  auto const* computed = dynamic_cast<CompiledList const*>(values);
+  if (computed == nullptr) return nullptr;
+  Expression const* list = &computed->expression();
+  return dynamic_cast<Kept const*>(list) != nullptr ? list->operands().front() : list;
+}
+
+}  // namespace
+
+NamedRule const* LintContext::namedValues(ParamValueDef const& def) {
+  auto const* call = dynamic_cast<NamedCall const*>(listExpressionOf(def.allowedValues.get()));
+  return call != nullptr ? &call->rule() : nullptr;
+}
+
+Item LintContext::placeInList(NamedRule const& list, std::string_view text) const {
+  auto const place = rules_.namedPlaces().find(&list);
+  if (place == rules_.namedPlaces().end()) return {};
+  auto const& body = place->second.body;
+  if (body.node->kind != YamlNode::Kind::Sequence) return body;
+  for (auto const* item : body.node->children) {
+    if (item->kind == YamlNode::Kind::Scalar && item->value == text) return {body.source, item};
+  }
+  return body;
+}
+
+void LintContext::setCauseIsList(Diagnostic& warning, NamedRule const& list, std::string_view lacking) {
+  auto const place = rules_.namedPlaces().find(&list);
+  if (place == rules_.namedPlaces().end()) return;
+  auto const& name = place->second.name;
+  DiagnosticList::note(warning, *name.source, name.node->range(), "the allowed values are in this list");
+  setCause("list " + list.name() + "\n" + std::string(lacking));
+}
+
 SharedStrings const* LintContext::writtenValues(ParamValueDef const& def) {
   if (def.allowsAnyValue) return nullptr;
   if (auto const* fixed = dynamic_cast<FixedList const*>(def.allowedValues.get())) return &fixed->items();
-  auto const* computed = dynamic_cast<CompiledList const*>(def.allowedValues.get());
-  if (computed == nullptr) return nullptr;
-  Expression const* list = &computed->expression();
-  if (dynamic_cast<Kept const*>(list) != nullptr) list = list->operands().front();
+  auto const* list = listExpressionOf(def.allowedValues.get());
+  if (list == nullptr) return nullptr;
   if (auto const* call = dynamic_cast<NamedCall const*>(list)) list = call->rule().expression();
   auto const* written = dynamic_cast<ListLiteral const*>(list);
   return written != nullptr && !written->fixedItems().empty() ? &written->fixedItems() : nullptr;

@@ -54,6 +54,8 @@ class LintContext {
   /// Adds a warning about a part of an expression.
   Diagnostic& warn(Code code, ExpressionUse const& use, Range range, std::string message,
                    std::optional<Replacement> const& fix = std::nullopt);
+  /// Adds a warning about an item that a rule takes from another place, with a note where the rule does so.
+  Diagnostic& warnWithUse(Code code, Item const& item, std::string message, ExpressionUse const& use, Range range);
   /// Whether a comparison inside `range` was reported that cannot be meant. Its consequences are not reported too.
   [[nodiscard]] bool hasFaultInside(ExpressionUse const& use, Range range) const;
   /// Names the cause of the last warning, see `DiagnosticList::setCause`.
@@ -70,6 +72,15 @@ class LintContext {
   /// The allowed values, when they are written out in the entry or in a list that it names. Null when they are
   /// computed, when there are none, and when they are advice only.
   [[nodiscard]] static SharedStrings const* writtenValues(ParamValueDef const& def);
+
+  /// The named list that the allowed values come from; null when they are written in another way.
+  [[nodiscard]] static NamedRule const* namedValues(ParamValueDef const& def);
+  /// The item of a named list, where its items are written one by one; the whole of the list otherwise. Linear in the
+  /// length of the list.
+  [[nodiscard]] Item placeInList(NamedRule const& list, std::string_view text) const;
+  /// The last warning is about a value that a named list lacks. The list may be at fault, so such warnings are reported
+  /// together.
+  void setCauseIsList(Diagnostic& warning, NamedRule const& list, std::string_view lacking);
 
   /// The first name that is written out in a named list and that no object can have; null when there is none. Computed
   /// once per list, because many children may use it.

@@ -89,6 +89,7 @@ void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& o
     late.relations.push_back(relation);
   }
   if (!isLate) return;
+  noteLateReader(late);
   late.isOwnAvailability = isOwn && use.kind != EntryKind::Child && use.entry == read.name;
   late_[&use].push_back(std::move(late));
 }
@@ -112,9 +113,17 @@ void OrderLint::collectSet(ExpressionUse const& use, PathPattern const& set, Ran
     std::string const more = types.size() > mostTypes ? ", ..." : "";
     types.resize(std::min(types.size(), mostTypes));
     bool const isOne = types.size() == 1;
+    noteLateReader(late);
     late.what = (isOne ? "the objects of type " : "the objects of the types ") + listed(types) + more;
     late_[&use].push_back(std::move(late));
   }
+}
+
+void OrderLint::noteLateReader(LateRead const& late) {
+  auto const& relation = late.relations.front();
+  if (late.relations.size() > 1 || relation.list == nullptr) return;
+  auto& readers = relation.list->lateReaders[relation.read];
+  if (readers.empty() || readers.back() != relation.reader) readers.push_back(relation.reader);
 }
 
 void OrderLint::addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, Range range) {
@@ -228,6 +237,13 @@ OrderLint::Advice OrderLint::adviceFor(ExpressionUse const& use, LateRead const&
     read = std::max(read, relation.read);
     ++count;
   }
+  if (count == 1 && late.relations.size() == 1) {
+    if (auto const move = moveBeforeAll(list, read)) {
+      auto advice = adviceOf(list, *move);
+      advice.cause = "late " + list.object->typePath() + "/" + nameOf(list, read) + (list.areChildren ? "/" : "");
+      return advice;
+    }
+  }
   // One move of the reader for everything that it reads too early, if there is one.
   auto const moveAfter = [&](Entry last) {
     auto found = order.moveDown(reader, last, totalSteps_);
@@ -246,6 +262,20 @@ OrderLint::Advice OrderLint::adviceFor(ExpressionUse const& use, LateRead const&
     if (up && (!move || up->entries.size() < move->entries.size())) return adviceOf(list, *up);
   }
   return move ? adviceOf(list, *move) : Advice{};
+}
+
+std::optional<EntryOrder::Move> OrderLint::moveBeforeAll(List& list, Entry read) {
+  auto const [known, isNew] = list.movesBeforeAll.try_emplace(read);
+  auto& move = known->second;
+  if (!isNew) return move;
+  auto& readers = list.lateReaders.at(read);
+  std::erase_if(readers, [&](Entry reader) { return list.order.isCircle(reader, read); });
+  std::sort(readers.begin(), readers.end());
+  readers.erase(std::unique(readers.begin(), readers.end()), readers.end());
+  if (readers.size() < 2) return move;
+  move = list.order.moveUp(readers.front(), read, totalSteps_);
+  if (move && move->entries.size() > readers.size()) move.reset();
+  return move;
 }
 
 OrderLint::Advice OrderLint::adviceOf(List const& list, EntryOrder::Move const& move) const {

@@ -37,6 +37,9 @@ class OrderLint {
     ObjDependDef const* object;
     bool areChildren;
     EntryOrder order;
+    // The entries that read a later one too early, by that one; those with a read of several types are left out.
+    std::unordered_map<Entry, std::vector<Entry>> lateReaders = {};
+    std::unordered_map<Entry, std::optional<EntryOrder::Move>> movesBeforeAll = {};  // by the entry that moves
   };
   /// The order in which a walk decides a rule and something that it reads.
   struct Relation {
@@ -70,6 +73,7 @@ class OrderLint {
   void collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
                         Range range);
   void collectSet(ExpressionUse const& use, PathPattern const& set, Range range);
+  static void noteLateReader(LateRead const& late);
   void addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, Range range);
 
   [[nodiscard]] Relation toOwnParameter(ExpressionUse const& use, ObjDependDef const& object, std::string const& name);
@@ -81,6 +85,9 @@ class OrderLint {
   [[nodiscard]] static std::string const& nameOf(List const& list, Entry entry);
 
   [[nodiscard]] Advice adviceFor(ExpressionUse const& use, LateRead const& late);
+  /// The move of an entry before all that read it too early. Nothing when only one does, or when it is no smaller than
+  /// moving these.
+  [[nodiscard]] std::optional<EntryOrder::Move> moveBeforeAll(List& list, Entry read);
   [[nodiscard]] Advice adviceOf(List const& list, EntryOrder::Move const& move) const;
   [[nodiscard]] Advice adviceOfCircle(List const& list, std::vector<std::size_t> circle) const;
 

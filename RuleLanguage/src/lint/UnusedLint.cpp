@@ -25,8 +25,8 @@ void checkNamedRules(LintContext& context) {
     }
   }
   for (auto const& [rule, place] : context.rules().namedPlaces()) {
-    if (called.contains(rule)) continue;
-    context.warn(Code::UnusedName, place,
+    if (called.contains(rule) || place.isCalledInTemplate) continue;
+    context.warn(Code::UnusedName, place.name,
                  "no rule uses " + inQuotes(rule->name()) + "; remove it, unless a program evaluates it by its name");
   }
 }
@@ -43,10 +43,27 @@ void checkQuantityTypes(LintContext& context) {
       used.insert(fixed->text());
     }
   }
+  // Objects that use a template have its parameters. A template that none uses is reported itself.
+  for (auto const& file : context.rules().files()) {
+    auto const* templates = valueIn(*file.root, "Templates");
+    forEachIn(templates, [&](YamlNode const& /*name*/, YamlNode const& body) {
+      forEachIn(valueIn(body, "Parameters"), [&](YamlNode const& /*parameter*/, YamlNode const& attributes) {
+        if (auto const* type = valueIn(attributes, "Quantity Type")) used.insert(type->value);
+      });
+    });
+  }
   for (auto const& [name, units] : context.rules().quantityTypePlaces()) {
     if (used.contains(name.node->value)) continue;
     context.warn(Code::UnusedName, name,
                  "no parameter has the quantity type " + inQuotes(name.node->value) + "; remove it, or use it");
+  }
+}
+
+void checkTemplates(LintContext& context) {
+  for (auto const& one : context.rules().templatePlaces()) {
+    if (one.timesUsed > 0) continue;
+    context.warn(Code::UnusedName, one.name,
+                 "no object and no template uses " + inQuotes(one.name.node->value) + "; remove it, or use it");
   }
 }
 
@@ -55,6 +72,7 @@ void checkQuantityTypes(LintContext& context) {
 void checkUnused(LintContext& context) {
   checkNamedRules(context);
   checkQuantityTypes(context);
+  checkTemplates(context);
 }
 
 }  // namespace tarn::rules

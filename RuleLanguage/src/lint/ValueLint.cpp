@@ -115,8 +115,10 @@ class ValueLint {
       std::string const text = writtenText(expression);
       if (text.empty()) return;
       for (auto const& value : itemsOf(text)) {
-        if (auto const fault = faultOf(kind, value))
-          context_.warn(fault->code, use, expression.range(), fault->message);
+        auto const fault = faultOf(kind, value);
+        if (!fault) continue;
+        auto& warning = context_.warn(fault->code, use, expression.range(), fault->message);
+        setCause(warning, kind, *fault, value);
       }
     } else if (dynamic_cast<Arithmetic const*>(&expression) != nullptr && expression.kind() == Kind::Text) {
       checkEnd(kind, use, *parts.back());
@@ -126,12 +128,20 @@ class ValueLint {
   /// The items of a list of allowed values that is written out in an expression or named by it.
   void checkListed(ExpressionUse const& use, Expression const& list) {
     if (allowed_ == nullptr) return;
+    auto const* named = LintContext::namedValues(def_);
+    // Items of a shared list are reported where they are written, once for all that use it.
     for (auto const& item : *allowed_) {
-      if (auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, item)) {
+      auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, item);
+      if (!fault) continue;
+      auto const place = named != nullptr ? context_.placeInList(*named, item) : Item{};
+      if (place) {
+        context_.warnWithUse(fault->code, place, fault->message, use, list.range());
+      } else {
         context_.warn(fault->code, use, list.range(), fault->message);
-        return;
       }
+      return;
     }
+    if (named != nullptr) return;
     std::set<std::string_view> seen;
     for (auto const& item : *allowed_) {
       if (seen.insert(item).second) continue;
@@ -207,7 +217,14 @@ class ValueLint {
       if (!fault) continue;
       auto& warning = context_.warn(fault->code, item, fault->message);
       LintContext::fixText(warning, item, value, fault->instead);
+      setCause(warning, kind, *fault, value);
     }
+  }
+
+  /// A value that a shared list lacks may be missing there.
+  void setCause(Diagnostic& warning, ValueKind const& kind, Fault const& fault, std::string const& value) {
+    auto const* list = fault.code == kind.notAllowed ? LintContext::namedValues(def_) : nullptr;
+    if (list != nullptr) context_.setCauseIsList(warning, *list, value);
   }
 
   /// The values of a list of `{When, Value}`.
@@ -338,22 +355,14 @@ class ValueLint {
   SharedStrings const* allowed_;  // null when they are not written out
 };
 
-YamlNode const* valueOf(YamlNode const& map, std::string_view key) {
-  for (std::size_t i = 0; map.kind == YamlNode::Kind::Mapping && i + 1 < map.children.size(); i += 2) {
-    if (map.children[i]->value == key) return map.children[i + 1];
-  }
-  return nullptr;
-}
-
 /// The messages in a section of checks.
 void checkMessagesIn(LintContext& context, SourceText const* source, YamlNode const* checks) {
-  if (checks == nullptr || checks->kind != YamlNode::Kind::Mapping) return;
-  for (std::size_t i = 1; i < checks->children.size(); i += 2) {
-    auto const* message = valueOf(*checks->children[i], "Message");
+  forEachIn(checks, [&](YamlNode const& /*name*/, YamlNode const& check) {
+    auto const* message = valueIn(check, "Message");
     if (message != nullptr && message->kind == YamlNode::Kind::Scalar) {
       ValueLint::checkLooks(context, {source, message}, false);
     }
-  }
+  });
 }
 
 }  // namespace
@@ -389,13 +398,17 @@ void checkListedNames(LintContext& context, Item const& list) {
   }
 }
 
+void checkNamedLists(LintContext& context) {
+  for (auto const& [rule, place] : context.rules().namedPlaces()) checkListedNames(context, place.body);
+}
+
 void checkMessages(LintContext& context) {
   for (auto const& file : context.rules().files()) {
-    checkMessagesIn(context, file.source, valueOf(*file.root, "Global Checks"));
-    auto const* objects = valueOf(*file.root, "Objects");
-    if (objects == nullptr) continue;
-    for (std::size_t i = 1; i < objects->children.size(); i += 2) {
-      checkMessagesIn(context, file.source, valueOf(*objects->children[i], "Checks"));
+    checkMessagesIn(context, file.source, valueIn(*file.root, "Global Checks"));
+    for (std::string_view const section : {"Objects", "Templates"}) {
+      forEachIn(valueIn(*file.root, section), [&](YamlNode const& /*name*/, YamlNode const& body) {
+        checkMessagesIn(context, file.source, valueIn(body, "Checks"));
+      });
     }
   }
 }

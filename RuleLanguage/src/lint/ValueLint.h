@@ -22,6 +22,9 @@ void checkComputedValue(LintContext& context, ExpressionUse const& use);
 /// Warns of names in a list of names of children that are written twice or look like an expression.
 void checkListedNames(LintContext& context, Item const& list);
 
+/// The same for the items of the named lists.
+void checkNamedLists(LintContext& context);
+
 /// Warns of messages of checks that look like an expression but are not computed.
 void checkMessages(LintContext& context);
 

@@ -50,7 +50,7 @@ void RuleBuilder::registerNamed(File const& file) {
       pending.name = name;
       pending.body = body;
       if (calledAs == Argument::ValueName) setFixedKind(*pending.rule, *body.node);
-      if (keepPlaces_) index_.namedPlaces_.emplace(pending.rule, name);
+      if (keepPlaces_) index_.namedPlaces_.emplace(pending.rule, NamedPlace{name, body});
       add(name.node->value, std::move(rule));
     });
   };

@@ -33,6 +33,12 @@ ParsedExpression RuleBuilder::parsed(Item const& item, std::size_t skipped, Role
   ParserLimits const limits{limits_.expressionLength, limits_.expressionDepth};
   auto result = parseExpression(std::string_view(item.node->value).substr(skipped), role, named_, data_.get(), limits);
   for (auto const& issue : result.issues) report(item, skipped, issue);
+  if (readTemplate_ != nullptr) {
+    for (auto const& call : result.calls) {
+      auto const place = index_.namedPlaces_.find(call.rule);
+      if (place != index_.namedPlaces_.end()) place->second.isCalledInTemplate = true;
+    }
+  }
   return result;
 }
 

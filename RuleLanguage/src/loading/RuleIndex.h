@@ -60,6 +60,13 @@ struct TemplatePlace {
   std::size_t timesUsed = 0;
 };
 
+/// Where a named check, list or value is written.
+struct NamedPlace {
+  Item name;
+  Item body;
+  bool isCalledInTemplate = false;  // by a template that perhaps no object uses
+};
+
 /// A code that a rule file accepts with a reason, and the part of the file for which it does so.
 struct Acceptance {
   Item code;
@@ -112,7 +119,7 @@ class RuleIndex {
   /// The name of each quantity type, and its list or map of units.
   [[nodiscard]] std::vector<std::pair<Item, Item>> const& quantityTypePlaces() const { return quantityTypes_; }
   [[nodiscard]] std::vector<Acceptance> const& acceptances() const { return acceptances_; }
-  [[nodiscard]] std::map<NamedRule const*, Item> const& namedPlaces() const { return namedPlaces_; }
+  [[nodiscard]] std::map<NamedRule const*, NamedPlace> const& namedPlaces() const { return namedPlaces_; }
   [[nodiscard]] std::vector<TemplatePlace> const& templatePlaces() const noexcept { return templates_; }
 
  private:
@@ -131,7 +138,7 @@ class RuleIndex {
   std::map<std::string, Item> objects_;
   std::vector<std::pair<std::string, Item>> roots_;
   std::vector<std::pair<Item, Item>> quantityTypes_;
-  std::map<NamedRule const*, Item> namedPlaces_;
+  std::map<NamedRule const*, NamedPlace> namedPlaces_;
   std::vector<Acceptance> acceptances_;
   std::vector<TemplatePlace> templates_;
 };

@@ -79,7 +79,7 @@ inline bool isMergeKey(YamlNode const& key) {
 /// Stands for all keys that a map lacks.
 inline constexpr char const* anyKey = "";
 inline constexpr char const* mergeKeyMessage =
-    "'<<' does not merge maps here; write the keys out, or take a whole map by an alias";
+    "'<<' does not merge maps here; put entries that objects share into Templates, or take a whole map by an alias";
 
 class MapReader {
  public:

@@ -4,6 +4,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "diagnostics/DiagnosticList.h"
@@ -34,6 +35,22 @@ struct YamlNode {
   /// included.
   [[nodiscard]] SourceRange range() const noexcept { return {{line, column}, {endLine, endColumn}}; }
 };
+
+/// Calls `each` with every key and value of a map; not at all for null and for other nodes.
+template <typename Each>
+void forEachIn(YamlNode const* map, Each each) {
+  if (map == nullptr || map->kind != YamlNode::Kind::Mapping) return;
+  for (std::size_t i = 0; i + 1 < map->children.size(); i += 2) each(*map->children[i], *map->children[i + 1]);
+}
+
+/// The value of a key of a map; null when the map does not have it, or is not a map.
+[[nodiscard]] inline YamlNode const* valueIn(YamlNode const& map, std::string_view key) {
+  YamlNode const* found = nullptr;
+  forEachIn(&map, [&](YamlNode const& name, YamlNode const& value) {
+    if (found == nullptr && name.value == key) found = &value;
+  });
+  return found;
+}
 
 /// One rule file as YAML. Depth and size are limited, so that no file can exhaust memory or stack.
 ///

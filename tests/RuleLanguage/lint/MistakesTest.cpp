@@ -129,7 +129,8 @@ constexpr Mistake mistakes[] = {
      "error unknown-word: unknown name 'null'; a parameter that is absent reads as ''; write not exists(${Name}), or "
      "compare it with ''\n"},
     {"the merge key", "Barriers: {", "Barriers: {<<: {Required: yes}, ",
-     "error unknown-key: '<<' does not merge maps here; write the keys out, or take a whole map by an alias\n"},
+     "error unknown-key: '<<' does not merge maps here; put entries that objects share into Templates, or take a whole "
+     "map by an alias\n"},
     {"a sign before a condition", "is electric: $", "is electric: = $",
      "error expression-syntax: this is always an expression; remove the '=' before it\n"},
     {"a quantity in braces", "== 0.76 [m]", "== {0.76 [m]}",

@@ -103,6 +103,25 @@ Objects:
             "  7: it is also here\n");
 }
 
+TEST(OrderLint, AnEntryThatSeveralReadIsMovedBeforeThemAndReportedOnce) {
+  EXPECT_EQ(messages(R"yaml(Rule Database: 1
+Pertinent Roots: [Pump]
+Checks:
+  is variable: ${Drive} == 'Variable'
+Objects:
+  /Pump:
+    Parameters:
+      Speed: {Parameter Type: Real, Available: check('is variable')}
+      Slip: {Parameter Type: Real, Available: check('is variable')}
+      Drive: {Parameter Type: String, Ordered Allowed String List: [Fixed, Variable]}
+)yaml"),
+            "8: the value of 'Drive' is decided later in the same walk, so this reads the value from before the edit; "
+            "move 'Drive' to just before 'Speed'; this affects 2 places\n"
+            "  10: move this entry\n"
+            "  8: to just before this entry\n"
+            "  9: it is also here\n");
+}
+
 TEST(OrderLint, AnEntryKeepsItsContextRule) {
   // After Drive, which is a context rule, Speed would have another context.
   EXPECT_EQ(messages(R"yaml(Rule Database: 1
