@@ -42,7 +42,7 @@ _zev() {
     lint) options+=' --rules --format --fail-on --severity' ;;
     edit)
       options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
-      options+=' --format'
+      options+=' --follow-references --format'
       ;;
     why) options+=' --rules --root --depth --format' ;;
     how) options+=' --rules --root --format' ;;

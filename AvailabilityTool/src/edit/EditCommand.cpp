@@ -2,6 +2,7 @@
 // Without them it is the editor for people.
 #include "edit/EditCommand.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -44,7 +45,12 @@ struct EditOptions {
   bool inPlace = false;
   bool overwrite = false;
   bool dryRun = false;
+  bool followReferences = false;
   bool asJson = false;
+
+  [[nodiscard]] session::References references() const {
+    return followReferences ? session::References::Follow : session::References::Stay;
+  }
 };
 
 /// The whole command line with other edits: it can be copied and run.
@@ -55,6 +61,7 @@ std::string commandLineOf(EditOptions const& options, std::vector<Edit> const& e
   if (options.inPlace) rest += " --in-place";
   if (options.overwrite) rest += " --overwrite";
   if (options.dryRun) rest += " --dry-run";
+  if (options.followReferences) rest += " --follow-references";
   if (options.asJson) rest += " --format json";
   return commandLine("zev edit", options.arguments, rest);
 }
@@ -111,6 +118,13 @@ std::string fateOf(Edit const& edit, session::Effect const& effect) {
   return {};
 }
 
+/// Whether a renaming caused the edit.
+bool isFollowed(Edit const& edit, session::EditResult const& result) {
+  return std::any_of(result.followed.begin(), result.followed.end(), [&](session::FollowedReference const& followed) {
+    return edit == Edit::setParam(followed.item.path, *followed.item.name, followed.after);
+  });
+}
+
 /// The number of items that wait after the edits, so that a file does not have them.
 std::size_t countWaiting(session::EditResult const& result) {
   std::size_t count = 0;
@@ -128,11 +142,12 @@ class EditRun {
   }
 
   int run() {
+    std::size_t const left = countLeft();
     session::TryResult tried;
     if (options_.dryRun) {
-      tried = opened_.session().tryWithFindings(edits_);
+      tried = opened_.session().tryWithFindings(edits_, options_.references());
     } else {
-      tried.result = opened_.session().edit(edits_);
+      tried.result = opened_.session().edit(edits_, options_.references());
     }
     if (tried.result.refused) proposal_ = workingLine(*tried.result.refused);
     std::optional<std::string> written;
@@ -145,6 +160,10 @@ class EditRun {
       writeText(report, tried);
     }
     sayWhatWasWritten(tried.result, written);
+    if (left > 0) {
+      err_ << "zev: " << counted(left, "value") << (left == 1 ? " names" : " name")
+           << " a renamed object and would follow it with --follow-references.\n";
+    }
     return tried.result.applied() ? NothingFound : FindingsMade;
   }
 
@@ -157,11 +176,19 @@ class EditRun {
     std::size_t const mostSlips = 2 * edits.size();
     for (std::size_t slip = 0; slip < mostSlips && refused.nearest && refused.index < edits.size(); ++slip) {
       edits[refused.index] = *refused.nearest;
-      session::EditResult const tried = opened_.session().tryEdits(edits);
+      session::EditResult const tried = opened_.session().tryEdits(edits, options_.references());
       if (tried.applied()) return commandLineOf(options_, edits);
       refused = *tried.refused;
     }
     return std::nullopt;
+  }
+
+  /// The number of values that would follow a renaming, and are not asked to.
+  [[nodiscard]] std::size_t countLeft() {
+    bool const renames = std::any_of(edits_.begin(), edits_.end(),
+                                     [](Edit const& edit) { return edit.kind == Edit::Kind::RenameObject; });
+    if (!renames || options_.followReferences) return 0;
+    return opened_.session().tryEdits(edits_, session::References::Follow).followed.size();
   }
 
   void writeText(std::ostream& report, session::TryResult const& tried) const {
@@ -170,6 +197,7 @@ class EditRun {
     options.isOpen = true;
     options.done = options_.dryRun ? "would be done" : "done";
     options.step = 0;
+    options.given = edits_.size();
     if (result.refused) {
       if (!proposal_) result.refused->nearest.reset();
       options.command = [this](Edit const& /*nearest*/) { return proposal_.value_or(""); };
@@ -180,6 +208,7 @@ class EditRun {
     }
     if (!result.refused && edits_.size() > 1) {
       for (Edit const& edit : result.made) {
+        if (isFollowed(edit, result)) continue;  // listed below
         report << harmless(argumentText(edit)) << fateOf(edit, result.effect) << '\n';
       }
     }
@@ -233,7 +262,8 @@ class EditRun {
 /// Throws a `CLI::ValidationError` for options that do not go together.
 void check(EditOptions const& options) {
   if (options.edits.empty()) {
-    if (!options.out.empty() || options.inPlace || options.dryRun || options.overwrite || options.asJson) {
+    if (!options.out.empty() || options.inPlace || options.dryRun || options.overwrite || options.asJson ||
+        options.followReferences) {
       throw CLI::ValidationError("edit", "no edit is given; give one such as --set PATH=VALUE");
     }
     if (options.arguments.model == "-") {
@@ -250,6 +280,12 @@ void check(EditOptions const& options) {
   if (options.inPlace && options.arguments.model == "-") {
     throw CLI::ValidationError("--in-place",
                                "the model comes from the standard input and has no file; give --out FILE");
+  }
+  bool const renames = std::any_of(options.edits.begin(), options.edits.end(), [](EditArgument const& edit) {
+    return edit.option == EditArgument::Option::Rename;
+  });
+  if (options.followReferences && !renames) {
+    throw CLI::ValidationError("--follow-references", "it says what becomes of a --rename; give that as well");
   }
   if (options.overwrite && options.out.empty()) {
     throw CLI::ValidationError("--overwrite", "it says what becomes of an existing --out FILE; give that as well");
@@ -275,6 +311,8 @@ void addEditCommand(CLI::App& app, Command& chosen) {
                    "The object to edit, with everything below it; default: the only\none that the rules look at")
       ->type_name("OBJECT");
   addEditOptions(*command);
+  command->add_flag("--follow-references", options->followReferences,
+                    "Let the values that name an object follow its --rename, and list them");
   command->add_option("--out", options->out, "Write the edited model to a new file; - is the standard output")
       ->type_name("FILE");
   command->add_flag("--in-place", options->inPlace, "Write the edited model to its own file");

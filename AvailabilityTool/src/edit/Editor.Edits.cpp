@@ -147,8 +147,7 @@ Outcome Editor::edit(Arguments const& arguments) {
   if (edit->kind == Edit::Kind::RemoveObject) {
     for (OwnValue& own : session_.own()) options.own.insert(std::move(own.item));
   }
-  EditResult result =
-      edit->kind == Edit::Kind::RenameObject ? session_.renameFollowed(edit->path, edit->name) : session_.edit(*edit);
+  EditResult result = session_.edit(std::span(&*edit, 1), session::References::Follow);
   if (result.refused) {
     proposeObject(*result.refused);
     return refuse(*result.refused);
@@ -205,7 +204,7 @@ Outcome Editor::tryEdit(std::string_view text) {
   }
   std::optional<Edit> const edit = readEdit({*word, divided.rest});
   if (!edit) return Outcome::Refused;
-  session::TryResult tried = session_.tryWithFindings(std::span(&*edit, 1));
+  session::TryResult tried = session_.tryWithFindings(std::span(&*edit, 1), session::References::Follow);
   if (tried.result.refused) return refuse(*tried.result.refused);
   ResultTextOptions options = resultOptions();
   options.done = "tried";

@@ -128,9 +128,7 @@ class ResultWriter {
 
   /// The only edit. Null if there are none or several.
   [[nodiscard]] Edit const* only() const {
-    // A renaming that took references with it has their edits after its own.
-    bool const isOne = result_.made.size() == 1 + result_.followed.size();
-    return isOne ? &result_.made.front() : nullptr;
+    return options_.given == 1 && !result_.made.empty() ? &result_.made.front() : nullptr;
   }
 
   /// Whether the verdict says what became of the parameter.
@@ -155,10 +153,12 @@ class ResultWriter {
   // Renaming
 
   void noteRenaming() {
-    Edit const* const edit = only();
-    if (edit == nullptr || edit->kind != Edit::Kind::RenameObject) return;
-    oldPath_ = edit->path;
-    newPath_ = edit->path.substr(0, edit->path.size() - PathUtils::lastName(edit->path).size()) + edit->name;
+    for (Edit const& edit : result_.made) {
+      if (edit.kind != Edit::Kind::RenameObject) continue;
+      std::string const stem = edit.path.substr(0, edit.path.size() - PathUtils::lastName(edit.path).size());
+      renamed_.push_back({edit.path, stem + edit.name});
+    }
+    if (renamed_.empty()) return;
     Effect const& effect = result_.effect;
     for (std::string const& path : effect.objectsCreated) moves_.insert({path, std::nullopt});
     for (std::string const& path : effect.objectsDeleted) moves_.insert({path, std::nullopt});
@@ -166,13 +166,15 @@ class ResultWriter {
     for (Item const& item : effect.offersLost) offers_.insert(item);
   }
 
-  /// The item under the other name of the object that was renamed; nothing for items outside of it.
+  /// The item under the other name of an object that was renamed; nothing for items outside of one.
   [[nodiscard]] std::optional<Item> otherName(Item const& item) const {
-    if (newPath_.empty()) return std::nullopt;
-    bool const isOld = PathUtils::isChildPath(oldPath_, item.path);
-    if (!isOld && !PathUtils::isChildPath(newPath_, item.path)) return std::nullopt;
-    std::string const& from = isOld ? oldPath_ : newPath_;
-    return Item{(isOld ? newPath_ : oldPath_) + item.path.substr(from.size()), item.name};
+    for (Renamed const& renamed : renamed_) {
+      bool const isOld = PathUtils::isChildPath(renamed.before, item.path);
+      if (!isOld && !PathUtils::isChildPath(renamed.after, item.path)) continue;
+      std::string const& from = isOld ? renamed.before : renamed.after;
+      return Item{(isOld ? renamed.after : renamed.before) + item.path.substr(from.size()), item.name};
+    }
+    return std::nullopt;
   }
 
   /// Whether the change is only the other half of a move: the item went under the old name and came under the new one.
@@ -211,7 +213,7 @@ class ResultWriter {
     std::string what;
     bool isKept = false;
     if (edit == nullptr) {
-      what = result_.made.empty() ? "nothing to do" : counted(result_.made.size() - result_.followed.size(), "edit");
+      what = result_.made.empty() ? "nothing to do" : counted(options_.given, "edit");
     } else if (edit->kind == Edit::Kind::SetParam) {
       what = ofValue(*edit, isKept);
     } else {
@@ -629,9 +631,12 @@ class ResultWriter {
   ResultTextOptions const& options_;
   std::map<Item, WaitingChange const*> waiting_;
   std::map<Item, ValueChange const*> values_;
-  /// The names of an object that was renamed, and the items that went or came in it. Empty without a renaming.
-  std::string oldPath_;
-  std::string newPath_;
+  /// The paths of objects that were renamed, and the items that went or came in them. Empty without a renaming.
+  struct Renamed {
+    std::string before;
+    std::string after;
+  };
+  std::vector<Renamed> renamed_;
   std::set<Item> moves_;
   std::set<Item> offers_;
   /// Items that came or have another value.

@@ -43,6 +43,8 @@ struct ResultTextOptions {
   std::string done = "done";
   /// The number after it, instead of that of the result. 0: none.
   std::optional<std::size_t> step;
+  /// The number of edits that the user gave. `EditResult::made` also has those that followed from them.
+  std::size_t given = 1;
   /// Only this section is shown, and it is open.
   std::optional<Section> only;
   /// Nothing is folded and nothing left out.

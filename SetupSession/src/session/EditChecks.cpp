@@ -46,6 +46,35 @@ bool hasLineEnd(std::string_view text) {
   return text.find_first_of(std::string_view("\n\r\0", 3)) != std::string_view::npos;
 }
 
+/// The text with blanks instead of what ends a line.
+std::string onOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return hasLineEnd(std::string_view(&c, 1)); }, ' ');
+  return StringUtilities::removeWhitespace(text);
+}
+
+bool bringsObject(Kind kind) {
+  return kind == Kind::AddObject || kind == Kind::ActivateObject;
+}
+
+/// Why model text cannot hold an object of this name. "" if it can.
+std::string faultOfName(std::string_view name) {
+  if (StringUtilities::trimmed(name).empty()) return "A name is missing.";
+  std::string const beginning = shown(std::string(name)) + " cannot be a name: ";
+  if (StringUtilities::trimmed(name) != name) return beginning + "a name has no white space at its ends.";
+  std::size_t const sign = name.find_first_of("/:=");
+  if (sign == std::string_view::npos) return {};
+  return beginning + "model text has no place for \"" + name[sign] + "\" in a name.";
+}
+
+/// The name with another character instead of those that it cannot hold.
+std::string writableName(std::string_view name) {
+  std::string writable(StringUtilities::trimmed(name));
+  std::replace_if(
+      writable.begin(), writable.end(), [](char c) { return c == '/' || c == ':' || c == '='; }, '-');
+  return writable;
+}
+
 bool isNamed(std::string const& path) {
   std::size_t const colon = path.rfind(':');
   std::size_t const slash = path.rfind('/');
@@ -110,7 +139,10 @@ EditChecks::Checked EditChecks::checkPath(Edit const& edit) const {
     return refused(RefusalCode::Unreadable, Edit{edit.kind, {}, {}, {}}, "The edit is too long.");
   }
   if (hasLineEnd(edit.path) || hasLineEnd(edit.name) || hasLineEnd(edit.value)) {
-    return refused(RefusalCode::Unreadable, edit, "Paths, names and values are a single line of text.");
+    Edit nearest = edit;
+    for (std::string* text : {&nearest.path, &nearest.name, &nearest.value}) *text = onOneLine(*text);
+    return refused(RefusalCode::Unreadable, edit, "Paths, names and values are a single line of text.",
+                   std::move(nearest));
   }
   std::string fault;
   std::string path = canonical(edit.path, fault);
@@ -122,17 +154,21 @@ EditChecks::Checked EditChecks::checkPath(Edit const& edit) const {
     return refused(RefusalCode::Unreadable, edit, std::move(sentence), withPath(edit, std::move(path)));
   }
   if (givesName(edit.kind)) {
-    std::string const name = StringUtilities::removeWhitespace(edit.name);
-    if (name.empty() || name != edit.name || name.find_first_of("/:") != std::string::npos) {
-      Checked result = refused(RefusalCode::Unreadable, edit, shown(edit.name) + " cannot be a name.");
-      std::string nearest = name;
-      std::replace_if(
-          nearest.begin(), nearest.end(), [](char c) { return c == '/' || c == ':'; }, '-');
-      if (!nearest.empty()) {
-        result->nearest = edit;
-        result->nearest->name = std::move(nearest);
-      }
+    std::string const wrong = faultOfName(edit.name);
+    if (!wrong.empty()) {
+      Checked result = refused(RefusalCode::Unreadable, edit, wrong);
+      Edit nearest = edit;
+      nearest.name = writableName(edit.name);
+      if (!nearest.name.empty()) result->nearest = std::move(nearest);
       return result;
+    }
+  }
+  if (bringsObject(edit.kind) && isNamed(edit.path)) {
+    std::string const name(PathUtils::lastName(edit.path));
+    std::string const wrong = faultOfName(name);
+    if (!wrong.empty()) {
+      std::string const stem = edit.path.substr(0, edit.path.size() - name.size());
+      return refused(RefusalCode::Unreadable, edit, wrong, withPath(edit, stem + writableName(name)));
     }
   }
   std::string const root = state_.state().getActiveRoot();

@@ -122,21 +122,21 @@ Session::Opened Session::open(PhysicsData const& rules, ModelState const& model,
   });
 }
 
-EditResult Session::edit(std::span<Edit const> edits) {
-  return impl_->edit(edits, false);
+EditResult Session::edit(std::span<Edit const> edits, References references) {
+  return impl_->edit(edits, references);
 }
 
 EditResult Session::renameFollowed(std::string const& path, std::string const& newName) {
   Edit const rename = Edit::renameObject(path, newName);
-  return impl_->edit(std::span(&rename, 1), true);
+  return impl_->edit(std::span(&rename, 1), References::Follow);
 }
 
-EditResult Session::tryEdits(std::span<Edit const> edits) {
-  return impl_->tryEdits(edits);
+EditResult Session::tryEdits(std::span<Edit const> edits, References references) {
+  return impl_->tryEdits(edits, references);
 }
 
-TryResult Session::tryWithFindings(std::span<Edit const> edits) {
-  return impl_->tryWithFindings(edits);
+TryResult Session::tryWithFindings(std::span<Edit const> edits, References references) {
+  return impl_->tryWithFindings(edits, references);
 }
 
 std::optional<EditResult> Session::undo() {

@@ -102,7 +102,7 @@ SessionImpl::SessionImpl(PhysicsData const& rules, std::optional<ModelText> text
   work_ = std::make_unique<Work>(*this);
 }
 
-EditResult SessionImpl::edit(std::span<Edit const> edits, bool followsReferences) {
+EditResult SessionImpl::edit(std::span<Edit const> edits, References references) {
   if (edits.empty()) return {};
   if (steps_.size() >= Session::mostSteps) {
     Refused full;
@@ -112,8 +112,11 @@ EditResult SessionImpl::edit(std::span<Edit const> edits, bool followsReferences
                     " steps and cannot take more. Save the model and open it again.";
     return refusedResult(std::move(full));
   }
-  EditResult result = attempt(*work_, edits, followsReferences);
-  if (result.refused) return result;
+  EditResult result = attempt(*work_, edits, references);
+  if (result.refused) {
+    proposeWhatWorks(*result.refused, edits, references);
+    return result;
+  }
   result.step = steps_.size() + 1;
   Step step = {result.step, {edits.begin(), edits.end()}, result.made, result.conversions, result.followed};
   EditResult answer = result;
@@ -128,11 +131,36 @@ EditResult SessionImpl::edit(std::span<Edit const> edits, bool followsReferences
   return answer;
 }
 
-EditResult SessionImpl::tryEdits(std::span<Edit const> edits) {
-  return attempt(*work_, edits, false);
+EditResult SessionImpl::tryEdits(std::span<Edit const> edits, References references) const {
+  EditResult result = attempt(*work_, edits, references);
+  if (result.refused) proposeWhatWorks(*result.refused, edits, references);
+  return result;
 }
 
-EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, bool followsReferences,
+/// Keeps the nearest edit only if it would be applied. An edit may have two slips, in its path and in its value.
+void SessionImpl::proposeWhatWorks(Refused& refused, std::span<Edit const> edits, References references) const {
+  if (!refused.nearest || refused.index >= edits.size()) return;
+  std::vector<Edit> nearest(edits.begin(), edits.begin() + static_cast<std::ptrdiff_t>(refused.index) + 1);
+  Edit const first = *refused.nearest;
+  constexpr int mostSlips = 3;
+  for (int slip = 0; slip < mostSlips && refused.nearest; ++slip) {
+    nearest.back() = *refused.nearest;
+    EditResult const tried = attempt(*work_, nearest, references);
+    if (tried.applied()) return;
+    bool const isSameEdit = tried.refused->index == refused.index;
+    refused.nearest = isSameEdit ? tried.refused->nearest : std::nullopt;
+  }
+  refused.nearest.reset();
+  // The name that was meant is worth knowing in any case.
+  if (!refused.possible.empty()) return;
+  if (first.name != refused.edit.name) {
+    refused.possible = SharedStrings{first.name};
+  } else if (first.path != refused.edit.path) {
+    refused.possible = SharedStrings{first.path};
+  }
+}
+
+EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, References references,
                                 std::function<void()> const& inside) const {
   EditResult result;
   EffectFinder finder(work.ruled, work.offers, readers_, requests_);
@@ -142,13 +170,18 @@ EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, bool fo
     for (Edit const& edit : edits) characters += edit.path.size() + edit.name.size() + edit.value.size();
     if (edits.size() > Session::mostSteps || characters > Session::mostCharacters) {
       Refused tooMuch;
-      tooMuch.sentence = "These are too many edits at once.";
+      std::string const most = std::to_string(Session::mostCharacters);
+      tooMuch.sentence =
+          edits.size() == 1
+              ? "The edit is too long: its path, its name and its value can have " + most + " characters together."
+              : "These are too many edits at once: they can be " + std::to_string(Session::mostSteps) + ", with " +
+                    most + " characters together.";
       return refusedResult(std::move(tooMuch));
     }
     Trial trial(*work.state);
     for (; index < edits.size(); ++index) {
       std::size_t const before = result.conversions.size();
-      makeChecked(work, edits[index], followsReferences, finder, result);
+      makeChecked(work, edits[index], references, finder, result);
       for (std::size_t i = before; i < result.conversions.size(); ++i) result.conversions[i].index = index;
     }
     finder.lookAfter();
@@ -169,7 +202,7 @@ EditResult SessionImpl::attempt(Work& work, std::span<Edit const> edits, bool fo
   }
 }
 
-void SessionImpl::makeChecked(Work& work, Edit const& edit, bool followsReferences, EffectFinder& finder,
+void SessionImpl::makeChecked(Work& work, Edit const& edit, References references, EffectFinder& finder,
                               EditResult& result) const {
   EditChecks const checks(work.ruled, [&finder](Item const& item) { return finder.isOffered(item); });
   Edit made = edit;
@@ -180,7 +213,7 @@ void SessionImpl::makeChecked(Work& work, Edit const& edit, bool followsReferenc
   bool const isRename = made.kind == Edit::Kind::RenameObject;
   std::vector<Edit> const moved = isRename ? editsToMove(work, made) : std::vector<Edit>();
   std::vector<Referring> const naming =
-      isRename && followsReferences ? valuesNaming(work, made) : std::vector<Referring>();
+      isRename && references == References::Follow ? valuesNaming(work, made) : std::vector<Referring>();
 
   std::optional<Refusal> const refusal = work.state->apply(made);
   if (auto refused = checks.after(made, refusal)) {
@@ -412,12 +445,15 @@ std::optional<EditResult> SessionImpl::redo() {
   return answer;
 }
 
-TryResult SessionImpl::tryWithFindings(std::span<Edit const> edits) {
+TryResult SessionImpl::tryWithFindings(std::span<Edit const> edits, References references) const {
   TryResult tried;
   Findings after;
   Review const reviewer(rules_);
-  tried.result = attempt(*work_, edits, false, [&] { after = reviewer.judge(result()); });
-  if (tried.result.refused) return tried;
+  tried.result = attempt(*work_, edits, references, [&] { after = reviewer.judge(result()); });
+  if (tried.result.refused) {
+    proposeWhatWorks(*tried.result.refused, edits, references);
+    return tried;
+  }
 
   auto const keyOf = [](Finding const& finding) {
     return std::tuple(finding.code, finding.path, finding.name, finding.type, finding.check, finding.message);

@@ -37,9 +37,9 @@ class SessionImpl {
               SessionOptions const& options);
 
   // Edits and history.
-  [[nodiscard]] EditResult edit(std::span<Edit const> edits, bool followsReferences);
-  [[nodiscard]] EditResult tryEdits(std::span<Edit const> edits);
-  [[nodiscard]] TryResult tryWithFindings(std::span<Edit const> edits);
+  [[nodiscard]] EditResult edit(std::span<Edit const> edits, References references);
+  [[nodiscard]] EditResult tryEdits(std::span<Edit const> edits, References references) const;
+  [[nodiscard]] TryResult tryWithFindings(std::span<Edit const> edits, References references) const;
   [[nodiscard]] std::optional<EditResult> undo();
   [[nodiscard]] std::optional<EditResult> redo();
   [[nodiscard]] std::vector<Step> const& steps() const noexcept { return steps_; }
@@ -98,10 +98,10 @@ class SessionImpl {
   struct Referring;
 
   /// Makes the edits, looks at what they do, and takes them back. `inside` is called while they are in force.
-  [[nodiscard]] EditResult attempt(Work& work, std::span<Edit const> edits, bool followsReferences,
+  [[nodiscard]] EditResult attempt(Work& work, std::span<Edit const> edits, References references,
                                    std::function<void()> const& inside = nullptr) const;
-  void makeChecked(Work& work, Edit const& edit, bool followsReferences, EffectFinder& finder,
-                   EditResult& result) const;
+  void proposeWhatWorks(Refused& refused, std::span<Edit const> edits, References references) const;
+  void makeChecked(Work& work, Edit const& edit, References references, EffectFinder& finder, EditResult& result) const;
   void makeRaw(Work& work, Edit edit, EffectFinder& finder, EditResult& result) const;
   [[nodiscard]] std::vector<Edit> editsToMove(Work const& work, Edit const& rename) const;
   [[nodiscard]] std::vector<Referring> valuesNaming(Work const& work, Edit const& rename) const;

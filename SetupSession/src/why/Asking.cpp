@@ -179,7 +179,7 @@ HowResult SessionImpl::how(Goal const& goal, HowOptions const& options) const {
         ++result.trials;
         bool isThere = false;
         bool isThereNext = false;
-        EditResult tried = attempt(*work_, to.edits, false, [&] {
+        EditResult tried = attempt(*work_, to.edits, References::Stay, [&] {
           isThere = isReached(state, goal);
           isThereNext = !isThere && isReachedNext(candidate);
           if (!isThere && !isThereNext && length < options.maxEdits) to.candidates = candidatesNow(nullptr);

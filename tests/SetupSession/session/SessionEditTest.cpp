@@ -66,6 +66,17 @@ TEST(SessionEdit, WhatCameAndWentWithinOneUpdateIsNotListed) {
   EXPECT_THAT(sentencesOf(result.effect), IsEmpty());
 }
 
+TEST(SessionEdit, ProposesOnlyWhatWouldBeApplied) {
+  // A slip in the name and another one in the value.
+  EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Solver", "Mod", "transient")),
+              ElementsAre("Refused: The rules know no parameter \"Mod\" in \"/Plant/Solver\". Nearest: set "
+                          "/Plant/Solver/Mode to \"Transient\"."));
+  // Nothing is near the value, but the name was probably meant.
+  EXPECT_THAT(
+      verdictOf(Edit::setParam("/Plant/Solver", "Mod", "quick")),
+      ElementsAre("Refused: The rules know no parameter \"Mod\" in \"/Plant/Solver\". Possible now: \"Mode\"."));
+}
+
 TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
   struct Case {
     Edit edit;
@@ -114,7 +125,8 @@ TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
       {Edit::setParam("Plant", "Title", "x"), "Refused: \"Plant\" is not a path: a path begins with \"/\"."},
       {Edit::setParam("/Plant:Plant", "Title", "x"),
        "Refused: \"/Plant:Plant\" is written \"/Plant\". Nearest: set /Plant/Title to \"x\"."},
-      {Edit::setParam("/Plant", "Title", "two\nlines"), "Refused: Paths, names and values are a single line of text."},
+      {Edit::setParam("/Plant", "Title", "two\nlines"),
+       "Refused: Paths, names and values are a single line of text. Nearest: set /Plant/Title to \"two lines\"."},
   };
   for (auto const& [edit, verdict] : cases) EXPECT_THAT(verdictOf(edit), ElementsAre(verdict)) << sentenceOf(edit);
 }

@@ -138,6 +138,20 @@ TEST(SessionHistory, RenamingWithReferencesChangesTheValuesThatNameTheObject) {
   EXPECT_EQ(tanks->lookParam("/Plant/Pipe:P1", "From")->value, "T1");
 }
 
+TEST(SessionHistory, ReferencesFollowARenamingAmongOtherEditsAndInATrial) {
+  Tanks tanks;
+  std::vector<Edit> const edits = {Edit::renameObject("/Plant/Tank:T1", "Main"),
+                                   Edit::setParam("/Plant/Tank:Main", "Height", "4 [m]")};
+  EditResult const tried = tanks->tryEdits(edits, References::Follow);
+  EXPECT_EQ(tanks->tryWithFindings(edits, References::Follow).result, tried);
+  EditResult result = tanks->edit(edits, References::Follow);
+  ASSERT_EQ(result.followed.size(), 2U);
+  EXPECT_EQ(sentenceOf(result.followed[0]), "/Plant/Pipe:P1/From follows the new name, from \"T1\" to \"Main\".");
+  result.step = 0;
+  EXPECT_EQ(result, tried);
+  EXPECT_EQ(tanks->steps().size(), 1U);
+}
+
 TEST(SessionHistory, RenamingWithoutReferencesLeavesThemWaiting) {
   Tanks tanks;
   EditResult const result = tanks->edit(Edit::renameObject("/Plant/Tank:T1", "Main"));

@@ -41,6 +41,14 @@ struct TARN_EXPORT SessionOptions {
   std::size_t quickChanges = 1'000'000;
 };
 
+/// The fate of values that name an object which is renamed.
+enum class References {
+  /// They keep the old name.
+  Stay,
+  /// They are set to the new name as well, see `Session::renameFollowed`.
+  Follow
+};
+
 /// Why a session could not be opened.
 enum class OpenFault : int {
   /// The model text has malformed lines, or the state has paths that cannot be read.
@@ -191,20 +199,21 @@ class TARN_EXPORT Session {
   /// before it leave, and if one is refused, none is made. No edits at all are applied and are no step.
   /// @{
   EditResult edit(Edit const& edit) { return this->edit(std::span(&edit, 1)); }
-  EditResult edit(std::span<Edit const> edits);
-  /// Renames an object, and sets every value that names it to the new name, as one step. A value names the object when
-  /// the user or the model has given it, it is or lists the object's name or path, and its allowed values are computed
-  /// and have lost the old and got the new name by the renaming.
+  EditResult edit(std::span<Edit const> edits, References references = References::Stay);
+  /// Renames an object, and sets every value that names it to the new name, as one step: `edit` with
+  /// `References::Follow`. A value names the object when the user or the model has given it, it is or lists the
+  /// object's name or path, and its allowed values are computed and have lost the old and got the new name by the
+  /// renaming.
   EditResult renameFollowed(std::string const& path, std::string const& newName);
   /// @}
 
   /// @name What if
   /// Changes nothing. `result` is what `edit` would return, except that `step` is 0.
   /// @{
-  [[nodiscard]] EditResult tryEdits(std::span<Edit const> edits);
+  [[nodiscard]] EditResult tryEdits(std::span<Edit const> edits, References references = References::Stay);
   [[nodiscard]] EditResult tryEdit(Edit const& edit) { return tryEdits(std::span(&edit, 1)); }
   /// Also reviews the model before and after the edits.
-  [[nodiscard]] TryResult tryWithFindings(std::span<Edit const> edits);
+  [[nodiscard]] TryResult tryWithFindings(std::span<Edit const> edits, References references = References::Stay);
   /// @}
 
   /// @name History
