@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint show console --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test show console --version -h --help' -- "$current")
     return
   fi
 
@@ -24,6 +24,7 @@ _zev() {
     --format)
       local formats='text json'
       [[ ${COMP_WORDS[1]} != validate && ${COMP_WORDS[1]} != lint ]] || formats+=' sarif'
+      [[ ${COMP_WORDS[1]} != test ]] || formats+=' junit'
       mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
       return
       ;;
@@ -33,13 +34,14 @@ _zev() {
       ;;
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
-    -j | --jobs | --limit | --depth) return ;;                             # a number
+    -j | --jobs | --limit | --depth | --filter) return ;;                  # a number or a text
   esac
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
     validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
     lint) options+=' --rules --format --fail-on --severity' ;;
+    test) options+=' --rules --filter --format -j --jobs' ;;
     edit)
       options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
       options+=' --follow-references --format'

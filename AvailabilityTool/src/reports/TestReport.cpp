@@ -91,7 +91,7 @@ void writeSuite(tinyxml2::XMLPrinter& xml, std::vector<TestOutcome> const& suite
     xml.PushAttribute("time", secondsText(outcome.result.seconds).c_str());
     for (TestFailure const& failure : outcome.result.failures) {
       std::string const message =
-          harmless(failure.subject + ": expected " + failure.expected + ", but it is " + failure.actual);
+          harmless(failure.subject + "; expected: " + failure.expected + "; actual: " + failure.actual);
       xml.OpenElement("failure");
       xml.PushAttribute("message", message.c_str());
       xml.PushText(failureText(failure).c_str());

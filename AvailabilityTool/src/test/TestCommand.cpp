@@ -120,8 +120,8 @@ void addTestCommand(CLI::App& app, Command& chosen) {
       ->type_name("")
       ->required();
   command->footer(
-      "Each test opens a model, edits it, and compares what became of it with what is expected. Of a test that fails,\n"
-      "each expectation that was not met is printed with its place, what is instead, why, and the rule that decided.\n"
+      "Each test opens a model, edits it, and compares what became of it with what is expected. When a test fails,\n"
+      "each expectation that was not met is printed with its place, the actual state, and the rule that decided.\n"
       "Examples: zev test --rules rules/ tests/\n"
       "          zev test --rules rules/ --filter rotating tests/domain.rule-tests.yaml\n"
       "Exit status: 0 all tests passed, 1 a test failed, 2 wrong usage, or rules or tests that could not be read.");

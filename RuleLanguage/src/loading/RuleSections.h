@@ -6,7 +6,7 @@
 #include "loading/RuleIndex.h"
 #include "yaml/MapReader.h"
 
-// What several kinds of sections of a rule file have in common.
+// Several kinds of sections of a rule file have these in common.
 
 namespace tarn::rules {
 

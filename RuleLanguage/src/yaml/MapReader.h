@@ -19,8 +19,9 @@
 #include "yaml/YamlDocument.h"
 #include "yaml/YamlItem.h"
 
-// Reads the maps, lists and single values of a file in YAML by tables of their keys. What is wrong is reported where it
-// is found, and suggestions for unknown keys come from the same tables. Rule files and tests of rules are read with it.
+// Reads the maps, lists and single values of a file in YAML by tables of their keys. Each mistake is reported where
+// it is found, and suggestions for unknown keys come from the same tables. Rule files and tests of rules are read with
+// it.
 
 namespace tarn::rules {
 
@@ -110,7 +111,7 @@ class MapReader {
   /// reported, with the key of the table that was probably meant.
   template <typename Table, typename Each>
   void forEachKnown(Item const& item, std::string_view what, Table const& table, Each each);
-  /// Whether a key that `map` lacks may stand in it under another name, which was reported.
+  /// Whether a key that `map` lacks may be written in it under another name, which was reported.
   [[nodiscard]] bool isMisspelled(std::string_view key, YamlNode const& map) const;
 
   DiagnosticList& diagnostics_;  // NOLINT(cppcoreguidelines-non-private-member-variables-in-classes)

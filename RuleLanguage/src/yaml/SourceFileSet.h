@@ -11,7 +11,7 @@
 
 namespace tarn::rules {
 
-/// What the files of a set have in common.
+/// A kind of files.
 struct FileKind {
   /// The end of the names of those that are taken from a folder.
   std::string_view suffix;

@@ -47,11 +47,11 @@ struct Expectation {
   Kind kind = Kind::Value;
   /// The path that it is about. Empty for findings of the whole model.
   PlacedText path;
-  /// What is expected; for lists in their order.
+  /// The expected values; for lists in their order.
   std::vector<std::string> values;
 };
 
-/// What is expected of the edits themselves.
+/// Whether the edits of a step should be refused.
 struct ExpectedRefusal {
   bool isRefused = false;
   /// The name of the code; "" for any.

@@ -289,7 +289,8 @@ std::optional<Item> TestRun::itemOf(PlacedText const& path, bool mayBeGone) {
 void TestRun::check(Expectation const& expectation) {
   ++result_.expectations;
   if (expectation.kind == Kind::Findings && expectation.path.text.empty()) return checkFindings(expectation, nullptr);
-  auto const item = itemOf(expectation.path, expectation.kind == Kind::Absent);
+  bool const mayBeGone = expectation.kind == Kind::Absent || expectation.kind == Kind::Reason;
+  auto const item = itemOf(expectation.path, mayBeGone);
   if (!item) return;
   switch (expectation.kind) {
     case Kind::Present:
@@ -315,7 +316,7 @@ void TestRun::check(Expectation const& expectation) {
 
 void TestRun::checkPresence(Expectation const& expectation, Item const& item) {
   auto const judge = [&](auto const& record) {
-    // What does not exist is absent.
+    // An item that does not exist is absent.
     if (record ? holds(expectation.kind, *record) : expectation.kind == Kind::Absent) return;
     fail(expectation.path.place, item.text(), presenceText(expectation.kind),
          record ? stateOf(*record) : std::string("absent"), whyPresence(item));
@@ -396,17 +397,22 @@ void TestRun::checkAllowed(Expectation const& expectation, ParamRecord const& pa
 
 void TestRun::checkReason(Expectation const& expectation, Item const& item) {
   std::string const& expected = expectation.values.front();
-  auto const judge = [&](auto const& record) {
-    if (!record) {
-      fail(expectation.path.place, item.text(), "the reason " + quoted(expected), "absent", whyPresence(item));
-    } else if (record->reason != expected) {
-      fail(expectation.path.place, item.text(), "the reason " + quoted(expected),
-           record->reason.empty() ? stateOf(*record) + ", without a reason" : "the reason " + quoted(record->reason),
-           whyPresence(item));
-    }
+  auto const judge = [&](std::string const& reason, std::string const& state) {
+    if (reason == expected) return;
+    fail(expectation.path.place, item.text(), "the reason " + quoted(expected),
+         reason.empty() ? state + ", without a reason" : "the reason " + quoted(reason), whyPresence(item));
   };
-  if (item.isParam()) return judge(session_->lookParam(item.path, *item.name));
-  judge(session_->lookObject(item.path));
+  if (item.isParam()) {
+    auto const param = session_->lookParam(item.path, *item.name);
+    return judge(param ? param->reason : "", param ? stateOf(*param) : "absent");
+  }
+  if (auto const object = session_->lookObject(item.path)) return judge(object->reason, stateOf(*object));
+  // An object that nobody has asked for: the reason is that of its type.
+  std::string const type = PathUtils::typePathOf(item.path);
+  for (session::ChildTypeRecord const& child : session_->childTypes(item.path.substr(0, item.path.rfind('/')))) {
+    if (type.substr(type.rfind('/') + 1) == child.type) return judge(child.reason, "absent");
+  }
+  judge("", "absent");
 }
 
 void TestRun::checkFindings(Expectation const& expectation, Item const* item) {
@@ -458,9 +464,11 @@ void TestRun::evaluate(PlannedEvaluation const& evaluation) {
   EvalContext context(&tree);
   rules::Query::Result const result = parsed.query->evaluate(TDFContext(at), &context);
   if (gives(result, evaluation)) return;
-  bool const isList = evaluation.givesList || evaluation.gives.size() != 1;
-  fail(evaluation.givesPlace, text, isList ? listText(evaluation.gives) : quoted(evaluation.gives.front()),
-       textOf(result));
+  std::string expected = listText(evaluation.gives);
+  if (!evaluation.givesList && evaluation.gives.size() == 1 && result.kind != rules::Query::Kind::Text) {
+    expected = evaluation.gives.front();  // as numbers and truths are written
+  }
+  fail(evaluation.givesPlace, text, std::move(expected), textOf(result));
 }
 
 TestRun::Cause TestRun::causeOf(Item const& item, session::WhyOptions const& options) const {

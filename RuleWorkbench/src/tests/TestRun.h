@@ -22,7 +22,7 @@ class TestRun {
   [[nodiscard]] TestResult result() &&;
 
  private:
-  /// What a failure says about an item.
+  /// Why an item is as it is.
   struct Cause {
     std::string text;
     TextPlace rule;

@@ -64,7 +64,7 @@ RuleTests testOf(std::string const& body) {
   return RuleTests::parse("Rule Tests: 1\nTests:\n  it:\n" + body, "pump.rule-tests.yaml");
 }
 
-/// What fails in a test with this body.
+/// The failures of a test with this body.
 std::vector<TestFailure> failuresOf(std::string const& body) {
   RuleTests const tests = testOf(body);
   EXPECT_EQ(rules::format(tests.diagnostics()), "");
@@ -196,6 +196,18 @@ TEST(RuleTests, WhatIsInARemovedObjectIsAbsent) {
               IsEmpty());
 }
 
+TEST(RuleTests, AnObjectThatNobodyHasAskedForHasTheReasonOfItsType) {
+  auto const rules = rules::parseRules(
+      "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Children:\n"
+      "      Meter: {Available: 'false', Reason: Nothing is billed., Allowed Names: [heat]}\n  /Case/Meter: {}\n",
+      "meter.rules.yaml");
+  RuleTests const tests = testOf("    Expect: {Reason: {/Case/Meter:heat: Nothing is billed.}}\n");
+  EXPECT_TRUE(tests.run(0, *rules).passed());
+  RuleTests const wrong = testOf("    Expect: {Reason: {/Case/Meter:heat: All is billed.}}\n");
+  ASSERT_EQ(wrong.run(0, *rules).failures.size(), 1U);
+  EXPECT_EQ(wrong.run(0, *rules).failures.front().actual, "the reason 'Nothing is billed.'");
+}
+
 TEST(RuleTests, AllKindsOfEditsCanBeMade) {
   EXPECT_THAT(failuresOf(rotor(R"(    Steps:
       - Copy: {/Case/Domain:rotor: stator}
@@ -259,7 +271,7 @@ TEST(RuleTests, ExpressionsAreEvaluatedInTheModelAsTheRulesMakeIt) {
 )yaml")),
               IsEmpty());
   EXPECT_EQ(failureOf(rotor("    Evaluate: {Expression: 'count({/Case/Domain:*})', Gives: 2}\n")),
-            "count({/Case/Domain:*}) | '2' | 1");
+            "count({/Case/Domain:*}) | 2 | 1");
   EXPECT_EQ(failureOf(rotor("    Evaluate: {Expression: 'count(', Gives: 2}\n")).substr(0, 24),
             "count( | an expression |");
   EXPECT_EQ(failureOf(rotor("    Evaluate: {At: /Case/Domain:stator, Expression: 'yes', Gives: yes}\n")).substr(0, 20),

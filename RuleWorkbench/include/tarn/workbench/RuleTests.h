@@ -27,11 +27,11 @@ struct TestLimits {
 
 /// One expectation of a test that was not met.
 struct TARN_EXPORT TestFailure {
-  /// Where the expectation stands in the file of tests.
+  /// The place of the expectation in the file of tests.
   TextPlace place;
-  /// What the expectation is about: the path of an object or parameter, an expression, or the edits of a step.
+  /// The subject of the expectation: the path of an object or parameter, an expression, or an edit.
   std::string subject;
-  /// What was expected, and what is. One line each, without a full stop.
+  /// The expected and the actual state. Each is on one line.
   std::string expected;
   std::string actual;
   /// Why it is so: the proof as text, of one or more lines without a line feed at the end. "" when there is none.
