@@ -359,6 +359,26 @@ TEST(RuleTests, AFileThatDoesNotExistIsReported) {
   EXPECT_EQ(tests.diagnostics().front().message, "cannot read the file of rule tests: No such file or directory");
 }
 
+TEST(RuleTests, AFileBeyondALimitIsRefused) {
+  auto const firstProblem = [](std::string const& text, workbench::TestLimits const& limits) {
+    RuleTests const tests = RuleTests::parse(text, "t", {}, limits);
+    return tests.diagnostics().empty() ? std::string() : tests.diagnostics().back().code;
+  };
+  std::string const text = "Rule Tests: 1\nTests:\n  it:\n    Expect: {Absent: [[/Case/Title]]}\n";
+  workbench::TestLimits limits;
+  limits.fileSize = text.size() - 1;
+  EXPECT_EQ(firstProblem(text, limits), "unreadable-file");
+  limits = {};
+  limits.yamlDepth = 4;
+  EXPECT_EQ(firstProblem(text, limits), "limit-exceeded");
+  limits = {};
+  limits.yamlNodes = 8;
+  EXPECT_EQ(firstProblem(text, limits), "limit-exceeded");
+  limits = {};
+  limits.errors = 1;
+  EXPECT_EQ(firstProblem(text + "  other: 5\n", limits), "too-many-errors");
+}
+
 TEST(RuleTests, ThreadsCanRunTestsOfOneObjectAtOnce) {
   RuleTests const tests = testOf(rotor("    Steps:\n      - Set: {/Case/Domain:rotor/Motion: Rotating}\n"));
   auto const rules = pump();
