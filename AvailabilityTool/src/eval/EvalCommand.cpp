@@ -123,7 +123,7 @@ int eval(EvalOptions const& options, std::ostream& out, std::ostream& err) {
   TDFContext const context(at);
   EvalContext evalContext(&tree);
   Query::Result const result = parsed.query->evaluate(context, &evalContext);
-  Explanation const explanation = parsed.query->explain(context, tree);
+  Explanation const explanation = parsed.query->explainAllParts(context, tree);
   if (options.asJson) {
     Json json = {{"schema", service::sessionJsonSchema}};
     json["expression"] = options.expression;
@@ -166,7 +166,7 @@ void addEvalCommand(CLI::App& app, Command& chosen) {
       ->expected(1, 2)
       ->required();
   command->footer(
-      "The value comes first, then the value of each part that decided it. The model is taken as it is written: it\n"
+      "The value comes first, then the value of each part. The model is taken as it is written: it\n"
       "has no defaults of the rules. Put the expression in single quotes, because a shell would replace ${...}. Begin\n"
       "with a blank if the expression begins with a minus.\n"
       "Examples: zev eval --rules rules/ pump.tdf 'count({/Case/Domain:*})'\n"

@@ -67,6 +67,20 @@ Operation operationOf(Comparison::Operator op) {
   return Operation::GreaterEqual;
 }
 
+Operation operationOf(Logic::Operator op) {
+  switch (op) {
+    case Logic::Operator::And:
+      return Operation::And;
+    case Logic::Operator::Or:
+      return Operation::Or;
+    case Logic::Operator::Implies:
+      return Operation::Implies;
+    case Logic::Operator::Not:
+      break;
+  }
+  return Operation::Not;
+}
+
 Operation operationOf(Quantifier::Operator op) {
   switch (op) {
     case Quantifier::Operator::Count:
@@ -155,9 +169,13 @@ Result evaluate(Expression const& expression, Form form, Frame const& frame) {
   return result;
 }
 
+/// Which parts of an expression are wanted.
+enum class Extent { DecidingParts, AllParts };
+
 class Explainer {
  public:
-  explicit Explainer(ModelTDF const& model) : recording_(model, Explanation::maxReads), evalContext_(&recording_) {
+  Explainer(ModelTDF const& model, Extent extent)
+      : showsAll_(extent == Extent::AllParts), recording_(model, Explanation::maxReads), evalContext_(&recording_) {
     recording_.recordAll(false);
   }
 
@@ -282,6 +300,16 @@ class Explainer {
     Operation operation = Operation::Not;
     bool showsOthers = false;
     std::size_t total = operands.size();
+    if (showsAll_) {
+      for (Expression const* operand : operands) needed.push_back(add(*operand, Form::Truth, frame, at.below()));
+      Part& part = parts_[index];
+      part.node.operation = operationOf(logic.op());
+      part.node.result.truth = truth;
+      part.node.total = total;
+      part.node.agreeing = agreeingWith(logic, truth, needed);
+      part.needed = std::move(needed);
+      return index;
+    }
     switch (logic.op()) {
       case Logic::Operator::Not:
         needed.push_back(add(*operands.front(), Form::Truth, frame, at.below()));
@@ -316,6 +344,18 @@ class Explainer {
     return index;
   }
 
+  /// How many of the operands of a logical expression lead to its result.
+  [[nodiscard]] std::size_t agreeingWith(Logic const& logic, bool truth,
+                                         std::vector<std::size_t> const& operands) const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+      bool const isTurned = logic.op() == Logic::Operator::Not || (logic.op() == Logic::Operator::Implies && i == 0);
+      if (parts_[operands[i]].node.result.truth == (isTurned ? !truth : truth)) ++count;
+    }
+    // An implication that does not hold needs both.
+    return logic.op() == Logic::Operator::Implies && !truth ? operands.size() : count;
+  }
+
   std::size_t addQuantifier(Quantifier const& quantifier, Form form, Frame const& frame, Position at) {
     auto const operands = quantifier.operands();
     Operation const operation = operationOf(quantifier.op());
@@ -329,7 +369,7 @@ class Explainer {
     std::size_t const index = addPart(quantifier, operation, frame, at);
     Result const result = evaluate(quantifier, form, frame);
     bool const isEitherWay = operation == Operation::Any || operation == Operation::All;
-    bool const isDecidedByOne = isEitherWay && result.truth == (operation == Operation::Any);
+    bool const isDecidedByOne = !showsAll_ && isEitherWay && result.truth == (operation == Operation::Any);
 
     std::vector<std::size_t> needed;
     std::vector<std::size_t> deciders;
@@ -368,6 +408,13 @@ class Explainer {
     auto const operands = choice.operands();
     std::size_t const condition = add(*operands[0], Form::Truth, frame, at.below());
     bool const isFirst = parts_[condition].node.result.truth;
+    if (showsAll_) {
+      std::size_t const first = add(*operands[1], form, frame, at.below());
+      std::size_t const second = add(*operands[2], form, frame, at.below());
+      parts_[index].node.result = parts_[isFirst ? first : second].node.result;
+      parts_[index].needed = {condition, first, second};
+      return index;
+    }
     std::size_t const chosen = add(*operands[isFirst ? 1 : 2], form, frame, at.below());
     parts_[index].node.result = parts_[chosen].node.result;
     parts_[index].needed = {condition, chosen};
@@ -401,7 +448,7 @@ class Explainer {
         needed.push_back(add(*item.when, Form::Truth, frame, itemAt));
         holds = parts_[needed.back()].node.result.truth;
       }
-      if (holds) needed.push_back(add(*item.value, Form::Text, frame, itemAt));
+      if (holds || showsAll_) needed.push_back(add(*item.value, Form::Text, frame, itemAt));
     }
     parts_[index].node.result = evaluate(list, form, frame);
     parts_[index].needed = std::move(needed);
@@ -411,6 +458,10 @@ class Explainer {
   // The smallest set of facts.
 
   void reduce() {
+    if (showsAll_) {
+      isMinimal_ = false;
+      return;
+    }
     isKnown_.assign(recording_.reads().size(), false);
     std::vector<std::size_t> picked;
     bool hasAlternatives = false;
@@ -514,6 +565,7 @@ class Explainer {
     return result;
   }
 
+  bool const showsAll_;
   RecordingModel recording_;
   EvalContext evalContext_;
   std::vector<Explanation::Source> sources_;
@@ -526,7 +578,11 @@ class Explainer {
 }  // namespace
 
 Explanation explain(ExplainedRule const& rule, Form form, TDFContext const& context, ModelTDF const& model) {
-  return Explainer(model).explain(rule, form, context);
+  return Explainer(model, Extent::DecidingParts).explain(rule, form, context);
+}
+
+Explanation explainAllParts(ExplainedRule const& rule, Form form, TDFContext const& context, ModelTDF const& model) {
+  return Explainer(model, Extent::AllParts).explain(rule, form, context);
 }
 
 }  // namespace tarn::rules

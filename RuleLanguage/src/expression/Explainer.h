@@ -24,5 +24,8 @@ struct ExplainedRule {
 /// Evaluates the expression on `model` and explains the result, see `Explanation`.
 [[nodiscard]] Explanation explain(ExplainedRule const& rule, Form form, TDFContext const& context,
                                   ModelTDF const& model);
+/// The same with all parts, also those that did not decide.
+[[nodiscard]] Explanation explainAllParts(ExplainedRule const& rule, Form form, TDFContext const& context,
+                                          ModelTDF const& model);
 
 }  // namespace tarn::rules

@@ -148,6 +148,10 @@ Explanation Query::explain(TDFContext const& context, ModelTDF const& model) con
   return rules::explain({*parts_->expression, parts_->source, rulePlace()}, formOf(kind()), context, model);
 }
 
+Explanation Query::explainAllParts(TDFContext const& context, ModelTDF const& model) const {
+  return rules::explainAllParts({*parts_->expression, parts_->source, rulePlace()}, formOf(kind()), context, model);
+}
+
 ParsedQuery parseQuery(std::string const& text, PhysicsData const& rules, std::string const& sourceName,
                        LoadLimits const& limits) {
   Report report(sourceName, text, limits);

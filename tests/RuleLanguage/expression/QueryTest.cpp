@@ -147,6 +147,41 @@ TEST_F(QueryTest, ExplainsWithTheSameResult) {
   EXPECT_EQ(explanation.nodes.front().children.size(), 2U);
 }
 
+TEST_F(QueryTest, GivesTheValueOfEveryPart) {
+  struct Case {
+    std::string expression;
+    std::vector<std::string> parts;
+  };
+  std::vector<Case> const cases = {
+      {"${Kind} == 'Inlet' and check('is long') and ${Kind} == 'Wall'",
+       {"${Kind} == 'Inlet' and check('is long') and ${Kind} == 'Wall': false 1/3", "${Kind} == 'Inlet': true",
+        "${Kind}", "'Inlet'", "check('is long'): true", "${Length} > 20 [mm]: true", "${Length}", "20 [mm]",
+        "${Kind} == 'Wall': false", "${Kind}", "'Wall'"}},
+      {"${Kind} == 'Wall' implies ${Kind} == 'Outlet'",
+       {"${Kind} == 'Wall' implies ${Kind} == 'Outlet': true 1/2", "${Kind} == 'Wall': false", "${Kind}", "'Wall'",
+        "${Kind} == 'Outlet': false", "${Kind}", "'Outlet'"}},
+      {"if(${Kind} == 'Inlet', 1, 2)",
+       {"if(${Kind} == 'Inlet', 1, 2)", "${Kind} == 'Inlet': true", "${Kind}", "'Inlet'", "1", "2"}},
+      {"any({../Pipe:*}, ${Kind} == 'Inlet')",
+       {"any({../Pipe:*}, ${Kind} == 'Inlet'): true 1/2", "{../Pipe:*}", "${Kind} == 'Inlet': true", "${Kind}",
+        "'Inlet'", "${Kind} == 'Inlet': false", "${Kind}", "'Inlet'"}},
+  };
+  for (auto const& [expression, parts] : cases) {
+    auto const parsed = parseQuery(expression, *rules_);
+    ASSERT_TRUE(parsed.query) << format(parsed.diagnostics);
+    Explanation const all = parsed.query->explainAllParts(TDFContext("/Case/Pipe:feed"), model_);
+    std::vector<std::string> found;
+    for (Explanation::Node const& node : all.nodes) {
+      std::string line(all.textOf(node));
+      if (node.result.kind == Explanation::Result::Kind::Truth) line += node.result.truth ? ": true" : ": false";
+      if (node.total > 1) line += ' ' + std::to_string(node.agreeing) + '/' + std::to_string(node.total);
+      found.push_back(line);
+    }
+    EXPECT_EQ(found, parts) << expression;
+    EXPECT_FALSE(all.isMinimal);
+  }
+}
+
 TEST_F(QueryTest, SaysWhatItReads) {
   auto const parsed = parseQuery("${../Pipe:drain/Length} > 1 [m]", *rules_);
   ASSERT_TRUE(parsed.query);

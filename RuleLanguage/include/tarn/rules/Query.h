@@ -52,6 +52,10 @@ class TARN_EXPORT Query final : public RuleExpression {
   /// The expression as it was given.
   [[nodiscard]] std::string sourceText() const override;
   [[nodiscard]] Explanation explain(TDFContext const& context, ModelTDF const& model) const override;
+  /// As `explain`, with the value of every part: also of operands, branches and objects that did not decide. The reads
+  /// are then more than a proof needs, and `Explanation::isMinimal` is false. Parts beyond the limits of `Explanation`
+  /// are left out, and of a set or a row of more than 500 only the whole is given.
+  [[nodiscard]] Explanation explainAllParts(TDFContext const& context, ModelTDF const& model) const;
 
   /// Made by `parseQuery`.
   struct Parts;
