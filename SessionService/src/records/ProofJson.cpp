@@ -3,6 +3,7 @@
 #include <string>
 
 #include <tarn/service/ExplanationJson.h>
+#include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/service/SessionJson.h>
 
@@ -87,6 +88,7 @@ Json wayAsJson(session::Way const& way) {
   json["edits"] = jsonList(way.edits, editAsJson);
   json["effect"] = effectAsJson(way.result.effect);
   json["lost"] = jsonList(way.lost, valueChangeAsJson);
+  if (!way.findingsGained.empty()) json["findingsGained"] = jsonList(way.findingsGained, findingAsJson);
   if (way.atNextEdit) json["atNextEdit"] = true;
   return json;
 }
@@ -180,6 +182,7 @@ Json howAsJson(session::HowResult const& result) {
   json["trials"] = result.trials;
   json["completedEdits"] = result.completedEdits;
   if (result.stoppedByTime) json["stoppedByTime"] = true;
+  if (result.refused) json["refused"] = refusedAsJson(*result.refused);
   if (result.blocking) json["blocking"] = proofAsJson(*result.blocking);
   if (!result.freeParams.empty()) {
     json["freeParams"] = jsonList(result.freeParams, itemAsJson);

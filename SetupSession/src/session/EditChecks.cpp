@@ -301,7 +301,10 @@ EditChecks::Checked EditChecks::checkParam(Edit const& edit) const {
 
 EditChecks::Checked EditChecks::checkValue(Edit& edit) const {
   if (auto fault = checkParam(edit)) return fault;
-  bool const isAvailable = state_.value(edit.path, edit.name) != nullptr || isOffered_({edit.path, edit.name});
+  return readValue(edit, state_.value(edit.path, edit.name) != nullptr || isOffered_({edit.path, edit.name}));
+}
+
+EditChecks::Checked EditChecks::readValue(Edit& edit, bool isAvailable) const {
   EnteredValue entered =
       readEnteredValue(state_, state_.rulesOfParam(edit.path, edit.name), edit.path, edit.value, isAvailable);
   if (!entered.fault) {

@@ -28,6 +28,10 @@ class EditChecks {
   /// Judges the edit that was just made, with what the state said to it.
   [[nodiscard]] std::optional<Refused> after(Edit const& edit, std::optional<Refusal> refusal) const;
 
+  /// Reads the value of an edit that sets a known parameter, as `before` does. Allowed values are judged only if it is
+  /// available.
+  [[nodiscard]] std::optional<Refused> readValue(Edit& edit, bool isAvailable) const;
+
   /// The item that a path names, or why there is none.
   [[nodiscard]] std::optional<Refused> resolve(std::string const& text, Item& item) const;
 

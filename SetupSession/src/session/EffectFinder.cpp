@@ -18,7 +18,7 @@ bool EffectFinder::isOffered(Item const& item) const {
 
 void EffectFinder::noteUpdate(Edit const& edit) {
   ProvisionalTDF const& state = state_.state();
-  RuleReaders::Search search(readers_, state);
+  RuleReaders::Search search(readers_, state_);
   std::vector<RuleReaders::Reader> readers;
   bool isAnyChange = false;
   auto const changed = [&](ProvisionalTDF::ParamId const& param) {

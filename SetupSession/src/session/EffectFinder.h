@@ -45,6 +45,9 @@ class EffectFinder {
   /// Whether the item is on offer now, after the updates that were noted.
   [[nodiscard]] bool isOffered(Item const& item) const;
 
+  /// The items that can differ from before, each with what was seen of it.
+  [[nodiscard]] auto const& touchedItems() const noexcept { return items_; }
+
  private:
   struct Facts {
     bool isPresent = false;

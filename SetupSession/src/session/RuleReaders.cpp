@@ -10,43 +10,33 @@ namespace tarn::session {
 
 namespace {
 
-void collect(RuleExpression const* expression, RuleReads& reads) {
-  if (expression != nullptr) expression->collectReads(reads);
-}
-
-void collect(std::vector<ParamValueDef::GuardedText> const& texts, RuleReads& reads) {
+void collectReads(std::vector<ParamValueDef::GuardedText> const& texts, RuleReads& reads) {
   for (ParamValueDef::GuardedText const& text : texts) {
-    collect(text.when.get(), reads);
-    collect(text.value.get(), reads);
+    session::collectReads(text.when.get(), reads);
+    session::collectReads(text.value.get(), reads);
   }
 }
 
-bool namesOwnObject(PathPattern const& pattern) {
+}  // namespace
+
+void collectReads(RuleExpression const* expression, RuleReads& reads) {
+  if (expression != nullptr) expression->collectReads(reads);
+}
+
+void collectReads(ParamValueDef const& value, RuleReads& reads) {
+  collectReads(value.allowedValues.get(), reads);
+  for (auto const& [text, check] : value.allowedValueChecks) collectReads(check.get(), reads);
+  collectReads(value.subset.get(), reads);
+  collectReads(value.defaultValue.get(), reads);
+  collectReads(value.defaultChecks, reads);
+  collectReads(value.overrideChecks, reads);
+}
+
+bool RuleReaders::namesOwnObject(PathPattern const& pattern) noexcept {
   bool const startsThere =
       pattern.start() == PathPattern::Start::Context || pattern.start() == PathPattern::Start::Owner;
   return startsThere && pattern.steps().empty();
 }
-
-// The present objects of a type path.
-std::vector<std::string> objectsOfType(DynamicTDF const& tree, std::string_view typePath) {
-  std::vector<std::string> objects = {std::string()};
-  while (!typePath.empty() && !objects.empty()) {
-    std::string_view::size_type const end = typePath.find('/', 1);
-    std::string const type(typePath.substr(1, end == std::string_view::npos ? end : end - 1));
-    std::vector<std::string> next;
-    for (std::string const& object : objects) {
-      std::vector<std::string> children;
-      if (tree.getChildObjectPathsByType(object, type, children)) {
-        next.insert(next.end(), children.begin(), children.end());
-      }
-    }
-    objects = std::move(next);
-    typePath = end == std::string_view::npos ? std::string_view() : typePath.substr(end);
-  }
-  return objects;
-}
-
-}  // namespace
 
 RuleReaders::RuleReaders(PhysicsData const& rules) {
   for (ObjDependDef const* object : rules.objects()) {
@@ -55,7 +45,7 @@ RuleReaders::RuleReaders(PhysicsData const& rules) {
       if (value == nullptr) continue;
       auto const addPart = [&](Part part, auto const&... expressions) {
         RuleReads reads;
-        (collect(expressions, reads), ...);
+        (collectReads(expressions, reads), ...);
         if (reads.readsModel()) add({object, &param->name, part}, reads);
       };
       addPart(Part::Default, value->defaultValue.get(), value->defaultChecks);
@@ -107,7 +97,7 @@ void RuleReaders::Search::addAll(std::vector<std::size_t> const& entries, std::v
   for (std::size_t const index : entries) {
     if (!done_.insert(index).second) continue;
     Entry const& entry = readers_.entries_[index];
-    for (std::string& object : objectsOfType(state_.getActiveTree(), entry.object->typePath())) {
+    for (std::string& object : state_.presentObjects(entry.object->typePath())) {
       found.push_back({{std::move(object), *entry.name}, entry.part});
     }
   }

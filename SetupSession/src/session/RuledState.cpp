@@ -56,6 +56,25 @@ bool RuledState::hasObject(std::string const& path) const {
   return state_->hasObject(path);
 }
 
+std::vector<std::string> RuledState::presentObjects(std::string_view typePath) const {
+  DynamicTDF const& tree = state_->getActiveTree();
+  std::vector<std::string> objects = {std::string()};
+  while (!typePath.empty() && !objects.empty()) {
+    std::string_view::size_type const end = typePath.find('/', 1);
+    std::string const type(typePath.substr(1, end == std::string_view::npos ? end : end - 1));
+    std::vector<std::string> next;
+    for (std::string const& object : objects) {
+      std::vector<std::string> children;
+      if (tree.getChildObjectPathsByType(object, type, children)) {
+        next.insert(next.end(), children.begin(), children.end());
+      }
+    }
+    objects = std::move(next);
+    typePath = end == std::string_view::npos ? std::string_view() : typePath.substr(end);
+  }
+  return objects;
+}
+
 std::string const* RuledState::value(std::string const& path, std::string const& name) const {
   return state_->getActiveTree().findParameterValue(path, name);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -61,6 +62,8 @@ class RuledState {
   /// @name What the state has
   /// @{
   [[nodiscard]] bool hasObject(std::string const& path) const;
+  /// The present objects of a type path.
+  [[nodiscard]] std::vector<std::string> presentObjects(std::string_view typePath) const;
   [[nodiscard]] std::string const* value(std::string const& path, std::string const& name) const;
   /// The value that the user or the model asks for, or an override has left.
   [[nodiscard]] std::string const* askedValue(std::string const& path, std::string const& name) const;

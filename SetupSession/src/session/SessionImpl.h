@@ -25,6 +25,7 @@
 #include "session/Requests.h"
 #include "session/RuleReaders.h"
 #include "session/RuledState.h"
+#include "why/WaySearch.h"
 
 namespace tarn::session {
 
@@ -65,7 +66,7 @@ class SessionImpl {
 
   // Why and how: the folder why.
   [[nodiscard]] Proof why(Item const& item, WhyOptions const& options) const;
-  [[nodiscard]] HowResult how(Goal const& goal, HowOptions const& options) const;
+  [[nodiscard]] HowResult how(Goal const& asked, HowOptions const& options) const;
 
   // The parts that the session works with.
   [[nodiscard]] std::string const& root() const noexcept { return root_; }
@@ -111,6 +112,10 @@ class SessionImpl {
   void keepWayBack(Work& work, std::size_t effectSize, ProvisionalTDF::Mark mark) const;
   [[nodiscard]] std::optional<EditResult> undoAnew();
   void changed() noexcept { review_.reset(); }
+  [[nodiscard]] std::optional<Refused> readGoal(Goal& goal) const;
+  [[nodiscard]] Proof obstacle(Goal const& goal) const;
+  [[nodiscard]] std::vector<Way> bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
+                                          std::size_t most) const;
   [[nodiscard]] std::vector<ValueChange> lostBy(EditResult const& result) const;
 
   // Constant after construction.

@@ -2,7 +2,7 @@
 // the question is asked again, because a rule in the way is often the first of several.
 
 #include <algorithm>
-#include <chrono>
+#include <map>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -19,33 +19,6 @@
 namespace tarn::session {
 
 namespace {
-
-bool isReached(RuledState const& state, Goal const& goal) {
-  if (!goal.item.isParam()) return state.hasObject(goal.item.path);
-  std::string const* const value = state.value(goal.item.path, *goal.item.name);
-  if (value == nullptr || !goal.value) return value != nullptr;
-  ParamRules const rules = state.rulesOfParam(goal.item.path, *goal.item.name);
-  return *value == *goal.value || (rules && RuledState::isInForce(rules.value->type, *goal.value, *value));
-}
-
-/// The state as tried, in a form that distinguishes different states: what is different from the start, and what was
-/// asked for, whatever its order.
-std::string fingerprint(EditResult const& result) {
-  std::string key;
-  auto const append = [&](std::string const& text) { key += std::to_string(text.size()) + ':' + text; };
-  for (ValueChange const& change : result.effect.values) {
-    append(change.path);
-    append(change.name);
-    append(change.after ? 'v' + *change.after : std::string());
-  }
-  for (std::string const& path : result.effect.objectsCreated) append('+' + path);
-  for (std::string const& path : result.effect.objectsDeleted) append('-' + path);
-  std::vector<std::string> edits;
-  for (Edit const& edit : result.made) edits.push_back(sentenceOf(edit));
-  std::sort(edits.begin(), edits.end());
-  for (std::string const& edit : edits) append(edit);
-  return key;
-}
 
 /// Whether the goal can never be reached, for a reason that the rules alone show.
 bool isImpossible(RuledState const& state, Goal const& goal) {
@@ -65,30 +38,58 @@ bool isImpossible(RuledState const& state, Goal const& goal) {
   return fixed != nullptr && !fixed->items().contains(*goal.value);
 }
 
-/// A condition that reads nothing has the same result for ever.
+/// Whether the item is absent because of a part of a condition that reads nothing, so that it has the same result for
+/// ever.
 bool isAlwaysFalse(Proof const& proof) {
   ProofNode const* node = &proof.answer();
   while (node->fact == Fact::ObjectAbsent) node = &proof.nodes[node->children.front()];
-  return node->fact == Fact::NotAvailable && node->rules.size() == 1 && !node->isOutdated &&
-         node->rules.front().explanation.isComplete && node->rules.front().reads.empty() &&
-         node->rules.front().explanation.nodes.front().operation != Explanation::Operation::Opaque;
+  if (node->fact != Fact::NotAvailable || node->rules.size() != 1 || node->isOutdated) return false;
+  Explanation const& explanation = node->rules.front().explanation;
+  if (!explanation.isComplete || explanation.nodes.front().operation == Explanation::Operation::Opaque) return false;
+  auto const isNeeded = explanation.neededReads();
+  return std::find(isNeeded.begin(), isNeeded.end(), true) == isNeeded.end();
 }
 
-/// Whether an item is on offer, from the lists of the state.
-bool isListedAsOffered(ProvisionalTDF const& state, Item const& item) {
-  if (!item.isParam()) {
-    auto const& objects = state.getAvailPotObjects();
-    return std::find(objects.begin(), objects.end(), item.path) != objects.end();
-  }
-  auto const [begin, end] = state.getAvailPotParams().equal_range(item.path);
-  return std::any_of(begin, end, [&](auto const& entry) { return entry.second == *item.name; });
+std::size_t newErrors(Way const& way) {
+  return static_cast<std::size_t>(std::count_if(way.findingsGained.begin(), way.findingsGained.end(),
+                                                [](Finding const& f) { return f.severity == Severity::Error; }));
 }
 
-auto rankOf(Way const& way) {
+std::string textOf(std::vector<Edit> const& edits) {
   std::string text;
-  for (Edit const& edit : way.edits) text += sentenceOf(edit) + '\n';
-  return std::tuple(way.edits.size(), way.atNextEdit, way.lost.size(), way.result.effect.objectsDeleted.size(),
-                    way.result.effect.size(), std::move(text));
+  for (Edit const& edit : edits) text += sentenceOf(edit) + '\n';
+  return text;
+}
+
+/// The sequences without those that have the same edits in another order. To bring an optional parameter it is enough
+/// to switch it on; that some value of its own brings it as well says nothing more. Sequences that need a further edit
+/// count only if there are no others.
+std::vector<WaySearch::Found> withoutRepetitions(std::vector<WaySearch::Found> const& found, Goal const& goal) {
+  bool const isAnyAtOnce = std::any_of(found.begin(), found.end(), [](auto const& way) { return !way.atNextEdit; });
+  auto const isOfGoal = [&](Edit const& edit, Edit::Kind kind) {
+    return edit.kind == kind && !goal.value && edit.path == goal.item.path && edit.name == goal.item.name;
+  };
+  auto const switchesOn = [&](WaySearch::Found const& way) {
+    return std::any_of(way.edits.begin(), way.edits.end(),
+                       [&](Edit const& edit) { return isOfGoal(edit, Edit::Kind::ActivateParam); });
+  };
+  std::map<std::set<std::string>, std::size_t> known;
+  std::vector<WaySearch::Found> kept;
+  for (WaySearch::Found const& way : found) {
+    if (way.atNextEdit && isAnyAtOnce) continue;
+    std::set<std::string> edits;
+    for (Edit const& edit : way.edits) {
+      bool const isSame = isOfGoal(edit, Edit::Kind::SetParam);
+      edits.insert(sentenceOf(isSame ? Edit::activateParam(edit.path, edit.name) : edit));
+    }
+    auto const [entry, isNew] = known.try_emplace(std::move(edits), kept.size());
+    if (isNew) {
+      kept.push_back(way);
+    } else if (switchesOn(way) && !switchesOn(kept[entry->second])) {
+      kept[entry->second] = way;
+    }
+  }
+  return kept;
 }
 
 }  // namespace
@@ -103,108 +104,99 @@ Proof SessionImpl::why(Item const& item, WhyOptions const& options) const {
   return Prover(sources).prove(options.question, item, options.value, options.depth);
 }
 
-HowResult SessionImpl::how(Goal const& goal, HowOptions const& options) const {
+HowResult SessionImpl::how(Goal const& asked, HowOptions const& options) const {
   HowResult result;
-  result.goal = goal;
+  result.goal = asked;
   RuledState const& state = work_->ruled;
+  Goal goal = asked;
+  if (auto refused = readGoal(goal)) {
+    result.answer = HowAnswer::Impossible;
+    result.refused = std::move(refused);
+    return result;
+  }
   if (isReached(state, goal)) {
     result.answer = HowAnswer::AlreadySo;
     return result;
   }
-  bool const isPresent = goal.item.isParam() && state.value(goal.item.path, *goal.item.name) != nullptr;
-  result.blocking = why(goal.item, {isPresent ? Question::Allowed : Question::Presence, goal.value.value_or(""), 3});
+  result.blocking = obstacle(goal);
   if (isImpossible(state, goal) || isAlwaysFalse(*result.blocking)) {
     result.answer = HowAnswer::Impossible;
     return result;
   }
-
-  using Clock = std::chrono::steady_clock;
-  auto const end = Clock::now() + options.maxTime;
-  std::set<std::string> seen;
-  struct State {
-    std::vector<Edit> edits;
-    std::vector<Edit> candidates;
-  };
-
-  // The candidates of the state in force, which is that after the edits of `made`.
-  auto const candidatesNow = [&](EditResult const* made) {
-    Step step;
-    if (made != nullptr) step.made = made->made;
-    // A search looks at present values: what they were before decides only until the next edit.
-    Effect const none;
-    ProofSources const sources{state, [this](Item const& asked) { return isListedAsOffered(provisional(), asked); },
-                               [this](Item const& asked, std::size_t& number) {
-                                 return originOf(asked.path, asked.name.value_or(std::string()), number);
-                               },
-                               &step, &none};
-    Candidates candidates(sources, options.maxCandidates);
-    std::vector<Edit> edits = candidates.towards(goal);
-    for (Item const& item : candidates.freeParams()) {
-      auto& known = result.freeParams;
-      if (std::find(known.begin(), known.end(), item) == known.end()) known.push_back(item);
-    }
-    return edits;
-  };
-  // Rules that read what comes after them decide anew in the next update.
-  auto const isReachedNext = [&](Edit const& last) {
-    if (last.kind != Edit::Kind::SetParam && last.kind != Edit::Kind::ActivateParam &&
-        last.kind != Edit::Kind::DeactivateParam)
-      return false;
-    ProvisionalTDF::Mark const mark = work_->state->mark();
-    bool isSo = false;
-    try {
-      (void)work_->state->apply(last);
-      isSo = isReached(state, goal);
-    } catch (...) {
-      work_->state->rollback(mark);
-      throw;
-    }
-    work_->state->rollback(mark);
-    return isSo;
-  };
-
-  std::vector<State> level{{{}, candidatesNow(nullptr)}};
-  bool isStopped = false;
-  for (std::size_t length = 1; length <= options.maxEdits && !isStopped && result.ways.empty(); ++length) {
-    std::vector<State> next;
-    for (State const& from : level) {
-      for (Edit const& candidate : from.candidates) {
-        result.stoppedByTime = Clock::now() >= end;
-        isStopped = result.stoppedByTime || result.trials >= options.maxTrials;
-        if (isStopped) break;
-        if (std::find(from.edits.begin(), from.edits.end(), candidate) != from.edits.end()) continue;
-        State to;
-        to.edits = from.edits;
-        to.edits.push_back(candidate);
-        ++result.trials;
-        bool isThere = false;
-        bool isThereNext = false;
-        EditResult tried = attempt(*work_, to.edits, References::Stay, [&] {
-          isThere = isReached(state, goal);
-          isThereNext = !isThere && isReachedNext(candidate);
-          if (!isThere && !isThereNext && length < options.maxEdits) to.candidates = candidatesNow(nullptr);
-        });
-        if (tried.refused || !seen.insert(fingerprint(tried)).second) continue;
-        if (isThere || isThereNext) {
-          Way way;
-          way.edits = to.edits;
-          way.atNextEdit = isThereNext;
-          way.lost = lostBy(tried);
-          way.result = std::move(tried);
-          result.ways.push_back(std::move(way));
-          continue;
-        }
-        if (!to.candidates.empty()) next.push_back(std::move(to));
-      }
-      if (isStopped) break;
-    }
-    if (!isStopped) result.completedEdits = length;
-    level = std::move(next);
-  }
-  std::sort(result.ways.begin(), result.ways.end(), [](Way const& a, Way const& b) { return rankOf(a) < rankOf(b); });
-  if (result.ways.size() > options.maxWays) result.ways.resize(options.maxWays);
+  SearchGround const ground{
+      *work_->state, state, work_->offers, readers_, requests_, [this](Item const& item, std::size_t& step) {
+        return originOf(item.path, item.name.value_or(std::string()), step);
+      }};
+  WaySearch search(ground, goal, options);
+  std::vector<WaySearch::Found> const found = search.run();
+  result.trials = search.trials();
+  result.completedEdits = search.completedEdits();
+  result.stoppedByTime = search.isStoppedByTime();
+  result.freeParams = search.freeParams();
+  result.ways = bestWays(found, goal, options.maxWays);
   result.answer = result.ways.empty() ? HowAnswer::NotFound : HowAnswer::Found;
   return result;
+}
+
+/// Reads the value of a goal as that of an edit is read. Returns why the parameter can never have it.
+std::optional<Refused> SessionImpl::readGoal(Goal& goal) const {
+  if (!goal.item.isParam() || !goal.value) return std::nullopt;
+  if (!work_->ruled.rulesOfParam(goal.item.path, *goal.item.name)) return std::nullopt;
+  Edit edit = Edit::setParam(goal.item.path, *goal.item.name, *goal.value);
+  auto refused = EditChecks(work_->ruled, nullptr).readValue(edit, false);
+  if (!refused) goal.value = edit.value;
+  return refused;
+}
+
+/// The proof of what is instead of the goal.
+Proof SessionImpl::obstacle(Goal const& goal) const {
+  constexpr std::size_t depth = 3;
+  bool const isPresent = goal.item.isParam() && work_->ruled.value(goal.item.path, *goal.item.name) != nullptr;
+  if (!isPresent) return why(goal.item, {Question::Presence, {}, depth});
+  Proof refused = why(goal.item, {Question::Allowed, goal.value.value_or(std::string()), depth});
+  switch (refused.answer().fact) {
+    case Fact::NotInList:
+    case Fact::Unused:
+    case Fact::CheckFails:
+      return refused;
+    default:
+      return why(goal.item, {Question::Value, {}, depth});
+  }
+}
+
+std::vector<Way> SessionImpl::bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
+                                       std::size_t most) const {
+  // If there are very many sequences, the first ones are compared: they were tried first because they are the
+  // straightest.
+  constexpr std::size_t mostCompared = 100;
+  constexpr std::size_t mostReviewed = 12;
+  std::vector<Way> ways;
+  for (WaySearch::Found const& each : withoutRepetitions(found, goal)) {
+    if (ways.size() == mostCompared) break;
+    Way way;
+    way.edits = each.edits;
+    way.atNextEdit = each.atNextEdit;
+    way.result = attempt(*work_, each.edits, References::Stay);
+    if (way.result.refused) continue;
+    way.lost = lostBy(way.result);
+    ways.push_back(std::move(way));
+  }
+  auto const costOf = [](Way const& way) { return way.lost.size(); };
+  std::stable_sort(ways.begin(), ways.end(), [&](Way const& a, Way const& b) { return costOf(a) < costOf(b); });
+  // Only those can be among the best that lose no more than the last of the best.
+  if (ways.size() > most && most > 0) {
+    auto const limit = costOf(ways[most - 1]);
+    std::erase_if(ways, [&](Way const& way) { return costOf(way) > limit; });
+  }
+  if (ways.size() > std::max(most, mostReviewed)) ways.resize(std::max(most, mostReviewed));
+  for (Way& way : ways) way.findingsGained = tryWithFindings(way.edits, References::Stay).findingsGained;
+  auto const rankOf = [&](Way const& way) {
+    return std::tuple(costOf(way), newErrors(way), way.result.effect.objectsDeleted.size(), way.result.effect.size(),
+                      textOf(way.edits));
+  };
+  std::sort(ways.begin(), ways.end(), [&](Way const& a, Way const& b) { return rankOf(a) < rankOf(b); });
+  ways.resize(std::min(ways.size(), most));
+  return ways;
 }
 
 /// The values of the user and of the model that edits put out of force.

@@ -1,5 +1,7 @@
 #include <tarn/session/How.h>
 
+#include <algorithm>
+
 #include <tarn/session/Sentences.h>
 
 #include "session/Printable.h"
@@ -21,8 +23,6 @@ std::string wayText(Way const& way) {
   std::string text;
   for (Edit const& edit : way.edits) text += (text.empty() ? "" : "; then ") + sentenceOf(edit);
   if (way.atNextEdit) text += "; comes with the next edit";
-  if (way.lost.empty() && way.result.effect.objectsDeleted.empty()) return text;
-  text += "  (loses ";
   std::string losses;
   constexpr std::size_t mostNamed = 3;
   for (std::size_t i = 0; i < way.lost.size() && i < mostNamed; ++i) {
@@ -34,7 +34,13 @@ std::string wayText(Way const& way) {
   if (!way.result.effect.objectsDeleted.empty()) {
     losses += (losses.empty() ? "" : ", ") + counted(way.result.effect.objectsDeleted.size(), "object");
   }
-  return text + losses + ")";
+  std::size_t const errors = static_cast<std::size_t>(
+      std::count_if(way.findingsGained.begin(), way.findingsGained.end(),
+                    [](Finding const& finding) { return finding.severity == Severity::Error; }));
+  std::string remarks;
+  if (!losses.empty()) remarks = "loses " + losses;
+  if (errors > 0) remarks += (remarks.empty() ? "" : "; ") + counted(errors, "new error") + " of the review";
+  return remarks.empty() ? text : text + "  (" + remarks + ')';
 }
 
 }  // namespace
@@ -51,6 +57,7 @@ std::string textOf(HowResult const& result) {
       return text;
     case HowAnswer::Impossible:
       text = goal + " is impossible under these rules\n";
+      if (result.refused) text += "  " + result.refused->sentence + '\n';
       break;
     case HowAnswer::NotFound:
       text = "No way to " + goal + " was found: " + counted(result.trials, "trial") + ", all of up to " +

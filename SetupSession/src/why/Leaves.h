@@ -14,13 +14,13 @@ struct Leaf {
   bool wanted;
 };
 
-/// The parts whose change could change the result of the whole, in the order of the text. For a failing `and` all of
-/// them have to change, for a failing `or` one.
-[[nodiscard]] inline std::vector<Leaf> leavesOf(Explanation const& explanation) {
+/// The parts whose change could change the result of the node `whole`, in the order of the text. For a failing `and`
+/// all of them have to change, for a failing `or` one.
+[[nodiscard]] inline std::vector<Leaf> leavesOf(Explanation const& explanation, std::size_t whole = 0) {
   using Operation = Explanation::Operation;
   std::vector<Leaf> leaves;
   if (explanation.nodes.empty()) return leaves;
-  std::vector<std::size_t> open{0};
+  std::vector<std::size_t> open{whole};
   while (!open.empty()) {
     std::size_t const index = open.back();
     open.pop_back();

@@ -1,411 +1,326 @@
+// Breadth first: all single edits before all pairs. From each state two kinds of edits are tried. First come those that
+// change a part of a rule in the way; they go straight to the goal. If no sequence of a length reaches it, everything
+// is tried that can have to do with the goal at all: the first edits of a sequence may prepare what only later is in
+// the way, or take effect through the old values that a rule reads.
+//
+// After each edit the next update is looked at as well, because rules that read what comes after them decide anew then.
+// States that were reached before, with the same next update, are not continued.
+
 #include "why/WaySearch.h"
 
 #include <algorithm>
-#include <cmath>
+#include <new>
+#include <numeric>
 #include <utility>
 
-#include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
-#include "why/Leaves.h"
+#include "session/EditChecks.h"
+#include "why/Candidates.h"
 
 namespace tarn::session {
 
 namespace {
 
-using Operation = Explanation::Operation;
+/// Finding candidates counts as so many trials.
+constexpr std::size_t workOfCandidates = 8;
+/// A trial that touches so many items counts as one more.
+constexpr std::size_t itemsOfATrial = 50;
+constexpr std::size_t mostRelevant = 2000;
+/// No rule can give a parameter this name.
+constexpr char const* nameOfNothing = "\n";
 
-/// So many values of one parameter are tried, and so many aims are followed.
-constexpr std::size_t mostValues = 8;
-constexpr std::size_t mostAims = 200;
-constexpr std::size_t mostObjects = 3;
+/// Takes the state back at the end of the scope.
+class Rollback {
+ public:
+  explicit Rollback(ProvisionalTDF& state) : state_(state), mark_(state.mark()) {}
+  ~Rollback() { state_.rollback(mark_); }
+  Rollback(Rollback const&) = delete;
+  Rollback& operator=(Rollback const&) = delete;
 
-std::string wholeText(double number) {
-  std::string text = std::to_string(static_cast<long long>(number));
-  return text;
+ private:
+  ProvisionalTDF& state_;
+  ProvisionalTDF::Mark mark_;
+};
+
+std::string const* valueIn(ModelState const& model, Item const& param) {
+  auto const object = model.find(param.path);
+  if (object == model.end()) return nullptr;
+  auto const value = object->second.find(*param.name);
+  return value == object->second.end() ? nullptr : &value->second;
 }
 
-/// Values that are on the other side of a limit, for `p op limit`.
-std::vector<std::string> valuesBeside(Operation operation, bool wanted, Explanation::Result const& limit) {
-  if (std::isnan(limit.number) || std::abs(limit.number) > 1e15) return {};
-  bool const isBelow = (operation == Operation::Less || operation == Operation::LessEqual) == wanted;
-  bool const isStrict = (operation == Operation::Less || operation == Operation::Greater) == wanted;
-  double const next = isBelow ? std::ceil(limit.number) - 1 : std::floor(limit.number) + 1;
-  std::vector<std::string> values;
-  if (!isStrict) values.push_back(limit.text);
-  values.push_back(wholeText(next));
-  return values;
+bool isOfObject(Edit const& edit) {
+  return edit.kind != Edit::Kind::SetParam && edit.kind != Edit::Kind::ActivateParam &&
+         edit.kind != Edit::Kind::DeactivateParam;
 }
 
-Operation mirrored(Operation operation) {
-  switch (operation) {
-    case Operation::Less:
-      return Operation::Greater;
-    case Operation::LessEqual:
-      return Operation::GreaterEqual;
-    case Operation::Greater:
-      return Operation::Less;
-    case Operation::GreaterEqual:
-      return Operation::LessEqual;
-    default:
-      return operation;
-  }
-}
-
-Item itemOf(ModelRead const& read) {
-  return {read.object, read.isParameter() ? std::optional(read.name) : std::nullopt};
+std::string textOf(Edit const& edit) {
+  return std::to_string(static_cast<int>(edit.kind)) + edit.path + '\n' + edit.name + '\n' + edit.value;
 }
 
 }  // namespace
 
-std::vector<Edit> Candidates::towards(Goal const& goal) {
-  aimAt({goal.item, goal.value});
-  for (std::size_t i = 0; i < aims_.size() && !isFull(); ++i) open(Aim(aims_[i]));
-  return std::move(edits_);
+bool isReached(RuledState const& state, Goal const& goal) {
+  if (!goal.item.isParam()) return state.hasObject(goal.item.path);
+  std::string const* const value = state.value(goal.item.path, *goal.item.name);
+  if (value == nullptr || !goal.value) return value != nullptr;
+  if (*value == *goal.value) return true;
+  ParamRules const rules = state.rulesOfParam(goal.item.path, *goal.item.name);
+  if (!rules) return false;
+  if (TDFParam::valuesEqual(rules.value->type, *goal.value, *value)) return true;
+  // Without units, the first ones are meant.
+  auto const asked = TDFParam::asQuantity(*goal.value);
+  if (rules.value->type != TDFParam::Real || !asked || !asked->units.empty()) return false;
+  QuantityType const* const type = state.rules().findQuantityType(state.quantityType(rules, goal.item.path));
+  return type != nullptr && !type->units().empty() &&
+         TDFParam::valuesEqual(TDFParam::Real, *goal.value + " [" + type->units().front().text + ']', *value);
 }
 
-void Candidates::add(Edit edit) {
-  if (isFull() || std::find(edits_.begin(), edits_.end(), edit) != edits_.end()) return;
-  edits_.push_back(std::move(edit));
+Edit emptyEdit(ProvisionalTDF const& state) {
+  return Edit::activateParam(state.getActiveRoot(), nameOfNothing);
 }
 
-void Candidates::aimAt(Aim aim) {
-  if (aims_.size() >= mostAims || !StringUtilities::isPathRootedAt(state_.state().getActiveRoot(), aim.item.path))
-    return;
-  if (known_.insert(aim).second) aims_.push_back(std::move(aim));
+/// The edits of one branch of the search, with the items that they touch.
+class WaySearch::Branch {
+ public:
+  explicit Branch(SearchGround const& ground)
+      : ground_(&ground), finder_(ground.ruled, ground.offers, ground.readers, ground.requests) {}
+
+  /// False when the edit is refused; the state may have changed then.
+  bool make(Edit const& edit) {
+    EditChecks const checks(ground_->ruled, [this](Item const& item) { return isOffered(item); });
+    Edit made = edit;
+    if (checks.before(made)) return false;
+    std::optional<Refusal> const refusal = ground_->state.apply(made);
+    if (checks.after(made, refusal)) return false;
+    finder_.noteUpdate(made);
+    if (isOfObject(made)) objectEdits_.push_back(textOf(made));
+    return true;
+  }
+  void makeEmpty() {
+    Edit const edit = emptyEdit(ground_->state);
+    (void)ground_->state.apply(edit);
+    finder_.noteUpdate(edit);
+  }
+
+  [[nodiscard]] bool isOffered(Item const& item) const { return finder_.isOffered(item); }
+  [[nodiscard]] EffectFinder const& finder() const noexcept { return finder_; }
+  [[nodiscard]] std::vector<std::string> const& objectEdits() const noexcept { return objectEdits_; }
+
+ private:
+  SearchGround const* ground_;
+  EffectFinder finder_;
+  std::vector<std::string> objectEdits_;
+};
+
+WaySearch::WaySearch(SearchGround const& ground, Goal const& goal, HowOptions const& options)
+    : ground_(ground), goal_(goal), options_(options), end_(Clock::now() + options.maxTime) {
+  std::string const root = ground.state.getActiveRoot();
+  active_ = ground.state.getActiveTDFState();
+  guide_ = ground.state.getGuideTree().getState(root);
+  for (auto const& [item, count] : ground.requests.decided()) {
+    auto const decision = item.isParam() ? ground.state.getParamDecision(item.path, *item.name)
+                                         : ground.state.getObjectDecision(item.path);
+    if (decision) decisions_[item] = *decision;
+  }
 }
 
-void Candidates::open(Aim const& aim) {
-  bool const isPresent =
-      aim.item.isParam() ? state_.value(aim.item.path, *aim.item.name) != nullptr : state_.hasObject(aim.item.path);
-  if (aim.isAbsence) {
-    if (isPresent) openAbsence(aim.item);
-    return;
+std::vector<WaySearch::Found> WaySearch::run() {
+  seen_.insert(fingerprint(Branch(ground_)));
+  std::vector<State> level(1);
+  for (std::size_t length = 1; length <= options_.maxEdits && !level.empty(); ++length) {
+    std::vector<State> next;
+    bool isComplete =
+        expand(level, next, options_.maxTrials, [this](Branch const& branch) { return candidatesIn(branch); });
+    if (!found_.empty() || isStoppedByTime_) break;
+    // Half of what is left is kept for the next length, where the straight way may lead on.
+    std::size_t const left = options_.maxTrials - std::min(options_.maxTrials, work_);
+    std::size_t const most = length < options_.maxEdits ? work_ + left / 2 : options_.maxTrials;
+    if (!relevant_) relevant_.emplace(ground_.ruled.rules(), goal_.item);
+    isComplete = expand(level, next, most, [this](Branch const& branch) { return relevantIn(branch); }) && isComplete;
+    if (isComplete && !isCutOff_ && completedEdits_ == length - 1) completedEdits_ = length;
+    if (!found_.empty() || isStoppedByTime_) break;
+    if (next.empty() && completedEdits_ == length) completedEdits_ = options_.maxEdits;
+    level = std::move(next);
   }
-  if (!isPresent) {
-    Proof const proof = Prover(sources_).prove(Question::Presence, aim.item, {}, 1);
-    openPresence(aim, proof, 0);
-    return;
+  for (Found& way : found_) {
+    if (way.atNextEdit) reorder(way);
   }
-  if (!aim.item.isParam() || !aim.value) return;
-  Proof const why = Prover(sources_).prove(Question::Value, aim.item, {}, 1);
-  if (why.answer().fact == Fact::Override) {
-    openRules(why.answer());
-    return;
-  }
-  Proof const allowed = Prover(sources_).prove(Question::Allowed, aim.item, *aim.value, 1);
-  switch (allowed.answer().fact) {
-    case Fact::NotInList:
-    case Fact::CheckFails:
-      openRules(allowed.answer());
-      return;
-    case Fact::Unused:
-    case Fact::UnknownToTheRules:
-      return;
-    default:
-      break;
-  }
-  add(Edit::setParam(aim.item.path, *aim.item.name, *aim.value));
-  if (!state_.state().getParamDecision(aim.item.path, *aim.item.name).value_or(true)) {
-    add(Edit::activateParam(aim.item.path, *aim.item.name));
-  }
+  return std::move(found_);
 }
 
-/// Switches an item off, and looks for what would withdraw it.
-void Candidates::openAbsence(Item const& item) {
-  Proof const proof = Prover(sources_).prove(Question::Presence, item, {}, 1);
-  if (proof.answer().fact == Fact::AskedFor) {
-    bool const isNamed = item.path.find(':', item.path.rfind('/') + 1) != std::string::npos;
-    if (item.isParam()) {
-      add(Edit::deactivateParam(item.path, *item.name));
-    } else {
-      add(isNamed ? Edit::removeObject(item.path) : Edit::deactivateObject(item.path));
+/// In another order, the last edit may be the one whose update completes the goal.
+void WaySearch::reorder(Found& way) {
+  std::vector<std::size_t> order(way.edits.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  while (std::next_permutation(order.begin(), order.end())) {
+    if (isOverBudget(options_.maxTrials)) return;
+    ++trials_;
+    ++work_;
+    Rollback const back(ground_.state);
+    try {
+      Branch branch(ground_);
+      bool const isMade = std::all_of(order.begin(), order.end(),
+                                      [&](std::size_t const index) { return branch.make(way.edits[index]); });
+      if (!isMade || !isReached(ground_.ruled, goal_)) continue;
+    } catch (std::bad_alloc const&) {
+      throw;
+    } catch (std::exception const&) {
+      continue;  // A rule fails after one of these edits.
     }
-  }
-  openRules(proof.answer());
-  if (item.isParam()) aimAt({{item.path, std::nullopt}, std::nullopt, true});
-}
-
-void Candidates::openPresence(Aim const& aim, Proof const& proof, std::size_t index) {
-  ProofNode const& node = proof.nodes[index];
-  Item const& item = node.item;
-  switch (node.fact) {
-    case Fact::ObjectAbsent:
-      aimAt({proof.nodes[node.children.front()].item, std::nullopt});
-      return;
-    case Fact::NotLive:
-      if (node.contextParam.empty()) return;
-      for (std::string const& value : node.needed) {
-        std::string const holder = item.isParam() ? item.path : std::string(PathUtils::parentOf(item.path));
-        setTo({holder, node.contextParam}, value);
-      }
-      return;
-    case Fact::NotAvailable:
-    case Fact::NoAllowedValue:
-    case Fact::NameNotAllowed:
-      if (node.isOutdated) {
-        // The rules would have it now, so it comes when it is asked for.
-        ask(aim);
-        return;
-      }
-      openRules(node);
-      if (node.fact == Fact::NameNotAllowed) add(Edit::addObject(item.path));
-      return;
-    case Fact::NotAskedFor:
-      add(Edit::addObject(item.path));
-      return;
-    case Fact::NeverSwitchedOn:
-    case Fact::SwitchedOff:
-      if (!item.isParam() || node.fact == Fact::NeverSwitchedOn) {
-        ask(aim);
-        return;
-      }
-      if (aim.value) setTo(item, *aim.value);
-      add(Edit::activateParam(item.path, *item.name));
-      return;
-    case Fact::ValueRefused:
-      add(Edit::activateParam(item.path, *item.name));
-      if (aim.value) setTo(item, *aim.value);
-      for (std::size_t const child : node.children) openRules(proof.nodes[child]);
-      return;
-    default:
-      return;
-  }
-}
-
-/// Asks for an item that is available, or would be in the next update.
-void Candidates::ask(Aim const& aim) {
-  Item const& item = aim.item;
-  if (!item.isParam()) {
-    add(Edit::activateObject(item.path));
-  } else if (aim.value) {
-    add(Edit::setParam(item.path, *item.name, *aim.value));
-  } else {
-    add(Edit::activateParam(item.path, *item.name));
-    // Another value than the default may be what the rest of a rule needs.
-    for (std::string const& value : valuesOf(item)) add(Edit::setParam(item.path, *item.name, value));
-  }
-}
-
-void Candidates::openRules(ProofNode const& node) {
-  for (ProofRule const& rule : node.rules) {
-    Explanation const& explanation = rule.explanation;
-    if (explanation.nodes.empty()) continue;
-    if (explanation.nodes.front().result.kind != Explanation::Result::Kind::Truth) {
-      openReads(explanation, 0);
-      continue;
-    }
-    for (Leaf const& leaf : leavesOf(explanation)) openLeaf(explanation, leaf.node, leaf.wanted);
-  }
-}
-
-void Candidates::openLeaf(Explanation const& explanation, std::size_t index, bool wanted) {
-  Explanation::Node const& node = explanation.nodes[index];
-  switch (node.operation) {
-    case Operation::Equal:
-    case Operation::NotEqual:
-    case Operation::Less:
-    case Operation::LessEqual:
-    case Operation::Greater:
-    case Operation::GreaterEqual:
-    case Operation::In:
-    case Operation::NotIn:
-      openComparison(explanation, node, wanted);
-      break;
-    case Operation::Parameter: {
-      if (node.reads.empty()) break;
-      Item const item = itemOf(explanation.reads[node.reads.front()]);
-      setTo(item, wanted ? "true" : "false");
-      if (!wanted) aimAt({item, std::nullopt, true});
-      return;
-    }
-    case Operation::Exists:
-      for (std::size_t const read : node.reads) {
-        ModelRead const& asked = explanation.reads[read];
-        if (asked.isParameter() || asked.kind == ModelRead::Kind::Object) {
-          aimAt({itemOf(asked), std::nullopt, !wanted});
-        } else {
-          changeObjects(asked);
-        }
-      }
-      return;
-    case Operation::Any:
-    case Operation::All:
-      openSet(explanation, node);
-      return;
-    default:
-      break;
-  }
-  openReads(explanation, index);
-}
-
-void Candidates::openComparison(Explanation const& explanation, Explanation::Node const& node, bool wanted) {
-  if (node.children.size() != 2) return;
-  for (std::size_t side = 0; side < 2; ++side) {
-    Explanation::Node const& subject = explanation.nodes[node.children[side]];
-    Explanation::Node const& other = explanation.nodes[node.children[1 - side]];
-    if (subject.operation == Operation::Count) openSet(explanation, subject);
-    if (subject.operation != Operation::Parameter || subject.reads.empty()) continue;
-    Item const item = itemOf(explanation.reads[subject.reads.front()]);
-    Operation const operation = side == 0 ? node.operation : mirrored(node.operation);
-    switch (operation) {
-      case Operation::Equal:
-      case Operation::NotEqual: {
-        std::string const value = other.result.kind == Explanation::Result::Kind::Truth
-                                      ? (other.result.truth ? "true" : "false")
-                                      : other.result.text;
-        if ((operation == Operation::Equal) == wanted) {
-          setTo(item, value);
-        } else {
-          setToOthers(item, value);
-          aimAt({item, std::nullopt, true});
-        }
-        break;
-      }
-      case Operation::In:
-      case Operation::NotIn:
-        if (side != 0) break;
-        if ((operation == Operation::In) == wanted) {
-          for (std::string const& value : other.result.items) setTo(item, value);
-        } else {
-          setToOthers(item, {});
-          aimAt({item, std::nullopt, true});
-        }
-        break;
-      default:
-        for (std::string const& value : valuesBeside(operation, wanted, other.result)) setTo(item, value);
-        break;
-    }
-  }
-}
-
-void Candidates::openSet(Explanation const& explanation, Explanation::Node const& node) {
-  std::size_t objects = 0;
-  for (std::size_t const child : node.children) {
-    Explanation::Node const& part = explanation.nodes[child];
-    if (part.operation == Operation::Objects) {
-      for (std::size_t const read : part.reads) changeObjects(explanation.reads[read]);
-      continue;
-    }
-    if (part.result.kind != Explanation::Result::Kind::Truth || ++objects > mostObjects) continue;
-    // The leaves of the condition in the context of this object.
-    std::vector<std::size_t> open{child};
-    while (!open.empty()) {
-      std::size_t const index = open.back();
-      open.pop_back();
-      Explanation::Node const& below = explanation.nodes[index];
-      bool const isOpened = below.operation == Operation::Not || below.operation == Operation::And ||
-                            below.operation == Operation::Or || below.operation == Operation::Implies ||
-                            below.operation == Operation::NamedRule;
-      if (isOpened) {
-        open.insert(open.end(), below.children.rbegin(), below.children.rend());
-      } else {
-        openLeaf(explanation, index, !below.result.truth);
-      }
-    }
-    if (part.context.find(':', part.context.rfind('/') + 1) != std::string::npos) add(Edit::removeObject(part.context));
-  }
-}
-
-void Candidates::openReads(Explanation const& explanation, std::size_t node) {
-  std::vector<std::size_t> open{node};
-  while (!open.empty()) {
-    Explanation::Node const& part = explanation.nodes[open.back()];
-    open.pop_back();
-    for (std::size_t const read : part.reads) {
-      ModelRead const& asked = explanation.reads[read];
-      if (asked.isParameter()) {
-        setToOthers(itemOf(asked), asked.value);
-        if (!asked.isPresent) aimAt({itemOf(asked), std::nullopt});
-      } else {
-        changeObjects(asked);
-      }
-    }
-    open.insert(open.end(), part.children.rbegin(), part.children.rend());
-  }
-}
-
-/// Adds an object to a set that was read, or switches on an object that was not there.
-void Candidates::changeObjects(ModelRead const& read) {
-  if (read.kind == ModelRead::Kind::Object) {
-    if (!read.isPresent) aimAt({{read.object, std::nullopt}, std::nullopt});
+    std::vector<Edit> edits;
+    for (std::size_t const index : order) edits.push_back(way.edits[index]);
+    way = {std::move(edits), false};
     return;
   }
-  if (read.kind != ModelRead::Kind::ChildrenOfType) return;
-  if (!state_.hasObject(read.object)) {
-    aimAt({{read.object, std::nullopt}, std::nullopt});
-    return;
-  }
-  for (auto const& offered : state_.state().getAvailPotObjects()) {
-    if (PathUtils::parentOf(offered) == read.object && PathUtils::lastType(offered) == read.name) {
-      add(Edit::activateObject(offered));
+}
+
+bool WaySearch::isOverBudget(std::size_t mostWork) {
+  isStoppedByTime_ = isStoppedByTime_ || Clock::now() >= end_;
+  return isStoppedByTime_ || work_ >= mostWork;
+}
+
+bool WaySearch::expand(std::vector<State>& level, std::vector<State>& next, std::size_t mostWork,
+                       std::function<std::vector<Edit>(Branch const&)> const& editsIn) {
+  for (State& state : level) {
+    if (isOverBudget(mostWork)) return false;
+    Rollback const back(ground_.state);
+    try {
+      Branch branch(ground_);
+      for (Edit const& edit : state.edits) (void)branch.make(edit);
+      for (Edit& edit : editsIn(branch)) {
+        if (isOverBudget(mostWork)) return false;
+        if (std::find(state.tried.begin(), state.tried.end(), edit) != state.tried.end()) continue;
+        tryEdit(branch, state, edit, next);
+        state.tried.push_back(std::move(edit));
+      }
+    } catch (std::bad_alloc const&) {
+      throw;
+    } catch (std::exception const&) {
+      // A rule fails in this state, and it is not known what could be done about it.
+      if (state.edits.empty()) throw;
     }
   }
-  ChildRules const rules = state_.rulesOfChild(read.object + '/' + read.name);
-  if (!rules || rules.entry->singleton) {
-    if (rules) aimAt({{read.object + '/' + read.name, std::nullopt}, std::nullopt});
-    return;
+  return true;
+}
+
+void WaySearch::tryEdit(Branch const& from, State const& state, Edit const& edit, std::vector<State>& next) {
+  ++trials_;
+  ++work_;
+  Rollback const back(ground_.state);
+  try {
+    Branch branch = from;
+    if (!branch.make(edit)) return;
+    bool const isThere = isReached(ground_.ruled, goal_);
+    std::string print = isThere ? std::string() : fingerprint(branch) + '\n';
+    if (!isThere) branch.makeEmpty();
+    bool const isThereNext = !isThere && isReached(ground_.ruled, goal_);
+    work_ += branch.finder().touchedItems().size() / itemsOfATrial;
+    std::vector<Edit> edits = state.edits;
+    edits.push_back(edit);
+    if (isThere || isThereNext) {
+      found_.push_back({std::move(edits), isThereNext});
+      return;
+    }
+    if (edits.size() == options_.maxEdits) return;
+    print += fingerprint(branch);
+    if (seen_.insert(std::move(print)).second) next.push_back({std::move(edits), {}});
+  } catch (std::bad_alloc const&) {
+    throw;
+  } catch (std::exception const&) {
+    return;  // A rule fails after this edit.
   }
-  aimAt({{read.object + '/' + read.name + ':' + freeName(read.object, read.name), std::nullopt}, std::nullopt});
 }
 
-std::string Candidates::freeName(std::string const& parent, std::string const& type) const {
-  std::string const prefix = parent + '/' + type + ':';
-  std::size_t number = 1;
-  std::string name;
-  do {
-    name = "new" + std::to_string(number++);
-  } while (state_.hasObject(prefix + name) || state_.state().getGuideTree().hasObject(prefix + name));
-  return name;
+std::vector<Edit> WaySearch::candidatesIn(Branch const& branch) {
+  std::vector<Edit> edits = candidatesNow(branch);
+  // The next edit meets the state that the next update makes by itself.
+  std::string const print = fingerprint(branch);
+  Rollback const back(ground_.state);
+  Branch next = branch;
+  next.makeEmpty();
+  if (fingerprint(next) == print) return edits;
+  for (Edit& edit : candidatesNow(next)) {
+    if (std::find(edits.begin(), edits.end(), edit) == edits.end()) edits.push_back(std::move(edit));
+  }
+  return edits;
 }
 
-void Candidates::setTo(Item const& item, std::string const& value) {
-  ParamRules const rules = state_.rulesOfParam(item.path, *item.name);
-  if (!rules || value.empty()) return;
-  bool const isFree =
-      rules.value->allowedValueKind == ParamValueDef::NoAllowedValues && rules.value->type != TDFParam::Logical;
-  if (isFree && std::find(freeParams_.begin(), freeParams_.end(), item) == freeParams_.end())
+std::vector<Edit> WaySearch::candidatesNow(Branch const& branch) {
+  work_ += workOfCandidates;
+  // The search looks at present values: what they were before decides only until the next edit.
+  Step const step;
+  Effect const none;
+  ProofSources const sources{ground_.ruled, [&](Item const& item) { return branch.isOffered(item); }, ground_.originOf,
+                             &step, &none};
+  Candidates candidates(sources, options_.maxCandidates);
+  std::vector<Edit> edits = candidates.towards(goal_);
+  for (Item const& item : candidates.freeParams()) {
+    if (mentioned_.contains(item)) continue;
+    mentioned_[item];
     freeParams_.push_back(item);
-  std::string const* const present = state_.value(item.path, *item.name);
-  // An offered parameter can be given its value at once; what is absent has to come first.
-  if (present == nullptr && sources_.isOffered(item)) {
-    ParamAllowedValues const allowed = state_.allowedValues(rules, item.path);
-    if (!allowed.hasAllowedValues || allowed.isAllowedValue(value, false)) {
-      add(Edit::setParam(item.path, *item.name, value));
-      if (!state_.state().getParamDecision(item.path, *item.name).value_or(true)) {
-        add(Edit::activateParam(item.path, *item.name));
-      }
-      return;
+  }
+  for (Edit const& edit : edits) {
+    if (edit.kind != Edit::Kind::SetParam) continue;
+    auto const free = mentioned_.find({edit.path, edit.name});
+    if (free != mentioned_.end()) free->second.insert(edit.value);
+  }
+  return edits;
+}
+
+std::vector<Edit> WaySearch::relevantIn(Branch const& /*branch*/) {
+  work_ += workOfCandidates;
+  return relevant_->in(
+      ground_.ruled,
+      [this](Item const& item) {
+        auto const found = mentioned_.find(item);
+        return found != mentioned_.end() ? &found->second : nullptr;
+      },
+      mostRelevant, isCutOff_);
+}
+
+/// The difference from the start, in a form that is the same for the same state. Copies and removals of objects are
+/// named as such, since not all that they change is listed.
+std::string WaySearch::fingerprint(Branch const& branch) const {
+  std::string key;
+  auto const append = [&](std::string const& text) {
+    key += std::to_string(text.size());
+    key += ':';
+    key += text;
+  };
+  ProvisionalTDF const& state = ground_.state;
+  for (auto const& [item, touched] : branch.finder().touchedItems()) {
+    if (item.name == nameOfNothing) continue;
+    auto const before = decisions_.find(item);
+    auto const decision =
+        item.isParam() ? state.getParamDecision(item.path, *item.name) : state.getObjectDecision(item.path);
+    auto const decided = before == decisions_.end() ? std::nullopt : std::optional(before->second);
+    std::string facts;
+    if (decision != decided) facts += decision ? *decision ? "on" : "off" : "none";
+    if (item.isParam()) {
+      std::string const* const value = ground_.ruled.value(item.path, *item.name);
+      std::string const* const asked = ground_.ruled.askedValue(item.path, *item.name);
+      std::string const* const valueBefore = valueIn(active_, item);
+      std::string const* const askedBefore = valueIn(guide_, item);
+      auto const isSame = [](std::string const* a, std::string const* b) {
+        return (a == nullptr) == (b == nullptr) && (a == nullptr || *a == *b);
+      };
+      if (!isSame(value, valueBefore)) facts += value != nullptr ? "v" + *value : "V";
+      if (!isSame(asked, askedBefore)) facts += asked != nullptr ? "\na" + *asked : "\nA";
+    } else {
+      facts += ground_.ruled.hasObject(item.path) ? "o" : "O";
     }
+    if (facts.empty()) continue;
+    append(item.path);
+    append(item.name.value_or(std::string()));
+    append(facts);
   }
-  aimAt({item, value});
-}
-
-std::vector<std::string> Candidates::valuesOf(Item const& item) const {
-  ParamRules const rules = state_.rulesOfParam(item.path, *item.name);
-  if (!rules) return {};
-  ParamAllowedValues const allowed = state_.allowedValues(rules, item.path);
-  std::vector<std::string> values;
-  std::string const byDefault = state_.defaultValue(rules, item.path, allowed);
-  if (!byDefault.empty()) values.push_back(byDefault);
-  if (allowed.hasAllowedValues) {
-    values.insert(values.end(), allowed.allowedValues.begin(), allowed.allowedValues.end());
-  } else if (rules.value->type == TDFParam::Logical) {
-    values.insert(values.end(), {"true", "false"});
-  }
-  return values;
-}
-
-void Candidates::setToOthers(Item const& item, std::string const& avoided) {
-  if (!StringUtilities::isPathRootedAt(state_.state().getActiveRoot(), item.path)) return;
-  std::string const* const present = state_.value(item.path, *item.name);
-  std::size_t count = 0;
-  for (std::string const& value : valuesOf(item)) {
-    if (value == avoided || (present != nullptr && value == *present)) continue;
-    if (++count > mostValues + 1) return;
-    setTo(item, value);
-  }
+  std::vector<std::string> edits = branch.objectEdits();
+  std::sort(edits.begin(), edits.end());
+  for (std::string const& edit : edits) append(edit);
+  return key;
 }
 
 }  // namespace tarn::session

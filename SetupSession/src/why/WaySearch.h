@@ -1,69 +1,111 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
-#include <tuple>
+#include <unordered_set>
 #include <vector>
 
 #include <tarn/Edit.h>
+#include <tarn/ModelState.h>
+#include <tarn/ProvisionalTDF.h>
 #include <tarn/session/How.h>
 #include <tarn/session/Item.h>
+#include <tarn/session/ParamRecord.h>
 
+#include "session/EffectFinder.h"
 #include "session/RuledState.h"
-#include "why/Prover.h"
+#include "why/RelevantEdits.h"
 
 namespace tarn::session {
 
-/// Finds edits that may bring one state nearer to a goal: those that change a part of a rule in the way.
-/// It goes from the goal to what its rules have read, and on to the rules of what is absent among that.
-class Candidates {
- public:
-  /// `sources` are those of the state to search from.
-  Candidates(ProofSources const& sources, std::size_t most) : sources_(sources), state_(sources.state), most_(most) {}
+/// The session that is searched. All must outlive the search.
+struct SearchGround {
+  ProvisionalTDF& state;
+  RuledState const& ruled;
+  OfferIndex const& offers;
+  RuleReaders const& readers;
+  Requests const& requests;
+  std::function<Origin(Item const&, std::size_t& step)> originOf;
+};
 
-  [[nodiscard]] std::vector<Edit> towards(Goal const& goal);
-  /// Parameters in the way that can have any number or text.
+/// Whether a goal is reached in the present state.
+[[nodiscard]] bool isReached(RuledState const& state, Goal const& goal);
+
+/// An edit that the rules do not know. Making it only completes what the update before has left for the next one.
+[[nodiscard]] Edit emptyEdit(ProvisionalTDF const& state);
+
+/// Searches for the shortest sequences of edits after which a goal is reached. Every edit is made, and everything is
+/// taken back.
+class WaySearch {
+ public:
+  struct Found {
+    std::vector<Edit> edits;
+    bool atNextEdit = false;
+  };
+
+  WaySearch(SearchGround const& ground, Goal const& goal, HowOptions const& options);
+
+  /// All sequences of the shortest length that were found, in the order in which they were tried. Throws what a rule
+  /// throws that is asked before the first edit; edits whose rules throw lead nowhere.
+  [[nodiscard]] std::vector<Found> run();
+
+  [[nodiscard]] std::size_t trials() const noexcept { return trials_; }
+  /// Every sequence of edits that have to do with the goal was tried, up to this length.
+  [[nodiscard]] std::size_t completedEdits() const noexcept { return completedEdits_; }
+  [[nodiscard]] bool isStoppedByTime() const noexcept { return isStoppedByTime_; }
   [[nodiscard]] std::vector<Item> const& freeParams() const noexcept { return freeParams_; }
 
  private:
-  /// An item that should be present, have another value, or be absent.
-  struct Aim {
-    Item item;
-    std::optional<std::string> value;
-    bool isAbsence = false;
-    friend bool operator<(Aim const& a, Aim const& b) {
-      return std::tie(a.item, a.value, a.isAbsence) < std::tie(b.item, b.value, b.isAbsence);
-    }
+  using Clock = std::chrono::steady_clock;
+
+  /// A state that was reached, and not the goal.
+  struct State {
+    std::vector<Edit> edits;
+    /// The edits that were tried from it.
+    std::vector<Edit> tried;
   };
+  class Branch;
 
-  void add(Edit edit);
-  void aimAt(Aim aim);
-  void open(Aim const& aim);
-  void openAbsence(Item const& item);
-  void openPresence(Aim const& aim, Proof const& proof, std::size_t node);
-  void ask(Aim const& aim);
-  void openRules(ProofNode const& node);
-  void openLeaf(Explanation const& explanation, std::size_t leaf, bool wanted);
-  void openComparison(Explanation const& explanation, Explanation::Node const& node, bool wanted);
-  void openSet(Explanation const& explanation, Explanation::Node const& node);
-  /// Every parameter that a part has read takes other values.
-  void openReads(Explanation const& explanation, std::size_t node);
-  void changeObjects(ModelRead const& read);
-  void setTo(Item const& item, std::string const& value);
-  void setToOthers(Item const& item, std::string const& avoided);
-  [[nodiscard]] std::vector<std::string> valuesOf(Item const& item) const;
-  [[nodiscard]] std::string freeName(std::string const& parent, std::string const& type) const;
-  [[nodiscard]] bool isFull() const noexcept { return edits_.size() >= most_; }
+  /// Tries edits from every state of the level, and adds the new states to `next`. `editsIn` returns the edits for the
+  /// state in force. False when a bound has ended it.
+  bool expand(std::vector<State>& level, std::vector<State>& next, std::size_t mostWork,
+              std::function<std::vector<Edit>(Branch const&)> const& editsIn);
+  void tryEdit(Branch const& from, State const& state, Edit const& edit, std::vector<State>& next);
+  void reorder(Found& way);
+  [[nodiscard]] std::vector<Edit> candidatesIn(Branch const& branch);
+  [[nodiscard]] std::vector<Edit> candidatesNow(Branch const& branch);
+  [[nodiscard]] std::vector<Edit> relevantIn(Branch const& branch);
+  [[nodiscard]] std::string fingerprint(Branch const& branch) const;
+  [[nodiscard]] bool isOverBudget(std::size_t mostWork);
 
-  ProofSources const& sources_;
-  RuledState const& state_;
-  std::size_t most_;
-  std::vector<Edit> edits_;
-  std::vector<Aim> aims_;
-  std::set<Aim> known_;
+  SearchGround const& ground_;
+  Goal const& goal_;
+  HowOptions const& options_;
+  Clock::time_point end_;
+
+  // The state at the start.
+  ModelState active_;
+  ModelState guide_;
+  std::map<Item, bool> decisions_;
+
+  std::optional<RelevantEdits> relevant_;
+  /// Values that rules in the way ask of parameters that can have any value.
+  std::map<Item, std::set<std::string>> mentioned_;
   std::vector<Item> freeParams_;
+  std::unordered_set<std::string> seen_;
+  std::vector<Found> found_;
+  std::size_t trials_ = 0;
+  /// Trials, with those counted more often that touch very many items, and with the search for candidates.
+  std::size_t work_ = 0;
+  std::size_t completedEdits_ = 0;
+  bool isCutOff_ = false;
+  bool isStoppedByTime_ = false;
 };
 
 }  // namespace tarn::session

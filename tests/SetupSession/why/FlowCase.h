@@ -94,10 +94,11 @@ struct FlowCase {
   std::unique_ptr<PhysicsData> rules;
   std::unique_ptr<Session> session;
 
-  explicit FlowCase(ModelState model = {{"/Case", {}}, {"/Case/Domain:rotor", {}}}, char const* text = flowRules)
+  explicit FlowCase(ModelState model = {{"/Case", {}}, {"/Case/Domain:rotor", {}}}, char const* text = flowRules,
+                    char const* root = "/Case")
       : rules(tarn::rules::parseRules(text, "flow.rules.yaml")) {
     SessionOptions options;
-    options.root = "/Case";
+    options.root = root;
     session = std::move(Session::open(*rules, model, options).session);
   }
 

@@ -31,7 +31,7 @@ TEST(How, ThreeEditsTogether) {
   FlowCase const flow({{"/Case", {}}, {rotor, {{"Motion", "Rotating"}}}});
   EXPECT_EQ(howText(flow, {{rotor, "Drag"}, {}}), R"(
 /Case/Domain:rotor/Drag comes with this:
-  set /Case/Domain:rotor/Angular Velocity to "11"; then set /Case/Domain:rotor/Material to "Water"; then set /Case/Flow Regime to "Turbulent"
+  set /Case/Domain:rotor/Angular Velocity to "11"; then set /Case/Domain:rotor/Material to "Water"; then set /Case/Flow Regime to "Turbulent"  (1 new error of the review)
 )");
 }
 
@@ -63,8 +63,9 @@ TEST(How, ValueUnderAnOverride) {
   FlowCase const flow;
   flow.session->edit(Edit::setParam(rotor, "Material", "Water"));
   EXPECT_EQ(howText(flow, {{rotor, "Wall Treatment"}, "Rough"}), R"(
-/Case/Domain:rotor/Wall Treatment = 'Rough' comes with this:
+/Case/Domain:rotor/Wall Treatment = 'Rough' comes with any of these:
   set /Case/Domain:rotor/Material to "Air"; then set /Case/Domain:rotor/Wall Treatment to "Rough"
+  switch off /Case/Domain:rotor/Material; then set /Case/Domain:rotor/Wall Treatment to "Rough"
 )");
 }
 
@@ -121,6 +122,177 @@ TEST(How, SearchChangesNothing) {
   EXPECT_TRUE(flow.session->steps().empty());
   EXPECT_EQ(flow.session->edit(Edit::setParam(rotor, "Motion", "Rotating")),
             untouched.session->edit(Edit::setParam(rotor, "Motion", "Rotating")));
+}
+
+char const* const pumpRules = R"rules(Rule Database: 1
+Pertinent Roots: [Plant]
+Quantity Types:
+  Length: {Units: [m, mm]}
+Objects:
+  /Plant:
+    Parameters:
+      Never: {Available: "false", Parameter Type: Logical}
+      Hardly: {Available: "${Stage} == 'Two' and false", Parameter Type: Logical}
+      Stage: {Required: yes, Parameter Type: String, Ordered Allowed String List: [One, Two]}
+      Main Pump:
+        Required: yes
+        Parameter Type: String
+        Value List Source: names({/Plant/Pump:*})
+      Spare Pumps:
+        Available: count({/Plant/Pump:*}, ${Kind} == 'Piston') >= 3
+        Parameter Type: Integer
+      Single Pump:
+        Available: count({/Plant/Pump:*}) == 1
+        Parameter Type: Logical
+      Long Pipe:
+        Available: ${Length} > 2.5
+        Parameter Type: Logical
+      Both Pipes:
+        Available: ${Length} + ${Return} >= 10
+        Parameter Type: Logical
+      Named:
+        Available: contains(${Title}, 'pump')
+        Parameter Type: Logical
+      Length: {Required: yes, Parameter Type: Real, Quantity Type: Length, Default Value: "1 [m]", Upper Bound: "6 [m]"}
+      Return: {Required: yes, Parameter Type: Real, Default Value: 2}
+      Title: {Required: yes, Parameter Type: String, Default Value: Untitled}
+    Children:
+      Pump: {Required: yes}
+      Tank: {Singleton: yes, Coupled: yes, Available: "any({/Plant/Pump:*}, ${Kind} == 'Screw')"}
+  /Plant/Pump:
+    Parameters:
+      Kind: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Piston, Gear, Screw]}
+  /Plant/Tank:
+    Parameters:
+      Volume: {Required: yes, Parameter Type: Real, Default Value: 3}
+)rules";
+
+struct PumpCase : FlowCase {
+  PumpCase() : FlowCase({{"/Plant", {}}, {"/Plant/Pump:a", {}}, {"/Plant/Pump:b", {}}}, pumpRules, "/Plant") {}
+};
+
+TEST(How, RuleThatIsNeverTrueMakesAGoalImpossible) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Never"}, {}}), R"(
+/Plant/Never is impossible under these rules
+/Plant/Never is absent: not available
+  Available: false  (flow.rules.yaml:8:27)
+)");
+  EXPECT_EQ(pumps.session->how({{"/Plant", "Hardly"}, {}}).answer, HowAnswer::Impossible);
+}
+
+TEST(How, ValueThatCannotBeReadMakesAGoalImpossible) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Length"}, "long"}), R"(
+/Plant/Length = 'long' is impossible under these rules
+  The parameter "Length" in "/Plant" cannot have the value "long": it is not a number.
+)");
+}
+
+TEST(How, GoalInOtherUnitsIsTheSameGoal) {
+  PumpCase const pumps;
+  EXPECT_EQ(pumps.session->how({{"/Plant", "Length"}, "1"}).answer, HowAnswer::AlreadySo);
+  EXPECT_EQ(pumps.session->how({{"/Plant", "Length"}, "1 [mm]"}).answer, HowAnswer::Found);
+}
+
+TEST(How, ItemsOfAListInAnotherOrderAreAnotherGoal) {
+  FlowCase const flow({{"/Case", {}}}, R"rules(Rule Database: 1
+Objects:
+  /Case:
+    Parameters:
+      Order: {Required: yes, Parameter Type: String List, Ordered Allowed String List: [Mass, Energy], Complete List Required: yes}
+)rules");
+  std::string const present = flow.session->lookParam("/Case", "Order")->value.value();
+  EXPECT_EQ(flow.session->how({{"/Case", "Order"}, "Energy, Mass"}).answer,
+            present == "Energy,Mass" ? HowAnswer::AlreadySo : HowAnswer::Found);
+  EXPECT_EQ(flow.session->how({{"/Case", "Order"}, "Mass, Energy"}).answer,
+            present == "Mass,Energy" ? HowAnswer::AlreadySo : HowAnswer::Found);
+}
+
+TEST(How, ObjectIsAddedForAValueThatNamesIt) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Main Pump"}, "c"}), R"(
+/Plant/Main Pump = 'c' comes with any of these:
+  add /Plant/Pump:c; then set /Plant/Main Pump to "c"
+  copy /Plant/Pump:a to the name "c"; then set /Plant/Main Pump to "c"
+  copy /Plant/Pump:b to the name "c"; then set /Plant/Main Pump to "c"
+)");
+}
+
+TEST(How, ObjectIsAddedWhereThereAreTooFew) {
+  PumpCase const pumps;
+  HowResult const result = pumps.session->how({{"/Plant", "Spare Pumps"}, {}});
+  ASSERT_EQ(result.answer, HowAnswer::Found);
+  EXPECT_EQ(result.ways.front().edits.size(), 2U) << textOf(result);
+  EXPECT_EQ(result.ways.front().edits.back(), Edit::activateParam("/Plant", "Spare Pumps")) << textOf(result);
+}
+
+TEST(How, ObjectIsRemovedWhereThereAreTooMany) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Single Pump"}, {}}, {.maxWays = 1}), R"(
+/Plant/Single Pump comes with this:
+  remove /Plant/Pump:a; then switch on /Plant/Single Pump  (loses 1 object)
+)");
+}
+
+TEST(How, ObjectBecomesAvailableThroughAnother) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant/Tank", "Volume"}, {}}, {.maxWays = 1}), R"(
+/Plant/Tank/Volume comes with this:
+  set /Plant/Pump:a/Kind to "Screw"; then switch on /Plant/Tank
+)");
+}
+
+TEST(How, NumberBeyondALimitDiffersInItsLastDigit) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Long Pipe"}, {}}), R"(
+/Plant/Long Pipe comes with this:
+  set /Plant/Length to "2.6"; then switch on /Plant/Long Pipe
+)");
+}
+
+TEST(How, NumbersThatAreAddedAreSolvedAndTheWayWithoutNewErrorsComesFirst) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Both Pipes"}, {}}, {.maxWays = 20}), R"(
+/Plant/Both Pipes comes with any of these:
+  set /Plant/Return to "10"; then switch on /Plant/Both Pipes
+  set /Plant/Return to "9"; then switch on /Plant/Both Pipes
+  set /Plant/Length to "10"; then switch on /Plant/Both Pipes  (1 new error of the review)
+  set /Plant/Length to "8"; then switch on /Plant/Both Pipes  (1 new error of the review)
+  set /Plant/Length to "9"; then switch on /Plant/Both Pipes  (1 new error of the review)
+)");
+}
+
+TEST(How, TextThatARuleLooksForIsTried) {
+  PumpCase const pumps;
+  EXPECT_EQ(howText(pumps, {{"/Plant", "Named"}, {}}), R"(
+/Plant/Named comes with this:
+  set /Plant/Title to "pump"; then switch on /Plant/Named
+)");
+}
+
+TEST(How, UserValuesAreKeptRatherThanLost) {
+  // Both ways have one edit. One of them withdraws a value of the user.
+  FlowCase const flow({{"/Case", {}}}, R"rules(Rule Database: 1
+Objects:
+  /Case:
+    Parameters:
+      Mode: {Required: yes, Parameter Type: String, Ordered Allowed String List: [A, B, C]}
+      Note: {Available: "${Mode} != 'B'", Parameter Type: String}
+      Goal: {Required: yes, Available: "${Mode} in ('B', 'C')", Parameter Type: String, Default Value: x}
+)rules");
+  flow.session->edit(Edit::setParam("/Case", "Note", "mine"));
+  EXPECT_EQ(howText(flow, {{"/Case", "Goal"}, {}}), R"(
+/Case/Goal comes with any of these:
+  set /Case/Mode to "C"
+  set /Case/Mode to "B"  (loses /Case/Note = 'mine')
+)");
+}
+
+TEST(How, SameQuestionGetsTheSameAnswer) {
+  FlowCase const first;
+  FlowCase const second;
+  EXPECT_EQ(howText(first, {{rotor, "Drag"}, {}}), howText(second, {{rotor, "Drag"}, {}}));
 }
 
 }  // namespace
