@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -133,7 +135,7 @@ TEST_F(EditOnATerminal, ABeginningOfACommandWillDoIfThereIsOnlyOne) {
 TEST_F(EditOnATerminal, AValueThatIsNotAvailableWaitsAndIsNamedWhenSavingLeavesItOut) {
   auto const terminal = start();
   EXPECT_EQ(answer(*terminal, "set Step = 5", "/Plant *> "),
-            "done 1: /Plant/Step = 5 waits: not available now: Only a transient run has steps.");
+            "done 1: /Plant/Step = 5 waits: not available now: Only a transient run has\r\n    steps.");
   EXPECT_EQ(answer(*terminal, "save", "/Plant> "),
             "plant.tdf holds this already.\r\n"
             "! 1 not in the file, because it is not in force:\r\n"
@@ -210,9 +212,9 @@ TEST_F(EditOnATerminal, AFileThatSomeoneElseChangedIsWrittenOverOnlyAfterYes) {
 TEST_F(EditOnATerminal, WhenSavingFailsTheWorkGoesOn) {
   auto const terminal = start();
   answer(*terminal, "set Mode = Transient", "/Plant *> ");
-  EXPECT_THAT(answer(*terminal, "save nowhere/plant.tdf", "/Plant *> "),
-              AllOf(StartsWith("not done: "), HasSubstr("nowhere/plant.tdf"),
-                    EndsWith("Nothing is lost: your edits are still here.")));
+  EXPECT_THAT(
+      answer(*terminal, "save nowhere/plant.tdf", "/Plant *> "),
+      AllOf(StartsWith("not done: "), HasSubstr("nowhere/plant.tdf"), EndsWith("Your edits are still\r\n    here.")));
   EXPECT_THAT(answer(*terminal, "save over /dev/full", "/Plant *> "), StartsWith("not done: "));
   EXPECT_EQ(answer(*terminal, "save", "/Plant> "), "saved plant.tdf");
 }
@@ -347,6 +349,27 @@ TEST_F(EditOnATerminal, ALineOfAHundredThousandCharactersIsAnsweredInAFewWords) 
   EXPECT_THAT(terminal->waitFor("\r\n/Plant> "), HasSubstr("refused"));
   terminal->type("set Mode = " + std::string(100'000, 'x') + "\r");
   EXPECT_THAT(terminal->waitFor("  possible: Steady, Transient"), HasSubstr("refused"));
+}
+
+TEST_F(EditOnATerminal, LongLinesAreDividedBetweenWordsAtEveryWidthAndCommandsAreNot) {
+  auto const terminal = start();
+  for (unsigned short const columns : std::array<unsigned short, 3>{60, 80, 120}) {
+    terminal->resize(40, columns);
+    std::string shown =
+        answer(*terminal, "set Step = 5", "/Plant *> ") + "\r\n" + answer(*terminal, "waiting", "/Plant *> ") + "\r\n" +
+        answer(*terminal, "why Step", "/Plant *> ") + "\r\n" +
+        answer(*terminal, "save /a folder/that is not/there/and has a long name/plant.tdf", "/Plant *> ");
+    std::istringstream lines(shown);
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_LE(line.size(), columns + std::size_t{1}) << line;  // with the end of the line
+    }
+    std::string const proposed =
+        answer(*terminal, "set Mode = Transient for a very long and useless while", "/Plant *> ");
+    EXPECT_THAT(proposed, HasSubstr("possible: Steady, Transient"));
+    std::string const nearest =
+        answer(*terminal, "sett Step = 1 and a very long text that no line can hold at once", "/Plant *> ");
+    EXPECT_THAT(nearest, HasSubstr("nearest: set Step = 1 and a very long text that no line can hold at once"));
+  }
 }
 
 TEST_F(EditOnATerminal, ControlCharactersDoNoHarm) {

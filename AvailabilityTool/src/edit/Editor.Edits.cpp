@@ -221,7 +221,7 @@ Outcome Editor::tryEdit(std::string_view text) {
         '\n' + findingLines("-", tried.findingsLost);
   }
   after += "Nothing has changed.";
-  if (isTypeable(*edit)) after += " \"" + shortened(commandText(*edit), 1000) + "\" does it.";
+  if (isTypeable(*edit)) after += " \"" + unbroken(shortened(commandText(*edit), 1000)) + "\" does it.";
   screen_.print(after + '\n');
   return Outcome::Done;
 }

@@ -20,6 +20,17 @@ using session::Refused;
 
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
+/// Whether all lines of `part` are lines of `text`.
+bool hasLinesOf(std::string const& text, std::string_view part) {
+  std::string const lines = '\n' + text;
+  while (!part.empty()) {
+    std::size_t const end = std::min(part.find('\n'), part.size());
+    if (end > 0 && lines.find('\n' + std::string(part.substr(0, end)) + '\n') == std::string::npos) return false;
+    part.remove_prefix(std::min(end + 1, part.size()));
+  }
+  return true;
+}
+
 /// The edit that asks for the goal itself.
 Edit goalEdit(session::Goal const& goal) {
   if (!goal.item.isParam()) return Edit::activateObject(goal.item.path);
@@ -241,11 +252,16 @@ Outcome Editor::why(std::string_view text) {
     options.depth = depth;
     options.question = session::Question::LastEdit;
     session::Proof const last = session_.why(goal->item, options);
-    if (last.answer().fact != session::Fact::NotChanged) answer += textOf(last, mostLines);
+    if (last.answer().fact != session::Fact::NotChanged) {
+      std::string const because = textOf(last, mostLines);
+      // The rules that decide now are mostly those that decided then.
+      if (hasLinesOf(because, answer.substr(firstLine(answer).size()))) answer = firstLine(answer) + '\n';
+      answer += because;
+    }
   }
   if (isWorthHow(proof) && isTypeable(goalEdit(*goal))) {
     std::string const value = goal->value ? " = " + *goal->value : "";
-    answer += "next: " + painted("how " + goal->item.text() + value, Colour::Green, screen_.look()) + '\n';
+    answer += "next: " + painted(unbroken("how " + goal->item.text() + value), Colour::Green, screen_.look()) + '\n';
   }
   screen_.page(answer);
   return Outcome::Done;
@@ -257,7 +273,8 @@ Outcome Editor::how(std::string_view text) {
   screen_.page(howText(session_.how(*goal), [&](std::vector<Edit> const& edits) {
     std::vector<std::string> commands;
     if (!std::all_of(edits.begin(), edits.end(), isTypeable)) return commands;
-    for (Edit const& edit : edits) commands.push_back(painted(commandText(edit), Colour::Green, screen_.look()));
+    for (Edit const& edit : edits)
+      commands.push_back(painted(unbroken(commandText(edit)), Colour::Green, screen_.look()));
     return commands;
   }));
   return Outcome::Done;

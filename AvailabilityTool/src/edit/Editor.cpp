@@ -121,7 +121,7 @@ std::size_t Editor::unsavedSteps() const {
 Outcome Editor::fail(std::string const& sentence, std::string const& meant) {
   std::string text = screen_.isTerminal() ? painted("not done", Colour::Red, screen_.look()) + ": " : "";
   text += sentence + '\n';
-  if (!meant.empty()) text += "  nearest: " + painted(meant, Colour::Green, screen_.look()) + '\n';
+  if (!meant.empty()) text += "  nearest: " + painted(unbroken(meant), Colour::Green, screen_.look()) + '\n';
   screen_.complain(text);
   return Outcome::Failed;
 }
@@ -134,6 +134,7 @@ Outcome Editor::refuse(session::Refused const& refused) {
 ResultTextOptions Editor::resultOptions() const {
   ResultTextOptions options;
   options.look = screen_.look();
+  options.command = [](Edit const& edit) { return unbroken(commandText(edit)); };
   options.opener = [](std::optional<Section> section) {
     return "effects " + (section ? std::string(sectionWord(*section)) : std::string("all"));
   };

@@ -462,14 +462,8 @@ class ResultWriter {
   void addSections(std::string& text) {
     // A line that is wider than the terminal takes several rows.
     auto const linesOf = [&](std::string_view lines) {
-      std::size_t const width = options_.look.width == 0 ? lines.size() + 1 : options_.look.width;
-      std::size_t rows = 0;
-      while (!lines.empty()) {
-        std::size_t const end = std::min(lines.find('\n'), lines.size());
-        rows += std::max<std::size_t>(1, (charactersOf(lines.substr(0, end)) + width - 1) / width);
-        lines.remove_prefix(std::min(end + 1, lines.size()));
-      }
-      return rows;
+      std::string const rows = wrapped(lines, options_.look.width);
+      return static_cast<std::size_t>(std::count(rows.begin(), rows.end(), '\n'));
     };
     std::size_t used = linesOf(text);
     for (std::size_t i = 0; i < parts_.size(); ++i) {

@@ -11,6 +11,8 @@
 #include <ostream>
 #include <string_view>
 
+#include "edit/ShownText.h"
+
 namespace tarn::tool {
 
 namespace {
@@ -67,22 +69,27 @@ TextLook Screen::look() const {
 }
 
 void Screen::print(std::string const& text) {
-  out_ << text;
+  write(wrapped(text, look().width));
+}
+
+void Screen::write(std::string const& lines) {
+  out_ << lines;
   out_.flush();
 }
 
 void Screen::complain(std::string const& text) {
   if (isTerminal_) return print(text);
   out_.flush();
-  err_ << "zev: " << (line_ == 0 ? "" : "line " + std::to_string(line_) + ": ") << text;
+  err_ << "zev: " << (line_ == 0 ? "" : "line " + std::to_string(line_) + ": ") << wrapped(text, 0);
   err_.flush();
 }
 
 void Screen::page(std::string const& text) {
   // The prompt needs a row, too.
   auto const rows = static_cast<std::size_t>(windowSize().ws_row);
-  bool const isLong = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) >= rows;
-  if (!canMoveCursor_ || !isLong || !runPager(text)) print(text);
+  std::string const lines = wrapped(text, look().width);
+  bool const isLong = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')) >= rows;
+  if (!canMoveCursor_ || !isLong || !runPager(lines)) write(lines);
 }
 
 bool Screen::runPager(std::string const& text) {

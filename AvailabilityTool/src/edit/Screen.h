@@ -19,6 +19,7 @@ class Screen {
   /// The look for the terminal as it is now. A window can change its size at any time.
   [[nodiscard]] TextLook look() const;
 
+  /// Lines that are longer than the terminal is wide are divided between words.
   void print(std::string const& text);
   /// As `print`. A text that is longer than the screen goes through the pager: the program that the environment
   /// variable PAGER names, otherwise `less`. There is none if PAGER is empty or `cat`.
@@ -29,6 +30,7 @@ class Screen {
   void setLine(std::size_t line) noexcept { line_ = line; }
 
  private:
+  void write(std::string const& lines);
   [[nodiscard]] bool runPager(std::string const& text);
 
   std::ostream& out_;

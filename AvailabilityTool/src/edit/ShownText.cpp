@@ -1,6 +1,7 @@
 // Names and values come from files and from users, and a terminal acts on some of their bytes. Nothing reaches it raw.
 #include "edit/ShownText.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -94,6 +95,80 @@ std::size_t charactersOf(std::string_view text) noexcept {
   std::size_t count = 0;
   for (char const c : text) count += (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;
   return count;
+}
+
+namespace {
+
+constexpr char keptBlank = '\x1F';
+
+/// The number of columns of a text that may have colours in it.
+std::size_t columnsOf(std::string_view text) noexcept {
+  std::size_t count = 0;
+  while (!text.empty()) {
+    if (text.front() == '\x1B') {
+      std::size_t const end = text.find('m');
+      text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+      continue;
+    }
+    count += charactersOf(text.substr(0, 1));
+    text.remove_prefix(1);
+  }
+  return count;
+}
+
+/// Appends a line, divided.
+void wrapLine(std::string& result, std::string_view line, std::size_t width) {
+  std::size_t const margin = std::min(line.find_first_not_of(' '), line.size());
+  constexpr std::size_t furtherIn = 4;
+  constexpr std::size_t leastRoom = 20;
+  std::size_t const indent = margin + furtherIn + leastRoom > width ? 0 : margin + furtherIn;
+  std::size_t used = margin;
+  result.append(margin, ' ');
+  line.remove_prefix(margin);
+  bool isFirst = true;  // of its row
+  while (!line.empty()) {
+    std::size_t const blanks = std::min(line.find_first_not_of(' '), line.size());
+    std::size_t const end = std::min(line.find(' ', blanks), line.size());
+    std::string_view const word = line.substr(blanks, end - blanks);
+    std::size_t const columns = columnsOf(word);
+    if (!isFirst && used + blanks + columns > width) {
+      result += '\n';
+      result.append(indent, ' ');
+      used = indent;
+    } else {
+      result.append(blanks, ' ');
+      used += blanks;
+    }
+    result += word;
+    used += columns;
+    isFirst = false;
+    line.remove_prefix(end);
+  }
+}
+
+}  // namespace
+
+std::string unbroken(std::string text) {
+  std::replace(text.begin(), text.end(), ' ', keptBlank);
+  return text;
+}
+
+std::string wrapped(std::string_view text, std::size_t width) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    std::size_t const end = std::min(text.find('\n'), text.size());
+    std::string_view const line = text.substr(0, end);
+    if (width == 0 || columnsOf(line) <= width) {
+      result += line;
+    } else {
+      wrapLine(result, line, width);
+    }
+    if (end < text.size()) result += '\n';
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  std::replace(result.begin(), result.end(), keptBlank, ' ');
+  return result;
 }
 
 std::string padded(std::string text, std::size_t characters) {
