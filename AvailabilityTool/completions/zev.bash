@@ -28,20 +28,24 @@ _zev() {
       mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
       return
       ;;
+    --coverage)
+      mapfile -t COMPREPLY < <(compgen -W 'text json lcov' -- "$current")
+      return
+      ;;
     --fail-on)
       mapfile -t COMPREPLY < <(compgen -W 'error warning' -- "$current")
       return
       ;;
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
-    -j | --jobs | --limit | --depth | --filter) return ;;                  # a number or a text
+    -j | --jobs | --limit | --depth | --filter | --fail-under) return ;;                  # a number or a text
   esac
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
     validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
     lint) options+=' --rules --format --fail-on --severity' ;;
-    test) options+=' --rules --filter --format -j --jobs' ;;
+    test) options+=' --rules --filter --format -j --jobs --coverage --coverage-out --fail-under' ;;
     edit)
       options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
       options+=' --follow-references --format'

@@ -4,15 +4,18 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include <tarn/StringUtilities.h>
 #include <tarn/rules/Diagnostic.h>
+#include <tarn/workbench/RuleCoverage.h>
 #include <tarn/workbench/RuleTests.h>
 
 #include "cli/Counted.h"
@@ -22,6 +25,7 @@
 #include "cli/OrderedResults.h"
 #include "cli/Progress.h"
 #include "cli/RuleFiles.h"
+#include "coverage/CoverageOptions.h"
 #include "reports/TestReport.h"
 
 namespace tarn::tool {
@@ -35,6 +39,7 @@ struct TestOptions {
   std::vector<std::string> tests;
   std::string filter;
   Format format = Format::Text;
+  CoverageOptions coverage;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
@@ -52,6 +57,12 @@ std::vector<std::size_t> chosenTests(workbench::RuleTests const& tests, std::str
   throw Failure("--filter: no name of a test contains \"" + filter + '"');
 }
 
+/// What one test gives.
+struct Run {
+  workbench::TestResult result;
+  std::optional<workbench::RuleCoverage> coverage;
+};
+
 int test(TestOptions const& options, std::ostream& out, std::ostream& err) {
   auto const rules = loadRuleFiles(options.rules, err);
   auto const tests = workbench::RuleTests::read({options.tests.begin(), options.tests.end()});
@@ -61,16 +72,24 @@ int test(TestOptions const& options, std::ostream& out, std::ostream& err) {
     throw Failure("the tests cannot be run; see above");
   }
   std::vector<std::size_t> const chosen = chosenTests(tests, options.filter);
-  OrderedResults<workbench::TestResult> results(chosen.size(), options.jobs,
-                                                [&](std::size_t i) { return tests.run(chosen[i], *rules); });
+  OrderedResults<Run> results(chosen.size(), options.jobs, [&](std::size_t i) {
+    Run run;
+    if (options.coverage.isOn()) run.coverage.emplace(*rules);
+    run.result = tests.run(chosen[i], *rules, run.coverage ? &*run.coverage : nullptr);
+    return run;
+  });
+  workbench::RuleCoverage coverage(*rules);
+  std::ostream& text = options.coverage.takesOutput() ? err : out;
   Progress progress(err, standardErrorIsTerminal(), chosen.size());
   std::vector<TestOutcome> outcomes;
   for (std::size_t const i : chosen) {
     progress.begin(tests.name(i));
-    outcomes.push_back({tests.name(i), tests.place(i), results.next()});
+    Run run = results.next();
+    if (run.coverage) coverage.add(*run.coverage);
+    outcomes.push_back({tests.name(i), tests.place(i), std::move(run.result)});
     if (options.format != Format::Text || outcomes.back().result.passed()) continue;
     progress.hide();
-    writeTestAsText(out, outcomes.back());
+    writeTestAsText(text, outcomes.back());
   }
   progress.hide();
   std::size_t const failed = failedTests(outcomes);
@@ -87,7 +106,8 @@ int test(TestOptions const& options, std::ostream& out, std::ostream& err) {
       writeTestsAsJUnit(out, outcomes);
       break;
   }
-  return failed == 0 ? NothingFound : FindingsMade;
+  bool const isCovered = !options.coverage.isOn() || reportCoverage(options.coverage, coverage, out, err);
+  return failed == 0 && isCovered ? NothingFound : FindingsMade;
 }
 
 }  // namespace
@@ -116,6 +136,7 @@ void addTestCommand(CLI::App& app, Command& chosen) {
   command->add_option("-j,--jobs", options->jobs, "Run up to N tests at once; default: the number of processor cores")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));
+  addCoverageOptions(*command, options->coverage);
   command->add_option("TESTS", options->tests, "Files of tests, and folders with *.rule-tests.yaml")
       ->type_name("")
       ->required();
@@ -127,6 +148,7 @@ void addTestCommand(CLI::App& app, Command& chosen) {
       "Exit status: 0 all tests passed, 1 a test failed, 2 wrong usage, or rules or tests that could not be read.");
   command->callback([options, format, &chosen] {
     options->format = *format == "json" ? Format::Json : *format == "junit" ? Format::JUnit : Format::Text;
+    requireSound(options->coverage, options->format == Format::Text);
     chosen = [options](std::ostream& out, std::ostream& err) { return test(*options, out, err); };
   });
 }

@@ -89,9 +89,9 @@ TextPlace const& RuleTests::place(std::size_t test) const {
   return parts_->tests.at(test).place;
 }
 
-TestResult RuleTests::run(std::size_t test, PhysicsData const& rules) const {
+TestResult RuleTests::run(std::size_t test, PhysicsData const& rules, RuleCoverage* coverage) const {
   auto const begin = std::chrono::steady_clock::now();
-  TestResult result = TestRun(parts_->tests.at(test), rules).result();
+  TestResult result = TestRun(parts_->tests.at(test), rules, coverage).result();
   result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   return result;
 }

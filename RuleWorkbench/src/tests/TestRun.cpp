@@ -17,6 +17,7 @@
 #include <tarn/TDFParam.h>
 #include <tarn/rules/Query.h>
 #include <tarn/session/Sentences.h>
+#include <tarn/workbench/RuleCoverage.h>
 
 namespace tarn::workbench {
 
@@ -136,7 +137,8 @@ std::string textOf(rules::Query::Result const& result) {
 
 }  // namespace
 
-TestRun::TestRun(TestPlan const& test, PhysicsData const& rules) : test_(test), rules_(rules) {
+TestRun::TestRun(TestPlan const& test, PhysicsData const& rules, RuleCoverage* coverage)
+    : test_(test), rules_(rules), coverage_(coverage) {
   try {
     run();
   } catch (std::bad_alloc const&) {
@@ -157,6 +159,7 @@ void TestRun::fail(TextPlace const& place, std::string subject, std::string expe
 
 void TestRun::run() {
   if (!open()) return;
+  if (coverage_ != nullptr) coverage_->add(session_->result());
   for (PlannedStep const& step : test_.steps) {
     if (!make(step)) return;
   }
@@ -266,6 +269,7 @@ bool TestRun::make(PlannedStep const& step) {
       }
     }
   }
+  if (coverage_ != nullptr && !step.edits.empty()) coverage_->add(session_->result());
   for (Expectation const& expectation : step.expectations) check(expectation);
   return true;
 }

@@ -17,7 +17,8 @@ namespace tarn::workbench {
 /// One run of one test, in a session of its own.
 class TestRun {
  public:
-  TestRun(TestPlan const& test, PhysicsData const& rules);
+  /// `coverage` may be null.
+  TestRun(TestPlan const& test, PhysicsData const& rules, RuleCoverage* coverage);
 
   [[nodiscard]] TestResult result() &&;
 
@@ -59,6 +60,7 @@ class TestRun {
 
   TestPlan const& test_;
   PhysicsData const& rules_;
+  RuleCoverage* coverage_;
   std::unique_ptr<session::Session> session_;
   TestResult result_;
 };

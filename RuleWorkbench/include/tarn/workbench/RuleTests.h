@@ -13,6 +13,8 @@
 
 namespace tarn::workbench {
 
+class RuleCoverage;
+
 /// Limits that keep hostile or broken files from exhausting memory, stack or time.
 struct TestLimits {
   /// Bytes of one file of tests.
@@ -93,7 +95,10 @@ class TARN_EXPORT RuleTests {
   /// opened, a rule that throws and a path that the rules do not know are failures of the test. Throws nothing but
   /// `std::bad_alloc`. Costs the model, and what the edits and the questions of a `Session` cost; findings cost a walk
   /// of the whole model for each step that asks for them.
-  [[nodiscard]] TestResult run(std::size_t test, PhysicsData const& rules) const;
+  ///
+  /// With `coverage`, the model is added to it as it is opened and after each step. It must be about the same rules,
+  /// and only one thread at a time may use it.
+  [[nodiscard]] TestResult run(std::size_t test, PhysicsData const& rules, RuleCoverage* coverage = nullptr) const;
 
  private:
   struct Parts;
