@@ -1,6 +1,6 @@
 // Any bytes as a file of tests of rules: it is read, or refused with diagnostics, and what was read is run with the
 // rules of a pump. Each failure has a place in the file and says what was expected and what is. A second run gives the
-// same. Models that stand in files are left out, because a name could be that of a device.
+// same. Models in files are left out, because a name could be that of a device.
 
 #include <cstddef>
 #include <cstdint>

@@ -30,7 +30,7 @@ void write(CoverageOptions const& options, std::vector<workbench::CoverageItem> 
 void addCoverageOptions(CLI::App& command, CoverageOptions& options) {
   command
       .add_option("--coverage", options.format,
-                  "Also tell how much of the rules was shown: text, for people; json, one object\non a line; or lcov, "
+                  "Also show how much of the rules was seen: text, for people; json, one object\non a line; or lcov, "
                   "for viewers of coverage")
       ->type_name("text|json|lcov")
       ->check(CLI::IsMember({"text", "json", "lcov"}).description(""));

@@ -57,7 +57,7 @@ std::vector<std::size_t> chosenTests(workbench::RuleTests const& tests, std::str
   throw Failure("--filter: no name of a test contains \"" + filter + '"');
 }
 
-/// What one test gives.
+/// The outcome of one test.
 struct Run {
   workbench::TestResult result;
   std::optional<workbench::RuleCoverage> coverage;

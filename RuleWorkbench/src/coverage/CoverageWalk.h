@@ -81,7 +81,7 @@ class CoverageWalk final : private DependencyAnalyser {
   ModelTDF const& model_;
   CoverageCounts& counts_;
   EvalContext evaluation_;
-  /// Of the findings: the object, the parameter or type of children, and the code.
+  /// From the findings: the object, the parameter or type of children, and the code.
   std::set<std::tuple<std::string, std::string, session::FindingCode>> found_;
   std::vector<OpenObject> open_;
 };

@@ -25,7 +25,7 @@ class ItemList {
  public:
   ItemList(CoverageCounts const& counts, std::vector<CoverageItem>& items) : counts_(counts), items_(items) {}
 
-  /// What the next items are about.
+  /// The subject of the next items.
   void about(std::string typePath, std::string entry) {
     typePath_ = std::move(typePath);
     entry_ = std::move(entry);
