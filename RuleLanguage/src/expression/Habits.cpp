@@ -152,12 +152,12 @@ constexpr auto checkKeys = std::to_array<Row>({
     {"condition assert expression expr test rule", "Check"},
     {"text error msg description", "Message"},
     {"severity priority type", "Level"},
-    {"if", "When"},
+    {"if available", "When"},
 });
 
 constexpr auto guardedKeys = std::to_array<Row>({
     {"if condition case check", "When"},
-    {"then default result name", "Value"},
+    {"then default defaultvalue result name", "Value"},
 });
 
 std::span<Row const> keysAt(KeyPlace place) {

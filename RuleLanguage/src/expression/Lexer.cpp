@@ -52,7 +52,7 @@ constexpr auto mistakes = std::to_array<Mistake>({
     {"~", "not", "'~' is not part of the language; write 'not'"},
     {"%", "", "'%' is not part of the language; write mod(a, b) for a remainder, and 5 [%] for units"},
     {"?", "", "'?' is not part of the language; a choice is written if(condition, a, b)"},
-    {"[", "", "units belong after a number that is written out: 12 [m/s]"},
+    {"[", "", "units belong after a number that is written out: 12 [m/s]; a list is written ('a', 'b')"},
     {"$", "", "'$' must be followed by a path in braces: ${Name}"},
     {"}", "", "'}' has no '{' before it"},
     {"@", "", "'@' begins a path, and paths are in braces: {@} or ${@/Name}"},

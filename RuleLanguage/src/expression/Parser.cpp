@@ -119,6 +119,11 @@ class Parser {
       auto const known = std::find_if(operatorWords.begin(), operatorWords.end(), [&](std::string_view word) {
         return StringUtilities::equalIgnoringCase(token_.text, word);
       });
+      bool const isAfterNumber =
+          last_.length > 0 && std::string_view("0123456789.").find(text_[last_.offset]) != std::string_view::npos;
+      if (known == operatorWords.end() && isAfterNumber) {
+        message += "; units are written in brackets: [" + std::string(token_.text) + "]";
+      }
       if (known == operatorWords.end()) fail(token_.range, std::move(message));
       fail(token_.range, message + didYouMean(*known), Code::ExpressionSyntax,
            replaceBy(token_.range, token_.text, *known));
@@ -682,12 +687,25 @@ class Parser {
       rule = &found->second->rule();
     } else {
       auto const near = nearKey(token.text, rules, named_.hints);
-      issue(token.range, "there is no " + std::string(noun) + " " + inQuotes(token.text) + orDidYouMean(near),
+      issue(token.range,
+            "there is no " + std::string(noun) + " " + inQuotes(token.text) +
+                (near.empty() ? otherKindOf(token.text) : didYouMean(near)),
             Code::UnknownNamedRule,
             near.empty() ? std::nullopt : std::optional(replaceBy(token.range, token.text, near)));
       if (!near.empty()) issues_.back().fix->text = quoted(near, text_[token.range.offset]);
     }
     return std::make_unique<Literal>(token.range, token.text);
+  }
+
+  /// What to write for a named rule of another kind; empty when no kind has the name.
+  [[nodiscard]] std::string otherKindOf(std::string const& name) const {
+    std::string_view function;
+    if (named_.checks.contains(name)) function = "check";
+    if (named_.lists.contains(name)) function = "list";
+    if (named_.values.contains(name)) function = "value";
+    if (function.empty()) return {};
+    return "; there is a " + std::string(function) + " of that name: " + std::string(function) + "(" + inQuotes(name) +
+           ")";
   }
 
   /// `text` as a text of the language between two quotes of the given kind.

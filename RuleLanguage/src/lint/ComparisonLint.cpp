@@ -337,6 +337,10 @@ class ComparisonLint {
       return;
     }
     if (literal == nullptr || literal->kind() == Kind::Truth) return;
+    if (one.kind() == Kind::Number && literal->kind() == Kind::Text) {
+      checkNumber(*literal);
+      return;
+    }
     Wanted wanted{literal->rawText(), {}};
     if (literal->kind() == Kind::Number) {
       wanted.number = constantNumber(*literal);
@@ -347,6 +351,22 @@ class ComparisonLint {
     } else if (parameter != nullptr && !wanted.text.empty()) {
       checkForm(*parameter, wanted, *literal, base);
     }
+  }
+
+  /// A number that is compared with a text. A number that cannot be computed is the empty text.
+  void checkNumber(Literal const& literal) {
+    std::string const& text = literal.rawText();
+    if (text.empty()) return;
+    if (!TDFParam::asQuantity(text)) {
+      context_.warn(Code::ImpossibleValue, use_, literal.range(),
+                    "a number can never be " + inQuotes(text) + "; compare it with a number");
+      return;
+    }
+    std::string const instead(StringUtilities::trimmed(text));
+    context_.warn(Code::ComparedAsWritten, use_, literal.range(),
+                  "this compares a number as text, so the same number written in another way is not equal; write " +
+                      instead + " without quotes",
+                  Replacement{literal.range(), instead, "Replace " + inQuotes(text) + " by " + instead});
   }
 
   /// The rules of a parameter when all are of one type and none limits the values; otherwise none.

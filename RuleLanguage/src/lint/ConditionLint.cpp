@@ -159,13 +159,13 @@ class ConditionLint {
     return subject;
   }
 
-  /// A named check that holds always or never is reported where it is defined, and so is a constant, which may be a
-  /// switch that people turn. Rules that call it are not affected.
+  /// A named check that holds always or never is reported where it is defined, and so is one with a comparison that
+  /// cannot be meant. A constant may be a switch that people turn. Rules that call it are not affected.
   bool isDecided(NamedRule const& rule) {
     auto const [known, isNew] = decided_.try_emplace(&rule, true);
     if (!isNew) return known->second;
-    bool decided = false;
-    if (auto const* body = rule.expression()) {
+    bool decided = context_.hasFault(rule);
+    if (auto const* body = rule.expression(); body != nullptr && !decided) {
       Subject const subject{body, rule.source(), unknownScope(*body)};
       ConditionTerms terms(context_.data(), isLookedInto_);
       auto const node = terms.add(*body, rule.source(), subject.scope);

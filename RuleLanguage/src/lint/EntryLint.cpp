@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -53,6 +54,14 @@ class EntryLint {
       auto const near = context_.hints().nearest(type, candidates);
       // The entry that the other type lacks is this one.
       if (!near.empty()) meant_.insert(parentPath + "/" + near);
+      if (auto const lacking = near.empty() ? lackingOf(type) : std::string(); !lacking.empty()) {
+        meant_.insert(lacking);
+        auto& warning = context_.warn(
+            Code::UnreachableType, place,
+            "no child rule leads to objects of this type, so this entry is never used" + didYouMean(lacking));
+        LintContext::fixText(warning, place, typePath, lacking);
+        continue;
+      }
       auto& warning = context_.warn(
           Code::UnreachableType, place,
           "no child rule leads to objects of this type, so this entry is never used" + orDidYouMean(near));
@@ -63,6 +72,23 @@ class EntryLint {
       auto const path = parentPath + "/" + near;
       if (!near.empty() && isAlone && !all.contains(path)) LintContext::fixText(warning, place, typePath, path);
     }
+  }
+
+  /// The only child type `type` that has no entry under Objects, as a type path. Empty when there are none or several.
+  [[nodiscard]] std::string lackingOf(std::string const& type) {
+    if (!lacking_) {
+      lacking_.emplace();
+      for (auto const* object : context_.data().objects()) {
+        for (auto const& child : object->children()) {
+          auto path = object->typePath() + "/" + child->type;
+          if (context_.data().getObjDependDef(path, true) != nullptr) continue;
+          auto const [known, isNew] = lacking_->try_emplace(child->type, std::move(path));
+          if (!isNew) known->second.clear();
+        }
+      }
+    }
+    auto const found = lacking_->find(type);
+    return found != lacking_->end() ? found->second : std::string();
   }
 
   void checkChild(ObjDependDef const& object, ChildAvail const& child) {
@@ -267,6 +293,7 @@ class EntryLint {
         warn(Code::NeverLive, item,
              param != nullptr ? "there is no context rule before this parameter, so it is never live"
                               : "the object has no context rule, so this child is never live");
+        context_.setCause("context " + object.typePath() + (param != nullptr ? " of parameters" : ""));
         return;
       }
       if (positions.firstOpenContextRule < end) continue;
@@ -292,6 +319,7 @@ class EntryLint {
   }
 
   LintContext& context_;
+  std::optional<std::unordered_map<std::string, std::string>> lacking_;  // see `lackingOf`; made when first needed
   std::unordered_set<std::string> meant_;  // the type paths that entries of object types were probably meant to have
 };
 

@@ -14,6 +14,7 @@
 #include "expression/Nodes.h"
 #include "lint/ConstantExpression.h"
 #include "lint/EntryLint.h"
+#include "lint/ValueLint.h"
 
 namespace tarn::rules {
 
@@ -44,8 +45,26 @@ struct NearType {
   std::string near;
 };
 
+/// The type after '^' that neither the object nor one above it has.
+NearType nearAncestor(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
+  std::vector<std::string> types;
+  for (std::string_view path = use.typePath; !path.empty(); path = PathUtils::parentOf(path)) {
+    types.emplace_back(PathUtils::lastType(path));
+  }
+  // A named rule can be meant for any object.
+  if (use.typePath.empty()) {
+    for (auto const& entry : context.types().all()) {
+      if (!entry.first.empty()) types.emplace_back(PathUtils::lastType(entry.first));
+    }
+    if (!context.hints().take(types.size())) return {};
+  }
+  if (std::find(types.begin(), types.end(), pattern.startType()) != types.end()) return {};
+  return {pattern.startType(), context.hints().nearest(pattern.startType(), types)};
+}
+
 /// The first type of the pattern that leads nowhere.
 NearType nearObject(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
+  if (pattern.start() == PathPattern::Start::Nearest) return nearAncestor(context, use, pattern);
   if (use.named != nullptr && !pattern.isAbsolute()) return {};
   auto const& steps = pattern.steps();
   if (!pattern.isAbsolute() && pattern.start() != PathPattern::Start::Context) return {};
@@ -91,6 +110,86 @@ class UnknownPaths {
   std::vector<std::pair<std::string, std::string_view>> known_;  // the pattern, and the path as it is written
 };
 
+/// Why a path leads to no object although the rules know all of its types: a step without a name leads only to a
+/// singleton, and a step with a name only to an object that can have it. Empty when there is no such step.
+std::string whyNoObject(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
+  if (use.named != nullptr && !pattern.isAbsolute()) return {};
+  if (pattern.start() == PathPattern::Start::Nearest) return {};
+  std::string path = pattern.isAbsolute() ? std::string{} : use.typePath;
+  for (auto const& step : pattern.steps()) {
+    if (step.kind == PathPattern::StepKind::Parent) {
+      path = PathUtils::parentOf(path);
+      continue;
+    }
+    if (step.kind != PathPattern::StepKind::Child && step.kind != PathPattern::StepKind::ChildrenOfType) return {};
+    auto const* parent = context.data().getObjDependDef(path, true);
+    auto const* child = parent != nullptr ? parent->findChild(step.type) : nullptr;
+    path += "/" + step.type;
+    if (child == nullptr || step.kind == PathPattern::StepKind::ChildrenOfType) continue;
+    if (step.name.empty() && !child->singleton) {
+      return "objects of type " + inQuotes(step.type) + " have names, so this path leads to none; write " + step.type +
+             ":* for all of them, or their name after the ':'";
+    }
+    if (!step.name.empty() && child->singleton && step.name != step.type) {
+      return inQuotes(step.type) + " is a singleton, which has no name, so this path leads to no object; write " +
+             step.type;
+    }
+    auto const* names = dynamic_cast<FixedList const*>(child->allowedNamesSource.get());
+    if (!step.name.empty() && !child->singleton && names != nullptr && !names->items().contains(step.name)) {
+      auto const near = context.hints().nearest(step.name, names->items());
+      return "no object of type " + inQuotes(step.type) + " can have the name " + inQuotes(step.name) +
+             orAllowed(near, names->items());
+    }
+  }
+  return {};
+}
+
+/// Whether the path of a parameter is written as it is seen from the owner of the rule. A path inside a quantifier is
+/// written in a shorter way.
+bool isWrittenWhole(ExpressionUse const& use, PathUse const& path) {
+  constexpr std::size_t sign = 2;
+  std::string_view const written = use.text().substr(path.range.offset, path.range.length);
+  return written.size() > sign && written.substr(sign).starts_with(path.pattern.text());
+}
+
+/// Another object with the parameter that a path does not find: above the object that owns the rule, or that object
+/// itself, when the path is evaluated in another one. As the end of a sentence; empty when there is none.
+std::string elsewhere(LintContext& context, ExpressionUse const& use, PathUse const& path) {
+  if (use.typePath.empty() || use.named != nullptr || path.pattern.isAbsolute()) return {};
+  if (path.parameter.find_first_of("\\*{}^@/:") != std::string::npos) return {};
+  bool const isOfOwner = path.pattern.start() == PathPattern::Start::Context && isWrittenWhole(use, path);
+  std::string up;
+  for (std::string_view type = use.typePath; !type.empty(); type = PathUtils::parentOf(type)) {
+    auto const* object = context.data().getObjDependDef(std::string(type), true);
+    if (object != nullptr && object->findParam(path.parameter) != nullptr) {
+      return "; " + std::string(type) + " has one: ${" + (isOfOwner ? "" : "@/") + up + path.parameter + "}";
+    }
+    up += "../";
+  }
+  return {};
+}
+
+/// The remedy for a parameter that none of the objects `named` has. Empty when none is known.
+std::string remedyFor(LintContext& context, ExpressionUse const& use, PathUse const& path,
+                      std::set<std::string> const& named) {
+  for (auto const& typePath : named) {
+    auto const* object = context.data().getObjDependDef(typePath, true);
+    if (isWrittenWhole(use, path) && object != nullptr && object->findChild(path.parameter) != nullptr) {
+      return "; it is a child type, so a path to a value goes on with the name of its parameter";
+    }
+  }
+  bool const hasDots = path.parameter.find('.') != std::string::npos && path.parameter.find(' ') == std::string::npos;
+  if (hasDots) return "; the parts of a path are divided by '/'";
+  return elsewhere(context, use, path);
+}
+
+/// The end of a sentence about a relative path that would lead to objects if it began at the root.
+std::string absoluteRemedy(LintContext& context, PathPattern const& pattern) {
+  bool const isRelative = pattern.start() == PathPattern::Start::Context && !pattern.steps().empty();
+  bool const isRoot = isRelative && context.types().knows("/" + pattern.steps().front().type);
+  return isRoot && !pattern.steps().front().type.empty() ? "; a path from the root of the model begins with '/'" : "";
+}
+
 void checkPaths(LintContext& context, ExpressionUse const& use) {
   UnknownPaths unknown;
   std::vector<PathUse> paths;
@@ -100,10 +199,19 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
     auto const& named = *resolved;
     if (named.empty()) {
       if (unknown.isConsequence(use, path)) continue;
+      if (auto const why = whyNoObject(context, use, path.pattern); !why.empty()) {
+        context.warn(Code::UnknownObjectPath, use, path.range, why);
+        continue;
+      }
       auto const [type, near] = nearObject(context, use, path.pattern);
       context.warn(Code::UnknownObjectPath, use, path.range,
-                   "the rules define no object at this path" + orDidYouMean(near),
+                   "the rules define no object at this path" +
+                       (near.empty() ? absoluteRemedy(context, path.pattern) : didYouMean(near)),
                    componentFix(use, path.range, type, near));
+      continue;
+    }
+    if (auto const why = whyNoObject(context, use, path.pattern); !why.empty()) {
+      if (!unknown.isConsequence(use, path)) context.warn(Code::UnknownObjectPath, use, path.range, why);
       continue;
     }
     if (path.parameter.empty()) continue;
@@ -126,7 +234,8 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
         named.size() == 1 && use.named == nullptr && !named.begin()->empty() ? " of " + *named.begin() : std::string{};
     auto const near = context.hints().nearest(path.parameter, candidates);
     context.warn(Code::UnknownParameter, use, path.range,
-                 "the rules define no parameter " + inQuotes(path.parameter) + where + orDidYouMean(near),
+                 "the rules define no parameter " + inQuotes(path.parameter) + where +
+                     (near.empty() ? remedyFor(context, use, path, named) : didYouMean(near)),
                  componentFix(use, path.range, path.parameter, near));
   }
 }

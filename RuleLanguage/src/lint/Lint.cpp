@@ -55,6 +55,7 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
     checkExpression(context, use);
     checkComparisons(context, use);
     checkComputedValue(context, use);
+    checkTexts(context, use);
     order.check(use);
     checkQuantities(context, use);
   }

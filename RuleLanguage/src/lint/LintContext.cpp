@@ -64,6 +64,11 @@ bool LintContext::hasFaultInside(ExpressionUse const& use, Range range) const {
   });
 }
 
+bool LintContext::hasFault(NamedRule const& rule) const {
+  auto const place = rules_.namedPlaces().find(&rule);
+  return place != rules_.namedPlaces().end() && faults_.contains(place->second.body.node);
+}
+
 void LintContext::fixText(Diagnostic& warning, Item const& item, std::string_view text, std::string_view replacement) {
   if (replacement.empty()) return;
   if (item.node->kind == YamlNode::Kind::Sequence) {

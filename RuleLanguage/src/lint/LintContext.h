@@ -58,6 +58,8 @@ class LintContext {
   Diagnostic& warnWithUse(Code code, Item const& item, std::string message, ExpressionUse const& use, Range range);
   /// Whether a comparison inside `range` was reported that cannot be meant. Its consequences are not reported too.
   [[nodiscard]] bool hasFaultInside(ExpressionUse const& use, Range range) const;
+  /// The same anywhere in the body of a named rule.
+  [[nodiscard]] bool hasFault(NamedRule const& rule) const;
   /// Names the cause of the last warning, see `DiagnosticList::setCause`.
   void setCause(std::string cause) { diagnostics_.setCause(std::move(cause)); }
   /// Gives a warning a fix that writes `replacement` instead of `text`, where `text` is the whole of a scalar or an

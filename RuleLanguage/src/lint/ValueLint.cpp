@@ -13,6 +13,7 @@
 
 #include <tarn/QuantityType.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/rules/RuleFunction.h>
 
 #include "expression/Nodes.h"
 #include "loading/RuleSections.h"
@@ -42,15 +43,32 @@ struct Fault {
 constexpr std::string_view sign = "${";
 constexpr char const* noValue = "; to give no value, leave the key out";
 
+/// Whether a text without parameters is an expression: a call of one function, or texts in quotes that are joined.
+bool isCallOrJoin(std::string_view text) {
+  text = StringUtilities::trimmed(text);
+  if (text.size() > 2 && (text.front() == '\'' || text.front() == '"')) {
+    std::string const join = std::string(1, text.front()) + " + ";
+    return text.find(join) != std::string_view::npos;
+  }
+  auto const end = text.find('(');
+  if (end == std::string_view::npos || !text.ends_with(')')) return false;
+  auto const& functions = ruleFunctions();
+  return std::any_of(functions.begin(), functions.end(),
+                     [&](RuleFunction const& function) { return function.name == text.substr(0, end); });
+}
+
 bool looksComputed(std::string_view text) {
+  if (text.starts_with('=')) return false;
   auto const begin = text.find(sign);
-  return begin != std::string_view::npos && text.find('}', begin) != std::string_view::npos && !text.starts_with('=');
+  bool const hasParameter = begin != std::string_view::npos && text.find('}', begin) != std::string_view::npos;
+  return hasParameter || isCallOrJoin(text);
 }
 
 /// The expression that a text with parameters in it was probably meant to be. An operator after the first parameter
 /// shows that all of it is an expression. Otherwise the parameters are in a text.
 std::string asExpression(std::string_view text) {
   text = StringUtilities::trimmed(text);
+  if (isCallOrJoin(text)) return std::string(text);
   auto const after = StringUtilities::trimmed(text.substr(text.find('}') + 1));
   if (text.starts_with(sign) &&
       (after.empty() || std::string_view("+-*/").find(after.front()) != std::string_view::npos)) {
@@ -305,6 +323,8 @@ class ValueLint {
     auto const element = TDFParam::elementType(def_.type);
     auto const quantity = TDFParam::asQuantity(value);
     if (!quantity || (element != TDFParam::Integer && element != TDFParam::Real)) return std::nullopt;
+    // Between reversed bounds there is no value; the bounds are reported.
+    if (areReversed()) return std::nullopt;
     std::string const subject = "the " + std::string(kind.noun) + " " + inQuotes(value);
     for (bool const isLower : {true, false}) {
       auto const* fixed = dynamic_cast<FixedText const*>(isLower ? def_.lowerBound.get() : def_.upperBound.get());
@@ -323,6 +343,16 @@ class ValueLint {
     return std::nullopt;
   }
 
+  [[nodiscard]] bool areReversed() const {
+    auto const quantityOf = [](TextExpression const* bound) {
+      auto const* fixed = dynamic_cast<FixedText const*>(bound);
+      return fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
+    };
+    auto const low = quantityOf(def_.lowerBound.get());
+    auto const high = quantityOf(def_.upperBound.get());
+    return low && high && orderOf(context_.data(), def_, *high, *low).value_or(0) < 0;
+  }
+
   void checkAllowed(Item const& list) {
     if (list.node->kind != YamlNode::Kind::Sequence) return;
     for (auto const* child : list.node->children) {
@@ -330,6 +360,9 @@ class ValueLint {
       if (child->kind != YamlNode::Kind::Scalar) continue;
       if (looksComputed(child->value)) {
         checkLooks(context_, item, true);
+      } else if (def_.allowsAnyValue) {
+        // A word beside numbers, such as a size that a solver finds itself.
+        continue;
       } else if (auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, child->value)) {
         context_.warn(fault->code, item, fault->message);
       }
@@ -371,6 +404,26 @@ void checkValues(LintContext& context, ParamAvail const& param, ParamValueDef co
   ValueLint lint(context, def);
   lint.checkEntry(place);
   if (param.required) lint.checkRequired(place.attributes.at("Required"));
+}
+
+void checkTexts(LintContext& context, ExpressionUse const& use) {
+  std::vector<Expression const*> open{use.compiled->expression.get()};
+  while (!open.empty()) {
+    auto const* part = open.back();
+    open.pop_back();
+    auto const operands = part->operands();
+    open.insert(open.end(), operands.begin(), operands.end());
+    auto const* literal = dynamic_cast<Literal const*>(part);
+    if (literal == nullptr || literal->kind() != Kind::Text || literal->range().length == 0) continue;
+    std::string const& text = literal->rawText();
+    if (text.find(sign) == std::string::npos || !looksComputed(text)) continue;
+    std::string const instead = asExpression(text);
+    bool const isSimple = use.text().substr(literal->range().offset, 1) == "'";
+    context.warn(
+        Code::TextLooksComputed, use, literal->range(),
+        "a value of the model is not put into a text in quotes; write " + instead,
+        isSimple ? std::optional(Replacement{literal->range(), instead, "Join the value to the text"}) : std::nullopt);
+  }
 }
 
 void checkComputedValue(LintContext& context, ExpressionUse const& use) {
@@ -451,8 +504,11 @@ std::string numberRemedy(std::string_view text) {
   auto const number = StringUtilities::trimmed(text.substr(0, end));
   if (end < text.size() && TDFParam::asNumber(number)) {
     auto const rest = StringUtilities::trimmed(text.substr(end));
+    if (rest.front() == ';') return "; the items of a list are divided by commas";
+    bool const isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    if (isHexadecimal) return "; write it in decimal digits";
     bool const hasComma = rest.front() == ',' && rest.size() > 1;
-    if (hasComma && TDFParam::asNumber(rest.substr(1))) {
+    if (hasComma && TDFParam::asQuantity(rest.substr(1))) {
       return "; write " + std::string(number) + "." + std::string(rest.substr(1));
     }
     if (rest.find_first_of("[],") == std::string_view::npos) {

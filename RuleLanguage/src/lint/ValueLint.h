@@ -19,6 +19,9 @@ void checkValues(LintContext& context, ParamAvail const& param, ParamValueDef co
 /// The same for the texts that are written out in a computed default, override or list of allowed values.
 void checkComputedValue(LintContext& context, ExpressionUse const& use);
 
+/// Warns of texts in an expression that have a parameter in them, which is not computed there.
+void checkTexts(LintContext& context, ExpressionUse const& use);
+
 /// Warns of names in a list of names of children that are written twice or look like an expression.
 void checkListedNames(LintContext& context, Item const& list);
 

@@ -7,6 +7,8 @@
 
 #include "loading/RuleBuilder.h"
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <utility>
 
@@ -95,6 +97,23 @@ void RuleBuilder::build() {
 std::string RuleBuilder::keyInsteadOf(std::string_view key, std::string_view what,
                                       std::vector<std::string> const& keys) const {
   return rules::keyInsteadOf(key, placeOfKeys(what), keys);
+}
+
+std::string RuleBuilder::whyMisplaced(std::string_view key, YamlNode const& value, std::string_view what) const {
+  static constexpr std::array<std::string_view, 6> ofChildren = {"Singleton",     "Coupled",       "Allowed Names",
+                                                                 "Default Names", "Minimum Count", "Maximum Count"};
+  bool const isObject = what == "an object" || what == "a template";
+  if (isObject && valueIn(value, "Parameter Type") != nullptr) return "; a parameter is written under Parameters";
+  if (isObject && (valueIn(value, "Singleton") != nullptr || valueIn(value, "Coupled") != nullptr)) {
+    return "; a child type is written under Children";
+  }
+  if (what == "a child" && key == "Parameter Type")
+    return "; a parameter is written under Parameters, not under Children";
+  if (what != "a parameter" && what != "a child") return {};
+  if (what == "a parameter" && std::find(ofChildren.begin(), ofChildren.end(), key) != ofChildren.end()) {
+    return "; this is a key of a child type, which is written under Children";
+  }
+  return isNothing(value) ? "; if it is the name of an entry, indent it like the other entries" : std::string();
 }
 
 void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {

@@ -125,6 +125,8 @@ class RuleBuilder : private MapReader {
   };
 
   // Problems
+  [[nodiscard]] std::string whyMisplaced(std::string_view key, YamlNode const& value,
+                                         std::string_view what) const override;
   [[nodiscard]] std::string keyInsteadOf(std::string_view key, std::string_view what,
                                          std::vector<std::string> const& keys) const override;
   /// Adds an issue of an expression that begins `skipped` bytes into the scalar.

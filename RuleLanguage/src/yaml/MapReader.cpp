@@ -34,10 +34,16 @@ std::optional<std::vector<std::string>> MapReader::texts(Item const& item, bool 
                                                          std::string_view otherwise) {
   if (item.node->kind == YamlNode::Kind::Scalar && oneAllowed) return std::vector<std::string>{item.node->value};
   if (item.node->kind != YamlNode::Kind::Sequence) {
-    bool const isOne = item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node);
+    // A call that lacks its sign is no item of a list.
+    auto const& text = item.node->value;
+    bool const isCall = text.ends_with(')') && text.find('(') != std::string::npos && text.find_first_of(" (") > 0 &&
+                        text.find(' ') > text.find('(');
+    bool const isOne = item.node->kind == YamlNode::Kind::Scalar && !isExpression(*item.node) && !isCall;
     std::string message = "this must be a list of texts, but it is " + std::string(kindText(*item.node));
     if (!otherwise.empty() && isExpression(*item.node)) {
       message += "; " + std::string(otherwise);
+    } else if (isCall && !isExpression(*item.node)) {
+      message += "; an expression begins with '=': = " + text.substr(0, 60);
     } else if (isOne) {
       message += "; write a list of one as [" + item.node->value.substr(0, 60) + "]";
     }

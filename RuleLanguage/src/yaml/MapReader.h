@@ -123,6 +123,12 @@ class MapReader {
     return {};
   }
 
+  /// Where an unknown key of `what` belongs, as the end of a sentence. Empty when that is not known.
+  [[nodiscard]] virtual std::string whyMisplaced(std::string_view /*key*/, YamlNode const& /*value*/,
+                                                 std::string_view /*what*/) const {
+    return {};
+  }
+
   std::set<std::pair<YamlNode const*, std::string>, std::less<>> proposedKeys_;  // instead of unknown keys, by map
 };
 
@@ -172,7 +178,9 @@ void MapReader::forEachKnown(Item const& item, std::string_view what, Table cons
       auto const near = habit.empty() ? StringUtilities::nearMatch(key.node->value, keys) : habit;
       auto& diagnostic = error(Code::UnknownKey, key,
                                "unknown key " + inQuotes(key.node->value.substr(0, 100)) + " in " + std::string(what) +
-                                   (habit.empty() ? orDidYouMean(near) : "; here it is called " + inQuotes(habit)));
+                                   (!habit.empty()  ? "; here it is called " + inQuotes(habit)
+                                    : !near.empty() ? didYouMean(near)
+                                                    : whyMisplaced(key.node->value, *children[i + 1], what)));
       if (!near.empty()) proposedKeys_.emplace(item.node, near);
       if (!near.empty() && !std::exchange(isProposed, true) && !hasKey(*item.node, near)) {
         fixText(diagnostic, key, near);
