@@ -31,15 +31,18 @@ of a fenced block says what it is:
 is for you to edit.
 """
 import argparse
+import fcntl
 import itertools
 import json
 import os
 import pathlib
 import pty
 import re
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 
 FENCE = re.compile(r"^( *)```(.*)$")
 PROMPT = "ZEV> "
@@ -109,6 +112,8 @@ class Examples:
     def dialogue(self, command, typed):
         """Returns what a terminal shows when a person types these lines, each when the program waits for one."""
         ours, theirs = pty.openpty()
+        rows, columns = 24, 120
+        fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
         # The program ends, whatever happens, and this side with it.
         process = subprocess.Popen(["timeout", "120", "/bin/sh", "-c", command], cwd=self.folder, stdin=theirs,
                                    stdout=theirs, stderr=theirs, start_new_session=True,
