@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test show console --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test schema show console --version -h --help' -- "$current")
     return
   fi
 
@@ -54,12 +54,18 @@ _zev() {
     how) options+=' --rules --root --format' ;;
     find) options+=' --rules --root --limit --format' ;;
     eval) options+=' --rules --at --format' ;;
+    schema) ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;
     *) return ;;
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    return
+  fi
+
+  if [[ ${COMP_WORDS[1]} == schema ]]; then
+    mapfile -t COMPREPLY < <(compgen -W 'rules tests' -- "$current")
     return
   fi
 

@@ -26,6 +26,7 @@
 #include "eval/EvalCommand.h"
 #include "find/FindCommand.h"
 #include "lint/LintCommand.h"
+#include "schema/SchemaCommand.h"
 #include "show/ShowCommand.h"
 #include "test/TestCommand.h"
 #include "validate/ValidateCommand.h"
@@ -44,6 +45,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addEvalCommand(app, chosen);
   addLintCommand(app, chosen);
   addTestCommand(app, chosen);
+  addSchemaCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
 }
@@ -77,7 +79,7 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
 /// The options of a command that take more than one value.
 std::vector<ListOption> listOptions(std::string const& command) {
   if (command == "validate") return validateListOptions();
-  if (command == "lint") return {};
+  if (command == "lint" || command == "schema") return {};
   if (command == "test") return {{"--rules", looksLikeRulesUnderTest}};
   return {{"--rules", looksLikeRules}};
 }

@@ -57,8 +57,8 @@ TEST_P(Manual, TellsTheOptionsOfTheHelpAndNoOthers) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfCommand, Manual,
-                         testing::Values("edit", "validate", "why", "how", "find", "eval", "lint", "test", "show",
-                                         "console"),
+                         testing::Values("edit", "validate", "why", "how", "find", "eval", "lint", "test", "schema",
+                                         "show", "console"),
                          [](auto const& command) { return command.param; });
 
 TEST(ManualPage, TellsTheOptionsThatNeedNoCommand) {
