@@ -144,9 +144,7 @@ Outcome Editor::edit(Arguments const& arguments) {
     return Outcome::Refused;
   }
   ResultTextOptions options = resultOptions();
-  if (edit->kind == Edit::Kind::RemoveObject) {
-    for (OwnValue& own : session_.own()) options.own.insert(std::move(own.item));
-  }
+  for (OwnValue& own : session_.own()) options.own.insert(std::move(own.item));
   EditResult result = session_.edit(std::span(&*edit, 1), session::References::Follow);
   if (result.refused) {
     proposeObject(*result.refused);

@@ -307,10 +307,10 @@ class ResultWriter {
       case Section::Waiting:
         for (WaitingChange const& change : effect.waiting) {
           if (!change.after || isVerdictOn(change) || isMoved(change)) continue;
-          std::string line = change.item.name ? shortened(*change.item.name) : "";
+          std::string line = change.item.name ? shortened(*change.item.name) : "the object";
           if (change.after->value) line += " = " + value(*change.after->value);
-          line += (line.empty() ? "" : "   ") + whyWaiting(*change.after);
-          entries.push_back({change.item.path, std::move(line), true});
+          line += "   " + whyWaiting(*change.after);
+          entries.push_back({change.item.path, std::move(line), options_.own.contains(change.item)});
         }
         break;
       case Section::Gone:
@@ -499,20 +499,23 @@ class ResultWriter {
 
   std::string section(Part const& part) {
     bool const isOpen = options_.isOpen || options_.only;
-    std::vector<Group> const groups = isOpen ? byObject(part.entries) : folded(part.entries);
+    bool const isWhole = isOpen || part.section == Section::Waiting;
+    // A few values that wait are more easily read one by one.
+    bool const isShort = part.section == Section::Waiting && part.entries.size() <= mostLines;
+    std::vector<Group> const groups = isOpen || isShort ? byObject(part.entries) : folded(part.entries);
     std::string text = title(part) + '\n';
     std::size_t lines = 0;
     std::size_t left = 0;
     for (Group const& group : groups) {
       std::size_t const needed = 1 + group.lines.size();
-      if (!isOpen && !group.isKept && lines > 0 && lines + needed > mostLines) {
+      if (!isWhole && !group.isKept && lines > 0 && lines + needed > mostLines) {
         left += std::max<std::size_t>(1, group.lines.size());
         continue;
       }
       text += "    " + group.head + '\n';
       std::size_t shown = 0;
       for (std::string const& line : group.lines) {
-        if (!isOpen && !group.isKept && shown + 1 >= mostLines) break;
+        if (!isWhole && !group.isKept && shown + 1 >= mostLines) break;
         text += "      " + line + '\n';
         ++shown;
       }
@@ -660,6 +663,7 @@ std::string whyWaiting(Waiting const& waiting) {
     case WaitingReason::NotAvailable:
       return "not available now" + (waiting.ruleReason.empty() ? "" : ": " + shortened(waiting.ruleReason));
     case WaitingReason::ObjectNotPresent:
+      if (waiting.missingObject == waiting.item.path) return "its object is not present";
       return shownPath(waiting.missingObject) + " is not present";
     case WaitingReason::SwitchedOff:
       return "switched off";

@@ -49,8 +49,7 @@ struct ResultTextOptions {
   std::optional<Section> only;
   /// Nothing is folded and nothing left out.
   bool isOpen = false;
-  /// Values that the user had set. If one of them is gone, it is named even where others are folded. The values that
-  /// wait need not be among them.
+  /// Values that the user had set. One of them that is gone, or waits, is named even where others are folded.
   std::set<session::Item> own;
   /// The text with which a user makes an edit.
   std::function<std::string(Edit const&)> command = commandText;
@@ -72,7 +71,7 @@ struct ResultTextOptions {
 /// are grouped by object. If three or more objects of a type have the same change, they are folded into one line that
 /// gives their number, and a section is cut off after some lines. Where the text would be longer than the terminal,
 /// only the titles of the last sections are shown, so that the verdict stays on the screen. Values that wait are always
-/// listed one by one. A section without changes is left out, and so is what the verdict says already.
+/// named. A section without changes is left out, and so is what the verdict says already.
 [[nodiscard]] std::string resultText(session::EditResult const& result, ResultTextOptions const& options = {});
 
 /// Why edits were refused, what would be possible, and the nearest edit.

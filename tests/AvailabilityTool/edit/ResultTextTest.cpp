@@ -121,7 +121,7 @@ EditResult turbulentPipes() {
   return result;
 }
 
-TEST(ResultText, FoldsEqualChangesOfManyObjectsButNeverValuesThatWait) {
+TEST(ResultText, FoldsEqualChangesOfManyObjectsButNotAFewValuesThatWait) {
   EXPECT_EQ(resultText(turbulentPipes(), inTheEditor()),
             "done 3: /Plant/Flow = Turbulent\n"
             "  3 waiting, 40 changed, 80 new\n"
@@ -319,8 +319,36 @@ TEST(ResultText, TenThousandChangesAreShownInShortTime) {
     result.effect.waiting.push_back(begins(path, "Heat", "yes", WaitingReason::NotAvailable));
     result.effect.offersLost.push_back({path, "Heat"});
   }
-  std::string const text = resultText(result, inTheEditor());
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20'007);
+  EXPECT_EQ(resultText(result, inTheEditor()),
+            "done 3: /Case/Heat = yes\n"
+            "  10000 waiting, 10000 offers withdrawn\n"
+            "! 10000 waiting\n"
+            "    /Case/Domain:*  (10000 objects)\n"
+            "      Heat = yes   not available now\n"
+            "- 10000 offers withdrawn\n"
+            "    /Case/Domain:*  (10000 objects)\n"
+            "      Heat\n"
+            "\"effects all\" shows every change\n");
+}
+
+TEST(ResultText, ValuesThatTheUserHasSetAreNotFoldedWhenTheyWait) {
+  EditResult result = setTo("/Case", "Heat", "yes");
+  ResultTextOptions options = inTheEditor();
+  for (int i = 10; i < 40; ++i) {
+    std::string const path = "/Case/Domain:d" + std::to_string(i);
+    result.effect.values.push_back({path, "Heat", "yes", std::nullopt});
+    result.effect.waiting.push_back(begins(path, "Heat", "yes", WaitingReason::NotAvailable));
+    if (i == 20) options.own.insert({path, "Heat"});
+  }
+  EXPECT_EQ(resultText(result, options),
+            "done 3: /Case/Heat = yes\n"
+            "  30 waiting\n"
+            "! 30 waiting\n"
+            "    /Case/Domain:*  (29 objects)\n"
+            "      Heat = yes   not available now\n"
+            "    /Case/Domain:d20\n"
+            "      Heat = yes   not available now\n"
+            "\"effects all\" shows every change\n");
 }
 
 TEST(ShownText, HarmlessTextIsUnchangedAndOtherBytesAreEscaped) {
