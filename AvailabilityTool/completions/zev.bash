@@ -43,7 +43,10 @@ _zev() {
 
   local options='-h --help'
   case ${COMP_WORDS[1]} in
-    validate) options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs' ;;
+    validate)
+      options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs'
+      options+=' --coverage --coverage-out --fail-under'
+      ;;
     lint) options+=' --rules --format --fail-on --severity' ;;
     test) options+=' --rules --filter --format -j --jobs --coverage --coverage-out --fail-under' ;;
     edit)

@@ -71,7 +71,7 @@ TEST_F(BashCompletion, OffersEachCommandTheOptionsOfItsHelp) {
       expected.insert((*at)[2]);
       if ((*at)[1].matched) expected.insert((*at)[1]);
     }
-    ASSERT_GT(expected.size(), 2);
+    ASSERT_TRUE(expected.contains("--help")) << command;
     Strings const offered = complete({command, "-"});
     EXPECT_EQ(std::set<std::string>(offered.begin(), offered.end()), expected) << command;
   }

@@ -51,7 +51,7 @@ class Manual : public testing::TestWithParam<std::string> {};
 
 TEST_P(Manual, TellsTheOptionsOfTheHelpAndNoOthers) {
   std::set<std::string> expected = optionsIn(outputOf(std::string(TARN_ZEV) + ' ' + GetParam() + " --help"));
-  ASSERT_THAT(expected, IsSupersetOf({"--help", "--rules"}));
+  ASSERT_TRUE(expected.contains("--help"));
   expected.erase("--help");  // described once for all
   EXPECT_EQ(optionsIn(section("zev " + GetParam())), expected);
 }
@@ -69,8 +69,8 @@ TEST(ManualPage, HasAPartForEachCommandOfTheProgram) {
   std::string const help = outputOf(std::string(TARN_ZEV) + " --help");
   std::string const commands = help.substr(help.find("Subcommands:\n"));
   std::regex const line("\n  ([a-z]+) ");
-  std::vector<std::string> const known = {"edit", "validate", "why",  "how",  "find",
-                                          "eval", "lint",     "test", "show", "console"};
+  std::vector<std::string> const known = {"edit", "validate", "why",    "how",  "find",   "eval",
+                                          "lint", "test",     "schema", "show", "console"};
   std::vector<std::string> found;
   for (std::sregex_iterator at(commands.begin(), commands.end(), line), end; at != end; ++at) found.push_back((*at)[1]);
   EXPECT_EQ(found, known) << "a new command wants its part of the manual, of the completion in bash, and of this test";

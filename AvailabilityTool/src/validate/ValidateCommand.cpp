@@ -20,7 +20,9 @@
 #include <tarn/PertinentRoots.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/session/Review.h>
+#include <tarn/workbench/RuleCoverage.h>
 
+#include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
 #include "cli/OrderedResults.h"
@@ -28,6 +30,7 @@
 #include "cli/PathArgument.h"
 #include "cli/Progress.h"
 #include "cli/RuleFiles.h"
+#include "coverage/CoverageOptions.h"
 #include "reports/JsonReport.h"
 #include "reports/SarifReport.h"
 #include "reports/Summary.h"
@@ -46,6 +49,7 @@ struct ValidateOptions {
   Format format = Format::Text;
   Places places = Places::Hidden;
   bool failOnWarning = false;
+  CoverageOptions coverage;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
@@ -67,13 +71,25 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
   return checked;
 }
 
-// Reads one model and judges it.
-session::Findings judgeModel(session::Review const& review, PertinentRoots const& pertinent, std::string const& name) {
+/// One model and how it was judged.
+struct Judged {
+  session::Findings findings;
+  /// What the model shows of the rules, when that is asked for.
+  std::optional<workbench::RuleCoverage> coverage;
+};
+
+/// Reads one model and judges it. `rules` are null when coverage is not asked for.
+Judged judgeModel(session::Review const& review, PertinentRoots const& pertinent, PhysicsData const* rules,
+                  std::string const& name) {
   ModelText const model = readModelText(name);
   if (!model.faults().empty()) throw ModelFailure(model, !pertinent.objectsIn(model.state()).empty());
   try {
-    session::Findings findings = review.judge(model);
-    if (findings.missingRoots.empty()) return findings;
+    Judged judged{review.judge(model), std::nullopt};
+    session::Findings const& findings = judged.findings;
+    if (findings.missingRoots.empty()) {
+      if (rules != nullptr) judged.coverage.emplace(*rules).add(model.state());
+      return judged;
+    }
     throw ModelFailure(name + ": the model has no object \"" + findings.missingRoots.front() +
                        "\"; give --root the path of one that it has");
   } catch (Error const& error) {
@@ -121,19 +137,22 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
   PertinentRoots const pertinent(*rules);
   session::Review const review(*rules, std::move(reviewOptions));
 
-  OrderedResults<session::Findings> results(options.models.size(), options.jobs, [&](std::size_t i) {
-    return judgeModel(review, pertinent, options.models[i]);
+  PhysicsData const* const covered = options.coverage.isOn() ? rules.get() : nullptr;
+  OrderedResults<Judged> results(options.models.size(), options.jobs, [&](std::size_t i) {
+    return judgeModel(review, pertinent, covered, options.models[i]);
   });
   Summary summary;
-  Report report(options, out);
+  workbench::RuleCoverage coverage(*rules);
+  Report report(options, options.coverage.takesOutput() ? err : out);
   Progress progress(err, standardErrorIsTerminal(), options.models.size());
   for (std::string const& name : options.models) {
     progress.begin(name);
     try {
-      session::Findings const findings = results.next();
-      summary.add(findings);
+      Judged const judged = results.next();
+      summary.add(judged.findings);
+      if (judged.coverage) coverage.add(*judged.coverage);
       progress.hide();
-      report.add(name, findings);
+      report.add(name, judged.findings);
     } catch (ModelFailure const& failure) {
       progress.hide();
       print(err, failure);
@@ -146,6 +165,9 @@ int validate(ValidateOptions const& options, std::ostream& out, std::ostream& er
   report.finish(status);
   flushResults(out);
   err << "zev: " << summary.text() << '\n';
+  if (options.coverage.isOn() && !reportCoverage(options.coverage, coverage, out, err)) {
+    return std::max<int>(status, FindingsMade);
+  }
   return status;
 }
 
@@ -192,6 +214,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
       ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; default: the number of processor cores")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));
+  addCoverageOptions(*command, options->coverage);
   command->add_option("MODEL", options->models, "Files with model text; - is the standard input")
       ->type_name("")
       ->required();
@@ -217,6 +240,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
     bool const showPlaces = *places || (!*noPlaces && standardOutputIsTerminal());
     options->places = showPlaces ? Places::Shown : Places::Hidden;
     options->failOnWarning = *failOn == "warning";
+    requireSound(options->coverage, options->format == Format::Text);
     chosen = [options](std::ostream& out, std::ostream& err) { return validate(*options, out, err); };
   });
 }
