@@ -75,25 +75,29 @@ bool isCondition(RuleExpression const& rule) {
          dynamic_cast<GlobalCheck const*>(&rule) != nullptr;
 }
 
-/// Calls `part` with every condition in an expression and with every operand of one, in the order of the text.
-/// `isAsked`: the expression itself is used as a condition.
-void forEachPart(Expression const& expression, bool isAsked, std::function<void(Expression const&)> const& part) {
+/// The use of an expression, seen from what is around it.
+enum class Use { Value, Condition, Operand };
+
+/// Calls `part` with every condition in an expression and with every operand of one, in the order of the text. An
+/// operand is a part without `and`, `or`, `not` and `implies`.
+void forEachPart(Expression const& expression, Use use, std::function<void(Expression const&)> const& part) {
   Expression const& node = bare(expression);
-  bool const isTruth = isAsked || node.kind() == Kind::Truth;
-  if (isTruth && !isWrittenOut(node)) part(node);
-  auto const operands = node.operands();
   bool const isLogic = as<Logic>(node) != nullptr;
+  bool const isTruth = use != Use::Value || node.kind() == Kind::Truth;
+  if (isTruth && !isWrittenOut(node) && (use != Use::Operand || !isLogic)) part(node);
+  auto const operands = node.operands();
   bool const isChoice = as<Choice>(node) != nullptr;
   bool const isQuantifier = as<Quantifier>(node) != nullptr;
   if (auto const* list = as<GuardedList>(node)) {
     for (auto const& item : list->items()) {
-      if (item.when) forEachPart(*item.when, true, part);
-      forEachPart(*item.value, false, part);
+      if (item.when) forEachPart(*item.when, Use::Condition, part);
+      forEachPart(*item.value, Use::Value, part);
     }
     return;
   }
   for (std::size_t i = 0; i < operands.size(); ++i) {
-    forEachPart(*operands[i], isLogic || (isChoice && i == 0) || (isQuantifier && i == 1), part);
+    bool const isCondition = (isChoice && i == 0) || (isQuantifier && i == 1);
+    forEachPart(*operands[i], isLogic ? Use::Operand : isCondition ? Use::Condition : Use::Value, part);
   }
 }
 
@@ -228,7 +232,7 @@ std::vector<OperandRecorder::Part> OperandRecorder::partsOf(RuleExpression const
     parts.push_back({rule.sourceText(), counts.timesTrue, counts.timesFalse});
     return parts;
   }
-  forEachPart(*written.expression, isCondition(rule), [&](Expression const& part) {
+  forEachPart(*written.expression, isCondition(rule) ? Use::Condition : Use::Value, [&](Expression const& part) {
     Range const range = part.range();
     std::string text;
     if (std::size_t{range.offset} + range.length <= written.text.size()) {

@@ -80,6 +80,11 @@ TEST(OperandRecorder, AnOperandIsCountedByItsOwnValueInsideOfNot) {
   EXPECT_EQ(decidingParts("not (${A} and ${B})", "Ab"), "not (${A} and ${B})=1/0; ${B}=0/1");
 }
 
+TEST(OperandRecorder, OperandsOfOperandsArePartsAndWhatJoinsThemIsNot) {
+  EXPECT_EQ(decidingParts("(${A} or not ${B}) and not (${C} and ${D})", "abCd"),
+            "(${A} or not ${B}) and not (${C} and ${D})=1/0; ${B}=0/1; ${D}=0/1");
+}
+
 TEST(OperandRecorder, ConditionsInsideOfChoicesAndSetsAreCounted) {
   EXPECT_EQ(decidingParts("if(${A}, ${B}, ${C}) == 'no'", "abc"), "if(${A}, ${B}, ${C}) == 'no'=1/0; ${A}=0/1");
   EXPECT_EQ(decidingParts("any({/Case/Domain:*}, ${A} and ${B})", "Ab"),
@@ -185,6 +190,10 @@ TEST(OperandRecorderLaw, DecidingOperandsGiveTheValueWhateverTheOthersAre) {
       auto const parts = recorder.partsOf(rule);
       ASSERT_EQ(parts.front().timesTrue, value ? 1U : 0U) << condition << " with " << lettersOf(bits);
       ASSERT_EQ(parts.front().timesFalse, value ? 0U : 1U) << condition << " with " << lettersOf(bits);
+      for (auto const& part : parts) {
+        bool const isOperand = part.text.size() == 4;
+        ASSERT_TRUE(isOperand || &part == &parts.front()) << part.text << " in " << condition;
+      }
       unsigned known = 0;
       for (auto const& part : parts) {
         bool const isParameter = part.text.size() == 4 && part.text[0] == '$';

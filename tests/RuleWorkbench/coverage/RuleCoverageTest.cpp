@@ -86,7 +86,6 @@ TEST(RuleCoverage, ListsEverythingThatRulesCanShow) {
             "26 entry Axis, Available: available 0\n"
             "28 check slow pumps stand, Check: passed 0 failed 0\n"
             "29 operand slow pumps stand, Check, check('rotates'): true 0 false 0\n"
-            "29 operand slow pumps stand, Check, not exists(${Speed}): true 0 false 0\n"
             "29 operand slow pumps stand, Check, exists(${Speed}): true 0 false 0\n"
             "33 check a domain, Check: passed 0 failed 0\n"
             "4 condition rotates, Checks, ${Motion} == 'Rotating' and ${Fast}: true 0 false 0\n"

@@ -31,7 +31,8 @@ namespace tarn::rules {
 /// threw, which no rule of a rule file does, the counts of that evaluation are in part missing.
 class TARN_EXPORT OperandRecorder {
  public:
-  /// A condition, or an operand of one.
+  /// A condition, or an operand of one. A part of a condition that itself has `and`, `or`, `not` or `implies` is not
+  /// listed: its operands are.
   struct Part {
     /// As it is written in the rule. "" when it is not known, for a condition of an item of a list.
     std::string text;
