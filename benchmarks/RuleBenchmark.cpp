@@ -1,4 +1,5 @@
 // Rules: the loading of rule files, and the evaluation of each kind of expression.
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -185,7 +186,130 @@ BENCHMARK(lintRuleText)
     ->Unit(benchmark::kMicrosecond)
     ->Complexity();
 
+/// `piece(i)` for each number below `count`, one after the other.
+template <typename Piece>
+std::string repeated(std::size_t count, Piece const& piece) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += piece(std::to_string(i));
+  return text;
+}
+
+std::string const caseWithParameters =
+    "Objects:\n  /Case:\n    Parameters:\n      Title: {Parameter Type: String, Ordered Allowed String List: [one, "
+    "two]}\n";
+
+/// A form of rules of which real ones are made, with about that many entries.
+struct Shape {
+  char const* name;
+  std::string (*rules)(std::size_t entries);
+};
+
+Shape const shapes[] = {
+    {"many parameters of many types",
+     [](std::size_t n) {
+       std::string text = "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Children:\n";
+       text += repeated(n / 20, [](std::string const& i) { return "      Device " + i + ": {Singleton: yes}\n"; });
+       return text + repeated(n / 20, [](std::string const& i) {
+                return "  /Case/Device " + i +
+                       ":\n    Parameters:\n      Kind: {Required: yes, Parameter Type: String, Ordered Allowed String "
+                       "List: [Fan, Pump, Valve]}\n" +
+                       repeated(19, [](std::string const& j) {
+                         return "      Setting " + j + ":\n        Available: ${Kind} in ('Fan', 'Pump')\n        " +
+                                "Parameter Type: Real\n        Default Value: " + j + "\n        Lower Bound: 0\n";
+                       });
+              });
+     }},
+    {"many parameters in many contexts",
+     [](std::size_t n) {
+       std::size_t const contexts = 1000;
+       return "Rule Database: 1\nPertinent Roots: [Case]\n" + caseWithParameters +
+              "      Kind: {Context Rule: yes, Parameter Type: String, Ordered Allowed String List: [" +
+              repeated(contexts, [](std::string const& i) { return "k" + i + ", "; }) + "last]}\n" +
+              repeated(n, [&](std::string const& i) {
+                return "      P" + i + ": {Context: k" + std::to_string(std::stoul(i) % contexts) +
+                       ", Parameter Type: Real}\n";
+              });
+     }},
+    {"many named checks over many object types",
+     [](std::size_t n) {
+       return "Rule Database: 1\nPertinent Roots: [Case]\nChecks:\n" +
+              repeated(n / 2, [](std::string const& i) { return "  c" + i + ": ${Name} == '" + i + "'\n"; }) +
+              "Objects:\n  /Case:\n    Children:\n" +
+              repeated(n / 2, [](std::string const& i) { return "      T" + i + ": {Coupled: yes}\n"; }) +
+              repeated(n / 2, [](std::string const& i) {
+                return "  /Case/T" + i +
+                       ":\n    Parameters:\n      Name: {Parameter Type: String, Available: check('c" + i + "')}\n";
+              });
+     }},
+    {"one list in many places",
+     [](std::size_t n) {
+       return "Rule Database: 1\nPertinent Roots: [Case]\nLists:\n  sizes: [" +
+              repeated(100, [](std::string const& i) { return "s" + i + ", "; }) + "last]\n" + caseWithParameters +
+              repeated(n, [](std::string const& i) {
+                return "      P" + i +
+                       ": {Parameter Type: String, Value List Source: list('sizes'), Default Value: last}\n";
+              });
+     }},
+    {"long chains of named checks",
+     [](std::size_t n) {
+       std::size_t const length = 90;
+       return "Rule Database: 1\nPertinent Roots: [Case]\nChecks:\n" +
+              repeated(n / (2 * length),
+                       [&](std::string const& chain) {
+                         return repeated(length, [&](std::string const& i) {
+                           std::size_t const before = std::stoul(i);
+                           return "  c" + chain + " " + i + ": " +
+                                  (before == 0 ? "${Title} == 'one'\n"
+                                               : "check('c" + chain + " " + std::to_string(before - 1) + "')\n");
+                         });
+                       }) +
+              caseWithParameters + repeated(n / 2, [&](std::string const& i) {
+                std::size_t const number = std::stoul(i);
+                return "      P" + i + ": {Parameter Type: Real, Available: check('c" +
+                       std::to_string(number / length % (n / (2 * length))) + " " + std::to_string(number % length) +
+                       "')}\n";
+              });
+     }},
+    {"values with 10,000 allowed strings",
+     [](std::size_t n) {
+       std::size_t const values = 10'000;
+       return "Rule Database: 1\nPertinent Roots: [Case]\n" + caseWithParameters +
+              repeated(n / values, [&](std::string const& i) {
+                return "      P" + i + ": {Parameter Type: String, Ordered Allowed String List: [" +
+                       repeated(values, [](std::string const& j) { return "v" + j + ", "; }) +
+                       "last], Default Value: last}\n      Q" + i + ": {Parameter Type: Real, Available: \"${P" + i +
+                       "} == 'v77' or ${P" + i + "} in ('v1', 'v2')\"}\n";
+              });
+     }},
+};
+
+/// How many times as long as loading lint takes.
+void lintAgainstLoading(benchmark::State& state, Shape const& shape) {
+  std::string const text = shape.rules(static_cast<std::size_t>(state.range(0)));
+  std::clock_t loading = 0;
+  std::clock_t linting = 0;
+  for (auto _ : state) {
+    auto const begin = std::clock();
+    if (rules::parseRules(text) == nullptr) state.SkipWithError("the rules cannot be loaded");
+    auto const between = std::clock();
+    auto const diagnostics = rules::lintText(text).diagnostics;
+    linting += std::clock() - between;
+    loading += between - begin;
+    if (!diagnostics.empty())
+      state.SkipWithError(("the rules are not sound: " + rules::format(diagnostics[0])).c_str());
+  }
+  state.counters["times loading"] = static_cast<double>(linting) / static_cast<double>(loading);
+}
+
 void registerEvaluations() {
+  for (Shape const& shape : shapes) {
+    std::string const name = std::string("lint and load/") + shape.name;
+    benchmark::RegisterBenchmark(name.c_str(), lintAgainstLoading, shape)
+        ->ArgName("entries")
+        ->Arg(10'000)
+        ->Arg(100'000)
+        ->Unit(benchmark::kMillisecond);
+  }
   for (NamedCondition const& condition : localConditions) {
     std::string const name = std::string("evaluate/") + condition.name;
     benchmark::RegisterBenchmark(name.c_str(), evaluateCondition, condition.condition)->ArgName("domains")->Arg(300);

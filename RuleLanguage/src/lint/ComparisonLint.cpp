@@ -104,15 +104,10 @@ class ComparisonLint {
 
   // What something can be
 
-  /// The rules of a parameter, in all objects that the path can name.
-  [[nodiscard]] std::vector<ParamValueDef const*> rulesOf(ParameterReference const& parameter, Base const& base) {
-    std::vector<ParamValueDef const*> result;
-    auto const typePaths = context_.resolve(use_, parameter.objectsFrom(base));
-    for (auto const& typePath : *typePaths) {
-      auto const* def = context_.data().getParamValueDef(typePath, parameter.name(), true);
-      if (def != nullptr) result.push_back(def);
-    }
-    return result;
+  using Rules = std::shared_ptr<LintContext::RulesOfParameter const>;
+
+  [[nodiscard]] Rules rulesOf(ParameterReference const& parameter, Base const& base) {
+    return context_.rulesOf(use_, parameter.objectsFrom(base), parameter.name());
   }
 
   /// Whether a rule keeps its parameter, or an item of it when it is of a list type, from having the value.
@@ -166,7 +161,8 @@ class ComparisonLint {
   Judgement judgeParameter(ParameterReference const& parameter, Base const& base, Wanted const& wanted, bool asItem) {
     if (wanted.text.empty()) return {};
     Judgement result;
-    for (auto const* def : rulesOf(parameter, base)) {
+    auto const rules = rulesOf(parameter, base);
+    for (auto const* def : rules->all) {
       bool const isList = TDFParam::isListType(def->type);
       if (isList && wanted.number) return {};
       // The text of a list is compared whole, and a single value is read as a list by dividing it at its commas.
@@ -369,21 +365,17 @@ class ComparisonLint {
                   Replacement{literal.range(), instead, "Replace " + inQuotes(text) + " by " + instead});
   }
 
-  /// The rules of a parameter when all are of one type and none limits the values; otherwise none.
-  std::vector<ParamValueDef const*> freeRulesOf(ParameterReference const& parameter, Base const& base) {
+  /// The rules of a parameter when there are some, all are of one type and none limits the values; otherwise null.
+  Rules freeRulesOf(ParameterReference const& parameter, Base const& base) {
     auto rules = rulesOf(parameter, base);
-    bool const isFree = std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
-      return def->allowedValueKind == ParamValueDef::NoAllowedValues && def->type == rules.front()->type;
-    });
-    if (!isFree) rules.clear();
-    return rules;
+    return rules->areFree && !rules->all.empty() ? rules : nullptr;
   }
 
   /// Values that are equal as what they are, but not as they are written.
   void checkForm(ParameterReference const& parameter, Wanted const& wanted, Literal const& literal, Base const& base) {
     auto const rules = freeRulesOf(parameter, base);
-    if (rules.empty()) return;
-    auto const type = rules.front()->type;
+    if (rules == nullptr) return;
+    auto const type = rules->all.front()->type;
     auto const warn = [&](std::string const& message, std::string const& instead) {
       std::optional<Replacement> fix;
       if (!instead.empty()) {
@@ -405,9 +397,9 @@ class ComparisonLint {
     } else if ((type == TDFParam::Real || type == TDFParam::Integer) && !wanted.number) {
       auto const quantity = TDFParam::asQuantity(wanted.text);
       if (!quantity || (type == TDFParam::Integer && quantity->units.empty())) return;
-      bool const areListed = quantity->units.empty() || std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
-                               return quantityTypeOf(*def) != nullptr;
-                             });
+      bool const areListed =
+          quantity->units.empty() || std::all_of(rules->all.begin(), rules->all.end(),
+                                                 [&](auto const* def) { return quantityTypeOf(*def) != nullptr; });
       std::string const instead =
           areListed ? std::string(StringUtilities::trimmed(wanted.text)) : numberText(quantity->number);
       warn(subject + " as text, so the same " + (quantity->units.empty() ? "number" : "quantity") +
@@ -418,9 +410,9 @@ class ComparisonLint {
 
   void checkOrder(ParameterReference const& parameter, Expression const& other, Base const& base) {
     auto const rules = rulesOf(parameter, base);
-    if (rules.empty()) return;
+    if (rules->all.empty()) return;
     auto const isNumber = [](std::string const& item) { return TDFParam::asQuantity(item).has_value(); };
-    bool const none = std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+    bool const none = std::all_of(rules->all.begin(), rules->all.end(), [&](auto const* def) {
       auto const* items = TDFParam::isListType(def->type) ? nullptr : LintContext::writtenValues(*def);
       return items != nullptr && std::none_of(items->begin(), items->end(), isNumber);
     });
@@ -430,7 +422,8 @@ class ComparisonLint {
       return;
     }
     auto const free = freeRulesOf(parameter, base);
-    if (free.empty() || free.front()->type != TDFParam::Logical || dynamic_cast<Literal const*>(&other) == nullptr) {
+    if (free == nullptr || free->all.front()->type != TDFParam::Logical ||
+        dynamic_cast<Literal const*>(&other) == nullptr) {
       return;
     }
     context_.warn(Code::ComparedAsWritten, use_, parameter.range(),
@@ -470,10 +463,12 @@ class ComparisonLint {
     auto const* parameter = dynamic_cast<ParameterReference const*>(&item);
     if (parameter == nullptr) return;
     auto const rules = freeRulesOf(*parameter, base);
-    if (rules.empty() || (rules.front()->type != TDFParam::Real && rules.front()->type != TDFParam::Integer)) return;
+    if (rules == nullptr) return;
+    auto const type = rules->all.front()->type;
+    if (type != TDFParam::Real && type != TDFParam::Integer) return;
     for (auto const& text : list.fixedItems()) {
       auto const quantity = TDFParam::asQuantity(text);
-      if (!quantity || (rules.front()->type == TDFParam::Integer && quantity->units.empty())) continue;
+      if (!quantity || (type == TDFParam::Integer && quantity->units.empty())) continue;
       context_.warn(Code::ComparedAsWritten, use_, list.range(),
                     "'in' compares texts, so the same quantity written in another way is not in the list; compare " +
                         inQuotes(parameter->name()) + " with each number by '=='");
@@ -510,7 +505,7 @@ class ComparisonLint {
     auto const* part = writtenText(*arguments[1]);
     if (parameter == nullptr || part == nullptr || part->empty()) return;
     auto const rules = rulesOf(*parameter, base);
-    bool const never = !rules.empty() && std::all_of(rules.begin(), rules.end(), [&](auto const* def) {
+    bool const never = !rules->all.empty() && std::all_of(rules->all.begin(), rules->all.end(), [&](auto const* def) {
       auto const* items = LintContext::writtenValues(*def);
       // The text of a list has separators between its items.
       if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != std::string::npos))

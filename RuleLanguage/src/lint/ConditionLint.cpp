@@ -167,7 +167,7 @@ class ConditionLint {
     bool decided = context_.hasFault(rule);
     if (auto const* body = rule.expression(); body != nullptr && !decided) {
       Subject const subject{body, rule.source(), unknownScope(*body)};
-      ConditionTerms terms(context_.data(), isLookedInto_);
+      ConditionTerms terms(context_.data(), isLookedInto_, closed_);
       auto const node = terms.add(*body, rule.source(), subject.scope);
       std::vector<Fact> facts;
       addFacts(terms, subject, nullptr, facts);
@@ -356,7 +356,7 @@ class ConditionLint {
   /// Whether a parameter has a value to choose whenever it is available. Without one it would not be available.
   [[nodiscard]] static bool alwaysHasValues(ParamValueDef const& def, ConditionTerms::Parameter const& parameter) {
     if (def.allowedValueKind == ParamValueDef::NoAllowedValues || def.availableWithNoAllowedValues) return true;
-    return parameter.values.has_value() && def.allowedValueChecks.empty();
+    return parameter.values != nullptr && def.allowedValueChecks.empty();
   }
 
   /// The facts that hold wherever a rule of an entry is evaluated.
@@ -415,7 +415,7 @@ class ConditionLint {
         reason += inQuotes(former.name);
         if (former.isAlwaysThere) reason += " is required";
         if (former.isAlwaysThere && former.values) reason += " and";
-        if (former.values) reason += " can only be " + listed(*former.values);
+        if (former.values) reason += " can only be " + listed(former.values->texts);
       }
       terms.restore(i, former);
     }
@@ -486,7 +486,7 @@ class ConditionLint {
   /// Judges one condition and, when it is open, its parts. Returns its verdict. `entryUse` is null for a condition that
   /// is evaluated in other objects than those that have it.
   Verdict judgeAndReport(ExpressionUse const& use, Subject const& subject, ExpressionUse const* entryUse) {
-    ConditionTerms terms(context_.data(), isLookedInto_);
+    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
     Node const node = terms.add(*subject.expression, subject.source, subject.scope);
     auto const operands = terms.operands();
     if (terms.isTooLarge()) {
@@ -497,7 +497,7 @@ class ConditionLint {
     addFacts(terms, subject, entryUse, facts);
     if (terms.isTooLarge()) {
       // The condition alone can be analysed.
-      ConditionTerms alone(context_.data(), isLookedInto_);
+      ConditionTerms alone(context_.data(), isLookedInto_, closed_);
       Node const only = alone.add(*subject.expression, subject.source, subject.scope);
       return judgeWith(use, subject, alone, only, alone.operands(), {});
     }
@@ -611,7 +611,7 @@ class ConditionLint {
 
   /// Whether one of `conditions` holds whenever the condition of `last` holds; always, when `last` is null.
   [[nodiscard]] bool isCovered(std::vector<ExpressionUse const*> const& conditions, ExpressionUse const* last) {
-    ConditionTerms terms(context_.data(), isLookedInto_);
+    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
     std::vector<Node> nodes;
     nodes.reserve(conditions.size() + 1);
     auto const subject = subjectOf(*conditions.front());
@@ -672,7 +672,7 @@ class ConditionLint {
     auto const& name = param != nullptr ? param->name : child->type;
     Subject subject{nullptr, {}, {}, &object};
     subject.scope.context = subject.scope.owner = representative(context_.data(), object.typePath());
-    ConditionTerms terms(context_.data(), isLookedInto_);
+    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
     std::size_t const end = param != nullptr ? positionOf(object, name) : object.params().size();
     auto const live = liveNode(terms, object, subject.scope.context, contexts, end);
     if (!live) return;
@@ -680,11 +680,12 @@ class ConditionLint {
     addObjectFacts(terms, subject.scope.context, facts);
     addParameterFacts(terms, subject, end, facts);
     if (terms.isTooLarge()) return;
-    terms.finish();
     facts = relevant(terms, std::move(facts), *live);
+    if (facts.empty()) return;
+    terms.finish();
     std::size_t steps = conditionSteps;
     // Contexts that no context rule can have are reported one by one.
-    if (facts.empty() || judge(terms, {}, *live, steps) != Verdict::Open) return;
+    if (judge(terms, {}, *live, steps) != Verdict::Open) return;
     if (judge(terms, nodesOf(facts), *live, steps) != Verdict::Never) return;
     reduce(terms, facts, *live, Verdict::Never, steps);
     auto const item = placeOf(object.typePath(), name, child != nullptr, "Context");
@@ -696,6 +697,7 @@ class ConditionLint {
   }
 
   LintContext& context_;
+  ClosedValuesOfRules closed_;
   std::function<bool(NamedRule const&)> isLookedInto_;
   std::unordered_map<NamedRule const*, bool> decided_;
   std::unordered_set<ParamAvail const*> neverThere_;

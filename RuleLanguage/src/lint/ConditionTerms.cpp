@@ -100,6 +100,32 @@ ConditionFormula::Node ConditionTerms::add(Expression const& condition, std::str
   return addPart(condition, source, keep(scope));
 }
 
+std::shared_ptr<ClosedValues const> ClosedValuesOfRules::of(ParamAvail const* entry) {
+  auto const [known, isNew] = known_.try_emplace(entry);
+  if (!isNew) return known->second;
+  auto const* def = entry->valueDef();
+  auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
+  bool const isClosed = list != nullptr && def->allowedValueKind == ParamValueDef::FixedAllowedValues &&
+                        !def->allowsAnyValue && !TDFParam::isListType(def->type) && !entry->validationRelaxed;
+  if (!isClosed) return nullptr;
+  auto const closed = std::make_shared<ClosedValues>();
+  auto& values = closed->texts;
+  for (auto const& item : list->items()) {
+    if (!def->unusedValues.contains(item)) values.push_back(item);
+  }
+  // An override counts as it is, allowed or not.
+  for (auto const& guarded : def->overrideChecks) {
+    auto const* fixed = dynamic_cast<FixedText const*>(guarded.value.get());
+    if (fixed == nullptr) return nullptr;
+    addOnce(values, fixed->text());
+  }
+  bool const canBeBlank = def->fallbackToBlankDefault || def->availableWithNoAllowedValues || def->subset != nullptr;
+  if (canBeBlank) addOnce(values, std::string());
+  if (values.empty()) return nullptr;
+  closed->set.insert(values.begin(), values.end());
+  return known->second = closed;
+}
+
 std::size_t ConditionTerms::parameter(std::string const& path, std::string const& name) {
   for (std::size_t i = 0; i < parameters_.size(); ++i) {
     if (parameters_[i].name == name && parameters_[i].path == path) return i;
@@ -111,25 +137,7 @@ std::size_t ConditionTerms::parameter(std::string const& path, std::string const
   if (auto const* object = data_.getObjDependDef(PathUtils::typePathOf(path), true)) {
     made.entry = object->findParam(name);
   }
-  auto const* def = made.entry != nullptr ? made.entry->valueDef() : nullptr;
-  auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
-  bool isClosed = list != nullptr && def->allowedValueKind == ParamValueDef::FixedAllowedValues &&
-                  !def->allowsAnyValue && !TDFParam::isListType(def->type) && !made.entry->validationRelaxed;
-  std::vector<std::string> values;
-  if (isClosed) {
-    for (auto const& item : list->items()) {
-      if (!def->unusedValues.contains(item)) values.push_back(item);
-    }
-    // An override counts as it is, allowed or not.
-    for (auto const& guarded : def->overrideChecks) {
-      auto const* fixed = dynamic_cast<FixedText const*>(guarded.value.get());
-      isClosed &= fixed != nullptr;
-      if (fixed != nullptr) addOnce(values, fixed->text());
-    }
-    bool const canBeBlank = def->fallbackToBlankDefault || def->availableWithNoAllowedValues || def->subset != nullptr;
-    if (canBeBlank) addOnce(values, std::string());
-  }
-  if (isClosed && !values.empty()) made.values = std::move(values);
+  if (made.entry != nullptr) made.values = closed_.of(made.entry);
   parameters_.push_back(std::move(made));
   questions_.emplace_back();
   return parameters_.size() - 1;
@@ -214,7 +222,8 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
   if (auto const* logic = dynamic_cast<Logic const*>(&part)) return addLogic(*logic, source, scope);
   if (auto const* call = dynamic_cast<NamedCall const*>(&part)) {
     auto const* body = call->rule().expression();
-    if (part.kind() == Kind::Truth && body != nullptr && isLookedInto_(call->rule())) {
+    bool const isNear = callDepth_ < mostCallLevels;
+    if (part.kind() == Kind::Truth && body != nullptr && isNear && isLookedInto_(call->rule())) {
       for (auto const& called : called_) {
         if (called.rule == &call->rule() && called.scope == scope) return called.node;
       }
@@ -278,7 +287,7 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
     std::size_t pairs = 1;
     for (std::size_t const i : *read) {
       if (!parameters_[i].values) return addOpaque(part, source, scope);
-      pairs *= parameters_[i].values->size() + 2;
+      pairs *= parameters_[i].values->texts.size() + 2;
     }
     if (pairs > mostPairs) return addOpaque(part, source, scope);
     for (std::size_t const i : *read) questions_[i].needsAllValues = true;
@@ -338,7 +347,7 @@ std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expressi
   }
   // Parameters of few values are evaluated with each of them, which shows more.
   if (auto const read = parametersOf(one, *scope); read && !read->empty()) {
-    if (std::all_of(read->begin(), read->end(), [&](std::size_t i) { return parameters_[i].values.has_value(); })) {
+    if (std::all_of(read->begin(), read->end(), [&](std::size_t i) { return parameters_[i].values != nullptr; })) {
       return std::nullopt;
     }
   }
@@ -384,18 +393,22 @@ ConditionFormula::Node ConditionTerms::addHasOneOf(std::string const& path, std:
 std::vector<ConditionTerms::Value> ConditionTerms::closedValues(Parameter const& parameter,
                                                                 Questions const& questions) const {
   std::vector<Value> values;
+  auto const& texts = parameter.values->texts;
   bool const needsAll = questions.needsAllValues || questions.asksTruth || !questions.numbers.empty();
-  if (needsAll || parameter.values->size() <= fewValues) {
-    for (auto const& text : *parameter.values) values.push_back({text});
+  if (needsAll || texts.size() <= fewValues) {
+    for (auto const& text : texts) values.push_back({text});
     return values;
   }
-  std::unordered_set<std::string_view> asked(questions.texts.begin(), questions.texts.end());
-  asked.insert(questions.contexts.begin(), questions.contexts.end());
-  bool hasOther = false;
-  for (auto const& text : *parameter.values) {
-    if (!asked.contains(text) && std::exchange(hasOther, true)) continue;
-    values.push_back({text});
+  // Those that are asked for, and one that is not.
+  std::unordered_set<std::string_view> asked;
+  for (auto const* named : {&questions.texts, &questions.contexts}) {
+    for (auto const& text : *named) {
+      if (asked.insert(text).second && parameter.values->set.contains(text)) values.push_back({text});
+    }
   }
+  auto const other =
+      std::find_if(texts.begin(), texts.end(), [&](std::string const& text) { return !asked.contains(text); });
+  if (other != texts.end()) values.push_back({*other});
   return values;
 }
 
@@ -409,7 +422,8 @@ std::vector<ConditionTerms::Value> ConditionTerms::valuesOf(std::size_t index) c
     }
     values.push_back({text});
   };
-  if (parameter.values) {
+  bool const asksForm = questions.asksTruth || !questions.numbers.empty();
+  if (parameter.values && (!asksForm || parameter.values->texts.size() <= mostTriedValues)) {
     values = closedValues(parameter, questions);
     // A value that the parameter can never have is reported where it is compared. It must not make more findings.
     for (auto const& text : questions.texts) {

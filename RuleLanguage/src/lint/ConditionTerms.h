@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -26,6 +28,22 @@ struct ConditionScope {
   std::string owner;
 };
 
+/// All values that a parameter can have in a model without findings.
+struct ClosedValues {
+  std::vector<std::string> texts;
+  std::unordered_set<std::string_view> set;  // of `texts`
+};
+
+/// The closed values of parameters, each computed once: a parameter can have thousands, and many conditions read it.
+class ClosedValuesOfRules {
+ public:
+  /// Null when not all values are known.
+  [[nodiscard]] std::shared_ptr<ClosedValues const> of(ParamAvail const* entry);
+
+ private:
+  std::unordered_map<ParamAvail const*, std::shared_ptr<ClosedValues const>> known_;
+};
+
 /// Translates conditions into one formula. Its variables are the parameters that the conditions read, with the values
 /// that they can have in a model without findings, and the parts that are not looked into.
 ///
@@ -36,10 +54,16 @@ class ConditionTerms {
  public:
   /// A condition with more parts, including those of the named checks that it calls, is not analysed.
   static constexpr std::size_t mostParts = 1000;
+  /// Named checks that are called over more levels are not looked into.
+  static constexpr std::size_t mostCallLevels = 8;
+  /// A parameter with more values is taken to have any value in conditions that ask for its number or truth.
+  static constexpr std::size_t mostTriedValues = 1000;
 
-  /// `isLookedInto` says of a named check whether its condition takes the place of a call; it must stay valid.
-  ConditionTerms(PhysicsData const& data, std::function<bool(NamedRule const&)> const& isLookedInto)
-      : data_(data), isLookedInto_(isLookedInto) {}
+  /// `isLookedInto` says of a named check whether its condition takes the place of a call. All arguments must stay
+  /// valid.
+  ConditionTerms(PhysicsData const& data, std::function<bool(NamedRule const&)> const& isLookedInto,
+                 ClosedValuesOfRules& closed)
+      : data_(data), closed_(closed), isLookedInto_(isLookedInto) {}
 
   /// Adds a condition. `source` is the text that the ranges of its nodes refer to.
   [[nodiscard]] ConditionFormula::Node add(Expression const& condition, std::string_view source,
@@ -61,9 +85,8 @@ class ConditionTerms {
   struct Parameter {
     std::string path;
     std::string name;
-    ParamAvail const* entry = nullptr;  // null when the rules of its object are not known
-    /// All values that it can have in a model without findings. Not set when there are too many.
-    std::optional<std::vector<std::string>> values;
+    ParamAvail const* entry = nullptr;           // null when the rules of its object are not known
+    std::shared_ptr<ClosedValues const> values;  // null when not all are known
     bool isAlwaysThere = false;
     ConditionFormula::Variable variable = 0;
   };
@@ -133,6 +156,7 @@ class ConditionTerms {
   void fillTerm(Atom const& atom);
 
   PhysicsData const& data_;
+  ClosedValuesOfRules& closed_;
   ConditionFormula formula_;
   std::vector<Parameter> parameters_;
   std::vector<Questions> questions_;  // of each parameter

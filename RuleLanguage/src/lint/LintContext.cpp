@@ -96,9 +96,30 @@ LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPatter
   if (pattern.isAbsolute()) {
     all = types_.resolve(pattern, {});
   } else {
-    for (auto const& entry : types_.all()) all.merge(types_.resolve(pattern, entry.first));
+    for (auto const* owner : types_.ownersOf(pattern)) all.merge(types_.resolve(pattern, *owner));
   }
   kept = std::make_shared<std::set<std::string> const>(std::move(all));
+  return kept;
+}
+
+std::shared_ptr<LintContext::RulesOfParameter const> LintContext::rulesOf(ExpressionUse const& use,
+                                                                          PathPattern const& pattern,
+                                                                          std::string const& parameter) {
+  auto const compute = [&] {
+    auto const result = std::make_shared<RulesOfParameter>();
+    auto const typePaths = resolve(use, pattern);
+    for (auto const& typePath : *typePaths) {
+      auto const* def = data_.getParamValueDef(typePath, parameter, true);
+      if (def == nullptr) continue;
+      result->all.push_back(def);
+      result->areFree = result->areFree && def->allowedValueKind == ParamValueDef::NoAllowedValues &&
+                        def->type == result->all.front()->type;
+    }
+    return result;
+  };
+  if (use.named == nullptr && !pattern.isAbsolute()) return compute();
+  auto& kept = rulesOf_[pattern.text() + "\n" + parameter];
+  if (!kept) kept = compute();
   return kept;
 }
 

@@ -7,10 +7,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <tarn/PathPattern.h>
 #include <tarn/PhysicsData.h>
+#include <tarn/TDFParam.h>
 
 #include "diagnostics/DiagnosticList.h"
 #include "diagnostics/NearMatch.h"
@@ -71,6 +73,16 @@ class LintContext {
   /// type is tried as its owner. Results that do not depend on the owner are kept, because many rules share them.
   [[nodiscard]] TypePaths resolve(ExpressionUse const& use, PathPattern const& pattern);
 
+  /// The rules of a parameter in all objects that a pattern can name.
+  struct RulesOfParameter {
+    std::vector<ParamValueDef const*> all;
+    /// All are of one type, and none limits the values.
+    bool areFree = true;
+  };
+  /// Computed once for a path that many rules share, see `resolve`.
+  [[nodiscard]] std::shared_ptr<RulesOfParameter const> rulesOf(ExpressionUse const& use, PathPattern const& pattern,
+                                                                std::string const& parameter);
+
   /// The allowed values, when they are written out in the entry or in a list that it names. Null when they are
   /// computed, when there are none, and when they are advice only.
   [[nodiscard]] static SharedStrings const* writtenValues(ParamValueDef const& def);
@@ -80,6 +92,11 @@ class LintContext {
   /// The item of a named list, where its items are written one by one; the whole of the list otherwise. Linear in the
   /// length of the list.
   [[nodiscard]] Item placeInList(NamedRule const& list, std::string_view text) const;
+  /// Whether all items of a named list were found to be of a type, so that they need not be looked at again.
+  [[nodiscard]] bool isKnownAsSound(NamedRule const& list, TDFParam::Type type) const {
+    return soundLists_.contains({&list, type});
+  }
+  void setSound(NamedRule const& list, TDFParam::Type type) { soundLists_.insert({&list, type}); }
   /// The last warning is about a value that a named list lacks. The list may be at fault, so such warnings are reported
   /// together.
   void setCauseIsList(Diagnostic& warning, NamedRule const& list, std::string_view lacking);
@@ -98,8 +115,10 @@ class LintContext {
   HintBudget hints_;
   std::unordered_map<ObjDependDef const*, EntryPositions> positions_;
   std::unordered_map<std::string, TypePaths> resolved_;
+  std::unordered_map<std::string, std::shared_ptr<RulesOfParameter const>> rulesOf_;  // by pattern and parameter
   std::unordered_map<NamedRule const*, std::string const*> impossibleNames_;
   std::unordered_map<YamlNode const*, std::vector<Range>> faults_;  // by the scalar of the expression
+  std::set<std::pair<NamedRule const*, TDFParam::Type>> soundLists_;
   // Two walks, so that the search for a fix does not throw back the search for the next warning.
   ScalarWalk walk_;
   ScalarWalk fixWalk_;

@@ -14,6 +14,8 @@
 
 #include <tarn/PathUtils.h>
 
+#include "expression/Nodes.h"
+
 namespace tarn::rules {
 
 namespace {
@@ -59,7 +61,7 @@ void OrderLint::collect(ExpressionUse const& use) {
   auto const* object = context_.data().getObjDependDef(use.typePath, true);
   if (object == nullptr) return;
   RuleReads reads;
-  use.compiled->expression->collectReads(reads, PathPattern());
+  addReads(*use.compiled->expression, PathPattern(), reads);
   if (reads.parameters.empty() && reads.objectSets.empty()) return;
   auto const ranges = rangesOf(use);
   auto const rangeOf = [&](std::string const& parameter) {
@@ -68,6 +70,36 @@ void OrderLint::collect(ExpressionUse const& use) {
   };
   for (auto const& read : reads.parameters) collectParameter(use, *object, read, rangeOf(read.name));
   for (auto const& set : reads.objectSets) collectSet(use, set, rangeOf({}));
+}
+
+void OrderLint::addReads(Expression const& expression, Base const& base, RuleReads& reads) {
+  auto const operands = expression.operands();
+  if (!operands.empty()) {
+    for (std::size_t i = 0; i < operands.size(); ++i) addReads(*operands[i], expression.operandBase(i, base), reads);
+    return;
+  }
+  auto const* call = dynamic_cast<NamedCall const*>(&expression);
+  bool const isSeenFromOwner =
+      base.names == nullptr && base.context.start() == PathPattern::Start::Context && base.context.steps().empty();
+  if (call == nullptr || !isSeenFromOwner || call->rule().expression() == nullptr) {
+    expression.collectReads(reads, base);
+    return;
+  }
+  auto known = readsOfNamed_.find(&call->rule());
+  if (known == readsOfNamed_.end()) {
+    RuleReads found;
+    addReads(*call->rule().expression(), base, found);
+    // Each read once, so that chains of calls do not multiply them.
+    std::set<std::string> seen;
+    std::erase_if(found.parameters, [&](RuleReads::Parameter const& read) {
+      return !seen.insert(read.objects.text() + "\n" + read.name).second;
+    });
+    std::erase_if(found.objectSets, [&](PathPattern const& set) { return !seen.insert(set.text()).second; });
+    known = readsOfNamed_.emplace(&call->rule(), std::move(found)).first;
+  }
+  auto const& found = known->second;
+  reads.parameters.insert(reads.parameters.end(), found.parameters.begin(), found.parameters.end());
+  reads.objectSets.insert(reads.objectSets.end(), found.objectSets.begin(), found.objectSets.end());
 }
 
 void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,

@@ -70,6 +70,9 @@ class OrderLint {
   };
 
   void collect(ExpressionUse const& use);
+  /// The parameters and objects that an expression reads. Those of named rules are collected once: chains of them are
+  /// long, and many rules call them.
+  void addReads(Expression const& expression, Base const& base, RuleReads& reads);
   void collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
                         Range range);
   void collectSet(ExpressionUse const& use, PathPattern const& set, Range range);
@@ -94,6 +97,7 @@ class OrderLint {
   LintContext& context_;
   std::map<std::pair<ObjDependDef const*, bool>, List> lists_;
   std::vector<Reason> reasons_;
+  std::unordered_map<NamedRule const*, RuleReads> readsOfNamed_;  // seen from the owner of the rule that calls them
   std::unordered_map<ExpressionUse const*, std::vector<LateRead>> late_;
   std::size_t totalSteps_ = 0;
 };

@@ -46,6 +46,31 @@ std::set<std::string> TypeTree::atAnyDepth(std::set<std::string> const& tops, st
   return found;
 }
 
+std::vector<std::string const*> TypeTree::ownersOf(PathPattern const& pattern) const {
+  std::vector<std::string const*> owners;
+  auto const add = [&](std::string const& path) {
+    auto const found = children_.find(path);
+    if (found != children_.end()) owners.push_back(&found->first);
+  };
+  auto const ofType = [&](std::string const& type) -> std::vector<std::string> const& {
+    static std::vector<std::string> const none;
+    auto const found = byType_.find(type);
+    return found == byType_.end() ? none : found->second;
+  };
+  bool const isOwn = pattern.start() == PathPattern::Start::Context || pattern.start() == PathPattern::Start::Owner;
+  if (pattern.start() == PathPattern::Start::Nearest) {
+    // From an object below, the nearest one of the type leads to the same.
+    for (auto const& path : ofType(pattern.startType())) add(path);
+  } else if (isOwn && !pattern.steps().empty() &&
+             (pattern.steps().front().kind == PathPattern::StepKind::Child ||
+              pattern.steps().front().kind == PathPattern::StepKind::ChildrenOfType)) {
+    for (auto const& path : ofType(pattern.steps().front().type)) add(std::string(PathUtils::parentOf(path)));
+  } else {
+    for (auto const& entry : children_) owners.push_back(&entry.first);
+  }
+  return owners;
+}
+
 std::set<std::string> TypeTree::resolve(PathPattern const& pattern, std::string const& owner) const {
   std::set<std::string> current;
   switch (pattern.start()) {

@@ -20,6 +20,8 @@ class TypeTree {
   [[nodiscard]] std::vector<std::string> const& childTypes(std::string const& typePath) const;
   [[nodiscard]] std::map<std::string, std::vector<std::string>> const& all() const noexcept { return children_; }
 
+  /// The type paths of owners of rules from which a relative pattern can name anything. Perhaps also others.
+  [[nodiscard]] std::vector<std::string const*> ownersOf(PathPattern const& pattern) const;
   /// The type paths that `pattern` can name when the owner of the rule has the type path `owner`.
   [[nodiscard]] std::set<std::string> resolve(PathPattern const& pattern, std::string const& owner) const;
 

@@ -223,10 +223,8 @@ class QuantityFinder {
  private:
   QuantityType const* ofParameter(PathPattern const& objects, std::string const& name) {
     QuantityType const* result = nullptr;
-    auto const typePaths = context_.resolve(use_, objects);
-    for (auto const& typePath : *typePaths) {
-      auto const* def = context_.data().getParamValueDef(typePath, name, true);
-      if (def == nullptr) continue;
+    auto const rules = context_.rulesOf(use_, objects, name);
+    for (auto const* def : rules->all) {
       auto const* type = targetOf(context_, def).type;
       if (type == nullptr || (result != nullptr && result != type)) return nullptr;
       result = type;

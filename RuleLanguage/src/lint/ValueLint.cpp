@@ -148,6 +148,7 @@ class ValueLint {
     if (allowed_ == nullptr) return;
     auto const* named = LintContext::namedValues(def_);
     // Items of a shared list are reported where they are written, once for all that use it.
+    if (named != nullptr && context_.isKnownAsSound(*named, TDFParam::elementType(def_.type))) return;
     for (auto const& item : *allowed_) {
       auto const fault = typeFault("allowed value", Code::AllowedValueOfWrongType, item);
       if (!fault) continue;
@@ -159,7 +160,10 @@ class ValueLint {
       }
       return;
     }
-    if (named != nullptr) return;
+    if (named != nullptr) {
+      context_.setSound(*named, TDFParam::elementType(def_.type));
+      return;
+    }
     std::set<std::string_view> seen;
     for (auto const& item : *allowed_) {
       if (seen.insert(item).second) continue;
