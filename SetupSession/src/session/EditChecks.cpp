@@ -163,6 +163,15 @@ EditChecks::Checked EditChecks::checkPath(Edit const& edit) const {
       return result;
     }
   }
+  if (edit.kind == Kind::SetParam || edit.kind == Kind::ActivateParam) {
+    bool const isComment = edit.name.starts_with('#');
+    std::size_t const sign = edit.name.find_first_of(":=");
+    if (isComment || sign != std::string::npos) {
+      return refused(RefusalCode::Unreadable, edit,
+                     "The parameter " + shown(edit.name) + " cannot be saved: model text has no place for \"" +
+                         (isComment ? '#' : edit.name[sign]) + "\" in the name of a parameter.");
+    }
+  }
   if (bringsObject(edit.kind) && isNamed(edit.path)) {
     std::string const name(PathUtils::lastName(edit.path));
     std::string const wrong = faultOfName(name);
