@@ -221,7 +221,11 @@ class ResultWriter {
       for (WaitingChange const& change : result_.effect.waiting) {
         bool const isOfEdit = change.item.path == edit->path &&
                               (change.item.name ? *change.item.name == edit->name : !isOfParam(edit->kind));
-        if (!isOfEdit || !change.after || change.before || isSwitchingOff(edit->kind)) continue;
+        if (!isOfEdit || !change.after || change.before) continue;
+        if (isSwitchingOff(edit->kind)) {
+          if (change.after->value) what += "; its value " + value(*change.after->value) + " is kept";
+          continue;
+        }
         what += " waits: " + whyWaiting(*change.after);
         isKept = true;
       }

@@ -379,7 +379,7 @@ EditChecks::Checked EditChecks::checkAdd(Edit const& edit) const {
   }
   if (!isNamed(edit.path)) {
     return refused(RefusalCode::NameMissing, edit, "Objects " + shown(type) + " need a name.",
-                   Edit::addObject(freeName(edit.path + ":" + type)));
+                   Edit::addObject(freeName(edit.path + ":" + type + " 0")));
   }
   if (state_.hasObject(edit.path)) return nameTaken(edit, edit.path);
   if (auto const names = state_.allowedNames(rules, parent)) {

@@ -207,7 +207,7 @@ TEST(SessionEdit, ObjectsCanBeAddedAndRefuseWrongNames) {
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank:T1")),
               ElementsAre("Refused: The name \"T1\" is taken. Nearest: add /Plant/Tank:T1 2."));
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank")),
-              ElementsAre("Refused: Objects \"Tank\" need a name. Nearest: add /Plant/Tank:Tank 2."));
+              ElementsAre("Refused: Objects \"Tank\" need a name. Nearest: add /Plant/Tank:Tank 1."));
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Report:monthly")),
               ElementsAre("Refused: Objects \"Report\" have no name. Nearest: switch on /Plant/Report."));
   EXPECT_THAT(verdictOf(Edit::addObject("/Plant")),
