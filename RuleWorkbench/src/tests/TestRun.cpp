@@ -9,6 +9,7 @@
 #include <utility>
 #include <variant>
 
+#include <tarn/DynamicTDF.h>
 #include <tarn/EvalContext.h>
 #include <tarn/ObjDependDef.h>
 #include <tarn/PathUtils.h>
@@ -163,7 +164,11 @@ void TestRun::run() {
   for (PlannedStep const& step : test_.steps) {
     if (!make(step)) return;
   }
-  for (PlannedEvaluation const& evaluation : test_.evaluations) evaluate(evaluation);
+  if (test_.evaluations.empty()) return;
+  ModelState const model = session_->result();
+  DynamicTDF tree(false);
+  tree.initialise(model.begin(), model.end());
+  for (PlannedEvaluation const& evaluation : test_.evaluations) evaluate(evaluation, tree);
 }
 
 bool TestRun::open() {
@@ -440,7 +445,7 @@ void TestRun::checkFindings(Expectation const& expectation, Item const* item) {
        "findings: " + namesText(expectation.values), "findings: " + namesText(actual), std::move(cause));
 }
 
-void TestRun::evaluate(PlannedEvaluation const& evaluation) {
+void TestRun::evaluate(PlannedEvaluation const& evaluation, ModelTDF const& model) {
   ++result_.expectations;
   std::string const& text = evaluation.expression.text;
   std::string at = session_->root();
@@ -462,10 +467,7 @@ void TestRun::evaluate(PlannedEvaluation const& evaluation) {
          first.message + " (at character " + std::to_string(first.column) + ')');
     return;
   }
-  ModelState const model = session_->result();
-  DynamicTDF tree(false);
-  tree.initialise(model.begin(), model.end());
-  EvalContext context(&tree);
+  EvalContext context(&model);
   rules::Query::Result const result = parsed.query->evaluate(TDFContext(at), &context);
   if (gives(result, evaluation)) return;
   std::string expected = listText(evaluation.gives);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <tarn/DynamicTDF.h>
+#include <tarn/ModelTDF.h>
 #include <tarn/session/Session.h>
 #include <tarn/workbench/RuleTests.h>
 
@@ -42,7 +42,8 @@ class TestRun {
   void checkAllowed(Expectation const& expectation, session::ParamRecord const& param);
   void checkReason(Expectation const& expectation, session::Item const& item);
   void checkFindings(Expectation const& expectation, session::Item const* item);
-  void evaluate(PlannedEvaluation const& evaluation);
+  /// `model` is the result of the session.
+  void evaluate(PlannedEvaluation const& evaluation, ModelTDF const& model);
 
   /// The item that an expectation names. When there is none, that is a failure.
   [[nodiscard]] std::optional<session::Item> itemOf(PlacedText const& path, bool mayBeGone);
