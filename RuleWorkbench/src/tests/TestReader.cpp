@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -38,82 +39,39 @@ constexpr auto testKeys = std::to_array<Key<TestKey>>({{"Model", TestKey::Model}
 enum class ModelKey { File };
 constexpr auto modelKeys = std::to_array<Key<ModelKey>>({{"File", ModelKey::File}});
 
-enum class StepKey { Set, SwitchOn, SwitchOff, Add, Remove, Copy, Rename, Expect };
-constexpr auto stepKeys = std::to_array<Key<StepKey>>({{"Set", StepKey::Set},
-                                                       {"Switch On", StepKey::SwitchOn},
-                                                       {"Switch Off", StepKey::SwitchOff},
-                                                       {"Add", StepKey::Add},
-                                                       {"Remove", StepKey::Remove},
-                                                       {"Copy", StepKey::Copy},
-                                                       {"Rename", StepKey::Rename},
-                                                       {"Expect", StepKey::Expect}});
+/// The edits of a step; nothing stands for what is expected.
+using StepKey = std::optional<PlannedEdit::Kind>;
+using EditKind = PlannedEdit::Kind;
+constexpr auto stepKeys = std::to_array<Key<StepKey>>({{"Set", EditKind::Set},
+                                                       {"Switch On", EditKind::SwitchOn},
+                                                       {"Switch Off", EditKind::SwitchOff},
+                                                       {"Add", EditKind::Add},
+                                                       {"Remove", EditKind::Remove},
+                                                       {"Copy", EditKind::Copy},
+                                                       {"Rename", EditKind::Rename},
+                                                       {"Expect", std::nullopt}});
 
-enum class ExpectKey {
-  Value,
-  Present,
-  Absent,
-  OnOffer,
-  Waiting,
-  Required,
-  Optional,
-  Allowed,
-  Default,
-  LowerBound,
-  UpperBound,
-  Reason,
-  Refused,
-  Findings
-};
-constexpr auto expectKeys = std::to_array<Key<ExpectKey>>({{"Value", ExpectKey::Value},
-                                                           {"Present", ExpectKey::Present},
-                                                           {"Absent", ExpectKey::Absent},
-                                                           {"On Offer", ExpectKey::OnOffer},
-                                                           {"Waiting", ExpectKey::Waiting},
-                                                           {"Required", ExpectKey::Required},
-                                                           {"Optional", ExpectKey::Optional},
-                                                           {"Allowed", ExpectKey::Allowed},
-                                                           {"Default", ExpectKey::Default},
-                                                           {"Lower Bound", ExpectKey::LowerBound},
-                                                           {"Upper Bound", ExpectKey::UpperBound},
-                                                           {"Reason", ExpectKey::Reason},
-                                                           {"Refused", ExpectKey::Refused},
-                                                           {"Findings", ExpectKey::Findings}});
+/// The expectations about items; nothing stands for whether the edits are refused.
+using ExpectKey = std::optional<Expectation::Kind>;
+using Kind = Expectation::Kind;
+constexpr auto expectKeys = std::to_array<Key<ExpectKey>>({{"Value", Kind::Value},
+                                                           {"Present", Kind::Present},
+                                                           {"Absent", Kind::Absent},
+                                                           {"On Offer", Kind::OnOffer},
+                                                           {"Waiting", Kind::Waiting},
+                                                           {"Required", Kind::Required},
+                                                           {"Optional", Kind::Optional},
+                                                           {"Allowed", Kind::Allowed},
+                                                           {"Default", Kind::Default},
+                                                           {"Lower Bound", Kind::LowerBound},
+                                                           {"Upper Bound", Kind::UpperBound},
+                                                           {"Reason", Kind::Reason},
+                                                           {"Refused", std::nullopt},
+                                                           {"Findings", Kind::Findings}});
 
 enum class EvaluateKey { At, Expression, Gives };
 constexpr auto evaluateKeys = std::to_array<Key<EvaluateKey>>(
     {{"At", EvaluateKey::At}, {"Expression", EvaluateKey::Expression}, {"Gives", EvaluateKey::Gives}});
-
-constexpr auto isExpected = [](ExpectKey key) {
-  switch (key) {
-    case ExpectKey::Value:
-      return Expectation::Kind::Value;
-    case ExpectKey::Present:
-      return Expectation::Kind::Present;
-    case ExpectKey::Absent:
-      return Expectation::Kind::Absent;
-    case ExpectKey::OnOffer:
-      return Expectation::Kind::OnOffer;
-    case ExpectKey::Waiting:
-      return Expectation::Kind::Waiting;
-    case ExpectKey::Required:
-      return Expectation::Kind::Required;
-    case ExpectKey::Optional:
-      return Expectation::Kind::Optional;
-    case ExpectKey::Default:
-      return Expectation::Kind::Default;
-    case ExpectKey::LowerBound:
-      return Expectation::Kind::LowerBound;
-    case ExpectKey::UpperBound:
-      return Expectation::Kind::UpperBound;
-    case ExpectKey::Reason:
-      return Expectation::Kind::Reason;
-    case ExpectKey::Allowed:
-    case ExpectKey::Refused:
-    case ExpectKey::Findings:
-      break;
-  }
-  return Expectation::Kind::Value;
-};
 
 }  // namespace
 
@@ -252,26 +210,10 @@ void TestReader::readSteps(Item const& item, TestPlan& test) {
 
 void TestReader::readStep(Item const& item, PlannedStep& step) {
   bool hasKeys = false;
-  forEachKnown(item, "a step", stepKeys, [&](StepKey key, Item const&, Item const& value) {
+  forEachKnown(item, "a step", stepKeys, [&](StepKey edit, Item const&, Item const& value) {
     hasKeys = true;
-    switch (key) {
-      case StepKey::Set:
-        return readEdits(PlannedEdit::Kind::Set, value, step);
-      case StepKey::SwitchOn:
-        return readEdits(PlannedEdit::Kind::SwitchOn, value, step);
-      case StepKey::SwitchOff:
-        return readEdits(PlannedEdit::Kind::SwitchOff, value, step);
-      case StepKey::Add:
-        return readEdits(PlannedEdit::Kind::Add, value, step);
-      case StepKey::Remove:
-        return readEdits(PlannedEdit::Kind::Remove, value, step);
-      case StepKey::Copy:
-        return readEdits(PlannedEdit::Kind::Copy, value, step);
-      case StepKey::Rename:
-        return readEdits(PlannedEdit::Kind::Rename, value, step);
-      case StepKey::Expect:
-        return readExpect(value, step);
-    }
+    if (edit) return readEdits(*edit, value, step);
+    readExpect(value, step);
   });
   if (step.refusal && step.edits.empty()) {
     error(Code::MissingKey, item, "'Refused' needs an edit in the same step, and there is none");
@@ -311,26 +253,25 @@ void TestReader::readEdits(PlannedEdit::Kind kind, Item const& item, PlannedStep
 }
 
 void TestReader::readExpect(Item const& item, PlannedStep& step) {
-  forEachKnown(item, "an expectation", expectKeys, [&](ExpectKey key, Item const&, Item const& value) {
-    switch (key) {
-      case ExpectKey::Value:
-      case ExpectKey::Default:
-      case ExpectKey::LowerBound:
-      case ExpectKey::UpperBound:
-      case ExpectKey::Reason:
-        return readTextsByPath(isExpected(key), value, step);
-      case ExpectKey::Present:
-      case ExpectKey::Absent:
-      case ExpectKey::OnOffer:
-      case ExpectKey::Waiting:
-      case ExpectKey::Required:
-      case ExpectKey::Optional:
-        return readPaths(isExpected(key), value, step);
-      case ExpectKey::Allowed:
+  forEachKnown(item, "an expectation", expectKeys, [&](ExpectKey kind, Item const&, Item const& value) {
+    if (!kind) return readRefused(value, step);
+    switch (*kind) {
+      case Kind::Value:
+      case Kind::Default:
+      case Kind::LowerBound:
+      case Kind::UpperBound:
+      case Kind::Reason:
+        return readTextsByPath(*kind, value, step);
+      case Kind::Present:
+      case Kind::Absent:
+      case Kind::OnOffer:
+      case Kind::Waiting:
+      case Kind::Required:
+      case Kind::Optional:
+        return readPaths(*kind, value, step);
+      case Kind::Allowed:
         return readAllowed(value, step);
-      case ExpectKey::Refused:
-        return readRefused(value, step);
-      case ExpectKey::Findings:
+      case Kind::Findings:
         return readFindings(value, step);
     }
   });
