@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <tarn/rules/RuleLoader.h>
@@ -20,7 +19,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using workbench::RuleTests;
 using workbench::TestFailure;
-using workbench::TestResult;
 
 constexpr char const* pumpRules = R"(Rule Database: 1
 Pertinent Roots: [Case]
@@ -377,20 +375,6 @@ TEST(RuleTests, AFileBeyondALimitIsRefused) {
   limits = {};
   limits.errors = 1;
   EXPECT_EQ(firstProblem(text + "  other: 5\n", limits), "too-many-errors");
-}
-
-TEST(RuleTests, ThreadsCanRunTestsOfOneObjectAtOnce) {
-  RuleTests const tests = testOf(rotor("    Steps:\n      - Set: {/Case/Domain:rotor/Motion: Rotating}\n"));
-  auto const rules = pump();
-  std::vector<TestResult> results(8);
-  std::vector<std::thread> threads;
-  for (TestResult& result : results) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 20; ++i) result = tests.run(0, *rules);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (TestResult const& result : results) EXPECT_TRUE(result.passed() && result.expectations == 1);
 }
 
 }  // namespace
