@@ -31,7 +31,7 @@ Objects:
         Ordered Allowed String List: [Stationary, Rotating]
         Default Value: Stationary
       Speed:
-        Available: ${Motion} == 'Rotating' and not ${Motion} == 'Stationary'
+        Available: ${Motion} == 'Rotating'
         Parameter Type: Real
         Required: yes
         Default Value: '3'
