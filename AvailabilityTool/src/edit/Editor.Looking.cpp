@@ -246,7 +246,7 @@ Outcome Editor::why(std::string_view text) {
   constexpr std::size_t mostLines = 40;
   constexpr std::size_t depth = 2;
   session::Proof const proof = proofOf(session_, *goal, depth);
-  std::string answer = textOf(proof, mostLines);
+  std::string answer = whyText(proof, remarksOn(session_, *goal, proof), mostLines);
   if (!goal->value && !session_.steps().empty()) {
     session::WhyOptions options;
     options.depth = depth;

@@ -1,6 +1,7 @@
 #include "why/Asked.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 #include <variant>
 
@@ -9,6 +10,9 @@
 #include <tarn/PhysicsData.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/session/Item.h>
+
+#include "cli/Counted.h"
+#include "edit/ShownText.h"
 
 namespace tarn::tool {
 
@@ -64,6 +68,42 @@ session::Proof proofOf(session::Session const& session, session::Goal const& goa
   return session.why(goal.item, options);
 }
 
+ValueRemarks remarksOn(session::Session& session, session::Goal const& goal, session::Proof const& proof) {
+  Fact const fact = proof.answer().fact;
+  if (!goal.value || (fact != Fact::ValueAllowed && fact != Fact::AnyValueAllowed)) return {};
+  Edit const edit = Edit::setParam(goal.item.path, *goal.item.name, *goal.value);
+  session::TryResult tried = session.tryWithFindings(std::span(&edit, 1));
+  ValueRemarks remarks;
+  if (!tried.result.refused) {
+    remarks.findings = std::move(tried.findingsGained);
+    return remarks;
+  }
+  using session::RefusalCode;
+  RefusalCode const code = tried.result.refused->code;
+  bool const isOfValue = code == RefusalCode::WrongType || code == RefusalCode::UnknownUnits ||
+                         code == RefusalCode::ValueNotAllowed || code == RefusalCode::FixedByTheRules;
+  if (isOfValue) remarks.refused = std::move(tried.result.refused);
+  return remarks;
+}
+
+std::string whyText(session::Proof const& proof, ValueRemarks const& remarks, std::size_t maxLines) {
+  if (remarks.refused) {
+    std::string text = harmless(remarks.refused->sentence) + '\n';
+    std::string possible;
+    for (std::string const& value : remarks.refused->possible)
+      possible += (possible.empty() ? "" : ", ") + shortened(value);
+    return possible.empty() ? text : text + "  possible: " + possible + '\n';
+  }
+  if (proof.answer().fact != Fact::AnyValueAllowed && remarks.findings.empty()) return textOf(proof, maxLines);
+  std::string text = '\'' + shortened(proof.answer().value) + "' is allowed for " + shortened(proof.item.text());
+  if (remarks.findings.empty()) return text + '\n';
+  text += ", but brings " + counted(remarks.findings.size(), "finding") + ":\n";
+  for (session::Finding const& finding : remarks.findings) {
+    text += "  " + std::string(session::severityName(finding.severity)) + ": " + harmless(finding.message) + '\n';
+  }
+  return text;
+}
+
 bool isWorthHow(session::Proof const& proof) {
   switch (proof.answer().fact) {
     case Fact::ObjectAbsent:
@@ -102,7 +142,9 @@ std::string howText(session::HowResult const& result,
 }
 
 std::string firstLine(std::string const& text) {
-  return text.substr(0, text.find('\n'));
+  std::string line = text.substr(0, text.find('\n'));
+  if (line.ends_with(':')) line.pop_back();
+  return line;
 }
 
 }  // namespace tarn::tool

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <tarn/Edit.h>
+#include <tarn/session/Finding.h>
 #include <tarn/session/How.h>
 #include <tarn/session/Item.h>
 #include <tarn/session/Proof.h>
@@ -41,6 +42,18 @@ struct FoundItem {
 /// that value if it has it, and otherwise why the value is allowed or not allowed.
 [[nodiscard]] session::Proof proofOf(session::Session const& session, session::Goal const& goal, std::size_t depth);
 
+/// The fate of a value that no list forbids: it may be refused for its type or its units, or be out of bounds. Without
+/// such a value, or if nothing is wrong with it, the remarks are empty.
+struct ValueRemarks {
+  std::optional<session::Refused> refused;
+  /// The findings that the value would bring.
+  std::vector<session::Finding> findings;
+};
+[[nodiscard]] ValueRemarks remarksOn(session::Session& session, session::Goal const& goal, session::Proof const& proof);
+
+/// The proof as text, with the remarks.
+[[nodiscard]] std::string whyText(session::Proof const& proof, ValueRemarks const& remarks, std::size_t maxLines);
+
 /// What to ask `how` after an answer of `why`: how the absent item comes, or how the value becomes allowed. Nothing if
 /// the item is there, the value is allowed, or no edit can help.
 [[nodiscard]] bool isWorthHow(session::Proof const& proof);
@@ -50,7 +63,7 @@ struct FoundItem {
 [[nodiscard]] std::string howText(session::HowResult const& result,
                                   std::function<std::vector<std::string>(std::vector<Edit> const&)> const& commands);
 
-/// The first line of an answer.
+/// The first line of an answer, without a colon at its end.
 [[nodiscard]] std::string firstLine(std::string const& text);
 
 }  // namespace tarn::tool

@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/service/ProofJson.h>
 #include <tarn/service/SessionJson.h>
@@ -132,10 +133,13 @@ int why(WhyOptions const& options, std::ostream& out, std::ostream& err) {
   Question question(options, "zev why", out, err);
   if (!question.hasItem()) return question.sayUnknown();
   session::Proof const proof = proofOf(question.session(), question.goal(), options.depth);
-  std::string const text = textOf(proof, std::numeric_limits<std::size_t>::max());
+  ValueRemarks const remarks = remarksOn(question.session(), question.goal(), proof);
+  std::string const text = whyText(proof, remarks, std::numeric_limits<std::size_t>::max());
   if (options.asJson) {
     Json json = question.head();
     json["message"] = firstLine(text);
+    if (remarks.refused) json["refused"] = service::refusedAsJson(*remarks.refused);
+    if (!remarks.findings.empty()) json["findingsGained"] = service::jsonList(remarks.findings, service::findingAsJson);
     json["proof"] = service::proofAsJson(proof);
     out << service::jsonLine(json) << '\n';
     return NothingFound;
@@ -166,9 +170,7 @@ int how(WhyOptions const& options, std::ostream& out, std::ostream& err) {
   int const status = isReached ? NothingFound : FindingsMade;
   if (options.asJson) {
     Json json = question.head();
-    std::string message = firstLine(textOf(result));
-    if (message.ends_with(':')) message.pop_back();
-    json["message"] = message;
+    json["message"] = firstLine(textOf(result));
     json.update(service::howAsJson(result));
     for (std::size_t i = 0; i < result.ways.size(); ++i) {
       json["ways"][i]["command"] = editLine(options.arguments, result.ways[i].edits);
