@@ -16,7 +16,6 @@ namespace {
 using session::Goal;
 using session::HowAnswer;
 using session::HowResult;
-using session::Item;
 using session::Session;
 using session::Way;
 

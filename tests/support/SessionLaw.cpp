@@ -1,5 +1,6 @@
 #include "support/SessionLaw.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -10,6 +11,7 @@
 #include <tarn/session/Sentences.h>
 
 #include "support/EqualWalks.h"
+#include "support/Reachable.h"
 
 namespace tarn::test {
 
@@ -185,6 +187,30 @@ std::string textOf(Effect const& effect) {
   std::string text;
   for (std::string const& sentence : sentencesOf(effect)) text += "    " + sentence + '\n';
   return text;
+}
+
+/// A value that a proof names is the present one, or it says that it is old and names the present one too.
+std::string checkReads(session::Proof const& proof, session::Session const& session) {
+  auto const& model = *session.provisional().getModelOfRules();
+  for (session::ProofNode const& node : proof.nodes) {
+    for (session::ProofRule const& rule : node.rules) {
+      if (rule.reads.size() != rule.explanation.reads.size()) return "a rule of a proof lacks a read";
+      for (session::ProofRead const& read : rule.reads) {
+        if (!read.read.isParameter()) continue;
+        bool const isPresent = model.hasParameter(read.read.object, read.read.name);
+        std::string const value = isPresent ? model.getParameterValue(read.read.object, read.read.name) : std::string();
+        if (isPresent != read.valueNow.has_value() || (isPresent && *read.valueNow != value)) {
+          return "a proof names another present value of " + read.read.name;
+        }
+        bool const isSame = read.read.isPresent == isPresent &&
+                            (read.read.kind == ModelRead::Kind::Presence || read.read.value == value);
+        if (!isSame && !read.isOld && !value.empty() && value.size() < 100) {
+          return "a proof names an old value of " + read.read.name + " as the present one";
+        }
+      }
+    }
+  }
+  return {};
 }
 
 /// The first line in which the two texts differ.
@@ -408,6 +434,8 @@ std::string SessionLaw::redo() {
   auto const factsBefore = allFacts(session);
   auto const redone = session.redo();
   if (!redone) return {};
+  // The step may be one that was made only to check a way.
+  if (follows_.size() < session.steps().size()) follows_.resize(session.steps().size(), false);
   ++counts_.redone;
   if (redone->refused) return "a redo was refused:\n" + shown(*redone);
   Effect const expected = differenceOf(factsBefore, allFacts(session));
@@ -434,6 +462,54 @@ std::string SessionLaw::compareWithFresh() {
   return below.empty() ? std::string() : "the state below differs from a fresh one: " + below;
 }
 
+bool SessionLaw::openAnew() {
+  opened_ = session::Session::open(*rules_, edits_.start().base, options());
+  follows_.clear();
+  operations_.emplace_back("new session");
+  return isOpen();
+}
+
+std::string SessionLaw::ask() {
+  session::Session& session = *opened_.session;
+  std::set<Item> const items = itemsOf(session);
+  if (items.empty()) return {};
+  Item const item = *std::next(items.begin(), static_cast<std::ptrdiff_t>(pick(items.size())));
+  operations_.push_back("ask about " + item.text());
+  std::string const before = answersOf(session);
+  auto const& state = session.provisional();
+  bool const isPresent = item.isParam() ? state.hasParameter(item.path, *item.name) : state.hasObject(item.path);
+
+  std::string value = "1";
+  if (item.isParam()) {
+    auto const record = session.lookParam(item.path, *item.name);
+    if (record && !record->allowed.allowedValues.empty()) {
+      value = record->allowed.allowedValues[pick(record->allowed.allowedValues.size())];
+    }
+  }
+  for (session::Question const question : {session::Question::Presence, session::Question::Value,
+                                           session::Question::Allowed, session::Question::LastEdit}) {
+    if (question == session::Question::Allowed && !item.isParam()) continue;
+    session::Proof const proof = session.why(item, {question, value, 1 + pick(3)});
+    if (proof.nodes.empty()) return "a question has no answer";
+    std::string const text = session::textOf(proof);
+    if (text.empty() || std::count(text.begin(), text.end(), '\n') > 10) return "a proof has no text, or too much";
+    bool const isOfPresence = question == session::Question::Presence;
+    auto const fact = static_cast<int>(proof.answer().fact);
+    bool const saysPresent = fact >= static_cast<int>(session::Fact::IsRoot);
+    if (isOfPresence && saysPresent != isPresent) return "a proof contradicts the state:\n" + text;
+    if (std::string const broken = checkReads(proof, session); !broken.empty()) return broken + '\n' + text;
+  }
+  session::HowOptions bounds;
+  bounds.maxEdits = 2;
+  bounds.maxTrials = 150;
+  session::Goal const goal{item, item.isParam() && pick(2) == 0 ? std::optional(value) : std::nullopt};
+  session::HowResult const found = session.how(goal, bounds);
+  std::string const now = answersOf(session);
+  if (now != before) return "a question changed an answer:\n" + firstDifferentLine(before, now);
+  if (found.answer == session::HowAnswer::Found && found.ways.empty()) return "a way was found and is not there";
+  return checkHow(session, goal, std::nullopt, found);
+}
+
 SessionLawReport checkSessionLaw(SessionLawPlan const& plan) {
   SessionLawReport report;
   std::size_t operations = 0;
@@ -443,13 +519,18 @@ SessionLawReport checkSessionLaw(SessionLawPlan const& plan) {
     ++operations;
     if (!law.isOpen()) continue;
     std::string broken;
-    try {
-      for (std::size_t i = 0; i < plan.operationsOfASession && broken.empty(); ++i, ++operations) broken = law.step();
-      if (broken.empty()) broken = law.compareWithFresh();
-    } catch (RuleFault const&) {
-      // A question evaluates rules, and passes on what a rule throws. The session of a faulty rule ends here.
-      ++report.faulty;
+    bool isFaulty = false;
+    for (std::size_t i = 0; i <= plan.operationsOfASession && broken.empty(); ++i, ++operations) {
+      try {
+        broken = i < plan.operationsOfASession ? law.step() : law.compareWithFresh();
+      } catch (RuleFault const&) {
+        // A question evaluates rules, and passes on what a rule throws. The session of a faulty rule ends here, and
+        // another one goes on.
+        isFaulty = true;
+        if (!law.openAnew()) break;
+      }
     }
+    report.faulty += isFaulty ? 1 : 0;
     report.counts += law.counts();
     if (broken.empty()) continue;
     report.broken = "seed " + std::to_string(seed) + ": " + broken + '\n' + law.text();

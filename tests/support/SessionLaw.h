@@ -32,6 +32,10 @@ class SessionLaw {
 
   /// Makes a random operation. Returns how it broke a law, or "".
   [[nodiscard]] std::string step();
+  /// Asks why and how about a random item. Returns how the answers contradict the state or change it, or "".
+  [[nodiscard]] std::string ask();
+  /// Opens a new session of the same rules and model. False if it cannot be opened.
+  [[nodiscard]] bool openAnew();
   /// Compares with a fresh session. Returns how they differ, or "".
   [[nodiscard]] std::string compareWithFresh();
   [[nodiscard]] bool hasBytes() const { return random_.hasBytes(); }

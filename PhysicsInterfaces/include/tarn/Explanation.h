@@ -44,7 +44,7 @@ struct TARN_EXPORT Explanation {
     All,
     Count,
     Filter,
-    /// `if`: the condition and the chosen branch.
+    /// `if`, or an item of a list: its condition, then the value chosen. The truth is that of the condition.
     Choice,
     /// A named check, list or value; the child is its expression.
     NamedRule,

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -429,7 +430,7 @@ class Explainer {
       return source.name == rule.name() && source.text == rule.source();
     });
     auto const source = static_cast<std::size_t>(known - sources_.begin());
-    if (known == sources_.end()) sources_.push_back({rule.source(), {}, rule.name()});
+    if (known == sources_.end()) sources_.push_back({rule.source(), rule.place(), rule.name()});
     std::size_t const called = add(*rule.expression(), form, frame, Position{source, at.depth + 1});
     parts_[index].node.name = rule.name();
     parts_[index].node.result = parts_[called].node.result;
@@ -437,18 +438,34 @@ class Explainer {
     return index;
   }
 
-  /// The items are written in places of their own, so their ranges are not ranges of this text.
+  /// The items are written in places of their own, so each part of them has its own source. An item with a condition is
+  /// a choice between its value and nothing.
   std::size_t addGuardedList(GuardedList const& list, Form form, Frame const& frame, Position at) {
     std::size_t const index = addPart(list, Operation::ListOfItems, frame, {none, at.depth});
-    Position const itemAt{none, at.depth + 1};
+    parts_[index].node.source = at.source;
+    auto const positionOf = [&](Explanation::Source const& source, std::size_t depth) {
+      auto const [known, isNew] = sourcesOfItems_.try_emplace(&source, sources_.size());
+      if (isNew) sources_.push_back(source);
+      return Position{known->second, depth};
+    };
     std::vector<std::size_t> needed;
     for (auto const& item : list.items()) {
-      bool holds = true;
-      if (item.when) {
-        needed.push_back(add(*item.when, Form::Truth, frame, itemAt));
-        holds = parts_[needed.back()].node.result.truth;
+      if (!item.when) {
+        needed.push_back(add(*item.value, Form::Text, frame, positionOf(item.valueSource, at.depth + 1)));
+        continue;
       }
-      if (holds || showsAll_) needed.push_back(add(*item.value, Form::Text, frame, itemAt));
+      std::size_t const choice = addPart(*item.when, Operation::Choice, frame, {none, at.depth + 1});
+      std::size_t const when = add(*item.when, Form::Truth, frame, positionOf(item.whenSource, at.depth + 2));
+      parts_[choice].needed = {when};
+      bool const holds = parts_[when].node.result.truth;
+      // An item that does not count was not evaluated. Its text is shown if it reads nothing.
+      if (holds || as<Literal>(*item.value) != nullptr) {
+        std::size_t const value = add(*item.value, Form::Text, frame, positionOf(item.valueSource, at.depth + 2));
+        parts_[choice].node.result = parts_[value].node.result;
+        parts_[choice].needed.push_back(value);
+      }
+      parts_[choice].node.result.truth = holds;
+      needed.push_back(choice);
     }
     parts_[index].node.result = evaluate(list, form, frame);
     parts_[index].needed = std::move(needed);
@@ -569,6 +586,7 @@ class Explainer {
   RecordingModel recording_;
   EvalContext evalContext_;
   std::vector<Explanation::Source> sources_;
+  std::map<Explanation::Source const*, std::size_t> sourcesOfItems_;
   std::vector<Part> parts_;
   std::vector<bool> isKnown_;       // by read
   std::vector<bool> isDetermined_;  // by part

@@ -8,6 +8,7 @@
 #include <tarn/Check.h>
 #include <tarn/List.h>
 #include <tarn/RuleExpressions.h>
+#include <tarn/RulePlace.h>
 
 #include "expression/Expression.h"
 
@@ -34,6 +35,9 @@ class NamedRule {
   [[nodiscard]] Expression* expression() noexcept { return expression_.get(); }
   [[nodiscard]] std::string const& source() const noexcept { return source_; }
   [[nodiscard]] Dependence const& dependence() const noexcept { return dependence_; }
+  /// Where its expression is written.
+  [[nodiscard]] RulePlace const& place() const noexcept { return place_; }
+  void setPlace(RulePlace place) { place_ = std::move(place); }
 
  private:
   std::string name_;
@@ -42,6 +46,7 @@ class NamedRule {
   ExpressionPtr expression_;
   std::string source_;
   Dependence dependence_;
+  RulePlace place_;
 };
 
 class NamedCheck final : public Check {

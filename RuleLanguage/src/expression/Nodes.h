@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include <tarn/Explanation.h>
 #include <tarn/PathPattern.h>
 #include <tarn/PhysicsData.h>
 
@@ -110,6 +111,9 @@ class GuardedList final : public Expression {
   struct Item {
     ExpressionPtr value;
     ExpressionPtr when;  // null: always
+    /// The texts that the ranges of both belong to, for explanations.
+    Explanation::Source valueSource;
+    Explanation::Source whenSource;
   };
   explicit GuardedList(std::vector<Item> items) : Expression(Kind::List, {}), items_(std::move(items)) {}
 

@@ -43,6 +43,7 @@ void RuleBuilder::registerNamed(File const& file) {
       rule->setRulePlace(isExpression(*body.node)                    ? body.placeOfExpression(1)
                          : body.node->kind == YamlNode::Kind::Scalar ? body.placeOfExpression(0)
                                                                      : body.place());
+      rule->rule().setPlace(rule->rulePlace());
       rules.emplace(name.node->value, rule.get());
       auto& pending = bodies_.emplace_back();
       pending.rule = &rule->rule();

@@ -199,6 +199,7 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
     Item const childItem{item.source, child};
     GuardedList::Item guarded;
     auto const fixedText = [&](Item const& value) {
+      guarded.valueSource = {value.node->value, value.placeOfExpression(0), {}};
       return std::make_unique<Literal>(Range{0, value.node->value.size()}, value.node->value);
     };
     if (child->kind == YamlNode::Kind::Scalar) {
@@ -211,6 +212,10 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
+        (role == Role::Condition ? guarded.whenSource : guarded.valueSource) = {
+            std::string(StringUtilities::trimmed(std::string_view(part.node->value).substr(skipped))),
+            part.placeOfExpression(skipped),
+            {}};
         if (result.expression) parts.push_back({result.expression.get(), result.hasQuantities, part, skipped});
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);

@@ -95,7 +95,8 @@ class Writer {
     if (!rule.text.empty()) return printable(oneLine(rule.text));
     bool const isFixed =
         !rule.explanation.nodes.empty() && rule.explanation.nodes.front().operation == Operation::Literal;
-    return isFixed ? resultText(rule.explanation.nodes.front().result) : "a rule of the program";
+    if (isFixed) return resultText(rule.explanation.nodes.front().result);
+    return rule.place.isKnown() ? "a list with conditions" : "a rule of the program";
   }
 
   /// Rules may be written over several lines.
@@ -226,7 +227,12 @@ class Writer {
         std::string const result = part.result.kind != Result::Kind::Truth ? "is " + resultText(part.result)
                                    : part.result.truth                     ? "holds"
                                                                            : "does not hold";
-        add(indent, also + '\'' + printable(part.name) + "' " + result);
+        std::string place;
+        if (!part.children.empty()) {
+          std::size_t const source = explanation.nodes[part.children.front()].source;
+          if (source < explanation.sources.size()) place = placed(explanation.sources[source].place);
+        }
+        add(indent, also + '\'' + printable(part.name) + "' " + result + place);
         for (std::size_t const child : part.children) writePart(node, rule, child, isBlocking, indent + "  ");
         return;
       }
@@ -237,10 +243,32 @@ class Writer {
         return;
       case Operation::Literal:
         return;
+      case Operation::ListOfItems:
+        for (std::size_t const child : part.children) writePart(node, rule, child, false, indent);
+        return;
+      case Operation::Choice:
+        if (part.length == 0 && !part.children.empty()) {
+          writeItem(node, rule, part, indent);
+          return;
+        }
+        [[fallthrough]];
       default:
         add(indent, also + leafText(node, rule, part, isBlocking));
         writeFurther(node, rule, part, indent + "  ");
     }
+  }
+
+  /// An item of a list that counts only while its condition holds.
+  void writeItem(ProofNode const& node, ProofRule const& rule, Explanation::Node const& part,
+                 std::string const& indent) {
+    auto const& explanation = rule.explanation;
+    Explanation::Node const& when = explanation.nodes[part.children.front()];
+    std::string const value =
+        part.children.size() > 1 ? resultText(explanation.nodes[part.children[1]].result) : "an item";
+    std::string const place =
+        when.source < explanation.sources.size() ? placed(explanation.sources[when.source].place) : std::string();
+    add(indent, value + (part.result.truth ? " counts: " : " does not count: ") + partText(rule, when) + place);
+    writePart(node, rule, part.children.front(), !part.result.truth, indent + "  ");
   }
 
   /// At most three objects, each with its name.

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -37,12 +38,16 @@ class RelevantEdits {
   struct ParamEntry {
     ObjDependDef const* object;
     ParamAvail const* entry;
-    friend auto operator<=>(ParamEntry const&, ParamEntry const&) = default;
+    friend bool operator<(ParamEntry const& a, ParamEntry const& b) {
+      return std::tie(a.object, a.entry) < std::tie(b.object, b.entry);
+    }
   };
   struct ChildEntry {
     ObjDependDef const* parent;
     std::size_t place;
-    friend auto operator<=>(ChildEntry const&, ChildEntry const&) = default;
+    friend bool operator<(ChildEntry const& a, ChildEntry const& b) {
+      return std::tie(a.parent, a.place) < std::tie(b.parent, b.place);
+    }
   };
 
   void add(ParamEntry entry);

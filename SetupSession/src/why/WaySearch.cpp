@@ -171,6 +171,7 @@ void WaySearch::reorder(Found& way) {
       continue;  // A rule fails after one of these edits.
     }
     std::vector<Edit> edits;
+    edits.reserve(order.size());
     for (std::size_t const index : order) edits.push_back(way.edits[index]);
     way = {std::move(edits), false};
     return;

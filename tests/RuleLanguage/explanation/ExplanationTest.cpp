@@ -269,10 +269,12 @@ TEST(Explanation, ItemsWithConditionsAreNeededOnlyWhereTheyCount) {
   'Outlet' -> 'Outlet'
   list('kinds') -> [Inlet]
     ? -> [Inlet]
-      ? -> 'Inlet'
-      ? -> false
-        ? -> 'Rotating'; /Case/Domain:rotor/Motion='Rotating'
-        ? -> 'Stationary'
+      Inlet -> 'Inlet'
+      ? -> 'Outlet'
+        ${Motion} == 'Stationary' -> false
+          ${Motion} -> 'Rotating'; /Case/Domain:rotor/Motion='Rotating'
+          'Stationary' -> 'Stationary'
+        Outlet -> 'Outlet'
 )");
 }
 

@@ -17,14 +17,34 @@ std::uint32_t numberFrom(char const* variable, std::uint32_t otherwise) {
 }
 
 TEST(SessionLaw, AnswersAreThoseOfAFreshSessionThatMakesTheRemainingSteps) {
-  SessionLawReport const report = checkSessionLaw({.firstSeed = 1, .operations = 1500});
+  SessionLawReport const report = checkSessionLaw({.firstSeed = 1, .operations = 1800});
   ASSERT_EQ(report.broken, "");
-  EXPECT_LT(report.faulty, report.sessions / 4);
-  EXPECT_GT(report.counts.changing, 150U);
+  EXPECT_LT(report.faulty, report.sessions / 2);
+  EXPECT_GT(report.counts.changing, 200U);
   EXPECT_GT(report.counts.refused, 100U);
   EXPECT_GT(report.counts.undone, 50U);
   EXPECT_GT(report.counts.redone, 10U);
   EXPECT_GT(report.counts.waiting, 20U);
+}
+
+/// Edits with questions between them, under random rules.
+TEST(SessionLaw, AnswersToWhyAndHowAgreeWithTheStateAndLeaveItAsItWas) {
+  std::size_t asked = 0;
+  std::uint32_t const sessions = numberFrom("TARN_SESSION_LAW_OPERATIONS", 300) / 20;
+  std::uint32_t const first = numberFrom("TARN_SESSION_LAW_SEED", 1);
+  for (std::uint32_t seed = first; seed < first + sessions; ++seed) {
+    SessionLaw law{RandomNumbers(seed), RandomNumbers(seed + 2'000'000)};
+    for (int i = 0; i < 10 && law.isOpen(); ++i) {
+      try {
+        ASSERT_EQ(law.step(), "") << law.text();
+        ASSERT_EQ(law.ask(), "") << law.text();
+        ++asked;
+      } catch (RuleFault const&) {
+        if (!law.openAnew()) break;
+      }
+    }
+  }
+  EXPECT_GT(asked, sessions * 4);
 }
 
 TEST(SessionLaw, HoldsForMoreOperationsWhenAsked) {

@@ -34,7 +34,7 @@ TEST(Why, EveryOperandThatStandsInTheWayIsShown) {
     needs all of
       Angular Velocity is absent, needs more than 10
       also Material is 'Air', needs 'Water'  (default, flow.rules.yaml:47:24)
-      also 'flow is turbulent' does not hold
+      also 'flow is turbulent' does not hold  (flow.rules.yaml:4:22)
         /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
   1 more fact with more depth
 )");
@@ -59,7 +59,7 @@ TEST(Why, AbsentObjectAboveIsTheWholeProof) {
   /Case/Domain:rotor/Turbulence is absent: not available
     "A laminar flow has no turbulence."
     Available: check('flow is turbulent')  (flow.rules.yaml:65:20)
-      'flow is turbulent' does not hold
+      'flow is turbulent' does not hold  (flow.rules.yaml:4:22)
         /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
   1 more fact with more depth
 )");
@@ -119,7 +119,7 @@ TEST(Why, ValueThatACheckForbidsIsNotAllowed) {
   EXPECT_EQ(flow.why(rotor, "Motion", {Question::Allowed, "Sliding", 1}), R"(
 'Sliding' is not allowed for /Case/Domain:rotor/Motion now
   Allowed String List Checks: check('flow is turbulent')  (flow.rules.yaml:36:20)
-    'flow is turbulent' does not hold
+    'flow is turbulent' does not hold  (flow.rules.yaml:4:22)
       /Case/Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:8:7)
   1 more fact with more depth
 )");
@@ -190,6 +190,45 @@ TEST(Why, LongProofIsCutAtItsLines) {
   FlowCase const flow;
   std::string const text = flow.why(rotor, "Drag", {Question::Value, {}, 5}, 4);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5);
+}
+
+char const* const groupRules = R"rules(Rule Database: 1
+Checks:
+  flow is turbulent: ${/Case/Flow Regime} == 'Turbulent'
+Lists:
+  library groups:
+    - Air Data
+    - {Value: Refrigerants, When: "${Phase} != 'Solid'"}
+    - {Value: Metals, When: "${Phase} == 'Solid' and check('flow is turbulent')"}
+Objects:
+  /Case:
+    Parameters:
+      Flow Regime: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Laminar, Turbulent]}
+      Phase: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Gas, Solid]}
+      Group: {Required: yes, Parameter Type: String, Value List Source: list('library groups')}
+)rules";
+
+TEST(Why, ValueThatIsNotInAListIsExplainedByItsOwnItemAlone) {
+  FlowCase const flow({{"/Case", {}}}, groupRules);
+  EXPECT_EQ(flow.why("/Case", "Group", {Question::Allowed, "Metals", 1}), R"(
+'Metals' is not allowed for /Case/Group: allowed are 'Air Data', 'Refrigerants'
+  Value List Source: list('library groups')  (flow.rules.yaml:14:73)
+    'library groups' is 'Air Data', 'Refrigerants'  (flow.rules.yaml:6:5)
+      'Metals' does not count: ${Phase} == 'Solid' and check('flow is turbulent')  (flow.rules.yaml:8:30)
+        needs all of
+          Phase is 'Gas', needs 'Solid'  (default, flow.rules.yaml:13:7)
+          also 'flow is turbulent' does not hold  (flow.rules.yaml:3:22)
+            Flow Regime is 'Laminar', needs 'Turbulent'  (default, flow.rules.yaml:12:7)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, ValueThatNoItemOfAListHasReadsNothing) {
+  FlowCase const flow({{"/Case", {}}}, groupRules);
+  Proof const proof = flow.session->why({"/Case", "Group"}, {Question::Allowed, "Plastics", 1});
+  ASSERT_EQ(proof.answer().rules.size(), 1U);
+  EXPECT_TRUE(proof.answer().rules.front().reads.empty());
+  EXPECT_TRUE(proof.answer().rules.front().explanation.reads.empty());
 }
 
 }  // namespace
