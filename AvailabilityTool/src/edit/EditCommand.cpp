@@ -125,13 +125,13 @@ bool isFollowed(Edit const& edit, session::EditResult const& result) {
   });
 }
 
-/// The number of items that wait after the edits, so that a file does not have them.
-std::size_t countWaiting(session::EditResult const& result) {
-  std::size_t count = 0;
-  for (session::WaitingChange const& change : result.effect.waiting) {
-    if (change.after && change.after->reason != session::WaitingReason::SwitchedOff) ++count;
-  }
-  return count;
+/// What was asked for and is not in force after the edits, by them or by the model, so that a file does not have it.
+/// What was switched off is not meant to be in the file.
+std::vector<session::Waiting> leftOut(session::Session const& session) {
+  std::vector<session::Waiting> waiting = session.waiting();
+  std::erase_if(waiting,
+                [](session::Waiting const& waits) { return waits.reason == session::WaitingReason::SwitchedOff; });
+  return waiting;
 }
 
 class EditRun {
@@ -232,7 +232,10 @@ class EditRun {
       json["findingsGained"] = service::jsonList(tried.findingsGained, service::findingAsJson);
       json["findingsLost"] = service::jsonList(tried.findingsLost, service::findingAsJson);
     }
-    if (written) json["written"] = *written;
+    if (written) {
+      json["written"] = *written;
+      json["notSaved"] = service::jsonList(leftOut(opened_.session()), service::waitingAsJson);
+    }
     report << service::jsonLine(json) << '\n';
   }
 
@@ -245,10 +248,17 @@ class EditRun {
       return;
     }
     if (*written != "-") err_ << "zev: \"" << *written << "\" is saved.\n";
-    if (std::size_t const waiting = countWaiting(result); waiting > 0) {
-      err_ << "zev: " << counted(waiting, "item") << (waiting == 1 ? " waits" : " wait")
-           << " and could not be saved: model text has no place for what is not in force.\n";
+    std::vector<session::Waiting> const waiting = leftOut(opened_.session());
+    if (waiting.empty()) return;
+    err_ << "zev: " << counted(waiting.size(), "item") << (waiting.size() == 1 ? " waits" : " wait")
+         << " and could not be saved: model text has no place for what is not in force.\n";
+    constexpr std::size_t mostListed = 20;
+    for (std::size_t i = 0; i < std::min(waiting.size(), mostListed); ++i) {
+      session::Waiting const& waits = waiting[i];
+      err_ << "  " << shortened(waits.item.text()) << (waits.value ? " = " + shortened(*waits.value) : "") << "   "
+           << whyWaiting(waits) << '\n';
     }
+    if (waiting.size() > mostListed) err_ << "  ... and " << waiting.size() - mostListed << " more\n";
   }
 
   EditOptions const& options_;
