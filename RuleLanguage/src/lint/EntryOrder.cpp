@@ -177,7 +177,7 @@ std::vector<std::size_t> EntryOrder::shortestCircle(Entry reader, Entry read, st
     for (Read const& one : reads_[next[i]]) {
       if (++steps > mostSteps || ++totalSteps > mostTotalSteps) return {};
       bool const isInside = one.isCertain && circles_[one.to] == circles_[reader];
-      if (isInside && reached.try_emplace(one.to, next[i], one.reason).second) next.push_back(one.to);
+      if (isInside && reached.try_emplace(one.to, Reached{next[i], one.reason}).second) next.push_back(one.to);
     }
   }
   if (!reached.contains(reader)) return {};
