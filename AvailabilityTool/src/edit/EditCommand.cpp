@@ -125,8 +125,8 @@ bool isFollowed(Edit const& edit, session::EditResult const& result) {
   });
 }
 
-/// What was asked for and is not in force after the edits, by them or by the model, so that a file does not have it.
-/// What was switched off is not meant to be in the file.
+/// The items that the model or the edits ask for and that are not in force, so that a file does not have them. Items
+/// that were switched off are not meant to be in the file.
 std::vector<session::Waiting> leftOut(session::Session const& session) {
   std::vector<session::Waiting> waiting = session.waiting();
   std::erase_if(waiting,

@@ -15,7 +15,7 @@
 #include <tarn/session/Refused.h>
 #include <tarn/session/Session.h>
 
-// What `why` and `how` are asked, in the editor and on the command line, and their answers as text.
+// The questions to `why` and `how`, in the editor and on the command line, and their answers as text.
 
 namespace tarn::tool {
 
@@ -54,7 +54,7 @@ struct ValueRemarks {
 /// The proof as text, with the remarks.
 [[nodiscard]] std::string whyText(session::Proof const& proof, ValueRemarks const& remarks, std::size_t maxLines);
 
-/// What to ask `how` after an answer of `why`: how the absent item comes, or how the value becomes allowed. Nothing if
+/// Whether to ask `how` after an answer of `why`: how the absent item comes, or how the value becomes allowed. False if
 /// the item is there, the value is allowed, or no edit can help.
 [[nodiscard]] bool isWorthHow(session::Proof const& proof);
 

@@ -1,4 +1,4 @@
-// Whatever a session takes survives saving and loading exactly. What model text cannot hold is refused at the edit.
+// Every name and value that a session takes survives saving and loading exactly. The others are refused at the edit.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -17,7 +17,7 @@
 /// and control characters in them are escaped.
 namespace tarn::session {
 
-/// The request of an edit: `set "Motion" of /Case/Domain:rotor to "Rotating"`.
+/// The request of an edit: `set /Case/Domain:rotor/Motion to "Rotating"`.
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(Edit const& edit);
 /// Why an edit was refused, and what would have worked.
 [[nodiscard]] TARN_EXPORT std::string sentenceOf(Refused const& refused);
