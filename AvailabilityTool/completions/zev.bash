@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test schema show console --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test schema show console serve --version -h --help' -- "$current")
     return
   fi
 
@@ -39,6 +39,7 @@ _zev() {
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
     -j | --jobs | --limit | --depth | --filter | --fail-under) return ;;                  # a number or a text
+    --http | --host-name) return ;; # an address
   esac
 
   local options='-h --help'
@@ -60,6 +61,9 @@ _zev() {
     schema) ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;
+    serve)
+      options+=' --rules --root --stdio --http --folder --token-file --host-name --web --recovery --no-recovery'
+      ;;
     *) return ;;
   esac
   if [[ $current == -* ]]; then
@@ -68,7 +72,7 @@ _zev() {
   fi
 
   if [[ ${COMP_WORDS[1]} == schema ]]; then
-    mapfile -t COMPREPLY < <(compgen -W 'rules tests' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'rules tests protocol' -- "$current")
     return
   fi
 

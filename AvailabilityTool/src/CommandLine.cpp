@@ -27,6 +27,7 @@
 #include "find/FindCommand.h"
 #include "lint/LintCommand.h"
 #include "schema/SchemaCommand.h"
+#include "serve/ServeCommand.h"
 #include "show/ShowCommand.h"
 #include "test/TestCommand.h"
 #include "validate/ValidateCommand.h"
@@ -48,6 +49,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addSchemaCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
+  addServeCommand(app, chosen);
 }
 
 int printUsage(CLI::App const& app, CLI::ParseError const& error) {

@@ -14,6 +14,7 @@
 #include <tarn/TDFChangeFile.h>
 #include <tarn/rules/RuleLoader.h>
 #include <tarn/service/FindingJson.h>
+#include <tarn/service/Service.h>
 
 #include "Places.h"
 #include "console/Completion.h"
@@ -70,6 +71,21 @@ TEST(LimitsPage, TellsTheLimitsOfPathsAndOfTheConsole) {
   EXPECT_THAT(told("PathPattern::maxSteps"), is(PathPattern::maxSteps));
   EXPECT_THAT(told("HistoryFile::maxLines"), is(HistoryFile::maxLines));
   EXPECT_THAT(told("Completion::maxChoices"), is(Completion::maxChoices));
+}
+
+TEST(LimitsPage, TellsTheLimitsOfSessionsForPrograms) {
+  service::ServiceLimits const limits;
+  EXPECT_THAT(told("messageBytes"), is(limits.messageBytes));
+  EXPECT_THAT(told("messageDepth"), is(limits.messageDepth));
+  EXPECT_THAT(told("batch"), is(limits.batch));
+  EXPECT_THAT(told("edits"), is(limits.edits));
+  EXPECT_THAT(told("documents"), is(limits.documents));
+  EXPECT_THAT(told("modelBytes"), is(limits.modelBytes));
+  EXPECT_THAT(told("page"), is(limits.page));
+  EXPECT_THAT(told("whyDepth"), is(limits.whyDepth));
+  EXPECT_THAT(told("streams"), is(limits.streams));
+  EXPECT_THAT(told("waitingEvents"), is(limits.waitingEvents));
+  EXPECT_THAT(told("rememberedEdits"), is(limits.rememberedEdits));
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ of a fenced block says what it is:
                       that ends with `[y/N] ` or the like; then the command runs on a terminal of its own.
                       A line `...` replaces one or more lines that are left out.
 
-`cpp`, `cmake` and `text form` are not run. Any other block is an error, so that nothing goes untested by a slip. With
+`cpp`, `cmake` and `text form` are not run; protocol.py runs `rpc`. Any other block is an error, so that nothing goes untested by a slip. With
 --update the shown output is replaced by the real one; review it as you would review code. A block with lines left out
 is for you to edit.
 """
@@ -243,7 +243,7 @@ class Examples:
             return self.console(block)
         elif " file=" in kind:
             self.write(kind.split("file=")[1], block.text)
-        elif kind not in ("cpp", "cmake", "text form"):
+        elif kind not in ("cpp", "cmake", "text form", "rpc"):
             self.fault(block, f"what is a block of the kind '{kind}'?")
         return None
 

@@ -15,7 +15,6 @@
 
 #include <tarn/Error.h>
 #include <tarn/ModelTextRewrite.h>
-#include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/service/SessionJson.h>
 #include <tarn/session/ModelFile.h>
@@ -69,7 +68,7 @@ std::string commandLineOf(EditOptions const& options, std::vector<Edit> const& e
 /// Saves the result where the options say. Returns the name of the file, or nothing if there was nothing to write to.
 std::optional<std::string> save(EditOptions const& options, OpenedSession& opened, std::ostream& out) {
   session::ModelFile& file = *opened.file();
-  ModelTextOrder const order = orderOfRules(opened.rules());
+  ModelTextOrder const order = session::orderOfRules(opened.rules());
   ModelState const result = opened.session().result();
   std::optional<session::SaveError> error;
   if (options.inPlace) {
@@ -224,14 +223,8 @@ class EditRun {
     json["model"] = options_.arguments.model;
     json["root"] = opened_.session().root();
     if (options_.dryRun) json["dryRun"] = true;
-    json.update(service::editResultAsJson(result));
-    // The sentence says that the edits were made.
-    if (options_.dryRun && result.applied()) json.erase("message");
+    json.update(options_.dryRun ? service::tryResultAsJson(tried) : service::editResultAsJson(result));
     if (proposal_) json["command"] = *proposal_;
-    if (options_.dryRun && result.applied()) {
-      json["findingsGained"] = service::jsonList(tried.findingsGained, service::findingAsJson);
-      json["findingsLost"] = service::jsonList(tried.findingsLost, service::findingAsJson);
-    }
     if (written) {
       json["written"] = *written;
       json["notSaved"] = service::jsonList(leftOut(opened_.session()), service::waitingAsJson);
@@ -346,7 +339,7 @@ void addEditCommand(CLI::App& app, Command& chosen) {
     chosen = [options](std::ostream& out, std::ostream& err) {
       if (!options->edits.empty()) return EditRun(*options, out, err).run();
       OpenedSession opened(options->arguments, err);
-      return runEditor(opened.session(), opened.file(), orderOfRules(opened.rules()), out, err);
+      return runEditor(opened.session(), opened.file(), session::orderOfRules(opened.rules()), out, err);
     };
   });
 }

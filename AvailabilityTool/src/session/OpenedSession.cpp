@@ -6,8 +6,6 @@
 
 #include <tarn/Error.h>
 #include <tarn/ModelState.h>
-#include <tarn/ObjDependDef.h>
-#include <tarn/PathUtils.h>
 
 #include "cli/Failure.h"
 #include "cli/ListArguments.h"
@@ -70,14 +68,6 @@ OpenedSession::OpenedSession(SessionArguments const& arguments, std::ostream& er
     throw Failure(about + opened.error->sentence + adviceOn(*opened.error));
   }
   session_ = std::move(opened.session);
-}
-
-ModelTextOrder orderOfRules(PhysicsData const& rules) {
-  return [&rules](std::string const& path, std::string const& name) -> std::size_t {
-    ObjDependDef const* const object = rules.getObjDependDef(PathUtils::typePathOf(path), true);
-    if (object == nullptr) return 0;
-    return object->placeOfParam(name);
-  };
 }
 
 }  // namespace tarn::tool

@@ -45,7 +45,4 @@ class OpenedSession {
   std::unique_ptr<session::Session> session_;
 };
 
-/// The place of a parameter among those of its object, by the rules: where new lines of a saved model go.
-[[nodiscard]] ModelTextOrder orderOfRules(PhysicsData const& rules);
-
 }  // namespace tarn::tool

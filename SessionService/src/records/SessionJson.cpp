@@ -1,9 +1,11 @@
 // Records of a session as JSON. Each record is written in one place, so it has one form everywhere.
 #include <tarn/service/SessionJson.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
+#include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/session/Sentences.h>
 
@@ -80,6 +82,35 @@ Json followedAsJson(session::FollowedReference const& followed) {
   return json;
 }
 
+Json pathAsJson(std::string const& path) {
+  return path;
+}
+
+/// The entries of a list from `offset` on.
+template <typename List, typename AsJson>
+Json part(List const& all, AsJson const& asJson, std::size_t offset, std::size_t most) {
+  Json list = Json::array();
+  std::size_t const begin = std::min(offset, all.size());
+  std::size_t const end = begin + std::min(most, all.size() - begin);
+  for (std::size_t i = begin; i < end; ++i) list.push_back(asJson(all[i]));
+  return list;
+}
+
+/// Calls `use` with the key, the entries and the form of each list of an effect, in the order of its members.
+template <typename Use>
+void forEffectLists(session::Effect const& effect, Use const& use) {
+  use("values", effect.values, valueChangeAsJson);
+  use("choices", effect.choices, choicesChangeAsJson);
+  use("bounds", effect.bounds, boundsChangeAsJson);
+  use("defaults", effect.defaults, textChangeAsJson);
+  use("quantities", effect.quantities, textChangeAsJson);
+  use("offersGained", effect.offersGained, itemAsJson);
+  use("offersLost", effect.offersLost, itemAsJson);
+  use("objectsCreated", effect.objectsCreated, pathAsJson);
+  use("objectsDeleted", effect.objectsDeleted, pathAsJson);
+  use("waiting", effect.waiting, waitingChangeAsJson);
+}
+
 }  // namespace
 
 Json valueChangeAsJson(session::ValueChange const& change) {
@@ -150,6 +181,40 @@ std::string_view matchKindName(session::MatchKind kind) noexcept {
   return "substring";
 }
 
+std::string_view openFaultName(session::OpenFault fault) noexcept {
+  using session::OpenFault;
+  switch (fault) {
+    case OpenFault::ModelUnreadable:
+      return "model-unreadable";
+    case OpenFault::RootUnreadable:
+      return "root-unreadable";
+    case OpenFault::RootUnknown:
+      return "root-unknown";
+    case OpenFault::NoRoot:
+      return "no-root";
+    case OpenFault::SeveralRoots:
+      return "several-roots";
+    case OpenFault::RuleFailed:
+      break;
+  }
+  return "rule-failed";
+}
+
+std::string_view saveFaultName(session::SaveFault fault) noexcept {
+  using session::SaveFault;
+  switch (fault) {
+    case SaveFault::FileChanged:
+      return "file-changed";
+    case SaveFault::NotWritable:
+      return "not-writable";
+    case SaveFault::WriteFailed:
+      return "write-failed";
+    case SaveFault::NoFile:
+      break;
+  }
+  return "no-file";
+}
+
 Json itemAsJson(session::Item const& item) {
   Json json = {{"path", item.path}};
   addOptional(json, "name", item.name);
@@ -187,18 +252,30 @@ Json waitingAsJson(session::Waiting const& waiting) {
   return json;
 }
 
-Json effectAsJson(session::Effect const& effect) {
+Json effectListAsJson(session::Effect const& effect, std::string_view key, std::size_t offset, std::size_t most) {
+  Json list;
+  forEffectLists(effect, [&](std::string_view name, auto const& all, auto const& asJson) {
+    if (name == key) list = part(all, asJson, offset, most);
+  });
+  return list;
+}
+
+std::size_t effectListSize(session::Effect const& effect, std::string_view key) {
+  std::size_t size = 0;
+  forEffectLists(effect, [&](std::string_view name, auto const& all, auto const&) {
+    if (name == key) size = all.size();
+  });
+  return size;
+}
+
+Json effectAsJson(session::Effect const& effect, std::size_t most) {
   Json json;
-  json["values"] = jsonList(effect.values, valueChangeAsJson);
-  json["choices"] = jsonList(effect.choices, choicesChangeAsJson);
-  json["bounds"] = jsonList(effect.bounds, boundsChangeAsJson);
-  json["defaults"] = jsonList(effect.defaults, textChangeAsJson);
-  json["quantities"] = jsonList(effect.quantities, textChangeAsJson);
-  json["offersGained"] = jsonList(effect.offersGained, itemAsJson);
-  json["offersLost"] = jsonList(effect.offersLost, itemAsJson);
-  json["objectsCreated"] = effect.objectsCreated;
-  json["objectsDeleted"] = effect.objectsDeleted;
-  json["waiting"] = jsonList(effect.waiting, waitingChangeAsJson);
+  Json cut;
+  forEffectLists(effect, [&](std::string_view name, auto const& all, auto const& asJson) {
+    json[std::string(name)] = part(all, asJson, 0, most);
+    if (all.size() > most) cut[std::string(name)] = all.size();
+  });
+  if (!cut.is_null()) json["cut"] = cut;
   return json;
 }
 
@@ -213,7 +290,7 @@ Json refusedAsJson(session::Refused const& refused) {
   return json;
 }
 
-Json editResultAsJson(session::EditResult const& result) {
+Json editResultAsJson(session::EditResult const& result, std::size_t most) {
   Json json;
   json["applied"] = result.applied();
   if (result.refused) {
@@ -223,10 +300,38 @@ Json editResultAsJson(session::EditResult const& result) {
     json["made"] = jsonList(result.made, editAsJson);
     if (!result.conversions.empty()) json["conversions"] = jsonList(result.conversions, conversionAsJson);
     if (!result.followed.empty()) json["followed"] = jsonList(result.followed, followedAsJson);
-    json["effect"] = effectAsJson(result.effect);
+    json["effect"] = effectAsJson(result.effect, most);
   }
   json["message"] = sentenceOf(result);
   return json;
+}
+
+Json tryResultAsJson(session::TryResult const& result, std::size_t most) {
+  Json json = editResultAsJson(result.result, most);
+  if (!result.result.applied()) return json;
+  json.erase("message");  // it says that the edits were made
+  json["findingsGained"] = part(result.findingsGained, findingAsJson, 0, most);
+  json["findingsLost"] = part(result.findingsLost, findingAsJson, 0, most);
+  return json;
+}
+
+Json stepAsJson(session::Step const& step) {
+  Json json = {{"number", step.number}};
+  json["edits"] = jsonList(step.edits, editAsJson);
+  json["made"] = jsonList(step.made, editAsJson);
+  if (!step.conversions.empty()) json["conversions"] = jsonList(step.conversions, conversionAsJson);
+  if (!step.followed.empty()) json["followed"] = jsonList(step.followed, followedAsJson);
+  return json;
+}
+
+Json openErrorAsJson(session::OpenError const& error) {
+  Json json = {{"fault", openFaultName(error.fault)}, {"sentence", error.sentence}};
+  if (!error.candidates.empty()) json["candidates"] = error.candidates;
+  return json;
+}
+
+Json saveErrorAsJson(session::SaveError const& error) {
+  return {{"fault", saveFaultName(error.fault)}, {"sentence", error.sentence}};
 }
 
 Json foundAsJson(session::Found const& found) {

@@ -12,6 +12,8 @@
 #include <utility>
 
 #include <tarn/Error.h>
+#include <tarn/ObjDependDef.h>
+#include <tarn/PathUtils.h>
 
 namespace tarn::session {
 
@@ -158,6 +160,10 @@ ModelFile ModelFile::named(std::string name) {
   return {std::move(name), {}, false};
 }
 
+ModelFile ModelFile::remembered(std::string name, std::string bytes) {
+  return {std::move(name), std::move(bytes), true};
+}
+
 ModelText ModelFile::text() const {
   return {name_ == "-" ? "<stdin>" : name_, bytes_};
 }
@@ -202,6 +208,14 @@ std::optional<SaveError> ModelFile::saveAs(std::string const& name, ModelState c
   auto error = other.save(state, order, overwrite);
   if (!error) *this = std::move(other);
   return error;
+}
+
+ModelTextOrder orderOfRules(PhysicsData const& rules) {
+  return [&rules](std::string const& path, std::string const& name) -> std::size_t {
+    ObjDependDef const* const object = rules.getObjDependDef(PathUtils::typePathOf(path), true);
+    if (object == nullptr) return 0;
+    return object->placeOfParam(name);
+  };
 }
 
 }  // namespace tarn::session

@@ -7,6 +7,7 @@
 #include <tarn/ModelState.h>
 #include <tarn/ModelText.h>
 #include <tarn/ModelTextRewrite.h>
+#include <tarn/PhysicsData.h>
 
 namespace tarn::session {
 
@@ -52,6 +53,9 @@ class TARN_EXPORT ModelFile {
   [[nodiscard]] static ModelFile read(std::string const& name);
   /// A file that is not there yet. Nothing is read or written.
   [[nodiscard]] static ModelFile named(std::string name);
+  /// A file that was read or saved earlier and held `bytes` then. Nothing is read. Saving finds out whether the file
+  /// still holds them.
+  [[nodiscard]] static ModelFile remembered(std::string name, std::string bytes);
 
   [[nodiscard]] std::string const& name() const noexcept { return name_; }
   /// The text as it was read or saved last.
@@ -75,5 +79,9 @@ class TARN_EXPORT ModelFile {
   /// Whether the file was there when it was read or saved.
   bool exists_ = false;
 };
+
+/// The place of a parameter among those of its object, by the rules: where new lines of a saved model go. `rules` must
+/// outlive the result.
+[[nodiscard]] TARN_EXPORT ModelTextOrder orderOfRules(PhysicsData const& rules);
 
 }  // namespace tarn::session

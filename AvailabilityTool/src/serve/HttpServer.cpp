@@ -1,0 +1,239 @@
+// Each connection has a thread of the library's pool, also while it waits for events.
+#include "serve/HttpServer.h"
+
+#include <sys/socket.h>
+
+#include <chrono>
+#include <memory>
+#include <ostream>
+#include <thread>
+#include <utility>
+
+#include <httplib.h>
+
+#include <tarn/service/ProtocolSchema.h>
+
+#include "cli/Failure.h"
+
+namespace tarn::tool {
+
+namespace {
+
+using Verdict = RequestGuard::Verdict;
+
+/// The connections that can be open beside the streams of events.
+constexpr std::size_t otherConnections = 64;
+constexpr time_t idleSeconds = 3;
+constexpr std::size_t mostRequests = 100'000;
+
+constexpr int seeOther = 303;
+constexpr int badRequest = 400;
+constexpr int unauthorized = 401;
+constexpr int forbidden = 403;
+constexpr int notFound = 404;
+constexpr int tooLarge = 413;
+constexpr int wrongType = 415;
+constexpr int misdirected = 421;
+constexpr int unavailable = 503;
+
+void refuse(httplib::Response& response, int status, std::string const& sentence) {
+  response.status = status;
+  response.set_content(sentence + '\n', "text/plain; charset=utf-8");
+}
+
+/// Scripts, styles and requests come from this server only, no other page shows this one in a frame, and a browser
+/// takes no file for something that it is not.
+httplib::Headers securityHeaders() {
+  return {{"Content-Security-Policy",
+           "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; font-src 'self'; "
+           "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
+          {"X-Content-Type-Options", "nosniff"},
+          {"X-Frame-Options", "DENY"},
+          {"Referrer-Policy", "no-referrer"},
+          {"Cross-Origin-Opener-Policy", "same-origin"},
+          {"Cross-Origin-Resource-Policy", "same-origin"},
+          {"Cache-Control", "no-store"}};
+}
+
+RequestGuard::Request headersOf(httplib::Request const& request) {
+  return {request.get_header_value("Host"), request.get_header_value("Origin"),
+          request.get_header_value("Authorization"), request.get_header_value("Cookie"),
+          request.path == "/" ? request.get_param_value("token") : std::string()};
+}
+
+void answerCall(service::Service& service, httplib::Request const& request, httplib::Response& response,
+                httplib::ContentReader const& read) {
+  std::size_t const most = service.limits().messageBytes;
+  std::string body;
+  bool isTooLong = false;
+  read([&](char const* data, std::size_t size) {
+    isTooLong = isTooLong || body.size() + size > most;
+    if (!isTooLong) body.append(data, size);
+    return !isTooLong;
+  });
+  if (isTooLong) {
+    response.status = tooLarge;
+    response.set_content(service.answerToTooLong(), "application/json");
+    return;
+  }
+  // A form of another site can send other types only.
+  std::string const type = request.get_header_value("Content-Type");
+  if (type != "application/json" && !type.starts_with("application/json;")) {
+    return refuse(response, wrongType, "A request has the type application/json.");
+  }
+  constexpr int ok = 200;
+  constexpr int noContent = 204;
+  std::string answer = service.answer(body);
+  response.status = answer.empty() ? noContent : ok;
+  if (!answer.empty()) response.set_content(std::move(answer), "application/json");
+}
+
+/// One event after the other, and a comment now and then, so that both sides find out when the other is gone.
+class EventWriter {
+ public:
+  explicit EventWriter(std::shared_ptr<service::EventStream> stream) : stream_(std::move(stream)) {}
+
+  bool operator()(httplib::DataSink& sink) {
+    constexpr std::chrono::seconds slice{1};
+    constexpr int slicesOfSilence = 15;
+    if (!hasBegun_) {
+      hasBegun_ = true;
+      return write(sink, ": connected\n\n");
+    }
+    for (int i = 0; i < slicesOfSilence; ++i) {
+      if (auto const event = stream_->next(slice)) return write(sink, "data: " + *event + "\n\n");
+      if (stream_->isClosed()) {
+        sink.done();
+        return true;
+      }
+      if (!sink.is_writable()) return false;
+    }
+    return write(sink, ": still here\n\n");
+  }
+
+ private:
+  static bool write(httplib::DataSink& sink, std::string const& text) { return sink.write(text.data(), text.size()); }
+
+  std::shared_ptr<service::EventStream> stream_;
+  bool hasBegun_ = false;
+};
+
+void sendEvents(service::Service& service, httplib::Response& response) {
+  auto stream = service.subscribe();
+  if (!stream) return refuse(response, unavailable, "Too many clients receive events.");
+  response.set_chunked_content_provider("text/event-stream",
+                                        [writer = std::make_shared<EventWriter>(std::move(stream))](
+                                            std::size_t, httplib::DataSink& sink) { return (*writer)(sink); });
+}
+
+void addHandlers(httplib::Server& server, service::Service& service, RequestGuard const& guard, bool hasEditor) {
+  server.set_pre_routing_handler([&guard](httplib::Request const& request, httplib::Response& response) {
+    switch (guard.judge(headersOf(request))) {
+      case Verdict::Allowed:
+        if (request.path != "/" || !request.has_param("token")) return httplib::Server::HandlerResponse::Unhandled;
+        // From now on the browser has the token as a cookie, and it is in no address any more.
+        response.set_header("Set-Cookie", guard.cookie());
+        response.set_redirect("/", seeOther);
+        break;
+      case Verdict::WrongHost:
+        refuse(response, misdirected, "This server has another name.");
+        break;
+      case Verdict::WrongOrigin:
+        refuse(response, forbidden, "Pages of other sites may not use this server.");
+        break;
+      case Verdict::NoToken:
+        refuse(response, unauthorized, "Open the address that zev has printed, with its token.");
+        break;
+    }
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  server.set_exception_handler([](httplib::Request const&, httplib::Response& response, std::exception_ptr const&) {
+    refuse(response, unavailable, "The request could not be answered.");
+  });
+  server.set_error_handler(httplib::Server::Handler([](httplib::Request const&, httplib::Response& response) {
+    if (response.body.empty() && response.status == notFound) refuse(response, notFound, "There is no such page.");
+    if (response.body.empty() && response.status == badRequest) refuse(response, badRequest, "This is no request.");
+  }));
+  server.Post("/rpc", [&service](httplib::Request const& request, httplib::Response& response,
+                                 httplib::ContentReader const& read) { answerCall(service, request, response, read); });
+  server.Get("/events",
+             [&service](httplib::Request const&, httplib::Response& response) { sendEvents(service, response); });
+  server.Get("/schema", [](httplib::Request const&, httplib::Response& response) {
+    response.set_content(std::string(service::protocolSchema()), "application/schema+json");
+  });
+  if (!hasEditor) {
+    server.Get("/", [](httplib::Request const&, httplib::Response& response) {
+      response.set_content(
+          "The web editor is not installed. Programs send requests to /rpc; docs/protocol.md describes "
+          "them.\n",
+          "text/plain; charset=utf-8");
+    });
+  }
+}
+
+/// Accepts connections in a thread of its own. The end of this waits for all requests.
+class Listener {
+ public:
+  Listener(httplib::Server& server, service::Service& service)
+      : server_(server), service_(service), thread_([&server] { server.listen_after_bind(); }) {
+    // Only a server that runs can be stopped.
+    constexpr std::chrono::milliseconds slice{1};
+    while (!server_.is_running()) std::this_thread::sleep_for(slice);
+  }
+  ~Listener() {
+    service_.closeStreams();
+    server_.stop();
+    thread_.join();
+  }
+  Listener(Listener const&) = delete;
+  Listener& operator=(Listener const&) = delete;
+
+ private:
+  httplib::Server& server_;
+  service::Service& service_;
+  std::thread thread_;
+};
+
+}  // namespace
+
+void serveOverHttp(service::Service& service, HttpOptions const& options, TerminationSignals const& signals,
+                   std::ostream& out) {
+  httplib::Server server;
+  server.new_task_queue = [&service] {
+    return new httplib::ThreadPool(service.limits().streams + otherConnections);  // the server deletes it
+  };
+  // The library's own choice lets another program take the same port.
+  server.set_socket_options([](auto socket) {
+    int const yes = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
+  server.set_tcp_nodelay(true);
+  server.set_keep_alive_timeout(idleSeconds);
+  server.set_keep_alive_max_count(mostRequests);
+  server.set_default_headers(securityHeaders());
+
+  Address const& address = options.address;
+  bool const isBound = address.port == 0 ? false : server.bind_to_port(address.host, address.port);
+  int const port = isBound ? address.port : address.port == 0 ? server.bind_to_any_port(address.host) : -1;
+  if (port <= 0) {
+    throw Failure("cannot listen on " + address.hostInUrl() + ':' + std::to_string(address.port) +
+                  "; another program may use the port; give another one, or 0 for any");
+  }
+
+  std::string const behind = ':' + std::to_string(port);
+  std::vector<std::string> hosts{address.hostInUrl() + behind};
+  if (address.isLoopback()) hosts.insert(hosts.end(), {"127.0.0.1" + behind, "localhost" + behind, "[::1]" + behind});
+  for (std::string const& name : options.names) hosts.push_back(name + behind);
+  std::string const url = "http://" + hosts.front() + "/?token=" + options.token;
+  RequestGuard const guard(options.token, std::move(hosts), port);
+
+  bool const hasEditor = !options.web.empty() && server.set_mount_point("/", options.web);
+  addHandlers(server, service, guard, hasEditor);
+
+  Listener const listener(server, service);
+  out << url << '\n' << std::flush;
+  constexpr int second = 1000;
+  while (signals.wait(-1, second) != TerminationSignals::Event::Terminate) service.sync();
+}
+
+}  // namespace tarn::tool
