@@ -83,9 +83,9 @@ void answerCall(service::Service& service, httplib::Request const& request, http
   }
   constexpr int ok = 200;
   constexpr int noContent = 204;
-  std::string answer = service.answer(body);
+  std::string const answer = service.answer(body);
   response.status = answer.empty() ? noContent : ok;
-  if (!answer.empty()) response.set_content(std::move(answer), "application/json");
+  if (!answer.empty()) response.set_content(answer, "application/json");
 }
 
 /// One event after the other, and a comment now and then, so that both sides find out when the other is gone.
