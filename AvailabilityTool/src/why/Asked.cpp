@@ -33,7 +33,9 @@ FoundItem findItem(session::Session const& session, std::string_view path) {
     return found;
   }
   found.refused = std::get<session::Refused>(std::move(resolved));
-  if (found.refused->code != session::RefusalCode::UnknownObject) return found;
+  // A type without an object: the answer is about one that could be added.
+  bool const isType = found.refused->code == session::RefusalCode::NameMissing && !found.refused->nearest;
+  if (found.refused->code != session::RefusalCode::UnknownObject && !isType) return found;
   // The path was read, so its edit has it in the form that the model uses.
   Edit const& edit = found.refused->edit;
   std::string const whole = edit.name.empty() ? edit.path : edit.path + '/' + edit.name;
@@ -45,7 +47,7 @@ FoundItem findItem(session::Session const& session, std::string_view path) {
   if (ObjDependDef const* const above = rulesOf(parent); above != nullptr && above->findParam(last) != nullptr) {
     found.item = session::Item{parent, last};
   } else if (rulesOf(whole) != nullptr) {
-    found.item = session::Item{whole, std::nullopt};
+    found.item = session::Item{isType ? whole + ":new" : whole, std::nullopt};
   }
   return found;
 }
