@@ -480,10 +480,13 @@ std::string SessionLaw::ask() {
   bool const isPresent = item.isParam() ? state.hasParameter(item.path, *item.name) : state.hasObject(item.path);
 
   std::string value = "1";
+  // Numbers may come with units that the rules add, so a goal has a value only where it is a text.
+  bool isText = false;
   if (item.isParam()) {
     auto const record = session.lookParam(item.path, *item.name);
     if (record && !record->allowed.allowedValues.empty()) {
       value = record->allowed.allowedValues[pick(record->allowed.allowedValues.size())];
+      isText = record->type == TDFParam::String;
     }
   }
   for (session::Question const question : {session::Question::Presence, session::Question::Value,
@@ -502,7 +505,7 @@ std::string SessionLaw::ask() {
   session::HowOptions bounds;
   bounds.maxEdits = 2;
   bounds.maxTrials = 150;
-  session::Goal const goal{item, item.isParam() && pick(2) == 0 ? std::optional(value) : std::nullopt};
+  session::Goal const goal{item, isText && pick(2) == 0 ? std::optional(value) : std::nullopt};
   session::HowResult const found = session.how(goal, bounds);
   std::string const now = answersOf(session);
   if (now != before) return "a question changed an answer:\n" + firstDifferentLine(before, now);

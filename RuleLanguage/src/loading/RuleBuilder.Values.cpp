@@ -14,8 +14,6 @@
 
 namespace tarn::rules {
 
-using StringUtilities::isSpace;
-
 void RuleBuilder::shownName(Item const& item, std::string_view what, std::string& name) {
   if (!scalar(item, what) || !isName(item, what)) return;
   if (item.node->value.find('\n') != std::string::npos) {
