@@ -53,6 +53,21 @@ double edit(ProvisionalTDF& state, FlatWorkload const& workload, std::size_t opt
   return time;
 }
 
+/// The same operation with full walks has the same name with this at its end.
+constexpr char const* suffixes[] = {"", ", full walk"};
+
+/// Prints the medians of starts in turns.
+void printStarts(PhysicsData const* rules, DynamicTDF const& base) {
+  constexpr std::size_t starts = 7;
+  std::vector<double> times[2];
+  for (std::size_t i = 0; i < 2 * starts; ++i) {
+    ProvisionalTDF state(rules, FlatWorkload::object());
+    test::forceFullWalks(state, i % 2 == 1);
+    times[i % 2].push_back(timed([&] { state.initialise(&base, {}); }));
+  }
+  for (std::size_t i = 0; i < 2; ++i) print(std::string("start") + suffixes[i], median(std::move(times[i])));
+}
+
 void run(std::size_t edits) {
   FlatWorkload const workload;
   std::unique_ptr<PhysicsData> database;
@@ -75,12 +90,12 @@ void run(std::size_t edits) {
   last = "true";
   DynamicTDF base(false);
   base.initialise(model.begin(), model.end());
-  // The same edits with full walks have the same names with this at their ends.
-  for (std::string const suffix : {"", ", full walk"}) {
+  printStarts(database.get(), base);
+  for (std::string const suffix : suffixes) {
     double const before = heapBytes();
     ProvisionalTDF state(database.get(), FlatWorkload::object());
     test::forceFullWalks(state, !suffix.empty());
-    print("start" + suffix, timed([&] { state.initialise(&base, {}); }));
+    state.initialise(&base, {});
     print("bytes a parameter" + suffix, (heapBytes() - before) / static_cast<double>(FlatWorkload::parameterCount));
 
     std::vector<double> times;

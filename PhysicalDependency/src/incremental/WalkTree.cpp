@@ -10,7 +10,7 @@
 #include <tarn/ChildAvail.h>
 #include <tarn/ParamAvail.h>
 #include <tarn/ParamValueDef.h>
-#include <tarn/RuleReads.h>
+#include <tarn/RuleExpressions.h>
 
 namespace tarn {
 
@@ -18,49 +18,33 @@ namespace {
 
 constexpr WalkObject::Entry bitsOfWord = 64;
 
-WalkObject::Entry paramsOf(ObjDependDef const* rules) noexcept {
-  return rules == nullptr ? 0 : static_cast<WalkObject::Entry>(rules->params().size());
-}
-
 WalkObject::Entry entriesOf(ObjDependDef const* rules) noexcept {
   return rules == nullptr ? 0 : static_cast<WalkObject::Entry>(rules->params().size() + rules->children().size());
 }
 
 template <class Expression>
-void collect(std::unique_ptr<Expression> const& expression, RuleReads& reads) {
-  if (expression != nullptr) expression->collectReads(reads);
+bool isUnknown(std::unique_ptr<Expression> const& expression) {
+  return expression != nullptr && expression->readsUnknown();
 }
 
-void collect(std::vector<ParamValueDef::GuardedText> const& texts, RuleReads& reads) {
-  for (auto const& text : texts) {
-    collect(text.when, reads);
-    collect(text.value, reads);
-  }
+bool isUnknown(std::vector<ParamValueDef::GuardedText> const& texts) {
+  return std::any_of(texts.begin(), texts.end(),
+                     [](auto const& text) { return isUnknown(text.when) || isUnknown(text.value); });
 }
 
 bool readsUnknown(ParamAvail const& entry) {
-  RuleReads reads;
-  collect(entry.available, reads);
-  if (ParamValueDef const* const value = entry.valueDef()) {
-    collect(value->allowedValues, reads);
-    for (auto const& [text, check] : value->allowedValueChecks) collect(check, reads);
-    collect(value->subset, reads);
-    collect(value->defaultValue, reads);
-    collect(value->defaultChecks, reads);
-    collect(value->overrideChecks, reads);
-    collect(value->lowerBound, reads);
-    collect(value->upperBound, reads);
-    collect(value->quantityType, reads);
-  }
-  return reads.unknown;
+  if (isUnknown(entry.available)) return true;
+  ParamValueDef const* const value = entry.valueDef();
+  if (value == nullptr) return false;
+  bool const isAnyCheckUnknown = std::any_of(value->allowedValueChecks.begin(), value->allowedValueChecks.end(),
+                                             [](auto const& check) { return isUnknown(check.second); });
+  return isAnyCheckUnknown || isUnknown(value->allowedValues) || isUnknown(value->subset) ||
+         isUnknown(value->defaultValue) || isUnknown(value->defaultChecks) || isUnknown(value->overrideChecks) ||
+         isUnknown(value->lowerBound) || isUnknown(value->upperBound) || isUnknown(value->quantityType);
 }
 
 bool readsUnknown(ChildAvail const& entry) {
-  RuleReads reads;
-  collect(entry.available, reads);
-  collect(entry.allowedNamesSource, reads);
-  collect(entry.defaultNamesSource, reads);
-  return reads.unknown;
+  return isUnknown(entry.available) || isUnknown(entry.allowedNamesSource) || isUnknown(entry.defaultNamesSource);
 }
 
 template <class EntryRules>
@@ -94,7 +78,6 @@ WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryT
       traits(objTraits),
       parent(parentObject),
       depth(parentObject == nullptr ? 0 : parentObject->depth + 1),
-      paramEntries(paramsOf(objRules)),
       entries(entriesOf(objRules)) {
   if (numEntries() > bitsOfWord) moreMarks = std::make_unique<std::uint64_t[]>((numEntries() - 1) / bitsOfWord);
   markAll();
@@ -327,6 +310,7 @@ void WalkTree::clear() noexcept {
   byHandle_.clear();
   freeHandles_.clear();
   root_.reset();
+  traits_.clear();  // the host may add rules before the next start
 }
 
 }  // namespace tarn

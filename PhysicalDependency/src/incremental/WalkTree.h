@@ -35,7 +35,9 @@ struct WalkObject {
   WalkObject& operator=(WalkObject const&) = delete;
   ~WalkObject();
 
-  [[nodiscard]] Entry numParams() const noexcept { return paramEntries; }
+  [[nodiscard]] Entry numParams() const noexcept {
+    return rules == nullptr ? 0 : static_cast<Entry>(rules->params().size());
+  }
   [[nodiscard]] Entry numEntries() const noexcept { return static_cast<Entry>(entries.size()); }
 
   /// The first marked entry from `from` on, or `numEntries`.
@@ -82,7 +84,6 @@ struct WalkObject {
   std::uint32_t place = 0;  // ascends among the children of an entry, in the order of the walk
   std::uint32_t depth = 0;
   std::uint32_t handle = 0;
-  Entry const paramEntries;
   bool isRequired = false;
   bool isCoupled = false;
   /// It is mirrored: the walk does not enter it, and has no visits in it.

@@ -368,7 +368,7 @@ void ProvisionalFacts::forgetBoundsAndQuantities() noexcept {
 }
 
 void ProvisionalFacts::follow(FactMarks* p_marks) noexcept {
-  if (p_marks == nullptr && m_marks != nullptr) keepListsOfMarks();
+  m_openMarks.follow(p_marks);
   m_marks = p_marks;
   DynamicTDFAccess::storeOf(m_outcome.active).setListener(p_marks == nullptr ? nullptr : &p_marks->activeListener());
   DynamicTDFAccess::storeOf(m_intent.guide).setListener(p_marks == nullptr ? nullptr : &p_marks->guideListener());
@@ -386,103 +386,6 @@ bool ProvisionalFacts::hasAmbiguousPaths() const noexcept {
 /// For a fact of an item that is not in a tree. The item is known by the key under which its decision is kept.
 void ProvisionalFacts::ownFactWritten(std::string_view p_key) noexcept {
   if (m_marks != nullptr) m_marks->onOwnFact(p_key);
-}
-
-// Marks.
-
-std::size_t ProvisionalFacts::mark() {
-  std::size_t const number = m_openMarks.size();
-  m_openMarks.reserve(number + 1);
-  OpenMark made{m_journal.mark(), {}, {}};
-  try {
-    if (m_marks != nullptr) {
-      made.listings = m_listings.mark();
-      m_marks->recordIn(m_listings.recording());
-    } else {
-      made.lists = copyOfLists();
-    }
-  } catch (...) {
-    m_journal.release(made.stores);
-    throw;
-  }
-  m_openMarks.push_back(std::move(made));
-  return number;
-}
-
-/// Marks of visits are taken back with the listings. So taking the stores back marks nothing.
-void ProvisionalFacts::rollback(std::size_t p_mark) noexcept {
-  OpenMark& mark = m_openMarks[p_mark];
-  if (m_marks != nullptr) m_marks->setRollingBack(true);
-  m_journal.rollback(mark.stores);
-  if (mark.listings) {
-    m_listings.rollback(*mark.listings, listingMarksBefore(p_mark));
-  } else {
-    // Walks may have been followed since then. Their lists go.
-    while (m_openMarks.size() > p_mark + 1) m_openMarks.pop_back();
-    if (m_marks != nullptr) m_marks->lose();
-    restoreLists(*mark.lists);
-  }
-  if (m_marks != nullptr) {
-    m_marks->setRollingBack(false);
-    m_marks->recordIn(m_listings.recording());
-  }
-  while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
-}
-
-void ProvisionalFacts::release(std::size_t p_mark) noexcept {
-  OpenMark& mark = m_openMarks[p_mark];
-  m_journal.release(mark.stores);
-  if (mark.listings) m_listings.release(*mark.listings, listingMarksBefore(p_mark));
-  if (m_marks != nullptr) m_marks->recordIn(m_listings.recording());
-  while (m_openMarks.size() > p_mark) m_openMarks.pop_back();
-}
-
-std::size_t ProvisionalFacts::listingMarksBefore(std::size_t p_mark) const noexcept {
-  auto const end = m_openMarks.begin() + static_cast<std::ptrdiff_t>(p_mark);
-  return static_cast<std::size_t>(
-      std::count_if(m_openMarks.begin(), end, [](OpenMark const& mark) { return mark.listings.has_value(); }));
-}
-
-ProvisionalFacts::Lists ProvisionalFacts::copyOfLists() const {
-  return {m_outcome.offers, m_outcome.emptyParams, m_outcome.emptyTypedParams, m_outcome.userNamedTypes};
-}
-
-void ProvisionalFacts::restoreLists(Lists& p_lists) noexcept {
-  std::swap(m_outcome.offers, p_lists.offers);
-  m_outcome.emptyParams.swap(p_lists.emptyParams);
-  m_outcome.emptyTypedParams.swap(p_lists.emptyTypedParams);
-  m_outcome.userNamedTypes.swap(p_lists.userNamedTypes);
-}
-
-/// Walks are not followed any more. So the record of their listings goes, and each open mark gets the lists themselves.
-/// Should there be no memory for those of an inner mark, they are empty after a rollback to it, as after a refused
-/// edit.
-void ProvisionalFacts::keepListsOfMarks() noexcept {
-  if (m_openMarks.empty()) return;
-  Lists now{PotentialUpdateTracker(), {}, {}, {}};
-  try {
-    now = copyOfLists();
-  } catch (...) {
-    // The update that ends the following makes them anew.
-  }
-  for (std::size_t i = m_openMarks.size(); i-- > 0;) {
-    OpenMark& mark = m_openMarks[i];
-    if (!mark.listings) continue;
-    std::size_t const before = listingMarksBefore(i);
-    m_listings.rollback(*mark.listings, before);
-    mark.listings.reset();
-    mark.lists.emplace();
-    if (before == 0) {
-      restoreLists(*mark.lists);  // the lists themselves, since nobody needs them any more
-      continue;
-    }
-    try {
-      *mark.lists = copyOfLists();
-    } catch (...) {
-      // Empty.
-    }
-  }
-  restoreLists(now);
 }
 
 /// A rule may have read the fact that has just changed, so no kept result is valid any more. Most writes of a walk

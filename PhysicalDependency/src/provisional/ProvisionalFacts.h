@@ -3,10 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <tarn/EvalCache.h>
@@ -16,6 +14,7 @@
 #include "provisional/Intent.h"
 #include "provisional/Listings.h"
 #include "provisional/Outcome.h"
+#include "provisional/StateMarks.h"
 
 namespace tarn {
 
@@ -153,13 +152,8 @@ class ProvisionalFacts final : public Journal::Participant {
   /// @}
 
   /// @name Marks
-  /// A mark is known by the number of marks that were open before it.
   /// @{
-  [[nodiscard]] std::size_t mark();
-  /// Takes everything back to the mark, and ends it and all later ones.
-  void rollback(std::size_t p_mark) noexcept;
-  void release(std::size_t p_mark) noexcept;
-  [[nodiscard]] std::size_t openMarks() const noexcept { return m_openMarks.size(); }
+  [[nodiscard]] StateMarks& marks() noexcept { return m_openMarks; }
   /// Null while no mark is open.
   [[nodiscard]] Journal* recording() noexcept { return m_journal.isRecording() ? &m_journal : nullptr; }
   /// @}
@@ -176,26 +170,6 @@ class ProvisionalFacts final : public Journal::Participant {
   void ownFactWritten(std::string_view p_key) noexcept;
   void noteAtMark(Journal& p_journal) override;
 
-  /// The lists that a whole walk makes up.
-  struct Lists {
-    PotentialUpdateTracker offers;
-    std::vector<std::string> emptyParams;
-    std::vector<std::string> emptyTypedParams;
-    std::vector<std::pair<std::string, std::string>> userNamedTypes;
-  };
-  struct OpenMark {
-    Journal::Mark stores;
-    /// While walks are followed, their listings are recorded. Otherwise their lists are kept as they were.
-    std::optional<Journal::Mark> listings;
-    std::optional<Lists> lists;
-  };
-  [[nodiscard]] Lists copyOfLists() const;
-  void restoreLists(Lists& p_lists) noexcept;
-  void keepListsOfMarks() noexcept;
-  [[nodiscard]] std::size_t listingMarksBefore(std::size_t p_mark) const noexcept;
-
-  std::vector<OpenMark> m_openMarks;
-
   /// Destroyed after what it records.
   Journal m_journal;
   Intent m_intent;
@@ -204,6 +178,7 @@ class ProvisionalFacts final : public Journal::Participant {
   // While walks are followed.
   FactMarks* m_marks = nullptr;
   Listings m_listings{m_outcome};
+  StateMarks m_openMarks{m_journal, m_listings, m_outcome};
   VisitResult* m_visit = nullptr;
   WalkObject const* m_ending = nullptr;
   /// An object is tried, and these are the offers in it.

@@ -108,27 +108,27 @@ void ProvisionalTDF::Impl::extractUpdateInformation() {
 }
 
 std::size_t ProvisionalTDF::Impl::mark() {
-  std::size_t const number = m_facts.mark();
+  std::size_t const number = m_facts.marks().mark();
   try {
     m_facts.journal().add([this, isCurrent = m_isStateCurrent, isDue = m_isWalkDue]() noexcept {
       m_isStateCurrent = isCurrent;
       m_isWalkDue = isDue;
     });
   } catch (...) {
-    m_facts.release(number);
+    m_facts.marks().release(number);
     throw;
   }
   return number;
 }
 
 void ProvisionalTDF::Impl::rollback(std::size_t p_mark) noexcept {
-  if (p_mark >= m_facts.openMarks()) return;
-  m_facts.rollback(p_mark);
+  if (p_mark >= m_facts.marks().open()) return;
+  m_facts.marks().rollback(p_mark);
   m_walk.checkRollback();
 }
 
 void ProvisionalTDF::Impl::release(std::size_t p_mark) noexcept {
-  if (p_mark < m_facts.openMarks()) m_facts.release(p_mark);
+  if (p_mark < m_facts.marks().open()) m_facts.marks().release(p_mark);
 }
 
 /// Makes the state usable again after an exception has ended an update somewhere in the middle: no probe, recording and

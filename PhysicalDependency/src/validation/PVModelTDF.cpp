@@ -21,7 +21,8 @@ std::pair<std::string, std::string> splitAtLastSlash(std::string const& paramPat
 
 }  // namespace
 
-PVModelTDF::PVModelTDF(ModelTDF const* baseModel) noexcept : baseModel_(baseModel) {}
+PVModelTDF::PVModelTDF(ModelTDF const* baseModel) noexcept
+    : baseModel_(baseModel), baseReader_(baseModel->objectReader()) {}
 
 PVModelTDF::~PVModelTDF() = default;
 
@@ -60,7 +61,7 @@ ModelTDF const& PVModelTDF::sourceOf(std::string_view path) const {
 }
 
 ObjectReader const* PVModelTDF::objectReader() const noexcept {
-  return missingModel_ == nullptr ? baseModel_->objectReader() : nullptr;
+  return missingModel_ == nullptr ? baseReader_ : nullptr;
 }
 
 bool PVModelTDF::hasObject(std::string const& path) const {

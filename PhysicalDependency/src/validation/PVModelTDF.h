@@ -24,7 +24,7 @@ namespace tarn {
 /// A returned reference is valid as long as the model that answered says.
 class PVModelTDF final : public ModelTDF {
  public:
-  /// A plain view of `baseModel`, which must not be null.
+  /// A plain view of `baseModel`, which must not be null, and must offer the same reader as long as this exists.
   explicit PVModelTDF(ModelTDF const* baseModel) noexcept;
   ~PVModelTDF() override;
 
@@ -71,6 +71,7 @@ class PVModelTDF final : public ModelTDF {
   void mergeMissingChildPaths(std::vector<std::string>& out) const;
 
   ModelTDF const* baseModel_;
+  ObjectReader const* baseReader_;
 
   // Set while placeholders are shown.
   ModelTDF const* missingModel_ = nullptr;

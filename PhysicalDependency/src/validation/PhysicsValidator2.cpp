@@ -138,9 +138,9 @@ void PhysicsValidator2::Impl::reset(ModelState const& state, bool useStateAsGive
 /// although the text has its line. Without `isKnown`, text and tree do not belong to one state, and every text counts
 /// as changed.
 bool PhysicsValidator2::Impl::takeState(ModelState const& state, bool useStateAsGiven, bool isKnown) {
-  if (!isKnown) lastStateText_.clear();
+  if (!isKnown) lastState_ = {};
   RootFilter filter(roots_, useStateAsGiven);
-  StateText text(lastStateText_);
+  StateText text(lastState_);
   // An object with unchanged lines is in the tree unchanged. While no line differs, the next such object is the next
   // one of the tree too and need not be looked for. An object without parameters has no line, so only the tree shows
   // whether it is there.

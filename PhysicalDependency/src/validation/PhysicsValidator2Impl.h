@@ -12,6 +12,7 @@
 #include <tarn/PhysicsValidator2.h>
 
 #include "validation/MissingObjRecord.h"
+#include "validation/StateText.h"
 
 namespace tarn {
 
@@ -87,7 +88,7 @@ struct [[gnu::visibility("hidden")]] PhysicsValidator2::Impl {
   BetaLoggingController* betaController_ = nullptr;
 
   // The model that was validated last.
-  std::string lastStateText_;
+  LinesOfState lastState_;
   DynamicTDF filteredTree_;
   /// True when text and tree belong to one model and the logger was reset for it. False after a failure before that.
   bool isStateKnown_ = true;

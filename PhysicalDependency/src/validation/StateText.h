@@ -11,12 +11,20 @@
 
 namespace tarn {
 
+/// The text of a state, and what is known of its lines.
+struct LinesOfState {
+  std::string text;
+  /// A name in a line has held a "/", so the lines do not show where the path of an object ends.
+  bool hasSlashInName = false;
+};
+
 /// Makes the text of a state: one line per parameter, in map order. Objects without parameters have no line. The text
 /// replaces that of the previous state and is compared with it on the way, because a large model is mostly the same or
 /// differs in a few lines.
 class StateText {
  public:
-  explicit StateText(std::string& text) noexcept : text_(text), left_(text), movesAllowed_(2 * text.size()) {}
+  explicit StateText(LinesOfState& lines) noexcept
+      : lines_(lines), text_(lines.text), left_(text_), movesAllowed_(2 * text_.size()) {}
 
   /// Returns whether the lines of the object are the same as before and the object had no others.
   bool add(std::string_view path, ObjectState const& values) {
@@ -26,7 +34,7 @@ class StateText {
       agrees = false;
       put(path, name, value);
     }
-    return agrees && !(left_.size() > path.size() && left_[path.size()] == '/' && left_.starts_with(path));
+    return agrees && !isNextLineOf(path);
   }
 
   /// Call this after the last object. Returns whether the text has changed.
@@ -37,6 +45,13 @@ class StateText {
   }
 
  private:
+  /// Whether the next line may be one of the object. A line of an object below it has a "/" before the "=", too.
+  [[nodiscard]] bool isNextLineOf(std::string_view path) const noexcept {
+    if (left_.size() <= path.size() || left_[path.size()] != '/' || !left_.starts_with(path)) return false;
+    std::size_t const mark = left_.find_first_of("/=", path.size() + 1);
+    return lines_.hasSlashInName || mark == std::string_view::npos || left_[mark] == '=';
+  }
+
   /// Passes the line if it comes next.
   bool takeLine(std::string_view path, std::string_view name, std::string_view value) noexcept {
     std::size_t const size = path.size() + name.size() + value.size() + 3;
@@ -57,6 +72,7 @@ class StateText {
   /// moved the rest often enough, the rest is dropped instead.
   void put(std::string_view path, std::string_view name, std::string_view value) {
     differs_ = true;
+    if (name.find('/') != std::string_view::npos) lines_.hasSlashInName = true;
     std::size_t const start = text_.size() - left_.size();
     std::size_t const newSize = path.size() + name.size() + value.size() + 3;
     std::size_t const oldSize = std::min(left_.find('\n'), left_.size() - 1) + 1;
@@ -72,6 +88,7 @@ class StateText {
     left_ = std::string_view(text_).substr(start + newSize);
   }
 
+  LinesOfState& lines_;
   std::string& text_;
   /// The rest of the old text that has not been compared yet. The new text ends where it begins.
   std::string_view left_;

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
-#include <unordered_map>
 #include <variant>
+#include <vector>
 
 #include <tarn/Export.h>
 #include <tarn/SharedStrings.h>
@@ -47,15 +48,24 @@ class TARN_EXPORT EvalCache {
  private:
   /// A result, and which `clear` it came after.
   struct Kept {
+    void const* rule;
     Result result;
     std::uint64_t generation;
   };
+
+  /// The result of the rule, from whichever `clear`, or null.
+  [[nodiscard]] Kept* look(void const* rule) const noexcept;
+  [[nodiscard]] std::size_t firstSlotOf(void const* rule) const noexcept;
+  void grow();
 
   bool enabled_ = false;
   std::uint64_t generation_ = 0;
   mutable std::size_t hits_ = 0;
   mutable std::size_t misses_ = 0;
-  std::unordered_map<void const*, Kept> results_;
+  std::deque<Kept> results_;  // they do not move
+  // Where each result is, in slots that are found by its rule. The number of slots is a power of two, and half of them
+  // are null. Conditions ask so often that the division by a prime number of `std::unordered_map` would be noticed.
+  std::vector<Kept*> slots_;
 };
 
 }  // namespace tarn

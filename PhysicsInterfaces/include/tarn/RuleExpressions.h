@@ -30,6 +30,10 @@ class TARN_EXPORT RuleExpression {
   /// incomplete list makes results stale.
   virtual void collectReads(RuleReads& reads) const;
 
+  /// Whether `collectReads` reports unknown reads. The default calls it. Override this only to answer faster, because
+  /// the start of a `ProvisionalTDF` asks it of every rule.
+  [[nodiscard]] virtual bool readsUnknown() const;
+
   /// The expression as its author wrote it, for explanations. Empty, the default, if it was not written as text.
   [[nodiscard]] virtual std::string sourceText() const;
 

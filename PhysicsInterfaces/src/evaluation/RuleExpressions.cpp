@@ -56,6 +56,12 @@ void RuleExpression::collectReads(RuleReads& reads) const {
   reads.unknown = true;
 }
 
+bool RuleExpression::readsUnknown() const {
+  RuleReads reads;
+  collectReads(reads);
+  return reads.unknown;
+}
+
 std::string RuleExpression::sourceText() const {
   return {};
 }

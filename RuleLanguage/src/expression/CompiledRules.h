@@ -42,6 +42,8 @@ class CompiledRule : public Base {
   explicit CompiledRule(CompiledPtr compiled) : compiled_(std::move(compiled)) {}
 
   void collectReads(RuleReads& reads) const override { compiled_->expression->collectReads(reads, PathPattern()); }
+  /// The language has nothing whose reads are not known.
+  [[nodiscard]] bool readsUnknown() const override { return false; }
   [[nodiscard]] std::string sourceText() const override { return compiled_->source; }
   [[nodiscard]] Expression const& expression() const { return *compiled_->expression; }
   /// For tools that look into the expression.

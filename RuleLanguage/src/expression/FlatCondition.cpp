@@ -12,6 +12,12 @@ namespace tarn::rules {
 
 namespace {
 
+/// The expression, if it is a parameter of the context object, or null.
+ParameterReference const* parameterOfContext(Expression const& expression) {
+  auto const* const parameter = dynamic_cast<ParameterReference const*>(&expression);
+  return parameter != nullptr && parameter->isOfContext() ? parameter : nullptr;
+}
+
 /// The text with which the parameter of a comparison is compared, if it is a parameter of the context object.
 struct TextComparison {
   ParameterReference const* parameter = nullptr;
@@ -19,10 +25,10 @@ struct TextComparison {
 };
 
 TextComparison textComparison(Expression const& a, Expression const& b) {
-  auto const* parameter = dynamic_cast<ParameterReference const*>(&a);
-  auto const* text = dynamic_cast<Literal const*>(&b);
-  if (parameter == nullptr || text == nullptr) return {};
-  return parameter->isOfContext() && text->kind() == Kind::Text ? TextComparison{parameter, text} : TextComparison{};
+  auto const* const parameter = parameterOfContext(a);
+  auto const* const text = dynamic_cast<Literal const*>(&b);
+  if (parameter == nullptr || text == nullptr || text->kind() != Kind::Text) return {};
+  return {parameter, text};
 }
 
 }  // namespace
@@ -41,14 +47,9 @@ class FlatCondition::Maker {
     Test test;
     test.ifTrue = ifTrue;
     test.ifFalse = ifFalse;
-    if (auto const* parameter = dynamic_cast<ParameterReference const*>(&expression);
-        parameter != nullptr && parameter->isOfContext()) {
-      test.kind = Test::IsTrue;
-      test.parameter = parameter->name();
-    } else if (auto const* comparison = dynamic_cast<Comparison const*>(&expression);
-               comparison == nullptr || !setComparison(*comparison, test)) {
-      test.node = &expression;
-    }
+    bool const needsNoNode =
+        setParameter(expression, test) || setComparison(expression, test) || setMembership(expression, test);
+    if (!needsNoNode) test.node = &expression;
     tests_.push_back(std::move(test));
   }
 
@@ -90,17 +91,43 @@ class FlatCondition::Maker {
     add(*operands.back(), ifTrue, ifFalse);
   }
 
-  /// Returns false when it does not compare a parameter with a text.
-  static bool setComparison(Comparison const& comparison, Test& test) {
-    bool const isEqual = comparison.op() == Comparison::Operator::Equal;
-    if (!isEqual && comparison.op() != Comparison::Operator::NotEqual) return false;
-    TextComparison found = textComparison(comparison.left(), comparison.right());
-    if (found.parameter == nullptr) found = textComparison(comparison.right(), comparison.left());
+  // Each of these returns false when the expression is not of its kind.
+
+  static bool setParameter(Expression const& expression, Test& test) {
+    auto const* const parameter = parameterOfContext(expression);
+    if (parameter == nullptr) return false;
+    test.kind = Test::IsTrue;
+    test.parameter = parameter->name();
+    return true;
+  }
+
+  /// A comparison of a parameter with a text.
+  static bool setComparison(Expression const& expression, Test& test) {
+    auto const* const comparison = dynamic_cast<Comparison const*>(&expression);
+    if (comparison == nullptr) return false;
+    bool const isEqual = comparison->op() == Comparison::Operator::Equal;
+    if (!isEqual && comparison->op() != Comparison::Operator::NotEqual) return false;
+    TextComparison found = textComparison(comparison->left(), comparison->right());
+    if (found.parameter == nullptr) found = textComparison(comparison->right(), comparison->left());
     if (found.parameter == nullptr) return false;
     test.kind = Test::HasText;
     test.parameter = found.parameter->name();
     test.text = &found.text->rawText();
     if (!isEqual) std::swap(test.ifTrue, test.ifFalse);
+    return true;
+  }
+
+  /// The question whether a parameter has one of the texts of a list that is written out.
+  static bool setMembership(Expression const& expression, Test& test) {
+    auto const* const membership = dynamic_cast<Membership const*>(&expression);
+    if (membership == nullptr) return false;
+    auto const* const parameter = parameterOfContext(membership->item());
+    auto const* const list = dynamic_cast<ListLiteral const*>(&membership->items());
+    if (parameter == nullptr || list == nullptr || list->fixedItems().empty()) return false;
+    test.kind = Test::HasOneOf;
+    test.parameter = parameter->name();
+    test.texts = &list->fixedItems();
+    if (membership->negated()) std::swap(test.ifTrue, test.ifFalse);
     return true;
   }
 
@@ -127,6 +154,8 @@ bool FlatCondition::passes(Test const& test, Frame const& frame) {
       return TDFParam::asLogical(frame.valueOfContext(test.parameter)).value_or(false);
     case Test::HasText:
       return frame.valueOfContext(test.parameter) == *test.text;
+    case Test::HasOneOf:
+      return test.texts->contains(frame.valueOfContext(test.parameter));
     case Test::Node:
       return test.node->truth(frame);
   }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <tarn/SharedStrings.h>
+
 #include "expression/Expression.h"
 
 namespace tarn::rules {
@@ -34,12 +36,15 @@ class FlatCondition {
       IsTrue,
       /// The parameter of the context object has the text.
       HasText,
+      /// The parameter of the context object has one of the texts.
+      HasOneOf,
       /// The node holds.
       Node
     };
 
     std::string parameter;
     std::string const* text = nullptr;
+    SharedStrings const* texts = nullptr;
     Expression const* node = nullptr;
     // The next tests.
     std::uint32_t ifTrue = 0;

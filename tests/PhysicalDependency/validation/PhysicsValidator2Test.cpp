@@ -172,6 +172,13 @@ TEST_F(PhysicsValidator2, OfAChangedModelAParameterWithASlashInItsNameIsNotTaken
                           "does not exist."));
 }
 
+TEST_F(PhysicsValidator2, AParameterWithASlashInItsNameThatIsLostIsSeenAlthoughItsLineLooksLikeThatOfAnObjectBelow) {
+  rule("/Case").param("Motion").required();
+  rule("/Case").param("Rotor/Speed").availableWhen(never());
+  EXPECT_EQ(validate({{"/Case", {{"Motion", "on"}, {"Rotor/Speed", "50"}}}}), Validator::ValDependencyErrors);
+  EXPECT_EQ(validate({{"/Case", {{"Motion", "on"}}}}), Validator::ValStatusClean);
+}
+
 TEST_F(PhysicsValidator2, AFurtherPhaseOfTheSameModelRunsAlone) {
   countedRules();
   ModelState const model = {{"/Case", {{"Motion", "on"}}}};

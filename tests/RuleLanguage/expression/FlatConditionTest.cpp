@@ -85,6 +85,14 @@ TEST_F(FlatConditions, EachOperandHasTheTruthOfItsNode) {
                            "any({Boundary:*}, ${Heated})",
                            "any({Boundary:*}, not ${Heated})",
                            "${Motion} in ('Rotating', 'Stationary')",
+                           "${Motion} in ('Stationary', 'Oscillating')",
+                           "${Motion} not in ('Rotating', 'Stationary')",
+                           "${Motion} not in ('Stationary', 'Oscillating')",
+                           "${Blades} in ('3', '5')",
+                           "${Absent} in ('Rotating', '')",
+                           "${Motion} in ('Stationary', ${Title})",
+                           "${../Regime} in ('Turbulent', 'Laminar')",
+                           "'Rotating' in ('Rotating', 'Stationary')",
                            "exists(${Title})"}) {
     expectSame(text);
   }
@@ -103,9 +111,15 @@ TEST_F(FlatConditions, OperatorsStopAtTheFirstOperandThatDecides) {
 
 TEST_F(FlatConditions, RandomConditionsHaveTheTruthOfTheirNodes) {
   std::mt19937 random(12);
-  std::vector<std::string> const operands = {
-      "${Heated}",     "${Porous}", "${Motion} == 'Rotating'", "${Motion} != 'Rotating'", "${Absent}",
-      "${Blades} > 2", "true"};
+  std::vector<std::string> const operands = {"${Heated}",
+                                             "${Porous}",
+                                             "${Motion} == 'Rotating'",
+                                             "${Motion} != 'Rotating'",
+                                             "${Absent}",
+                                             "${Blades} > 2",
+                                             "true",
+                                             "${Motion} in ('Rotating', 'Stationary')",
+                                             "${Motion} not in ('Rotating', 'Other')"};
   for (int i = 0; i < 500 && !HasFailure(); ++i) {
     std::vector<std::string> parts;
     for (int j = 0; j < 6; ++j) parts.push_back(operands[random() % operands.size()]);
