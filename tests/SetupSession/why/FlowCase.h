@@ -94,7 +94,7 @@ struct FlowCase {
   std::unique_ptr<PhysicsData> rules;
   std::unique_ptr<Session> session;
 
-  explicit FlowCase(ModelState model = {{"/Case", {}}, {"/Case/Domain:rotor", {}}}, char const* text = flowRules,
+  explicit FlowCase(ModelState const& model = {{"/Case", {}}, {"/Case/Domain:rotor", {}}}, char const* text = flowRules,
                     char const* root = "/Case")
       : rules(tarn::rules::parseRules(text, "flow.rules.yaml")) {
     SessionOptions options;
@@ -102,7 +102,7 @@ struct FlowCase {
     session = std::move(Session::open(*rules, model, options).session);
   }
 
-  [[nodiscard]] std::string why(std::string const& path, std::string const& name, WhyOptions options = {},
+  [[nodiscard]] std::string why(std::string const& path, std::string const& name, WhyOptions const& options = {},
                                 std::size_t lines = 10) const {
     return '\n' + textOf(session->why({path, name}, options), lines);
   }
