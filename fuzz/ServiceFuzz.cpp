@@ -1,4 +1,4 @@
-// Lines of bytes as messages for a service with a small model. Whatever comes, every message that is not a notification
+// Lines of bytes as messages for a service with a small model. Every message that is not a notification
 // gets one line of JSON with a result or an error, and the document answers afterwards.
 
 #include <algorithm>

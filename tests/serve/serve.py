@@ -92,7 +92,7 @@ class Folder:
 
 
 class Calls:
-    """What pipes and HTTP have in common: `send` takes the text of a message and returns that of the answer."""
+    """The calls that pipes and HTTP have in common: `send` takes the text of a message and returns that of the answer."""
 
     last_id = 0
 

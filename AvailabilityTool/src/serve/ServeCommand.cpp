@@ -105,7 +105,7 @@ void tellRecoverable(service::Service const& service, std::ostream& err) {
   }
 }
 
-/// What the parser of the command line does not check.
+/// Checks between options, which the parser of the command line does not make.
 void checkUsage(ServeOptions const& given) {
   auto const complain = [](char const* sentence) { throw CLI::ParseError(sentence, CLI::ExitCodes::InvalidError); };
   if (given.overPipe == given.http.has_value()) {

@@ -50,8 +50,8 @@ class RecoveryFile {
   /// Waits for the disk, if there is something to wait for.
   void sync() noexcept;
 
-  /// What the file holds, without a last entry that was not written to its end. Empty if it is not a recovery file, or
-  /// is larger than `mostBytes`.
+  /// The content of the file, without a last entry that was not written to its end. Empty if it is not a recovery file,
+  /// or is larger than `mostBytes`.
   [[nodiscard]] std::optional<RecoveryRecord> read(std::size_t mostBytes) const;
 
  private:

@@ -29,7 +29,7 @@ constexpr std::array editKinds{Edit::Kind::SetParam,       Edit::Kind::ActivateP
 Edit::Kind kindOf(std::string const& name) {
   auto const found =
       std::find_if(editKinds.begin(), editKinds.end(), [&](Edit::Kind kind) { return editKindName(kind) == name; });
-  if (found == editKinds.end()) refuse("kind", "is none of the kinds of edits");
+  if (found == editKinds.end()) refuse("kind", "must be a kind of edit, such as set-param");
   return *found;
 }
 

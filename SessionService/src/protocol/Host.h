@@ -11,7 +11,7 @@
 
 namespace tarn::service {
 
-/// What the methods of the protocol work with.
+/// The objects that the methods of the protocol work with.
 struct Host {
   Host(PhysicsData const& rules, ServiceOptions given)
       : options(std::move(given)),

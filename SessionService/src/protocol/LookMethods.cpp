@@ -1,4 +1,4 @@
-// What a document shows, and why. Nothing here changes a document.
+// Questions about a document. Nothing here changes a document.
 #include <algorithm>
 #include <numeric>
 
@@ -122,7 +122,7 @@ Json children(Host& host, Arguments const& arguments) {
     std::move(type.present.begin(), type.present.end(), std::back_inserter(paths));
     if (withOffered) std::move(type.offered.begin(), type.offered.end(), std::back_inserter(paths));
   }
-  // The root of the model has no rules. What is edited is below it.
+  // The root of the model has no rules. The object that is edited is below it.
   std::string const& root = document->session().root();
   if (path.empty() && paths.empty() && !root.empty()) paths.push_back(root);
   bool const withFindings = arguments.flag("findings");

@@ -48,7 +48,7 @@ Json allowedOfRecord(ParamAllowedValues const& allowed) {
   return json;
 }
 
-/// What parameters, objects and types of children have in common.
+/// The members that parameters, objects and types of children have in common.
 template <typename Record>
 void addPresentation(Json& json, Record const& record) {
   addText(json, "description", record.description);

@@ -10,7 +10,7 @@
 #include <tarn/session/ParamRecord.h>
 #include <tarn/session/Step.h>
 
-// What a session says about its items as JSON, in the manner of SessionJson.h.
+// The records of the items of a session as JSON, in the manner of SessionJson.h.
 
 namespace tarn::service {
 
@@ -22,7 +22,7 @@ inline constexpr std::size_t mostAllowedInRecord = 1000;
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json paramRecordAsJson(session::ParamRecord const& param);
 /// Everything about an object, likewise.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json objectRecordAsJson(session::ObjectRecord const& object);
-/// A type of children. Of more than `mostPaths` present or offered children the rest is left out, and "presentCount" or
+/// A type of children. Lists of present or offered children end after `mostPaths`. Then "presentCount" or
 /// "offeredCount" says how many there are.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json childTypeRecordAsJson(session::ChildTypeRecord const& type,
                                                                        std::size_t mostPaths = 100);

@@ -13,7 +13,7 @@
 
 namespace tarn::service {
 
-/// What keeps messages and documents from exhausting memory. docs/limits.md lists the defaults.
+/// The limits that keep messages and documents from exhausting memory. docs/limits.md lists the defaults.
 struct TARN_EXPORT ServiceLimits {
   /// The bytes of one message, which may be a batch of requests.
   std::size_t messageBytes = std::size_t{16} << 20U;
@@ -35,7 +35,7 @@ struct TARN_EXPORT ServiceLimits {
   std::chrono::milliseconds howTime{10'000};
   /// The clients that receive events at once.
   std::size_t streams = 128;
-  /// The events that wait for one client. A client that is further behind is told so, and gets none of them.
+  /// The events that wait for one client. A client that is further behind gets one event that says so, instead of them.
   std::size_t waitingEvents = 1000;
   /// The answers to edits with an identifier that a document remembers.
   std::size_t rememberedEdits = 100;
@@ -115,7 +115,7 @@ class TARN_EXPORT Service {
   Service& operator=(Service const&) = delete;
 
   /// The answer to one message: a request, a notification or a batch. One line without its end; empty if the message
-  /// wants no answer. Whatever is wrong with the message or the request is an answer, too. Throws nothing but
+  /// wants no answer. A mistake in the message or the request gets an answer, too. Throws nothing but
   /// `std::bad_alloc`, and that only when not even an answer could be made.
   [[nodiscard]] std::string answer(std::string_view message);
   /// The answer to a message that was longer than `ServiceLimits::messageBytes`, so that nobody has kept it.
@@ -139,7 +139,7 @@ class TARN_EXPORT Service {
     /// The steps that were unsaved or undone.
     std::size_t steps = 0;
   };
-  /// What can be recovered now. Files that another process uses are left out.
+  /// The recovery files that can be used now. Files that another process uses are left out.
   [[nodiscard]] std::vector<Recoverable> recoverable() const;
 
   [[nodiscard]] ServiceLimits const& limits() const noexcept;

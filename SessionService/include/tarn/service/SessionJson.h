@@ -35,8 +35,8 @@ inline constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json editAsJson(Edit const& edit);
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json waitingAsJson(session::Waiting const& waiting);
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json valueChangeAsJson(session::ValueChange const& change);
-/// Of a list with more than `most` entries only the first are there. Then "cut" has the names of the lists that were
-/// cut with the number of all their entries.
+/// A list with more than `most` entries is cut. Then "cut" has the names of the lists that were cut, with the number of
+/// all their entries.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json effectAsJson(session::Effect const& effect,
                                                               std::size_t most = noLimit);
 /// One list of an effect by its key, from the entry at `offset` on. Null for a key that no list has.
