@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test schema show console serve --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph schema show console serve --version -h --help' -- "$current")
     return
   fi
 
@@ -25,7 +25,12 @@ _zev() {
       local formats='text json'
       [[ ${COMP_WORDS[1]} != validate && ${COMP_WORDS[1]} != lint ]] || formats+=' sarif'
       [[ ${COMP_WORDS[1]} != test ]] || formats+=' junit'
+      [[ ${COMP_WORDS[1]} != graph ]] || formats='mermaid dot json'
       mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
+      return
+      ;;
+    --direction)
+      mapfile -t COMPREPLY < <(compgen -W 'reads readers both' -- "$current")
       return
       ;;
     --coverage)
@@ -58,6 +63,7 @@ _zev() {
     how) options+=' --rules --root --format' ;;
     find) options+=' --rules --root --limit --format' ;;
     eval) options+=' --rules --at --format' ;;
+    graph) options+=' --rules --depth --direction --limit --format' ;;
     schema) ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;

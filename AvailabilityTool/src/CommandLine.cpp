@@ -25,6 +25,7 @@
 #include "edit/EditCommand.h"
 #include "eval/EvalCommand.h"
 #include "find/FindCommand.h"
+#include "graph/GraphCommand.h"
 #include "lint/LintCommand.h"
 #include "schema/SchemaCommand.h"
 #include "serve/ServeCommand.h"
@@ -46,6 +47,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addEvalCommand(app, chosen);
   addLintCommand(app, chosen);
   addTestCommand(app, chosen);
+  addGraphCommand(app, chosen);
   addSchemaCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);

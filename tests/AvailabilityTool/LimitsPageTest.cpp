@@ -15,6 +15,8 @@
 #include <tarn/rules/RuleLoader.h>
 #include <tarn/service/FindingJson.h>
 #include <tarn/service/Service.h>
+#include <tarn/workbench/RuleDependencies.h>
+#include <tarn/workbench/RuleTests.h>
 
 #include "Places.h"
 #include "console/Completion.h"
@@ -46,6 +48,15 @@ std::vector<std::size_t> told(std::string const& name) {
 
 auto is(std::size_t number) {
   return AllOf(Not(IsEmpty()), Each(number));
+}
+
+TEST(LimitsPage, TellsTheLimitsOfTestsAndGraphs) {
+  workbench::TestLimits const limits;
+  EXPECT_THAT(told("TestLimits::fileSize"), is(limits.fileSize));
+  EXPECT_THAT(told("TestLimits::yamlDepth"), is(limits.yamlDepth));
+  EXPECT_THAT(told("TestLimits::yamlNodes"), is(limits.yamlNodes));
+  EXPECT_THAT(told("TestLimits::errors"), is(limits.errors));
+  EXPECT_THAT(told("GraphOptions::mostNodes"), is(workbench::GraphOptions{}.mostNodes));
 }
 
 TEST(LimitsPage, TellsTheLimitsOfRuleFiles) {

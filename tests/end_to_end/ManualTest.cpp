@@ -57,7 +57,7 @@ TEST_P(Manual, TellsTheOptionsOfTheHelpAndNoOthers) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfCommand, Manual,
-                         testing::Values("edit", "validate", "why", "how", "find", "eval", "lint", "test", "schema",
+                         testing::Values("edit", "validate", "why", "how", "find", "eval", "lint", "test", "graph", "schema",
                                          "show", "console", "serve"),
                          [](auto const& command) { return command.param; });
 

@@ -17,7 +17,7 @@ import yaml
 # Mistakes that a schema can show: wrong keys, kinds and words. Names and expressions are for `zev lint`.
 FORM = {"unknown-key", "missing-key", "wrong-kind", "not-yes-or-no", "unknown-parameter-type", "unknown-level",
         "missing-version", "unknown-version", "invalid-type-path", "no-units"}
-# Of these, cases that are about something that no schema sees.
+# Cases about something that no schema sees.
 BEYOND = re.compile(r"alias|anchor|'<<'|a key must be|template|expression that begins|wrong operand", re.I)
 KEY_TABLE = re.compile(r"constexpr auto (\w+Keys) =\s*std::to_array<Key<\w+>>\(\{(.*?)\}\);", re.S)
 

@@ -13,10 +13,10 @@
 #include <tarn/PathPattern.h>
 #include <tarn/PhysicsData.h>
 #include <tarn/TDFParam.h>
+#include <tarn/TypeTree.h>
 
 #include "diagnostics/DiagnosticList.h"
 #include "diagnostics/NearMatch.h"
-#include "lint/TypeTree.h"
 #include "loading/RuleIndex.h"
 #include "yaml/ScalarText.h"
 

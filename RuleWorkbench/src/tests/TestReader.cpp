@@ -39,7 +39,7 @@ constexpr auto testKeys = std::to_array<Key<TestKey>>({{"Model", TestKey::Model}
 enum class ModelKey { File };
 constexpr auto modelKeys = std::to_array<Key<ModelKey>>({{"File", ModelKey::File}});
 
-/// The edits of a step; nothing stands for what is expected.
+/// The edits of a step; nothing means the expectations.
 using StepKey = std::optional<PlannedEdit::Kind>;
 using EditKind = PlannedEdit::Kind;
 constexpr auto stepKeys = std::to_array<Key<StepKey>>({{"Set", EditKind::Set},
@@ -51,7 +51,7 @@ constexpr auto stepKeys = std::to_array<Key<StepKey>>({{"Set", EditKind::Set},
                                                        {"Rename", EditKind::Rename},
                                                        {"Expect", std::nullopt}});
 
-/// The expectations about items; nothing stands for whether the edits are refused.
+/// The expectations about items; nothing means whether the edits are refused.
 using ExpectKey = std::optional<Expectation::Kind>;
 using Kind = Expectation::Kind;
 constexpr auto expectKeys = std::to_array<Key<ExpectKey>>({{"Value", Kind::Value},

@@ -1,10 +1,10 @@
-#include "lint/TypeTree.h"
+#include <tarn/TypeTree.h>
 
 #include <algorithm>
 
 #include <tarn/PathUtils.h>
 
-namespace tarn::rules {
+namespace tarn {
 
 TypeTree::TypeTree(PhysicsData const& data) {
   children_[""];
@@ -129,4 +129,4 @@ std::set<std::string> TypeTree::resolve(PathPattern const& pattern, std::string 
   return current;
 }
 
-}  // namespace tarn::rules
+}  // namespace tarn
