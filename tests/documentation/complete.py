@@ -25,6 +25,8 @@ NOT_SHOWN = {
     # The work of the YAML library when it met an error.
     "while parsing a flow", "while parsing a block", "while scanning a quoted scalar",
     "'\\' must be followed by a character", "... calls ",
+    # A part of the key by which warnings with one cause are joined, which is never printed.
+    " of parameters",
 }
 
 TABLE_ROW = re.compile(r'^\s*\{"([^"\\]+)", (?:\d|\w+Key::)', re.MULTILINE)
