@@ -5,9 +5,11 @@
 #include <map>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include <tarn/StringUtilities.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/service/SessionJson.h>
 
@@ -67,11 +69,25 @@ std::string missingText(CoverageItem const& item) {
   return text;
 }
 
+/// Each run of white space becomes one blank.
+std::string onOneLine(std::string_view text) {
+  std::string line;
+  for (char const c : text) {
+    if (!StringUtilities::isSpace(c)) {
+      line += c;
+    } else if (!line.ends_with(' ')) {
+      line += ' ';
+    }
+  }
+  return line;
+}
+
 std::string uncoveredLine(CoverageItem const& item) {
   std::string line = item.place.isKnown() ? harmless(item.place.text()) + ": " : std::string();
   line += item.typePath.empty() ? "" : harmless(item.typePath) + ": ";
   line += harmless(item.entry) + ": " + item.attribute;
-  if (!item.text.empty()) line += ": " + shortened(item.text);
+  if (!item.value.empty()) line += " '" + harmless(item.value) + '\'';
+  if (!item.text.empty()) line += ": " + shortened(onOneLine(item.text));
   return line + ": " + missingText(item);
 }
 
@@ -81,6 +97,7 @@ Json itemAsJson(CoverageItem const& item) {
   if (!item.typePath.empty()) json["type"] = item.typePath;
   json["entry"] = item.entry;
   json["attribute"] = item.attribute;
+  if (!item.value.empty()) json["value"] = item.value;
   if (!item.text.empty()) json["text"] = item.text;
   if (item.place.isKnown()) json["place"] = service::placeAsJson(item.place);
   json["covered"] = item.isCovered();

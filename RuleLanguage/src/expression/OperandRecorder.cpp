@@ -170,7 +170,11 @@ struct OperandRecorder::Impl {
   void visitInside(Expression const& node, Frame const& frame) {
     if (auto const* call = as<NamedCall>(node)) {
       void const* const caller = std::exchange(owner, &call->rule());
-      visit(*call->rule().expression(), frame);
+      if (call->kind() == Kind::Truth) {
+        ask(*call->rule().expression(), frame);
+      } else {
+        visit(*call->rule().expression(), frame);
+      }
       owner = caller;
       return;
     }

@@ -47,13 +47,15 @@ class ItemList {
 
   /// The conditions and operands of a rule; nothing for null. `isShown`: the first part is the rule itself, which
   /// another item shows already.
-  void addParts(RuleExpression const* rule, std::string_view attribute, TextPlace const& place, bool isShown = false) {
+  void addParts(RuleExpression const* rule, std::string_view attribute, TextPlace const& place, bool isShown = false,
+                std::string const& value = {}) {
     if (rule == nullptr) return;
     auto const parts = counts_.operands.partsOf(*rule);
     for (std::size_t i = isShown ? 1 : 0; i < parts.size(); ++i) {
       TextPlace const& at = rule->rulePlace().isKnown() ? rule->rulePlace() : place;
       CoverageItem item = itemOf(i == 0 ? Kind::Condition : Kind::Operand, attribute, at);
       item.text = parts[i].text;
+      item.value = value;
       item.outcomes = {{outcomes::holds, parts[i].timesTrue}, {outcomes::doesNotHold, parts[i].timesFalse}};
       items_.push_back(std::move(item));
     }
@@ -128,7 +130,7 @@ void addValueRule(ItemList& list, ParamValueDef const& rule) {
     }
     list.addParts(rule.allowedValues.get(), RuleAttributes::valueListSource, rule.rulePlace);
     for (auto const& [value, condition] : rule.allowedValueChecks) {
-      list.addParts(condition.get(), RuleAttributes::allowedStringListChecks, rule.rulePlace);
+      list.addParts(condition.get(), RuleAttributes::allowedStringListChecks, rule.rulePlace, false, value);
     }
     list.addParts(rule.subset.get(), RuleAttributes::subsetValueListSource, rule.rulePlace);
   }

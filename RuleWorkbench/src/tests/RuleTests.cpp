@@ -29,7 +29,7 @@ void readFile(rules::SourceText const& source, std::filesystem::path const& fold
   std::size_t const errorsBefore = diagnostics.errorCount();
   rules::YamlDocument const document(source, {limits.yamlDepth, limits.yamlNodes}, diagnostics);
   if (document.root() != nullptr) {
-    TestReader(source, folder, diagnostics).read(*document.root(), tests);
+    TestReader(source, folder, document.isIncomplete(), diagnostics).read(*document.root(), tests);
   } else if (diagnostics.errorCount() == errorsBefore) {
     diagnostics.add(rules::Code::EmptyFile, source, {}, "the file contains no tests; begin it with 'Rule Tests: 1'");
   }

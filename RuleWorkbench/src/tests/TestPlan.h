@@ -42,13 +42,16 @@ struct Expectation {
     LowerBound,
     UpperBound,
     Reason,
-    Findings
+    Findings,
+    FailedChecks
   };
   Kind kind = Kind::Value;
   /// The path that it is about. Empty for findings of the whole model.
   PlacedText path;
   /// The expected values; for lists in their order.
   std::vector<std::string> values;
+  /// For `Allowed`: any value will do.
+  bool isAny = false;
 };
 
 /// Whether the edits of a step should be refused.

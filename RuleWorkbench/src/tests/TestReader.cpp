@@ -67,7 +67,8 @@ constexpr auto expectKeys = std::to_array<Key<ExpectKey>>({{"Value", Kind::Value
                                                            {"Upper Bound", Kind::UpperBound},
                                                            {"Reason", Kind::Reason},
                                                            {"Refused", std::nullopt},
-                                                           {"Findings", Kind::Findings}});
+                                                           {"Findings", Kind::Findings},
+                                                           {"Failed Checks", Kind::FailedChecks}});
 
 enum class EvaluateKey { At, Expression, Gives };
 constexpr auto evaluateKeys = std::to_array<Key<EvaluateKey>>(
@@ -75,9 +76,9 @@ constexpr auto evaluateKeys = std::to_array<Key<EvaluateKey>>(
 
 }  // namespace
 
-TestReader::TestReader(rules::SourceText const& source, std::filesystem::path folder,
+TestReader::TestReader(rules::SourceText const& source, std::filesystem::path folder, bool isIncomplete,
                        rules::DiagnosticList& diagnostics)
-    : MapReader(diagnostics), source_(source), folder_(std::move(folder)) {}
+    : MapReader(diagnostics), source_(source), folder_(std::move(folder)), isIncomplete_(isIncomplete) {}
 
 void TestReader::read(YamlNode const& root, std::vector<TestPlan>& tests) {
   bool versionGiven = false;
@@ -137,7 +138,8 @@ void TestReader::readTest(Item const& name, Item const& body, TestPlan& test) {
         break;
     }
   });
-  if (expectsSomething || (!rules::canHoldKeys(*body.node) && !rules::isNothing(*body.node))) return;
+  // A part that is not YAML was reported, and may have what is missing here.
+  if (isIncomplete_ || expectsSomething || (!rules::canHoldKeys(*body.node) && !rules::isNothing(*body.node))) return;
   for (char const* key : {"Expect", "Steps", "Evaluate"}) {
     if (isMisspelled(key, *body.node)) return;
   }
@@ -272,7 +274,8 @@ void TestReader::readExpect(Item const& item, PlannedStep& step) {
       case Kind::Allowed:
         return readAllowed(value, step);
       case Kind::Findings:
-        return readFindings(value, step);
+      case Kind::FailedChecks:
+        return readFindings(*kind, value, step);
     }
   });
 }
@@ -290,9 +293,12 @@ void TestReader::readPaths(Expectation::Kind kind, Item const& item, PlannedStep
 
 void TestReader::readAllowed(Item const& item, PlannedStep& step) {
   forEach(item, "Allowed", [&](Item const& path, Item const& value) {
-    auto values = texts(value, false);
-    if (!values || !isName(path, "a path")) return;
-    step.expectations.push_back({Expectation::Kind::Allowed, placed(path), std::move(*values)});
+    if (!isName(path, "a path")) return;
+    if (value.node->kind == YamlNode::Kind::Scalar && value.node->value == "any") {
+      step.expectations.push_back({Expectation::Kind::Allowed, placed(path), {}, true});
+    } else if (auto values = texts(value, false)) {
+      step.expectations.push_back({Expectation::Kind::Allowed, placed(path), std::move(*values)});
+    }
   });
 }
 
@@ -320,12 +326,18 @@ void TestReader::readRefused(Item const& item, PlannedStep& step) {
   step.refusal = std::move(refusal);
 }
 
-std::vector<std::string> TestReader::findingCodesOf(Item const& item) {
+std::vector<std::string> TestReader::findingCodesOf(Expectation::Kind kind, Item const& item) {
   std::vector<std::string> codes;
   if (item.node->kind == YamlNode::Kind::Scalar && item.node->value == "none") return codes;
   forEachPath(item, [&](Item const& code) {
     std::vector<std::string> known;
-    for (auto const& info : session::findingCodes()) known.emplace_back(info.name);
+    for (auto const& info : session::findingCodes()) {
+      if (info.kind != session::FindingKind::Beta) known.emplace_back(info.name);
+    }
+    if (kind == Kind::FailedChecks) {  // the names of checks are the rules' own
+      codes.push_back(code.node->value);
+      return;
+    }
     std::string const& name = code.node->value;
     if (std::find(known.begin(), known.end(), name) != known.end()) {
       codes.push_back(name);
@@ -342,14 +354,14 @@ std::vector<std::string> TestReader::findingCodesOf(Item const& item) {
   return codes;
 }
 
-void TestReader::readFindings(Item const& item, PlannedStep& step) {
+void TestReader::readFindings(Expectation::Kind kind, Item const& item, PlannedStep& step) {
   if (item.node->kind != YamlNode::Kind::Mapping) {
-    step.expectations.push_back({Expectation::Kind::Findings, {{}, item.place()}, findingCodesOf(item)});
+    step.expectations.push_back({kind, {{}, item.place()}, findingCodesOf(kind, item)});
     return;
   }
-  forEach(item, "Findings", [&](Item const& path, Item const& codes) {
+  forEach(item, "this expectation", [&](Item const& path, Item const& codes) {
     if (!isName(path, "a path")) return;
-    step.expectations.push_back({Expectation::Kind::Findings, placed(path), findingCodesOf(codes)});
+    step.expectations.push_back({kind, placed(path), findingCodesOf(kind, codes)});
   });
 }
 

@@ -16,8 +16,9 @@ namespace tarn::workbench {
 /// Reads one file of tests. It reports a problem where it finds it and goes on. A test with problems is left out.
 class TestReader : private rules::MapReader {
  public:
-  /// Paths of models start at `folder`.
-  TestReader(rules::SourceText const& source, std::filesystem::path folder, rules::DiagnosticList& diagnostics);
+  /// Paths of models start at `folder`. `isIncomplete`: a part of the file could not be read as YAML.
+  TestReader(rules::SourceText const& source, std::filesystem::path folder, bool isIncomplete,
+             rules::DiagnosticList& diagnostics);
 
   /// Adds the tests of the file to `tests`.
   void read(rules::YamlNode const& root, std::vector<TestPlan>& tests);
@@ -40,8 +41,9 @@ class TestReader : private rules::MapReader {
   void readPaths(Expectation::Kind kind, Item const& item, PlannedStep& step);
   void readAllowed(Item const& item, PlannedStep& step);
   void readRefused(Item const& item, PlannedStep& step);
-  void readFindings(Item const& item, PlannedStep& step);
-  [[nodiscard]] std::vector<std::string> findingCodesOf(Item const& item);
+  /// Codes of findings, or names of failed checks.
+  void readFindings(Expectation::Kind kind, Item const& item, PlannedStep& step);
+  [[nodiscard]] std::vector<std::string> findingCodesOf(Expectation::Kind kind, Item const& item);
   void readEvaluate(Item const& item, TestPlan& test);
   void readEvaluation(Item const& item, TestPlan& test);
   /// Calls `each` with every item of a list, or with the node itself when it is a single value.
@@ -50,6 +52,7 @@ class TestReader : private rules::MapReader {
 
   rules::SourceText const& source_;
   std::filesystem::path folder_;
+  bool isIncomplete_;
   /// The models of files, by path: several tests may use one.
   std::map<std::filesystem::path, std::shared_ptr<ModelText const>> models_;
 };

@@ -284,7 +284,8 @@ std::optional<Item> TestRun::itemOf(PlacedText const& path, bool mayBeGone) {
   if (auto* item = std::get_if<Item>(&resolved)) return std::move(*item);
   auto const& refused = std::get<Refused>(resolved);
   if (mayBeGone && refused.code != session::RefusalCode::Unreadable) {
-    if (auto item = knownItem(absolute(path.text))) return item;
+    std::string const absolutePath = absolute(path.text);
+    if (auto item = knownItem(absolutePath); item && hasBeenNamed(absolutePath)) return item;
   }
   std::string actual = refused.sentence;
   if (refused.nearest) {
@@ -295,9 +296,32 @@ std::optional<Item> TestRun::itemOf(PlacedText const& path, bool mayBeGone) {
   return std::nullopt;
 }
 
+bool TestRun::hasBeenNamed(std::string const& path) const {
+  for (std::size_t colon = path.find(':'); colon != std::string::npos; colon = path.find(':', colon + 1)) {
+    std::size_t const begin = path.rfind('/', colon);
+    std::string const object = path.substr(0, path.find('/', colon));
+    std::string const name = object.substr(colon + 1);
+    auto const isMentioned = [&](PlannedEdit const& edit) {
+      std::string const edited = absolute(edit.path.text);
+      return edited == object || edited.starts_with(object + '/') || edit.text == name;
+    };
+    bool const isEdited = std::any_of(test_.steps.begin(), test_.steps.end(), [&](PlannedStep const& step) {
+      return std::any_of(step.edits.begin(), step.edits.end(), isMentioned);
+    });
+    if (isEdited || session_->model().contains(object) || session_->provisional().hasObject(object)) continue;
+    // The rules give some names themselves.
+    ObjDependDef const* const parent = rules_.getObjDependDef(PathUtils::typePathOf(path.substr(0, begin)), true);
+    ChildAvail const* const entry =
+        parent == nullptr ? nullptr : parent->findChild(path.substr(begin + 1, colon - begin - 1));
+    if (entry == nullptr || (!entry->allowedNamesSource && !entry->defaultNamesSource)) return false;
+  }
+  return true;
+}
+
 void TestRun::check(Expectation const& expectation) {
   ++result_.expectations;
-  if (expectation.kind == Kind::Findings && expectation.path.text.empty()) return checkFindings(expectation, nullptr);
+  bool const isAboutFindings = expectation.kind == Kind::Findings || expectation.kind == Kind::FailedChecks;
+  if (isAboutFindings && expectation.path.text.empty()) return checkFindings(expectation, nullptr);
   bool const mayBeGone = expectation.kind == Kind::Absent || expectation.kind == Kind::Reason;
   auto const item = itemOf(expectation.path, mayBeGone);
   if (!item) return;
@@ -313,6 +337,7 @@ void TestRun::check(Expectation const& expectation) {
     case Kind::Reason:
       return checkReason(expectation, *item);
     case Kind::Findings:
+    case Kind::FailedChecks:
       return checkFindings(expectation, &*item);
     case Kind::Value:
     case Kind::Allowed:
@@ -352,7 +377,11 @@ void TestRun::checkNeed(Expectation const& expectation, Item const& item) {
 void TestRun::checkParam(Expectation const& expectation, Item const& item) {
   auto const param = item.isParam() ? session_->lookParam(item.path, *item.name) : std::nullopt;
   if (!param) {
-    fail(expectation.path.place, item.text(), "a parameter", "an object");
+    fail(expectation.path.place, item.text(), "a parameter", item.isParam() ? "absent" : "an object");
+    return;
+  }
+  if (!param->available() && expectation.kind != Kind::Value) {
+    fail(expectation.path.place, item.text(), "an available parameter", stateOf(*param), whyPresence(item));
     return;
   }
   switch (expectation.kind) {
@@ -385,11 +414,15 @@ void TestRun::checkAllowed(Expectation const& expectation, ParamRecord const& pa
   auto const& allowed = param.allowed;
   auto const actual = allowed.hasSubset ? allowed.subsetValues : allowed.allowedValues;
   bool const hasChoice = allowed.hasAllowedValues && !allowed.allowsAnyValue;
-  if (hasChoice && actual == expectation.values) return;
+  if (expectation.isAny ? !hasChoice : hasChoice && actual == expectation.values) return;
   Item const item{param.path, param.name};
   std::set<std::string> const expectedSet(expectation.values.begin(), expectation.values.end());
   std::set<std::string> const actualSet(actual.begin(), actual.end());
   std::string text = hasChoice ? listText(actual) : "any value";
+  if (expectation.isAny) {
+    fail(expectation.path.place, item.text(), "any value", std::move(text), {{}, param.rule});
+    return;
+  }
   if (hasChoice && expectedSet == actualSet) text += ", in this order";
   // The first value about which the two differ.
   auto const differs = [](std::vector<std::string> const& from, std::set<std::string> const& in) {
@@ -431,7 +464,9 @@ void TestRun::checkFindings(Expectation const& expectation, Item const* item) {
     bool const isAbout =
         item == nullptr || (finding.path == item->path && (!item->isParam() || finding.name == item->name));
     if (!isAbout) continue;
-    std::string const name(describe(finding.code).name);
+    bool const isAboutCheck = expectation.kind == Kind::FailedChecks;
+    if (isAboutCheck && !finding.check) continue;
+    std::string const name = isAboutCheck ? *finding.check : std::string(describe(finding.code).name);
     codes.insert(name);
     bool const isExpected =
         std::find(expectation.values.begin(), expectation.values.end(), name) != expectation.values.end();
@@ -441,8 +476,9 @@ void TestRun::checkFindings(Expectation const& expectation, Item const* item) {
   }
   std::vector<std::string> const actual(codes.begin(), codes.end());
   if (actual == expectation.values) return;
-  fail(expectation.path.place, item == nullptr ? "the whole model" : item->text(),
-       "findings: " + namesText(expectation.values), "findings: " + namesText(actual), std::move(cause));
+  std::string const what = expectation.kind == Kind::FailedChecks ? "failed checks: " : "findings: ";
+  fail(expectation.path.place, item == nullptr ? "the whole model" : item->text(), what + namesText(expectation.values),
+       what + namesText(actual), std::move(cause));
 }
 
 void TestRun::evaluate(PlannedEvaluation const& evaluation, ModelTDF const& model) {

@@ -49,6 +49,8 @@ class TestRun {
   [[nodiscard]] std::optional<session::Item> itemOf(PlacedText const& path, bool mayBeGone);
   /// The item at a path that the rules know, whether it exists or not.
   [[nodiscard]] std::optional<session::Item> knownItem(std::string const& path) const;
+  /// Whether the model, an edit of the test or the rules give each name in a path. Otherwise it is a slip.
+  [[nodiscard]] bool hasBeenNamed(std::string const& path) const;
   [[nodiscard]] std::string absolute(std::string const& path) const;
 
   [[nodiscard]] Cause whyPresence(session::Item const& item) const;

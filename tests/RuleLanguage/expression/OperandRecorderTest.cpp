@@ -107,6 +107,18 @@ TEST(OperandRecorder, ANamedCheckIsCountedWhereverItIsCalled) {
   EXPECT_EQ(parts[2].timesFalse, 1U);
 }
 
+TEST(OperandRecorder, ANamedCheckOfOneParameterIsCounted) {
+  auto const rules = rulesWith("        Available: not check('hot')\n", "Checks:\n  hot: ${A}\n");
+  MapModel const model = modelOf("A");
+  EvalContext context(&model);
+  OperandRecorder recorder;
+  recorder.evaluate(*rules->getObjDependDef("/Case/Domain", false)->findParam("P")->available, TDFContext(path),
+                    &context);
+  auto const parts = recorder.partsOf(*rules->getCheck("hot", false));
+  ASSERT_EQ(parts.size(), 1U);
+  EXPECT_EQ(parts[0].timesTrue, 1U);
+}
+
 TEST(OperandRecorder, RulesWithTheSameTextAreCountedOneByOne) {
   auto const rules =
       rulesWith("        Available: ${A} and ${B}\n      Q: {Parameter Type: String, Available: '${A} and ${B}'}\n");

@@ -175,6 +175,15 @@ INSTANTIATE_TEST_SUITE_P(
         Missed{"Findings: [missing-object]", "the whole model | findings: missing-object | findings: none"},
         Missed{"Findings: {/Case/Domain:rotor: missing-parameter}",
                "/Case/Domain:rotor | findings: missing-parameter | findings: none"},
+        Missed{"Findings: [object-check-failed]", "the whole model | findings: object-check-failed | findings: none"},
+        Missed{"Failed Checks: [one part turns]",
+               "the whole model | failed checks: one part turns | failed checks: none"},
+        Missed{"Allowed: {/Case/Domain:rotor/Motion: any}",
+               "/Case/Domain:rotor/Motion | any value | 'Stationary', 'Rotating'"},
+        Missed{"Allowed: {/Case/Domain:rotor/Angular Velocity: any}",
+               "/Case/Domain:rotor/Angular Velocity | an available parameter | not available"},
+        Missed{"Default: {/Case/Domain:rotor/Angular Velocity: '0 [rad s^-1]'}",
+               "/Case/Domain:rotor/Angular Velocity | an available parameter | not available"},
         Missed{"Value: {/Case: x}", "/Case | a parameter | an object"}));
 
 TEST(RuleTests, AnExpectationAboutAnUnknownPathFailsAndProposesThePathThatWasMeant) {
@@ -182,6 +191,24 @@ TEST(RuleTests, AnExpectationAboutAnUnknownPathFailsAndProposesThePathThatWasMea
       failureOf(rotor("    Expect:\n      Absent: /Case/Domain:rotor/Angular Velocty\n")),
       "/Case/Domain:rotor/Angular Velocty | an object or a parameter that the rules know | The rules know no "
       "parameter \"Angular Velocty\" in \"/Case/Domain:rotor\". Did you mean /Case/Domain:rotor/Angular Velocity?");
+}
+
+TEST(RuleTests, AnObjectThatNothingHasNamedIsASlipAndNotAbsent) {
+  EXPECT_EQ(failureOf(rotor("    Expect:\n      Absent: /Case/Domain:roter/Angular Velocity\n")).substr(0, 72),
+            "/Case/Domain:roter/Angular Velocity | an object or a parameter that the ");
+}
+
+TEST(RuleTests, FailedChecksAreExpectedByTheirNames) {
+  auto const rules = rules::parseRules(
+      "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Parameters:\n"
+      "      Speed: {Parameter Type: Real, Required: yes, Default Value: '1'}\n"
+      "    Checks:\n      fast: {Check: '${Speed} > 2', Message: Too slow.}\n"
+      "Global Checks:\n  slow: {Check: '${/Case/Speed} < 5', Message: Too fast.}\n");
+  RuleTests const tests = testOf(
+      "    Expect: {Failed Checks: {/Case: fast}, Findings: {/Case: object-check-failed}}\n"
+      "    Steps:\n      - {Set: {/Case/Speed: '3'}, Expect: {Failed Checks: none}}\n"
+      "      - {Set: {/Case/Speed: '7'}, Expect: {Failed Checks: [slow]}}\n");
+  EXPECT_THAT(tests.run(0, *rules).failures, IsEmpty());
 }
 
 TEST(RuleTests, WhatIsInARemovedObjectIsAbsent) {
@@ -294,27 +321,34 @@ TEST_P(RuleTestsForm, IsReportedWithItsPlaceAndTheRemedy) {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, RuleTestsForm,
-    testing::Values(Wrong{"    Expct: {}\n", "4:5: unknown key 'Expct' in a test; did you mean 'Expect'?\n"},
-                    Wrong{"    Model: x\n",
-                          "3:3: the test expects nothing; give it 'Expect', 'Steps' or 'Evaluate'\n"
-                          "4:12: the model cannot be read: neither \"=\" nor \":\" in the line; write name = value, "
-                          "Type: name or END # Type:name\n"},
-                    Wrong{"    Expect: {Valu: {/Case/Title: x}}\n",
-                          "4:14: unknown key 'Valu' in an expectation; did you mean 'Value'?\n"},
-                    Wrong{"    Steps: {Set: {/Case/Title: x}}\n",
-                          "4:12: 'Steps' must be a list of maps, but this is a map; begin each step with '- '\n"},
-                    Wrong{"    Steps: [{Expect: {Refused: yes}}]\n",
-                          "4:13: 'Refused' needs an edit in the same step, and there is none\n"},
-                    Wrong{"    Steps: [{Set: {/Case/Title: x}, Expect: {Refused: value-not-alowed}}]\n",
-                          "4:55: this must be yes, no, or the code of a refusal, not 'value-not-alowed'; did you mean "
-                          "'value-not-allowed'?\n"},
-                    Wrong{"    Expect: {Findings: [mising-object]}\n",
-                          "4:25: there is no finding with the code 'mising-object'; did you mean 'missing-object'?\n"},
-                    Wrong{"    Expect: {Allowed: {/Case/Title: x}}\n",
-                          "4:37: this must be a list of texts, but it is a single value; write a list of one as [x]\n"},
-                    Wrong{"    Evaluate: {Expression: '1'}\n", "4:15: the evaluation has no 'Gives'\n"},
-                    Wrong{"    Model: {File: no such.tdf}\n    Expect: {Findings: none}\n",
-                          "4:19: cannot read the model: cannot open \"no such.tdf\": No such file or directory\n"}));
+    testing::Values(
+        Wrong{"    Expct: {}\n", "4:5: unknown key 'Expct' in a test; did you mean 'Expect'?\n"},
+        Wrong{"    Model: x\n",
+              "3:3: the test expects nothing; give it 'Expect', 'Steps' or 'Evaluate'\n"
+              "4:12: the model cannot be read: neither \"=\" nor \":\" in the line; write name = value, "
+              "Type: name or END # Type:name\n"},
+        Wrong{"    Expect: {Valu: {/Case/Title: x}}\n",
+              "4:14: unknown key 'Valu' in an expectation; did you mean 'Value'?\n"},
+        Wrong{"    Steps: {Set: {/Case/Title: x}}\n",
+              "4:12: 'Steps' must be a list of maps, but this is a map; begin each step with '- '\n"},
+        Wrong{"    Steps: [{Expect: {Refused: yes}}]\n",
+              "4:13: 'Refused' needs an edit in the same step, and there is none\n"},
+        Wrong{"    Steps: [{Set: {/Case/Title: x}, Expect: {Refused: value-not-alowed}}]\n",
+              "4:55: this must be yes, no, or the code of a refusal, not 'value-not-alowed'; did you mean "
+              "'value-not-allowed'?\n"},
+        Wrong{"    Expect: {Findings: [mising-object]}\n",
+              "4:25: there is no finding with the code 'mising-object'; did you mean 'missing-object'?\n"},
+        Wrong{"    Expect: {Findings: beta-message}\n", "4:24: there is no finding with the code 'beta-message'\n"},
+        Wrong{
+            "    Expect: {Value: {/Case/Title: x}\n",
+            "5:1: this is not YAML: did not find expected ',' or '}'; check the indentation, and put quotes around a "
+            "value that begins with a quote, '{', '[' or '*', or that contains ': ' or ' #', and here also around one "
+            "with '[', '{' or ','\n"},
+        Wrong{"    Expect: {Allowed: {/Case/Title: x}}\n",
+              "4:37: this must be a list of texts, but it is a single value; write a list of one as [x]\n"},
+        Wrong{"    Evaluate: {Expression: '1'}\n", "4:15: the evaluation has no 'Gives'\n"},
+        Wrong{"    Model: {File: no such.tdf}\n    Expect: {Findings: none}\n",
+              "4:19: cannot read the model: cannot open \"no such.tdf\": No such file or directory\n"}));
 
 TEST(RuleTests, TestsThatAreRightAreKeptBesideWrongOnes) {
   RuleTests const tests = RuleTests::parse(

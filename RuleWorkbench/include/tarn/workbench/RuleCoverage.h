@@ -55,6 +55,8 @@ struct TARN_EXPORT CoverageItem {
   std::string entry;
   /// The key of the rule in its file: "Available". For named rules "Checks", "Lists" or "Values".
   std::string attribute;
+  /// The allowed value that a condition is about, under "Allowed String List Checks". Otherwise "".
+  std::string value;
   /// The condition or operand as it is written. "" for the other kinds.
   std::string text;
   /// Where the rule is written. Not known for rules that a program made.
