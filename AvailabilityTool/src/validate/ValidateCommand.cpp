@@ -74,7 +74,7 @@ std::vector<std::string> checkedRoots(std::vector<std::string> const& roots, Phy
 /// One model and how it was judged.
 struct Judged {
   session::Findings findings;
-  /// What the model shows of the rules, when that is asked for.
+  /// The coverage by this model, when it is asked for.
   std::optional<workbench::RuleCoverage> coverage;
 };
 

@@ -697,7 +697,7 @@ class Parser {
     return std::make_unique<Literal>(token.range, token.text);
   }
 
-  /// What to write for a named rule of another kind; empty when no kind has the name.
+  /// The way to write a named rule of another kind; empty when no kind has the name.
   [[nodiscard]] std::string otherKindOf(std::string const& name) const {
     std::string_view function;
     if (named_.checks.contains(name)) function = "check";

@@ -90,6 +90,12 @@ std::string listAttribute(ParamValueDef const& rules) {
                          : RuleAttributes::orderedAllowedStringList);
 }
 
+/// The key of the subset, which there is.
+std::string subsetAttribute(ParamValueDef const& rules) {
+  bool const isFixed = dynamic_cast<FixedList const*>(rules.subset.get()) != nullptr;
+  return std::string(isFixed ? RuleAttributes::subsetAllowedStringList : RuleAttributes::subsetValueListSource);
+}
+
 template <typename Items>
 std::vector<std::string> firstOf(Items const& items) {
   auto const kept = static_cast<std::ptrdiff_t>(std::min(items.size(), mostNeeded));
@@ -473,9 +479,7 @@ void Prover::explainDefault(std::size_t node, ParamRules const& rules, ParamAllo
   proof_.nodes[node].fact = value.empty() ? Fact::Blank : Fact::FirstOnOffer;
   RuleExpression const* const list = allowed.hasSubset ? rules.value->subset.get() : rules.value->allowedValues.get();
   if (list == nullptr) return;
-  (void)addRule(node,
-                allowed.hasSubset ? std::string(RuleAttributes::subsetAllowedStringList) : listAttribute(*rules.value),
-                *list);
+  (void)addRule(node, allowed.hasSubset ? subsetAttribute(*rules.value) : listAttribute(*rules.value), *list);
 }
 
 void Prover::explainAllowed(std::size_t node, std::string const& value) {
@@ -516,7 +520,7 @@ void Prover::explainAllowed(std::size_t node, std::string const& value) {
   SharedStrings const subset = def.subset->evaluate(TDFContext(item.path), &evaluation);
   if (subset.contains(value)) return;
   proof_.nodes[node].fact = Fact::OutsideSubset;
-  (void)addRule(node, std::string(RuleAttributes::subsetAllowedStringList), *def.subset, &value);
+  (void)addRule(node, subsetAttribute(def), *def.subset, &value);
 }
 
 // The last step

@@ -231,5 +231,24 @@ TEST(Why, ValueThatNoItemOfAListHasReadsNothing) {
   EXPECT_TRUE(proof.answer().rules.front().explanation.reads.empty());
 }
 
+TEST(Why, AComputedSubsetIsNamedByItsKey) {
+  FlowCase const flow({{"/Case", {}}}, R"rules(Rule Database: 1
+Pertinent Roots: [Case]
+Objects:
+  /Case:
+    Parameters:
+      Quick: {Required: yes, Parameter Type: Logical, Default Value: yes}
+      Model:
+        Required: yes
+        Parameter Type: String
+        Ordered Allowed String List: [simple, rough, exact]
+        Subset Value List Source: if(${Quick}, ('simple', 'rough'), ('exact', 'rough'))
+)rules");
+  Proof const proof = flow.session->why({"/Case", "Model"}, {Question::Allowed, "exact", 1});
+  EXPECT_EQ(proof.answer().fact, Fact::OutsideSubset);
+  ASSERT_FALSE(proof.answer().rules.empty());
+  EXPECT_EQ(proof.answer().rules.front().attribute, "Subset Value List Source");
+}
+
 }  // namespace
 }  // namespace tarn::session::test
