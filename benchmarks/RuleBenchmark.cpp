@@ -233,12 +233,13 @@ Shape const shapes[] = {
     {"many named checks over many object types",
      [](std::size_t n) {
        return "Rule Database: 1\nPertinent Roots: [Case]\nChecks:\n" +
-              repeated(n / 2, [](std::string const& i) { return "  c" + i + ": ${Name} == '" + i + "'\n"; }) +
+              repeated(n / 2, [](std::string const& i) { return "  c" + i + ": ${Kind} == '" + i + "'\n"; }) +
               "Objects:\n  /Case:\n    Children:\n" +
               repeated(n / 2, [](std::string const& i) { return "      T" + i + ": {Coupled: yes}\n"; }) +
               repeated(n / 2, [](std::string const& i) {
                 return "  /Case/T" + i +
-                       ":\n    Parameters:\n      Name: {Parameter Type: String, Available: check('c" + i + "')}\n";
+                       ":\n    Parameters:\n      Kind: {Parameter Type: String}\n      Size: {Parameter Type: Real, " +
+                       "Available: check('c" + i + "')}\n";
               });
      }},
     {"one list in many places",

@@ -533,7 +533,7 @@ class ComparisonLint {
 
   /// A global check is evaluated at the root of the model, which has neither a name nor parameters.
   void checkOwner() {
-    if (!use_.typePath.empty() || use_.named != nullptr) return;
+    if (!use_.typePath().empty() || use_.named != nullptr) return;
     std::vector<PathUse> paths;
     use_.compiled->expression->collectPaths(paths, PathPattern());
     for (auto const& path : paths) {

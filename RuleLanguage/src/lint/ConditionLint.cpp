@@ -6,7 +6,9 @@
 #include "lint/ConditionLint.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -127,6 +129,7 @@ class ConditionLint {
       }
     }
     for (auto const* object : context_.data().objects()) {
+      possibleContexts_.clear();
       for (auto const& param : object->params()) {
         if (!param->contexts.empty()) checkContexts(*object, param.get(), nullptr);
       }
@@ -144,17 +147,23 @@ class ConditionLint {
   }
   /// Whether `other` is a later expression of the list that `use` begins.
   static bool isSameList(ExpressionUse const& use, ExpressionUse const& other) {
-    return other.attribute == use.attribute && other.kind == use.kind && other.entry == use.entry &&
-           other.typePath == use.typePath;
+    return other.attribute == use.attribute && other.kind == use.kind && other.entryName == use.entryName &&
+           other.objectName == use.objectName;
   }
 
-  [[nodiscard]] Subject subjectOf(ExpressionUse const& use) const {
+  [[nodiscard]] Subject subjectOf(ExpressionUse const& use) {
     Subject subject{use.compiled->expression.get(), use.compiled->source, {}, nullptr};
     if (use.named != nullptr) {
       subject.scope = unknownScope(*subject.expression);
-    } else if (!use.typePath.empty()) {
-      subject.scope.context = subject.scope.owner = representative(context_.data(), use.typePath);
-      subject.object = context_.data().getObjDependDef(use.typePath, true);
+    } else if (!use.typePath().empty()) {
+      if (use.objectName != lastName_) {
+        lastName_ = use.objectName;
+        lastObject_ = context_.data().getObjDependDef(use.typePath(), true);
+        lastPath_ = representative(context_.data(), use.typePath());
+        openConditions_.clear();
+      }
+      subject.scope.context = subject.scope.owner = lastPath_;
+      subject.object = lastObject_;
     }
     return subject;
   }
@@ -245,13 +254,15 @@ class ConditionLint {
 
   // Facts
 
-  [[nodiscard]] Item placeOf(std::string const& typePath, std::string const& name, bool isChild,
-                             std::string_view attribute) const {
-    auto const& places = isChild ? context_.rules().childPlaces() : context_.rules().paramPlaces();
-    auto const entry = places.find({typePath, name});
-    if (entry == places.end()) return {};
-    auto const found = entry->second.attributes.find(attribute);
-    return found == entry->second.attributes.end() ? entry->second.name : found->second;
+  /// Where an attribute of an entry is written; without the attribute, where the entry is.
+  [[nodiscard]] Item placeOf(ObjDependDef const& object, std::string const& name, bool isChild,
+                             std::string_view attribute) {
+    auto const& places = context_.rules().objectPlaces().at(object.typePath());
+    auto const& positions = context_.positionsOf(object);
+    auto const& place = isChild ? places.children[EntryPositions::indexIn(positions.children, name)]
+                                : places.params[EntryPositions::indexIn(positions.params, name)];
+    auto const found = place.attribute(attribute);
+    return found ? found : place.name;
   }
 
   /// The condition that the last context rule parameter before the entry has one of `contexts`. Nothing when the entry
@@ -276,14 +287,26 @@ class ConditionLint {
   void addEntryFacts(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
                      std::string const& name, std::size_t end, bool isChild, std::string const& meaning,
                      std::vector<Fact>& facts) {
-    if (!entry.contexts.empty()) {
-      if (auto const live = liveNode(terms, object, path, entry.contexts, end)) {
-        facts.push_back({*live, placeOf(object.typePath(), name, isChild, "Context"), meaning});
-      }
+    addContextFact(terms, object, path, entry, name, end, isChild, meaning, facts);
+    addAvailableFact(terms, object, path, entry, name, isChild, meaning, facts);
+  }
+
+  template <typename Entry>
+  void addContextFact(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
+                      std::string const& name, std::size_t end, bool isChild, std::string const& meaning,
+                      std::vector<Fact>& facts) {
+    if (entry.contexts.empty()) return;
+    if (auto const live = liveNode(terms, object, path, entry.contexts, end)) {
+      facts.push_back({*live, placeOf(object, name, isChild, "Context"), meaning});
     }
+  }
+
+  template <typename Entry>
+  void addAvailableFact(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
+                        std::string const& name, bool isChild, std::string const& meaning, std::vector<Fact>& facts) {
     if (auto const* compiled = compiledOf(entry.available)) {
       Node const node = terms.add(*compiled->expression, compiled->source, {path, path});
-      facts.push_back({node, placeOf(object.typePath(), name, isChild, "Available"), meaning});
+      facts.push_back({node, placeOf(object, name, isChild, "Available"), meaning});
     }
   }
 
@@ -321,8 +344,9 @@ class ConditionLint {
         if (object == nullptr) continue;
         std::size_t const position = positionOf(*object, parameter.name);
         // A parameter that comes later in a walk may not be there yet.
-        bool const isEarlier =
-            isAtOrAbove(parameter.path, subject.scope.context) && (object != subject.object || position < end);
+        bool const isLater = object == subject.object && position >= end;
+        isLaterRead_ |= isLater;
+        bool const isEarlier = isAtOrAbove(parameter.path, subject.scope.context) && !isLater;
         bool const isRequired = entry.required && isEarlier && alwaysHasValues(*entry.valueDef(), parameter);
         if (entry.contexts.empty() && entry.available == nullptr) {
           if (isRequired) terms.setAlwaysThere(i);
@@ -344,7 +368,7 @@ class ConditionLint {
             conditions.size() == (entry.contexts.empty() ? 0U : 1U) + (entry.available == nullptr ? 0U : 1U);
         if (isRequired && isComplete) {
           facts.push_back({formula.disjunction({exists, formula.negation(formula.conjunction(std::move(conditions)))}),
-                           placeOf(object->typePath(), parameter.name, false, "Required"),
+                           placeOf(*object, parameter.name, false, "Required"),
                            "the parameter " + inQuotes(parameter.name) + " is required"});
         }
       }
@@ -365,17 +389,17 @@ class ConditionLint {
     if (subject.object != nullptr) {
       addObjectFacts(terms, subject.scope.context, facts);
       if (use != nullptr && use->kind == EntryKind::Parameter) {
-        if (auto const* entry = subject.object->findParam(use->entry)) {
-          end = positionOf(*subject.object, use->entry);
+        if (auto const* entry = subject.object->findParam(use->entry())) {
+          end = positionOf(*subject.object, use->entry());
           addOwnFacts(terms, subject, *use, *entry, end, false, facts);
         }
       } else if (use != nullptr && use->kind == EntryKind::Child) {
-        if (auto const* entry = subject.object->findChild(use->entry)) {
+        if (auto const* entry = subject.object->findChild(use->entry())) {
           addOwnFacts(terms, subject, *use, *entry, subject.object->params().size(), true, facts);
         }
       } else if (use != nullptr && use->attribute != "When") {
         for (auto const& one : subject.object->checks()) {
-          if (one->name != use->entry) continue;
+          if (one->name != use->entry()) continue;
           if (auto const* when = compiledOf(one->when)) {
             facts.push_back({terms.add(*when->expression, when->source, subject.scope), {}, {}});
           }
@@ -388,12 +412,11 @@ class ConditionLint {
   template <typename Entry>
   void addOwnFacts(ConditionTerms& terms, Subject const& subject, ExpressionUse const& use, Entry const& entry,
                    std::size_t end, bool isChild, std::vector<Fact>& facts) {
-    std::vector<Fact> own;
-    addEntryFacts(terms, *subject.object, subject.scope.context, entry, use.entry, end, isChild,
-                  "this is evaluated only under this condition", own);
-    // An entry that is not live is not evaluated at all.
-    if (use.attribute == "Available" && entry.available != nullptr && !own.empty()) own.pop_back();
-    for (auto& fact : own) facts.push_back(std::move(fact));
+    std::string const meaning = "this is evaluated only under this condition";
+    addContextFact(terms, *subject.object, subject.scope.context, entry, use.entry(), end, isChild, meaning, facts);
+    // The entry need not be available when its availability is evaluated.
+    if (use.attribute == "Available") return;
+    addAvailableFact(terms, *subject.object, subject.scope.context, entry, use.entry(), isChild, meaning, facts);
   }
 
   // Reports
@@ -459,7 +482,7 @@ class ConditionLint {
     if (use.kind != EntryKind::Check || use.attribute != "Check" || !isLiteral(expression, false)) return false;
     if (subject.object == nullptr) return false;
     for (auto const& one : subject.object->checks()) {
-      if (one->name == use.entry) return one->when != nullptr;
+      if (one->name == use.entry()) return one->when != nullptr;
     }
     return false;
   }
@@ -473,14 +496,31 @@ class ConditionLint {
 
   void check(ExpressionUse const& use) {
     auto const subject = subjectOf(use);
+    bool const isAvailability = use.kind == EntryKind::Parameter && use.attribute == "Available";
+    auto const* parameter =
+        isAvailability && subject.object != nullptr ? subject.object->findParam(use.entry()) : nullptr;
+    if (isKnownAsOpen(use, subject, parameter)) return;
+    std::size_t const warningsBefore = context_.warningCount();
+    isLaterRead_ = false;
+    auto verdict = Verdict::Open;
     if (!isMeant(use, *subject.expression, subject)) {
-      auto const verdict = judgeAndReport(use, subject, &use);
-      bool const isAvailability = use.kind == EntryKind::Parameter && use.attribute == "Available";
-      if (verdict == Verdict::Never && isAvailability && subject.object != nullptr) {
-        neverThere_.insert(subject.object->findParam(use.entry));
-      }
+      verdict = judgeAndReport(use, subject, &use);
+      if (verdict == Verdict::Never && parameter != nullptr) neverThere_.insert(parameter);
     }
     checkQuantifiers(use, *subject.expression);
+    bool const isSilent = verdict == Verdict::Open && context_.warningCount() == warningsBefore;
+    if (isSilent && parameter != nullptr && parameter->contexts.empty() && !isLaterRead_) {
+      openConditions_.try_emplace(use.compiled.get(), positionOf(*subject.object, use.entry()));
+    }
+  }
+
+  /// Whether the same availability of an earlier parameter of the object was found to be open. A later parameter knows
+  /// the same facts: one without context has none of its own, and what must exist before the earlier one was all that
+  /// the condition can read in the object.
+  [[nodiscard]] bool isKnownAsOpen(ExpressionUse const& use, Subject const& subject, ParamAvail const* parameter) {
+    if (parameter == nullptr || !parameter->contexts.empty()) return false;
+    auto const known = openConditions_.find(use.compiled.get());
+    return known != openConditions_.end() && known->second < positionOf(*subject.object, use.entry());
   }
 
   /// Judges one condition and, when it is open, its parts. Returns its verdict. `entryUse` is null for a condition that
@@ -571,7 +611,7 @@ class ConditionLint {
     if (isKnown && (use.named == nullptr || objects.isAbsolute())) {
       subject.object = context_.data().getObjDependDef(*types->begin(), true);
       subject.scope.context = representative(context_.data(), *types->begin(), '\2');
-      if (use.named == nullptr) subject.scope.owner = representative(context_.data(), use.typePath);
+      if (use.named == nullptr) subject.scope.owner = representative(context_.data(), use.typePath());
     }
     judgeAndReport(use, subject, nullptr);
   }
@@ -654,14 +694,14 @@ class ConditionLint {
   /// A default behind a check list that always applies.
   void checkDefaultBehind(ExpressionUse const& list, ExpressionUse const* always,
                           std::vector<ExpressionUse const*> const& conditions) {
-    auto const place = context_.rules().paramPlaces().find({list.typePath, list.entry});
-    if (place == context_.rules().paramPlaces().end()) return;
-    auto const item = place->second.attributes.find("Default Value");
-    if (item == place->second.attributes.end()) return;
+    auto const* object = context_.data().getObjDependDef(list.typePath(), true);
+    auto const& place = context_.rules().objectPlaces().at(list.typePath()).params[positionOf(*object, list.entry())];
+    auto const item = place.attribute("Default Value");
+    if (!item) return;
     bool const isNeverUsed = always != nullptr || (!conditions.empty() && conditions.size() <= longestList &&
                                                    isCovered(conditions, nullptr));
     if (!isNeverUsed) return;
-    context_.warn(Code::UnreachableEntry, item->second,
+    context_.warn(Code::UnreachableEntry, item,
                   "this default is never used, because one of the conditions of the Default Value Check List always "
                   "holds; remove it");
   }
@@ -670,10 +710,23 @@ class ConditionLint {
   void checkContexts(ObjDependDef const& object, ParamAvail const* param, ChildAvail const* child) {
     auto const& contexts = param != nullptr ? param->contexts : child->contexts;
     auto const& name = param != nullptr ? param->name : child->type;
+    std::size_t const end = param != nullptr ? positionOf(object, name) : object.params().size();
+    // Entries with the same contexts behind the same context rules are live at the same time.
+    auto const& rules = context_.positionsOf(object).contextRules;
+    auto const firstBehind = std::lower_bound(rules.begin(), rules.end(), end) - rules.begin();
+    auto const known = possibleContexts_.find(contexts);
+    if (known != possibleContexts_.end() && known->second == firstBehind) return;
+    isLaterRead_ = false;
+    std::size_t const warningsBefore = context_.warningCount();
+    judgeContexts(object, contexts, name, end, child != nullptr);
+    if (!isLaterRead_ && context_.warningCount() == warningsBefore) possibleContexts_[contexts] = firstBehind;
+  }
+
+  void judgeContexts(ObjDependDef const& object, std::vector<std::string> const& contexts, std::string const& name,
+                     std::size_t end, bool isChild) {
     Subject subject{nullptr, {}, {}, &object};
     subject.scope.context = subject.scope.owner = representative(context_.data(), object.typePath());
     ConditionTerms terms(context_.data(), isLookedInto_, closed_);
-    std::size_t const end = param != nullptr ? positionOf(object, name) : object.params().size();
     auto const live = liveNode(terms, object, subject.scope.context, contexts, end);
     if (!live) return;
     std::vector<Fact> facts;
@@ -688,7 +741,7 @@ class ConditionLint {
     if (judge(terms, {}, *live, steps) != Verdict::Open) return;
     if (judge(terms, nodesOf(facts), *live, steps) != Verdict::Never) return;
     reduce(terms, facts, *live, Verdict::Never, steps);
-    auto const item = placeOf(object.typePath(), name, child != nullptr, "Context");
+    auto const item = placeOf(object, name, isChild, "Context");
     auto& warning = context_.warn(Code::NeverLive, item,
                                   "the last context rule before this entry never has this value, so the entry is never "
                                   "live; correct its context, "
@@ -701,6 +754,14 @@ class ConditionLint {
   std::function<bool(NamedRule const&)> isLookedInto_;
   std::unordered_map<NamedRule const*, bool> decided_;
   std::unordered_set<ParamAvail const*> neverThere_;
+  bool isLaterRead_ = false;  // facts about a parameter of the subject's object were left out, because it comes later
+  // About the object of the last rule.
+  YamlNode const* lastName_ = nullptr;
+  ObjDependDef const* lastObject_ = nullptr;
+  std::string lastPath_;
+  std::unordered_map<Compiled const*, std::size_t> openConditions_;  // and the first parameter that has each
+  // The contexts of entries of one object that can occur, and the number of context rules before the entry.
+  std::map<std::vector<std::string>, std::ptrdiff_t> possibleContexts_;
 };
 
 }  // namespace

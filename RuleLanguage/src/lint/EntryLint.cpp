@@ -27,10 +27,15 @@ class EntryLint {
   void run() {
     checkObjects();
     for (auto const* object : context_.data().objects()) {
-      for (auto const& param : object->params()) {
-        if (param->valueDef() != nullptr) checkParameter(*object, *param, *param->valueDef());
+      auto const& places = context_.rules().objectPlaces().at(object->typePath());
+      auto const& params = object->params();
+      for (std::size_t i = 0; i < params.size(); ++i) {
+        if (params[i]->valueDef() != nullptr) {
+          checkParameter(*object, *params[i], *params[i]->valueDef(), places.params[i]);
+        }
       }
-      for (auto const& child : object->children()) checkChild(*object, *child);
+      auto const& children = object->children();
+      for (std::size_t i = 0; i < children.size(); ++i) checkChild(*object, *children[i], places.children[i]);
     }
     context_.setTaken({});
   }
@@ -41,7 +46,8 @@ class EntryLint {
   }
 
   void checkObjects() {
-    for (auto const& [typePath, place] : context_.rules().objectPlaces()) {
+    for (auto const& [typePath, places] : context_.rules().objectPlaces()) {
+      auto const& place = places.name;
       std::string const parentPath(PathUtils::parentOf(typePath));
       if (parentPath.empty()) continue;
       auto const* parent = context_.data().getObjDependDef(parentPath, true);
@@ -91,18 +97,14 @@ class EntryLint {
     return found != lacking_->end() ? found->second : std::string();
   }
 
-  void checkChild(ObjDependDef const& object, ChildAvail const& child) {
+  void checkChild(ObjDependDef const& object, ChildAvail const& child, EntryPlace const& place) {
     auto const typePath = object.typePath() + "/" + child.type;
-    auto const& place = context_.rules().childPlaces().at({object.typePath(), child.type});
     context_.setTaken(place.taken);
     if (context_.data().getObjDependDef(typePath, true) == nullptr && !meant_.contains(typePath)) {
       warn(Code::MissingObjectEntry, place.name,
            "there is no entry " + typePath + " under Objects, so the rules define nothing inside this child");
     }
-    auto const at = [&](std::string_view attribute) {
-      auto const found = place.attributes.find(attribute);
-      return found == place.attributes.end() ? Item{} : found->second;
-    };
+    auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
     auto const allowedNames = at("Allowed Names");
     auto const defaultNames = at("Default Names");
     if (child.singleton) {
@@ -165,13 +167,10 @@ class EntryLint {
     }
   }
 
-  void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def) {
-    auto const& place = context_.rules().paramPlaces().at({object.typePath(), param.name});
+  void checkParameter(ObjDependDef const& object, ParamAvail const& param, ParamValueDef const& def,
+                      EntryPlace const& place) {
     context_.setTaken(place.taken);
-    auto const at = [&](std::string_view attribute) {
-      auto const found = place.attributes.find(attribute);
-      return found == place.attributes.end() ? Item{} : found->second;
-    };
+    auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
     if (def.allowedValueKind == ParamValueDef::NoAllowedValues) {
       for (std::string_view const attribute :
            {"Allowed String List Checks", "Unused Allowed String List", "Subset Allowed String List",

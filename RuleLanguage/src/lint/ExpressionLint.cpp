@@ -48,11 +48,11 @@ struct NearType {
 /// The type after '^' that neither the object nor one above it has.
 NearType nearAncestor(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
   std::vector<std::string> types;
-  for (std::string_view path = use.typePath; !path.empty(); path = PathUtils::parentOf(path)) {
+  for (std::string_view path = use.typePath(); !path.empty(); path = PathUtils::parentOf(path)) {
     types.emplace_back(PathUtils::lastType(path));
   }
   // A named rule can be meant for any object.
-  if (use.typePath.empty()) {
+  if (use.typePath().empty()) {
     for (auto const& entry : context.types().all()) {
       if (!entry.first.empty()) types.emplace_back(PathUtils::lastType(entry.first));
     }
@@ -68,7 +68,7 @@ NearType nearObject(LintContext& context, ExpressionUse const& use, PathPattern 
   if (use.named != nullptr && !pattern.isAbsolute()) return {};
   auto const& steps = pattern.steps();
   if (!pattern.isAbsolute() && pattern.start() != PathPattern::Start::Context) return {};
-  std::set<std::string> current = {pattern.isAbsolute() ? std::string{} : use.typePath};
+  std::set<std::string> current = {pattern.isAbsolute() ? std::string{} : use.typePath()};
   for (auto const& step : steps) {
     if (step.kind != PathPattern::StepKind::Child && step.kind != PathPattern::StepKind::ChildrenOfType) return {};
     std::set<std::string> next;
@@ -115,7 +115,7 @@ class UnknownPaths {
 std::string whyNoObject(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
   if (use.named != nullptr && !pattern.isAbsolute()) return {};
   if (pattern.start() == PathPattern::Start::Nearest) return {};
-  std::string path = pattern.isAbsolute() ? std::string{} : use.typePath;
+  std::string path = pattern.isAbsolute() ? std::string{} : use.typePath();
   for (auto const& step : pattern.steps()) {
     if (step.kind == PathPattern::StepKind::Parent) {
       path = PathUtils::parentOf(path);
@@ -155,11 +155,11 @@ bool isWrittenWhole(ExpressionUse const& use, PathUse const& path) {
 /// Another object with the parameter that a path does not find: above the object that owns the rule, or that object
 /// itself, when the path is evaluated in another one. As the end of a sentence; empty when there is none.
 std::string elsewhere(LintContext& context, ExpressionUse const& use, PathUse const& path) {
-  if (use.typePath.empty() || use.named != nullptr || path.pattern.isAbsolute()) return {};
+  if (use.typePath().empty() || use.named != nullptr || path.pattern.isAbsolute()) return {};
   if (path.parameter.find_first_of("\\*{}^@/:") != std::string::npos) return {};
   bool const isOfOwner = path.pattern.start() == PathPattern::Start::Context && isWrittenWhole(use, path);
   std::string up;
-  for (std::string_view type = use.typePath; !type.empty(); type = PathUtils::parentOf(type)) {
+  for (std::string_view type = use.typePath(); !type.empty(); type = PathUtils::parentOf(type)) {
     auto const* object = context.data().getObjDependDef(std::string(type), true);
     if (object != nullptr && object->findParam(path.parameter) != nullptr) {
       return "; " + std::string(type) + " has one: ${" + (isOfOwner ? "" : "@/") + up + path.parameter + "}";
@@ -287,7 +287,7 @@ class NameCheck {
 
  private:
   void checkName(std::string const& name, Range range) {
-    auto const problem = problemOfName(name, use_.entry);
+    auto const problem = problemOfName(name, use_.entry());
     if (problem) context_.warn(problem->code, use_, range, problem->message);
   }
 

@@ -26,9 +26,9 @@ namespace {
 void checkThatThereAreRoots(LintContext& context) {
   auto const& objects = context.rules().objectPlaces();
   if (!context.rules().rootPlaces().empty() || objects.empty()) return;
-  auto const& [path, place] = *objects.begin();
+  auto const& [path, places] = *objects.begin();
   std::string const root = path.substr(1, path.find('/', 1) - 1);
-  context.warn(Code::MissingRoots, place,
+  context.warn(Code::MissingRoots, places.name,
                "no file has Pertinent Roots, so no model can be judged; add 'Pertinent Roots: [" + root + "]'");
 }
 
@@ -51,13 +51,17 @@ void checkRoots(LintContext& context) {
 void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics) {
   LintContext context(rules, data, diagnostics);
   OrderLint order(context);
+  SoundConditions sound;
   for (auto const& use : rules.uses()) {
+    order.check(use);
+    if (sound.contains(use)) continue;
+    std::size_t const warningsBefore = context.warningCount();
     checkExpression(context, use);
     checkComparisons(context, use);
     checkComputedValue(context, use);
     checkTexts(context, use);
-    order.check(use);
     checkQuantities(context, use);
+    if (context.warningCount() == warningsBefore) sound.add(use);
   }
   checkConditions(context);
   checkEntries(context);

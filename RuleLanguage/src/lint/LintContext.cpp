@@ -28,6 +28,7 @@ void noteTaken(Diagnostic& warning, Item const& taken) {
 }  // namespace
 
 Diagnostic& LintContext::warn(Code code, Item const& item, std::string message) {
+  ++warningCount_;
   auto& warning = diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
   noteTaken(warning, taken_);
   return warning;
@@ -40,6 +41,7 @@ Diagnostic& LintContext::warn(Code code, ExpressionUse const& use, Range range, 
   }
   std::size_t const offset = use.skipped + range.offset;
   SourceRange const place = rangeInScalar(*use.item.source, *use.item.node, offset, range.length, &walk_);
+  ++warningCount_;
   auto& warning = diagnostics_.add(code, *use.item.source, place, std::move(message));
   noteTaken(warning, use.taken);
   if (fix) RuleBuilder::fixExpression(warning, use.item, use.skipped, *fix, &fixWalk_);
@@ -48,6 +50,7 @@ Diagnostic& LintContext::warn(Code code, ExpressionUse const& use, Range range, 
 
 Diagnostic& LintContext::warnWithUse(Code code, Item const& item, std::string message, ExpressionUse const& use,
                                      Range range) {
+  ++warningCount_;
   auto& warning = diagnostics_.add(code, *item.source, item.node->range(), std::move(message));
   SourceRange const place =
       rangeInScalar(*use.item.source, *use.item.node, use.skipped + range.offset, range.length, &walk_);
@@ -86,9 +89,23 @@ void LintContext::fixText(Diagnostic& warning, Item const& item, std::string_vie
   }
 }
 
+void SoundConditions::add(ExpressionUse const& use) {
+  if (use.role != Role::Condition || use.named != nullptr || use.objectName == nullptr) return;
+  if (use.objectName != object_) {
+    object_ = use.objectName;
+    sound_.clear();
+  }
+  sound_.insert(use.compiled.get());
+}
+
 LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPattern const& pattern) {
   if (use.named == nullptr && !pattern.isAbsolute()) {
-    return std::make_shared<std::set<std::string> const>(types_.resolve(pattern, use.typePath));
+    bool const isOwn = pattern.steps().empty() && pattern.start() != PathPattern::Start::Nearest;
+    if (!isOwn) return std::make_shared<std::set<std::string> const>(types_.resolve(pattern, use.typePath()));
+    if (!own_ || *own_->begin() != use.typePath()) {
+      own_ = std::make_shared<std::set<std::string> const>(std::set<std::string>{use.typePath()});
+    }
+    return own_;
   }
   auto& kept = resolved_[pattern.text()];
   if (kept) return kept;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,8 @@ class LintContext {
   [[nodiscard]] TypeTree const& types() const noexcept { return types_; }
   [[nodiscard]] HintBudget& hints() noexcept { return hints_; }
 
+  /// The number of warnings so far, also of those that are later found to have one cause.
+  [[nodiscard]] std::size_t warningCount() const noexcept { return warningCount_; }
   /// From now on warnings are about an entry that its object takes by this `Use`, and get a note with its place. Empty:
   /// about an entry of the object itself.
   void setTaken(Item const& taken) { taken_ = taken; }
@@ -123,7 +126,25 @@ class LintContext {
   ScalarWalk walk_;
   ScalarWalk fixWalk_;
   Item taken_;
+  std::size_t warningCount_ = 0;
+  TypePaths own_;  // the last set with the type path of a rule's own object alone
   DiagnosticList& diagnostics_;
+};
+
+/// The conditions that are sound in the object whose rules are being looked at. Entries of an object often share a
+/// condition, which means the same in each of them, so it is looked at once. Only the last object is remembered,
+/// because the rules come object by object.
+class SoundConditions {
+ public:
+  [[nodiscard]] bool contains(ExpressionUse const& use) const {
+    return use.objectName == object_ && sound_.contains(use.compiled.get());
+  }
+  /// Does nothing for an expression that is not a condition of an object: its meaning also depends on its entry.
+  void add(ExpressionUse const& use);
+
+ private:
+  YamlNode const* object_ = nullptr;
+  std::unordered_set<Compiled const*> sound_;
 };
 
 }  // namespace tarn::rules

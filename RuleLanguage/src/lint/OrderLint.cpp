@@ -51,14 +51,14 @@ std::string listed(std::vector<std::string> const& names) {
 
 OrderLint::OrderLint(LintContext& context) : context_(context) {
   for (auto const& use : context.rules().uses()) {
-    if (!use.typePath.empty() && !isForReview(use)) collect(use);
+    if (!use.typePath().empty() && !isForReview(use)) collect(use);
   }
 }
 
 // Collecting
 
 void OrderLint::collect(ExpressionUse const& use) {
-  auto const* object = context_.data().getObjDependDef(use.typePath, true);
+  auto const* object = context_.data().getObjDependDef(use.typePath(), true);
   if (object == nullptr) return;
   RuleReads reads;
   addReads(*use.compiled->expression, PathPattern(), reads);
@@ -104,9 +104,10 @@ void OrderLint::addReads(Expression const& expression, Base const& base, RuleRea
 
 void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
                                  Range range) {
-  auto const named = context_.types().resolve(read.objects, use.typePath);
+  auto const resolved = context_.resolve(use, read.objects);
+  auto const& named = *resolved;
   bool const isOwn = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
-                     named == std::set<std::string>{use.typePath};
+                     named.size() == 1 && *named.begin() == use.typePath();
   LateRead late{range, "the value of " + inQuotes(read.name), false, {}};
   bool isLate = !named.empty();
   for (auto const& typePath : named) {
@@ -122,14 +123,14 @@ void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& o
   }
   if (!isLate) return;
   noteLateReader(late);
-  late.isOwnAvailability = isOwn && use.kind != EntryKind::Child && use.entry == read.name;
+  late.isOwnAvailability = isOwn && use.kind != EntryKind::Child && use.entry() == read.name;
   late_[&use].push_back(std::move(late));
 }
 
 void OrderLint::collectSet(ExpressionUse const& use, PathPattern const& set, Range range) {
   // The types that are late for one reason make one warning.
   std::vector<std::pair<LateRead, std::vector<std::string>>> groups;
-  for (auto const& typePath : context_.types().resolve(set, use.typePath)) {
+  for (auto const& typePath : context_.types().resolve(set, use.typePath())) {
     if (!isDecidedByRules(typePath)) continue;
     auto const relation = toObject(use, typePath);
     addRead(relation, true, use, range);
@@ -167,18 +168,18 @@ void OrderLint::addRead(Relation const& relation, bool isCertain, ExpressionUse 
 OrderLint::Relation OrderLint::toOwnParameter(ExpressionUse const& use, ObjDependDef const& object,
                                               std::string const& name) {
   if (use.kind == EntryKind::Child) return {};
-  if (name == use.entry) return {use.attribute == "Available"};
+  if (name == use.entry()) return {use.attribute == "Available"};
   auto const& positions = context_.positionsOf(object).params;
   std::size_t const read = EntryPositions::indexIn(positions, name);
-  std::size_t const reader = EntryPositions::indexIn(positions, use.entry);
+  std::size_t const reader = EntryPositions::indexIn(positions, use.entry());
   return {read > reader, &listOf(object, false), reader, read};
 }
 
 /// Whether a walk visits objects of type path `target` only after the rule. When both are below children of the same
 /// type, that is not known, and the answer is no.
 OrderLint::Relation OrderLint::toObject(ExpressionUse const& use, std::string const& target) {
-  std::string reader = use.typePath;
-  if (use.kind == EntryKind::Child) reader += "/" + use.entry;
+  std::string reader = use.typePath();
+  if (use.kind == EntryKind::Child) reader += "/" + use.entry();
   std::size_t common = 0;
   std::size_t i = 0;
   for (; i < reader.size() && i < target.size() && reader[i] == target[i]; ++i) {
@@ -187,7 +188,7 @@ OrderLint::Relation OrderLint::toObject(ExpressionUse const& use, std::string co
   bool const readerEnds = i == reader.size();
   bool const targetEnds = i == target.size();
   // The reader's own children, or what the child rule itself decides.
-  if (readerEnds && (targetEnds || target[i] == '/')) return {target.size() > use.typePath.size()};
+  if (readerEnds && (targetEnds || target[i] == '/')) return {target.size() > use.typePath().size()};
   if (targetEnds && reader[i] == '/') return {};
   auto const* object = context_.data().getObjDependDef(reader.substr(0, common), true);
   if (object == nullptr) return {};
@@ -233,9 +234,8 @@ OrderLint::List& OrderLint::listOf(ObjDependDef const& object, bool areChildren)
 }
 
 EntryPlace const* OrderLint::placeOf(List const& list, Entry entry) const {
-  auto const& places = list.areChildren ? context_.rules().childPlaces() : context_.rules().paramPlaces();
-  auto const found = places.find({list.object->typePath(), nameOf(list, entry)});
-  return found != places.end() ? &found->second : nullptr;
+  auto const& places = context_.rules().objectPlaces().at(list.object->typePath());
+  return list.areChildren ? &places.children[entry] : &places.params[entry];
 }
 
 std::string const& OrderLint::nameOf(List const& list, Entry entry) {
@@ -362,7 +362,7 @@ void OrderLint::check(ExpressionUse const& use) {
   for (auto const& late : found->second) {
     if (late.isOwnAvailability) {
       context_.warn(Code::DependsOnItself, use, late.range,
-                    "the availability of " + inQuotes(use.entry) + " depends on its own value");
+                    "the availability of " + inQuotes(use.entry()) + " depends on its own value");
       continue;
     }
     auto const advice = adviceFor(use, late);
@@ -384,8 +384,9 @@ void OrderLint::check(ExpressionUse const& use) {
       auto const& item = reason.use->item;
       auto const place =
           rangeInScalar(*item.source, *item.node, reason.use->skipped + reason.range.offset, reason.range.length);
-      DiagnosticList::note(warning, *item.source, place,
-                           "it is read here, in " + reason.use->attribute + " of " + inQuotes(reason.use->entry));
+      DiagnosticList::note(
+          warning, *item.source, place,
+          "it is read here, in " + std::string(reason.use->attribute) + " of " + inQuotes(reason.use->entry()));
     }
   }
 }

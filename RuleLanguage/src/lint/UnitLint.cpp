@@ -328,17 +328,15 @@ void checkUnits(LintContext& context) {
   for (auto const& [name, units] : context.rules().quantityTypePlaces()) checkConversions(context, name, units);
   if (context.data().quantityTypes().empty()) return;
   for (auto const* object : context.data().objects()) {
-    for (auto const& param : object->params()) {
-      auto const target = targetOf(context, param->valueDef());
+    auto const& places = context.rules().objectPlaces().at(object->typePath()).params;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      auto const* def = object->params()[i]->valueDef();
+      auto const target = targetOf(context, def);
       if (target.type == nullptr) continue;
-      auto const& place = context.rules().paramPlaces().at({object->typePath(), param->name});
+      auto const& place = places[i];
       context.setTaken(place.taken);
-      auto const& attributes = place.attributes;
-      auto const at = [&](std::string_view attribute) {
-        auto const found = attributes.find(attribute);
-        return found == attributes.end() ? Item{} : found->second;
-      };
-      FixedTexts texts(context, target, TDFParam::isListType(param->valueDef()->type));
+      auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
+      FixedTexts texts(context, target, TDFParam::isListType(def->type));
       texts.checkBound(at("Lower Bound"));
       texts.checkBound(at("Upper Bound"));
       texts.checkValue(at("Default Value"));
@@ -354,7 +352,7 @@ void checkQuantities(LintContext& context, ExpressionUse const& use) {
   auto const& expression = *use.compiled->expression;
   QuantityFinder(context, use).check(expression, PathPattern());
   if (!givesAValue(use)) return;
-  auto const target = targetOf(context, context.data().getParamValueDef(use.typePath, use.entry, true));
+  auto const target = targetOf(context, context.data().getParamValueDef(use.typePath(), use.entry(), true));
   if (target.type != nullptr) ResultCheck(context, use, target).check(expression);
 }
 

@@ -100,10 +100,7 @@ class ValueLint {
       : context_(context), def_(def), allowed_(LintContext::writtenValues(def)) {}
 
   void checkEntry(EntryPlace const& place) {
-    auto const at = [&](std::string_view attribute) {
-      auto const found = place.attributes.find(attribute);
-      return found == place.attributes.end() ? Item{} : found->second;
-    };
+    auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
     checkText(defaults, at("Default Value"));
     checkGuarded(defaults, at("Default Value Check List"));
     checkGuarded(overrides, at("Value Override Check List"));
@@ -407,7 +404,7 @@ void checkMessagesIn(LintContext& context, SourceText const* source, YamlNode co
 void checkValues(LintContext& context, ParamAvail const& param, ParamValueDef const& def, EntryPlace const& place) {
   ValueLint lint(context, def);
   lint.checkEntry(place);
-  if (param.required) lint.checkRequired(place.attributes.at("Required"));
+  if (param.required) lint.checkRequired(place.attribute("Required"));
 }
 
 void checkTexts(LintContext& context, ExpressionUse const& use) {
@@ -431,13 +428,13 @@ void checkTexts(LintContext& context, ExpressionUse const& use) {
 }
 
 void checkComputedValue(LintContext& context, ExpressionUse const& use) {
-  if (use.kind != EntryKind::Parameter || use.typePath.empty()) return;
+  if (use.kind != EntryKind::Parameter || use.typePath().empty()) return;
   bool const isOverride = use.attribute == "Value Override Check List";
   bool const isDefault = use.attribute == "Default Value" || use.attribute == "Default Value Check List";
   bool const isList = use.attribute == "Value List Source";
   bool const isValue = (isOverride || isDefault) && use.role == Role::Text;
   if (!isValue && !isList) return;
-  auto const* def = context.data().getParamValueDef(use.typePath, use.entry, true);
+  auto const* def = context.data().getParamValueDef(use.typePath(), use.entry(), true);
   if (def == nullptr) return;
   ValueLint lint(context, *def);
   if (isList) {

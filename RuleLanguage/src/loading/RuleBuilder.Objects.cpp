@@ -190,9 +190,18 @@ void RuleBuilder::readObjects(Item const& section) {
 void RuleBuilder::readObject(Item const& name, Item const& body) {
   auto& object = data_->addObject(name.node->value);
   if (!object.rulePlace.isKnown()) object.rulePlace = name.place();
-  if (keepPlaces_) index_.objects_.try_emplace(name.node->value, name);
-  owner_ = {name.node->value, {}, EntryKind::Parameter};
+  if (keepPlaces_)
+    objectPlaces_ = &index_.objects_.try_emplace(name.node->value, ObjectPlaces{name, {}, {}}).first->second;
+  owner_ = {name.node, nullptr, EntryKind::Parameter};
   readEntries(object, name, body, "an object", std::nullopt);
+}
+
+void RuleBuilder::setOwner(Item const& name, EntryKind kind) {
+  owner_ = {owner_.object, name.node, kind, taking_ ? taking_->use : Item{}};
+}
+
+EntryPlace RuleBuilder::entryPlace(Item const& name, Item const& body) const {
+  return {name, body, owner_.taken, section_, taking_ ? taking_->list : Item{}};
 }
 
 void RuleBuilder::readEntries(ObjDependDef& object, Item const& name, Item const& body, std::string_view what,
@@ -334,7 +343,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     error(Code::InvalidName, name, "a parameter name cannot contain '/' or ':'");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, EntryKind::Parameter, taking_ ? taking_->use : Item{}};
+  setOwner(name, EntryKind::Parameter);
 
   ParamAvail entry;
   ParamValueDef def;
@@ -348,18 +357,12 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
   Item subset;
   Item subsetSource;
   Item completeList;
-  EntryPlace place;
-  place.name = name;
-  place.taken = owner_.taken;
-  place.section = section_;
-  if (taking_) place.use = taking_->list;
 
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
   };
   forEachKnown(body, "a parameter", paramKeys, [&](ParamKey key, Item const& keyItem, Item const& value) {
     std::string_view const attribute = keyItem.node->value;
-    if (keepPlaces_) place.attributes.emplace(attribute, value);
     switch (key) {
       case ParamKey::Available:
         entry.available = condition(value, attribute);
@@ -521,7 +524,7 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
     reportExisting(object, EntryKind::Parameter, "a parameter", name);
     return;
   }
-  if (keepPlaces_) index_.params_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+  if (keepPlaces_) objectPlaces_->params.push_back(entryPlace(name, body));
 }
 
 void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& body) {
@@ -531,22 +534,16 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
           "a child type cannot contain '/' or ':'; give deeper objects their own entries under Objects");
     return;
   }
-  owner_ = {object.typePath(), name.node->value, EntryKind::Child, taking_ ? taking_->use : Item{}};
+  setOwner(name, EntryKind::Child);
 
   ChildAvail entry;
   entry.type = name.node->value;
   entry.rulePlace = name.place();
-  EntryPlace place;
-  place.name = name;
-  place.taken = owner_.taken;
-  place.section = section_;
-  if (taking_) place.use = taking_->list;
   auto const text = [&](Item const& value, std::string_view attribute, std::string& target) {
     if (auto const given = scalar(value, attribute)) target = *given;
   };
   forEachKnown(body, "a child", childKeys, [&](ChildKey key, Item const& keyItem, Item const& value) {
     std::string_view const attribute = keyItem.node->value;
-    if (keepPlaces_) place.attributes.emplace(attribute, value);
     switch (key) {
       case ChildKey::Available:
         entry.available = condition(value, attribute);
@@ -605,12 +602,12 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
     reportExisting(object, EntryKind::Child, "a child type", name);
     return;
   }
-  if (keepPlaces_) index_.children_.emplace(std::pair(object.typePath(), name.node->value), std::move(place));
+  if (keepPlaces_) objectPlaces_->children.push_back(entryPlace(name, body));
 }
 
 void RuleBuilder::readObjectCheck(ObjDependDef& object, Item const& name, Item const& body) {
   if (!isName(name, "the name of a check")) return;
-  owner_ = {object.typePath(), name.node->value, EntryKind::Check, taking_ ? taking_->use : Item{}};
+  setOwner(name, EntryKind::Check);
   ObjectCheck check;
   check.name = name.node->value;
   check.rulePlace = name.place();

@@ -89,8 +89,8 @@ void RuleBuilder::noteUse(Item const& item, std::size_t skipped, CompiledPtr con
   use.skipped = skipped;
   use.compiled = compiled;
   use.role = role;
-  use.typePath = owner_.typePath;
-  use.entry = owner_.entry;
+  use.objectName = owner_.object;
+  use.entryName = owner_.entry;
   use.kind = owner_.kind;
   use.attribute = attribute;
   use.taken = owner_.taken;

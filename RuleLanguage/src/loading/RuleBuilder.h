@@ -59,8 +59,8 @@ class RuleBuilder : private MapReader {
 
   /// The object and entry whose rule is being read, for `RuleIndex::uses`.
   struct Owner {
-    std::string typePath;
-    std::string entry;
+    YamlNode const* object = nullptr;
+    YamlNode const* entry = nullptr;
     EntryKind kind = EntryKind::Parameter;
     Item taken = {};  // see `ExpressionUse::taken`
   };
@@ -196,6 +196,10 @@ class RuleBuilder : private MapReader {
   void reportExisting(ObjDependDef const& object, EntryKind kind, std::string_view what, Item const& name);
   void readParameter(ObjDependDef& object, Item const& name, Item const& body);
   void readChild(ObjDependDef& object, Item const& name, Item const& body);
+  /// From now on the rules of this entry are read.
+  void setOwner(Item const& name, EntryKind kind);
+  /// Where the entry is written that is being read.
+  [[nodiscard]] EntryPlace entryPlace(Item const& name, Item const& body) const;
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
   void readObjectCheck(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::unique_ptr<TextExpression> count(Item const& item, std::string_view attribute);
@@ -231,7 +235,8 @@ class RuleBuilder : private MapReader {
   std::unordered_map<std::string, SharedStrings> sharedLists_;
   std::unordered_map<std::string, std::shared_ptr<RegularExpression const>> patterns_;
   Owner owner_;
-  Item section_;  // the section that is being read
+  ObjectPlaces* objectPlaces_ = nullptr;  // of the object that is being read, when places are kept
+  Item section_;                          // the section that is being read
   std::vector<LaterUse> laterUses_;
 
   struct Unbound {

@@ -2,6 +2,10 @@
 
 namespace tarn::rules {
 
+Item EntryPlace::attribute(std::string_view key) const {
+  return {body.source, valueIn(*body.node, key)};
+}
+
 void RuleIndex::read(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits,
                      DiagnosticList& diagnostics) {
   set_.read(filesOrFolders, ruleFiles, limits.fileSize, diagnostics);

@@ -31,27 +31,48 @@ struct ExpressionUse {
   std::size_t skipped = 0;  // bytes of the scalar before the expression: of "= ..." the "="
   CompiledPtr compiled;
   Role role = Role::Condition;
-  std::string typePath;  // of the object that owns the rule; empty for checks, lists and global checks
-  std::string entry;     // the parameter, child type or check
+  YamlNode const* objectName = nullptr;  // see `typePath`
+  YamlNode const* entryName = nullptr;   // see `entry`
   EntryKind kind = EntryKind::Parameter;
-  std::string attribute;
+  std::string_view attribute;        // as its key is written in the file
   NamedRule const* named = nullptr;  // the named rule, when the expression is its body
   /// The name of the template in the `Use` by which the object takes the entry; empty when the entry is its own. The
   /// expression itself is written in the template.
   Item taken = {};
 
+  /// The type path of the object that owns the rule; empty for named rules and global checks.
+  [[nodiscard]] std::string const& typePath() const noexcept { return textOf(objectName); }
+  /// The name of the parameter, child type or check; empty where there is none.
+  [[nodiscard]] std::string const& entry() const noexcept { return textOf(entryName); }
   /// The text from which the ranges of the expression count.
   [[nodiscard]] std::string_view text() const { return std::string_view(item.node->value).substr(skipped); }
+
+ private:
+  [[nodiscard]] static std::string const& textOf(YamlNode const* name) noexcept {
+    static std::string const none;
+    return name != nullptr ? name->value : none;
+  }
 };
 
-/// Where an entry of an object and each of its attributes are written.
+/// Where an entry of an object is written.
 struct EntryPlace {
   Item name;
-  std::map<std::string_view, Item> attributes;
+  Item body;          // the map of its attributes
   Item taken = {};    // as in `ExpressionUse`
   Item section = {};  // the map that has the entry as a key
   /// The `Use` by which the object takes the entry, when it is written among the entries of that kind; otherwise empty.
   Item use = {};
+
+  /// The value of an attribute; empty when the entry does not have it. Linear in the number of its attributes.
+  [[nodiscard]] Item attribute(std::string_view key) const;
+};
+
+/// Where an object type is written first, and where its entries are. The entries have the same order as the lists of
+/// the object, so the index of an entry there is also its index here.
+struct ObjectPlaces {
+  Item name;
+  std::vector<EntryPlace> params;
+  std::vector<EntryPlace> children;
 };
 
 /// Where a template is written, and how many times objects and other templates use it.
@@ -107,14 +128,11 @@ class RuleIndex {
   /// The same for the entry that begins with `item`.
   [[nodiscard]] bool lacksPartOf(Item const& item) const;
 
-  /// The uses of expressions in the order of reading, and the positions of entries, objects, roots and named rules.
-  /// Filled by `RuleBuilder` when it was asked to. The pairs are type path and name.
+  /// The uses of expressions in the order of reading, and the positions of objects, roots and named rules. Filled by
+  /// `RuleBuilder` when it was asked to.
   [[nodiscard]] std::vector<ExpressionUse> const& uses() const noexcept { return uses_; }
-  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& paramPlaces() const { return params_; }
-  [[nodiscard]] std::map<std::pair<std::string, std::string>, EntryPlace> const& childPlaces() const {
-    return children_;
-  }
-  [[nodiscard]] std::map<std::string, Item> const& objectPlaces() const { return objects_; }
+  /// By type path.
+  [[nodiscard]] std::map<std::string, ObjectPlaces> const& objectPlaces() const { return objects_; }
   [[nodiscard]] std::vector<std::pair<std::string, Item>> const& rootPlaces() const { return roots_; }
   /// The name of each quantity type, and its list or map of units.
   [[nodiscard]] std::vector<std::pair<Item, Item>> const& quantityTypePlaces() const { return quantityTypes_; }
@@ -133,9 +151,7 @@ class RuleIndex {
   std::unordered_map<SourceText const*, YamlDocument const*> incomplete_;
 
   std::vector<ExpressionUse> uses_;
-  std::map<std::pair<std::string, std::string>, EntryPlace> params_;
-  std::map<std::pair<std::string, std::string>, EntryPlace> children_;
-  std::map<std::string, Item> objects_;
+  std::map<std::string, ObjectPlaces> objects_;
   std::vector<std::pair<std::string, Item>> roots_;
   std::vector<std::pair<Item, Item>> quantityTypes_;
   std::map<NamedRule const*, NamedPlace> namedPlaces_;
