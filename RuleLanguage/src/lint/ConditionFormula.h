@@ -19,6 +19,12 @@ class ConditionFormula {
   using Node = std::size_t;
   using Variable = std::size_t;
 
+  ConditionFormula() {
+    // Most formulas are small.
+    nodes_.reserve(8);
+    sizes_.reserve(4);
+  }
+
   /// A variable with `size` values, numbered from 0.
   Variable addVariable(std::size_t size);
   /// Reserves a variable whose number of values is set later, before the first search.

@@ -174,6 +174,7 @@ class ConditionLint {
     auto const [known, isNew] = decided_.try_emplace(&rule, true);
     if (!isNew) return known->second;
     bool decided = context_.hasFault(rule);
+    bool isOpen = false;
     if (auto const* body = rule.expression(); body != nullptr && !decided) {
       Subject const subject{body, rule.source(), unknownScope(*body)};
       ConditionTerms terms(context_.data(), isLookedInto_, closed_);
@@ -183,11 +184,14 @@ class ConditionLint {
       if (!terms.isTooLarge()) {
         terms.finish();
         std::size_t steps = conditionSteps;
-        auto const verdict = judge(terms, nodesOf(relevant(terms, std::move(facts), node)), node, steps);
+        facts = relevant(terms, std::move(facts), node);
+        auto const verdict = judge(terms, nodesOf(facts), node, steps);
         decided = verdict == Verdict::Never || verdict == Verdict::Always;
+        isOpen = verdict == Verdict::Open && facts.empty() && terms.operands().empty();
       }
     }
     decided_[&rule] = decided;
+    if (isOpen) openRules_.insert(&rule);
     return decided;
   }
 
@@ -215,6 +219,7 @@ class ConditionLint {
   /// The facts that have to do with the condition: that share a parameter with it, or with a fact that does.
   [[nodiscard]] static std::vector<Fact> relevant(ConditionTerms& terms, std::vector<Fact> facts, Node condition) {
     auto& formula = terms.formula();
+    if (facts.empty()) return facts;
     std::vector<bool> marks(formula.variableCount());
     formula.markVariables(condition, marks);
     std::vector<Fact> found;
@@ -503,7 +508,9 @@ class ConditionLint {
     std::size_t const warningsBefore = context_.warningCount();
     isLaterRead_ = false;
     auto verdict = Verdict::Open;
-    if (!isMeant(use, *subject.expression, subject)) {
+    bool const isOpenRule =
+        use.named != nullptr && openRules_.contains(use.named) && use.compiled->source == use.named->source();
+    if (!isOpenRule && !isMeant(use, *subject.expression, subject)) {
       verdict = judgeAndReport(use, subject, &use);
       if (verdict == Verdict::Never && parameter != nullptr) neverThere_.insert(parameter);
     }
@@ -753,6 +760,7 @@ class ConditionLint {
   ClosedValuesOfRules closed_;
   std::function<bool(NamedRule const&)> isLookedInto_;
   std::unordered_map<NamedRule const*, bool> decided_;
+  std::unordered_set<NamedRule const*> openRules_;  // open by themselves, without parts to judge
   std::unordered_set<ParamAvail const*> neverThere_;
   bool isLaterRead_ = false;  // facts about a parameter of the subject's object were left out, because it comes later
   // About the object of the last rule.

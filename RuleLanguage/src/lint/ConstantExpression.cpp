@@ -29,6 +29,7 @@ bool readsNothing(Expression const& expression) {
   while (!open.empty()) {
     auto const* part = open.back();
     open.pop_back();
+    if (dynamic_cast<Literal const*>(part) != nullptr) continue;
     if (dynamic_cast<ParameterReference const*>(part) != nullptr || dynamic_cast<ObjectSet const*>(part) != nullptr) {
       return false;
     }

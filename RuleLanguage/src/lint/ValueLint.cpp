@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
-#include <set>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -161,7 +161,8 @@ class ValueLint {
       context_.setSound(*named, TDFParam::elementType(def_.type));
       return;
     }
-    std::set<std::string_view> seen;
+    std::unordered_set<std::string_view> seen;
+    seen.reserve(allowed_->size());
     for (auto const& item : *allowed_) {
       if (seen.insert(item).second) continue;
       context_.warn(Code::DuplicateValue, use, list.range(), twice(item));
@@ -172,7 +173,8 @@ class ValueLint {
   /// The items of a list in a file that are written twice.
   static void checkTwice(LintContext& context, Item const& list) {
     if (list.node->kind != YamlNode::Kind::Sequence) return;
-    std::map<std::string_view, YamlNode const*> seen;
+    std::unordered_map<std::string_view, YamlNode const*> seen;
+    seen.reserve(list.node->children.size());
     for (auto const* item : list.node->children) {
       if (item->kind != YamlNode::Kind::Scalar) continue;
       auto const [former, isNew] = seen.try_emplace(item->value, item);
@@ -299,22 +301,22 @@ class ValueLint {
   }
 
   [[nodiscard]] std::optional<Fault> typeFault(std::string_view noun, Code code, std::string const& value) const {
-    std::string const subject = "the " + std::string(noun) + " " + inQuotes(value) + " is not ";
+    auto const subject = [&] { return "the " + std::string(noun) + " " + inQuotes(value) + " is not "; };
     switch (TDFParam::elementType(def_.type)) {
       case TDFParam::Logical:
         if (TDFParam::asLogical(value)) return std::nullopt;
-        return Fault{code, subject + "a logical value; write true or false", {}};
+        return Fault{code, subject() + "a logical value; write true or false", {}};
       case TDFParam::Integer: {
         auto const quantity = TDFParam::asQuantity(value);
         if (quantity && quantity->number == std::trunc(quantity->number)) return std::nullopt;
-        return Fault{
-            code,
-            subject + "a whole number" + (quantity ? "; write one, or make the parameter a Real" : numberRemedy(value)),
-            {}};
+        return Fault{code,
+                     subject() + "a whole number" +
+                         (quantity ? "; write one, or make the parameter a Real" : numberRemedy(value)),
+                     {}};
       }
       case TDFParam::Real:
         if (TDFParam::asQuantity(value)) return std::nullopt;
-        return Fault{code, subject + "a number" + numberRemedy(value), {}};
+        return Fault{code, subject() + "a number" + numberRemedy(value), {}};
       default:
         return std::nullopt;
     }
