@@ -123,7 +123,7 @@ std::shared_ptr<LintContext::RulesOfParameter const> LintContext::rulesOf(Expres
                                                                           PathPattern const& pattern,
                                                                           std::string const& parameter) {
   auto const compute = [&] {
-    auto const result = std::make_shared<RulesOfParameter>();
+    auto result = std::make_shared<RulesOfParameter>();
     auto const typePaths = resolve(use, pattern);
     for (auto const& typePath : *typePaths) {
       auto const* def = data_.getParamValueDef(typePath, parameter, true);
