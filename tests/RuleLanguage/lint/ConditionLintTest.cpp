@@ -179,6 +179,23 @@ TEST(ConditionLint, DoesNotAnalyseConditionsOfMoreThanAThousandParts) {
   EXPECT_EQ(codesFor(parts(1000)), std::vector<std::string>{"analysis-given-up"});
 }
 
+TEST(ConditionLint, FindsASharedConditionThatOnlyALaterEntryMakesImpossible) {
+  auto const result = lintText(
+      "Rule Database: 1\n"
+      "Pertinent Roots: [Case]\n"
+      "Objects:\n"
+      "  /Case:\n"
+      "    Parameters:\n"
+      "      Early: {Parameter Type: Real, Available: 'not exists(${Motion})'}\n"
+      "      Motion: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Resting, Rotating]}\n"
+      "      Late: {Parameter Type: Real, Available: 'not exists(${Motion})'}\n");
+  std::vector<int> lines;
+  for (auto const& one : result.diagnostics) {
+    if (one.code == "never-holds") lines.push_back(static_cast<int>(one.line));
+  }
+  EXPECT_EQ(lines, std::vector<int>{8});
+}
+
 TEST(ConditionLint, TheNoteSaysWhatToDo) {
   auto const result = lintText(rulesWith(pigeons(9)));
   std::string message;
