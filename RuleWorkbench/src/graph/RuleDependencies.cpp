@@ -74,15 +74,17 @@ std::string keyOf(std::string const& typePath, std::string_view entry) {
 class Builder {
  public:
   Builder(PhysicsData const& rules, std::vector<GraphNode>& nodes, std::vector<GraphEdge>& edges)
-      : types_(rules), nodes_(nodes), edges_(edges) {
-    for (ObjDependDef const* object : rules.objects()) addNodes(*object);
-    for (std::string const& name : rules.getGlobalCheckNames()) {
-      nodes_.push_back({EntryKind::GlobalCheck, {}, name, rules.getGlobalCheck(name, false)->rulePlace(), 0});
+      : rules_(rules), types_(rules), nodes_(nodes), edges_(edges) {}
+
+  void build() {
+    for (ObjDependDef const* object : rules_.objects()) addNodes(*object);
+    for (std::string const& name : rules_.getGlobalCheckNames()) {
+      nodes_.push_back({EntryKind::GlobalCheck, {}, name, rules_.getGlobalCheck(name, false)->rulePlace(), 0});
     }
     std::size_t node = 0;
-    for (ObjDependDef const* object : rules.objects()) addEdges(*object, node);
-    for (std::string const& name : rules.getGlobalCheckNames()) {
-      addReads({}, {{attributes::check, rules.getGlobalCheck(name, false)}});
+    for (ObjDependDef const* object : rules_.objects()) addEdges(*object, node);
+    for (std::string const& name : rules_.getGlobalCheckNames()) {
+      addReads({}, {{attributes::check, rules_.getGlobalCheck(name, false)}});
       finish(node++);
     }
   }
@@ -150,6 +152,7 @@ class Builder {
     open_.clear();
   }
 
+  PhysicsData const& rules_;
   TypeTree types_;
   std::vector<GraphNode>& nodes_;
   std::vector<GraphEdge>& edges_;
@@ -169,7 +172,7 @@ std::string GraphNode::text() const {
 }
 
 RuleDependencies::RuleDependencies(PhysicsData const& rules) {
-  Builder(rules, nodes_, edges_);
+  Builder(rules, nodes_, edges_).build();
   reads_.resize(nodes_.size());
   readers_.resize(nodes_.size());
   for (std::size_t i = 0; i < edges_.size(); ++i) {
@@ -213,6 +216,7 @@ DependencyGraph RuleDependencies::around(std::string_view path, GraphOptions con
   if (options.followsReads) follow(reads_, true);
   if (options.followsReaders) follow(readers_, false);
   std::vector<std::size_t> chosen;
+  chosen.reserve(distances.size());
   for (auto const& [node, distance] : distances) chosen.push_back(node);
   DependencyGraph graph = of(chosen);
   for (std::size_t i = 0; i < chosen.size(); ++i) graph.nodes[i].distance = distances[chosen[i]];
