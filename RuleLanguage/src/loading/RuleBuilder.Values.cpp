@@ -210,10 +210,9 @@ ExpressionPtr RuleBuilder::guardedItems(Item const& item, std::string_view attri
       auto const parse = [&](Item const& part, std::size_t skipped, Role role) {
         skipped = part.beginOfExpression(skipped);
         auto result = parsed(part, skipped, role);
-        (role == Role::Condition ? guarded.whenSource : guarded.valueSource) = {
-            std::string(StringUtilities::trimmed(std::string_view(part.node->value).substr(skipped))),
-            part.placeOfExpression(skipped),
-            {}};
+        auto& source = role == Role::Condition ? guarded.whenSource : guarded.valueSource;
+        source.text = StringUtilities::trimmed(std::string_view(part.node->value).substr(skipped));
+        source.place = part.placeOfExpression(skipped);
         if (result.expression) parts.push_back({result.expression.get(), result.hasQuantities, part, skipped});
         if (named != nullptr) {
           for (auto const& call : result.calls) named->calls.push_back(call.rule);
