@@ -1,8 +1,10 @@
-// The first step of all subcommands that need rules.
+// The option and the first step of all subcommands that need rules.
 #include "cli/RuleFiles.h"
 
 #include <filesystem>
 #include <ostream>
+
+#include <CLI/CLI.hpp>
 
 #include <tarn/rules/RuleLoader.h>
 
@@ -10,6 +12,14 @@
 #include "cli/Failure.h"
 
 namespace tarn::tool {
+
+void addRulesOption(CLI::App& command, std::vector<std::string>& paths) {
+  command
+      .add_option("--rules", paths, "Rule files, and folders with *.rules.yaml; together they are one rule database")
+      ->type_name("PATH")
+      ->allow_extra_args(false)  // what comes next may be a model; `divideListArguments` finds further rules
+      ->required();
+}
 
 std::unique_ptr<PhysicsData> loadRuleFiles(std::vector<std::string> const& paths, std::ostream& err) {
   try {

@@ -102,12 +102,7 @@ int console(ConsoleOptions const& options, std::ostream& err) {
 void addConsoleCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ConsoleOptions>();
   CLI::App* command = app.add_subcommand("console", "Edit an object by commands, under the rules");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command->add_option("--root", options->root, "The object to edit, with everything below it")
       ->type_name("OBJECT")
       ->required();

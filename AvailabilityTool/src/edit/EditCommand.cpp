@@ -23,6 +23,7 @@
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
+#include "cli/RuleFiles.h"
 #include "cli/ShellWord.h"
 #include "edit/EditArguments.h"
 #include "edit/ResultText.h"
@@ -301,12 +302,7 @@ void addEditCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<EditOptions>();
   auto format = std::make_shared<std::string>("text");
   CLI::App* command = app.add_subcommand("edit", "Edit a model: by edits on the command line, or in a dialogue");
-  command
-      ->add_option("--rules", options->arguments.rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->arguments.rules);
   command->add_option("MODEL", options->arguments.model, "A file with model text; - is the standard input")
       ->type_name("");
   command

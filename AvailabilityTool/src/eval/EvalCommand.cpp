@@ -146,12 +146,7 @@ void addEvalCommand(CLI::App& app, Command& chosen) {
   auto format = std::make_shared<std::string>("text");
   auto arguments = std::make_shared<std::vector<std::string>>();
   CLI::App* command = app.add_subcommand("eval", "Evaluate an expression of the rule language in a model");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command
       ->add_option("--at", options->at,
                    "The object where relative paths start; default: the only object that\nthe rules look at")

@@ -26,6 +26,7 @@
 
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
+#include "cli/RuleFiles.h"
 #include "edit/ShownText.h"
 #include "session/OpenedSession.h"
 
@@ -228,12 +229,7 @@ void addFindCommand(CLI::App& app, Command& chosen) {
   auto format = std::make_shared<std::string>("text");
   auto arguments = std::make_shared<std::vector<std::string>>();
   CLI::App* command = app.add_subcommand("find", "Find objects, parameters, values and rules by a part of their names");
-  command
-      ->add_option("--rules", options->arguments.rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->arguments.rules);
   command
       ->add_option("--root", options->arguments.root,
                    "The object to search, with everything below it; default: the only\none that the rules look at")

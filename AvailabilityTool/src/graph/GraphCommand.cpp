@@ -61,12 +61,7 @@ int graph(GraphArguments const& arguments, std::ostream& out, std::ostream& err)
 void addGraphCommand(CLI::App& app, Command& chosen) {
   auto arguments = std::make_shared<GraphArguments>();
   CLI::App* command = app.add_subcommand("graph", "Show what entries of rules depend on");
-  command
-      ->add_option("--rules", arguments->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, arguments->rules);
   command->add_option("--depth", arguments->options.depth, "So many steps from the item; default: 1")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));

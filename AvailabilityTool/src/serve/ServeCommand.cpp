@@ -148,12 +148,7 @@ int serve(ServeOptions const& given, std::ostream& out, std::ostream& err) {
 void addServeCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ServeOptions>();
   CLI::App* command = app.add_subcommand("serve", "Edit models for other programs, by messages");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command
       ->add_option("--root", options->root, "The object of MODEL to edit; default: the only one that the rules look at")
       ->type_name("OBJECT");

@@ -76,12 +76,7 @@ int show(ShowOptions const& options, std::ostream& out, std::ostream& err) {
 void addShowCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<ShowOptions>();
   CLI::App* command = app.add_subcommand("show", "Show an object as the rules complete it");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command->add_option("--model", options->model, "A file with model text; - is the standard input")
       ->type_name("FILE")
       ->required();

@@ -120,12 +120,7 @@ void addTestCommand(CLI::App& app, Command& chosen) {
   auto options = std::make_shared<TestOptions>();
   auto format = std::make_shared<std::string>("text");
   CLI::App* command = app.add_subcommand("test", "Run tests of rules");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command->add_option("--filter", options->filter, "Run only tests whose names contain this text; case does not matter")
       ->type_name("TEXT");
   command

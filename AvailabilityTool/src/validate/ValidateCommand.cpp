@@ -181,12 +181,7 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
   auto places = std::make_shared<bool>(false);
   auto noPlaces = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand("validate", "Find what is wrong in models");
-  command
-      ->add_option("--rules", options->rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->rules);
   command
       ->add_option("--root", options->review.roots,
                    "Judge only these objects and everything below; default: all that the rules look at")

@@ -24,6 +24,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
+#include "cli/RuleFiles.h"
 #include "cli/ShellWord.h"
 #include "edit/EditArguments.h"
 #include "edit/ShownText.h"
@@ -189,12 +190,7 @@ int how(WhyOptions const& options, std::ostream& out, std::ostream& err) {
 CLI::App* addCommand(CLI::App& app, std::string const& name, std::string const& help,
                      std::shared_ptr<WhyOptions> const& options, std::shared_ptr<std::string> const& format) {
   CLI::App* command = app.add_subcommand(name, help);
-  command
-      ->add_option("--rules", options->arguments.rules,
-                   "Rule files, and folders with *.rules.yaml; together they are one rule database")
-      ->type_name("PATH")
-      ->allow_extra_args(false)
-      ->required();
+  addRulesOption(*command, options->arguments.rules);
   command
       ->add_option("--root", options->arguments.root,
                    "The object that is edited, with everything below it; default: the only\none that the rules look at")

@@ -64,21 +64,6 @@ std::vector<std::string> valuesBeside(Operation operation, bool wanted, Explanat
   return values;
 }
 
-Operation mirrored(Operation operation) {
-  switch (operation) {
-    case Operation::Less:
-      return Operation::Greater;
-    case Operation::LessEqual:
-      return Operation::GreaterEqual;
-    case Operation::Greater:
-      return Operation::Less;
-    case Operation::GreaterEqual:
-      return Operation::LessEqual;
-    default:
-      return operation;
-  }
-}
-
 Item itemOf(ModelRead const& read) {
   return {read.object, read.isParameter() ? std::optional(read.name) : std::nullopt};
 }

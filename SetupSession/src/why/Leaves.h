@@ -14,6 +14,23 @@ struct Leaf {
   bool wanted;
 };
 
+/// The comparison seen from its other side: `a < b` is `b > a`. Other operations stay as they are.
+[[nodiscard]] constexpr Explanation::Operation mirrored(Explanation::Operation operation) noexcept {
+  using Operation = Explanation::Operation;
+  switch (operation) {
+    case Operation::Less:
+      return Operation::Greater;
+    case Operation::LessEqual:
+      return Operation::GreaterEqual;
+    case Operation::Greater:
+      return Operation::Less;
+    case Operation::GreaterEqual:
+      return Operation::LessEqual;
+    default:
+      return operation;
+  }
+}
+
 /// The parts whose change could change the result of the node `whole`, in the order of the text. For a failing `and`
 /// all of them have to change, for a failing `or` one.
 [[nodiscard]] inline std::vector<Leaf> leavesOf(Explanation const& explanation, std::size_t whole = 0) {

@@ -9,6 +9,7 @@
 #include <tarn/PathUtils.h>
 
 #include "session/Printable.h"
+#include "why/Leaves.h"
 
 namespace tarn::session {
 
@@ -337,21 +338,6 @@ class Writer {
     }
     std::string const text = partText(rule, part);
     return (text.empty() ? std::string("the rule") : text) + " is " + resultText(part.result) + sourcesText(rule, part);
-  }
-
-  static Operation mirrored(Operation operation) {
-    switch (operation) {
-      case Operation::Less:
-        return Operation::Greater;
-      case Operation::LessEqual:
-        return Operation::GreaterEqual;
-      case Operation::Greater:
-        return Operation::Less;
-      case Operation::GreaterEqual:
-        return Operation::LessEqual;
-      default:
-        return operation;
-    }
   }
 
   std::string needText(ProofNode const& node, ProofRule const& rule, Operation operation, bool wanted,

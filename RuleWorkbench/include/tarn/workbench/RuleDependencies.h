@@ -72,8 +72,8 @@ class TARN_EXPORT RuleDependencies {
   /// Linear in the size of the rules, times the number of object types that a path with `*` or `**` can mean.
   explicit RuleDependencies(PhysicsData const& rules);
 
-  /// The entries around one entry. `path` names a parameter or a type of children, "/Case/Domain/Motion"; names of
-  /// objects in it do not count. Empty when the rules have no such entry.
+  /// The entries around one entry. `path` names a parameter, a type of children or a check, "/Case/Domain/Motion";
+  /// names of objects in it do not count. Empty when the rules have no such entry. Linear in the number of entries.
   [[nodiscard]] DependencyGraph around(std::string_view path, GraphOptions const& options = {}) const;
   /// All entries that have a dependency, up to `mostNodes`.
   [[nodiscard]] DependencyGraph whole(std::size_t mostNodes = 1000) const;

@@ -46,7 +46,7 @@ struct TARN_EXPORT TestFailure {
 struct TARN_EXPORT TestResult {
   /// In the order of the test. Empty when it passed.
   std::vector<TestFailure> failures;
-  /// Number of expectations that were looked at. A step without a refusal counts as one.
+  /// Number of expectations that were looked at. That the edits of a step are made, or refused, is one of them.
   std::size_t expectations = 0;
   /// How long it took, in seconds.
   double seconds = 0;
