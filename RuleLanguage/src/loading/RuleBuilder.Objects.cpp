@@ -150,11 +150,11 @@ constexpr auto checkKeys = std::to_array<Key<CheckKey>>({
     {"Accepted", CheckKey::Accepted},
 });
 
-bool holdsSeparator(std::string_view name) {
+}  // namespace
+
+bool RuleBuilder::holdsSeparator(std::string_view name) {
   return name.find_first_of("/:") != std::string_view::npos;
 }
-
-}  // namespace
 
 bool RuleBuilder::isTypePath(Item const& item) {
   std::string_view const path = item.node->value;

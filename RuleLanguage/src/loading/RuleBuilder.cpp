@@ -227,9 +227,24 @@ void RuleBuilder::readRoots(Item const& section) {
   for (auto const* child : section.node->children) {
     Item const item{section.source, child};
     if (child->kind != YamlNode::Kind::Scalar || !isName(item, "a root type")) continue;
+    if (holdsSeparator(child->value)) {
+      reportRootPath(item);
+      continue;
+    }
     data_->addPertinentRoot(child->value);
     if (keepPlaces_) index_.roots_.emplace_back(child->value, item);
   }
+}
+
+// The keys under Objects are paths, so authors write a path here as well. With a warning only, a review would know no
+// object of the model and could not say why.
+void RuleBuilder::reportRootPath(Item const& item) {
+  std::string_view type = item.node->value;
+  type.remove_prefix(std::min(type.find_first_not_of('/'), type.size()));
+  type = type.substr(0, type.find_first_of("/:"));
+  auto& diagnostic = error(Code::InvalidName, item,
+                           "a root is an object type, not a path" + (type.empty() ? "" : "; write " + inQuotes(type)));
+  if (!type.empty()) fixText(diagnostic, item, type);
 }
 
 void RuleBuilder::readGlobalChecks(Item const& section) {

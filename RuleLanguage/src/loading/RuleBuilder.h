@@ -172,6 +172,7 @@ class RuleBuilder : private MapReader {
   void readFixedValue(PendingBody& pending);
   void bindNamedRules();
   void readRoots(Item const& section);
+  void reportRootPath(Item const& item);
   void readQuantityTypes(Item const& section);
   [[nodiscard]] std::vector<QuantityUnit> unitsOfList(Item const& list);
   [[nodiscard]] std::vector<QuantityUnit> unitsOfMap(Item const& map);
@@ -210,6 +211,7 @@ class RuleBuilder : private MapReader {
   void readGlobalChecks(Item const& section);
   /// Where else an entry of that name is given in the object; empty when it is not.
   [[nodiscard]] FormerEntry formerPlace(std::string const& typePath, EntryKind kind, Item const& entry);
+  [[nodiscard]] static bool holdsSeparator(std::string_view name);
   [[nodiscard]] bool isTypePath(Item const& item);
 
   RuleIndex& index_;
