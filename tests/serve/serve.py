@@ -152,14 +152,14 @@ class Pipe(Calls):
 
 
 class Web(Calls):
-    def __init__(self, folder, *options, model=True, address="0"):
-        command = [ZEV, "serve", "--rules", RULES, "--http", address, "--recovery", str(folder.recovery), *options]
+    def __init__(self, folder, *options, model=True, address="0", program=ZEV):
+        command = [program, "serve", "--rules", RULES, "--http", address, "--recovery", str(folder.recovery), *options]
         self.process = subprocess.Popen(command + ([str(folder.model)] if model else []), stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.url = self.process.stdout.readline().decode().strip()
         parts = urllib.parse.urlsplit(self.url)
         self.host, self.port = parts.hostname, parts.port
-        self.token = urllib.parse.parse_qs(parts.query)["token"][0] if parts.query else None
+        self.token = urllib.parse.parse_qs(parts.fragment)["token"][0] if parts.fragment else None
         self.local = threading.local()
 
     def headers(self, **more):
@@ -472,26 +472,77 @@ class OverHttp(unittest.TestCase):
 
     def test_the_printed_address_gives_a_browser_its_cookie(self):
         with Folder() as folder, Web(folder) as web:
-            status, headers, _ = web.request("GET", f"/?token={web.token}", headers={})
-            self.assertEqual((status, headers["Location"]), (303, "/"))
+            self.assertEqual(web.url, f"http://127.0.0.1:{web.port}/enter#token={web.token}")
+            status, headers, page = web.request("GET", "/enter", headers={})
+            self.assertEqual((status, headers["Content-Type"]), (200, "text/html; charset=utf-8"))
+            self.assertIn('<script src="/enter.js" defer></script>', page)
+            self.assertEqual(page.count("<script"), 1)
+            status, headers, script = web.request("GET", "/enter.js", headers={})
+            self.assertEqual((status, headers["Content-Type"]), (200, "text/javascript; charset=utf-8"))
+            self.assertNotIn(web.token, page + script)
+            status, headers, body = web.request("POST", "/enter", headers={"Authorization": f"Bearer {web.token}"})
+            self.assertEqual((status, body), (204, ""))
             cookie = headers["Set-Cookie"]
             self.assertIn("HttpOnly", cookie)
             self.assertIn("SameSite=Strict", cookie)
-            status, headers, _ = web.request("GET", "/", headers={"Cookie": "a=b; " + cookie.split(";")[0]})
-            self.assertEqual(status, 200)
-            self.assertEqual(headers["X-Content-Type-Options"], "nosniff")
-            self.assertIn("default-src 'none'", headers["Content-Security-Policy"])
-            self.assertEqual(web.request("GET", "/?token=wrong", headers={})[0], 401)
+            entered = {"Cookie": "a=b; " + cookie.split(";")[0]}
+            self.assertEqual(web.request("GET", "/schema", headers=entered)[0], 200)
+            for wrong in ({}, {"Authorization": "Bearer wrong"}):
+                status, headers, _ = web.request("POST", "/enter", headers=wrong)
+                self.assertEqual((status, headers["Set-Cookie"]), (401, None))
+            self.assertEqual(web.request("GET", f"/?token={web.token}", headers={})[0], 401)
+            self.assertEqual(web.request("GET", "/enter", headers={"Host": "evil.example"})[0], 421)
+            evil = {"Authorization": f"Bearer {web.token}", "Origin": "http://evil.example"}
+            self.assertEqual(web.request("POST", "/enter", headers=evil)[0], 403)
 
     def test_files_of_the_editor_are_served_and_no_others(self):
         with Folder() as folder:
             editor = folder.path / "web"
-            editor.mkdir()
+            (editor / "parts").mkdir(parents=True)
             (editor / "index.html").write_text("<title>editor</title>")
+            (editor / "main-3K7QWX2A.js").write_text("main()")
+            (editor / "parts/plain.css").write_text("p {}")
+            (editor / "notes.cpp").write_text("not for a page")
+            (editor / "secret.txt").symlink_to(folder.model)
             with Web(folder, "--web", str(editor)) as web:
-                self.assertEqual(web.request("GET", "/")[2], "<title>editor</title>")
-                for path in ("/../models/sound.tdf", "/%2e%2e/models/sound.tdf", "//etc/passwd"):
+                kept, never = "private, max-age=31536000, immutable", "no-store"
+                for path, body, kind, keeping in (
+                        ("/", "<title>editor</title>", "text/html; charset=utf-8", never),
+                        ("/index.html", "<title>editor</title>", "text/html; charset=utf-8", never),
+                        ("/main-3K7QWX2A.js", "main()", "text/javascript; charset=utf-8", kept),
+                        ("/parts/plain.css", "p {}", "text/css; charset=utf-8", never)):
+                    status, headers, got = web.request("GET", path)
+                    self.assertEqual((status, got, headers["Content-Type"]), (200, body, kind))
+                    self.assertEqual(headers.get_all("Cache-Control"), [keeping], path)
+                    self.assertEqual(headers["X-Content-Type-Options"], "nosniff")
+                    policy = headers["Content-Security-Policy"]
+                    self.assertIn("default-src 'none'", policy)
+                    self.assertNotIn("unsafe", policy)
+                    self.assertEqual(web.request("GET", path, headers={})[0], 401)
+                (editor / "late.js").write_text("late")
+                for path in ("/../models/sound.tdf", "/%2e%2e/models/sound.tdf", "//etc/passwd", "/parts", "/parts/",
+                             "/notes.cpp", "/secret.txt", "/late.js", "/index.html/", "/index.html%00"):
                     self.assertEqual(web.request("GET", path)[0], 404, path)
+
+    def test_an_installation_without_the_editor_says_how_to_get_it(self):
+        with tempfile.TemporaryDirectory() as place, Folder() as folder:
+            alone = pathlib.Path(place, "zev")
+            shutil.copy(ZEV, alone)
+            with Web(folder, program=str(alone)) as web:
+                status, headers, sentence = web.request("GET", "/")
+                self.assertEqual((status, headers["Content-Type"]), (404, "text/plain; charset=utf-8"))
+                self.assertIn("Install nodejs and npm, and build zev again", sentence)
+                self.assertEqual(web.call("hello")["name"], "zev")
+                self.assertEqual(web.end()[1],
+                                 "zev: this installation has no web editor; the address says how to get it\n")
+
+    def test_a_folder_without_a_page_is_no_web_editor(self):
+        with Folder() as folder:
+            for web, sentence in ((folder.models, "there is no index.html in"), (folder.path / "none", "cannot read the folder")):
+                done = subprocess.run([ZEV, "serve", "--rules", RULES, "--no-recovery", "--http", "0", "--web", str(web)],
+                                      capture_output=True, text=True, timeout=PATIENCE)
+                self.assertEqual((done.returncode, done.stdout), (2, ""))
+                self.assertIn(sentence, done.stderr)
 
     def test_other_clients_hear_of_an_edit_with_its_effect(self):
         with Folder() as folder, Web(folder) as web:

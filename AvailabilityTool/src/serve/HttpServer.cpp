@@ -14,6 +14,7 @@
 #include <tarn/service/ProtocolSchema.h>
 
 #include "cli/Failure.h"
+#include "serve/EntryPage.h"
 
 namespace tarn::tool {
 
@@ -26,7 +27,7 @@ constexpr std::size_t otherConnections = 64;
 constexpr time_t idleSeconds = 3;
 constexpr std::size_t mostRequests = 100'000;
 
-constexpr int seeOther = 303;
+constexpr int noContent = 204;
 constexpr int badRequest = 400;
 constexpr int unauthorized = 401;
 constexpr int forbidden = 403;
@@ -57,8 +58,7 @@ httplib::Headers securityHeaders() {
 
 RequestGuard::Request headersOf(httplib::Request const& request) {
   return {request.get_header_value("Host"), request.get_header_value("Origin"),
-          request.get_header_value("Authorization"), request.get_header_value("Cookie"),
-          request.path == "/" ? request.get_param_value("token") : std::string()};
+          request.get_header_value("Authorization"), request.get_header_value("Cookie")};
 }
 
 void answerCall(service::Service& service, httplib::Request const& request, httplib::Response& response,
@@ -82,7 +82,6 @@ void answerCall(service::Service& service, httplib::Request const& request, http
     return refuse(response, wrongType, "A request has the type application/json.");
   }
   constexpr int ok = 200;
-  constexpr int noContent = 204;
   std::string const answer = service.answer(body);
   response.status = answer.empty() ? noContent : ok;
   if (!answer.empty()) response.set_content(answer, "application/json");
@@ -126,15 +125,33 @@ void sendEvents(service::Service& service, httplib::Response& response) {
                                             std::size_t, httplib::DataSink& sink) { return (*writer)(sink); });
 }
 
-void addHandlers(httplib::Server& server, service::Service& service, RequestGuard const& guard, bool hasEditor) {
+/// Browsers ask for this before they know the token. It has no secrets.
+bool isEntry(httplib::Request const& request) {
+  return request.method == "GET" && (request.path == entryPath || request.path == entryScriptPath);
+}
+
+void sendFile(EditorFiles const* editor, httplib::Request const& request, httplib::Response& response) {
+  if (editor == nullptr && request.path == "/") {
+    return refuse(response, notFound,
+                  "This installation has no web editor. Install nodejs and npm, and build zev again: the build makes "
+                  "the editor. A page in another folder is served with: zev serve --web FOLDER. Programs need no page; "
+                  "they send requests to /rpc.");
+  }
+  EditorFiles::File const* const file = editor == nullptr ? nullptr : editor->find(request.path);
+  if (file == nullptr) return refuse(response, notFound, "There is no such page.");
+  if (file->hasHash) {
+    response.headers.erase("Cache-Control");
+    response.set_header("Cache-Control", "private, max-age=31536000, immutable");
+  }
+  response.set_content(file->bytes, file->type);
+}
+
+void addHandlers(httplib::Server& server, service::Service& service, RequestGuard const& guard,
+                 EditorFiles const* editor) {
   server.set_pre_routing_handler([&guard](httplib::Request const& request, httplib::Response& response) {
     switch (guard.judge(headersOf(request))) {
       case Verdict::Allowed:
-        if (request.path != "/" || !request.has_param("token")) return httplib::Server::HandlerResponse::Unhandled;
-        // From now on the browser has the token as a cookie, and it is in no address any more.
-        response.set_header("Set-Cookie", guard.cookie());
-        response.set_redirect("/", seeOther);
-        break;
+        return httplib::Server::HandlerResponse::Unhandled;
       case Verdict::WrongHost:
         refuse(response, misdirected, "This server has another name.");
         break;
@@ -142,6 +159,7 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
         refuse(response, forbidden, "Pages of other sites may not use this server.");
         break;
       case Verdict::NoToken:
+        if (isEntry(request)) return httplib::Server::HandlerResponse::Unhandled;
         refuse(response, unauthorized, "Open the address that zev has printed, with its token.");
         break;
     }
@@ -161,14 +179,20 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
   server.Get("/schema", [](httplib::Request const&, httplib::Response& response) {
     response.set_content(std::string(service::protocolSchema()), "application/schema+json");
   });
-  if (!hasEditor) {
-    server.Get("/", [](httplib::Request const&, httplib::Response& response) {
-      response.set_content(
-          "The web editor is not installed. Programs send requests to /rpc; docs/protocol.md describes "
-          "them.\n",
-          "text/plain; charset=utf-8");
-    });
-  }
+  server.Get(std::string(entryPath), [](httplib::Request const&, httplib::Response& response) {
+    response.set_content(std::string(entryPage), "text/html; charset=utf-8");
+  });
+  server.Get(std::string(entryScriptPath), [](httplib::Request const&, httplib::Response& response) {
+    response.set_content(std::string(entryScript), "text/javascript; charset=utf-8");
+  });
+  // The guard has seen the token.
+  server.Post(std::string(entryPath), [&guard](httplib::Request const&, httplib::Response& response) {
+    response.set_header("Set-Cookie", guard.cookie());
+    response.status = noContent;
+  });
+  server.Get("/.*", [editor](httplib::Request const& request, httplib::Response& response) {
+    sendFile(editor, request, response);
+  });
 }
 
 /// Accepts connections in a thread of its own. The end of this waits for all requests.
@@ -224,14 +248,14 @@ void serveOverHttp(service::Service& service, HttpOptions const& options, Termin
   std::vector<std::string> hosts{address.hostInUrl() + behind};
   if (address.isLoopback()) hosts.insert(hosts.end(), {"127.0.0.1" + behind, "localhost" + behind, "[::1]" + behind});
   for (std::string const& name : options.names) hosts.push_back(name + behind);
-  std::string const url = "http://" + hosts.front() + "/?token=" + options.token;
+  std::string const url = "http://" + hosts.front() + std::string(entryPath) + "#token=" + options.token;
   RequestGuard const guard(options.token, std::move(hosts), port);
 
-  bool const hasEditor = !options.web.empty() && server.set_mount_point("/", options.web);
-  addHandlers(server, service, guard, hasEditor);
+  addHandlers(server, service, guard, options.editor ? &*options.editor : nullptr);
 
   Listener const listener(server, service);
   out << url << '\n' << std::flush;
+  if (!out) return;  // nobody knows the token
   constexpr int second = 1000;
   while (signals.wait(-1, second) != TerminationSignals::Event::Terminate) service.sync();
 }

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <tarn/service/Service.h>
 
+#include "serve/EditorFiles.h"
 #include "serve/RequestGuard.h"
 #include "serve/TerminationSignals.h"
 
@@ -16,8 +18,7 @@ struct HttpOptions {
   std::string token;
   /// Further names of this machine, without a port.
   std::vector<std::string> names;
-  /// The folder of the web editor. "" for none.
-  std::string web;
+  std::optional<EditorFiles> editor;
 };
 
 /// Answers requests over HTTP until a signal comes. Writes the URL to `out` when clients can connect. Throws a

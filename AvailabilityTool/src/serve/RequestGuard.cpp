@@ -73,7 +73,7 @@ RequestGuard::Verdict RequestGuard::judge(Request const& request) const {
   constexpr std::string_view bearer = "Bearer ";
   std::string_view const authorization = request.authorization;
   bool const isKnown = (authorization.starts_with(bearer) && isToken(authorization.substr(bearer.size()))) ||
-                       isToken(cookieIn(request.cookie, cookieName_)) || isToken(request.tokenParameter);
+                       isToken(cookieIn(request.cookie, cookieName_));
   return isKnown ? Verdict::Allowed : Verdict::NoToken;
 }
 

@@ -13,13 +13,12 @@ class RequestGuard {
   /// `hosts` are the names under which clients reach the server, with the port.
   RequestGuard(std::string token, std::vector<std::string> hosts, int port);
 
-  /// The headers of a request, and its parameter "token". "" for what is not there.
+  /// The headers of a request. "" for what is not there.
   struct Request {
     std::string host;
     std::string origin;
     std::string authorization;
     std::string cookie;
-    std::string tokenParameter;
   };
 
   enum class Verdict { Allowed, WrongHost, WrongOrigin, NoToken };

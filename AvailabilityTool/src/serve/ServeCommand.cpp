@@ -127,7 +127,12 @@ int serve(ServeOptions const& given, std::ostream& out, std::ostream& err) {
     }
     http.token = given.tokenFile ? readToken(*given.tokenFile) : randomToken();
     http.names = given.names;
-    http.web = given.web ? *given.web : installedEditor();
+    std::string const web = given.web ? *given.web : installedEditor();
+    if (web.empty()) {
+      err << "zev: this installation has no web editor; the address says how to get it\n";
+    } else {
+      http.editor = EditorFiles::read(web);
+    }
   }
   auto const rules = loadRuleFiles(given.rules, err);
   // Before any thread is started, so that no thread takes the signals.
@@ -155,7 +160,7 @@ void addServeCommand(CLI::App& app, Command& chosen) {
   command->add_flag("--stdio", options->overPipe, "Answer each line of the standard input on the standard output");
   command
       ->add_option("--http", options->http,
-                   "Answer requests over HTTP, and print the address for a browser;\n"
+                   "Serve the web editor and answer requests over HTTP; prints the address;\n"
                    "ADDRESS is 127.0.0.1 unless it is given, and port 0 is any free port")
       ->type_name("[ADDRESS:]PORT");
   command
@@ -172,7 +177,7 @@ void addServeCommand(CLI::App& app, Command& chosen) {
   command->add_option("--host-name", options->names, "A further name under which browsers reach this machine")
       ->type_name("NAME")
       ->allow_extra_args(false);
-  command->add_option("--web", options->web, "The files of the web editor; default: those of the installation")
+  command->add_option("--web", options->web, "The folder of the web editor; default: that of the installation")
       ->type_name("FOLDER");
   command
       ->add_option("--recovery", options->recovery,
