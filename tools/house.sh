@@ -29,12 +29,16 @@ report_steps() {
   say "$1 passed in $SECONDS s."
 }
 
-# needed run|test: the names of the packages.
+# needed run|web|test: the names of the packages.
 needed() {
-  awk -v all="$1" '!/^#/ && NF == 2 && ($2 == "run" || all == "test") { print $1 }' "$house/tools/packages.txt"
+  local package task command
+  grep -v '^#' "$house/tools/packages.txt" | while read -r package task command; do
+    case "$1 $task" in 'run run' | 'web run' | 'web web' | 'test '?*) ;; *) continue ;; esac
+    [[ $command ]] && command -v "$command" >/dev/null || printf '%s\n' "$package"
+  done
 }
 
-# install_missing run|test: installs the Debian packages that are not there yet.
+# install_missing run|web|test: installs the Debian packages that are not there yet.
 install_missing() {
   command -v dpkg-query >/dev/null || {
     say "This is not a Debian system, so nothing is installed. Needed are: $(needed "$1" | xargs)"
@@ -81,6 +85,7 @@ build() {
     grep -vE '^\[[0-9]+/[0-9]+\]|^ninja: |^-- ' "$log" >&2 || true
     die "The build failed; its whole output is in $log."
   fi
+  grep -oE '^(-- )?The web editor is not built: .*' "$log" | sed 's/^-- //' >&2 || true
 }
 
 # progress PRESET LOG: keeps what the build prints in the log. Once something is built, says so; on a terminal, how far

@@ -1,8 +1,9 @@
-// Builds the page: index.html, editor.js, editor.css and icon.svg. The same sources give the same bytes.
+// Builds the page: index.html, the icon, and a script and a style whose names have a hash of their bytes, so that browsers
+// may keep them. The same sources give the same bytes.
 //
 //   npm run build -- --out DIR      default: dist
-import { copyFileSync, mkdirSync } from 'node:fs';
-import { dirname, join, resolve } from 'node:path';
+import { copyFileSync, mkdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { basename, dirname, extname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { parseArgs } from 'node:util';
 import { build } from 'esbuild';
@@ -11,11 +12,14 @@ const here = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const { values } = parseArgs({ options: { out: { type: 'string', default: join(here, 'dist') } } });
 const out = resolve(values.out);
 
+rmSync(out, { recursive: true, force: true });
 mkdirSync(out, { recursive: true });
-await build({
+const { metafile } = await build({
   absWorkingDir: here,
   entryPoints: { editor: 'src/main.tsx' },
+  entryNames: '[name]-[hash]',
   outdir: out,
+  metafile: true,
   bundle: true,
   minify: true,
   format: 'esm',
@@ -24,4 +28,11 @@ await build({
   legalComments: 'inline',
   logLevel: 'warning',
 });
-for (const file of ['index.html', 'icon.svg']) copyFileSync(join(here, 'src', file), join(out, file));
+copyFileSync(join(here, 'src/icon.svg'), join(out, 'icon.svg'));
+let page = readFileSync(join(here, 'src/index.html'), 'utf8');
+for (const name of Object.keys(metafile.outputs).map((path) => basename(path))) {
+  const plain = `"editor${extname(name)}"`;
+  if (!page.includes(plain)) throw new Error(`index.html does not name ${plain}`);
+  page = page.replace(plain, `"${name}"`);
+}
+writeFileSync(join(out, 'index.html'), page);
