@@ -13,7 +13,7 @@ while IFS= read -r page; do
       broken=$((broken + 1))
     fi
   done < <(grep -oE '\]\([^)]+\)' "$page" | sed -E 's/^\]\(//; s/\)$//' | grep -vE '^(https?:|#)')
-done < <(find . -name '*.md' -not -path './build/*' -not -path './.git/*')
+done < <(find . -name '*.md' -not -path './build/*' -not -path './.git/*' -not -path '*/node_modules/*')
 
 echo "$links links, $broken broken"
 ((links > 0 && broken == 0))
