@@ -253,7 +253,10 @@ class OverAPipe(unittest.TestCase):
             looked = pipe.call("look", **document, items=[case, {**case, "name": "Title"}, {"path": "/Case/Nothing"}])
             self.assertEqual([bool(one) for one in looked["records"]], [True, True, False])
             self.assertIn("Title", pipe.call("params", **document, **case)["list"])
+            self.assertIn({"name": "Analysis Type", "available": True},
+                          pipe.call("outline", **document, **analysis)["list"])
             self.assertIn("Domain", [one["type"] for one in pipe.call("childTypes", **document, **case)["list"]])
+            self.assertEqual(pipe.call("convert", **document, value="0.025 [m]", units="mm")["value"], "25 [mm]")
             children = pipe.call("children", **document, **case, findings=True, offered=True)
             self.assertEqual(children["list"][0]["path"], "/Case/Analysis")
             self.assertIn("errors", children["list"][0])

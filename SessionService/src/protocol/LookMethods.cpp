@@ -106,11 +106,41 @@ Json params(Host& host, Arguments const& arguments) {
   return listAnswer(host, arguments, *document, names, [](std::string const& name) { return name; });
 }
 
+/// What decides how a form is laid out: the parameters without their values.
+Json outline(Host& host, Arguments const& arguments) {
+  LockedDocument const document = lockDocument(host, arguments);
+  session::Session const& session = document->session();
+  std::string const path = arguments.text("path");
+  return listAnswer(host, arguments, *document, session.params(path), [&](std::string const& name) {
+    auto const record = session.lookParam(path, name);
+    Json json = {{"name", name}};
+    if (!record) return json;
+    if (!record->label.empty()) json["label"] = record->label;
+    if (!record->group.empty()) json["group"] = record->group;
+    if (record->advanced) json["advanced"] = true;
+    json["available"] = record->available();
+    if (record->waiting) json["waiting"] = true;
+    return json;
+  });
+}
+
 Json childTypes(Host& host, Arguments const& arguments) {
   LockedDocument const document = lockDocument(host, arguments);
   auto const types = document->session().childTypes(arguments.text("path"));
-  return listAnswer(host, arguments, *document, types,
-                    [](session::ChildTypeRecord const& type) { return childTypeRecordAsJson(type); });
+  bool const withFindings = arguments.flag("findings");
+  return listAnswer(host, arguments, *document, types, [&](session::ChildTypeRecord const& type) {
+    Json json = childTypeRecordAsJson(type);
+    if (!withFindings) return json;
+    Document::FindingCounts sum;
+    for (std::string const& child : type.present) {
+      auto const counts = document->findingsBelow(child);
+      sum.errors += counts.errors;
+      sum.warnings += counts.warnings;
+    }
+    json["errors"] = sum.errors;
+    json["warnings"] = sum.warnings;
+    return json;
+  });
 }
 
 Json children(Host& host, Arguments const& arguments) {
@@ -187,6 +217,14 @@ Json find(Host& host, Arguments const& arguments) {
   json["isComplete"] = found.size() <= limit;
   found.resize(std::min(found.size(), limit));
   json["list"] = jsonList(found, foundAsJson);
+  return json;
+}
+
+Json convert(Host& host, Arguments const& arguments) {
+  LockedDocument const document = lockDocument(host, arguments);
+  auto const value = document->session().convert(arguments.text("value"), arguments.text("units"));
+  Json json = at(*document);
+  json["value"] = value ? Json(*value) : Json();
   return json;
 }
 
@@ -283,12 +321,14 @@ constexpr Method methods[] = {
     {"lookObject", lookObject},
     {"look", look},
     {"params", params},
+    {"outline", outline},
     {"childTypes", childTypes},
     {"children", children},
     {"form", form},
     {"allowedValues", allowedValues},
     {"resolve", resolve},
     {"find", find},
+    {"convert", convert},
     {"own", own},
     {"waiting", waiting},
     {"differences", differences},

@@ -192,4 +192,14 @@ EnteredValue readEnteredValue(RuledState const& state, ParamRules const& rules, 
   return accepted(StringUtilities::vectorToString(items, ','), isConverted);
 }
 
+std::optional<std::string> convertedQuantity(PhysicsData const& rules, std::string_view quantity,
+                                             std::string_view units) {
+  auto const read = TDFParam::asQuantity(quantity);
+  UnitConverter const* const converter = rules.unitConverter();
+  if (!read || read->units.empty() || converter == nullptr) return std::nullopt;
+  auto const converted = converter->convert(read->number, read->units, units);
+  if (!converted || !std::isfinite(*converted)) return std::nullopt;
+  return inUnits(remedyNumber(*converted), units);
+}
+
 }  // namespace tarn::session

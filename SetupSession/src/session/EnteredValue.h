@@ -2,7 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include <tarn/PhysicsData.h>
 #include <tarn/SharedStrings.h>
 #include <tarn/session/Refused.h>
 
@@ -27,5 +29,9 @@ struct EnteredValue {
 /// only then its allowed values are judged. Throws what a rule throws.
 [[nodiscard]] EnteredValue readEnteredValue(RuledState const& state, ParamRules const& rules, std::string const& path,
                                             std::string const& text, bool isAvailable);
+
+/// See `Session::convert`.
+[[nodiscard]] std::optional<std::string> convertedQuantity(PhysicsData const& rules, std::string_view quantity,
+                                                           std::string_view units);
 
 }  // namespace tarn::session

@@ -12,6 +12,7 @@
 #include <tarn/TDFPath.h>
 
 #include "review/ReviewJudge.h"
+#include "session/EnteredValue.h"
 #include "session/SessionImpl.h"
 
 namespace tarn::session {
@@ -185,6 +186,10 @@ std::variant<Item, Refused> Session::resolve(std::string_view text) const {
 
 std::vector<Found> Session::find(std::string_view text, std::size_t most) const {
   return impl_->find(text, most);
+}
+
+std::optional<std::string> Session::convert(std::string_view quantity, std::string_view units) const {
+  return convertedQuantity(rules(), quantity, units);
 }
 
 std::vector<OwnValue> Session::own() const {

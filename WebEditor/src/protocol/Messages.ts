@@ -234,7 +234,7 @@ export type Object = {
   warnings?: number;
 };
 
-/** A type of children. Of long lists the first entries are there, and a count of all. */
+/** A type of children. Of long lists the first entries are there, and a count of all. "errors" and "warnings" count the findings at and below the present ones, where they were asked for. */
 export type ChildType = {
   type: string;
   required: boolean;
@@ -253,7 +253,19 @@ export type ChildType = {
   allowedNamesCount?: number;
   presentCount?: number;
   offeredCount?: number;
+  errors?: number;
+  warnings?: number;
   rule?: Place;
+};
+
+/** A parameter without its values. Without "available" nothing is known but the name. */
+export type Outlined = {
+  name: string;
+  label?: string;
+  group?: string;
+  advanced?: boolean;
+  available?: boolean;
+  waiting?: boolean;
 };
 
 export type Found = {
@@ -720,11 +732,26 @@ export type ResultParams = {
   list: string[];
 };
 
+export type ParamsOutline = {
+  document: string;
+  path: string;
+  offset?: number;
+  limit?: number;
+};
+
+export type ResultOutline = {
+  revision: number;
+  total: number;
+  offset: number;
+  list: Outlined[];
+};
+
 export type ParamsChildTypes = {
   document: string;
   path: string;
   offset?: number;
   limit?: number;
+  findings?: boolean;
 };
 
 export type ResultChildTypes = {
@@ -807,6 +834,17 @@ export type ResultFind = {
   revision: number;
   isComplete: boolean;
   list: Found[];
+};
+
+export type ParamsConvert = {
+  document: string;
+  value: string;
+  units: string;
+};
+
+export type ResultConvert = {
+  revision: number;
+  value: string | null;
 };
 
 export type ParamsOwn = {
@@ -958,12 +996,14 @@ export type Methods = {
   lookObject: { params: ParamsLookObject; result: ResultLookObject };
   look: { params: ParamsLook; result: ResultLook };
   params: { params: ParamsParams; result: ResultParams };
+  outline: { params: ParamsOutline; result: ResultOutline };
   childTypes: { params: ParamsChildTypes; result: ResultChildTypes };
   children: { params: ParamsChildren; result: ResultChildren };
   form: { params: ParamsForm; result: ResultForm };
   allowedValues: { params: ParamsAllowedValues; result: ResultAllowedValues };
   resolve: { params: ParamsResolve; result: ResultResolve };
   find: { params: ParamsFind; result: ResultFind };
+  convert: { params: ParamsConvert; result: ResultConvert };
   own: { params: ParamsOwn; result: ResultOwn };
   waiting: { params: ParamsWaiting; result: ResultWaiting };
   differences: { params: ParamsDifferences; result: ResultDifferences };

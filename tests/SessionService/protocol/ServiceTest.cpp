@@ -182,6 +182,36 @@ TEST_F(ServiceTest, TheFindingsOfAnObjectAreCountedWithThoseBelowItAndNoOthers) 
   EXPECT_EQ(root.at("list").at(0).at("errors"), 3);
 }
 
+TEST_F(ServiceTest, TheFindingsOfATypeAreThoseOfAllItsChildren) {
+  std::string const plant =
+      call("open", {{"text", "/Plant/Tank:a/Height = -1 [m]\n/Plant/Tank:b/Height = -1 [m]\n"}}).at("document");
+  Json const types = call("childTypes", {{"document", plant}, {"path", "/Plant"}, {"findings", true}});
+  EXPECT_EQ(types.at("list").at(0).at("errors"), 2);
+  EXPECT_EQ(types.at("list").at(0).at("warnings"), 0);
+}
+
+TEST_F(ServiceTest, AnOutlineHasTheParametersWithoutTheirValues) {
+  std::string const plant = openPlant();
+  edit(plant, 0, list({set("/Plant", "Level", "3 [m]")}));
+  Json const outline = call("outline", {{"document", plant}, {"path", "/Plant"}, {"offset", 1}});
+  EXPECT_EQ(outline.at("total"), 3);
+  EXPECT_EQ(outline.at("list"), Json::parse(R"([{"name":"Control","available":true},)"
+                                            R"({"name":"Level","available":false,"waiting":true}])"));
+}
+
+TEST_F(ServiceTest, ANumberIsConvertedToUnitsThatMeasureTheSame) {
+  std::string const plant = openPlant();
+  auto const converted = [&](std::string const& value, std::string const& units) {
+    return call("convert", {{"document", plant}, {"value", value}, {"units", units}}).at("value");
+  };
+  EXPECT_EQ(converted("2.5 [m]", "mm"), "2500 [mm]");
+  EXPECT_EQ(converted("1e3 [mm]", "m"), "1 [m]");
+  EXPECT_EQ(converted("1.5 [MPa]", "Pa"), "1500000 [Pa]");
+  EXPECT_EQ(converted("2.5 [m]", "kg"), nullptr);
+  EXPECT_EQ(converted("2.5", "mm"), nullptr);
+  EXPECT_EQ(converted("long [m]", "mm"), nullptr);
+}
+
 TEST_F(ServiceTest, ATrialShowsTheFindingsThatComeAndChangesNothing) {
   std::string const plant = openPlant();
   Json const tried =

@@ -253,6 +253,9 @@ class TARN_EXPORT Session {
   /// The present objects and the known parameters of present objects whose name or type contains `text`, the best
   /// matches first, then by path and in the order of the rules. At most `most` of them. Empty for an empty text.
   [[nodiscard]] std::vector<Found> find(std::string_view text, std::size_t most = 100) const;
+  /// A number in other units: "2.5 [m]" in "mm" is "2500 [mm]". Empty if `quantity` is not a number with units, or if
+  /// the units are unknown or measure something else.
+  [[nodiscard]] std::optional<std::string> convert(std::string_view quantity, std::string_view units) const;
   /// The values that the user has set, by path and name.
   [[nodiscard]] std::vector<OwnValue> own() const;
   /// Everything that was asked for and is not in force, by path and name.
