@@ -5,14 +5,27 @@ import { waitingText } from './Sentences';
 export type EffectLine = { item: Item; before?: string; after?: string; note?: string };
 
 export type EffectGroup = {
-  key: 'waiting' | 'gone' | 'deleted' | 'changed' | 'new' | 'created' | 'choices' | 'bounds' | 'defaults' | 'units' | 'offers' | 'noOffers';
+  key:
+    | 'waiting'
+    | 'gone'
+    | 'deleted'
+    | 'changed'
+    | 'new'
+    | 'created'
+    | 'choices'
+    | 'bounds'
+    | 'defaults'
+    | 'units'
+    | 'offers'
+    | 'noOffers';
   title: string;
   lines: EffectLine[];
   /** The number of all, which is more than the lines when the server has cut the list. */
   total: number;
 };
 
-const itemOf = ({ path, name }: { path: string; name?: string }): Item => (name === undefined ? { path } : { path, name });
+const itemOf = ({ path, name }: { path: string; name?: string }): Item =>
+  name === undefined ? { path } : { path, name };
 
 function allowedText(allowed: Allowed): string {
   const values = allowed.subsetValues ?? allowed.allowedValues;

@@ -45,12 +45,16 @@ export function judgeNumber(typed: string, isInteger: boolean, units: readonly s
   }
   if (!plainNumber.test(number)) return { problem: `“${shorten(number)}” is not a number.` };
   if (isInteger && !wholeNumber.test(number)) return { problem: `“${number}” is not a whole number.` };
-  if (hasOwnUnit && units.length === 0) return { problem: `This number has no units; type ${number}`, suggestion: number };
+  if (hasOwnUnit && units.length === 0)
+    return { problem: `This number has no units; type ${number}`, suggestion: number };
   if (hasOwnUnit && !units.includes(chosen)) {
     // Case matters: "mm" is not "Mm". Only the spelling of a listed unit is offered.
     const near = units.find((one) => one.toLowerCase() === chosen.toLowerCase());
     if (near !== undefined) {
-      return { problem: `“${chosen}” is not “${near}”. Upper and lower case matter.`, suggestion: `${number} [${near}]` };
+      return {
+        problem: `“${chosen}” is not “${near}”. Upper and lower case matter.`,
+        suggestion: `${number} [${near}]`,
+      };
     }
   }
   return { value: joinQuantity({ number, unit: chosen }), unit: chosen };

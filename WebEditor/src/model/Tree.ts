@@ -108,7 +108,8 @@ export function treeRows(nodes: ReadonlyMap<string, TreeNode>, root: string): Tr
             size: total,
           };
           next.push({ kind: 'rows', rows: [row] });
-          if (range.open) next.push({ kind: 'children', node, range, level: level + 2, firstPosition: 1, size: range.count });
+          if (range.open)
+            next.push({ kind: 'children', node, range, level: level + 2, firstPosition: 1, size: range.count });
           at += 1;
         } else {
           next.push({ kind: 'children', node, range, level: level + 1, firstPosition: at, size: total });
@@ -145,7 +146,12 @@ export function parentRow(rows: readonly TreeRow[], index: number): number {
 }
 
 /** The next row, around the end, whose text begins with what was typed. */
-export function typeAhead(rows: readonly TreeRow[], from: number, typed: string, text: (row: TreeRow) => string): number {
+export function typeAhead(
+  rows: readonly TreeRow[],
+  from: number,
+  typed: string,
+  text: (row: TreeRow) => string,
+): number {
   const wanted = typed.toLowerCase();
   for (let step = typed.length > 1 ? 0 : 1; step <= rows.length; step++) {
     const at = (from + step) % rows.length;

@@ -1,0 +1,555 @@
+// One parameter of a form.
+import type { ComponentChildren } from 'preact';
+import { useEffect, useId, useState } from 'preact/hooks';
+import { judgeNumber, shorten } from '../model/Quantity';
+import { boundsText, editText, originText, shownValue, waitingText } from '../model/Sentences';
+import type { Edit, Param } from '../protocol/Messages';
+import { type DocumentStore, type Draft, longForm, type Outcome, type Problem } from '../store/DocumentStore';
+import { ChoiceList, fitsRadios, Radios } from './Choice';
+import { Icon } from './Icon';
+import { Menu, type MenuItem } from './Menu';
+import { editOfDraft, fieldText, fieldUnit, hasUnitBox, isNumber, TextField } from './TextField';
+
+const yes = new Set(['yes', 'true', 'on']);
+const pairs = [
+  ['yes', 'no'],
+  ['true', 'false'],
+  ['on', 'off'],
+] as const;
+
+/** The two words for a truth value, in the spelling that the value has already. */
+export function truthWords(value: string | undefined): { value: string; label: string }[] {
+  const word = (value ?? '').toLowerCase();
+  const pair = pairs.find((both) => both.some((one) => one === word)) ?? pairs[0];
+  return pair.map((one) => ({ value: one === word ? (value ?? one) : one, label: yes.has(one) ? 'Yes' : 'No' }));
+}
+
+export function Field({
+  store,
+  path,
+  name,
+  isReadOnly,
+}: {
+  store: DocumentStore;
+  path: string;
+  name: string;
+  isReadOnly: boolean;
+}) {
+  useEffect(() => store.hold(path, name), [store, path, name]);
+  const param = store.record(path, name).value;
+  if (!param) return <div class="row row-empty" data-param={name} />;
+  if (param.waiting && !param.present) return <WaitingField store={store} param={param} />;
+  if (!param.available) return <AbsentField store={store} param={param} />;
+  if (!param.present) return <OfferedField store={store} param={param} isReadOnly={isReadOnly} />;
+  return <PresentField store={store} param={param} isReadOnly={isReadOnly} />;
+}
+
+function Row({
+  param,
+  labelId,
+  kind,
+  mark,
+  menu,
+  children,
+}: {
+  param: Param;
+  labelId: string;
+  kind: string;
+  mark?: ComponentChildren;
+  menu: ComponentChildren;
+  children: ComponentChildren;
+}) {
+  const label = param.label ?? param.name;
+  return (
+    // biome-ignore lint/a11y/useSemanticElements: a fieldset for each row would be read out as a group of groups
+    <div class={`row ${kind}`} data-param={param.name} role="group" aria-labelledby={labelId}>
+      <div class="row-label">
+        <span id={labelId} class="label" title={label === param.name ? undefined : param.name}>
+          {shorten(label, 120)}
+        </span>
+        {param.required && param.present && (
+          <span class="required" title="required">
+            <span aria-hidden="true">*</span>
+            <span class="hidden-text"> required</span>
+          </span>
+        )}
+        {mark}
+        {param.description && <p class="description">{param.description}</p>}
+      </div>
+      <div class="row-control">{children}</div>
+      <div class="row-menu">{menu}</div>
+    </div>
+  );
+}
+
+function Why({ store, param, isMain }: { store: DocumentStore; param: Param; isMain?: boolean }) {
+  const item = { path: param.path, name: param.name };
+  return (
+    <span class="answers">
+      <button
+        type="button"
+        class="quiet"
+        data-main={isMain ? '' : undefined}
+        onClick={() => void store.askWhy(item, 'presence')}
+      >
+        Why
+        <span class="hidden-text"> {param.name}</span>
+      </button>
+      <button type="button" class="quiet" onClick={() => void store.askHow(item)}>
+        How
+        <span class="hidden-text"> to get {param.name}</span>
+      </button>
+    </span>
+  );
+}
+
+function AbsentField({ store, param }: { store: DocumentStore; param: Param }) {
+  const id = useId();
+  return (
+    <Row param={param} labelId={id} kind="absent" menu={null}>
+      <p class="reason">{param.reason ?? 'Not available now.'}</p>
+      <Why store={store} param={param} isMain />
+    </Row>
+  );
+}
+
+function WaitingField({ store, param }: { store: DocumentStore; param: Param }) {
+  const id = useId();
+  const { waiting } = param;
+  if (!waiting) return null;
+  const drop: Edit = { kind: 'deactivate-param', path: param.path, name: param.name };
+  return (
+    <Row
+      param={param}
+      labelId={id}
+      kind="waiting"
+      mark={<Mark kind="waiting" />}
+      menu={
+        <Menu
+          label={`More about ${param.name}`}
+          items={() => [
+            {
+              label: 'Why',
+              hint: 'w',
+              run: () => void store.askWhy({ path: param.path, name: param.name }, 'presence'),
+            },
+            { label: 'How to get it', run: () => void store.askHow({ path: param.path, name: param.name }) },
+            { label: 'Switch off, so that it does not come back', run: () => void store.commit([drop]) },
+          ]}
+        />
+      }
+    >
+      <p class="waiting-value">{shownValue(waiting.value)}</p>
+      <p class="reason">{`Waits: ${waitingText(waiting)}`}</p>
+      <Why store={store} param={param} isMain />
+    </Row>
+  );
+}
+
+function OfferedField({ store, param, isReadOnly }: { store: DocumentStore; param: Param; isReadOnly: boolean }) {
+  const id = useId();
+  const [problem, setProblem] = useState('');
+  const on: Edit = { kind: 'activate-param', path: param.path, name: param.name };
+  const switchOn = async () => {
+    if (isReadOnly) return;
+    const outcome = await store.commit([on]);
+    if (outcome.kind === 'refused') setProblem(outcome.problem.sentence);
+    else if (outcome.kind === 'applied') store.target.value = { name: param.name };
+  };
+  return (
+    <Row
+      param={param}
+      labelId={id}
+      kind="offered"
+      menu={<Menu label={`More about ${param.name}`} items={() => commonItems(store, param, [on])} />}
+    >
+      <button type="button" class="offer" data-main aria-disabled={isReadOnly} onClick={() => void switchOn()}>
+        <Icon name="plus" />
+        <span>
+          Add
+          <span class="hidden-text"> {param.name}</span>
+        </span>
+        {param.defaultValue !== undefined && <span class="soft">{`default ${shownValue(param.defaultValue)}`}</span>}
+      </button>
+      {problem !== '' && <p class="problem">{problem}</p>}
+    </Row>
+  );
+}
+
+function Mark({ kind }: { kind: 'changed' | 'waiting' }) {
+  if (kind === 'waiting') {
+    return (
+      <span class="mark mark-waiting" title="waiting: kept, and not in force">
+        <Icon name="clock" />
+        <span class="hidden-text">waiting</span>
+      </span>
+    );
+  }
+  return (
+    <span class="mark mark-changed" title="different from the file">
+      <span class="hidden-text">different from the file</span>
+    </span>
+  );
+}
+
+function commonItems(store: DocumentStore, param: Param, trial: Edit[]): MenuItem[] {
+  const item = { path: param.path, name: param.name };
+  const items: MenuItem[] = [
+    {
+      label: param.present ? 'Why has it this value?' : 'Why is it like this?',
+      hint: 'w',
+      run: () => void store.askWhy(item, param.present ? 'value' : 'presence'),
+    },
+  ];
+  if (param.present)
+    items.push({ label: 'Why did the last edit change it?', run: () => void store.askWhy(item, 'last-edit') });
+  items.push({ label: 'Try it: what would change?', hint: 't', run: () => void showTrial(store, trial) });
+  return items;
+}
+
+/** Shows what edits would do, and lets the user decide. */
+export async function showTrial(store: DocumentStore, edits: Edit[]): Promise<void> {
+  store.preview.value = { edits, result: null, decide: null };
+  const result = await store.tryEdits(edits, true);
+  if (store.preview.value?.edits !== edits) return;
+  store.preview.value = {
+    edits,
+    result,
+    decide: (isWanted) => {
+      store.preview.value = null;
+      if (isWanted) void store.commit(edits);
+    },
+  };
+}
+
+/** Commits the draft of a field, if there is one. */
+export async function commitDraft(store: DocumentStore, param: Param): Promise<void> {
+  const item = { path: param.path, name: param.name };
+  const draft = store.draft(item).peek();
+  if (draft === null) return;
+  if (draft.text === fieldText(param) && (draft.unit === undefined || draft.unit === fieldUnit(param, null))) {
+    store.setDraft(item, null);
+    return;
+  }
+  const wanted = editOfDraft(param, draft);
+  if ('problem' in wanted) {
+    const { problem: sentence, suggestion } = wanted;
+    store.setDraft(item, { ...draft, problem: { sentence, ...(suggestion === undefined ? {} : { suggestion }) } });
+    return;
+  }
+  settle(store, param, draft, await store.commit([wanted.edit], { askFirst: true }));
+}
+
+function settle(store: DocumentStore, param: Param, draft: Draft, outcome: Outcome): void {
+  const item = { path: param.path, name: param.name };
+  const now = store.draft(item).peek();
+  // Somebody has typed on while the answer was on its way. That is a new draft.
+  if (now !== null && now.text !== draft.text) {
+    store.setDraft(item, { ...now, base: store.record(param.path, param.name).peek()?.value ?? '' });
+    return;
+  }
+  if (outcome.kind === 'applied' || outcome.kind === 'declined') store.setDraft(item, null);
+  else store.setDraft(item, { ...draft, problem: problemOf(outcome) });
+}
+
+function problemOf(outcome: Outcome): Problem {
+  if (outcome.kind === 'refused') return outcome.problem;
+  if (outcome.kind === 'conflict')
+    return { sentence: 'Someone else has changed this meanwhile. Your text is kept; press Enter to set it anyway.' };
+  return { sentence: 'The server did not say whether this was done. Your text is kept.' };
+}
+
+function PresentField({ store, param, isReadOnly }: { store: DocumentStore; param: Param; isReadOnly: boolean }) {
+  const id = useId();
+  const hintId = `${id}-hint`;
+  const problemId = `${id}-problem`;
+  const item = { path: param.path, name: param.name };
+  const draft = store.draft(item).value;
+  const [problem, setProblem] = useState<Problem | null>(null);
+  const [kept, setKept] = useState<string | null>(null);
+  const isFixed = param.origin === 'override' || isReadOnly;
+  const shownProblem = draft?.problem ?? problem;
+  const findings = (store.review.value?.list ?? []).filter((one) => one.path === param.path && one.name === param.name);
+  const isInvalid = shownProblem !== null || findings.some((one) => one.severity === 'error');
+  const describedBy = `${hintId} ${problemId}`;
+
+  const set = async (value: string) => {
+    setProblem(null);
+    setKept(null);
+    const outcome = await store.commit([{ kind: 'set-param', ...item, value }], { askFirst: true });
+    if (outcome.kind !== 'applied' && outcome.kind !== 'declined') setProblem(problemOf(outcome));
+  };
+  const change = async (edit: Edit) => {
+    setProblem(null);
+    store.setDraft(item, null);
+    const outcome = await store.commit([edit], { askFirst: true });
+    if (outcome.kind === 'refused') setProblem(outcome.problem);
+  };
+  const chooseUnit = async (unit: string) => {
+    const now = fieldUnit(param, draft);
+    if (draft !== null || fieldText(param) === '') {
+      store.setDraft(item, { text: draft?.text ?? '', base: draft?.base ?? param.value ?? '', unit });
+      return;
+    }
+    const number = fieldText(param);
+    const { value } = await store.connection.call('convert', {
+      document: store.document,
+      value: `${number} [${now}]`,
+      units: unit,
+    });
+    await set(value ?? `${number} [${unit}]`);
+    if (value !== null) setKept(`${number} [${unit}]`);
+  };
+
+  const reset =
+    param.valueInModel !== undefined && param.valueInModel !== param.value
+      ? { value: param.valueInModel, text: `Reset to ${shownValue(param.valueInModel)}` }
+      : param.valueInModel === undefined && param.defaultValue !== undefined && param.defaultValue !== param.value
+        ? { value: param.defaultValue, text: `Reset to ${shownValue(param.defaultValue)}` }
+        : null;
+  const trial = (): Edit[] => {
+    const wanted = draft === null ? null : editOfDraft(param, draft);
+    if (wanted && 'edit' in wanted) return [wanted.edit];
+    if (reset) return [{ kind: 'set-param', ...item, value: reset.value }];
+    return [{ kind: 'set-param', ...item, value: param.value ?? '' }];
+  };
+  const items = (): MenuItem[] => {
+    const list = commonItems(store, param, trial());
+    if (reset && !isFixed)
+      list.push({ label: reset.text, run: () => void change({ kind: 'set-param', ...item, value: reset.value }) });
+    if (
+      param.defaultValue !== undefined &&
+      param.defaultValue !== param.value &&
+      param.defaultValue !== reset?.value &&
+      !isFixed
+    ) {
+      const value = param.defaultValue;
+      list.push({
+        label: `Set the default, ${shownValue(value)}`,
+        run: () => void change({ kind: 'set-param', ...item, value }),
+      });
+    }
+    if (!param.required && !isReadOnly)
+      list.push({ label: 'Remove', run: () => void change({ kind: 'deactivate-param', ...item }) });
+    return list;
+  };
+
+  const bounds = boundsText(param);
+  const isElsewhere = draft !== null && draft.base !== (param.value ?? '');
+  return (
+    <Row
+      param={param}
+      labelId={id}
+      kind={`present${param.origin === 'user' ? ' set' : ''}`}
+      mark={(param.valueInModel ?? param.defaultValue) !== param.value && <Mark kind="changed" />}
+      menu={<Menu label={`More about ${param.name}`} items={items} />}
+    >
+      <Control
+        store={store}
+        param={param}
+        draft={draft}
+        labelId={id}
+        describedBy={describedBy}
+        isReadOnly={isFixed}
+        isInvalid={isInvalid}
+        onSet={(value) => void set(value)}
+        onCommit={() => {
+          setKept(null);
+          void commitDraft(store, param);
+        }}
+        onUnit={(unit) => void chooseUnit(unit)}
+      />
+      <div id={problemId} aria-live="polite">
+        {shownProblem && (
+          <ProblemText
+            store={store}
+            problem={shownProblem}
+            isReadOnly={isReadOnly}
+            onUse={(edit) => void change(edit)}
+            onSuggestion={(value) => {
+              const judged = judgeNumber(value, param.type === 'Integer', param.units ?? [], fieldUnit(param, draft));
+              if ('value' in judged) void change({ kind: 'set-param', ...item, value: judged.value });
+            }}
+          />
+        )}
+        {!shownProblem &&
+          findings.map((one) => (
+            <p key={one.message} class={one.severity === 'error' ? 'problem' : 'reason'}>
+              {one.message}
+            </p>
+          ))}
+      </div>
+      {isElsewhere && (
+        <p class="elsewhere">
+          {`Now ${shownValue(param.value)}, by another edit.`}
+          <button type="button" class="quiet" onClick={() => store.setDraft(item, null)}>
+            Take it
+          </button>
+          <button
+            type="button"
+            class="quiet"
+            onClick={() => store.setDraft(item, { ...draft, base: param.value ?? '' })}
+          >
+            Keep mine
+          </button>
+        </p>
+      )}
+      <p class="hint" id={hintId}>
+        {isFixed && param.origin === 'override' && <Icon name="lock" />}
+        <span>{[originText(param), bounds].filter((text) => text !== '').join(' · ')}</span>
+        {param.waiting && (
+          <span class="wait-text">{`${shownValue(param.waiting.value)} waits: ${waitingText(param.waiting)}`}</span>
+        )}
+        {kept !== null && draft === null && (
+          <button type="button" class="link" onClick={() => void set(kept)}>
+            {`Converted. Keep ${kept} instead`}
+          </button>
+        )}
+        {reset && param.origin === 'user' && !isFixed && kept === null && (
+          <button
+            type="button"
+            class="link"
+            tabIndex={-1}
+            onClick={() => void change({ kind: 'set-param', ...item, value: reset.value })}
+          >
+            {reset.text}
+          </button>
+        )}
+      </p>
+    </Row>
+  );
+}
+
+function ProblemText({
+  store,
+  problem,
+  isReadOnly,
+  onUse,
+  onSuggestion,
+}: {
+  store: DocumentStore;
+  problem: Problem;
+  isReadOnly: boolean;
+  onUse: (edit: Edit) => void;
+  onSuggestion: (value: string) => void;
+}) {
+  const { sentence, nearest, suggestion, possible } = problem;
+  return (
+    <div class="problem">
+      <p>{sentence}</p>
+      {nearest && !isReadOnly && (
+        <button type="button" class="small" onClick={() => onUse(nearest)}>
+          {editText(nearest, store.root)}
+        </button>
+      )}
+      {suggestion !== undefined && !isReadOnly && (
+        <button type="button" class="small" onClick={() => onSuggestion(suggestion)}>
+          {`Use ${suggestion}`}
+        </button>
+      )}
+      {!nearest && possible && possible.length > 0 && (
+        <p class="soft">{`Possible now: ${possible.slice(0, 12).join(', ')}${possible.length > 12 ? ' …' : ''}`}</p>
+      )}
+    </div>
+  );
+}
+
+function Control({
+  store,
+  param,
+  draft,
+  labelId,
+  describedBy,
+  isReadOnly,
+  isInvalid,
+  onSet,
+  onCommit,
+  onUnit,
+}: {
+  store: DocumentStore;
+  param: Param;
+  draft: Draft | null;
+  labelId: string;
+  describedBy: string;
+  isReadOnly: boolean;
+  isInvalid: boolean;
+  onSet: (value: string) => void;
+  onCommit: () => void;
+  onUnit: (unit: string) => void;
+}) {
+  const choice = { store, param, labelledBy: labelId, describedBy, isReadOnly };
+  const { allowed } = param;
+  const isList = param.type.endsWith(' List');
+  if (param.type === 'Logical' && !allowed) {
+    return <Radios {...choice} values={truthWords(param.value)} onChoose={onSet} />;
+  }
+  if (allowed && !allowed.allowsAnyValue) {
+    const values = allowed.subsetValues ?? allowed.allowedValues ?? [];
+    const total = (allowed.subsetValues ? allowed.subsetCount : allowed.allowedCount) ?? values.length;
+    if (isList) {
+      const chosen = listItems(param.value);
+      // The order of the rules, and what is not in the rules at the end.
+      const toggle = (value: string) => {
+        const next = chosen.includes(value) ? chosen.filter((one) => one !== value) : [...chosen, value];
+        const place = (one: string) => (values.includes(one) ? values.indexOf(one) : values.length);
+        onSet(next.sort((a, b) => place(a) - place(b)).join(', '));
+      };
+      return (
+        <ChoiceList {...choice} values={values} total={total} chosen={chosen} isInvalid={isInvalid} onChoose={toggle} />
+      );
+    }
+    const isKnown = param.value === '' || values.includes(param.value ?? '');
+    if (total === values.length && fitsRadios(values) && isKnown) {
+      return <Radios {...choice} values={values.map((value) => ({ value, label: value }))} onChoose={onSet} />;
+    }
+    return (
+      <ChoiceList {...choice} values={values} total={total} chosen={null} isInvalid={isInvalid} onChoose={onSet} />
+    );
+  }
+  const unit = fieldUnit(param, draft);
+  const units = isNumber(param) && hasUnitBox(param) ? (param.units ?? []) : [];
+  return (
+    <div class="control-line">
+      <TextField
+        store={store}
+        param={param}
+        draft={draft}
+        labelId={labelId}
+        describedBy={describedBy}
+        isReadOnly={isReadOnly}
+        isInvalid={isInvalid}
+        onCommit={onCommit}
+      />
+      {units.length === 1 && <span class="unit">{unit}</span>}
+      {units.length > 1 && (
+        <select
+          class="unit"
+          aria-label={`Units of ${param.name}`}
+          value={unit}
+          disabled={isReadOnly}
+          onChange={(event) => onUnit(event.currentTarget.value)}
+        >
+          {units.map((one) => (
+            <option key={one} value={one}>
+              {one}
+            </option>
+          ))}
+        </select>
+      )}
+      {isList && <span class="unit soft">list, with commas</span>}
+    </div>
+  );
+}
+
+/** The items of a list value. */
+export function listItems(value: string | undefined): string[] {
+  return (value ?? '')
+    .split(',')
+    .map((one) => one.trim())
+    .filter((one) => one !== '');
+}
+
+/** The height of a row before it was measured. */
+export function rowEstimate(total: number): number {
+  return total > longForm ? 76 : 80;
+}

@@ -1,0 +1,199 @@
+// The tree of objects: one stop of the Tab key. Arrows move, Enter shows an object. Only the rows on the screen are
+// rendered.
+import { useEffect, useRef } from 'preact/hooks';
+import { count } from '../model/Sentences';
+import { parentRow, rowText, type TreeRow, typeAhead } from '../model/Tree';
+import type { DocumentStore } from '../store/DocumentStore';
+import { Icon } from './Icon';
+import { useWindow } from './useWindow';
+
+const rowHeight = 30;
+const typingPause = 700;
+
+export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () => void }) {
+  const scroll = useRef<HTMLDivElement>(null);
+  const typed = useRef({ text: '', at: 0 });
+  const rows = store.tree.rows.value;
+  const nodes = store.tree.nodes;
+  const activeKey = store.tree.active.value;
+  const found = rows.findIndex((row) => row.key === activeKey);
+  const active = Math.max(found, 0);
+  const window = useWindow({
+    count: rows.length,
+    scroll,
+    rowSize: () => rowHeight,
+    rowKey: (index) => rows[index]?.key ?? String(index),
+    keep: active,
+    always: true,
+  });
+  const [first, last] = window.range;
+
+  useEffect(() => store.tree.show(first, last), [store, first, last, rows]);
+  // An object that is selected elsewhere is brought into view.
+  const selected = store.selected.value;
+  useEffect(() => {
+    const index = store.tree.rows.peek().findIndex((row) => row.key === selected);
+    if (index >= 0) window.scrollTo(index);
+  }, [selected, rows.length > 0]);
+
+  const moveTo = (index: number) => {
+    const row = rows[Math.max(0, Math.min(rows.length - 1, index))];
+    if (!row) return;
+    store.tree.active.value = row.key;
+    window.scrollTo(rows.indexOf(row));
+    requestAnimationFrame(() => {
+      scroll.current?.querySelector<HTMLElement>('[tabindex="0"]')?.focus({ preventScroll: true });
+    });
+  };
+  const choose = (row: TreeRow) => {
+    store.tree.active.value = row.key;
+    if (row.kind === 'type') void store.tree.toggle(row, !row.open);
+    if (row.kind !== 'object') return;
+    void store.select(row.path);
+    onShow();
+  };
+  const onKey = (event: KeyboardEvent) => {
+    const row = rows[active];
+    if (!row || event.ctrlKey || event.altKey || event.metaKey) return;
+    const page = Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1);
+    const canOpen = row.kind === 'type' || (row.kind === 'object' && row.expandable);
+    const isOpen = canOpen && row.open;
+    switch (event.key) {
+      case 'ArrowDown':
+        moveTo(active + 1);
+        break;
+      case 'ArrowUp':
+        moveTo(active - 1);
+        break;
+      case 'PageDown':
+        moveTo(active + page);
+        break;
+      case 'PageUp':
+        moveTo(active - page);
+        break;
+      case 'Home':
+        moveTo(0);
+        break;
+      case 'End':
+        moveTo(rows.length - 1);
+        break;
+      case 'ArrowRight':
+        if (isOpen) moveTo(active + 1);
+        else if (canOpen) void store.tree.toggle(row, true);
+        break;
+      case 'ArrowLeft':
+        if (isOpen) void store.tree.toggle(row, false);
+        else moveTo(parentRow(rows, active));
+        break;
+      case 'Enter':
+      case ' ':
+        choose(row);
+        break;
+      default: {
+        // Keys such as "/" and "?" belong to the page.
+        if (event.key.length !== 1 || !/[\p{L}\p{N}]/u.test(event.key)) return;
+        const now = performance.now();
+        const text = now - typed.current.at > typingPause ? event.key : typed.current.text + event.key;
+        typed.current = { text, at: now };
+        moveTo(typeAhead(rows, active, text, (one) => rowText(one, nodes)));
+      }
+    }
+    event.preventDefault();
+    event.stopPropagation();
+  };
+
+  return (
+    <div ref={scroll} class="scroll tree-scroll">
+      <div class="tree" role="tree" aria-label="Objects" style={{ height: `${window.size}px` }} onKeyDown={onKey}>
+        {window.rows.map(({ index, start }) => {
+          const row = rows[index];
+          return (
+            row && (
+              <TreeItem
+                key={row.key}
+                store={store}
+                row={row}
+                start={start}
+                isActive={index === active}
+                isSelected={row.kind === 'object' && row.path === selected}
+                onChoose={() => choose(row)}
+              />
+            )
+          );
+        })}
+      </div>
+    </div>
+  );
+}
+
+function TreeItem({
+  store,
+  row,
+  start,
+  isActive,
+  isSelected,
+  onChoose,
+}: {
+  store: DocumentStore;
+  row: TreeRow;
+  start: number;
+  isActive: boolean;
+  isSelected: boolean;
+  onChoose: () => void;
+}) {
+  const record = row.kind === 'object' ? store.tree.nodes.get(row.path)?.record : null;
+  const errors = row.kind === 'type' ? row.range.errors : (record?.errors ?? 0);
+  const warnings = row.kind === 'type' ? row.range.warnings : (record?.warnings ?? 0);
+  const isSet = row.kind === 'object' && store.ownPaths.value.has(row.path);
+  const canOpen = row.kind === 'type' || (row.kind === 'object' && row.expandable);
+  const isOpen = canOpen && row.open;
+  const text = rowText(row, store.tree.nodes);
+  const type = record && !record.singleton && record.name !== '' ? (record.label ?? record.type) : '';
+  return (
+    // biome-ignore lint/a11y/useKeyWithClickEvents: the tree handles the keys of all its rows
+    <div
+      role="treeitem"
+      class={`tree-row${isSelected ? ' selected' : ''}${isSet ? ' set' : ''}`}
+      aria-level={row.level}
+      aria-posinset={row.position}
+      aria-setsize={row.size}
+      aria-selected={isSelected}
+      aria-expanded={canOpen ? isOpen : undefined}
+      tabIndex={isActive ? 0 : -1}
+      style={{ transform: `translateY(${start}px)`, paddingLeft: `${8 + (row.level - 1) * 14}px` }}
+      onClick={onChoose}
+      onFocus={() => {
+        store.tree.active.value = row.key;
+      }}
+    >
+      {/* biome-ignore lint/a11y/useKeyWithClickEvents: the arrow keys do this */}
+      {/* biome-ignore lint/a11y/noStaticElementInteractions: the row has the role */}
+      <span
+        class={`twist${isOpen ? ' open' : ''}`}
+        onClick={(event) => {
+          if (!canOpen) return;
+          event.stopPropagation();
+          void store.tree.toggle(row, !isOpen);
+        }}
+      >
+        {canOpen && <Icon name="chevron" />}
+      </span>
+      <span class="tree-name">{row.kind === 'missing' ? '…' : text}</span>
+      {type !== '' && <span class="tree-type">{type}</span>}
+      {row.kind === 'type' && <span class="tree-type">{row.range.count.toLocaleString('en-US')}</span>}
+      {isSet && <span class="hidden-text">has values set by you</span>}
+      {errors > 0 && (
+        <span class="badge bad" title={count(errors, 'error')}>
+          {errors > 999 ? '999+' : errors}
+          <span class="hidden-text"> {errors === 1 ? 'error' : 'errors'}</span>
+        </span>
+      )}
+      {errors === 0 && warnings > 0 && (
+        <span class="badge wait" title={count(warnings, 'warning')}>
+          {warnings > 999 ? '999+' : warnings}
+          <span class="hidden-text"> {warnings === 1 ? 'warning' : 'warnings'}</span>
+        </span>
+      )}
+    </div>
+  );
+}
