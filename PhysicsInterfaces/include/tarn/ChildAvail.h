@@ -1,11 +1,13 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
+#include <tarn/ItemHistory.h>
 #include <tarn/RuleExpressions.h>
 #include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
@@ -45,7 +47,11 @@ class TARN_EXPORT ChildAvail {
   std::string group;
   std::string label;
   bool advanced = false;
+  ItemHistory history;
   std::string betaMessage;
+  /// The names of children that were renamed in the rules: former name to present name. As with `ItemHistory`, only
+  /// reviews and tools read it.
+  std::map<std::string, std::string> renamedNames;
   /// Where the entry is written: the child type.
   RulePlace rulePlace;
 

@@ -10,6 +10,7 @@
 
 #include <tarn/ChildAvail.h>
 #include <tarn/Export.h>
+#include <tarn/ItemHistory.h>
 #include <tarn/NameSlots.h>
 #include <tarn/ObjectCheck.h>
 #include <tarn/ParamAvail.h>
@@ -37,7 +38,7 @@ class TARN_EXPORT CACursor {
 
 /// The rules of one object type: its parameters and its child types, in the order in which a walk visits them.
 /// `PhysicsData::addObject` makes it. Pointers to entries are valid as long as the `PhysicsData`. The name of an entry,
-/// and whether it is required, must not change after it was added.
+/// its former names, and whether it is required, must not change after it was added.
 class TARN_EXPORT ObjDependDef {
  public:
   ObjDependDef(PhysicsData const* data, std::string typePath);
@@ -47,6 +48,8 @@ class TARN_EXPORT ObjDependDef {
 
   /// For people: what the object is.
   std::string description;
+  /// Only for object types at the root of a model; the history of others is in the child entry of the parent.
+  ItemHistory history;
   /// Where the object's first entry in the rules is written: its type path.
   RulePlace rulePlace;
 
@@ -94,6 +97,10 @@ class TARN_EXPORT ObjDependDef {
   /// The entry of that name or type, or null. One hash look-up.
   [[nodiscard]] ParamAvail const* findParam(std::string_view name) const;
   [[nodiscard]] ChildAvail const* findChild(std::string_view type) const;
+  /// The entry that has this name among its `ItemHistory::formerNames`, or null; the first one when several have it. An
+  /// entry whose present name it is does not matter. One hash look-up.
+  [[nodiscard]] ParamAvail const* findRenamedParam(std::string_view formerName) const;
+  [[nodiscard]] ChildAvail const* findRenamedChild(std::string_view formerType) const;
   /// The value rule of the parameter, or null.
   [[nodiscard]] ParamValueDef const* findValueDef(std::string_view name) const;
 
@@ -109,6 +116,9 @@ class TARN_EXPORT ObjDependDef {
   NameSlots slotsOfParams_;
   // The keys are the names of the entries themselves.
   std::unordered_map<std::string_view, std::size_t> byType_;
+  // By former name; the keys are those of the entries.
+  std::unordered_map<std::string_view, ParamAvail const*> renamedParams_;
+  std::unordered_map<std::string_view, ChildAvail const*> renamedChildren_;
   std::unordered_set<std::string_view> checkNames_;
 };
 

@@ -6,6 +6,7 @@
 
 #include <tarn/EvalContext.h>
 #include <tarn/Export.h>
+#include <tarn/ItemHistory.h>
 #include <tarn/RuleExpressions.h>
 #include <tarn/RulePlace.h>
 #include <tarn/TDFContext.h>
@@ -40,6 +41,8 @@ class TARN_EXPORT ParamAvail {
   std::string group;
   std::string label;
   bool advanced = false;
+  /// Whether models should still use the parameter, and its former names.
+  ItemHistory history;
   /// Collected when an evaluation finds the parameter available. Empty: none.
   std::string betaMessage;
   /// Where the entry is written: the parameter's name.

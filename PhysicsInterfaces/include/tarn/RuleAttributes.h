@@ -36,5 +36,8 @@ inline constexpr std::string_view completeListRequired = "Complete List Required
 inline constexpr std::string_view group = "Group";
 inline constexpr std::string_view label = "Label";
 inline constexpr std::string_view advanced = "Advanced";
+inline constexpr std::string_view deprecated = "Deprecated";
+inline constexpr std::string_view renamedFrom = "Renamed From";
+inline constexpr std::string_view renameMessage = "Rename Message";
 
 }  // namespace tarn::RuleAttributes

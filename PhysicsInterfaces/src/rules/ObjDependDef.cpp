@@ -10,6 +10,29 @@ bool isListed(std::vector<std::string> const& contexts, std::string const& conte
   return std::find(contexts.begin(), contexts.end(), contextRuleValue) != contexts.end();
 }
 
+template <class Entry>
+using ByFormerName = std::unordered_map<std::string_view, Entry const*>;
+
+// The keys are the names in `entry`. When this throws, call `forget` before `entry` is destroyed.
+template <class Entry>
+void remember(Entry const& entry, ByFormerName<Entry>& map) {
+  for (std::string const& name : entry.history.formerNames) map.try_emplace(name, &entry);
+}
+
+template <class Entry>
+void forget(Entry const& entry, ByFormerName<Entry>& map) noexcept {
+  for (std::string const& name : entry.history.formerNames) {
+    auto const found = map.find(name);
+    if (found != map.end() && found->second == &entry) map.erase(found);
+  }
+}
+
+template <class Entry>
+Entry const* findIn(ByFormerName<Entry> const& map, std::string_view name) {
+  auto const found = map.find(name);
+  return found == map.end() ? nullptr : found->second;
+}
+
 }  // namespace
 
 ObjDependDef::ObjDependDef(PhysicsData const* data, std::string typePath)
@@ -45,8 +68,10 @@ bool ObjDependDef::addParam(ParamAvail entry) {
   params_.push_back(std::move(owned));
   ParamAvail const& added = *params_.back();
   try {
+    remember(added, renamedParams_);
     if (added.required) requiredParams_.push_back(place);
   } catch (...) {
+    forget(added, renamedParams_);
     params_.pop_back();
     throw;
   }
@@ -60,8 +85,10 @@ bool ObjDependDef::addChild(ChildAvail entry) {
   owned->data_ = data_;
   children_.push_back(std::move(owned));
   try {
+    remember(*children_.back(), renamedChildren_);
     byType_.emplace(children_.back()->type, children_.size() - 1);
   } catch (...) {
+    forget(*children_.back(), renamedChildren_);
     children_.pop_back();
     throw;
   }
@@ -133,6 +160,14 @@ ParamAvail const* ObjDependDef::findParam(std::string_view name) const {
 ChildAvail const* ObjDependDef::findChild(std::string_view type) const {
   auto const found = byType_.find(type);
   return found == byType_.end() ? nullptr : children_[found->second].get();
+}
+
+ParamAvail const* ObjDependDef::findRenamedParam(std::string_view formerName) const {
+  return findIn(renamedParams_, formerName);
+}
+
+ChildAvail const* ObjDependDef::findRenamedChild(std::string_view formerType) const {
+  return findIn(renamedChildren_, formerType);
 }
 
 ParamValueDef const* ObjDependDef::findValueDef(std::string_view name) const {

@@ -5,7 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include <tarn/RuleAttributes.h>
 #include <tarn/StringUtilities.h>
 
 #include "diagnostics/NearMatch.h"
@@ -18,9 +17,12 @@ namespace {
 
 using StringUtilities::isSpace;
 
-enum class ObjectKey { Description, Use, Parameters, Children, Checks, Accepted };
+enum class ObjectKey { Description, History, Use, Parameters, Children, Checks, Accepted };
 constexpr auto objectKeys = std::to_array<Key<ObjectKey>>({
     {"Description", ObjectKey::Description},
+    {attributes::deprecated, ObjectKey::History},
+    {attributes::renamedFrom, ObjectKey::History},
+    {attributes::renameMessage, ObjectKey::History},
     {"Use", ObjectKey::Use},
     {"Parameters", ObjectKey::Parameters},
     {"Children", ObjectKey::Children},
@@ -39,6 +41,9 @@ enum class ParamKey {
   Group,
   Label,
   Advanced,
+  Deprecated,
+  RenamedFrom,
+  RenameMessage,
   BetaMessage,
   BetaValues,
   Type,
@@ -64,7 +69,6 @@ enum class ParamKey {
   QuantityType,
   Accepted
 };
-namespace attributes = RuleAttributes;
 constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
     {"Available", ParamKey::Available},
     {"Required", ParamKey::Required},
@@ -76,6 +80,9 @@ constexpr auto paramKeys = std::to_array<Key<ParamKey>>({
     {attributes::group, ParamKey::Group},
     {attributes::label, ParamKey::Label},
     {attributes::advanced, ParamKey::Advanced},
+    {attributes::deprecated, ParamKey::Deprecated},
+    {attributes::renamedFrom, ParamKey::RenamedFrom},
+    {attributes::renameMessage, ParamKey::RenameMessage},
     {"Beta Message", ParamKey::BetaMessage},
     {"Beta Values", ParamKey::BetaValues},
     {attributes::parameterType, ParamKey::Type},
@@ -112,6 +119,9 @@ enum class ChildKey {
   Group,
   Label,
   Advanced,
+  Deprecated,
+  RenamedFrom,
+  RenameMessage,
   BetaMessage,
   Singleton,
   Coupled,
@@ -119,6 +129,7 @@ enum class ChildKey {
   DefaultNames,
   MinimumCount,
   MaximumCount,
+  RenamedNames,
   Accepted
 };
 constexpr auto childKeys = std::to_array<Key<ChildKey>>({
@@ -131,6 +142,9 @@ constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {attributes::group, ChildKey::Group},
     {attributes::label, ChildKey::Label},
     {attributes::advanced, ChildKey::Advanced},
+    {attributes::deprecated, ChildKey::Deprecated},
+    {attributes::renamedFrom, ChildKey::RenamedFrom},
+    {attributes::renameMessage, ChildKey::RenameMessage},
     {"Beta Message", ChildKey::BetaMessage},
     {"Singleton", ChildKey::Singleton},
     {"Coupled", ChildKey::Coupled},
@@ -138,6 +152,7 @@ constexpr auto childKeys = std::to_array<Key<ChildKey>>({
     {"Default Names", ChildKey::DefaultNames},
     {"Minimum Count", ChildKey::MinimumCount},
     {"Maximum Count", ChildKey::MaximumCount},
+    {"Renamed Names", ChildKey::RenamedNames},
     {"Accepted", ChildKey::Accepted},
 });
 
@@ -209,13 +224,16 @@ void RuleBuilder::readEntries(ObjDependDef& object, Item const& name, Item const
   auto const section = [&](EntryKind kind, Item const& value) {
     if (!only || *only == kind) readSection(object, kind, value);
   };
-  forEachKnown(body, what, objectKeys, [&](ObjectKey key, Item const&, Item const& value) {
+  forEachKnown(body, what, objectKeys, [&](ObjectKey key, Item const& keyItem, Item const& value) {
     switch (key) {
       case ObjectKey::Description:
         // That of a template describes the template.
         if (auto const text = scalar(value, "Description"); text && object.description.empty() && !taking_) {
           object.description = *text;
         }
+        break;
+      case ObjectKey::History:
+        readHistoryOfObject(object, keyItem, value);
         break;
       case ObjectKey::Use:
         use(object, value, only);
@@ -393,6 +411,15 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
         break;
       case ParamKey::Advanced:
         yesNo(value, entry.advanced);
+        break;
+      case ParamKey::Deprecated:
+        readDeprecated(value, entry.history.deprecated);
+        break;
+      case ParamKey::RenamedFrom:
+        readFormerNames(value, entry.history.formerNames);
+        break;
+      case ParamKey::RenameMessage:
+        text(value, attribute, entry.history.renameMessage);
         break;
       case ParamKey::BetaMessage:
         text(value, attribute, entry.betaMessage);
@@ -572,6 +599,15 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
       case ChildKey::Advanced:
         yesNo(value, entry.advanced);
         break;
+      case ChildKey::Deprecated:
+        readDeprecated(value, entry.history.deprecated);
+        break;
+      case ChildKey::RenamedFrom:
+        readFormerNames(value, entry.history.formerNames);
+        break;
+      case ChildKey::RenameMessage:
+        text(value, attribute, entry.history.renameMessage);
+        break;
       case ChildKey::BetaMessage:
         text(value, attribute, entry.betaMessage);
         break;
@@ -592,6 +628,9 @@ void RuleBuilder::readChild(ObjDependDef& object, Item const& name, Item const& 
         break;
       case ChildKey::MaximumCount:
         entry.maximumCount = count(value, attribute);
+        break;
+      case ChildKey::RenamedNames:
+        readRenamedNames(value, entry.renamedNames);
         break;
       case ChildKey::Accepted:
         readAccepted(name, body, value);

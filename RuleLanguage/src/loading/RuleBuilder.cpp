@@ -100,8 +100,8 @@ std::string RuleBuilder::keyInsteadOf(std::string_view key, std::string_view wha
 }
 
 std::string RuleBuilder::whyMisplaced(std::string_view key, YamlNode const& value, std::string_view what) const {
-  static constexpr std::array<std::string_view, 6> ofChildren = {"Singleton",     "Coupled",       "Allowed Names",
-                                                                 "Default Names", "Minimum Count", "Maximum Count"};
+  static constexpr std::array<std::string_view, 7> ofChildren = {
+      "Singleton", "Coupled", "Allowed Names", "Default Names", "Minimum Count", "Maximum Count", "Renamed Names"};
   bool const isObject = what == "an object" || what == "a template";
   if (isObject && valueIn(value, "Parameter Type") != nullptr) return "; a parameter is written under Parameters";
   if (isObject && (valueIn(value, "Singleton") != nullptr || valueIn(value, "Coupled") != nullptr)) {

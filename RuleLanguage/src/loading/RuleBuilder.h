@@ -202,6 +202,13 @@ class RuleBuilder : private MapReader {
   /// Where the entry is written that is being read.
   [[nodiscard]] EntryPlace entryPlace(Item const& name, Item const& body) const;
   [[nodiscard]] std::vector<ParamValueDef::GuardedText> guardedTexts(Item const& item, std::string_view attribute);
+  void readDeprecated(Item const& value, std::string& message);
+  /// Reads the names that an item had: one, or a list.
+  void readFormerNames(Item const& value, std::vector<std::string>& names);
+  void readRenamedNames(Item const& value, std::map<std::string, std::string>& names);
+  /// Reads a key about the history of an object type. Only types at the root of a model have such keys.
+  void readHistoryOfObject(ObjDependDef& object, Item const& key, Item const& value);
+  [[nodiscard]] bool isItemName(Item const& name, std::string_view what);
   void readObjectCheck(ObjDependDef& object, Item const& name, Item const& body);
   [[nodiscard]] std::unique_ptr<TextExpression> count(Item const& item, std::string_view attribute);
   [[nodiscard]] std::unique_ptr<TextPattern> pattern(Item const& item);

@@ -3,12 +3,16 @@
 #include <array>
 #include <string_view>
 
+#include <tarn/RuleAttributes.h>
+
 #include "loading/RuleIndex.h"
 #include "yaml/MapReader.h"
 
 // Several kinds of sections of a rule file have these in common.
 
 namespace tarn::rules {
+
+namespace attributes = RuleAttributes;
 
 enum class GuardKey { When, Value };
 constexpr auto guardKeys = std::to_array<Key<GuardKey>>({{"When", GuardKey::When}, {"Value", GuardKey::Value}});

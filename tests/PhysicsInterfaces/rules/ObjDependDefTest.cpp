@@ -255,5 +255,29 @@ TEST(ObjDependDef, EntriesAndValueRulesAreFoundByName) {
   EXPECT_EQ(object.findValueDef("Axis"), nullptr);
 }
 
+TEST(ObjDependDef, EntriesAreFoundByTheirFormerNames) {
+  PhysicsData data;
+  ObjDependDef& object = data.addObject("/Case/Domain");
+  ParamAvail viscosity;
+  viscosity.name = "Dynamic Viscosity";
+  viscosity.history.formerNames = {"Viscosity", "mu"};
+  ParamAvail motion;
+  motion.name = "Viscosity Model";
+  motion.history.formerNames = {"mu"};
+  ChildAvail wall;
+  wall.type = "Wall";
+  wall.history.formerNames = {"Boundary"};
+  ASSERT_TRUE(object.addParam(std::move(viscosity)));
+  ASSERT_TRUE(object.addParam(std::move(motion)));
+  ASSERT_TRUE(object.addChild(std::move(wall)));
+
+  EXPECT_EQ(object.findRenamedParam("Viscosity"), object.findParam("Dynamic Viscosity"));
+  EXPECT_EQ(object.findRenamedParam("mu"), object.findParam("Dynamic Viscosity")) << "the first that claims a name";
+  EXPECT_EQ(object.findRenamedParam("Dynamic Viscosity"), nullptr);
+  EXPECT_EQ(object.findRenamedParam("Boundary"), nullptr);
+  EXPECT_EQ(object.findRenamedChild("Boundary"), object.findChild("Wall"));
+  EXPECT_EQ(object.findRenamedChild("Wall"), nullptr);
+}
+
 }  // namespace
 }  // namespace tarn

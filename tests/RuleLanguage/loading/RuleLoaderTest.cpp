@@ -727,5 +727,36 @@ Objects:
   EXPECT_EQ(shown(*rules.findChild("Domain")), "||");
 }
 
+TEST(RuleLoader, ReadsWhatIsDeprecatedAndWhatWasRenamed) {
+  auto const data = parseRules(R"(Rule Database: 1
+Objects:
+  /Case:
+    Renamed From: [Study, Project]
+    Rename Message: A case is what users call it.
+    Parameters:
+      Time Step: {Parameter Type: Real, Renamed From: dt, Rename Message: Names are words.}
+      Solver Mode: {Parameter Type: String, Deprecated: Choose the solver in Solver/Kind.}
+      Title: {Parameter Type: String}
+    Children:
+      Wall: {Coupled: yes, Renamed From: [Boundary], Deprecated: Walls are found by themselves.}
+      Fluid: {Coupled: yes, Allowed Names: [hot, cold], Renamed Names: {warm: hot, cool: cold}}
+)");
+  auto const& rules = *data->getObjDependDef("/Case", true);
+  EXPECT_THAT(rules.history.formerNames, ElementsAre("Study", "Project"));
+  EXPECT_EQ(rules.history.renameMessage, "A case is what users call it.");
+  EXPECT_EQ(rules.history.deprecated, "");
+
+  auto const& step = rules.findParam("Time Step")->history;
+  EXPECT_THAT(step.formerNames, ElementsAre("dt"));
+  EXPECT_EQ(step.renameMessage, "Names are words.");
+  EXPECT_EQ(step.deprecated, "");
+  EXPECT_EQ(rules.findParam("Solver Mode")->history.deprecated, "Choose the solver in Solver/Kind.");
+  EXPECT_THAT(rules.findParam("Title")->history.formerNames, IsEmpty());
+
+  EXPECT_THAT(rules.findChild("Wall")->history.formerNames, ElementsAre("Boundary"));
+  EXPECT_EQ(rules.findChild("Wall")->history.deprecated, "Walls are found by themselves.");
+  EXPECT_THAT(rules.findChild("Fluid")->renamedNames, ElementsAre(Pair("cool", "cold"), Pair("warm", "hot")));
+}
+
 }  // namespace
 }  // namespace tarn::rules
