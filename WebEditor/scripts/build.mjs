@@ -1,5 +1,5 @@
-// Builds the page: index.html, the icon, and a script and a style whose names have a hash of their bytes, so that browsers
-// may keep them. The same sources give the same bytes.
+// Builds the page: index.html, the icon, and a script, a style and a font whose names have a hash of their bytes, so that
+// browsers may keep them. The same sources give the same bytes.
 //
 //   npm run build -- --out DIR      default: dist
 import { copyFileSync, mkdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
@@ -18,6 +18,8 @@ const { metafile } = await build({
   absWorkingDir: here,
   entryPoints: { editor: 'src/main.tsx' },
   entryNames: '[name]-[hash]',
+  assetNames: '[name]-[hash]',
+  loader: { '.woff2': 'file' },
   outdir: out,
   metafile: true,
   bundle: true,
@@ -29,8 +31,11 @@ const { metafile } = await build({
   logLevel: 'warning',
 });
 copyFileSync(join(here, 'src/icon.svg'), join(out, 'icon.svg'));
+// The licence of the font goes where the font goes.
+copyFileSync(join(here, 'node_modules/@fontsource-variable/inter/LICENSE'), join(out, 'inter-license.txt'));
 let page = readFileSync(join(here, 'src/index.html'), 'utf8');
-for (const name of Object.keys(metafile.outputs).map((path) => basename(path))) {
+const outputs = Object.keys(metafile.outputs).map((path) => basename(path));
+for (const name of outputs.filter((one) => /\.(js|css)$/.test(one))) {
   const plain = `"editor${extname(name)}"`;
   if (!page.includes(plain)) throw new Error(`index.html does not name ${plain}`);
   page = page.replace(plain, `"${name}"`);

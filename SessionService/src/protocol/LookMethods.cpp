@@ -108,20 +108,25 @@ Json params(Host& host, Arguments const& arguments) {
 
 /// What decides how a form is laid out: the parameters without their values.
 Json outline(Host& host, Arguments const& arguments) {
+  // The entries are short, and a client needs all of them before it can show the first ones in their places.
+  constexpr std::size_t pages = 10;
   LockedDocument const document = lockDocument(host, arguments);
   session::Session const& session = document->session();
   std::string const path = arguments.text("path");
-  return listAnswer(host, arguments, *document, session.params(path), [&](std::string const& name) {
-    auto const record = session.lookParam(path, name);
-    Json json = {{"name", name}};
-    if (!record) return json;
-    if (!record->label.empty()) json["label"] = record->label;
-    if (!record->group.empty()) json["group"] = record->group;
-    if (record->advanced) json["advanced"] = true;
-    json["available"] = record->available();
-    if (record->waiting) json["waiting"] = true;
-    return json;
-  });
+  Json answer = at(*document);
+  answer.update(
+      pageAsJson(session.params(path), arguments.page(pages * host.options.limits.page), [&](std::string const& name) {
+        auto const record = session.lookParam(path, name);
+        Json json = {{"name", name}};
+        if (!record) return json;
+        if (!record->label.empty()) json["label"] = record->label;
+        if (!record->group.empty()) json["group"] = record->group;
+        if (record->advanced) json["advanced"] = true;
+        json["available"] = record->available();
+        if (record->waiting) json["waiting"] = true;
+        return json;
+      }));
+  return answer;
 }
 
 Json childTypes(Host& host, Arguments const& arguments) {

@@ -84,6 +84,7 @@ export type Side = 'effects' | 'why' | 'findings' | 'changes';
 
 /** Above this number of parameters a form is loaded by its outline, and records only for what is on the screen. */
 export const longForm = 200;
+const outlinePage = 10_000;
 const shownEffects = 1000;
 const keptEffects = 100;
 const tries = 5;
@@ -263,16 +264,26 @@ export class DocumentStore {
 
   private async loadOutline(path: string, epoch: number): Promise<void> {
     const layout: LayoutEntry[] = [];
+    let revision = -1;
     for (;;) {
-      const answer = await this.connection.call('outline', { document: this.document, path, offset: layout.length });
+      const answer = await this.connection.call('outline', {
+        document: this.document,
+        path,
+        offset: layout.length,
+        limit: outlinePage,
+      });
       if (epoch !== this.formEpoch) return;
-      for (const entry of answer.list) layout.push({ ...entry, available: entry.available ?? false });
-      const isDone = layout.length >= answer.total || answer.list.length === 0;
-      const form = this.form.value;
-      // The first screen is shown at once, and the rest when it is complete: the rows would jump otherwise.
-      if (form && (isDone || form.layout.length < layout.length)) this.form.value = { ...form, layout: [...layout] };
-      if (isDone) return;
+      if (revision >= 0 && answer.revision !== revision) layout.length = 0;
+      revision = answer.revision;
+      if (answer.offset === layout.length) {
+        for (const entry of answer.list) layout.push({ ...entry, available: entry.available ?? false });
+      }
+      if (layout.length >= answer.total || answer.list.length === 0) break;
     }
+    // An edit was made meanwhile, and its effect is not in these entries.
+    if (revision < this.state.value.revision) return this.loadOutline(path, epoch);
+    const form = this.form.value;
+    if (form?.path === path) this.form.value = { ...form, layout };
   }
 
   // ---- Editing
@@ -432,6 +443,7 @@ export class DocumentStore {
   private shownRevision = 0;
 
   private askUser(edits: Edit[], result: EditResult): Promise<boolean> {
+    this.isWorking.value = false;
     return new Promise((resolve) => {
       this.preview.value = {
         edits,

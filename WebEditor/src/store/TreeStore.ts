@@ -5,6 +5,8 @@ import { newNode, pageSize, type TreeNode, type TreeRow, treeRows, typeRanges } 
 import type { Effect, Object as ObjectRecord } from '../protocol/Messages';
 import type { Connection } from './Connection';
 
+const scrollPause = 60;
+
 /** The numbers of findings that are known, though they may be outdated. */
 function countsOf(record: ObjectRecord | null): { errors?: number; warnings?: number } {
   return { errors: record?.errors ?? 0, warnings: record?.warnings ?? 0 };
@@ -18,6 +20,7 @@ export class TreeStore {
 
   private loading = new Set<string>();
   private visible: [number, number] = [0, 0];
+  private showTimer: ReturnType<typeof setTimeout> | undefined;
   /** Raised when all is read anew: answers to earlier requests are then dropped. */
   private epoch = 0;
 
@@ -89,9 +92,15 @@ export class TreeStore {
     this.publish();
   }
 
-  /** The rows that are on the screen: what they lack is loaded. */
+  /** The rows that are on the screen: what they lack is loaded, once the tree has been scrolled to its place. */
   show(first: number, last: number): void {
     this.visible = [first, last];
+    clearTimeout(this.showTimer);
+    this.showTimer = setTimeout(() => this.loadVisible(), scrollPause);
+  }
+
+  private loadVisible(): void {
+    const [first, last] = this.visible;
     for (let i = first; i <= last; i++) {
       const row = this.rows.value[i];
       if (!row || row.kind === 'type' || row.key === this.root) continue;

@@ -1,9 +1,9 @@
 // The net effect of an edit. Counts come first, every group opens, and what the user has lost is never folded.
 import { useState } from 'preact/hooks';
 import { type EffectGroup, type EffectLine, effectGroups } from '../model/EffectGroups';
-import { keyOf } from '../model/Paths';
+import { keyOf, shortPath } from '../model/Paths';
 import { shownValue } from '../model/Sentences';
-import type { Effect } from '../protocol/Messages';
+import type { Effect, Item } from '../protocol/Messages';
 import type { DocumentStore } from '../store/DocumentStore';
 import { Icon } from './Icon';
 import { ItemLink } from './ItemLink';
@@ -37,8 +37,8 @@ function Group({ store, group }: { store: DocumentStore; group: EffectGroup }) {
       </button>
       {isOpen && (
         <ul>
-          {shown.map((line) => (
-            <Line key={keyOf(line.item)} store={store} line={line} />
+          {shown.map((line, i) => (
+            <Line key={keyOf(line.item)} store={store} line={line} above={shown[i - 1]?.item} />
           ))}
           {group.lines.length > shown.length && (
             <li>
@@ -56,11 +56,14 @@ function Group({ store, group }: { store: DocumentStore; group: EffectGroup }) {
   );
 }
 
-function Line({ store, line }: { store: DocumentStore; line: EffectLine }) {
-  const { before, after, note } = line;
+function Line({ store, line, above }: { store: DocumentStore; line: EffectLine; above: Item | undefined }) {
+  const { before, after, note, item } = line;
+  // The object is named once above its parameters.
+  const isNamed = item.name === undefined || above?.path === item.path || item.path === store.selected.value;
   return (
     <li>
-      <ItemLink store={store} item={line.item} />
+      {!isNamed && <span class="line-object">{shortPath(item.path, store.root)}</span>}
+      <ItemLink store={store} item={item} isShort />
       {(before !== undefined || after !== undefined) && (
         <span class="change">
           {before !== undefined && <span class={after === undefined ? '' : 'old'}>{shownValue(before)}</span>}

@@ -359,7 +359,7 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
         }}
         onUnit={(unit) => void chooseUnit(unit)}
       />
-      <div id={problemId} aria-live="polite">
+      <div id={problemId} class="problem-place" aria-live="polite">
         {shownProblem && (
           <ProblemText
             store={store}
@@ -396,7 +396,15 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
       )}
       <p class="hint" id={hintId}>
         {isFixed && param.origin === 'override' && <Icon name="lock" />}
-        <span>{[originText(param), bounds].filter((text) => text !== '').join(' · ')}</span>
+        <span>
+          {[
+            originText(param),
+            bounds,
+            param.type.endsWith(' List') && !param.allowed ? 'items separated by commas' : '',
+          ]
+            .filter((text) => text !== '')
+            .join(' · ')}
+        </span>
         {param.waiting && (
           <span class="wait-text">{`${shownValue(param.waiting.value)} waits: ${waitingText(param.waiting)}`}</span>
         )}
@@ -536,7 +544,6 @@ function Control({
           ))}
         </select>
       )}
-      {isList && <span class="unit soft">list, with commas</span>}
     </div>
   );
 }

@@ -240,7 +240,7 @@ function Ways({ store, result, isReadOnly }: { store: DocumentStore; result: How
           )}
           {way.atNextEdit && <p class="soft">It comes with the edit after these.</p>}
           <p class="soft">{`${count(effectSize(way.effect), 'consequence')} in all`}</p>
-          <div class="buttons start">
+          <div class="buttons left">
             <button
               type="button"
               class="primary"
