@@ -7,14 +7,11 @@
 #include <map>
 #include <string_view>
 #include <utility>
-#include <variant>
 
 #include <CLI/CLI.hpp>
 
-#include <tarn/ObjDependDef.h>
-#include <tarn/PathUtils.h>
-#include <tarn/PhysicsData.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/ShellWord.h"
 
@@ -40,37 +37,6 @@ constexpr std::array<OptionInfo, 7> options = {
      {Option::Remove, "--remove", "OBJECT", "Remove a named object", 1},
      {Option::Copy, "--copy", "OBJECT NAME", "Copy a named object under a new name", 2},
      {Option::Rename, "--rename", "OBJECT NAME", "Give a named object a new name", 2}}};
-
-std::string absolute(std::string_view text, std::string const& root) {
-  std::string path(StringUtilities::trimmed(text));
-  if (path == "/") return {};
-  if (path.empty() || path == ".") return root;
-  if (path.back() == '/') path.pop_back();
-  return path.front() == '/' ? path : root + '/' + path;
-}
-
-/// The object and the name of the parameter at an absolute path.
-std::pair<std::string, std::string> divided(std::string const& path) {
-  std::size_t const slash = path.rfind('/');
-  return {path.substr(0, slash), path.substr(slash + 1)};
-}
-
-/// Whether `--on` of an absolute path means a parameter.
-bool isParam(std::string const& path, session::Session const& session) {
-  if (path.empty() || path.find(':', path.rfind('/')) != std::string::npos) return false;
-  auto const [parent, name] = divided(path);
-  ObjDependDef const* const rules = session.rules().getObjDependDef(PathUtils::typePathOf(parent), true);
-  if (rules != nullptr) {
-    if (rules->findChild(name) != nullptr) return false;
-    if (rules->findParam(name) != nullptr) return true;
-  }
-  // A slip: what was probably meant decides.
-  auto const resolved = session.resolve(path);
-  if (auto const* item = std::get_if<session::Item>(&resolved)) return item->isParam();
-  auto const& nearest = std::get<session::Refused>(resolved).nearest;
-  if (nearest) return nearest->kind == Edit::Kind::ActivateParam;
-  return rules != nullptr;
-}
 
 CLI::ValidationError unreadable(OptionInfo const& info, std::string const& what) {
   return CLI::ValidationError(info.name, what + "; write " + info.name + ' ' + info.arguments);
@@ -120,22 +86,21 @@ std::vector<EditArgument> editArguments(CLI::App const& command) {
 }
 
 Edit editOf(EditArgument const& argument, session::Session const& session) {
-  std::string const& root = session.root();
   if (argument.option == Option::Set) {
     std::string_view const text = argument.text;
     std::size_t const equals = text.find('=');
-    auto [path, name] = divided(absolute(text.substr(0, equals), root));
-    return Edit::setParam(std::move(path), std::move(name),
+    session::Item item = session::paramAt(session::absolutePath(session, text.substr(0, equals)));
+    return Edit::setParam(std::move(item.path), std::move(*item.name),
                           std::string(StringUtilities::trimmed(text.substr(equals + 1))));
   }
-  std::string path = absolute(argument.text, root);
+  std::string path = session::absolutePath(session, argument.text);
   switch (argument.option) {
     case Option::On:
     case Option::Off: {
       bool const isOn = argument.option == Option::On;
-      if (!isParam(path, session)) return isOn ? Edit::activateObject(path) : Edit::deactivateObject(path);
-      auto [object, name] = divided(path);
-      return isOn ? Edit::activateParam(object, name) : Edit::deactivateParam(object, name);
+      if (!session::meansParam(session, path)) return isOn ? Edit::activateObject(path) : Edit::deactivateObject(path);
+      auto [object, name] = session::paramAt(path);
+      return isOn ? Edit::activateParam(object, *name) : Edit::deactivateParam(object, *name);
     }
     case Option::Add:
       return Edit::addObject(std::move(path));

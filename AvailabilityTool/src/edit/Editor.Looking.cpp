@@ -4,6 +4,7 @@
 
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/Counted.h"
 #include "edit/Editor.h"
@@ -226,7 +227,7 @@ std::optional<session::Goal> Editor::readGoal(std::string_view text, std::string
     return std::nullopt;
   }
   Asked asked = dividedAtEquals(text);
-  FoundItem found = findItem(session_, absolute(asked.path));
+  session::KnownItem found = session::knownItem(session_, absolute(asked.path));
   if (!found.item) {
     (void)resolve(asked.path, command);  // says why
     return std::nullopt;

@@ -3,11 +3,7 @@
 #include <algorithm>
 #include <span>
 #include <utility>
-#include <variant>
 
-#include <tarn/ObjDependDef.h>
-#include <tarn/PathUtils.h>
-#include <tarn/PhysicsData.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/session/Item.h>
 
@@ -23,33 +19,6 @@ Asked dividedAtEquals(std::string_view text) {
   Asked asked{StringUtilities::trimmed(text.substr(0, equals)), std::nullopt};
   if (equals != std::string_view::npos) asked.value = StringUtilities::trimmed(text.substr(equals + 1));
   return asked;
-}
-
-FoundItem findItem(session::Session const& session, std::string_view path) {
-  FoundItem found;
-  auto resolved = session.resolve(path);
-  if (auto* const item = std::get_if<session::Item>(&resolved)) {
-    found.item = std::move(*item);
-    return found;
-  }
-  found.refused = std::get<session::Refused>(std::move(resolved));
-  // A type without an object: the answer is about one that could be added.
-  bool const isType = found.refused->code == session::RefusalCode::NameMissing && !found.refused->nearest;
-  if (found.refused->code != session::RefusalCode::UnknownObject && !isType) return found;
-  // The path was read, so its edit has it in the form that the model uses.
-  Edit const& edit = found.refused->edit;
-  std::string const whole = edit.name.empty() ? edit.path : edit.path + '/' + edit.name;
-  auto const rulesOf = [&](std::string const& object) {
-    return session.rules().getObjDependDef(PathUtils::typePathOf(object), true);
-  };
-  std::string const parent(PathUtils::parentOf(whole));
-  std::string const last = whole.substr(parent.size() + 1);
-  if (ObjDependDef const* const above = rulesOf(parent); above != nullptr && above->findParam(last) != nullptr) {
-    found.item = session::Item{parent, last};
-  } else if (rulesOf(whole) != nullptr) {
-    found.item = session::Item{isType ? whole + ":new" : whole, std::nullopt};
-  }
-  return found;
 }
 
 std::string goalText(session::Goal const& goal) {

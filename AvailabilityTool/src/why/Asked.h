@@ -26,15 +26,6 @@ struct Asked {
 };
 [[nodiscard]] Asked dividedAtEquals(std::string_view text);
 
-/// The item that a path names, also an object with a name of the user's choice that nobody has asked for, and what is
-/// in it, if the rules know its type: the answers are about what is absent, too.
-struct FoundItem {
-  std::optional<session::Item> item;
-  /// Why no item of this path is known, with the nearest one.
-  std::optional<session::Refused> refused;
-};
-[[nodiscard]] FoundItem findItem(session::Session const& session, std::string_view path);
-
 /// PATH, or PATH=VALUE, for a goal.
 [[nodiscard]] std::string goalText(session::Goal const& goal);
 

@@ -21,6 +21,7 @@
 #include <tarn/session/How.h>
 #include <tarn/session/Proof.h>
 #include <tarn/session/Refused.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -51,14 +52,14 @@ class Question {
       : options_(options), command_(std::move(command)), out_(out), err_(err), opened_(options.arguments, err) {
     Asked asked = dividedAtEquals(options.asked);
     goal_.value = std::move(asked.value);
-    FoundItem found = findItem(opened_.session(), asked.path);
-    refused_ = std::move(found.refused);
-    if (!found.item) {
+    session::KnownItem known = session::knownItem(opened_.session(), asked.path);
+    refused_ = std::move(known.refused);
+    if (!known.item) {
       if (refused_->code == session::RefusalCode::Unreadable) throw Failure(harmless(refused_->sentence));
       return;
     }
     hasItem_ = true;
-    goal_.item = std::move(*found.item);
+    goal_.item = std::move(*known.item);
     if (goal_.value && !goal_.item.isParam()) {
       throw Failure('"' + shortened(goal_.item.text()) +
                     "\" is an object, and has no value; give the path of a parameter before the \"=\"");

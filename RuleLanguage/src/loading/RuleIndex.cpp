@@ -12,14 +12,16 @@ void RuleIndex::read(std::vector<std::filesystem::path> const& filesOrFolders, L
   parse(limits, diagnostics);
 }
 
-void RuleIndex::readText(std::string const& text, std::string const& sourceName, LoadLimits const& limits,
-                         DiagnosticList& diagnostics) {
-  set_.names.push_back(sourceName);
-  if (text.size() > limits.fileSize) {
-    diagnostics.addAboutFile(Code::UnreadableFile, sourceName,
-                             "the text is larger than " + std::to_string(limits.fileSize) + " bytes");
-  } else {
-    set_.sources.emplace_back(sourceName, text);
+void RuleIndex::readTexts(std::vector<RuleText> const& texts, LoadLimits const& limits, DiagnosticList& diagnostics) {
+  if (texts.empty()) diagnostics.addAboutFile(Code::NoRuleFiles, "<rules>", "no text of a rule file is given");
+  for (auto const& [source, text] : texts) {
+    set_.names.push_back(source);
+    if (text.size() > limits.fileSize) {
+      diagnostics.addAboutFile(Code::UnreadableFile, source,
+                               "the text is larger than " + std::to_string(limits.fileSize) + " bytes");
+    } else {
+      set_.sources.emplace_back(source, text);
+    }
   }
   parse(limits, diagnostics);
 }

@@ -108,9 +108,8 @@ class RuleIndex {
   /// that has some is left out of `files`.
   void read(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits,
             DiagnosticList& diagnostics);
-  /// The same for one text.
-  void readText(std::string const& text, std::string const& sourceName, LoadLimits const& limits,
-                DiagnosticList& diagnostics);
+  /// The same for texts.
+  void readTexts(std::vector<RuleText> const& texts, LoadLimits const& limits, DiagnosticList& diagnostics);
 
   struct File {
     SourceText const* source;

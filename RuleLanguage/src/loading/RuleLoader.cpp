@@ -65,9 +65,24 @@ std::unique_ptr<PhysicsData> loadRules(std::vector<std::filesystem::path> const&
 
 std::unique_ptr<PhysicsData> parseRules(std::string const& text, std::string const& sourceName,
                                         LoadLimits const& limits) {
+  return parseRules(std::vector<RuleText>{{sourceName, text}}, limits);
+}
+
+std::vector<RuleText> readRules(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits) {
+  DiagnosticList diagnostics(limits.errors);
+  SourceFileSet set;
+  set.read(filesOrFolders, ruleFiles, limits.fileSize, diagnostics);
+  if (diagnostics.hasErrors()) throw RuleError(diagnostics.take(set.names, false));
+  std::vector<RuleText> texts;
+  texts.reserve(set.sources.size());
+  for (SourceText const& source : set.sources) texts.push_back({source.name(), source.text()});
+  return texts;
+}
+
+std::unique_ptr<PhysicsData> parseRules(std::vector<RuleText> const& texts, LoadLimits const& limits) {
   DiagnosticList diagnostics(limits.errors);
   RuleIndex index;
-  index.readText(text, sourceName, limits, diagnostics);
+  index.readTexts(texts, limits, diagnostics);
   return load(index, limits, diagnostics);
 }
 
@@ -83,7 +98,7 @@ LintResult lintText(std::string const& text, std::string const& sourceName, Lint
   checkCodes(options, "lintText");
   DiagnosticList diagnostics(options.limits.errors);
   RuleIndex index;
-  index.readText(text, sourceName, options.limits, diagnostics);
+  index.readTexts({{sourceName, text}}, options.limits, diagnostics);
   return lint(index, options, diagnostics);
 }
 

@@ -13,6 +13,51 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+void addResult(Json& json, Explanation::Result const& result) {
+  using Kind = Explanation::Result::Kind;
+  switch (result.kind) {
+    case Kind::Truth:
+      json["value"] = result.truth;
+      break;
+    case Kind::Number:
+      json["value"] = numberAsJson(result.number);
+      break;
+    case Kind::Text:
+      json["value"] = result.text;
+      break;
+    case Kind::List:
+    case Kind::Objects:
+      json["value"] = result.items;
+      if (result.itemCount > result.items.size()) json["itemCount"] = result.itemCount;
+      break;
+  }
+}
+
+// The depth of a tree is limited, so this may call itself.
+Json partAsJson(Explanation const& explanation, std::size_t index) {
+  Explanation::Node const& node = explanation.nodes[index];
+  Json json;
+  json["text"] = explanation.textOf(node);
+  json["operation"] = operationName(node.operation);
+  if (!node.name.empty()) json["name"] = node.name;
+  addResult(json, node.result);
+  json["context"] = node.context;
+  if (node.alsoFails) json["alsoFails"] = true;
+  if (node.total > 0) {
+    json["total"] = node.total;
+    json["agreeing"] = node.agreeing;
+  }
+  if (!node.reads.empty()) {
+    json["reads"] = jsonList(node.reads, [&](std::size_t read) { return modelReadAsJson(explanation.reads[read]); });
+  }
+  if (!node.children.empty()) {
+    json["parts"] = jsonList(node.children, [&](std::size_t child) { return partAsJson(explanation, child); });
+  }
+  return json;
+}
+
+}  // namespace
+
 std::string_view operationName(Explanation::Operation operation) noexcept {
   using Operation = Explanation::Operation;
   switch (operation) {
@@ -71,51 +116,6 @@ std::string_view operationName(Explanation::Operation operation) noexcept {
   }
   return {};
 }
-
-void addResult(Json& json, Explanation::Result const& result) {
-  using Kind = Explanation::Result::Kind;
-  switch (result.kind) {
-    case Kind::Truth:
-      json["value"] = result.truth;
-      break;
-    case Kind::Number:
-      json["value"] = numberAsJson(result.number);
-      break;
-    case Kind::Text:
-      json["value"] = result.text;
-      break;
-    case Kind::List:
-    case Kind::Objects:
-      json["value"] = result.items;
-      if (result.itemCount > result.items.size()) json["itemCount"] = result.itemCount;
-      break;
-  }
-}
-
-// The depth of a tree is limited, so this may call itself.
-Json partAsJson(Explanation const& explanation, std::size_t index) {
-  Explanation::Node const& node = explanation.nodes[index];
-  Json json;
-  json["text"] = explanation.textOf(node);
-  json["operation"] = operationName(node.operation);
-  if (!node.name.empty()) json["name"] = node.name;
-  addResult(json, node.result);
-  json["context"] = node.context;
-  if (node.alsoFails) json["alsoFails"] = true;
-  if (node.total > 0) {
-    json["total"] = node.total;
-    json["agreeing"] = node.agreeing;
-  }
-  if (!node.reads.empty()) {
-    json["reads"] = jsonList(node.reads, [&](std::size_t read) { return modelReadAsJson(explanation.reads[read]); });
-  }
-  if (!node.children.empty()) {
-    json["parts"] = jsonList(node.children, [&](std::size_t child) { return partAsJson(explanation, child); });
-  }
-  return json;
-}
-
-}  // namespace
 
 Json numberAsJson(double number) {
   if (!std::isfinite(number)) return {};

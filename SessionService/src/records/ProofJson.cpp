@@ -14,34 +14,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 using session::Fact;
 
-std::string_view questionName(session::Question question) noexcept {
-  switch (question) {
-    case session::Question::Presence:
-      return "presence";
-    case session::Question::Value:
-      return "value";
-    case session::Question::Allowed:
-      return "allowed";
-    case session::Question::LastEdit:
-      break;
-  }
-  return "last-edit";
-}
-
-std::string_view answerName(session::HowAnswer answer) noexcept {
-  switch (answer) {
-    case session::HowAnswer::AlreadySo:
-      return "already-so";
-    case session::HowAnswer::Found:
-      return "found";
-    case session::HowAnswer::Impossible:
-      return "impossible";
-    case session::HowAnswer::NotFound:
-      break;
-  }
-  return "not-found";
-}
-
 Json readAsJson(session::ProofRead const& read) {
   Json json = modelReadAsJson(read.read);
   if (read.origin != session::Origin::None) json["origin"] = originName(read.origin);
@@ -94,6 +66,34 @@ Json wayAsJson(session::Way const& way) {
 }
 
 }  // namespace
+
+std::string_view questionName(session::Question question) noexcept {
+  switch (question) {
+    case session::Question::Presence:
+      return "presence";
+    case session::Question::Value:
+      return "value";
+    case session::Question::Allowed:
+      return "allowed";
+    case session::Question::LastEdit:
+      break;
+  }
+  return "last-edit";
+}
+
+std::string_view answerName(session::HowAnswer answer) noexcept {
+  switch (answer) {
+    case session::HowAnswer::AlreadySo:
+      return "already-so";
+    case session::HowAnswer::Found:
+      return "found";
+    case session::HowAnswer::Impossible:
+      return "impossible";
+    case session::HowAnswer::NotFound:
+      break;
+  }
+  return "not-found";
+}
 
 std::string_view factName(Fact fact) noexcept {
   switch (fact) {

@@ -65,6 +65,22 @@ template <std::convertible_to<std::filesystem::path> Path>
                                                                   std::string const& sourceName = "<rules>",
                                                                   LoadLimits const& limits = {});
 
+/// The text of one rule file.
+struct RuleText {
+  /// The name of the file in diagnostics and places.
+  std::string source;
+  std::string text;
+};
+
+/// Reads the files that `loadRules` would load, in its order, without looking into them. A program that must load the
+/// same rules again, perhaps on another machine, keeps the texts. Throws a `RuleError` for files that cannot be read.
+[[nodiscard]] TARN_EXPORT std::vector<RuleText> readRules(std::vector<std::filesystem::path> const& filesOrFolders,
+                                                          LoadLimits const& limits = {});
+
+/// Loads a rule database from the texts of several rule files, in the order given, as `loadRules` does.
+[[nodiscard]] TARN_EXPORT std::unique_ptr<PhysicsData> parseRules(std::vector<RuleText> const& texts,
+                                                                  LoadLimits const& limits = {});
+
 /// The result of `lintRules` and `lintText`.
 struct LintResult {
   /// Errors, warnings and notes, in the order of files and of positions in them. Warnings, notes and the errors that

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include <nlohmann/json.hpp>
 
 #include <tarn/Explanation.h>
@@ -16,5 +18,8 @@ namespace tarn::service {
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json modelReadAsJson(ModelRead const& read);
 /// The tree of parts, from its root.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json explanationAsJson(Explanation const& explanation);
+
+/// "not-equal".
+[[nodiscard]] TARN_EXPORT std::string_view operationName(Explanation::Operation operation) noexcept;
 
 }  // namespace tarn::service

@@ -17,6 +17,10 @@ namespace tarn::service {
 /// "answer", "ways", "trials", "completedEdits", and what else there is.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json howAsJson(session::HowResult const& result);
 
+/// "last-edit".
+[[nodiscard]] TARN_EXPORT std::string_view questionName(session::Question question) noexcept;
+/// "already-so".
+[[nodiscard]] TARN_EXPORT std::string_view answerName(session::HowAnswer answer) noexcept;
 /// "not-available".
 [[nodiscard]] TARN_EXPORT std::string_view factName(session::Fact fact) noexcept;
 

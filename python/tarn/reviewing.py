@@ -1,0 +1,139 @@
+"""Reviews of many models."""
+
+from __future__ import annotations
+
+import os
+from collections import deque
+from collections.abc import Iterable, Iterator, Mapping
+from concurrent.futures import Future, ThreadPoolExecutor
+from dataclasses import dataclass
+from typing import Any, Literal
+
+from tarn import _tarn
+from tarn._html import table
+from tarn.errors import Error, ModelError
+from tarn.model import Model, as_model
+from tarn.records import Findings, _findings_table
+from tarn.rules import AnyPath, Rules
+
+__all__ = ["Review", "Reviewed", "review"]
+
+Phases = Literal["dependency", "global", "all"]
+AnyModel = Model | AnyPath | Mapping[str, Any]
+
+
+@dataclass(frozen=True, slots=True)
+class Reviewed:
+    """What a review says about one model: findings, or the error that kept it from being judged."""
+
+    model: str
+    """The file, or the source of the model."""
+    findings: Findings | None
+    error: Error | OSError | None
+
+    @property
+    def ok(self) -> bool:
+        """The model was judged and has no errors. It may have warnings."""
+        return self.findings is not None and not self.findings.errors
+
+    def __str__(self) -> str:
+        if self.error is not None:
+            return f"{self.model}: {self.error}"
+        assert self.findings is not None
+        return f"{self.model}: {len(self.findings.errors)} errors, {len(self.findings.warnings)} warnings"
+
+    def _repr_html_(self) -> str:
+        if self.findings is None:
+            return table(None, [[str(self.error)]], caption=self.model)
+        return _findings_table(self.findings.list, self.model) or table(None, [["Nothing is wrong."]], self.model)
+
+
+class Review:
+    """Finds everything that is wrong with models. One review serves any number of models, on several threads at once.
+
+    >>> import tarn
+    >>> review = tarn.Review(tarn.load_rules("examples/flow/rules"))
+    >>> findings = review.judge("examples/flow/models/faulty.tdf")
+    >>> print(findings.list[0].path, findings.list[0].code, findings.list[0].places[0])
+    /Case/Analysis parameter-not-available examples/flow/models/faulty.tdf:16:16
+    """
+
+    __slots__ = ("_options", "_reviewer", "_rules")
+
+    def __init__(self, rules: Rules, *, roots: Iterable[str] = (), phases: Phases = "all",
+                 only_validator: bool = False) -> None:
+        """`roots` are the paths of the objects to judge with everything below them; by default all that the rules look
+        at. `phases` are those of the validator: "dependency", each object by itself; "global", the model as a whole; or
+        "all". With `only_validator`, unknown names and values that do not fit their declaration are not reported.
+        """
+        self._rules = rules
+        self._options = (tuple(roots), phases, only_validator)
+        self._reviewer = _tarn.Reviewer(rules._database, list(self._options[0]), phases, only_validator)
+
+    @property
+    def rules(self) -> Rules:
+        return self._rules
+
+    def judge(self, model: AnyModel) -> Findings:
+        """The findings in a model: a `Model`, the name of a file, or dictionaries.
+
+        Findings in a text have their places there. Raises `ModelError` for a text with malformed lines, and `OSError` if
+        the file cannot be read. Costs a walk of the model. The interpreter lock is released meanwhile.
+        """
+        known = as_model(model)
+        if known.has_text:
+            return self._reviewer.judge_text(known.source, known.content)
+        return self._reviewer.judge_state(known._known_state())
+
+    def try_judge(self, model: AnyModel) -> Reviewed:
+        """The same, with an error as a part of the result."""
+        name = model.source if isinstance(model, Model) else \
+            "<dictionary>" if isinstance(model, Mapping) else os.fspath(model)
+        try:
+            return Reviewed(name, self.judge(model), None)
+        except (Error, OSError) as error:
+            return Reviewed(name, None, error)
+
+    def __reduce__(self) -> tuple[object, ...]:
+        return _review_of, (self._rules, *self._options)
+
+
+def _review_of(rules: Rules, roots: tuple[str, ...], phases: Phases, only_validator: bool) -> Review:
+    return Review(rules, roots=roots, phases=phases, only_validator=only_validator)
+
+
+def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None, roots: Iterable[str] = (),
+           phases: Phases = "all", only_validator: bool = False) -> Iterator[Reviewed]:
+    """Reviews models on several threads, and yields a result for each, in their order, as soon as it is there.
+
+    Each model is a `Model`, the name of a file, or dictionaries. `models` may be endless: it is read only a few models
+    ahead, by the thread that asks for results. `jobs` is the number of threads, by default that of the processors. A
+    model that cannot be judged has its error in the result; the others are still judged. The other arguments are those
+    of `Review`.
+
+    >>> import tarn
+    >>> rules = tarn.load_rules("examples/flow/rules")
+    >>> for one in tarn.review(rules, ["examples/flow/models/sound.tdf", "examples/flow/models/missing.tdf"]):
+    ...     print(one)
+    examples/flow/models/sound.tdf: 0 errors, 0 warnings
+    examples/flow/models/missing.tdf: [Errno 2] No such file or directory: 'examples/flow/models/missing.tdf'
+    """
+    count = (os.cpu_count() or 1) if jobs is None else jobs
+    if count < 1:
+        raise ValueError(f"jobs is {count}; give at least 1")
+    return _in_order(Review(rules, roots=roots, phases=phases, only_validator=only_validator), models, count)
+
+
+def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Iterator[Reviewed]:
+    ahead = 4 * jobs  # a few, so that models of unequal size even out
+    waiting: deque[Future[Reviewed]] = deque()
+    pool = ThreadPoolExecutor(jobs, thread_name_prefix="tarn-review")
+    try:
+        for model in models:
+            waiting.append(pool.submit(judge.try_judge, model))
+            if len(waiting) > ahead:
+                yield waiting.popleft().result()
+        while waiting:
+            yield waiting.popleft().result()
+    finally:
+        pool.shutdown(wait=True, cancel_futures=True)
