@@ -10,7 +10,9 @@ const numberThenWord = /^([+-]?(?:\d+\.?\d*|\.\d+)(?:[eEdD][+-]?\d+)?)\s*([^\d\s
 /** "2.5 [m]" is the number "2.5" and the unit "m". A text without a unit has the unit "". */
 export function splitQuantity(value: string): Quantity {
   const match = trailingUnit.exec(value);
-  return match ? { number: match[1] ?? '', unit: (match[2] ?? '').trim() } : { number: value.trim(), unit: '' };
+  return match
+    ? { number: (match[1] ?? '').trim(), unit: (match[2] ?? '').trim() }
+    : { number: value.trim(), unit: '' };
 }
 
 export function joinQuantity({ number, unit }: Quantity): string {
@@ -30,7 +32,7 @@ export function judgeNumber(typed: string, isInteger: boolean, units: readonly s
   const bracketed = splitQuantity(text);
   let number = bracketed.number;
   let chosen = bracketed.unit;
-  const worded = chosen === '' ? numberThenWord.exec(number) : null;
+  const worded = chosen === '' && !plainNumber.test(number) ? numberThenWord.exec(number) : null;
   if (worded) {
     number = worded[1] ?? '';
     chosen = (worded[2] ?? '').trim();
@@ -63,6 +65,7 @@ export function judgeNumber(typed: string, isInteger: boolean, units: readonly s
 /** Cuts a long text in the middle of nowhere, and says so with "…". Surrogate pairs stay whole. */
 export function shorten(text: string, most = 60): string {
   if (text.length <= most) return text;
-  const characters = Array.from(text.slice(0, most * 2));
-  return characters.length <= most ? text : `${characters.slice(0, most - 1).join('')}…`;
+  const begin = Array.from(text.slice(0, most * 2));
+  if (begin.length <= most && text.length <= most * 2) return text;
+  return `${begin.slice(0, most - 1).join('')}…`;
 }

@@ -211,7 +211,8 @@ export class DocumentStore {
       const outline = isLong && old?.path === path ? old.layout : list.map(entryOf);
       this.form.value = { path, object: answer.object, layout: outline, total, childTypes: answer.childTypes };
     });
-    if (total > list.length) await this.loadOutline(path, epoch);
+    // Nobody waits for the rest of a long form.
+    if (total > list.length) void this.loadOutline(path, epoch).catch(() => {});
   }
 
   /** The record of a parameter of the form. Of a long form only what is on the screen is loaded. */
@@ -279,11 +280,17 @@ export class DocumentStore {
         for (const entry of answer.list) layout.push({ ...entry, available: entry.available ?? false });
       }
       if (layout.length >= answer.total || answer.list.length === 0) break;
+      this.showLayout(path, layout);
     }
     // An edit was made meanwhile, and its effect is not in these entries.
     if (revision < this.state.value.revision) return this.loadOutline(path, epoch);
+    this.showLayout(path, layout);
+  }
+
+  /** A form grows at its end while its outline arrives. It never shrinks meanwhile. */
+  private showLayout(path: string, layout: LayoutEntry[]): void {
     const form = this.form.value;
-    if (form?.path === path) this.form.value = { ...form, layout };
+    if (form?.path === path && form.layout.length <= layout.length) this.form.value = { ...form, layout: [...layout] };
   }
 
   // ---- Editing
@@ -557,6 +564,14 @@ export class DocumentStore {
         if (change.path === form.path && change.name !== undefined) waits.set(change.name, change.after !== undefined);
       }
       const { objectsCreated, objectsDeleted } = effect;
+      // The values come first: they are what the user looks at.
+      const held = [...this.mounted.keys()];
+      for (const [key, record] of this.records) {
+        const name = key.slice(key.indexOf('\n') + 1);
+        if (!this.mounted.has(name)) this.records.delete(key);
+        else if (record.peek() === null) this.wanted.delete(name);
+      }
+      const looked = this.lookAt(form.path, held);
       const { object } = await this.connection.call('lookObject', { document: this.document, path: form.path });
       const isChildMoved = [...objectsCreated, ...objectsDeleted].some((path) => parentOf(path) === form.path);
       const childTypes = isChildMoved
@@ -571,14 +586,7 @@ export class DocumentStore {
       };
       const isMoved = states.size > 0 || waits.size > 0;
       this.form.value = { ...form, object, childTypes, layout: isMoved ? form.layout.map(changed) : form.layout };
-      // What is not on the screen is asked for when it comes there.
-      const held = [...this.mounted.keys()];
-      for (const [key, record] of this.records) {
-        const name = key.slice(key.indexOf('\n') + 1);
-        if (!this.mounted.has(name)) this.records.delete(key);
-        else if (record.peek() === null) this.wanted.delete(name);
-      }
-      await this.lookAt(form.path, held);
+      await looked;
     }
     this.shownRevision = this.state.value.revision;
   }

@@ -1,6 +1,6 @@
 // Controls for values that are chosen. What a choice would do is shown before it is made: while the pointer rests on
 // it, or while the keyboard is on it.
-import { useEffect, useId, useLayoutEffect, useRef, useState } from 'preact/hooks';
+import { useCallback, useEffect, useId, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { keyOf } from '../model/Paths';
 import { shorten } from '../model/Quantity';
 import { ranked } from '../model/Search';
@@ -132,13 +132,13 @@ export function ChoiceList({
   const scroll = useRef<HTMLDivElement>(null);
   const id = useId();
   const hasSearch = total > mostUnsearched;
-  const hits = typed.trim() === '' ? all.map((name) => name) : ranked(all, typed).map(({ name }) => name);
+  const hits = useMemo(() => (typed.trim() === '' ? all : ranked(all, typed).map(({ name }) => name)), [all, typed]);
   const current = hits[Math.min(at, hits.length - 1)];
   const window = useWindow({
     count: hits.length,
     scroll,
     rowSize: () => 30,
-    rowKey: (index) => hits[index] ?? String(index),
+    rowKey: useCallback((index: number) => hits[index] ?? String(index), [hits]),
     keep: at,
     always: true,
   });

@@ -1,5 +1,5 @@
 // The form of one object: its parameters by groups, then its children.
-import { useEffect, useLayoutEffect, useRef, useState } from 'preact/hooks';
+import { useCallback, useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { type FormRow, focusAfterRemoval, layoutOf, rowKey } from '../model/FormLayout';
 import { ancestors, lastPart, typeAndName } from '../model/Paths';
 import { shorten } from '../model/Quantity';
@@ -141,22 +141,30 @@ function Rows({
   const before = useRef<FormRow[]>([]);
   const [margin, setMargin] = useState(0);
   const { filters } = parseQuery(store.query.value);
-  const groups = new Set(form.layout.map((entry) => entry.group ?? ''));
-  const folds = {
-    advanced: filters.includes('advanced') ? groups : store.openFolds.value.advanced,
-    unavailable: filters.includes('unavailable') ? groups : store.openFolds.value.unavailable,
-  };
-  const rows = layoutOf(form.layout, folds);
+  const { advanced, unavailable } = store.openFolds.value;
+  const opensAdvanced = filters.includes('advanced');
+  const opensUnavailable = filters.includes('unavailable');
+  const rows = useMemo(() => {
+    const groups = new Set(form.layout.map((entry) => entry.group ?? ''));
+    return layoutOf(form.layout, {
+      advanced: opensAdvanced ? groups : advanced,
+      unavailable: opensUnavailable ? groups : unavailable,
+    });
+  }, [form.layout, advanced, unavailable, opensAdvanced, opensUnavailable]);
+  const keyAt = useCallback(
+    (index: number) => {
+      const row = rows[index];
+      return row ? rowKey(row) : String(index);
+    },
+    [rows],
+  );
   const target = store.target.value;
   const keepName = target?.name ?? focused.current;
   const window = useWindow({
     count: rows.length,
     scroll,
     rowSize: (index) => (rows[index]?.kind === 'param' ? rowEstimate(form.total) : 44),
-    rowKey: (index) => {
-      const row = rows[index];
-      return row ? rowKey(row) : String(index);
-    },
+    rowKey: keyAt,
     keep: rows.findIndex((row) => row.kind === 'param' && row.name === keepName),
     margin,
   });

@@ -1,22 +1,24 @@
 // What a search or a filter has found, in the place of the tree. The list stays as it is until the search changes, so
 // that a row does not vanish while it is worked on.
-import { useRef, useState } from 'preact/hooks';
+import { useCallback, useRef, useState } from 'preact/hooks';
 import { keyOf, shortPath } from '../model/Paths';
 import { shorten } from '../model/Quantity';
 import { matchRange } from '../model/Search';
 import type { DocumentStore, Hit } from '../store/DocumentStore';
 import { useWindow } from './useWindow';
 
+const noHits: Hit[] = [];
+
 export function Results({ store, onShow }: { store: DocumentStore; onShow: () => void }) {
   const scroll = useRef<HTMLDivElement>(null);
   const [at, setAt] = useState(0);
   const hits = store.hits.value;
-  const list = hits?.list ?? [];
+  const list = hits?.list ?? noHits;
   const window = useWindow({
     count: list.length,
     scroll,
     rowSize: (index) => (list[index]?.group === list[index - 1]?.group ? 46 : 74),
-    rowKey: (index) => `${index} ${list[index] ? keyOf(list[index].item) : ''}`,
+    rowKey: useCallback((index: number) => `${index} ${list[index] ? keyOf(list[index].item) : ''}`, [list]),
     keep: at,
     always: true,
   });

@@ -1,6 +1,6 @@
 // The tree of objects: one stop of the Tab key. Arrows move, Enter shows an object. Only the rows on the screen are
 // rendered.
-import { useEffect, useRef } from 'preact/hooks';
+import { useCallback, useEffect, useRef } from 'preact/hooks';
 import { count } from '../model/Sentences';
 import { parentRow, rowText, type TreeRow, typeAhead } from '../model/Tree';
 import type { DocumentStore } from '../store/DocumentStore';
@@ -22,7 +22,7 @@ export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () =
     count: rows.length,
     scroll,
     rowSize: () => rowHeight,
-    rowKey: (index) => rows[index]?.key ?? String(index),
+    rowKey: useCallback((index: number) => rows[index]?.key ?? String(index), [rows]),
     keep: active,
     always: true,
   });

@@ -24,6 +24,7 @@ export function useWindow(options: {
   count: number;
   scroll: RefObject<HTMLElement | null>;
   rowSize: (index: number) => number;
+  /** The same function as long as the rows are the same: with another one, all places are computed again. */
   rowKey: (index: number) => string;
   /** A row that stays rendered wherever the list is scrolled to: the one with the focus. */
   keep: number;
