@@ -1,7 +1,7 @@
 // What the browser tests share: a server of their own on a copy of a model, Debian's Chromium, and pages that are watched.
 //
-// A test fails if its page writes an error to the console, throws, or breaks the content policy. ZEV is the program, with
-// the page beside it.
+// A test fails if its page writes an error to the console, throws, or breaks the content policy. ZEV is the program; WEB is
+// the folder of the page, if it is not beside the program.
 import { chromium } from 'playwright-core';
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
@@ -14,7 +14,7 @@ import { createInterface } from 'node:readline';
 import { fileURLToPath } from 'node:url';
 
 export const source = resolve(dirname(fileURLToPath(import.meta.url)), '../..');
-const program = resolve(process.env.ZEV ?? join(source, 'build/release/bin/zev'));
+export const program = resolve(process.env.ZEV ?? join(source, 'build/release/bin/zev'));
 const axeSource = readFileSync(join(source, 'tests/web/node_modules/axe-core/axe.min.js'), 'utf8');
 
 export const flow = { rules: join(source, 'examples/flow/rules'), text: read('examples/flow/models/sound.tdf') };
@@ -52,7 +52,8 @@ export class Server {
   async run() {
     const options = ['--http', String(this.port), '--token-file', this.tokenFile];
     const recovery = ['--recovery', join(this.folder, 'recovery')];
-    this.process = spawn(program, ['serve', '--rules', this.rules, ...options, ...recovery, this.file], {
+    const web = process.env.WEB ? ['--web', process.env.WEB] : [];
+    this.process = spawn(program, ['serve', '--rules', this.rules, ...options, ...recovery, ...web, this.file], {
       stdio: ['ignore', 'pipe', 'pipe'],
     });
     this.errors = '';
@@ -107,6 +108,9 @@ export class Server {
   }
 }
 
+/** For a machine that is busy. Nothing is timed. */
+export const patience = Number(process.env.PATIENCE ?? 60_000);
+
 let browser;
 
 export async function openBrowser() {
@@ -123,8 +127,8 @@ export async function closeBrowser() {
 /** Things that a page may do while the server is away. */
 const whileAway = /ERR_CONNECTION_REFUSED|ERR_INCOMPLETE_CHUNKED|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE/;
 
-/** A page that is at the server, after its test known to have written no error. */
-export async function openPage(t, server, { width = 1280, height = 800, theme = 'light', context } = {}) {
+/** A page that is at the server. `wrong` has what it has written as errors. */
+export async function openPage(server, { width = 1280, height = 800, theme = 'light', context } = {}) {
   context ??= await browser.newContext({
     viewport: { width, height },
     colorScheme: theme,
@@ -132,16 +136,12 @@ export async function openPage(t, server, { width = 1280, height = 800, theme = 
     locale: 'en-GB',
   });
   const page = await context.newPage();
-  page.setDefaultTimeout(15_000);
-  const wrong = [];
+  page.setDefaultTimeout(patience);
+  page.wrong = [];
   page.on('console', (message) => {
-    if (message.type() === 'error' && !whileAway.test(message.text())) wrong.push(message.text());
+    if (message.type() === 'error' && !whileAway.test(message.text())) page.wrong.push(message.text());
   });
-  page.on('pageerror', (error) => wrong.push(String(error)));
-  t.after(async () => {
-    await context.close();
-    assert.deepEqual(wrong, []);
-  });
+  page.on('pageerror', (error) => page.wrong.push(String(error)));
   await page.goto(server.url);
   return page;
 }
@@ -150,9 +150,14 @@ export async function openPage(t, server, { width = 1280, height = 800, theme = 
 export function withPage(model, options, body) {
   return async (t) => {
     const server = await Server.start(model);
-    t.after(() => server.remove());
-    const page = await openPage(t, server, options);
-    await body({ t, server, page });
+    const page = await openPage(server, options);
+    try {
+      await body({ t, server, page });
+      await page.close();
+    } finally {
+      await server.remove();
+    }
+    assert.deepEqual(page.wrong, []);
   };
 }
 
@@ -165,4 +170,31 @@ export async function assertAccessible(page, state) {
   );
   const found = violations.map(({ id, help, nodes }) => `${id}: ${help}\n${nodes.slice(0, 5).map((node) => `    ${node.html.slice(0, 200)}\n      ${node.failureSummary}`).join('\n')}`);
   assert.equal(found.join('\n'), '', `axe in ${state}`);
+}
+
+// The page, as people see it.
+
+export const tree = (page) => page.getByRole('tree', { name: 'Objects' });
+export const treeItem = (page, name) => tree(page).getByRole('treeitem', { name });
+export const form = (page) => page.getByRole('main');
+export const title = (page, name) => form(page).getByRole('heading', { level: 2, name, exact: true });
+export const field = (page, name) => form(page).getByRole('group', { name, exact: true }).or(form(page).getByRole('group', { name: `${name} required`, exact: true }));
+export const side = (page) => page.getByRole('complementary');
+export const tab = (page, name) => side(page).getByRole('tab', { name });
+export const status = (page) => page.getByRole('contentinfo').getByRole('status');
+
+/** Waits until the page shows an object. */
+export async function shows(page, name) {
+  await title(page, name).waitFor();
+}
+
+/** Waits until `look` returns what is expected. Fails with the last that it has returned. */
+export async function eventually(look, expected) {
+  const end = Date.now() + patience;
+  let got = await look();
+  while (got !== expected && Date.now() < end) {
+    await new Promise((resolve) => setTimeout(resolve, 50));
+    got = await look();
+  }
+  assert.deepEqual(got, expected);
 }

@@ -17,6 +17,7 @@ inline constexpr std::string_view entryPage = R"html(<!doctype html>
 <meta name="viewport" content="width=device-width">
 <meta name="color-scheme" content="light dark">
 <title>zev</title>
+<link rel="icon" href="data:,">
 <script src="/enter.js" defer></script>
 </head>
 <body>

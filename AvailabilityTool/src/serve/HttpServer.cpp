@@ -1,4 +1,4 @@
-// Each connection has a thread of the library's pool, also while it waits for events.
+// Each connection has a thread, also while it waits for events.
 #include "serve/HttpServer.h"
 
 #include <sys/socket.h>
@@ -15,6 +15,7 @@
 
 #include "cli/Failure.h"
 #include "serve/EntryPage.h"
+#include "serve/WaitingServer.h"
 
 namespace tarn::tool {
 
@@ -23,9 +24,7 @@ namespace {
 using Verdict = RequestGuard::Verdict;
 
 /// The connections that can be open beside the streams of events.
-constexpr std::size_t otherConnections = 64;
-constexpr time_t idleSeconds = 3;
-constexpr std::size_t mostRequests = 100'000;
+constexpr std::size_t otherConnections = 256;
 
 constexpr int noContent = 204;
 constexpr int badRequest = 400;
@@ -100,7 +99,7 @@ class EventWriter {
       return write(sink, ": connected\n\n");
     }
     for (int i = 0; i < slicesOfSilence; ++i) {
-      if (auto const event = stream_->next(slice)) return write(sink, "data: " + *event + "\n\n");
+      if (auto const event = stream_->next(slice)) return writeFrom(sink, *event);
       if (stream_->isClosed()) {
         sink.done();
         return true;
@@ -111,6 +110,18 @@ class EventWriter {
   }
 
  private:
+  /// Writes what waits at once: a write costs more than an event.
+  bool writeFrom(httplib::DataSink& sink, std::string const& first) {
+    constexpr std::size_t enough = std::size_t{1} << 16U;
+    std::string text = "data: " + first + "\n\n";
+    while (text.size() < enough) {
+      auto const event = stream_->next(std::chrono::milliseconds(0));
+      if (!event) break;
+      text.append("data: ").append(*event).append("\n\n");
+    }
+    return write(sink, text);
+  }
+
   static bool write(httplib::DataSink& sink, std::string const& text) { return sink.write(text.data(), text.size()); }
 
   std::shared_ptr<service::EventStream> stream_;
@@ -198,7 +209,7 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
 /// Accepts connections in a thread of its own. The end of this waits for all requests.
 class Listener {
  public:
-  Listener(httplib::Server& server, service::Service& service)
+  Listener(WaitingServer& server, service::Service& service)
       : server_(server), service_(service), thread_([&server] { server.listen_after_bind(); }) {
     // Only a server that runs can be stopped.
     constexpr std::chrono::milliseconds slice{1};
@@ -206,6 +217,7 @@ class Listener {
   }
   ~Listener() {
     service_.closeStreams();
+    server_.endConnections();
     server_.stop();
     thread_.join();
   }
@@ -213,7 +225,7 @@ class Listener {
   Listener& operator=(Listener const&) = delete;
 
  private:
-  httplib::Server& server_;
+  WaitingServer& server_;
   service::Service& service_;
   std::thread thread_;
 };
@@ -222,18 +234,13 @@ class Listener {
 
 void serveOverHttp(service::Service& service, HttpOptions const& options, TerminationSignals const& signals,
                    std::ostream& out) {
-  httplib::Server server;
-  server.new_task_queue = [&service] {
-    return new httplib::ThreadPool(service.limits().streams + otherConnections);  // the server deletes it
-  };
+  WaitingServer server(service.limits().streams + otherConnections);
   // The library's own choice lets another program take the same port.
   server.set_socket_options([](auto socket) {
     int const yes = 1;
     ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   });
   server.set_tcp_nodelay(true);
-  server.set_keep_alive_timeout(idleSeconds);
-  server.set_keep_alive_max_count(mostRequests);
   server.set_default_headers(securityHeaders());
 
   Address const& address = options.address;

@@ -89,7 +89,8 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
     if (document.activeElement instanceof HTMLElement && takesText(document.activeElement))
       document.activeElement.blur();
     const sentence = await store.save();
-    if (sentence !== null && store.saveConflict.value === null) editor.notice.value = sentence;
+    // An older notice may say that something is not saved.
+    editor.notice.value = store.saveConflict.value === null ? (sentence ?? '') : '';
   };
 
   useEffect(() => {
@@ -120,7 +121,8 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
       } else if (!isCommand && !event.altKey && !takesText(event.target)) {
         if (event.key === '/') {
           event.preventDefault();
-          document.getElementById('search')?.focus();
+          const search = document.getElementById('search');
+          if (search instanceof HTMLInputElement) search.select();
         } else if (event.key === '?') {
           editor.helpIsOpen.value = true;
         } else if (key === 'w') {

@@ -94,9 +94,13 @@ export function TopBar({
               event.currentTarget.value = '';
               search('', 0);
             } else if (event.key === 'ArrowDown' || event.key === 'Enter') {
-              search(event.currentTarget.value, 0);
-              setTimeout(() => document.querySelector<HTMLElement>('.results [tabindex="0"]')?.focus(), searchPause);
               event.preventDefault();
+              clearTimeout(timer.current);
+              const first = () => document.querySelector<HTMLElement>('.results [tabindex="0"]')?.focus();
+              void store.search(event.currentTarget.value).then(
+                () => requestAnimationFrame(first),
+                () => {},
+              );
             }
           }}
         />

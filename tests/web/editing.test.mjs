@@ -1,0 +1,201 @@
+// From an empty case to a sound one, by mouse and by keyboard.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { after, before, test } from 'node:test';
+import { closeBrowser, eventually, field, flow, form, openBrowser, program, shows, side, status, tab, title, tree, treeItem, withPage } from './harness.mjs';
+
+before(openBrowser);
+after(closeBrowser);
+
+const empty = { ...flow, text: 'Case:\nEND # Case:\n', name: 'empty.tdf' };
+
+/** The findings of `zev validate` about the saved file: none. */
+function assertSound(server) {
+  const options = { encoding: 'utf8', stdio: ['ignore', 'pipe', 'ignore'] };
+  const printed = execFileSync(program, ['validate', '--rules', server.rules, server.file], options);
+  assert.equal(printed, '');
+}
+
+test(
+  'by mouse: findings lead to fields, a choice shows what it would do, an object is added, and the file is saved',
+  withPage(empty, {}, async ({ server, page }) => {
+    await shows(page, 'Case');
+    await tab(page, 'Findings 2').click();
+    const findings = side(page).getByRole('list').first();
+    await findings.getByRole('button', { name: 'Domain:Domain 1 / Location' }).click();
+    await shows(page, 'Domain 1');
+    await field(page, 'Location').getByRole('textbox').fill('AIR');
+    await field(page, 'Location').getByRole('textbox').press('Enter');
+    await findings.getByRole('button', { name: /Boundary:Default \/ Location/ }).click();
+    await shows(page, 'Default');
+    await field(page, 'Location').getByRole('textbox').fill('DUCT');
+    await tab(page, 'Findings').click();
+    await side(page).getByText('Nothing found.').waitFor();
+
+    // A choice shows its consequences before it is made, and the net effect afterwards.
+    await treeItem(page, 'Analysis').click();
+    await shows(page, 'Analysis');
+    const type = field(page, 'Analysis Type');
+    await type.getByRole('radio', { name: 'Transient' }).hover();
+    await type.getByText('Transient would do this').waitFor();
+    await type.getByText(/Time Step/).first().waitFor();
+    assert.equal(await type.getByRole('radio', { name: 'Steady' }).getAttribute('aria-checked'), 'true');
+    await type.getByRole('radio', { name: 'Transient' }).click();
+    await field(page, 'Total Time').waitFor();
+    await tab(page, 'Effects').click();
+    await side(page).getByRole('button', { name: /Total Time$/ }).first().click();
+    await field(page, 'Total Time').locator(':focus').waitFor();
+    await page.getByRole('button', { name: 'Undo', exact: true }).click();
+    await field(page, 'Total Time').waitFor({ state: 'detached' });
+    await page.getByRole('button', { name: 'Redo', exact: true }).click();
+    await field(page, 'Total Time').waitFor();
+
+    // A number with units; a slip is refused at the field, with the text kept.
+    const time = field(page, 'Total Time').getByRole('textbox');
+    await time.fill('1,5');
+    await time.press('Enter');
+    await field(page, 'Total Time').getByRole('button', { name: 'Use 1.5' }).click();
+    await eventually(() => time.inputValue(), '1.5');
+
+    // A new object, with a name of the user's choice.
+    await treeItem(page, /^Domain 1/).click();
+    await shows(page, 'Domain 1');
+    await form(page).getByRole('button', { name: 'Add Boundary' }).click();
+    await page.getByRole('dialog').getByRole('textbox', { name: 'Name' }).fill('inlet');
+    await page.getByRole('dialog').getByRole('button', { name: 'Add', exact: true }).click();
+    await shows(page, 'inlet');
+    await field(page, 'Location').getByRole('textbox').fill('AIR IN');
+    await field(page, 'Location').getByRole('textbox').press('Enter');
+    await tab(page, 'Findings').click();
+    await side(page).getByText('Nothing found.').waitFor();
+
+    await page.getByRole('button', { name: 'Save', exact: true }).click();
+    await page.getByText('not saved', { exact: true }).waitFor({ state: 'detached' });
+    assert.match(server.saved(), /Location = AIR IN/);
+    assertSound(server);
+  }),
+);
+
+test(
+  'by keyboard alone: the search leads to fields, arrows through the tree and choices, and Ctrl+S saves',
+  withPage(empty, {}, async ({ server, page }) => {
+    const { keyboard } = page;
+    await shows(page, 'Case');
+    const focused = () => page.locator(':focus');
+    const go = async (text, hit) => {
+      await keyboard.press('/');
+      await page.getByRole('searchbox').and(focused()).waitFor();
+      await keyboard.type(text);
+      await page.getByRole('list', { name: 'Hits' }).getByRole('button', { name: hit }).first().waitFor();
+      await keyboard.press('ArrowDown');
+      await page.getByRole('list', { name: 'Hits' }).locator(':focus').waitFor();
+      for (let i = 0; i < 20 && !hit.test(await focused().innerText()); i++) await keyboard.press('ArrowDown');
+      await keyboard.press('Enter');
+    };
+    await go('location', /Location\s+Domain:Domain 1$/);
+    await shows(page, 'Domain 1');
+    await field(page, 'Location').getByRole('textbox').and(focused()).waitFor();
+    await keyboard.type('AIR');
+    await keyboard.press('Enter');
+    await field(page, 'Location').getByText('set by you').waitFor();
+    // Leaving a field is enough, too.
+    await keyboard.press('Tab');
+    await go('location', /Location\s+.*Boundary:Default/);
+    await shows(page, 'Default');
+    await field(page, 'Location').getByRole('textbox').and(focused()).waitFor();
+    await keyboard.type('DUCT');
+    await keyboard.press('Tab');
+    await field(page, 'Location').getByText('set by you').waitFor();
+
+    // The tree is one stop of the Tab key, and F6 goes to it.
+    await keyboard.press('/');
+    await keyboard.press('Escape');
+    await tree(page).waitFor();
+    for (let i = 0; i < 5 && (await page.getByRole('treeitem').and(focused()).count()) === 0; i++) await keyboard.press('F6');
+    await keyboard.press('Home');
+    await treeItem(page, /^Case/).and(focused()).waitFor();
+    await keyboard.press('ArrowDown');
+    await treeItem(page, 'Analysis').and(focused()).waitFor();
+    await keyboard.press('Enter');
+    await shows(page, 'Analysis');
+    await keyboard.press('F6');
+    for (let i = 0; i < 20 && (await field(page, 'Analysis Type').locator(':focus').count()) === 0; i++) await keyboard.press('Tab');
+    await keyboard.press('ArrowRight');
+    await field(page, 'Analysis Type').getByRole('radio', { name: 'Transient' }).and(focused()).waitFor();
+    await field(page, 'Analysis Type').getByText('Transient would do this').waitFor();
+    await keyboard.press('Enter');
+    await field(page, 'Total Time').waitFor();
+    // "w" asks why, and the proof names the value that was set.
+    await keyboard.press('w');
+    await side(page).getByText(/Analysis Type/).first().waitFor();
+    await keyboard.press('Control+z');
+    await field(page, 'Total Time').waitFor({ state: 'detached' });
+    await keyboard.press('Control+Shift+Z');
+    await field(page, 'Total Time').waitFor();
+
+    await keyboard.press('Control+s');
+    await page.getByText('not saved', { exact: true }).waitFor({ state: 'detached' });
+    assert.match(server.saved(), /Analysis Type = Transient/);
+    assertSound(server);
+  }),
+);
+
+test(
+  'what is unavailable says why on demand, and how to get it',
+  withPage(flow, {}, async ({ page }) => {
+    await treeItem(page, 'Analysis').click();
+    await shows(page, 'Analysis');
+    assert.equal(await field(page, 'Time Step').count(), 0);
+    await form(page).getByRole('button', { name: /unavailable/ }).first().click();
+    const row = field(page, 'Time Step');
+    await row.getByRole('button', { name: 'Why Time Step' }).click();
+    await side(page).getByText(/Analysis Type/).first().waitFor();
+    await row.getByRole('button', { name: 'How to get Time Step' }).click();
+    await side(page).getByText('Each of these was tried.').waitFor();
+    await side(page).getByRole('button', { name: 'Do it' }).first().click();
+    await field(page, 'Time Step').getByRole('textbox').waitFor();
+  }),
+);
+
+test(
+  'values that the rules withdraw wait, and come back',
+  withPage(flow, {}, async ({ page }) => {
+    await treeItem(page, 'Analysis').click();
+    await shows(page, 'Analysis');
+    await field(page, 'Analysis Type').getByRole('radio', { name: 'Transient' }).click();
+    await page.getByRole('group', { name: 'Filters' }).getByRole('button', { name: /Waiting [1-9]/ }).waitFor();
+    await field(page, 'Length Scale').getByText('waiting', { exact: true }).waitFor();
+    await field(page, 'Analysis Type').getByRole('radio', { name: 'Steady' }).click();
+    const box = field(page, 'Length Scale').getByRole('textbox');
+    await box.waitFor();
+    assert.equal(await box.inputValue(), '0.02');
+  }),
+);
+
+test(
+  'objects are copied, renamed and removed; undo brings back what was removed',
+  withPage(flow, {}, async ({ page }) => {
+    const more = async (choice) => {
+      await form(page).getByRole('button', { name: 'More about this object' }).click();
+      await page.getByRole('menuitem', { name: choice }).click();
+    };
+    const name = async (text, button) => {
+      await page.getByRole('dialog').getByRole('textbox').fill(text);
+      await page.getByRole('dialog').getByRole('button', { name: button, exact: true }).click();
+    };
+    await treeItem(page, /^Air /).click();
+    await shows(page, 'Air');
+    await more('Copy');
+    await name('Warm Air', 'Copy');
+    await shows(page, 'Warm Air');
+    await more('Rename');
+    await name('Hot Air', 'Rename');
+    await shows(page, 'Hot Air');
+    await treeItem(page, /^Hot Air /).waitFor();
+    await more('Remove');
+    await treeItem(page, /^Hot Air /).waitFor({ state: 'detached' });
+    await page.getByRole('button', { name: 'Undo', exact: true }).click();
+    await treeItem(page, /^Hot Air /).waitFor();
+    assert.ok((await status(page).innerText()).length > 0);
+  }),
+);
