@@ -37,7 +37,15 @@ export type TreeRow = {
   position: number;
   size: number;
 } & (
-  | { kind: 'object'; path: string; parent: string; index: number; expandable: boolean; open: boolean }
+  | {
+      kind: 'object';
+      path: string;
+      parent: string;
+      index: number;
+      expandable: boolean;
+      open: boolean /** Its type is named by the row above. */;
+      isGrouped: boolean;
+    }
   | { kind: 'type'; parent: string; range: TypeRange; open: boolean }
   | { kind: 'missing'; parent: string; index: number }
 );
@@ -69,33 +77,48 @@ export function typeRanges(types: readonly ChildType[], old: readonly TypeRange[
   return ranges;
 }
 
+/** Whether the children of a type are behind a row of their own. */
+function hasOwnRow(range: TypeRange): boolean {
+  return !range.singleton && range.count > mostUngrouped;
+}
+
 /** The rows that are visible with the present state of all nodes, from the top. */
 export function treeRows(nodes: ReadonlyMap<string, TreeNode>, root: string): TreeRow[] {
   const rows: TreeRow[] = [];
   type Task =
-    | { kind: 'object'; path: string; parent: string; index: number; level: number; position: number; size: number }
+    | {
+        kind: 'object';
+        path: string;
+        parent: string;
+        index: number;
+        level: number;
+        position: number;
+        size: number;
+        isGrouped: boolean;
+      }
     | { kind: 'rows'; rows: TreeRow[] }
     | { kind: 'children'; node: TreeNode; range: TypeRange; level: number; firstPosition: number; size: number };
   // A stack of its own: models can be deep.
-  const tasks: Task[] = [{ kind: 'object', path: root, parent: '', index: 0, level: 1, position: 1, size: 1 }];
+  const tasks: Task[] = [
+    { kind: 'object', path: root, parent: '', index: 0, level: 1, position: 1, size: 1, isGrouped: false },
+  ];
   for (let task = tasks.pop(); task; task = tasks.pop()) {
     if (task.kind === 'rows') {
       rows.push(...task.rows);
       continue;
     }
     if (task.kind === 'object') {
-      const { path, parent, index, level, position, size } = task;
+      const { path, parent, index, level, position, size, isGrouped } = task;
       const node = nodes.get(path);
       const expandable = (node?.record?.children ?? 0) > 0;
       const open = expandable && node?.open === true;
-      rows.push({ kind: 'object', key: path, path, parent, index, level, position, size, expandable, open });
+      rows.push({ kind: 'object', key: path, path, parent, index, level, position, size, expandable, open, isGrouped });
       if (!open || !node?.types) continue;
-      const isGrouped = (range: TypeRange) => !range.singleton && range.count > mostUngrouped;
-      const total = node.types.reduce((sum, range) => sum + (isGrouped(range) ? 1 : range.count), 0);
+      const total = node.types.reduce((sum, range) => sum + (hasOwnRow(range) ? 1 : range.count), 0);
       const next: Task[] = [];
       let at = 1;
       for (const range of node.types) {
-        if (isGrouped(range)) {
+        if (hasOwnRow(range)) {
           const key = `${path}\n${range.type}`;
           const row: TreeRow = {
             kind: 'type',
@@ -131,7 +154,16 @@ export function treeRows(nodes: ReadonlyMap<string, TreeNode>, root: string): Tr
           rows: [{ kind: 'missing', key, parent: node.path, index, level, position, size }],
         });
       } else {
-        tasks.push({ kind: 'object', path, parent: node.path, index, level, position, size });
+        tasks.push({
+          kind: 'object',
+          path,
+          parent: node.path,
+          index,
+          level,
+          position,
+          size,
+          isGrouped: hasOwnRow(range),
+        });
       }
     }
   }

@@ -542,13 +542,12 @@ export class DocumentStore {
       renamed?.name === undefined ? parentOf(top) : `${gone.slice(0, gone.lastIndexOf(':') + 1)}${renamed.name}`;
     this.selected.value = next.length < this.root.length ? this.root : next;
     this.tree.active.value = this.selected.value;
-    this.form.value = null;
   }
 
   private async refreshForm(result: EditResult): Promise<void> {
     const form = this.form.value;
     const effect = result.effect;
-    if (!form || form.total <= longForm || !effect || effect.cut) {
+    if (!form || form.path !== this.selected.value || form.total <= longForm || !effect || effect.cut) {
       await this.loadForm();
     } else {
       // A long form is not read again. The effect says which parameters came and went.

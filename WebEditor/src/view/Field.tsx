@@ -51,6 +51,7 @@ function Row({
   mark,
   menu,
   children,
+  onLeave,
 }: {
   param: Param;
   labelId: string;
@@ -58,11 +59,21 @@ function Row({
   mark?: ComponentChildren;
   menu: ComponentChildren;
   children: ComponentChildren;
+  /** The focus goes to another row, or out of the form. */
+  onLeave?: () => void;
 }) {
   const label = param.label ?? param.name;
   return (
     // biome-ignore lint/a11y/useSemanticElements: a fieldset for each row would be read out as a group of groups
-    <div class={`row ${kind}`} data-param={param.name} role="group" aria-labelledby={labelId}>
+    <div
+      class={`row ${kind}`}
+      data-param={param.name}
+      role="group"
+      aria-labelledby={labelId}
+      onFocusOut={(event) => {
+        if (!(event.relatedTarget instanceof Node && event.currentTarget.contains(event.relatedTarget))) onLeave?.();
+      }}
+    >
       <div class="row-label">
         <span id={labelId} class="label" title={label === param.name ? undefined : param.name}>
           {shorten(label, 120)}
@@ -217,9 +228,16 @@ export async function showTrial(store: DocumentStore, edits: Edit[]): Promise<vo
     result,
     decide: (isWanted) => {
       store.preview.value = null;
-      if (isWanted) void store.commit(edits);
+      if (isWanted) void commitTried(store, edits);
     },
   };
+}
+
+async function commitTried(store: DocumentStore, edits: Edit[]): Promise<void> {
+  const outcome = await store.commit(edits);
+  if (outcome.kind !== 'applied') return;
+  for (const { kind, path, name } of edits)
+    if (kind === 'set-param' && name !== undefined) store.setDraft({ path, name }, null);
 }
 
 /** Commits the draft of a field, if there is one. */
@@ -343,6 +361,12 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
       kind={`present${param.origin === 'user' ? ' set' : ''}`}
       mark={(param.valueInModel ?? param.defaultValue) !== param.value && <Mark kind="changed" />}
       menu={<Menu label={`More about ${param.name}`} items={items} />}
+      onLeave={() => {
+        // A text that was refused stays as it is, one that someone else has overtaken waits for a decision, and one
+        // that is tried is not to be set yet.
+        if (draft === null || draft.problem || isElsewhere || store.preview.peek() !== null) return;
+        void commitDraft(store, param);
+      }}
     >
       <Control
         store={store}

@@ -112,6 +112,7 @@ function ObjectHeader({
           option={dialog === 'rename' ? 'Also change the values that name it' : null}
           onClose={() => setDialog(null)}
           onDone={async (text, follow) => {
+            if (text.includes('/')) return noSlash;
             const kind = dialog === 'rename' ? ('rename-object' as const) : ('duplicate-object' as const);
             const outcome = await store.commit([{ kind, path, name: text }], { followReferences: follow });
             if (outcome.kind === 'refused') return outcome.problem.sentence;
@@ -276,6 +277,7 @@ function FormRowView({
   );
 }
 
+const noSlash = 'A name cannot contain “/”, which divides paths.';
 const shownChildren = 12;
 
 function Children({ store, form, isReadOnly }: { store: DocumentStore; form: Form; isReadOnly: boolean }) {
@@ -392,6 +394,7 @@ function ChildTypeView({
             : {})}
           onClose={() => setAdding(false)}
           onDone={async (name) => {
+            if (name.includes('/')) return noSlash;
             const added = `${path}/${type.type}:${name}`;
             const outcome = await store.commit([{ kind: 'add-object', path: added }]);
             if (outcome.kind === 'refused') return outcome.problem.sentence;

@@ -109,9 +109,6 @@ export function TextField({
     placeholder: param.required ? 'needs a value' : 'no value',
     onInput: (event: { currentTarget: HTMLInputElement | HTMLTextAreaElement }) => onInput(event.currentTarget.value),
     onKeyDown,
-    onBlur: () => {
-      if (store.draft(item).peek() !== null) onCommit();
-    },
   };
   if (isLong || isWhole || value.length > 120) {
     return (

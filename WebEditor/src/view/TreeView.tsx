@@ -148,7 +148,8 @@ function TreeItem({
   const canOpen = row.kind === 'type' || (row.kind === 'object' && row.expandable);
   const isOpen = canOpen && row.open;
   const text = rowText(row, store.tree.nodes);
-  const type = record && !record.singleton && record.name !== '' ? (record.label ?? record.type) : '';
+  const isGrouped = row.kind === 'object' && row.isGrouped;
+  const type = record && !record.singleton && record.name !== '' && !isGrouped ? (record.label ?? record.type) : '';
   return (
     // biome-ignore lint/a11y/useKeyWithClickEvents: the tree handles the keys of all its rows
     <div
