@@ -33,6 +33,8 @@ export type Draft = {
   unit?: string;
   /** The value of the field when typing began, to notice that someone else has changed it. */
   base: string;
+  /** It is on its way to the server. */
+  isSent?: true;
   /** Why the text was not taken. */
   problem?: Problem;
 };
@@ -715,7 +717,7 @@ export class DocumentStore {
                 ? 'new object'
                 : 'removed'
               : `${one.inModel ?? 'absent'} → ${one.now ?? 'absent'}`;
-          list.push({ item: itemOf(one.path, one.name), note, group: 'Different from the file' });
+          list.push({ item: itemOf(one.path, one.name), note, group: 'Different from the opened model' });
         }
       } else if (filter === 'waiting') {
         const answer = await this.connection.call('waiting', { document, limit });

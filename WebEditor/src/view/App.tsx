@@ -175,7 +175,7 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
     <div class={`app pane-${pane}${isReadOnly ? ' read-only' : ''}`}>
       <TopBar editor={editor} store={store} isReadOnly={isReadOnly} onSave={() => void save()} />
       <Banners editor={editor} />
-      <div class="panes">
+      <main class="panes">
         <nav class="tree-pane" aria-label="Objects">
           {store.hits.value ? (
             <Results store={store} onShow={show('form')} />
@@ -183,13 +183,13 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
             <TreeView key={store.document} store={store} onShow={show('form')} />
           )}
         </nav>
-        <main class="form-pane">
+        <section class="form-pane" aria-label="Form">
           <FormView store={store} isReadOnly={isReadOnly} onBack={show('tree')} />
-        </main>
-        <aside class="side-pane" aria-label="Effects, reasons and findings">
+        </section>
+        <section class="side-pane" aria-label="Effects, reasons and findings">
           <SidePanel store={store} isReadOnly={isReadOnly} onBack={show('form')} />
-        </aside>
-      </div>
+        </section>
+      </main>
       <footer class="status">
         <p role="status" aria-live="polite">
           {store.isWorking.value ? 'Working …' : store.announcement.value}

@@ -52,6 +52,7 @@ function Row({
   menu,
   children,
   onLeave,
+  inputId,
 }: {
   param: Param;
   labelId: string;
@@ -61,8 +62,11 @@ function Row({
   children: ComponentChildren;
   /** The focus goes to another row, or out of the form. */
   onLeave?: () => void;
+  /** The box that the label belongs to, if there is one. */
+  inputId?: string;
 }) {
   const label = param.label ?? param.name;
+  const named = { id: labelId, class: 'label', ...(label === param.name ? {} : { title: param.name }) };
   return (
     // biome-ignore lint/a11y/useSemanticElements: a fieldset for each row would be read out as a group of groups
     <div
@@ -75,9 +79,13 @@ function Row({
       }}
     >
       <div class="row-label">
-        <span id={labelId} class="label" title={label === param.name ? undefined : param.name}>
-          {shorten(label, 120)}
-        </span>
+        {inputId === undefined ? (
+          <span {...named}>{shorten(label, 120)}</span>
+        ) : (
+          <label for={inputId} {...named}>
+            {shorten(label, 120)}
+          </label>
+        )}
         {param.required && param.present && (
           <span class="required" title="required">
             <span aria-hidden="true">*</span>
@@ -197,8 +205,8 @@ function Mark({ kind }: { kind: 'changed' | 'waiting' }) {
     );
   }
   return (
-    <span class="mark mark-changed" title="different from the file">
-      <span class="hidden-text">different from the file</span>
+    <span class="mark mark-changed" title="different from the opened model">
+      <span class="hidden-text">different from the opened model</span>
     </span>
   );
 }
@@ -244,7 +252,7 @@ async function commitTried(store: DocumentStore, edits: Edit[]): Promise<void> {
 export async function commitDraft(store: DocumentStore, param: Param): Promise<void> {
   const item = { path: param.path, name: param.name };
   const draft = store.draft(item).peek();
-  if (draft === null) return;
+  if (draft === null || draft.isSent) return;
   if (draft.text === fieldText(param) && (draft.unit === undefined || draft.unit === fieldUnit(param, null))) {
     store.setDraft(item, null);
     return;
@@ -255,6 +263,7 @@ export async function commitDraft(store: DocumentStore, param: Param): Promise<v
     store.setDraft(item, { ...draft, problem: { sentence, ...(suggestion === undefined ? {} : { suggestion }) } });
     return;
   }
+  store.setDraft(item, { ...draft, isSent: true });
   settle(store, param, draft, await store.commit([wanted.edit], { askFirst: true }));
 }
 
@@ -360,6 +369,7 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
       labelId={id}
       kind={`present${param.origin === 'user' ? ' set' : ''}`}
       mark={(param.valueInModel ?? param.defaultValue) !== param.value && <Mark kind="changed" />}
+      {...(usesTextBox(param) ? { inputId: inputIdOf(id) } : {})}
       menu={<Menu label={`More about ${param.name}`} items={items} />}
       onLeave={() => {
         // A text that was refused stays as it is, one that someone else has overtaken waits for a decision, and one
@@ -486,6 +496,13 @@ function ProblemText({
   );
 }
 
+/** Values that are not chosen from a list are typed. */
+function usesTextBox(param: Param): boolean {
+  return param.allowed ? param.allowed.allowsAnyValue : param.type !== 'Logical';
+}
+
+const inputIdOf = (labelId: string) => `${labelId}-input`;
+
 function Control({
   store,
   param,
@@ -546,7 +563,7 @@ function Control({
         store={store}
         param={param}
         draft={draft}
-        labelId={labelId}
+        inputId={inputIdOf(labelId)}
         describedBy={describedBy}
         isReadOnly={isReadOnly}
         isInvalid={isInvalid}

@@ -100,7 +100,7 @@ function Effects({ store, isReadOnly }: { store: DocumentStore; isReadOnly: bool
       ))}
       {waiting.total > 0 && (
         <section class="side-section">
-          <h3>{`Waiting ${waiting.total.toLocaleString('en-US')}`}</h3>
+          <h2>{`Waiting ${waiting.total.toLocaleString('en-US')}`}</h2>
           <p class="soft">Kept, and in force again when the rules allow it.</p>
           <ul class="lines">
             {waiting.list.slice(0, 50).map((one) => (
@@ -184,10 +184,10 @@ function WhyAndHow({ store, isReadOnly }: { store: DocumentStore; isReadOnly: bo
     <>
       {item && (
         <div class="side-title">
-          <h3>
+          <h2>
             {why ? 'Why ' : 'How to get '}
             <ItemLink store={store} item={item} />
-          </h3>
+          </h2>
           {why ? (
             <button type="button" class="small" onClick={() => void store.askHow(item)}>
               How to change it
@@ -223,7 +223,7 @@ function Ways({ store, result, isReadOnly }: { store: DocumentStore; result: How
       </p>
       {result.ways.map((way, i) => (
         <section key={JSON.stringify(way.edits)} class="way">
-          {result.ways.length > 1 && <h4>{`Way ${i + 1}`}</h4>}
+          {result.ways.length > 1 && <h3>{`Way ${i + 1}`}</h3>}
           <ol>
             {way.edits.map((edit) => (
               <li key={editText(edit, store.root)}>
@@ -257,7 +257,7 @@ function Ways({ store, result, isReadOnly }: { store: DocumentStore; result: How
       ))}
       {result.blocking && result.ways.length === 0 && (
         <>
-          <h4>In the way</h4>
+          <h3>In the way</h3>
           <ProofView store={store} proof={result.blocking} />
         </>
       )}

@@ -47,7 +47,7 @@ export function TextField({
   store,
   param,
   draft,
-  labelId,
+  inputId,
   describedBy,
   isReadOnly,
   isInvalid,
@@ -56,7 +56,7 @@ export function TextField({
   store: DocumentStore;
   param: Param;
   draft: Draft | null;
-  labelId: string;
+  inputId: string;
   describedBy: string;
   isReadOnly: boolean;
   isInvalid: boolean;
@@ -97,7 +97,7 @@ export function TextField({
   const common = {
     ref: input,
     'data-main': '',
-    'aria-labelledby': labelId,
+    id: inputId,
     'aria-describedby': describedBy,
     'aria-invalid': isInvalid || undefined,
     'aria-required': param.required,
