@@ -176,10 +176,10 @@ export async function assertAccessible(page, state) {
 
 export const tree = (page) => page.getByRole('tree', { name: 'Objects' });
 export const treeItem = (page, name) => tree(page).getByRole('treeitem', { name });
-export const form = (page) => page.getByRole('main');
+export const form = (page) => page.getByRole('region', { name: 'Form' });
 export const title = (page, name) => form(page).getByRole('heading', { level: 2, name, exact: true });
 export const field = (page, name) => form(page).getByRole('group', { name, exact: true }).or(form(page).getByRole('group', { name: `${name} required`, exact: true }));
-export const side = (page) => page.getByRole('complementary');
+export const side = (page) => page.getByRole('region', { name: 'Effects, reasons and findings' });
 export const tab = (page, name) => side(page).getByRole('tab', { name });
 export const status = (page) => page.getByRole('contentinfo').getByRole('status');
 
