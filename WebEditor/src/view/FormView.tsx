@@ -11,7 +11,7 @@ import { NameDialog } from './Dialogs';
 import { Field, rowEstimate } from './Field';
 import { Icon } from './Icon';
 import { Menu, type MenuItem } from './Menu';
-import { useWindow } from './useWindow';
+import { mostRendered, useWindow } from './useWindow';
 
 export function FormView({
   store,
@@ -168,6 +168,7 @@ function Rows({
     rowKey: keyAt,
     keep: rows.findIndex((row) => row.kind === 'param' && row.name === keepName),
     margin,
+    always: form.total > mostRendered,
   });
 
   useLayoutEffect(() => {

@@ -88,6 +88,9 @@ export function TextField({
     if (event.key === 'Enter' && !event.isComposing) {
       event.preventDefault();
       onCommit();
+    } else if (event.key === 'Tab') {
+      // Leaving for the menu of the row is leaving, too. With the pointer it is not: the menu can try what was typed.
+      if (store.draft(item).peek()?.problem === undefined) onCommit();
     } else if (event.key === 'Escape' && store.draft(item).peek() !== null) {
       event.preventDefault();
       event.stopPropagation();
