@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph schema show console serve --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph schema show console serve study --version -h --help' -- "$current")
     return
   fi
 
@@ -26,6 +26,7 @@ _zev() {
       [[ ${COMP_WORDS[1]} != validate && ${COMP_WORDS[1]} != lint ]] || formats+=' sarif'
       [[ ${COMP_WORDS[1]} != test ]] || formats+=' junit'
       [[ ${COMP_WORDS[1]} != graph ]] || formats='mermaid dot json'
+      [[ ${COMP_WORDS[1]} != study ]] || formats='csv parquet'
       mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
       return
       ;;
@@ -43,7 +44,7 @@ _zev() {
       ;;
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
-    -j | --jobs | --limit | --depth | --filter | --fail-under) return ;;                  # a number or a text
+    -j | --jobs | --batch | --part | --scheduler | --limit | --depth | --filter | --fail-under) return ;;                  # a number or a text
     --http | --host-name) return ;; # an address
   esac
 
@@ -70,6 +71,7 @@ _zev() {
     serve)
       options+=' --rules --root --stdio --http --folder --token-file --host-name --web --recovery --no-recovery'
       ;;
+    study) options+=' --out --points --format --jobs --scheduler --part --batch --quiet' ;;
     *) return ;;
   esac
   if [[ $current == -* ]]; then

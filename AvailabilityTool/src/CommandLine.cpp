@@ -30,6 +30,7 @@
 #include "schema/SchemaCommand.h"
 #include "serve/ServeCommand.h"
 #include "show/ShowCommand.h"
+#include "study/StudyCommand.h"
 #include "test/TestCommand.h"
 #include "validate/ValidateCommand.h"
 #include "why/WhyCommand.h"
@@ -52,6 +53,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
   addServeCommand(app, chosen);
+  addStudyCommand(app, chosen);
 }
 
 int printUsage(CLI::App const& app, CLI::ParseError const& error) {
@@ -83,7 +85,7 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
 /// The options of a command that take more than one value.
 std::vector<ListOption> listOptions(std::string const& command) {
   if (command == "validate") return validateListOptions();
-  if (command == "lint" || command == "schema") return {};
+  if (command == "lint" || command == "schema" || command == "study") return {};
   if (command == "test") return {{"--rules", looksLikeRulesUnderTest}};
   return {{"--rules", looksLikeRules}};
 }

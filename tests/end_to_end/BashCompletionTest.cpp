@@ -58,15 +58,15 @@ TEST_F(BashCompletion, IsRegisteredForTheProgram) {
 TEST_F(BashCompletion, OffersTheCommandsFirst) {
   EXPECT_THAT(complete({""}),
               UnorderedElementsAre("edit", "validate", "why", "how", "find", "eval", "lint", "test", "graph", "schema",
-                                   "show", "console", "serve", "--version", "-h", "--help"));
+                                   "show", "console", "serve", "study", "--version", "-h", "--help"));
   EXPECT_THAT(complete({"v"}), UnorderedElementsAre("validate"));
 }
 
 TEST_F(BashCompletion, OffersEachCommandTheOptionsOfItsHelp) {
   for (std::string const command : {"edit", "validate", "why", "how", "find", "eval", "lint", "test", "graph", "schema",
-                                    "show", "console", "serve"}) {
+                                    "show", "console", "serve", "study"}) {
     std::string const help = outputOf(std::string(TARN_ZEV) + ' ' + command + " --help");
-    std::regex const option("\n  (?:(-[a-z]),)?(--[a-z-]+)");
+    std::regex const option("\n  (?:(-[a-z]), ?)?(--[a-z-]+)");
     std::set<std::string> expected;
     for (std::sregex_iterator at(help.begin(), help.end(), option), end; at != end; ++at) {
       expected.insert((*at)[2]);

@@ -1,0 +1,38 @@
+"""What the tests of studies share: small rules, a model, and studies over them."""
+
+import os
+import pathlib
+import subprocess
+import sys
+
+import pytest
+
+DATA = pathlib.Path(__file__).parent / "data"
+RULES, MODEL = str(DATA / "channel.rules.yaml"), str(DATA / "channel.tdf")
+
+
+@pytest.fixture
+def described(tmp_path):
+    """A function that writes the description of a study, with rules and model already in it, and returns its path."""
+
+    def write(text, name="study.yaml", head=True):
+        path = tmp_path / name
+        start = f"Study: 1\nRules: {RULES}\nModel: {MODEL}\n" if head else ""
+        path.write_text(start + text, encoding="utf-8")
+        return path
+
+    return write
+
+
+def study_process(*arguments, **options):
+    """A process that runs `python3 -m tarn.study`."""
+    environment = dict(os.environ, COLUMNS="100")
+    return subprocess.Popen([sys.executable, "-m", "tarn.study", *map(str, arguments)], text=True,
+                            stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment, **options)
+
+
+def run_command(*arguments):
+    """Runs `python3 -m tarn.study` and returns its status, its output and its messages."""
+    process = study_process(*arguments)
+    shown, messages = process.communicate(timeout=120)
+    return process.returncode, shown, messages
