@@ -13,4 +13,5 @@ PYBIND11_MODULE(_tarn, module) {
   defineModels(module);
   defineReview(module);
   defineSession(module);
+  module.attr("version") = TARN_VERSION;
 }

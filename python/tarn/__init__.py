@@ -23,6 +23,7 @@ from tarn.records import (BoundsChange, ChildTypeRecord, ChoicesChange, Conversi
 from tarn.reviewing import Review, Reviewed, review
 from tarn.rules import Rules, lint_rules, lint_text, load_rules, parse_rules
 from tarn.session import QueryResult, Session
+from tarn._tarn import version as __version__
 
 __all__ = [
     "BoundsChange", "ChildTypeRecord", "ChoicesChange", "Conversion", "Diagnostic", "DiagnosticFix", "DiagnosticNote",

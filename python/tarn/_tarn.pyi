@@ -7,6 +7,8 @@ from tarn.records import (ChildTypeRecord, Diagnostic, Difference, Edit, EditRes
                           HowResult, Item, ObjectRecord, OwnValue, ParamRecord, Proof, Refused, Step, TryResult,
                           Waiting)
 
+version: str
+
 class Rules:
     def __init__(self, sources: list[tuple[str, bytes]]) -> None: ...
     def root_types(self) -> list[str]: ...

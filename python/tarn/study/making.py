@@ -18,7 +18,7 @@ from tarn.study.errors import Fault, Place, StudyError, nearest
 from tarn.study.patterns import matches, split_parameter
 from tarn.study.study import Study
 
-VERSION: str = getattr(tarn, "__version__", "")
+VERSION = tarn.__version__
 
 MOST_SENTENCES = 20
 """A row of the table lists at most so many reasons, and so many findings. Their numbers are always complete."""
