@@ -1,4 +1,4 @@
-"""What the tests of studies share: small rules, a model, and studies over them."""
+"""The common part of the tests of studies: small rules, a model, and studies over them."""
 
 import os
 import pathlib

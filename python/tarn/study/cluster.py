@@ -144,7 +144,7 @@ class ClusterExecutor:
         mean_seconds = 0.0
         while True:
             if not self._is_connected():
-                # Whatever was under way there, none of its results can come any more.
+                # No result of the batches that were under way can come any more.
                 for sent in under_way:
                     work.again(sent.batch)
                 under_way.clear()

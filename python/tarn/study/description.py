@@ -30,8 +30,8 @@ DESIGNS = ("Full Factorial", "Latin Hypercube", "One at a Time", "Table")
 def read_study(path: str | os.PathLike[str]) -> Study:
     """Reads a study from a file. Paths in it are relative to the folder of the file.
 
-    Raises `StudyError` with all mistakes of the description. What only the rules and the model can show, such as a
-    pattern that meets nothing, is found when the study is opened.
+    Raises `StudyError` with all mistakes of the description. Some mistakes show only with the rules and the model, such
+    as a pattern that meets nothing: `prepare` finds these.
     """
     reader = _Reader(os.fspath(path))
     study = reader.study()

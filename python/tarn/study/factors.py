@@ -132,7 +132,7 @@ def range_texts(lowest: int, highest: int) -> Sequence[str]:
 
 @dataclass(frozen=True)
 class _Distribution:
-    """What distributions share: they can be cut off at both ends, and their levels are evenly spread quantiles."""
+    """The common part of distributions: they can be cut off at both ends, and their levels are evenly spread quantiles."""
 
     lowest: float | None = field(default=None, kw_only=True)
     highest: float | None = field(default=None, kw_only=True)

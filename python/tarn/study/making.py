@@ -67,7 +67,7 @@ def digest_of(*parts: object) -> str:
 
 @dataclass
 class MadePoint:
-    """What became of a point."""
+    """A point that was made, and what became of it."""
 
     number: int
     status: str = "failed"

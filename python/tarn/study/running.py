@@ -43,7 +43,7 @@ class Counts:
     not_as_asked: int = 0
     seconds: float = 0.0
     note: str = ""
-    """What the study is waiting for, such as a scheduler."""
+    """The thing that the study is waiting for, such as a scheduler."""
 
     def add(self, made: MadePoint) -> None:
         self.finished += 1
@@ -118,7 +118,7 @@ def run_study(study: Study, folder: str | os.PathLike[str], *, jobs: int | None 
     the same folder; whoever finishes the last point writes the table. `batch` fixes the size of batches. None of these
     has an influence on the results. `progress` is called about ten times a second.
 
-    Raises `StudyError` for a study or a folder that cannot be used. What is finished stays finished, whatever happens.
+    Raises `StudyError` for a study or a folder that cannot be used. Finished points stay finished, whatever happens.
     """
     check_format(table)
     if not 1 <= part[0] <= part[1]:
@@ -160,7 +160,7 @@ def run_study(study: Study, folder: str | os.PathLike[str], *, jobs: int | None 
 
 
 def identity_of(study: Study, prepared: PreparedStudy) -> dict[str, str | int]:
-    """What makes a study this one and no other, in parts that a message can name."""
+    """The identity of a study, in parts that a message can name."""
     return {"version": VERSION, "rules": prepared.rules_digest, "model": digest_of(prepared.model.content),
             "root": study.root or "", "models": study.models, "parameters": prepared.digest, "factors": digest_of(study.factors), "design": digest_of(study.design), "seed": study.seed,
             "outputs": digest_of(study.outputs)}
