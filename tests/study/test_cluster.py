@@ -76,7 +76,7 @@ def plain(tmp_path_factory):
 
 
 def wait_for_lines(process, out, wanted):
-    until = time.monotonic() + 60
+    until = time.monotonic() + 120
     while process.poll() is None and journal_lines(out) < wanted and time.monotonic() < until:
         time.sleep(0.01)
     assert process.poll() is None, process.communicate()
