@@ -133,8 +133,9 @@ class Writer {
       case Fact::NoAllowedValue:
         return item + " is absent: no value is allowed now";
       case Fact::NameNotAllowed:
-        return item + " is absent: allowed names are " +
-               (node.needed.empty() ? "none" : listed(node.needed, node.needed.size()));
+        return item + " is absent: " +
+               (node.needed.empty() ? "no name is allowed now"
+                                    : "allowed names are " + listed(node.needed, node.needed.size()));
       case Fact::NotAskedFor:
         return item + " is absent: nobody has added it";
       case Fact::NotInModel:
@@ -171,8 +172,9 @@ class Writer {
       case Fact::Blank:
         return item + " has no value: the rules give no default" + placed(node.place);
       case Fact::NotInList:
-        return quoted(node.value) + " is not allowed for " + item + ": allowed are " +
-               (node.needed.empty() ? "none" : listed(node.needed, node.needed.size()));
+        return quoted(node.value) + " is not allowed for " + item + ": " +
+               (node.needed.empty() ? "no value is allowed now"
+                                    : "allowed are " + listed(node.needed, node.needed.size()));
       case Fact::Unused:
         return quoted(node.value) + " is never allowed for " + item + placed(node.place);
       case Fact::CheckFails:
@@ -288,6 +290,8 @@ class Writer {
     std::string const text = partText(rule, part);
     if (part.total == 0) return text + ": no object matches";
     std::string const number = std::to_string(part.agreeing) + " of " + std::to_string(part.total);
+    // The object follows. In a large set there may be more that were not looked at.
+    if (part.operation == Operation::Any && part.result.truth && part.agreeing == 1) return text + ": holds";
     bool const isOfHolding = (part.operation == Operation::Any) == part.result.truth;
     bool const holds = isOfHolding || part.result.truth;
     return text + ": " + (holds ? "holds" : "fails") + " for " + number;
@@ -342,9 +346,7 @@ class Writer {
 
   std::string needText(ProofNode const& node, ProofRule const& rule, Operation operation, bool wanted,
                        Explanation::Node const& other) const {
-    std::string const value = other.operation == Operation::Literal || other.result.kind == Result::Kind::List
-                                  ? resultText(other.result)
-                                  : subjectText(node, rule, other);
+    std::string const value = neededText(node, rule, other);
     switch (operation) {
       case Operation::Equal:
         return wanted ? value : "a value other than " + value;
@@ -365,6 +367,28 @@ class Writer {
     }
   }
 
+  /// "'5', the value of Height".
+  std::string neededText(ProofNode const& node, ProofRule const& rule, Explanation::Node const& part) const {
+    if (part.operation == Operation::Literal || part.result.kind == Result::Kind::List) return resultText(part.result);
+    if (part.operation == Operation::Parameter && !part.reads.empty()) {
+      ProofRead const& read = rule.reads[part.reads.front()];
+      std::string const name = nameOf(node, read.read);
+      if (!read.read.isPresent) return "the value of " + name + ", which is absent";
+      return quoted(part.result.text) + ", the value " +
+             (read.isOld ? "that " + name + " had when this was decided" : "of " + name);
+    }
+    std::string const text = operandText(rule, part);
+    return resultText(part.result) + (text.empty() ? std::string() : ", which is " + text);
+  }
+
+  /// Words for `name()`, which says nothing to a user who looks at several objects.
+  static std::string operandText(ProofRule const& rule, Explanation::Node const& part) {
+    bool const isOfObject =
+        part.operation == Operation::Function && part.children.empty() && (part.name == "name" || part.name == "type");
+    if (isOfObject) return "the " + part.name + " of " + printable(part.context.empty() ? "/" : part.context);
+    return partText(rule, part);
+  }
+
   /// "Motion is 'Stationary'".
   std::string subjectText(ProofNode const& node, ProofRule const& rule, Explanation::Node const& part) const {
     if (part.operation == Operation::Parameter && !part.reads.empty()) {
@@ -375,7 +399,7 @@ class Writer {
       return name + " was " + value + " when this was decided (now " +
              (read.valueNow ? quoted(*read.valueNow) : "absent") + "; decided again at the next edit)";
     }
-    std::string const text = partText(rule, part);
+    std::string const text = operandText(rule, part);
     return (text.empty() ? std::string("it") : text) + " is " + resultText(part.result);
   }
 
@@ -430,7 +454,7 @@ class Writer {
         continue;
       if (below.operation == Operation::Count) {
         writeObjects(node, rule, below, false, indent);
-      } else if (below.result.kind == Result::Kind::Truth) {
+      } else if (below.result.kind == Result::Kind::Truth || below.operation == Operation::NamedRule) {
         writePart(node, rule, child, false, indent);
       } else {
         writeFurtherOperands(node, rule, below, indent);

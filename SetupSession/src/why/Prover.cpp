@@ -10,6 +10,8 @@
 #include <tarn/RuleAttributes.h>
 #include <tarn/StringUtilities.h>
 
+#include "why/ValueInList.h"
+
 namespace tarn::session {
 
 namespace {
@@ -28,59 +30,6 @@ ParamAvail const* contextOf(RuledState const& state, ObjDependDef const& rules, 
 
 bool isLive(std::vector<std::string> const& contexts, std::string const& value) {
   return contexts.empty() || std::find(contexts.begin(), contexts.end(), value) != contexts.end();
-}
-
-/// Removes the parts that no part has as a child any more, and what only they have read.
-void removeUnreached(Explanation& explanation) {
-  auto& nodes = explanation.nodes;
-  constexpr auto none = static_cast<std::size_t>(-1);
-  std::vector<std::size_t> newNode(nodes.size(), none);
-  std::vector<std::size_t> newRead(explanation.reads.size(), none);
-  std::vector<Explanation::Node> keptNodes;
-  std::vector<ModelRead> keptReads;
-  // Children come after their parent, so one pass finds all that are reached.
-  std::vector<bool> isReached(nodes.size(), false);
-  isReached.front() = true;
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
-    if (!isReached[i]) continue;
-    for (std::size_t const child : nodes[i].children) isReached[child] = true;
-    newNode[i] = keptNodes.size();
-    for (std::size_t& read : nodes[i].reads) {
-      if (newRead[read] == none) {
-        newRead[read] = keptReads.size();
-        keptReads.push_back(std::move(explanation.reads[read]));
-      }
-      read = newRead[read];
-    }
-    keptNodes.push_back(std::move(nodes[i]));
-  }
-  for (Explanation::Node& node : keptNodes) {
-    for (std::size_t& child : node.children) child = newNode[child];
-  }
-  nodes = std::move(keptNodes);
-  explanation.reads = std::move(keptReads);
-}
-
-/// Keeps of a list with conditions only the items that decide whether `value` is in it: those that have this value, and
-/// those whose value is computed.
-void followValue(Explanation& explanation, std::string const& value) {
-  auto& nodes = explanation.nodes;
-  std::size_t list = 0;
-  while (list < nodes.size() && nodes[list].operation == Explanation::Operation::NamedRule &&
-         !nodes[list].children.empty()) {
-    list = nodes[list].children.front();
-  }
-  if (list >= nodes.size() || nodes[list].operation != Explanation::Operation::ListOfItems) return;
-  auto const isOfValue = [&](Explanation::Node const& item) {
-    return item.operation != Explanation::Operation::Literal || item.result.text == value;
-  };
-  std::erase_if(nodes[list].children, [&](std::size_t const index) {
-    Explanation::Node const& item = nodes[index];
-    bool const isGuarded = item.operation == Explanation::Operation::Choice && item.length == 0;
-    if (!isGuarded) return !isOfValue(item);
-    return item.children.size() > 1 && !isOfValue(nodes[item.children[1]]);
-  });
-  removeUnreached(explanation);
 }
 
 /// The key under which the allowed values are written.
@@ -220,14 +169,14 @@ ProofRead Prover::readOf(ModelRead read, DecisionModel const& model) const {
 }
 
 Explanation::Result Prover::addRule(std::size_t node, std::string attribute, RuleExpression const& expression,
-                                    std::string const* value) {
+                                    std::function<void(Explanation&)> const& trim) {
   Item const& item = proof_.nodes[node].item;
   DecisionModel const model(former_, item);
   std::string const owner = item.isParam() ? item.path : std::string(PathUtils::parentOf(item.path));
   ProofRule rule;
   rule.attribute = std::move(attribute);
   rule.explanation = expression.explain(TDFContext(owner), model);
-  if (value != nullptr) followValue(rule.explanation, *value);
+  if (trim != nullptr) trim(rule.explanation);
   if (!rule.explanation.sources.empty()) {
     rule.text = rule.explanation.sources.front().text;
     rule.place = rule.explanation.sources.front().place;
@@ -375,7 +324,9 @@ void Prover::explainObjectPresence(std::size_t node) {
       if (!isAllowed) {
         proof_.nodes[node].fact = Fact::NameNotAllowed;
         proof_.nodes[node].needed = firstOf(*names);
-        (void)addRule(node, "Allowed Names", *entry.allowedNamesSource);
+        std::string const name(PathUtils::lastName(item.path));
+        (void)addRule(node, "Allowed Names", *entry.allowedNamesSource,
+                      [&name](Explanation& explanation) { keepWhatDecides(explanation, name); });
         return;
       }
       proof_.nodes[node].fact = Fact::NotAvailable;
@@ -479,7 +430,8 @@ void Prover::explainDefault(std::size_t node, ParamRules const& rules, ParamAllo
   proof_.nodes[node].fact = value.empty() ? Fact::Blank : Fact::FirstOnOffer;
   RuleExpression const* const list = allowed.hasSubset ? rules.value->subset.get() : rules.value->allowedValues.get();
   if (list == nullptr) return;
-  (void)addRule(node, allowed.hasSubset ? subsetAttribute(*rules.value) : listAttribute(*rules.value), *list);
+  (void)addRule(node, allowed.hasSubset ? subsetAttribute(*rules.value) : listAttribute(*rules.value), *list,
+                [&value](Explanation& explanation) { keepUpTo(explanation, value); });
 }
 
 void Prover::explainAllowed(std::size_t node, std::string const& value) {
@@ -503,10 +455,14 @@ void Prover::explainAllowed(std::size_t node, std::string const& value) {
   EvalContext evaluation(&model);
   SharedStrings const list = def.allowedValues->evaluate(TDFContext(item.path), &evaluation);
   std::string const attribute = listAttribute(def);
+  auto const membership = [&value](Explanation& explanation) { keepWhatDecides(explanation, value); };
   if (!list.contains(value)) {
     proof_.nodes[node].fact = Fact::NotInList;
-    proof_.nodes[node].needed = firstOf(state_.allowedValues(rules, item.path).allowedValues);
-    (void)addRule(node, attribute, *def.allowedValues, &value);
+    // The list may have got the value since.
+    SharedStrings const now = state_.allowedValues(rules, item.path).allowedValues;
+    proof_.nodes[node].isOutdated = now.contains(value);
+    proof_.nodes[node].needed = firstOf(now.contains(value) ? list : now);
+    (void)addRule(node, attribute, *def.allowedValues, membership);
     return;
   }
   if (auto const check = def.allowedValueChecks.find(value);
@@ -520,7 +476,7 @@ void Prover::explainAllowed(std::size_t node, std::string const& value) {
   SharedStrings const subset = def.subset->evaluate(TDFContext(item.path), &evaluation);
   if (subset.contains(value)) return;
   proof_.nodes[node].fact = Fact::OutsideSubset;
-  (void)addRule(node, subsetAttribute(def), *def.subset, &value);
+  (void)addRule(node, subsetAttribute(def), *def.subset, membership);
 }
 
 // The last step

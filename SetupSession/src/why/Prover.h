@@ -54,10 +54,10 @@ class Prover {
   /// The node of a fact, made if there is none; `none` when there are too many.
   std::size_t nodeOf(Item const& item, Question question, std::size_t depth);
   [[nodiscard]] std::string absentAncestor(std::string const& path) const;
-  /// Explains an expression and adds it to the node. With `value`, only the parts that decide whether it is in the
-  /// list. Returns the result.
+  /// Explains an expression and adds it to the node. `trim` takes away what the proof does not need. Returns the result
+  /// of the expression.
   Explanation::Result addRule(std::size_t node, std::string attribute, RuleExpression const& expression,
-                              std::string const* value = nullptr);
+                              std::function<void(Explanation&)> const& trim = nullptr);
   /// A condition that must have had this result. If it has another one now, and it is not known what it read, the node
   /// is outdated.
   void addCondition(std::size_t node, std::string attribute, RuleExpression const& condition, bool expected);

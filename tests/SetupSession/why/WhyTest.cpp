@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <tarn/session/Proof.h>
@@ -248,6 +250,141 @@ Objects:
   EXPECT_EQ(proof.answer().fact, Fact::OutsideSubset);
   ASSERT_FALSE(proof.answer().rules.empty());
   EXPECT_EQ(proof.answer().rules.front().attribute, "Subset Value List Source");
+}
+
+char const* const materialRules = R"rules(Rule Database: 1
+Pertinent Roots: [Case]
+Lists:
+  gases: [Air, Argon]
+  coolants:
+    - Water
+    - {Value: R134a, When: "${Phase} == 'Gas'"}
+  preferred:
+    - {Value: Steel, When: "${Phase} == 'Solid'"}
+    - {Value: Air, When: "${Depth} > 1"}
+    - {Value: Water, When: "${Depth} > 2"}
+Objects:
+  /Case:
+    Parameters:
+      Phase: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Liquid, Gas, Solid]}
+      Depth: {Required: yes, Parameter Type: Real, Default Value: 3}
+      Limit: {Required: yes, Parameter Type: Real, Default Value: 5}
+      Any: {Required: yes, Parameter Type: String, Value List Source: "union(list('gases'), list('coolants'))"}
+      Common: {Required: yes, Parameter Type: String, Value List Source: "intersection(list('gases'), list('coolants'))"}
+      Rest: {Required: yes, Parameter Type: String, Value List Source: "difference(('Air', 'Water', 'R134a'), list('coolants'))"}
+      Warm: {Required: yes, Parameter Type: String, Value List Source: "names(filter({Material:*}, ${Temperature} > 20))"}
+      First: {Required: yes, Parameter Type: String, Value List Source: list('preferred')}
+      Deep: {Required: yes, Parameter Type: Logical, Available: "${Depth} > ${Limit}"}
+    Children:
+      Material: {Coupled: yes}
+  /Case/Material:
+    Parameters:
+      Temperature: {Required: yes, Parameter Type: Real, Default Value: 10}
+      Marked: {Required: yes, Parameter Type: Logical, Available: "name() == ${../First}"}
+)rules";
+
+struct MaterialCase : FlowCase {
+  MaterialCase()
+      : FlowCase({{"/Case", {}},
+                  {"/Case/Material:Ice", {}},
+                  {"/Case/Material:Steam", {{"Temperature", "120"}}},
+                  {"/Case/Material:Water", {}}},
+                 materialRules) {}
+
+  /// Everything that the proof has read.
+  [[nodiscard]] std::vector<std::string> readsOf(std::string const& name, std::string const& value) const {
+    std::vector<std::string> reads;
+    Proof const proof = session->why({"/Case", name}, {Question::Allowed, value, 1});
+    for (ProofRule const& rule : proof.answer().rules) {
+      for (ProofRead const& read : rule.reads) {
+        reads.push_back(read.read.object + (read.read.name.empty() ? "" : '/' + read.read.name));
+      }
+    }
+    return reads;
+  }
+};
+
+TEST(Why, ValueThatIsNotInAUnionIsExplainedByEveryArgument) {
+  MaterialCase const materials;
+  EXPECT_EQ(materials.why("/Case", "Any", {Question::Allowed, "R134a", 1}), R"(
+'R134a' is not allowed for /Case/Any: allowed are 'Air', 'Argon', 'Water'
+  Value List Source: union(list('gases'), list('coolants'))  (flow.rules.yaml:18:72)
+    union(list('gases'), list('coolants')) is 'Air', 'Argon', 'Water'
+      'gases' is 'Air', 'Argon'  (flow.rules.yaml:4:10)
+      'coolants' is 'Water'  (flow.rules.yaml:6:5)
+        'R134a' does not count: ${Phase} == 'Gas'  (flow.rules.yaml:7:29)
+          Phase is 'Liquid', needs 'Gas'  (default, flow.rules.yaml:15:7)
+  1 more fact with more depth
+)");
+}
+
+TEST(Why, ValueThatIsNotInAnIntersectionIsExplainedByTheFirstArgumentWithoutIt) {
+  MaterialCase const materials;
+  EXPECT_EQ(materials.why("/Case", "Common", {Question::Allowed, "Water", 1}), R"(
+'Water' is not allowed for /Case/Common: no value is allowed now
+  Value List Source: intersection(list('gases'), list('coolants'))  (flow.rules.yaml:19:75)
+    intersection(list('gases'), list('coolants')) is nothing
+      'gases' is 'Air', 'Argon'  (flow.rules.yaml:4:10)
+)");
+}
+
+TEST(Why, ValueThatADifferenceTakesAwayIsExplainedByTheListThatHasIt) {
+  MaterialCase const materials;
+  EXPECT_THAT(materials.readsOf("Rest", "R134a"), testing::IsEmpty());  // it is allowed
+  materials.session->edit(Edit::setParam("/Case", "Phase", "Gas"));
+  EXPECT_EQ(materials.readsOf("Rest", "R134a"), (std::vector<std::string>{"/Case/Phase"}));
+  // Not in the first list: what the second has does not matter.
+  EXPECT_THAT(materials.readsOf("Rest", "Argon"), testing::IsEmpty());
+}
+
+TEST(Why, NameThatAFilterLeavesOutIsExplainedByItsOwnObject) {
+  MaterialCase const materials;
+  // Children are decided after the parameters. The rule sees them from the next edit on.
+  EXPECT_EQ(materials.why("/Case", "Warm", {Question::Allowed, "Steam", 1}), R"(
+'Steam' is not allowed for /Case/Warm: no value is allowed now
+  Value List Source: names(filter({Material:*}, ${Temperature} > 20))  (flow.rules.yaml:21:73)
+    names(filter({Material:*}, ${Temperature} > 20)) is nothing
+      {Material:*} is nothing
+  Decided on values that have changed since; decided again at the next edit.
+)");
+  materials.session->edit(Edit::setParam("/Case", "Depth", "4"));
+  EXPECT_EQ(materials.readsOf("Warm", "Ice"),
+            (std::vector<std::string>{"/Case/Material", "/Case/Material:Ice/Temperature"}));
+  EXPECT_EQ(materials.readsOf("Warm", "Oil"), (std::vector<std::string>{"/Case/Material"}));
+}
+
+TEST(Why, FirstValueOnOfferIsExplainedByTheItemsUpToIt) {
+  MaterialCase const materials;
+  EXPECT_EQ(materials.why("/Case", "First"), R"(
+/Case/First is 'Air': the first value on offer
+  Value List Source: list('preferred')  (flow.rules.yaml:22:73)
+    'preferred' is 'Air', 'Water'  (flow.rules.yaml:9:5)
+      'Steel' does not count: ${Phase} == 'Solid'  (flow.rules.yaml:9:29)
+        Phase is 'Liquid', needs 'Solid'  (default, flow.rules.yaml:15:7)
+      'Air' counts: ${Depth} > 1  (flow.rules.yaml:10:27)
+        Depth is '3'  (default, flow.rules.yaml:16:67)
+  2 more facts with more depth
+)");
+}
+
+TEST(Why, NeededValueOfAnotherParameterIsNamed) {
+  MaterialCase const materials;
+  EXPECT_EQ(materials.why("/Case", "Deep"), R"(
+/Case/Deep is absent: not available
+  Available: ${Depth} > ${Limit}  (flow.rules.yaml:23:66)
+    Depth is '3', needs more than '5', the value of Limit  (default, flow.rules.yaml:16:67)  (default, flow.rules.yaml:17:67)
+  2 more facts with more depth
+)");
+}
+
+TEST(Why, NameOfAnObjectIsSaidInWords) {
+  MaterialCase const materials;
+  EXPECT_EQ(materials.why("/Case/Material:Ice", "Marked"), R"(
+/Case/Material:Ice/Marked is absent: not available
+  Available: name() == ${../First}  (flow.rules.yaml:29:68)
+    the name of /Case/Material:Ice is 'Ice', needs 'Air', the value of /Case/First  (default, flow.rules.yaml:22:7)
+  1 more fact with more depth
+)");
 }
 
 }  // namespace
