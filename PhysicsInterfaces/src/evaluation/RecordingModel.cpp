@@ -55,6 +55,10 @@ void RecordingModel::recordParameter(ModelRead::Kind kind, std::string const& ob
   if (!isRecording()) return;
   std::size_t const known = find(kind, objPath, name);
   if (known == none) {
+    if (reads_.size() >= maxReads_) {
+      isOverfull_ = true;
+      return;
+    }
     ModelRead read;
     read.kind = kind;
     read.object = objPath;

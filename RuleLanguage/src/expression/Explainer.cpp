@@ -34,8 +34,10 @@ using Operation = Explanation::Operation;
 using Result = Explanation::Result;
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
-/// Up to this number, operands or objects are looked at one by one. A longer row becomes one part.
+/// Up to this number, operands or objects are looked at one by one. A longer row of operands becomes one part.
 constexpr std::size_t maxRow = 500;
+/// So many objects of a longer row are shown, and what they read is kept.
+constexpr std::size_t maxExamples = 3;
 /// So many witnesses of `any` are looked at to find one that needs no further fact.
 constexpr std::size_t maxWitnesses = 20;
 /// So many counterexamples of `all` are shown.
@@ -253,8 +255,13 @@ class Explainer {
 
   /// A part whose operands all count. It may read more than they show, such as the quantity type of a parameter.
   std::size_t addStrict(Expression const& expression, Form form, Frame const& frame, Position at) {
-    std::size_t const index = addLeaf(expression, strictOperationOf(expression), form, frame, at);
     auto const operands = expression.operands();
+    bool const isOfLongSet = std::any_of(operands.begin(), operands.end(), [&](Expression const* operand) {
+      auto const* quantifier = as<Quantifier>(*operand);
+      return quantifier != nullptr && hasMoreThan(maxRow, *quantifier->operands().front(), frame);
+    });
+    if (isOfLongSet) return addOverLongSet(expression, form, frame, at);
+    std::size_t const index = addLeaf(expression, strictOperationOf(expression), form, frame, at);
     if (operands.size() > maxRow) {
       isMinimal_ = false;
       return index;
@@ -277,6 +284,19 @@ class Explainer {
     std::erase_if(parts_[index].node.reads, [&](std::size_t read) {
       return std::find(ofOperands.begin(), ofOperands.end(), read) != ofOperands.end();
     });
+    parts_[index].needed = std::move(needed);
+    return index;
+  }
+
+  /// A part with an operand over very many objects. Only the operands say what was read: to record it again would take
+  /// longer than everything else.
+  std::size_t addOverLongSet(Expression const& expression, Form form, Frame const& frame, Position at) {
+    std::size_t const index = addPart(expression, strictOperationOf(expression), frame, at);
+    std::vector<std::size_t> needed;
+    for (Expression const* operand : expression.operands()) {
+      needed.push_back(add(*operand, naturalForm(operand->kind()), frame, at.below()));
+    }
+    parts_[index].node.result = evaluate(expression, form, frame);
     parts_[index].needed = std::move(needed);
     return index;
   }
@@ -357,11 +377,21 @@ class Explainer {
     return logic.op() == Logic::Operator::Implies && !truth ? operands.size() : count;
   }
 
+  static bool hasMoreThan(std::size_t number, Expression const& set, Frame const& frame) {
+    std::size_t count = 0;
+    return set.anyObject(frame, [&](std::string const&) { return ++count > number; });
+  }
+
   std::size_t addQuantifier(Quantifier const& quantifier, Form form, Frame const& frame, Position at) {
     auto const operands = quantifier.operands();
     Operation const operation = operationOf(quantifier.op());
+    bool const isLong = hasMoreThan(maxRow, *operands.front(), frame);
+    bool const isInNaturalForm = form == naturalForm(quantifier.kind()) && operation != Operation::Filter;
+    if (isLong && operands.size() == 2 && isInNaturalForm) {
+      return addLongQuantifier(quantifier, operation, frame, at);
+    }
     auto const objects = operands.front()->objects(frame);
-    if (objects.size() > maxRow) {
+    if (isLong) {
       std::size_t const index = addLeaf(quantifier, operation, form, frame, at);
       isMinimal_ = false;
       parts_[index].node.total = objects.size();
@@ -384,12 +414,8 @@ class Explainer {
         if (!isDecidedByOne) {
           needed.push_back(add(*operands[1], Form::Truth, inner, at.below()));
         } else if (holds == result.truth && deciders.size() < maxWitnesses) {
-          // That the set has this object is a fact that the witness needs.
-          std::size_t const witness = add(*operands[1], Form::Truth, inner, at.below());
-          recording_.setSink(&parts_[witness].node.reads);
-          (void)operands[0]->anyObject(frame, [&](std::string const& other) { return other == path; });
-          recording_.setSink(nullptr);
-          deciders.push_back(witness);
+          deciders.push_back(add(*operands[1], Form::Truth, inner, at.below()));
+          addMembership(*operands[0], frame, path, parts_[deciders.back()]);
         }
         return holds;
       });
@@ -401,6 +427,83 @@ class Explainer {
     part.needed = std::move(needed);
     part.deciders = std::move(deciders);
     part.showsOthers = operation == Operation::All;
+    return index;
+  }
+
+  /// A condition on very many objects, in one pass over them. It ends when enough objects have decided. If the result
+  /// needs all objects, the first ones are shown as examples.
+  std::size_t addLongQuantifier(Quantifier const& quantifier, Operation operation, Frame const& frame, Position at) {
+    auto const operands = quantifier.operands();
+    std::size_t const index = addPart(quantifier, operation, frame, at);
+    bool const isEitherWay = operation == Operation::Any || operation == Operation::All;
+    bool const decisive = operation == Operation::Any;
+    std::vector<std::size_t> deciders;
+    std::vector<std::size_t> examples;
+    std::size_t total = 0;
+    std::size_t holding = 0;
+    (void)operands[0]->anyObject(frame, [&](std::string const& path) {
+      ++total;
+      return quantifier.atObject(frame, path, [&](Frame const& inner) {
+        bool const holds = operands[1]->truth(inner);
+        if (holds) ++holding;
+        bool const isDecider = isEitherWay && !showsAll_ && holds == decisive;
+        auto& shown = isDecider ? deciders : examples;
+        if (shown.size() < maxExamples) {
+          shown.push_back(add(*operands[1], Form::Truth, inner, at.below()));
+          if (isDecider) addMembership(*operands[0], frame, path, parts_[shown.back()]);
+        }
+        // One witness is enough.
+        return isDecider && decisive;
+      });
+    });
+    if (!deciders.empty()) {
+      Part& part = parts_[index];
+      part.node.total = total;
+      part.node.result.truth = decisive;
+      part.node.agreeing = decisive ? holding : total - holding;
+      part.deciders = std::move(deciders);
+      part.showsOthers = operation == Operation::All;
+      return index;
+    }
+    isMinimal_ = false;
+    isCut_ = true;
+    examples.insert(examples.begin(), addLongSet(*operands[0], frame, at.below()));
+    Part& part = parts_[index];
+    part.node.total = total;
+    Result& result = part.node.result;
+    if (isEitherWay) {
+      result.truth = operation == Operation::Any ? holding > 0 : holding == total;
+      part.node.agreeing = result.truth ? holding : total - holding;
+    } else {
+      result.kind = Result::Kind::Number;
+      result.number = static_cast<double>(holding);
+      result.text = std::to_string(holding);
+      part.node.agreeing = holding;
+    }
+    part.needed = std::move(examples);
+    return index;
+  }
+
+  /// That the set has this object is a fact that the part of the object needs.
+  void addMembership(Expression const& set, Frame const& frame, std::string const& path, Part& part) {
+    recording_.setSink(&part.node.reads);
+    (void)set.anyObject(frame, [&](std::string const& other) { return other == path; });
+    recording_.setSink(nullptr);
+  }
+
+  std::size_t addLongSet(Expression const& set, Frame const& frame, Position at) {
+    std::size_t const index = addPart(set, strictOperationOf(set), frame, at);
+    Result result;
+    result.kind = Result::Kind::Objects;
+    std::vector<std::size_t> reads;
+    recording_.setSink(&reads);
+    (void)set.anyObject(frame, [&](std::string const& path) {
+      if (result.itemCount++ < Result::maxItems) result.items.push_back(path);
+      return false;
+    });
+    recording_.setSink(nullptr);
+    parts_[index].node.result = std::move(result);
+    parts_[index].node.reads = std::move(reads);
     return index;
   }
 
@@ -554,7 +657,7 @@ class Explainer {
   Explanation write() {
     Explanation result;
     result.sources = std::move(sources_);
-    result.isComplete = !recording_.isOverfull();
+    result.isComplete = !isCut_ && !recording_.isOverfull();
     result.isMinimal = isMinimal_;
     std::vector<std::size_t> newIndex(recording_.reads().size(), none);
     // In order of depth first, so that a node comes before its children and these in the order of the text.
@@ -591,6 +694,7 @@ class Explainer {
   std::vector<bool> isKnown_;       // by read
   std::vector<bool> isDetermined_;  // by part
   bool isMinimal_ = true;
+  bool isCut_ = false;
 };
 
 }  // namespace

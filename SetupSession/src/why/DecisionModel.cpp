@@ -78,6 +78,10 @@ bool DecisionModel::isBefore(std::string const& path, std::string const& name, b
     if (rules == nullptr) return ObjDependDef::noPlace;
     return isChild ? rules->placeOfChild(entry) : rules->placeOfParam(entry);
   };
+  if (!branch_.empty() && path.starts_with(branch_) &&
+      (path.size() == branch_.size() || path[branch_.size()] == ':' || path[branch_.size()] == '/')) {
+    return isBranchBefore_;
+  }
   if (path == path_) {
     if (isChildType != isChildType_) return !isChildType;
     return placeIn(path, name, isChildType) < placeIn(path_, name_, isChildType_);
@@ -109,7 +113,11 @@ bool DecisionModel::isBefore(std::string const& path, std::string const& name, b
   std::string const parent(PathUtils::parentOf(a));
   std::string const typeOfA(PathUtils::lastType(a));
   std::string const typeOfB(PathUtils::lastType(b));
-  if (typeOfA != typeOfB) return placeIn(parent, typeOfA, true) < placeIn(parent, typeOfB, true);
+  if (typeOfA != typeOfB) {
+    isBranchBefore_ = placeIn(parent, typeOfA, true) < placeIn(parent, typeOfB, true);
+    branch_ = parent + '/' + typeOfA;
+    return isBranchBefore_;
+  }
   std::vector<std::string> siblings;
   model_.getChildObjectPathsByType(parent, typeOfA, siblings);
   return std::find(siblings.begin(), siblings.end(), a) < std::find(siblings.begin(), siblings.end(), b);

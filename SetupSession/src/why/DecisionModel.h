@@ -73,6 +73,10 @@ class DecisionModel final : public ModelTDF {
   std::string path_;  // of the object whose entry is asked
   std::string name_;  // of the parameter, or the type of the children
   bool isChildType_;
+  /// The answer for the objects of one type and everything in them, which are in another branch than the item. A rule
+  /// over a set asks about very many of them.
+  mutable std::string branch_;
+  mutable bool isBranchBefore_ = false;
 };
 
 }  // namespace tarn::session

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -309,14 +310,77 @@ TEST(Explanation, ConditionOfAProgramShowsItsReads) {
 )");
 }
 
-TEST(Explanation, VeryLargeSetIsOnePartAndSaysThatReadsAreMissing) {
+/// 2,000 walls, of which those with a number from `firstOpen` on are inlets.
+MapModel manyBoundaries(int firstOpen) {
   MapModel model;
-  for (int i = 0; i < 2000; ++i) model.set("/Case/Domain:rotor/Boundary:b" + std::to_string(i), "Kind", "Wall");
-  auto const explanation = explained("all({Boundary:*}, ${Kind} == 'Wall')", model);
-  EXPECT_FALSE(explanation.isComplete);
-  EXPECT_LE(explanation.reads.size(), Explanation::maxReads);
-  EXPECT_EQ(explanation.nodes.size(), 1U);
-  EXPECT_EQ(explanation.nodes.front().total, 2000U);
+  for (int i = 0; i < 2000; ++i) {
+    std::string number = std::to_string(i);
+    number.insert(0, 4 - number.size(), '0');
+    model.set("/Case/Domain:rotor/Boundary:b" + number, "Kind", i < firstOpen ? "Wall" : "Inlet");
+  }
+  return model;
+}
+
+struct LongSet {
+  std::string result;
+  std::size_t agreeing = 0;
+  std::size_t total = 0;
+  /// The contexts of the conditions that are shown.
+  std::vector<std::string> shown;
+  bool isComplete = false;
+
+  friend bool operator==(LongSet const&, LongSet const&) = default;
+  friend std::ostream& operator<<(std::ostream& out, LongSet const& set) {
+    out << set.result << ' ' << set.agreeing << " of " << set.total;
+    for (auto const& context : set.shown) out << ' ' << context;
+    return out << (set.isComplete ? "" : " not complete");
+  }
+};
+
+/// The explanation of a set function that is the whole condition, or its left side.
+LongSet longSet(std::string const& condition, MapModel const& model) {
+  auto const explanation = explained(condition, model);
+  auto const& nodes = explanation.nodes;
+  std::size_t const place =
+      nodes.front().operation == Explanation::Operation::Equal ? nodes.front().children.front() : 0;
+  LongSet set{valueText(nodes[place].result), nodes[place].agreeing, nodes[place].total, {}, explanation.isComplete};
+  for (std::size_t const child : nodes[place].children) {
+    if (nodes[child].result.kind != Explanation::Result::Kind::Truth) continue;
+    set.shown.push_back(nodes[child].context.substr(nodes[child].context.rfind(':') + 1));
+  }
+  return set;
+}
+
+TEST(Explanation, VeryLargeSetIsLookedAtUpToItsFirstWitness) {
+  EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Wall')", manyBoundaries(1000)),
+            (LongSet{"true", 1, 1, {"b0000"}, true}));
+  EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Inlet')", manyBoundaries(1990)),
+            (LongSet{"true", 1, 1991, {"b1990"}, true}));
+  EXPECT_EQ(longSet("all({Boundary:*}, ${Kind} == 'Wall')", manyBoundaries(1990)),
+            (LongSet{"false", 10, 2000, {"b1990", "b1991", "b1992"}, true}));
+  EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Inlet')", manyBoundaries(1999)),
+            (LongSet{"true", 1, 2000, {"b1999"}, true}));
+  MapModel model = manyBoundaries(2000);
+  model.set("/Case/Domain:rotor/Boundary:b0007", "Kind", "Outlet");
+  EXPECT_EQ(longSet("all({Boundary:*}, ${Kind} == 'Wall')", model), (LongSet{"false", 1, 2000, {"b0007"}, true}));
+}
+
+TEST(Explanation, VeryLargeSetThatDecidesAsAWholeShowsExamplesAndSaysThatReadsAreMissing) {
+  EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Outlet')", manyBoundaries(1000)),
+            (LongSet{"false", 2000, 2000, {"b0000", "b0001", "b0002"}, false}));
+  EXPECT_EQ(longSet("all({Boundary:*}, exists(${Kind}))", manyBoundaries(1000)),
+            (LongSet{"true", 2000, 2000, {"b0000", "b0001", "b0002"}, false}));
+  EXPECT_EQ(longSet("count({Boundary:*}, ${Kind} == 'Inlet') == 10", manyBoundaries(1990)),
+            (LongSet{"'10'", 10, 2000, {"b0000", "b0001", "b0002"}, false}));
+}
+
+TEST(Explanation, WitnessInAVeryLargeSetNeedsItsOwnReadsAndTheSetAlone) {
+  auto const explanation = explained("any({Boundary:*}, ${Kind} == 'Inlet')", manyBoundaries(1999));
+  std::vector<std::string> reads;
+  for (ModelRead const& read : explanation.reads) reads.push_back(readText(read));
+  EXPECT_EQ(reads, (std::vector<std::string>{"/Case/Domain:rotor/Boundary:*: 2000",
+                                             "/Case/Domain:rotor/Boundary:b1999/Kind='Inlet'"}));
+  EXPECT_TRUE(explanation.isMinimal);
 }
 
 TEST(Explanation, VeryLongConditionStaysWithinItsLimits) {
