@@ -1,107 +1,63 @@
-// Times a session on the flat workload: one object with 13,000 options, or a chain of another size.
+// Times the questions and edits of a session.
 //
 //     SessionDriver [PARAMETERS]     100,000 parameters if no number is given
 //
 // Prints `operation <tab> milliseconds of processor time`, one a line, and the ratios that sessions promise: a trial
-// costs at most three times the edit, and undo at most as much as the edit. Each is a median. An edit switches an
-// option off, or on again, on which ten others depend. The program ends with an error when an edit does not change
-// exactly these.
+// costs at most three times the edit, and undo at most as much as the edit. Each is a median. `SessionWorkload.h` says
+// what an edit is.
 #include <exception>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <vector>
-
-#include <tarn/ProvisionalTDF.h>
-#include <tarn/rules/RuleLoader.h>
-#include <tarn/session/Session.h>
 
 #include "Measure.h"
+#include "SessionWorkload.h"
 
 namespace {
 
-using namespace tarn;
 using namespace tarn::benchmarks;
-
-constexpr std::size_t chain = 10;
-
-std::string nameOf(std::size_t parameter) {
-  return "Option " + std::to_string(parameter);
-}
-
-/// Options in chains of eleven: each but the first is available while the one before it is true.
-std::string rulesOf(std::size_t parameters) {
-  std::string text = "Rule Database: 1\nPertinent Roots: [System]\nObjects:\n  /System:\n    Parameters:\n";
-  for (std::size_t i = 0; i < parameters; ++i) {
-    text += "      " + nameOf(i) +
-            ":\n        Parameter Type: Logical\n        Required: Yes\n        Default Value: \"true\"\n";
-    if (i % (chain + 1) != 0) text += "        Available: ${" + nameOf(i - 1) + "} == true\n";
-  }
-  return text;
-}
 
 void print(std::string const& what, double value) {
   std::cout << what << '\t' << value << std::endl;
 }
 
-void require(bool holds, std::string const& what) {
-  if (!holds) throw std::runtime_error("session: " + what + "; times of it would mean nothing");
-}
-
-Edit switched(std::size_t number, std::size_t parameters) {
-  std::size_t const chains = parameters / (chain + 1);
-  std::size_t const option = number / 2 * 7919 % chains * (chain + 1);
-  return Edit::setParam("/System", nameOf(option), number % 2 == 0 ? "false" : "true");
-}
-
 void run(std::size_t parameters) {
-  auto const rules = rules::parseRules(rulesOf(parameters));
-  session::Session::Opened opened;
-  print("open", timed([&] { opened = session::Session::open(*rules, ModelState()); }));
-  session::Session& session = *opened.session;
-  constexpr double budget = 3000;
+  std::unique_ptr<SessionWorkload> work;
+  print("open, and a state without a session", timed([&] { work = std::make_unique<SessionWorkload>(parameters); }));
+  constexpr double budget = 500;
+  auto const measured = [&](auto const& operation) { return medianOf([&] { return timed(operation); }, budget); };
 
-  std::size_t number = 0;
-  auto const checked = [](session::EditResult const& result) {
-    require(result.applied() && result.effect.values.size() == chain + 1, "an edit does not change what depends on it");
-  };
-  double const edit =
-      medianOf([&] { return timed([&] { checked(session.edit(switched(number++, parameters))); }); }, budget);
-  double const tried =
-      medianOf([&] { return timed([&] { checked(session.tryEdit(switched(number, parameters))); }); }, budget);
+  double const edit = measured([&] { work->edit(); });
+  double const tried = measured([&] { work->tryEdit(); });
   double const undo = medianOf(
       [&] {
-        double const time = timed([&] { checked(*session.undo()); });
-        checked(*session.redo());
+        double const time = timed([&] { work->undo(); });
+        work->redo();
         return time;
-      },
-      budget);
-  double const look = medianOf(
-      [&] {
-        std::size_t const parameter = number++ * 7919 % parameters;
-        return timed([&] { require(session.lookParam("/System", nameOf(parameter)).has_value(), "no record"); });
       },
       budget);
   double const below = medianOf(
       [&] {
-        Edit const next = switched(number++, parameters);
-        auto& state =
-            const_cast<ProvisionalTDF&>(session.provisional());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
-        ProvisionalTDF::Mark const mark = state.mark();
-        double const time = timed([&] { (void)state.apply(next); });
-        state.rollback(mark);
+        double time = 0;
+        work->editBelow([&](auto const& onlyEdit) { time = timed(onlyEdit); });
         return time;
       },
       budget);
   print("edit", edit);
   print("try", tried);
   print("undo", undo);
-  print("look", look);
-  print("edit of the state below", below);
+  print("edit of a state without a session", below);
+  print("look", measured([&] { work->look(); }));
+  print("why", measured([&] { work->why(); }));
+  for (auto const& [rule, name] : SessionWorkload::rulesOfAllCells()) {
+    std::string const about = std::string(" at a rule about ") + std::to_string(work->cells()) + " objects: " + name;
+    print("look" + about, measured([&, rule = rule] { work->lookOfAllCells(rule); }));
+    print("why" + about, measured([&, rule = rule] { work->whyOfAllCells(rule); }));
+  }
   print("try / edit", tried / edit);
   print("undo / edit", undo / edit);
-  print("edit / edit of the state below", edit / below);
+  print("try / edit of a state without a session", tried / below);
+  print("edit / edit of a state without a session", edit / below);
 }
 
 }  // namespace
