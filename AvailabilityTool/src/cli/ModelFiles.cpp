@@ -1,6 +1,8 @@
 #include "cli/ModelFiles.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <span>
 #include <system_error>
 #include <utility>
 
@@ -20,15 +22,19 @@ std::string unreadable(FileError const& error, std::string const& name) {
                                    : "; give the name of a model file that can be read");
 }
 
+// So many malformed lines are listed. Mostly one mistake has caused them all.
+constexpr std::size_t mostListed = 20;
+
 // One line for each malformed line, and the advice at the end of the last.
 std::string messageOf(ModelText const& text, bool isModel) {
   std::string message;
-  for (ModelText::Fault const& fault : text.faults()) {
+  std::size_t const listed = std::min(text.faults().size(), mostListed);
+  for (ModelText::Fault const& fault : std::span(text.faults()).first(listed)) {
     if (!message.empty()) message += '\n';
     message +=
         text.source() + ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column) + ": " + fault.reason;
   }
-  if (std::size_t const more = text.faultCount() - text.faults().size(); more > 0) {
+  if (std::size_t const more = text.faultCount() - listed; more > 0) {
     message += '\n' + text.source() + ": " + counted(more, "further malformed line");
   }
   if (text.faultCount() == 1) return message + " (nothing of the model was read; correct the line and run again)";

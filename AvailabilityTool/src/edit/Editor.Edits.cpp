@@ -259,7 +259,8 @@ Outcome Editor::undo(std::string_view text, bool isRedo) {
   std::vector<std::size_t>& from = isRedo ? undone_ : done_;
   std::vector<std::size_t>& to = isRedo ? done_ : undone_;
   if (from.empty()) return fail(isRedo ? "There is no step to redo." : "There is no step to undo.");
-  bool const isOne = std::min(count, from.size()) == 1;
+  std::size_t const possible = from.size();
+  bool const isOne = std::min(count, possible) == 1;
   Outcome outcome = Outcome::Done;
   for (; count > 0 && !from.empty(); --count) {
     std::size_t const number = isRedo ? session_.steps().size() + 1 : session_.steps().size();
@@ -279,6 +280,11 @@ Outcome Editor::undo(std::string_view text, bool isRedo) {
       last_ = std::move(*result);
       lastOptions_ = std::move(options);
     }
+  }
+  if (count > 0) {
+    screen_.print("There " +
+                  std::string(possible == 1 ? "was only 1 step" : "were only " + std::to_string(possible) + " steps") +
+                  " to " + name + ".\n");
   }
   stayInTheModel();
   return outcome;

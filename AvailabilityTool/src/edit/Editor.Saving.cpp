@@ -77,7 +77,8 @@ Outcome Editor::writeTo(std::string const& name, Overwrite overwrite) {
     }
     error = write(Overwrite::Yes);
   }
-  if (error) return fail(harmless(error->sentence) + ". Your edits are still here.");
+  // A script ends here.
+  if (error) return fail(harmless(error->sentence) + (ask_ ? ". Your edits are still here." : "."));
   bool const isSame = !isOther && file_ && file.bytes() == before;
   file_ = std::move(file);
   saved_ = done_;

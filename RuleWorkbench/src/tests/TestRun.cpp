@@ -18,6 +18,7 @@
 #include <tarn/TDFParam.h>
 #include <tarn/rules/Query.h>
 #include <tarn/session/Sentences.h>
+#include <tarn/session/WrittenItem.h>
 #include <tarn/workbench/RuleCoverage.h>
 
 namespace tarn::workbench {
@@ -189,13 +190,6 @@ bool TestRun::open() {
   return false;
 }
 
-std::string TestRun::absolute(std::string const& path) const {
-  std::string text(StringUtilities::trimmed(path));
-  if (text == "/") return {};
-  if (text.starts_with('/')) return text;
-  return text.empty() || text == "." ? session_->root() : session_->root() + '/' + text;
-}
-
 std::optional<Item> TestRun::knownItem(std::string const& path) const {
   std::size_t const slash = path.rfind('/');
   if (slash == std::string::npos) return std::nullopt;
@@ -211,10 +205,8 @@ std::optional<Item> TestRun::knownItem(std::string const& path) const {
 std::vector<Edit> TestRun::editsOf(PlannedStep const& step) const {
   std::vector<Edit> edits;
   for (PlannedEdit const& planned : step.edits) {
-    std::string const path = absolute(planned.path.text);
-    std::size_t const slash = path.rfind('/');
-    Item param{slash == std::string::npos ? "" : path.substr(0, slash),
-               slash == std::string::npos ? path : path.substr(slash + 1)};
+    std::string const path = session::absolutePath(*session_, planned.path.text);
+    Item const param = session::paramAt(path);
     switch (planned.kind) {
       case PlannedEdit::Kind::Set:
         edits.push_back(Edit::setParam(param.path, *param.name, planned.text));
@@ -222,9 +214,7 @@ std::vector<Edit> TestRun::editsOf(PlannedStep const& step) const {
       case PlannedEdit::Kind::SwitchOn:
       case PlannedEdit::Kind::SwitchOff: {
         bool const isOn = planned.kind == PlannedEdit::Kind::SwitchOn;
-        auto const known = knownItem(path);
-        bool const isParam = known ? known->isParam() : path.find(':', slash + 1) == std::string::npos;
-        if (isParam) {
+        if (session::meansParam(*session_, path)) {
           edits.push_back(isOn ? Edit::activateParam(param.path, *param.name)
                                : Edit::deactivateParam(param.path, *param.name));
         } else {
@@ -284,7 +274,7 @@ std::optional<Item> TestRun::itemOf(PlacedText const& path, bool mayBeGone) {
   if (auto* item = std::get_if<Item>(&resolved)) return std::move(*item);
   auto const& refused = std::get<Refused>(resolved);
   if (mayBeGone && refused.code != session::RefusalCode::Unreadable) {
-    std::string const absolutePath = absolute(path.text);
+    std::string const absolutePath = session::absolutePath(*session_, path.text);
     if (auto item = knownItem(absolutePath); item && hasBeenNamed(absolutePath)) return item;
   }
   std::string actual = refused.sentence;
@@ -302,7 +292,7 @@ bool TestRun::hasBeenNamed(std::string const& path) const {
     std::string const object = path.substr(0, path.find('/', colon));
     std::string const name = object.substr(colon + 1);
     auto const isMentioned = [&](PlannedEdit const& edit) {
-      std::string const edited = absolute(edit.path.text);
+      std::string const edited = session::absolutePath(*session_, edit.path.text);
       return edited == object || edited.starts_with(object + '/') || edit.text == name;
     };
     bool const isEdited = std::any_of(test_.steps.begin(), test_.steps.end(), [&](PlannedStep const& step) {

@@ -51,7 +51,6 @@ class TestRun {
   [[nodiscard]] std::optional<session::Item> knownItem(std::string const& path) const;
   /// Whether the model, an edit of the test or the rules give each name in a path. Otherwise it is a slip.
   [[nodiscard]] bool hasBeenNamed(std::string const& path) const;
-  [[nodiscard]] std::string absolute(std::string const& path) const;
 
   [[nodiscard]] Cause whyPresence(session::Item const& item) const;
   [[nodiscard]] Cause whyValue(session::Item const& item) const;

@@ -193,8 +193,8 @@ std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder
     return SaveError{SaveFault::WriteFailed, error.getMessage()};
   }
   if (int const error = replaceFile(name_, text)) {
-    return SaveError{SaveFault::WriteFailed, "cannot write " + inQuotes(name_) + ": " + reasonOf(error) +
-                                                 "; nothing was changed there, and the work can be saved again"};
+    return SaveError{SaveFault::WriteFailed,
+                     "cannot write " + inQuotes(name_) + ": " + reasonOf(error) + "; nothing was changed there"};
   }
   bytes_ = std::move(text);
   exists_ = true;

@@ -1,0 +1,46 @@
+#include <tarn/session/WrittenItem.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "SetupSession/session/TankCase.h"
+
+namespace tarn::session {
+namespace {
+
+using test::Tanks;
+
+TEST(WrittenItem, APathMeansAParameterOrAnObject) {
+  Tanks tanks;
+  auto const meant = [&](std::string const& text) {
+    std::string const path = absolutePath(*tanks, text);
+    Item const param = paramAt(path);
+    return meansParam(*tanks, path) ? param.path + " . " + *param.name : path;
+  };
+  EXPECT_EQ(meant("Title"), "/Plant . Title");
+  EXPECT_EQ(meant(" /Plant/Tank:T1/Height "), "/Plant/Tank:T1 . Height");
+  EXPECT_EQ(meant("Solver"), "/Plant/Solver");
+  EXPECT_EQ(meant("Solver/"), "/Plant/Solver");
+  // An object need not be there, nor its name be known.
+  EXPECT_EQ(meant("Tank:T9"), "/Plant/Tank:T9");
+  EXPECT_EQ(meant("Tank:T9/Height"), "/Plant/Tank:T9 . Height");
+  EXPECT_EQ(meant("."), "/Plant");
+  EXPECT_EQ(meant("/"), "");
+  // Slips.
+  EXPECT_EQ(meant("Tank:T1/Hieght"), "/Plant/Tank:T1 . Hieght");
+  EXPECT_EQ(meant("Solvr"), "/Plant/Solvr");
+  EXPECT_EQ(meant("Nowhere/Somewhere"), "/Plant/Nowhere/Somewhere");
+}
+
+TEST(WrittenItem, AnAbsolutePathStartsAtTheRootOfTheModel) {
+  Tanks tanks;
+  EXPECT_EQ(absolutePath(*tanks, "Tank:T1/Height"), "/Plant/Tank:T1/Height");
+  EXPECT_EQ(absolutePath(*tanks, " /Plant/Tank:T1/ "), "/Plant/Tank:T1");
+  EXPECT_EQ(absolutePath(*tanks, ""), "/Plant");
+  EXPECT_EQ(absolutePath(*tanks, "."), "/Plant");
+  EXPECT_EQ(absolutePath(*tanks, "/"), "");
+}
+
+}  // namespace
+}  // namespace tarn::session
