@@ -10,6 +10,7 @@ export const outdatedRevision = -32001;
 export const unknownDocument = -32002;
 export const openFailed = -32005;
 export const unsavedEdits = -32006;
+export const recoveryFailed = -32008;
 
 /** The server answered with an error. */
 export class ServerError extends Error {

@@ -60,8 +60,8 @@ export class Connection {
       for (const resolve of waiters) resolve();
     } catch (error) {
       if (error instanceof NotAllowed) this.refused(error.message);
-      else if (error instanceof Unreachable) this.again();
-      else throw error;
+      // An error in an answer is tried again as well: a document may be replaced while everything is read.
+      else this.again();
     }
   }
 

@@ -1,9 +1,11 @@
 // The page as a whole: the connection, the documents, and the one that is shown.
 import { batch, signal } from '@preact/signals';
-import type { Recoverable, ResultHello, State } from '../protocol/Messages';
-import type { Rpc } from '../protocol/Rpc';
+import type { Recoverable, ResultHello, ResultRecover, State } from '../protocol/Messages';
+import { type Rpc, recoveryFailed, ServerError } from '../protocol/Rpc';
 import { Connection } from './Connection';
 import { DocumentStore, sentenceOf } from './DocumentStore';
+
+const recoveryPause = 300;
 
 /** What is shown on a narrow screen, where there is room for one thing. */
 export type Pane = 'tree' | 'form' | 'side';
@@ -61,7 +63,7 @@ export class Editor {
 
   async recover(recovery: string, partial = false): Promise<string | null> {
     try {
-      const answer = await this.connection.call('recover', { recovery, partial, client: this.client });
+      const answer = await this.callRecover(recovery, partial);
       const { done: _done, entries: _entries, fileChanged, ...state } = answer;
       batch(() => {
         this.recoverable.value = this.recoverable.value.filter((one) => one.recovery !== recovery);
@@ -80,6 +82,19 @@ export class Editor {
       return null;
     } catch (error) {
       return sentenceOf(error);
+    }
+  }
+
+  /** A recovery file is in use for a moment whenever another client asks what can be recovered. */
+  private async callRecover(recovery: string, partial: boolean): Promise<ResultRecover> {
+    for (let left = 5; ; left--) {
+      try {
+        return await this.connection.call('recover', { recovery, partial, client: this.client });
+      } catch (error) {
+        const isInUse = error instanceof ServerError && error.code === recoveryFailed && error.data == null;
+        if (!isInUse || left === 0) throw error;
+        await new Promise((resolve) => setTimeout(resolve, recoveryPause));
+      }
     }
   }
 
