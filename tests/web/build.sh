@@ -8,7 +8,7 @@ trap 'rm -rf "$again"' EXIT
 (cd "$3/WebEditor" && "$1" scripts/build.mjs --out "$again")
 diff -r "$2" "$again"
 
-# What a browser must fetch before it shows anything, compressed. The font comes later.
+# The page is shown when these have come. The font comes later.
 bytes=$(cat "$2"/index.html "$2"/*.js "$2"/*.css | gzip -9 | wc -c)
 echo "index.html, scripts and styles: $bytes bytes compressed"
 ((bytes <= 60000))

@@ -62,10 +62,18 @@ export function judgeNumber(typed: string, isInteger: boolean, units: readonly s
   return { value: joinQuantity({ number, unit: chosen }), unit: chosen };
 }
 
+const bidiMarks = /[\u061C\u200E\u200F\u202A-\u202E\u2066-\u2069]/g;
+
+/** Shows marks that change the direction of text as their code, so that no name or value looks like another one. */
+export function withShownMarks(text: string): string {
+  return text.replace(bidiMarks, (mark) => `⟨${(mark.codePointAt(0) ?? 0).toString(16).toUpperCase()}⟩`);
+}
+
 /** Cuts a long text in the middle of nowhere, and says so with "…". Surrogate pairs stay whole. */
-export function shorten(text: string, most = 60): string {
+export function shorten(whole: string, most = 60): string {
+  const text = withShownMarks(whole.length <= most ? whole : whole.slice(0, most * 2));
   if (text.length <= most) return text;
-  const begin = Array.from(text.slice(0, most * 2));
-  if (begin.length <= most && text.length <= most * 2) return text;
+  const begin = Array.from(text);
+  if (begin.length <= most && whole.length <= most * 2) return text;
   return `${begin.slice(0, most - 1).join('')}…`;
 }

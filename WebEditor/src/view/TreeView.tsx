@@ -1,6 +1,6 @@
 // The tree of objects: one stop of the Tab key. Arrows move, Enter shows an object. Only the rows on the screen are
 // rendered.
-import { useCallback, useEffect, useRef } from 'preact/hooks';
+import { useCallback, useEffect, useLayoutEffect, useRef } from 'preact/hooks';
 import { count } from '../model/Sentences';
 import { parentRow, rowText, type TreeRow, typeAhead } from '../model/Tree';
 import type { DocumentStore } from '../store/DocumentStore';
@@ -10,13 +10,17 @@ import { useWindow } from './useWindow';
 const rowHeight = 30;
 const typingPause = 700;
 
+const placeKey = (row: TreeRow) => (row.kind === 'type' ? row.key : `${row.parent}\n${row.index}`);
+
 export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () => void }) {
   const scroll = useRef<HTMLDivElement>(null);
   const typed = useRef({ text: '', at: 0 });
+  const wantsFocus = useRef(false);
   const rows = store.tree.rows.value;
   const nodes = store.tree.nodes;
   const activeKey = store.tree.active.value;
-  const found = rows.findIndex((row) => row.key === activeKey);
+  // A row that was not loaded yet gets another key when it is.
+  const found = rows.findIndex((row) => row.key === activeKey || placeKey(row) === activeKey);
   const active = Math.max(found, 0);
   const window = useWindow({
     count: rows.length,
@@ -36,14 +40,28 @@ export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () =
     if (index >= 0) window.scrollTo(index);
   }, [selected, rows.length > 0]);
 
+  const loadedKey = rows[found]?.key ?? activeKey;
+  useLayoutEffect(() => {
+    if (loadedKey === activeKey) return;
+    store.tree.active.value = loadedKey;
+    // The row that had the focus is gone.
+    if (document.activeElement === document.body) wantsFocus.current = true;
+  }, [store, loadedKey, activeKey]);
+  // A row far away is rendered only when the list has been scrolled there. It gets the focus then.
+  useLayoutEffect(() => {
+    if (!wantsFocus.current) return;
+    const row = scroll.current?.querySelector<HTMLElement>('[role=treeitem][tabindex="0"]');
+    if (!row) return;
+    wantsFocus.current = false;
+    row.focus({ preventScroll: true });
+  });
+
   const moveTo = (index: number) => {
     const row = rows[Math.max(0, Math.min(rows.length - 1, index))];
     if (!row) return;
     store.tree.active.value = row.key;
+    wantsFocus.current = true;
     window.scrollTo(rows.indexOf(row));
-    requestAnimationFrame(() => {
-      scroll.current?.querySelector<HTMLElement>('[tabindex="0"]')?.focus({ preventScroll: true });
-    });
   };
   const choose = (row: TreeRow) => {
     store.tree.active.value = row.key;
