@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph schema show console serve study --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph lsp schema show console serve study --version -h --help' -- "$current")
     return
   fi
 
@@ -65,6 +65,7 @@ _zev() {
     find) options+=' --rules --root --limit --format' ;;
     eval) options+=' --rules --at --format' ;;
     graph) options+=' --rules --depth --direction --limit --format' ;;
+    lsp) options+=' --stdio' ;;
     schema) ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;

@@ -27,6 +27,7 @@
 #include "find/FindCommand.h"
 #include "graph/GraphCommand.h"
 #include "lint/LintCommand.h"
+#include "lsp/LspCommand.h"
 #include "schema/SchemaCommand.h"
 #include "serve/ServeCommand.h"
 #include "show/ShowCommand.h"
@@ -49,6 +50,7 @@ void addCommands(CLI::App& app, Command& chosen) {
   addLintCommand(app, chosen);
   addTestCommand(app, chosen);
   addGraphCommand(app, chosen);
+  addLspCommand(app, chosen);
   addSchemaCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);

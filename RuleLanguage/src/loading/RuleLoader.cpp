@@ -3,6 +3,7 @@
 #include <tarn/rules/RuleLoader.h>
 
 #include <tarn/Error.h>
+#include <tarn/rules/RuleTexts.h>
 
 #include "diagnostics/DiagnosticList.h"
 #include "lint/Acceptances.h"
@@ -94,12 +95,17 @@ LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders, L
   return lint(index, options, diagnostics);
 }
 
-LintResult lintText(std::string const& text, std::string const& sourceName, LintOptions const& options) {
-  checkCodes(options, "lintText");
+LintResult lintTexts(std::vector<RuleText> const& texts, LintOptions const& options) {
+  checkCodes(options, "lintTexts");
   DiagnosticList diagnostics(options.limits.errors);
   RuleIndex index;
-  index.readTexts({{sourceName, text}}, options.limits, diagnostics);
+  index.readTexts(texts, options.limits, diagnostics);
   return lint(index, options, diagnostics);
+}
+
+LintResult lintText(std::string const& text, std::string const& sourceName, LintOptions const& options) {
+  checkCodes(options, "lintText");
+  return lintTexts({{sourceName, text}}, options);
 }
 
 LintResult lintRules(std::vector<std::filesystem::path> const& filesOrFolders, LoadLimits const& limits) {

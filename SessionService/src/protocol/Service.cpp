@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include <tarn/service/JsonDepth.h>
 #include <tarn/service/JsonText.h>
 
 #include "protocol/Methods.h"
@@ -14,26 +15,6 @@ namespace tarn::service {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// Whether lists and objects are nested deeper than `most`. A text that is not JSON may get either answer.
-bool isDeeperThan(std::string_view text, std::size_t most) {
-  std::size_t depth = 0;
-  bool isInString = false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char const c = text[i];
-    if (isInString) {
-      if (c == '\\') ++i;
-      if (c == '"') isInString = false;
-    } else if (c == '"') {
-      isInString = true;
-    } else if (c == '[' || c == '{') {
-      if (++depth > most) return true;
-    } else if ((c == ']' || c == '}') && depth > 0) {
-      --depth;
-    }
-  }
-  return false;
-}
 
 Json errorAnswer(Json const& id, ErrorCode code, std::string const& sentence, Json const& data = {}) {
   Json error = {{"code", static_cast<int>(code)}, {"message", sentence}};
