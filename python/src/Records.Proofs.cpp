@@ -128,7 +128,8 @@ py::object Converter::operator()(session::Proof const& proof) {
   static RecordType const type("Proof", {"question", "item", "nodes", "hidden", "_text"});
   Converter& convert = *this;
   return type.make(convert(service::questionName(proof.question)), convert(proof.item), convert(proof.nodes),
-                   convert(proof.hidden), convert(withoutLineEnd(textOf(proof, std::numeric_limits<std::size_t>::max()))));
+                   convert(proof.hidden),
+                   convert(withoutLineEnd(textOf(proof, std::numeric_limits<std::size_t>::max()))));
 }
 
 py::object Converter::operator()(session::Goal const& goal) {

@@ -28,11 +28,12 @@ py::object Converter::operator()(rules::Diagnostic const& diagnostic) {
       "Diagnostic", {"source", "line", "column", "end_line", "end_column", "severity", "code", "message", "source_line",
                      "source_column", "notes", "affected", "fix", "_text"});
   Converter& convert = *this;
-  return type.make(
-      convert(diagnostic.source), convert(diagnostic.line), convert(diagnostic.column), convert(diagnostic.endLine),
-      convert(diagnostic.endColumn), convert(rules::severityName(diagnostic.severity)), convert(diagnostic.code),
-      convert(diagnostic.message), convert(diagnostic.sourceLine), convert(diagnostic.sourceColumn),
-      convert(diagnostic.notes), convert(diagnostic.affected), convert(diagnostic.fix), convert(withoutLineEnd(format(diagnostic))));
+  return type.make(convert(diagnostic.source), convert(diagnostic.line), convert(diagnostic.column),
+                   convert(diagnostic.endLine), convert(diagnostic.endColumn),
+                   convert(rules::severityName(diagnostic.severity)), convert(diagnostic.code),
+                   convert(diagnostic.message), convert(diagnostic.sourceLine), convert(diagnostic.sourceColumn),
+                   convert(diagnostic.notes), convert(diagnostic.affected), convert(diagnostic.fix),
+                   convert(withoutLineEnd(format(diagnostic))));
 }
 
 py::object Converter::operator()(rules::Query::Result const& result) {

@@ -18,7 +18,6 @@ namespace tarn::tool {
 
 namespace {
 
-using workbench::EditorDiagnostics;
 using workbench::EditorRange;
 
 constexpr char const* jsonrpc = "2.0";

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -66,7 +67,9 @@ int serve(std::ostream& out) {
 
 void addLspCommand(CLI::App& app, Command& chosen) {
   CLI::App* command = app.add_subcommand("lsp", "Serve an editor as the language server for rule files");
-  command->add_flag("--stdio", "Speak on standard input and output; there is no other way, so it changes nothing");
+  auto const overPipe = std::make_shared<bool>(false);
+  command->add_flag("--stdio", *overPipe,
+                    "Speak on standard input and output; there is no other way, so it changes nothing");
   command->footer(
       "An editor starts it; see the page on editors. It speaks the Language Server Protocol, version 3.17. A rule "
       "file\n"
@@ -74,7 +77,8 @@ void addLspCommand(CLI::App& app, Command& chosen) {
       "files\n"
       "and folders.\n"
       "Exit status: 0 after a request to shut down, 1 without one, 2 if the input could not be read.");
-  command->callback([&chosen] { chosen = [](std::ostream& out, std::ostream& /*err*/) { return serve(out); }; });
+  command->callback(
+      [overPipe, &chosen] { chosen = [](std::ostream& out, std::ostream& /*err*/) { return serve(out); }; });
 }
 
 }  // namespace tarn::tool

@@ -172,6 +172,7 @@ std::vector<EditorLocation> EditedRules::definition(std::string const& file, Edi
   auto const meaning = impl_->names().meaningAt(*known, known->buffer.offsetOf(position));
   std::vector<EditorLocation> locations;
   if (!meaning) return locations;
+  locations.reserve(meaning->definitions.size());
   for (DefinitionAt const& given : meaning->definitions) locations.push_back(given.location());
   removeDuplicates(locations);
   return locations;

@@ -472,6 +472,7 @@ std::vector<RuleNames::Use> RuleNames::usesOf(Meaning const& meaning) const {
   }
   auto const found = calls_.find({meaning.kind, meaning.name});
   if (found == calls_.end()) return result;
+  result.reserve(found->second.size());
   for (ReferenceAt const& use : found->second) result.push_back({use, use.span(), use.reference->isExact, false});
   return result;
 }
