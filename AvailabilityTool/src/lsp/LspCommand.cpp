@@ -71,11 +71,9 @@ void addLspCommand(CLI::App& app, Command& chosen) {
   command->add_flag("--stdio", *overPipe,
                     "Speak on standard input and output; there is no other way, so it changes nothing");
   command->footer(
-      "An editor starts it; see the page on editors. It speaks the Language Server Protocol, version 3.17. A rule "
-      "file\n"
-      "belongs together with the other rule files of its folder, unless the initialization option \"rules\" names "
-      "files\n"
-      "and folders.\n"
+      "An editor starts it; see the page on editors. It speaks the Language Server Protocol, version 3.17.\n"
+      "A rule file belongs together with the other rule files of its folder, unless the initialization\n"
+      "option \"rules\" names files and folders.\n"
       "Exit status: 0 after a request to shut down, 1 without one, 2 if the input could not be read.");
   command->callback(
       [overPipe, &chosen] { chosen = [](std::ostream& out, std::ostream& /*err*/) { return serve(out); }; });
