@@ -21,7 +21,7 @@ using tarn::tool::MessageStream;
 using Json = LanguageServer::Json;
 
 constexpr char const* folder = "file:///nowhere/plant/";
-constexpr char const* plant = R"(Rule Database: 1
+constexpr char const* plant = R"yaml(Rule Database: 1
 Pertinent Roots: [Plant]
 Checks:
   runs: ${/Plant/Control} == 'Fixed'
@@ -39,7 +39,7 @@ Objects:
   /Plant/Tank:
     Parameters:
       Height: {Parameter Type: Real}
-)";
+)yaml";
 
 void open(LanguageServer& server, std::string const& name, std::string const& text) {
       nlohmann::json const message = {
