@@ -114,6 +114,10 @@ enum class Code : std::uint8_t {
   TextLooksComputed,
   NullAsText,
   RequiredWithoutValue,
+  NotLogical,
+  UnwritableName,
+  UnwritableValue,
+  PatternInSlashes,
 };
 
 /// Lint alone finds this code and those after it.
@@ -224,7 +228,8 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
       "A parameter, an item of a list, a name or a type is compared with a value that it can never have."}},
     {Code::NeverHolds, {"never-holds", Severity::Warning, "A condition can never hold."}},
     {Code::DependsOnItself,
-     {"depends-on-itself", Severity::Warning, "The availability of a parameter depends on its own value."}},
+     {"depends-on-itself", Severity::Warning,
+      "The availability, the default or a bound of a parameter depends on its own value."}},
     {Code::ReadsLaterDecision,
      {"reads-later-decision", Severity::Warning, "A rule reads something that is decided later in the same walk."}},
     {Code::UnreachableType,
@@ -265,9 +270,9 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
       "A child type is required, but its names are free and it has no minimum count, so no child need exist."}},
     {Code::NeverAdded,
      {"never-added", Severity::Warning,
-      "A child type with free names is neither required nor coupled, so no edit can add such a child."}},
+      "A child type without given names is neither required nor coupled, so no edit can add such a child."}},
     {Code::CountsReversed,
-     {"counts-reversed", Severity::Warning, "The maximum count of a child type is below its minimum count."}},
+     {"counts-reversed", Severity::Warning, "There cannot be as many children of a type as its counts ask for."}},
     {Code::DefaultNotMatching,
      {"default-not-matching", Severity::Warning, "A default does not match the pattern of its parameter."}},
     {Code::PatternMatchesEmpty,
@@ -311,6 +316,15 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::RequiredWithoutValue,
      {"required-without-value", Severity::Note, "A required text or number has no default, override or list of values.",
       true}},
+    {Code::NotLogical,
+     {"not-logical", Severity::Warning, "A parameter that holds no logical value is used as a condition."}},
+    {Code::UnwritableName,
+     {"unwritable-name", Severity::Warning, "Model text cannot hold the name of a parameter or an object."}},
+    {Code::UnwritableValue,
+     {"unwritable-value", Severity::Warning,
+      "Model text cannot hold a value, because it has a line end, or white space at its ends."}},
+    {Code::PatternInSlashes,
+     {"pattern-in-slashes", Severity::Warning, "A pattern is written between slashes, which then belong to it."}},
 });
 
 static_assert(

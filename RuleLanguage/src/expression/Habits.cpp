@@ -60,6 +60,7 @@ constexpr auto functions = std::to_array<Row>({
      "abs(x), min(list), max(list), sum(list), mod(a, b) and the operators + - * /"},
     {"ceiling trunc truncate fix", "floor(x), ceil(x) and round(x)"},
     {"modulo remainder rem fmod", "mod(a, b)"},
+    {"unless", "the operators not and implies"},
     {"every forall foreach", "all(set, condition)"},
     {"some anyof", "any(set, condition)"},
     {"countif countwhere numberof", "count(set, condition)"},
@@ -90,8 +91,26 @@ constexpr auto operators = std::to_array<Row>({
     {"gt", ">"},
     {"ge gte", ">="},
     {"div", "/"},
+    {"between", "; write a <= x and x <= b"},
+    {"like matches rlike regexp", "; write matches(text, pattern), contains(x, y) or starts_with(x, y)"},
+    {"contains includes has", "; write contains(x, y) for a text, or y in list"},
+    {"mod rem", "; write mod(a, b)"},
     {"xor", "; compare the two truth values with '!='"},
     {"then else if unless when", "; a choice is written if(condition, a, b)"},
+});
+
+/// Types of other languages. The words are in the form that `bare` gives.
+constexpr auto types = std::to_array<Row>({
+    {"bool boolean flag switch yesno", "Logical"},
+    {"float double number numeric decimal floating float64 double64", "Real"},
+    {"int long short unsigned uint whole count int32 int64", "Integer"},
+    {"text str char varchar word name file path", "String"},
+    {"enum enumeration choice select option options combo oneof dropdown list array",
+     "; a choice is a String with an Ordered Allowed String List, and a list is a String List, Integer List or so"},
+    {"list[str] string[] str[] strings list<string>", "String List"},
+    {"list[float] float[] real[] vector vec3 list<double> list[double] double[]", "Real List"},
+    {"list[int] int[] integer[] list<int>", "Integer List"},
+    {"date time datetime timestamp", "; write it as a String with a Pattern"},
 });
 
 // Keys. The words are in the form that `bare` gives.
@@ -199,6 +218,10 @@ std::optional<WordAdvice> adviceForValue(std::string_view word) {
 
 std::optional<WordAdvice> adviceForOperator(std::string_view word) {
   return adviceIn(operators, word);
+}
+
+std::optional<WordAdvice> adviceForType(std::string_view word) {
+  return adviceIn(types, word);
 }
 
 std::string keyInsteadOf(std::string_view key, KeyPlace place, std::vector<std::string> const& keys) {

@@ -23,6 +23,9 @@ struct WordAdvice {
 /// The same for a word that is written between two operands.
 [[nodiscard]] std::optional<WordAdvice> adviceForOperator(std::string_view word);
 
+/// The same for the type of a parameter. Case does not matter.
+[[nodiscard]] std::optional<WordAdvice> adviceForType(std::string_view word);
+
 /// A map of a rule file, seen by its habitual keys.
 enum class KeyPlace { File, Object, Parameter, Child, Check, GuardedItem, Other };
 

@@ -41,6 +41,8 @@ constexpr auto mistakes = std::to_array<Mistake>({
     {"|", "or", "'|' is not part of the language; write 'or'"},
     {"===", "==", "'===' is not part of the language; write '=='"},
     {"!==", "!=", "'!==' is not part of the language; write '!='"},
+    {"->", "implies", "'->' is not part of the language; write 'implies'"},
+    {"//", "", "there is no operator for whole numbers; write floor(a / b)"},
     {"=~", "", "'=~' is not part of the language; see matches, contains, starts_with and ends_with"},
     {"=<", "<=", "'=<' is not part of the language; write '<='"},
     {"=>", ">=", "'=>' is not part of the language; write '>='"},
@@ -60,7 +62,11 @@ constexpr auto mistakes = std::to_array<Mistake>({
 });
 
 /// Notations that begin with a symbol of the language, so they would be read as two.
-constexpr std::array<std::string_view, 4> slips = {"<>", "===", "!==", "**"};
+constexpr std::array<std::string_view, 6> slips = {"<>", "===", "!==", "**", "->", "//"};
+
+/// Signs that look like the quotes of the language.
+constexpr std::array<std::string_view, 8> otherQuotes = {"`",      "\u2018", "\u2019", "\u201a",
+                                                         "\u201c", "\u201d", "\u201e", "\u00b4"};
 
 }  // namespace
 
@@ -229,9 +235,14 @@ bool Lexer::symbol(Token& token, Issue& issue) {
   }
   issue.range = {position_, length};
   auto const byte = static_cast<unsigned char>(rest.front());
-  issue.message = byte < 0x20 || byte == 0x7f
-                      ? "an expression cannot contain a control character"
-                      : "'" + std::string(rest.substr(0, length)) + "' has no meaning here; write a text in quotes";
+  if (byte < 0x20 || byte == 0x7f) {
+    issue.message = "an expression cannot contain a control character";
+    return false;
+  }
+  auto const written = rest.substr(0, length);
+  bool const isQuote = std::find(otherQuotes.begin(), otherQuotes.end(), written) != otherQuotes.end();
+  issue.message = "'" + std::string(written) + "' has no meaning here; write a text in " +
+                  (isQuote ? "straight quotes: 'text'" : "quotes");
   return false;
 }
 

@@ -6,6 +6,9 @@
 
 #include <utility>
 
+#include <tarn/StringUtilities.h>
+#include <tarn/TDFParam.h>
+
 #include "diagnostics/NearMatch.h"
 #include "expression/NamedRule.h"
 #include "expression/Nodes.h"
@@ -48,6 +51,9 @@ void OperandChecks::requireCondition(Expression const& operand) {
     message += "; write exists(...) or any(...)";
   } else if (operand.kind() == Kind::List) {
     message += "; write size(...) > 0, or compare with 'in'";
+  } else if (auto const* literal = dynamic_cast<Literal const*>(&operand);
+             literal != nullptr && operand.kind() == Kind::Text && literal->rawText().find("${") != std::string::npos) {
+    message += "; an expression has no quotes around it";
   } else {
     message += "; compare it with something";
   }
@@ -62,6 +68,11 @@ void OperandChecks::requireNumber(Expression const& operand) {
     add(operand, message + "; write count(...) for how many there are", "count(" + written(operand) + ")");
   } else if (operand.kind() == Kind::List) {
     add(operand, message + "; write size(...) for how many there are", "size(" + written(operand) + ")");
+  } else if (auto const* literal = dynamic_cast<Literal const*>(&operand);
+             literal != nullptr && operand.kind() == Kind::Text && TDFParam::asQuantity(literal->rawText())) {
+    std::string instead(StringUtilities::trimmed(literal->rawText()));
+    message += "; write " + instead + " without quotes";
+    add(operand, std::move(message), std::move(instead));
   } else {
     add(operand, std::move(message));
   }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <utility>
 
 #include <tarn/StringUtilities.h>
@@ -92,7 +93,27 @@ class Parser {
   void advance() {
     Issue fault;
     last_ = token_.range;
-    if (!lexer_.next(token_, fault)) throw SyntaxError{std::move(fault)};
+    if (lexer_.next(token_, fault)) return;
+    adviseAfter(fault);
+    throw SyntaxError{std::move(fault)};
+  }
+
+  /// The advice for a sign of another language depends on what is before it: texts are joined, and methods are called.
+  void adviseAfter(Issue& fault) const {
+    auto const sign = text_.substr(fault.range.offset, fault.range.length);
+    if (last_.length == 0 || (sign != "." && sign != "&")) return;
+    char const first = text_[last_.offset];
+    char const final = text_[std::size_t{last_.offset} + last_.length - 1];
+    bool const isText = first == '\'' || first == '"';
+    if (sign == "&" && isText) {
+      fault.message = "'&' is not part of the language; texts are joined by '+'";
+      fault.fix = replaceBy(fault.range, sign, "+");
+    } else if (sign == "." && isText) {
+      fault.message = "'.' does not join texts; write '+'";
+      fault.fix = replaceBy(fault.range, sign, "+");
+    } else if (sign == "." && (final == '}' || final == ')')) {
+      fault.message = "a function is not called after a '.'; what it is applied to is its argument: size(list)";
+    }
   }
 
   [[nodiscard]] bool isSymbol(std::string_view symbol) const {
@@ -446,12 +467,15 @@ class Parser {
         fail(token.range, "a value is missing before " + inQuotes(token.text));
       }
       if (function != nullptr) {
-        fail(token.range, inQuotes(token.text) + " is a function; write " + token.text + "(...)");
+        std::string const form(token.text == "if" ? function->signature : token.text + "(...)");
+        fail(token.range, inQuotes(token.text) + " is a function; write " + form);
       }
       unknownValue(token);
-      fail(token.range,
-           "unknown name " + inQuotes(token.text) + "; write '" + token.text + "' for a text, or ${" + token.text +
-               "} for a parameter",
+      std::string const phrase(phraseAt(token.range));
+      auto const call = otherKindOf(phrase);
+      fail({token.range.offset, phrase.size()},
+           "unknown name " + inQuotes(phrase) +
+               (call.empty() ? "; write '" + phrase + "' for a text, or ${" + phrase + "} for a parameter" : call),
            Code::UnknownWord);
     }
     if (function == nullptr) {
@@ -459,6 +483,24 @@ class Parser {
       return std::make_unique<FaultyPart>(Kind::Value, since(token.range.offset));
     }
     return call(token.range.offset, *function);
+  }
+
+  /// The words that begin with an unknown one, as far as they can be one name: joined by a blank or by a hyphen.
+  [[nodiscard]] std::string_view phraseAt(Range range) const {
+    auto const isPart = [](char c) { return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0; };
+    std::size_t end = std::size_t{range.offset} + range.length;
+    while (end + 1 < text_.size() && (text_[end] == ' ' || text_[end] == '-') && isPart(text_[end + 1])) {
+      std::size_t next = end + 1;
+      while (next < text_.size() && isPart(text_[next])) ++next;
+      auto const word = text_.substr(end + 1, next - end - 1);
+      bool const isCall = next < text_.size() && text_[next] == '(';
+      if (isCall || (text_[end] == ' ' && (isOperatorWord(word) || adviceForOperator(word)))) break;
+      end = next;
+    }
+    std::string const all(StringUtilities::trimmed(text_.substr(range.offset)));
+    // A named rule may have an operator in its name.
+    bool const isNamedRule = named_.checks.contains(all) || named_.lists.contains(all) || named_.values.contains(all);
+    return text_.substr(range.offset, isNamedRule ? all.size() : end - range.offset);
   }
 
   /// Fails with a proposal when the word means a value in other languages.
@@ -534,7 +576,7 @@ class Parser {
     if (call.arguments.size() < function.least || call.arguments.size() > function.most) {
       issue(call.range,
             std::string(function.name) + " takes " + countText(function) + ", not " +
-                std::to_string(call.arguments.size()),
+                std::to_string(call.arguments.size()) + ": " + std::string(function.signature),
             Code::WrongArgumentCount);
       return std::make_unique<FaultyPart>(function.result, call.range);
     }
@@ -668,7 +710,7 @@ class Parser {
     if (text == nullptr) return nullptr;
     auto pattern = std::make_shared<RegularExpression>(*text);
     if (pattern->fault().empty()) return pattern;
-    issue(value.range(), "this is not a regular expression: " + pattern->fault(), Code::InvalidPattern);
+    issue(value.range(), notAPattern(*pattern), Code::InvalidPattern);
     return nullptr;
   }
 

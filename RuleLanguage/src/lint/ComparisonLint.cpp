@@ -76,11 +76,14 @@ class ComparisonLint {
       Part const part = std::move(parts.back());
       parts.pop_back();
       check(*part.expression, part.base);
+      checkTruths(*part.expression, part.base);
       auto const operands = part.expression->operands();
       for (std::size_t i = operands.size(); i-- > 0;) {
         parts.push_back({operands[i], part.expression->operandBase(i, part.base)});
       }
     }
+    auto const& whole = *use_.compiled->expression;
+    if (use_.role == Role::Condition) checkTruth(whole, Base());
     checkOwner();
   }
 
@@ -102,6 +105,44 @@ class ComparisonLint {
     }
   }
 
+  // Parameters as conditions
+
+  /// The operands of an expression that are conditions.
+  void checkTruths(Expression const& expression, Base const& base) {
+    auto const operands = expression.operands();
+    auto const checkOperand = [&](std::size_t i) { checkTruth(*operands[i], expression.operandBase(i, base)); };
+    if (dynamic_cast<Logic const*>(&expression) != nullptr) {
+      for (std::size_t i = 0; i < operands.size(); ++i) checkOperand(i);
+    } else if (dynamic_cast<Choice const*>(&expression) != nullptr) {
+      checkOperand(0);
+    } else if (dynamic_cast<Quantifier const*>(&expression) != nullptr && operands.size() == 2) {
+      checkOperand(1);
+    }
+  }
+
+  /// A condition that is a parameter holds only for the texts of the logical value true.
+  void checkTruth(Expression const& condition, Base const& base) {
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&withoutKept(condition));
+    if (parameter == nullptr) return;
+    auto const rules = rulesOf(*parameter, base);
+    if (rules->all.empty()) return;
+    auto const isTruth = [](std::string const& item) { return TDFParam::asLogical(item).has_value(); };
+    for (auto const* def : rules->all) {
+      if (TDFParam::elementType(def->type) == TDFParam::Logical) return;
+      auto const* items = dynamic_cast<FixedList const*>(def->allowedValues.get());
+      if (items != nullptr && std::any_of(items->items().begin(), items->items().end(), isTruth)) return;
+    }
+    auto const type = rules->all.front()->type;
+    bool const isNumber = TDFParam::isNumericType(type) && !TDFParam::isListType(type);
+    std::string const path(use_.text().substr(parameter->range().offset, parameter->range().length));
+    context_.warn(Code::NotLogical, use_, parameter->range(),
+                  inQuotes(parameter->name()) + " is of type " + std::string(TDFParam::typeName(type)) +
+                      ", so as a condition it holds only when its value is " +
+                      (isNumber ? "1; " : "true, yes, on or 1; ") +
+                      (isNumber ? "compare it with a number: " + path + " != 0"
+                                : "compare it with a text, or write exists(" + path + ")"));
+  }
+
   // What something can be
 
   using Rules = std::shared_ptr<LintContext::RulesOfParameter const>;
@@ -112,7 +153,7 @@ class ComparisonLint {
 
   /// Whether a rule keeps its parameter, or an item of it when it is of a list type, from having the value.
   Judgement judgeByRule(ParamValueDef const& def, Wanted const& wanted) {
-    if (auto const* items = LintContext::writtenValues(def)) {
+    if (auto const* items = context_.writtenValues(def)) {
       auto const equals = [&](std::string const& item) {
         auto const quantity = wanted.number ? TDFParam::asQuantity(item) : std::nullopt;
         return wanted.number ? quantity && quantity->number == *wanted.number : item == wanted.text;
@@ -168,7 +209,7 @@ class ComparisonLint {
       // The text of a list is compared whole, and a single value is read as a list by dividing it at its commas.
       if (isList != asItem && (isList || wanted.text.find(',') == std::string::npos)) {
         if (!isList) {
-          auto const* items = LintContext::writtenValues(*def);
+          auto const* items = context_.writtenValues(*def);
           auto const divides = [](std::string const& item) { return item.find(',') != std::string::npos; };
           if (items != nullptr && std::any_of(items->begin(), items->end(), divides)) return {};
         } else if (!(result = judgeItems(*def, wanted))) {
@@ -413,7 +454,7 @@ class ComparisonLint {
     if (rules->all.empty()) return;
     auto const isNumber = [](std::string const& item) { return TDFParam::asQuantity(item).has_value(); };
     bool const none = std::all_of(rules->all.begin(), rules->all.end(), [&](auto const* def) {
-      auto const* items = TDFParam::isListType(def->type) ? nullptr : LintContext::writtenValues(*def);
+      auto const* items = TDFParam::isListType(def->type) ? nullptr : context_.writtenValues(*def);
       return items != nullptr && std::none_of(items->begin(), items->end(), isNumber);
     });
     if (none) {
@@ -506,7 +547,7 @@ class ComparisonLint {
     if (parameter == nullptr || part == nullptr || part->empty()) return;
     auto const rules = rulesOf(*parameter, base);
     bool const never = !rules->all.empty() && std::all_of(rules->all.begin(), rules->all.end(), [&](auto const* def) {
-      auto const* items = LintContext::writtenValues(*def);
+      auto const* items = context_.writtenValues(*def);
       // The text of a list has separators between its items.
       if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != std::string::npos))
         return false;

@@ -54,6 +54,10 @@ double constantNumber(Expression const& expression) {
   return inNothing([&](Frame const& frame) { return expression.number(frame); });
 }
 
+SharedStrings constantList(Expression const& expression) {
+  return inNothing([&](Frame const& frame) { return expression.list(frame); });
+}
+
 std::string constantText(Expression const& expression) {
   return inNothing([&](Frame const& frame) { return expression.text(frame); });
 }

@@ -16,5 +16,7 @@ namespace tarn::rules {
 [[nodiscard]] double constantNumber(Expression const& expression);
 /// The same as a text.
 [[nodiscard]] std::string constantText(Expression const& expression);
+/// The same as a list.
+[[nodiscard]] SharedStrings constantList(Expression const& expression);
 
 }  // namespace tarn::rules

@@ -4,6 +4,7 @@
 #include "lint/EntryLint.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -125,7 +126,13 @@ class EntryLint {
     if (auto const reason = at("Reason"); reason && !at("Available")) {
       warn(Code::NoEffect, reason, "Reason has no effect without Available");
     }
-    checkCounts(child, at("Maximum Count"));
+    if (!StringUtilities::trimmed(child.type).empty())
+      checkWritableName(child.type, place.name, "objects of this type");
+    if (child.singleton && !child.required && !child.coupled && !child.validationRelaxed) {
+      warn(Code::NeverAdded, at("Singleton"),
+           "no edit can switch this child on or off; add 'Coupled: yes', or 'Required: yes' when it always exists");
+    }
+    checkCounts(child, at("Minimum Count"), at("Maximum Count"));
     if (!child.contexts.empty()) checkContext(object, nullptr, child.contexts, at("Context"));
   }
 
@@ -141,7 +148,7 @@ class EntryLint {
     }
   }
 
-  void checkCounts(ChildAvail const& child, Item const& maximum) {
+  void checkCounts(ChildAvail const& child, Item const& minimum, Item const& maximum) {
     auto const numberOf = [](std::unique_ptr<TextExpression> const& count) {
       auto const* fixed = dynamic_cast<FixedText const*>(count.get());
       return fixed != nullptr ? TDFParam::asNumber(fixed->text()) : std::nullopt;
@@ -150,7 +157,37 @@ class EntryLint {
     auto const most = numberOf(child.maximumCount);
     if (least && most && *most < *least) {
       warn(Code::CountsReversed, maximum, "the maximum count is below the minimum count");
+      return;
     }
+    if (child.singleton) {
+      if (least && *least > 1) {
+        warn(Code::CountsReversed, minimum,
+             "there is at most one child of this type, because it is a singleton; remove the count or 'Singleton'");
+      }
+      return;
+    }
+    auto const* names = dynamic_cast<FixedList const*>(child.allowedNamesSource.get());
+    if (names == nullptr) return;
+    auto const count = std::set<std::string_view>(names->items().begin(), names->items().end()).size();
+    if (least && *least > static_cast<double>(count)) {
+      warn(Code::CountsReversed, minimum,
+           "Allowed Names has only " + std::to_string(count) + (count == 1 ? " name" : " names") +
+               ", so there can be no more children of this type");
+    } else if (most && child.required && *most < static_cast<double>(count)) {
+      warn(Code::CountsReversed, maximum,
+           "a child with each of the " + std::to_string(count) + " Allowed Names is required, which is more than this");
+    }
+  }
+
+  /// Model text has signs that no name can hold.
+  void checkWritableName(std::string_view name, Item const& item, std::string_view what) {
+    std::string fault;
+    if (name.starts_with('#')) fault = "begins with '#'";
+    if (name.find('=') != std::string_view::npos) fault = "contains '='";
+    if (name.find_first_of("\n\r") != std::string_view::npos) fault = "contains a line end";
+    if (fault.empty()) return;
+    warn(Code::UnwritableName, item,
+         "model text cannot hold " + std::string(what) + ", because the name " + fault + "; use another name");
   }
 
   /// The names that a list gives as plain texts.
@@ -163,6 +200,7 @@ class EntryLint {
       if (node == nullptr || node->kind != YamlNode::Kind::Scalar) continue;
       if (isGuarded && node->value.starts_with('=')) continue;  // an expression, which is checked as one
       auto const problem = problemOfName(node->value, child.type);
+      if (!problem) checkWritableName(node->value, {list.source, node}, "an object of this name");
       if (problem) warn(problem->code, {list.source, node}, problem->message);
     }
   }
@@ -171,6 +209,7 @@ class EntryLint {
                       EntryPlace const& place) {
     context_.setTaken(place.taken);
     auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
+    checkWritableName(param.name, place.name, "this parameter");
     if (def.allowedValueKind == ParamValueDef::NoAllowedValues) {
       for (std::string_view const attribute :
            {"Allowed String List Checks", "Unused Allowed String List", "Subset Allowed String List",
@@ -224,7 +263,8 @@ class EntryLint {
       } else if (auto const* fixed = dynamic_cast<FixedText const*>(bound)) {
         if (!TDFParam::asQuantity(fixed->text()))
           warn(Code::BoundNotANumber, item,
-               "the bound " + inQuotes(fixed->text()) + " is not a number" + numberRemedy(fixed->text()));
+               "the bound " + inQuotes(fixed->text()) + " is not a number" +
+                   numberRemedy(context_.data(), def, fixed->text()));
       }
     };
     check(def.lowerBound.get(), lowerItem);
@@ -246,6 +286,14 @@ class EntryLint {
            "a pattern has no effect on a parameter of type " + std::string(TDFParam::typeName(def.type)));
       return;
     }
+    std::string const text = def.pattern->text();
+    if (text.size() > 2 && text.starts_with('/') && text.ends_with('/')) {
+      auto const inside = std::string_view(text).substr(1, text.size() - 2);
+      auto& warning = warn(Code::PatternInSlashes, item,
+                           "the slashes belong to this pattern, so only texts with slashes match it; leave them out");
+      LintContext::fixText(warning, item, text, inside);
+      return;
+    }
     if (def.pattern->matches("")) {
       warn(Code::PatternMatchesEmpty, item,
            "this pattern also matches the empty text; write '+' instead of '*' when there must be something");
@@ -261,12 +309,24 @@ class EntryLint {
     }
   }
 
+  /// The only quantity type that lists a unit. Empty when none or several do.
+  [[nodiscard]] std::string typeWithUnit(std::string_view unit) const {
+    std::string found;
+    for (auto const& [name, type] : context_.data().quantityTypes()) {
+      if (type.find(unit) == nullptr) continue;
+      if (!found.empty()) return {};
+      found = name;
+    }
+    return found;
+  }
+
   void checkQuantityType(ParamValueDef const& def, Item const& item) {
     if (auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get())) {
       if (!context_.data().quantityTypes().contains(fixed->text())) {
         std::vector<std::string> names;
         for (auto const& entry : context_.data().quantityTypes()) names.push_back(entry.first);
-        auto const near = context_.hints().nearest(fixed->text(), names);
+        auto near = context_.hints().nearest(fixed->text(), names);
+        if (near.empty()) near = typeWithUnit(fixed->text());
         auto& warning = warn(Code::UnknownQuantityType, item,
                              "there is no quantity type " + inQuotes(fixed->text()) + " under Quantity Types" +
                                  (near.empty() ? computedRemedy(fixed->text()) : didYouMean(near)));
@@ -289,18 +349,23 @@ class EntryLint {
     for (auto const& context : contexts) {
       if (context.empty()) continue;
       if (positions.firstContextRule >= end) {
+        bool const hasNone = positions.contextRules.empty();
         warn(Code::NeverLive, item,
-             param != nullptr ? "there is no context rule before this parameter, so it is never live"
-                              : "the object has no context rule, so this child is never live");
-        context_.setCause("context " + object.typePath() + (param != nullptr ? " of parameters" : ""));
+             hasNone ? "the object has no context rule, so this entry is never live; write 'Context Rule: yes' at the "
+                       "parameter that selects it"
+                     : "there is no context rule before this parameter, so it is never live; move it after the context "
+                       "rule");
+        context_.setCause("context " + object.typePath() + (hasNone ? "" : " of parameters"));
         return;
       }
       if (positions.firstOpenContextRule < end) continue;
       auto const found = positions.contexts.find(context);
       if (found != positions.contexts.end() && found->second < end) continue;
       auto const near = nearContext(object, end, context);
-      auto& warning =
-          warn(Code::NeverLive, item, "no context rule can have the value " + inQuotes(context) + orDidYouMean(near));
+      bool const isCondition = context.find("${") != std::string::npos;
+      auto& warning = warn(Code::NeverLive, item,
+                           "no context rule can have the value " + inQuotes(context) +
+                               (isCondition ? "; a condition is written after 'Available'" : orDidYouMean(near)));
       LintContext::fixText(warning, item, context, near);
     }
   }

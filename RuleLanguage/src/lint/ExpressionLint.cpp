@@ -53,6 +53,7 @@ NearType nearAncestor(LintContext& context, ExpressionUse const& use, PathPatter
   }
   // A named rule can be meant for any object.
   if (use.typePath().empty()) {
+    if (!context.hints().take(context.types().all().size())) return {};
     for (auto const& entry : context.types().all()) {
       if (!entry.first.empty()) types.emplace_back(PathUtils::lastType(entry.first));
     }
@@ -112,7 +113,8 @@ class UnknownPaths {
 
 /// Why a path leads to no object although the rules know all of its types: a step without a name leads only to a
 /// singleton, and a step with a name only to an object that can have it. Empty when there is no such step.
-std::string whyNoObject(LintContext& context, ExpressionUse const& use, PathPattern const& pattern) {
+std::string whyNoObject(LintContext& context, ExpressionUse const& use, PathPattern const& pattern,
+                        bool isOfParameter) {
   if (use.named != nullptr && !pattern.isAbsolute()) return {};
   if (pattern.start() == PathPattern::Start::Nearest) return {};
   std::string path = pattern.isAbsolute() ? std::string{} : use.typePath();
@@ -127,8 +129,13 @@ std::string whyNoObject(LintContext& context, ExpressionUse const& use, PathPatt
     path += "/" + step.type;
     if (child == nullptr || step.kind == PathPattern::StepKind::ChildrenOfType) continue;
     if (step.name.empty() && !child->singleton) {
-      return "objects of type " + inQuotes(step.type) + " have names, so this path leads to none; write " + step.type +
-             ":* for all of them, or their name after the ':'";
+      std::string_view const own = use.typePath();
+      bool const isAround = own.starts_with(path) && (own.size() == path.size() || own[path.size()] == '/');
+      // A path to one value cannot name all of them.
+      return "objects of type " + inQuotes(step.type) + " have names, so this path leads to none; write " +
+             (isAround ? "^" + step.type + " for the one around this object, or " : std::string()) +
+             (isOfParameter ? "their name after the ':', or " + step.type + ":* inside values(...) for all of them"
+                            : step.type + ":* for all of them, or their name after the ':'");
     }
     if (!step.name.empty() && child->singleton && step.name != step.type) {
       return inQuotes(step.type) + " is a singleton, which has no name, so this path leads to no object; write " +
@@ -169,6 +176,15 @@ std::string elsewhere(LintContext& context, ExpressionUse const& use, PathUse co
   return {};
 }
 
+/// The way to write a named rule whose name is written as a path. Empty when there is no such rule.
+std::string remedyOfNamedRule(LintContext& context, PathUse const& path) {
+  if (!path.pattern.steps().empty() || path.pattern.start() != PathPattern::Start::Context) return {};
+  auto const* rule = context.namedRule(path.parameter);
+  if (rule == nullptr) return {};
+  std::string const function = rule->kind() == Kind::Truth ? "check" : rule->kind() == Kind::List ? "list" : "value";
+  return "; there is a " + function + " of that name: " + function + "(" + inQuotes(path.parameter) + ")";
+}
+
 /// The remedy for a parameter that none of the objects `named` has. Empty when none is known.
 std::string remedyFor(LintContext& context, ExpressionUse const& use, PathUse const& path,
                       std::set<std::string> const& named) {
@@ -178,7 +194,10 @@ std::string remedyFor(LintContext& context, ExpressionUse const& use, PathUse co
       return "; it is a child type, so a path to a value goes on with the name of its parameter";
     }
   }
-  bool const hasDots = path.parameter.find('.') != std::string::npos && path.parameter.find(' ') == std::string::npos;
+  if (auto remedy = remedyOfNamedRule(context, path); !remedy.empty()) return remedy;
+  auto const dot = path.parameter.find('.');
+  bool const hasDots = dot != std::string::npos && dot > 0 && dot + 1 < path.parameter.size() &&
+                       path.parameter.find(' ') > dot && path.parameter[dot + 1] != ' ';
   if (hasDots) return "; the parts of a path are divided by '/'";
   return elsewhere(context, use, path);
 }
@@ -190,6 +209,40 @@ std::string absoluteRemedy(LintContext& context, PathPattern const& pattern) {
   return isRoot && !pattern.steps().front().type.empty() ? "; a path from the root of the model begins with '/'" : "";
 }
 
+/// The remedy for a path that leads to no object, as the end of a sentence. Empty when none is known.
+std::string remedyForPath(LintContext& context, ExpressionUse const& use, PathUse const& path) {
+  auto const& pattern = path.pattern;
+  if (auto absolute = absoluteRemedy(context, pattern); !absolute.empty()) return absolute;
+  bool const isRelative = pattern.start() == PathPattern::Start::Context && !pattern.steps().empty();
+  for (auto const& step : pattern.steps()) {
+    if (step.type == ".") return "; a path begins at the object itself, so leave out './'";
+    if (step.type.size() > 2 && step.type.find_first_not_of('.') == std::string::npos) {
+      return "; each parent is one '..': write ../.. for two";
+    }
+    if (step.type.find('[') != std::string::npos) return "; an object is chosen by its name: Type:Name";
+  }
+  if (!isRelative || use.named != nullptr || !isWrittenWhole(use, path)) return {};
+  auto const& first = pattern.steps().front().type;
+  if (use.typePath().empty()) {
+    for (auto const& [root, place] : context.rules().rootPlaces()) {
+      auto const* object = context.data().getObjDependDef("/" + root, true);
+      if (object == nullptr || object->findChild(first) == nullptr) continue;
+      return "; a global check is evaluated at the root of the model: write /" + root + "/" + first;
+    }
+    return {};
+  }
+  // A part of one of the objects above.
+  std::string up = "../";
+  for (std::string_view type = PathUtils::parentOf(use.typePath()); !type.empty(); type = PathUtils::parentOf(type)) {
+    auto const* object = context.data().getObjDependDef(std::string(type), true);
+    if (object != nullptr && object->findChild(first) != nullptr) {
+      return "; " + std::string(type) + " has a child of type " + inQuotes(first) + ": write " + up + first;
+    }
+    up += "../";
+  }
+  return {};
+}
+
 void checkPaths(LintContext& context, ExpressionUse const& use) {
   UnknownPaths unknown;
   std::vector<PathUse> paths;
@@ -199,35 +252,38 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
     auto const& named = *resolved;
     if (named.empty()) {
       if (unknown.isConsequence(use, path)) continue;
-      if (auto const why = whyNoObject(context, use, path.pattern); !why.empty()) {
+      if (auto const why = whyNoObject(context, use, path.pattern, !path.parameter.empty()); !why.empty()) {
         context.warn(Code::UnknownObjectPath, use, path.range, why);
         continue;
       }
       auto const [type, near] = nearObject(context, use, path.pattern);
       context.warn(Code::UnknownObjectPath, use, path.range,
                    "the rules define no object at this path" +
-                       (near.empty() ? absoluteRemedy(context, path.pattern) : didYouMean(near)),
+                       (near.empty() ? remedyForPath(context, use, path) : didYouMean(near)),
                    componentFix(use, path.range, type, near));
       continue;
     }
-    if (auto const why = whyNoObject(context, use, path.pattern); !why.empty()) {
+    if (auto const why = whyNoObject(context, use, path.pattern, !path.parameter.empty()); !why.empty()) {
       if (!unknown.isConsequence(use, path)) context.warn(Code::UnknownObjectPath, use, path.range, why);
       continue;
     }
     if (path.parameter.empty()) continue;
-    bool const known = std::any_of(named.begin(), named.end(), [&](std::string const& typePath) {
-      auto const* object = context.data().getObjDependDef(typePath, true);
-      // A child without rules of its own is reported elsewhere. The root has no parameters. A named rule is meant for
-      // objects that have rules.
-      bool const isAnyObject = use.named != nullptr && !path.pattern.isAbsolute();
-      if (object == nullptr) return !typePath.empty() && !isAnyObject;
-      return object->findParam(path.parameter) != nullptr;
-    });
+    // A named rule is meant for objects that have rules.
+    bool const isAnyObject = use.named != nullptr && !path.pattern.isAbsolute();
+    bool known = !context.rulesOf(use, path.pattern, path.parameter)->all.empty();
+    if (!isAnyObject) {
+      // A child without rules of its own is reported elsewhere. The root has no parameters.
+      known = known || std::any_of(named.begin(), named.end(), [&](std::string const& typePath) {
+                return !typePath.empty() && context.data().getObjDependDef(typePath, true) == nullptr;
+              });
+    }
     if (known) continue;
     std::vector<std::string> candidates;
     for (auto const& typePath : named) {
       auto const* object = context.data().getObjDependDef(typePath, true);
-      if (object == nullptr || !context.hints().take(object->params().size())) continue;
+      if (object == nullptr) continue;
+      // The search in very many objects ends with the budget, which counts at least one name in each.
+      if (!context.hints().take(object->params().size() + 1)) break;
       for (auto const& param : object->params()) candidates.push_back(param->name);
     }
     std::string const where =

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "expression/Nodes.h"
+#include "lint/ConstantExpression.h"
 #include "lint/EntryLint.h"
 #include "loading/RuleBuilder.h"
 #include "yaml/MapReader.h"
@@ -36,7 +37,8 @@ Diagnostic& LintContext::warn(Code code, Item const& item, std::string message) 
 
 Diagnostic& LintContext::warn(Code code, ExpressionUse const& use, Range range, std::string message,
                               std::optional<Replacement> const& fix) {
-  if (code == Code::ImpossibleValue || code == Code::ComparedAsWritten || code == Code::DivisionByZero) {
+  if (code == Code::ImpossibleValue || code == Code::ComparedAsWritten || code == Code::DivisionByZero ||
+      code == Code::NotLogical) {
     faults_[use.item.node].push_back(range);
   }
   std::size_t const offset = use.skipped + range.offset;
@@ -119,18 +121,47 @@ LintContext::TypePaths LintContext::resolve(ExpressionUse const& use, PathPatter
   return kept;
 }
 
+std::vector<ObjDependDef const*> const& LintContext::objectsWith(std::string const& parameter) {
+  if (objectsWith_.empty()) {
+    for (auto const& [typePath, place] : rules_.objectPlaces()) {
+      auto const* object = data_.getObjDependDef(typePath, true);
+      if (object == nullptr) continue;
+      for (auto const& param : object->params()) objectsWith_[param->name].push_back(object);
+    }
+  }
+  static std::vector<ObjDependDef const*> const none;
+  auto const found = objectsWith_.find(parameter);
+  return found == objectsWith_.end() ? none : found->second;
+}
+
+NamedRule const* LintContext::namedRule(std::string const& name) {
+  if (namedRules_.empty()) {
+    for (auto const& [rule, place] : rules_.namedPlaces()) namedRules_.emplace(rule->name(), rule);
+  }
+  auto const found = namedRules_.find(name);
+  return found == namedRules_.end() ? nullptr : found->second;
+}
+
 std::shared_ptr<LintContext::RulesOfParameter const> LintContext::rulesOf(ExpressionUse const& use,
                                                                           PathPattern const& pattern,
                                                                           std::string const& parameter) {
   auto const compute = [&] {
     auto result = std::make_shared<RulesOfParameter>();
     auto const typePaths = resolve(use, pattern);
-    for (auto const& typePath : *typePaths) {
-      auto const* def = data_.getParamValueDef(typePath, parameter, true);
-      if (def == nullptr) continue;
+    auto const add = [&](ParamValueDef const* def) {
+      if (def == nullptr) return;
       result->all.push_back(def);
       result->areFree = result->areFree && def->allowedValueKind == ParamValueDef::NoAllowedValues &&
                         def->type == result->all.front()->type;
+    };
+    // A rule that can be called from every object has very many types.
+    constexpr std::size_t fewTypes = 8;
+    if (typePaths->size() <= fewTypes) {
+      for (auto const& typePath : *typePaths) add(data_.getParamValueDef(typePath, parameter, true));
+    } else {
+      for (auto const* object : objectsWith(parameter)) {
+        if (typePaths->contains(object->typePath())) add(data_.getParamValueDef(object->typePath(), parameter, true));
+      }
     }
     return result;
   };
@@ -182,8 +213,16 @@ SharedStrings const* LintContext::writtenValues(ParamValueDef const& def) {
   auto const* list = listExpressionOf(def.allowedValues.get());
   if (list == nullptr) return nullptr;
   if (auto const* call = dynamic_cast<NamedCall const*>(list)) list = call->rule().expression();
-  auto const* written = dynamic_cast<ListLiteral const*>(list);
-  return written != nullptr && !written->fixedItems().empty() ? &written->fixedItems() : nullptr;
+  if (auto const* written = dynamic_cast<ListLiteral const*>(list)) {
+    if (!written->fixedItems().empty()) return &written->fixedItems();
+  }
+  if (dynamic_cast<FunctionCall const*>(list) == nullptr) return nullptr;
+  auto const [known, isNew] = constantLists_.try_emplace(list);
+  if (isNew && readsNothing(*list)) {
+    auto items = constantList(*list);
+    if (!items.empty()) known->second = std::make_unique<SharedStrings>(std::move(items));
+  }
+  return known->second.get();
 }
 
 std::string const* LintContext::impossibleNameIn(NamedRule const& list) {

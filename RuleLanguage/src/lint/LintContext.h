@@ -86,9 +86,12 @@ class LintContext {
   [[nodiscard]] std::shared_ptr<RulesOfParameter const> rulesOf(ExpressionUse const& use, PathPattern const& pattern,
                                                                 std::string const& parameter);
 
-  /// The allowed values, when they are written out in the entry or in a list that it names. Null when they are
-  /// computed, when there are none, and when they are advice only.
-  [[nodiscard]] static SharedStrings const* writtenValues(ParamValueDef const& def);
+  /// A named check, list or value of this name; null when there is none.
+  [[nodiscard]] NamedRule const* namedRule(std::string const& name);
+
+  /// The allowed values, when they are written out in the entry, in lists that it names, or in an expression over such
+  /// lists. Null when they depend on a model, when there are none, and when they are advice only.
+  [[nodiscard]] SharedStrings const* writtenValues(ParamValueDef const& def);
 
   /// The named list that the allowed values come from; null when they are written in another way.
   [[nodiscard]] static NamedRule const* namedValues(ParamValueDef const& def);
@@ -112,6 +115,9 @@ class LintContext {
   [[nodiscard]] EntryPositions const& positionsOf(ObjDependDef const& object);
 
  private:
+  /// The object types that have a parameter of this name, in the order of their type paths.
+  [[nodiscard]] std::vector<ObjDependDef const*> const& objectsWith(std::string const& parameter);
+
   RuleIndex const& rules_;
   PhysicsData const& data_;
   TypeTree types_;
@@ -119,7 +125,11 @@ class LintContext {
   std::unordered_map<ObjDependDef const*, EntryPositions> positions_;
   std::unordered_map<std::string, TypePaths> resolved_;
   std::unordered_map<std::string, std::shared_ptr<RulesOfParameter const>> rulesOf_;  // by pattern and parameter
+  // Made when first needed.
+  std::unordered_map<std::string_view, std::vector<ObjDependDef const*>> objectsWith_;
+  std::unordered_map<std::string_view, NamedRule const*> namedRules_;
   std::unordered_map<NamedRule const*, std::string const*> impossibleNames_;
+  std::unordered_map<Expression const*, std::unique_ptr<SharedStrings>> constantLists_;  // null: depends on a model
   std::unordered_map<YamlNode const*, std::vector<Range>> faults_;  // by the scalar of the expression
   std::set<std::pair<NamedRule const*, TDFParam::Type>> soundLists_;
   // Two walks, so that the search for a fix does not throw back the search for the next warning.

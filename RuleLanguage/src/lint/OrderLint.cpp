@@ -23,13 +23,32 @@ namespace {
 /// As much of a long circle is shown.
 constexpr std::size_t mostHops = 6;
 
-/// The first part of the expression that names each parameter and, under the empty text, a set of objects.
-std::map<std::string, Range> rangesOf(ExpressionUse const& use) {
+/// The part of the expression that reads a parameter or, when `parameter` is empty, a set of objects. What a named rule
+/// reads is the whole expression's.
+Range rangeOf(ExpressionUse const& use, PathPattern const& objects, std::string_view parameter) {
   std::vector<PathUse> paths;
   use.compiled->expression->collectPaths(paths, PathPattern());
-  std::map<std::string, Range> ranges;
-  for (auto const& path : paths) ranges.try_emplace(path.parameter, path.range);
-  return ranges;
+  std::string const pattern = objects.text();
+  PathUse const* alike = nullptr;
+  for (auto const& path : paths) {
+    if (path.parameter != parameter) continue;
+    if (path.pattern.text() == pattern) return path.range;
+    if (alike == nullptr) alike = &path;
+  }
+  return alike != nullptr ? alike->range : use.compiled->expression->range();
+}
+
+/// Attributes whose result makes no sense when it depends on the parameter's own value. An override may depend on it:
+/// it can replace one value by another.
+bool isOfItself(std::string_view attribute) {
+  return attribute == "Available" || attribute == "Default Value" || attribute == "Default Value Check List" ||
+         attribute == "Lower Bound" || attribute == "Upper Bound";
+}
+
+std::string nounOf(std::string_view attribute) {
+  if (attribute == "Available") return "availability";
+  if (attribute == "Lower Bound") return "lower bound";
+  return attribute == "Upper Bound" ? "upper bound" : "default";
 }
 
 /// A review evaluates such an expression after all walks, when everything is decided.
@@ -63,13 +82,8 @@ void OrderLint::collect(ExpressionUse const& use) {
   RuleReads reads;
   addReads(*use.compiled->expression, PathPattern(), reads);
   if (reads.parameters.empty() && reads.objectSets.empty()) return;
-  auto const ranges = rangesOf(use);
-  auto const rangeOf = [&](std::string const& parameter) {
-    auto const found = ranges.find(parameter);
-    return found == ranges.end() ? use.compiled->expression->range() : found->second;
-  };
-  for (auto const& read : reads.parameters) collectParameter(use, *object, read, rangeOf(read.name));
-  for (auto const& set : reads.objectSets) collectSet(use, set, rangeOf({}));
+  for (auto const& read : reads.parameters) collectParameter(use, *object, read);
+  for (auto const& set : reads.objectSets) collectSet(use, set);
 }
 
 void OrderLint::addReads(Expression const& expression, Base const& base, RuleReads& reads) {
@@ -102,13 +116,13 @@ void OrderLint::addReads(Expression const& expression, Base const& base, RuleRea
   reads.objectSets.insert(reads.objectSets.end(), found.objectSets.begin(), found.objectSets.end());
 }
 
-void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
-                                 Range range) {
+void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& object,
+                                 RuleReads::Parameter const& read) {
   auto const resolved = context_.resolve(use, read.objects);
   auto const& named = *resolved;
   bool const isOwn = read.objects.start() != PathPattern::Start::Root && read.objects.steps().empty() &&
                      named.size() == 1 && *named.begin() == use.typePath();
-  LateRead late{range, "the value of " + inQuotes(read.name), false, {}};
+  std::vector<Relation> relations;
   bool isLate = !named.empty();
   for (auto const& typePath : named) {
     auto const* target = context_.data().getObjDependDef(typePath, true);
@@ -117,27 +131,29 @@ void OrderLint::collectParameter(ExpressionUse const& use, ObjDependDef const& o
       continue;
     }
     auto const relation = isOwn ? toOwnParameter(use, object, read.name) : toObject(use, typePath);
-    addRead(relation, named.size() == 1, use, range);
+    addRead(relation, named.size() == 1, use, read.objects, read.name);
     isLate = isLate && relation.isLater;
-    late.relations.push_back(relation);
+    relations.push_back(relation);
   }
   if (!isLate) return;
+  LateRead late{rangeOf(use, read.objects, read.name), "the value of " + inQuotes(read.name), false,
+                std::move(relations)};
   noteLateReader(late);
-  late.isOwnAvailability = isOwn && use.kind != EntryKind::Child && use.entry() == read.name;
+  late.isOfItself = isOwn && use.kind != EntryKind::Child && use.entry() == read.name;
   late_[&use].push_back(std::move(late));
 }
 
-void OrderLint::collectSet(ExpressionUse const& use, PathPattern const& set, Range range) {
+void OrderLint::collectSet(ExpressionUse const& use, PathPattern const& set) {
   // The types that are late for one reason make one warning.
   std::vector<std::pair<LateRead, std::vector<std::string>>> groups;
   for (auto const& typePath : context_.types().resolve(set, use.typePath())) {
     if (!isDecidedByRules(typePath)) continue;
     auto const relation = toObject(use, typePath);
-    addRead(relation, true, use, range);
+    addRead(relation, true, use, set, {});
     if (!relation.isLater) continue;
     auto group = std::find_if(groups.begin(), groups.end(),
                               [&](auto const& one) { return one.first.relations.front().list == relation.list; });
-    if (group == groups.end()) group = groups.insert(group, {LateRead{range, {}, false, {}}, {}});
+    if (group == groups.end()) group = groups.insert(group, {LateRead{rangeOf(use, set, {}), {}, false, {}}, {}});
     group->first.relations.push_back(relation);
     group->second.emplace_back(PathUtils::lastType(typePath));
   }
@@ -159,16 +175,17 @@ void OrderLint::noteLateReader(LateRead const& late) {
   if (readers.empty() || readers.back() != relation.reader) readers.push_back(relation.reader);
 }
 
-void OrderLint::addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, Range range) {
+void OrderLint::addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, PathPattern const& objects,
+                        std::string_view parameter) {
   if (relation.list == nullptr) return;
   relation.list->order.addRead(relation.reader, relation.read, isCertain, reasons_.size());
-  reasons_.push_back({&use, range, relation.reader, relation.read});
+  reasons_.push_back({&use, objects, std::string(parameter), relation.reader, relation.read});
 }
 
 OrderLint::Relation OrderLint::toOwnParameter(ExpressionUse const& use, ObjDependDef const& object,
                                               std::string const& name) {
   if (use.kind == EntryKind::Child) return {};
-  if (name == use.entry()) return {use.attribute == "Available"};
+  if (name == use.entry()) return {isOfItself(use.attribute)};
   auto const& positions = context_.positionsOf(object).params;
   std::size_t const read = EntryPositions::indexIn(positions, name);
   std::size_t const reader = EntryPositions::indexIn(positions, use.entry());
@@ -360,9 +377,9 @@ void OrderLint::check(ExpressionUse const& use) {
   auto const found = late_.find(&use);
   if (found == late_.end()) return;
   for (auto const& late : found->second) {
-    if (late.isOwnAvailability) {
+    if (late.isOfItself) {
       context_.warn(Code::DependsOnItself, use, late.range,
-                    "the availability of " + inQuotes(use.entry()) + " depends on its own value");
+                    "the " + nounOf(use.attribute) + " of " + inQuotes(use.entry()) + " depends on its own value");
       continue;
     }
     auto const advice = adviceFor(use, late);
@@ -382,8 +399,8 @@ void OrderLint::check(ExpressionUse const& use) {
     for (std::size_t const index : advice.circle) {
       auto const& reason = reasons_[index];
       auto const& item = reason.use->item;
-      auto const place =
-          rangeInScalar(*item.source, *item.node, reason.use->skipped + reason.range.offset, reason.range.length);
+      auto const range = rangeOf(*reason.use, reason.objects, reason.parameter);
+      auto const place = rangeInScalar(*item.source, *item.node, reason.use->skipped + range.offset, range.length);
       DiagnosticList::note(
           warning, *item.source, place,
           "it is read here, in " + std::string(reason.use->attribute) + " of " + inQuotes(reason.use->entry()));

@@ -52,13 +52,14 @@ class OrderLint {
   struct LateRead {
     Range range;
     std::string what;
-    bool isOwnAvailability = false;
+    bool isOfItself = false;  // a rule of the parameter that is read
     std::vector<Relation> relations;
   };
   /// Why one entry reads another.
   struct Reason {
     ExpressionUse const* use;
-    Range range;
+    PathPattern objects;
+    std::string parameter;  // empty for a set of objects
     Entry reader;
     Entry read;
   };
@@ -73,11 +74,11 @@ class OrderLint {
   /// The parameters and objects that an expression reads. Those of named rules are collected once: chains of them are
   /// long, and many rules call them.
   void addReads(Expression const& expression, Base const& base, RuleReads& reads);
-  void collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read,
-                        Range range);
-  void collectSet(ExpressionUse const& use, PathPattern const& set, Range range);
+  void collectParameter(ExpressionUse const& use, ObjDependDef const& object, RuleReads::Parameter const& read);
+  void collectSet(ExpressionUse const& use, PathPattern const& set);
   static void noteLateReader(LateRead const& late);
-  void addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, Range range);
+  void addRead(Relation const& relation, bool isCertain, ExpressionUse const& use, PathPattern const& objects,
+               std::string_view parameter);
 
   [[nodiscard]] Relation toOwnParameter(ExpressionUse const& use, ObjDependDef const& object, std::string const& name);
   [[nodiscard]] Relation toObject(ExpressionUse const& use, std::string const& target);

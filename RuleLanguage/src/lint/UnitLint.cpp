@@ -316,6 +316,66 @@ class ResultCheck {
   QuantityFinder finder_;
 };
 
+/// The bound of a number that has no quantity type. A number without units is compared with bounds without units only.
+class PlainBoundCheck {
+ public:
+  PlainBoundCheck(LintContext& context, ExpressionUse const& use) : context_(context), use_(use) {}
+
+  void check(Expression const& expression) {
+    auto const parts = expression.operands();
+    if (dynamic_cast<Kept const*>(&expression) != nullptr) {
+      check(*parts[0]);
+    } else if (dynamic_cast<Choice const*>(&expression) != nullptr) {
+      check(*parts[1]);
+      check(*parts[2]);
+    } else if (auto const* quantity = dynamic_cast<QuantityLiteral const*>(&expression)) {
+      warn(expression, quantity->units());
+    } else if (auto const* parameter = dynamic_cast<ParameterReference const*>(&expression)) {
+      checkParameter(*parameter);
+    } else if (dynamic_cast<Arithmetic const*>(&expression) != nullptr && expression.kind() == Kind::Text) {
+      check(*parts.back());
+    } else if (auto const* literal = dynamic_cast<Literal const*>(&expression)) {
+      std::string_view const text =
+          literal->kind() == Kind::Text ? StringUtilities::trimmed(literal->rawText()) : std::string_view();
+      auto const bracket = text.rfind('[');
+      if (text.ends_with(']') && bracket != std::string_view::npos) {
+        warn(expression, text.substr(bracket + 1, text.size() - bracket - 2));
+      }
+    }
+  }
+
+ private:
+  void checkParameter(ParameterReference const& parameter) {
+    auto const rules = context_.rulesOf(use_, parameter.objectsFrom(PathPattern()), parameter.name());
+    for (auto const* def : rules->all) {
+      auto const target = targetOf(context_, def);
+      // A number without units, and a type with numbers without units, can be meant.
+      if (target.type == nullptr || target.type->find("") != nullptr) return;
+    }
+    if (rules->all.empty()) return;
+    auto const target = targetOf(context_, rules->all.front());
+    report(parameter, inQuotes(parameter.name()) + " is a quantity of the type " + inQuotes(target.name));
+  }
+
+  void warn(Expression const& expression, std::string_view units) {
+    if (!units.empty()) report(expression, "the bound has the units " + inBrackets(units));
+  }
+
+  void report(Expression const& expression, std::string const& why) {
+    context_.warn(Code::DifferentQuantities, use_, expression.range(),
+                  why + ", but " + inQuotes(use_.entry()) +
+                      " has no quantity type, so a number without units is not compared with this bound; give it a "
+                      "Quantity Type, or write number(...)");
+  }
+
+  LintContext& context_;
+  ExpressionUse const& use_;
+};
+
+bool isBound(ExpressionUse const& use) {
+  return use.attribute == "Lower Bound" || use.attribute == "Upper Bound";
+}
+
 bool givesAValue(ExpressionUse const& use) {
   static std::set<std::string_view> const attributes = {"Lower Bound", "Upper Bound", "Default Value",
                                                         "Default Value Check List", "Value Override Check List"};
@@ -352,8 +412,13 @@ void checkQuantities(LintContext& context, ExpressionUse const& use) {
   auto const& expression = *use.compiled->expression;
   QuantityFinder(context, use).check(expression, PathPattern());
   if (!givesAValue(use)) return;
-  auto const target = targetOf(context, context.data().getParamValueDef(use.typePath(), use.entry(), true));
-  if (target.type != nullptr) ResultCheck(context, use, target).check(expression);
+  auto const* def = context.data().getParamValueDef(use.typePath(), use.entry(), true);
+  auto const target = targetOf(context, def);
+  if (target.type != nullptr) {
+    ResultCheck(context, use, target).check(expression);
+  } else if (isBound(use) && def != nullptr && def->quantityType == nullptr && TDFParam::isNumericType(def->type)) {
+    PlainBoundCheck(context, use).check(expression);
+  }
 }
 
 }  // namespace tarn::rules

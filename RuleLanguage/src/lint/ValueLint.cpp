@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <charconv>
 #include <cmath>
+#include <system_error>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -97,7 +100,7 @@ bool isNull(std::string_view text) {
 class ValueLint {
  public:
   ValueLint(LintContext& context, ParamValueDef const& def)
-      : context_(context), def_(def), allowed_(LintContext::writtenValues(def)) {}
+      : context_(context), def_(def), allowed_(context.writtenValues(def)) {}
 
   void checkEntry(EntryPlace const& place) {
     auto const at = [&](std::string_view attribute) { return place.attribute(attribute); };
@@ -106,7 +109,10 @@ class ValueLint {
     checkGuarded(overrides, at("Value Override Check List"));
     if (auto const list = at("Ordered Allowed String List")) checkAllowed(list);
     if (auto const list = at("Subset Allowed String List")) checkSubset(list);
-    if (auto const list = at("Unused Allowed String List")) checkTwice(list);
+    if (auto const list = at("Unused Allowed String List")) {
+      checkTwice(list);
+      checkUnused(list);
+    }
   }
 
   /// A required parameter that begins without a value.
@@ -232,7 +238,8 @@ class ValueLint {
       checkLooks(context_, item, false);
       return;
     }
-    if (checkNull(item)) return;
+    if (checkNull(item) || checkQuoted(item)) return;
+    checkWritable(kind.noun, item);
     for (auto const& value : itemsOf(text)) {
       auto const fault = faultOf(kind, value);
       if (!fault) continue;
@@ -268,6 +275,33 @@ class ValueLint {
     return true;
   }
 
+  /// True when the text of a parameter is in quotes that belong to it, as in `"'text'"`.
+  bool checkQuoted(Item const& item) {
+    std::string_view const text = item.node->value;
+    bool const isQuoted =
+        text.size() > 1 && text.front() == text.back() && (text.front() == '\'' || text.front() == '"');
+    if (!isQuoted || (allowed_ != nullptr && allowed_->contains(item.node->value))) return false;
+    auto const inside = text.substr(1, text.size() - 2);
+    if (inside.find(text.front()) != std::string_view::npos) return false;
+    auto& warning = context_.warn(Code::TextLooksComputed, item,
+                                  "the quotes are part of this text; leave them out, as only expressions need them: " +
+                                      std::string(inside.substr(0, 60)));
+    if (!inside.empty()) LintContext::fixText(warning, item, text, inside);
+    return true;
+  }
+
+  /// A value is written in one line of a model, and is read without the white space at its ends.
+  void checkWritable(std::string_view noun, Item const& item) {
+    std::string_view const text = item.node->value;
+    auto const trimmed = StringUtilities::trimmed(text);
+    bool const hasLineEnd = trimmed.find_first_of("\n\r") != std::string_view::npos;
+    if (text.size() == trimmed.size() && !hasLineEnd) return;
+    context_.warn(Code::UnwritableValue, item,
+                  "model text cannot hold this " + std::string(noun) +
+                      (hasLineEnd ? ", because it is of several lines; write it in one line"
+                                  : ", because it has white space at its ends; leave that out"));
+  }
+
   /// The end of a text that is computed for a parameter with numbers.
   void checkEnd(ValueKind const& kind, ExpressionUse const& use, Expression const& end) {
     auto const* literal = dynamic_cast<Literal const*>(&end);
@@ -291,7 +325,10 @@ class ValueLint {
       if (allowed_->contains(value) && !def_.unusedValues.contains(value)) return std::nullopt;
       auto near = context_.hints().nearest(value, *allowed_);
       std::string message = "the " + std::string(kind.noun) + " " + inQuotes(value) +
-                            " is not among the allowed values" + orAllowed(near, *allowed_);
+                            " is not among the allowed values" +
+                            (TDFParam::isListType(def_.type) && value.find(';') != std::string::npos
+                                 ? "; the items of a list are divided by commas"
+                                 : orAllowed(near, *allowed_));
       return Fault{kind.notAllowed, std::move(message), std::move(near)};
     }
     auto const* advice = dynamic_cast<FixedList const*>(def_.allowedValues.get());
@@ -309,17 +346,21 @@ class ValueLint {
       case TDFParam::Integer: {
         auto const quantity = TDFParam::asQuantity(value);
         if (quantity && quantity->number == std::trunc(quantity->number)) return std::nullopt;
-        return Fault{code,
-                     subject() + "a whole number" +
-                         (quantity ? "; write one, or make the parameter a Real" : numberRemedy(value)),
-                     {}};
+        return Fault{
+            code,
+            subject() + "a whole number" + (quantity ? "; write one, or make the parameter a Real" : remedyFor(value)),
+            {}};
       }
       case TDFParam::Real:
         if (TDFParam::asQuantity(value)) return std::nullopt;
-        return Fault{code, subject() + "a number" + numberRemedy(value), {}};
+        return Fault{code, subject() + "a number" + remedyFor(value), {}};
       default:
         return std::nullopt;
     }
+  }
+
+  [[nodiscard]] std::string remedyFor(std::string const& value) const {
+    return numberRemedy(context_.data(), def_, value);
   }
 
   [[nodiscard]] std::optional<Fault> boundFault(ValueKind const& kind, std::string const& value) const {
@@ -356,11 +397,23 @@ class ValueLint {
     return low && high && orderOf(context_.data(), def_, *high, *low).value_or(0) < 0;
   }
 
+  /// A value that is both allowed and unused is never allowed.
+  void checkUnused(Item const& list) {
+    if (allowed_ == nullptr || list.node->kind != YamlNode::Kind::Sequence) return;
+    for (auto const* item : list.node->children) {
+      if (item->kind != YamlNode::Kind::Scalar || !allowed_->contains(item->value)) continue;
+      context_.warn(Code::DuplicateValue, {list.source, item},
+                    inQuotes(item->value) +
+                        " is also among the allowed values, so it is never allowed; remove it from one of the two");
+    }
+  }
+
   void checkAllowed(Item const& list) {
     if (list.node->kind != YamlNode::Kind::Sequence) return;
     for (auto const* child : list.node->children) {
       Item const item{list.source, child};
       if (child->kind != YamlNode::Kind::Scalar) continue;
+      checkWritable("allowed value", item);
       if (looksComputed(child->value)) {
         checkLooks(context_, item, true);
       } else if (def_.allowsAnyValue) {
@@ -391,13 +444,39 @@ class ValueLint {
   SharedStrings const* allowed_;  // null when they are not written out
 };
 
+/// The part of a text that other languages would replace by a value: `{name()}`, `{0}`, `{}`, `%s`. Empty when there is
+/// none.
+std::string_view placeholderIn(std::string_view text) {
+  for (std::size_t begin = text.find('{'); begin != std::string_view::npos; begin = text.find('{', begin + 1)) {
+    auto const end = text.find('}', begin);
+    if (end == std::string_view::npos) break;
+    auto const inside = text.substr(begin + 1, end - begin - 1);
+    bool const isNumber = std::all_of(inside.begin(), inside.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (isNumber || isCallOrJoin(inside)) return text.substr(begin, end + 1 - begin);
+  }
+  for (std::string_view const format : {"%s", "%d", "%g", "%f"}) {
+    auto const at = text.find(format);
+    if (at == std::string_view::npos) continue;
+    bool const isWord = at + 2 < text.size() && std::isalpha(static_cast<unsigned char>(text[at + 2])) != 0;
+    if (!isWord) return text.substr(at, 2);
+  }
+  return {};
+}
+
 /// The messages in a section of checks.
 void checkMessagesIn(LintContext& context, SourceText const* source, YamlNode const* checks) {
   forEachIn(checks, [&](YamlNode const& /*name*/, YamlNode const& check) {
     auto const* message = valueIn(check, "Message");
-    if (message != nullptr && message->kind == YamlNode::Kind::Scalar) {
-      ValueLint::checkLooks(context, {source, message}, false);
-    }
+    if (message == nullptr || message->kind != YamlNode::Kind::Scalar) return;
+    Item const item{source, message};
+    ValueLint::checkLooks(context, item, false);
+    if (message->value.starts_with('=') || looksComputed(message->value)) return;
+    auto const placeholder = placeholderIn(message->value);
+    if (placeholder.empty()) return;
+    context.warn(Code::TextLooksComputed, item,
+                 "nothing is put in the place of " + inQuotes(placeholder) +
+                     "; a message with values is an expression after '=', such as: = 'The object ' + name() + ' is "
+                     "wrong.'");
   });
 }
 
@@ -498,25 +577,112 @@ std::string computedRemedy(std::string_view text) {
   return looksComputed(text) ? "; an expression begins with '=': = " + asExpression(text) : std::string();
 }
 
-std::string numberRemedy(std::string_view text) {
+namespace {
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// A whole number with a prefix of another language, such as 0x1F, 0o17 or 0b101.
+std::optional<unsigned long long> asPrefixedNumber(std::string_view text) {
+  if (text.size() < 3 || text[0] != '0') return std::nullopt;
+  char const kind = StringUtilities::toLower(text[1]);
+  int const base = kind == 'x' ? 16 : kind == 'o' ? 8 : kind == 'b' ? 2 : 0;
+  unsigned long long number = 0;
+  if (base == 0) return std::nullopt;
+  auto const end = text.data() + text.size();
+  auto const [last, fault] = std::from_chars(text.data() + 2, end, number, base);
+  if (fault != std::errc() || last != end) return std::nullopt;
+  return number;
+}
+
+/// The digits of a number that is written with a separator between groups of three. Empty for any other text.
+std::string withoutSeparators(std::string_view text, char separator) {
+  std::string_view rest = text;
+  std::string digits;
+  if (!rest.empty() && (rest.front() == '-' || rest.front() == '+')) {
+    digits = rest.front();
+    rest.remove_prefix(1);
+  }
+  std::size_t group = 0;
+  std::size_t groups = 0;
+  std::size_t i = 0;
+  for (; i < rest.size() && (isDigit(rest[i]) || rest[i] == separator); ++i) {
+    if (rest[i] != separator) {
+      digits += rest[i];
+      ++group;
+      continue;
+    }
+    if (group == 0 || group > 3 || (groups > 0 && group != 3)) return {};
+    ++groups;
+    group = 0;
+  }
+  if (groups == 0 || group != 3) return {};
+  digits += rest.substr(i);
+  return TDFParam::asQuantity(digits) ? digits : std::string();
+}
+
+/// The remedy for units without brackets behind a number.
+std::string unitsRemedy(PhysicsData const& data, ParamValueDef const& def, std::string_view number,
+                        std::string_view units) {
+  std::string const quantity = std::string(number) + " [" + std::string(units) + "]";
+  auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get());
+  if (def.quantityType == nullptr) {
+    return "; write " + std::string(number) + ", or " + quantity +
+           " and give the parameter a Quantity Type that lists [" + std::string(units) + "]";
+  }
+  auto const* type = fixed != nullptr ? data.findQuantityType(fixed->text()) : nullptr;
+  if (type != nullptr && type->find(units) == nullptr) {
+    return "; units are written in brackets, and " + inQuotes(fixed->text()) + " lists " + listedUnits(*type);
+  }
+  return "; units are written in brackets: " + quantity;
+}
+
+}  // namespace
+
+std::string numberRemedy(PhysicsData const& data, ParamValueDef const& def, std::string_view text) {
   text = StringUtilities::trimmed(text);
   if (looksComputed(text)) return computedRemedy(text);
   if (isNull(text)) return noValue;
+  bool const isList = TDFParam::isListType(def.type);
+  bool const isWhole = TDFParam::elementType(def.type) == TDFParam::Integer;
+  std::string const lower = StringUtilities::toLower(std::string(text));
+  for (std::string_view const word : {"inf", "infinity", "infinite", "unlimited", "nan", "max", "min", "none", "any"}) {
+    if (lower == word || (lower.size() == word.size() + 1 && lower.ends_with(word) && !std::isalpha(lower[0]))) {
+      return "; to give no limit or no value, leave the key out";
+    }
+  }
+  if (auto const number = asPrefixedNumber(text)) return "; write it in decimal digits: " + std::to_string(*number);
+  if (text.find_first_of("<>=") == 0) return "; write the number alone";
+  if (text.find("..") != std::string_view::npos) return "; a range is written as Lower Bound and Upper Bound";
+  for (char const separator : {' ', '_', '\''}) {
+    if (isList && separator == ' ') continue;
+    auto const digits = withoutSeparators(text, separator);
+    if (!digits.empty()) return "; write " + digits + ", without signs between the digits";
+  }
+  std::string const several = std::string("; it holds one number; several are the value of ") +
+                              (isWhole ? "an Integer List" : "a Real List") + ", divided by commas";
   // A number and units without brackets, or a comma for the decimal point.
   std::size_t const end = std::min(text.find_first_not_of("+-.0123456789eE"), text.size());
   auto const number = StringUtilities::trimmed(text.substr(0, end));
   if (end < text.size() && TDFParam::asNumber(number)) {
     auto const rest = StringUtilities::trimmed(text.substr(end));
-    if (rest.front() == ';') return "; the items of a list are divided by commas";
-    bool const isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    if (isHexadecimal) return "; write it in decimal digits";
-    bool const hasComma = rest.front() == ',' && rest.size() > 1;
-    if (hasComma && TDFParam::asQuantity(rest.substr(1))) {
-      return "; write " + std::string(number) + "." + std::string(rest.substr(1));
+    if (rest.front() == ';') return isList ? "; the items of a list are divided by commas" : several;
+    if (isDigit(rest.front()) || rest.front() == '-') {
+      return isList ? "; the items of a list are divided by commas" : several;
     }
-    if (rest.find_first_of("[],") == std::string_view::npos) {
-      return "; units are written in brackets: " + std::string(number) + " [" + std::string(rest) + "]";
+    if (rest.front() == ',' && rest.size() > 1 && TDFParam::asQuantity(rest.substr(1))) {
+      std::string const decimal = std::string(number) + "." + std::string(rest.substr(1));
+      auto const whole = withoutSeparators(text, ',');
+      if (isWhole) return whole.empty() ? "; write one whole number" : "; write " + whole;
+      return "; write " + (whole.empty() ? decimal : whole + " or " + decimal);
     }
+    if (rest.find_first_of("*/+(") == 0)
+      return "; a number that is computed is an expression after '=': = " + std::string(text);
+    if (rest.front() == ',') return several;
+    auto const first = static_cast<unsigned char>(rest.front());
+    bool const areUnits = std::isalpha(first) != 0 || first == '%' || first >= 0x80;
+    if (areUnits && rest.find_first_of("[],") == std::string_view::npos) return unitsRemedy(data, def, number, rest);
   }
   return "; write it in digits";
 }

@@ -41,7 +41,7 @@ void checkMessages(LintContext& context);
 /// How to compute a text that looks like an expression, as the end of a sentence; empty for any other text.
 [[nodiscard]] std::string computedRemedy(std::string_view text);
 
-/// The replacement of a text that is not a number, as the end of a sentence.
-[[nodiscard]] std::string numberRemedy(std::string_view text);
+/// The replacement of a text that is not a number, for a parameter that needs one, as the end of a sentence.
+[[nodiscard]] std::string numberRemedy(PhysicsData const& data, ParamValueDef const& def, std::string_view text);
 
 }  // namespace tarn::rules

@@ -8,6 +8,7 @@
 #include <tarn/StringUtilities.h>
 
 #include "diagnostics/NearMatch.h"
+#include "expression/Habits.h"
 #include "loading/RuleBuilder.h"
 #include "loading/RuleSections.h"
 
@@ -334,6 +335,11 @@ std::vector<ParamValueDef::GuardedText> RuleBuilder::guardedTexts(Item const& it
             "an item must be {When: condition, Value: value}, but this is " + std::string(kindText(*child)));
       continue;
     }
+    if (child->children.size() == 2 && child->children[0]->value.find("${") != std::string::npos) {
+      error(Code::WrongKind, {item.source, child->children[0]},
+            "an item must be {When: condition, Value: value}; write the condition after 'When:', in quotes");
+      continue;
+    }
     ParamValueDef::GuardedText guarded;
     bool whenGiven = false;
     bool valueGiven = false;
@@ -441,13 +447,17 @@ void RuleBuilder::readParameter(ObjDependDef& object, Item const& name, Item con
             for (int i = TDFParam::Integer; i <= TDFParam::StringList; ++i) {
               types.emplace_back(TDFParam::typeName(static_cast<TDFParam::Type>(i)));
             }
-            auto const near = StringUtilities::nearMatch(*given, types);
-            auto& diagnostic = error(
-                Code::UnknownParameterType, value,
-                "unknown parameter type " + inQuotes(given->substr(0, 60)) +
-                    (near.empty()
-                         ? "; the types are Integer, Logical, Real and String, and each of them with List after it"
-                         : didYouMean(near)));
+            auto const habit = adviceForType(*given);
+            auto const near = habit ? std::string(habit->instead) : StringUtilities::nearMatch(*given, types);
+            std::string remedy =
+                "; the types are Integer, Logical, Real and String, and each of them with List after it";
+            if (habit && near.empty()) {
+              remedy = habit->message;
+            } else if (!near.empty()) {
+              remedy = habit ? "; here it is called " + inQuotes(near) : didYouMean(near);
+            }
+            auto& diagnostic = error(Code::UnknownParameterType, value,
+                                     "unknown parameter type " + inQuotes(given->substr(0, 60)) + remedy);
             if (!near.empty()) fixText(diagnostic, value, near);
           }
         }

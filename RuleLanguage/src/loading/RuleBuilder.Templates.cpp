@@ -111,7 +111,7 @@ void RuleBuilder::use(ObjDependDef& object, Item const& names, std::optional<Ent
     auto const found = templates_.find(child->value);
     if (found == templates_.end()) {
       // The template may be in a part that could not be read.
-      if (index_.isIncomplete()) continue;
+      if (index_.isIncomplete() || isSectionMisspelled("Templates")) continue;
       auto const near = nearKey(child->value, templates_, named_.hints);
       auto& diagnostic = error(Code::UnknownTemplate, name,
                                "there is no template " + inQuotes(child->value.substr(0, 100)) + orDidYouMean(near));

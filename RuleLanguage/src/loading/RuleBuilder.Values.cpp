@@ -72,7 +72,7 @@ void RuleBuilder::toBind(Expression& expression, bool hasQuantities, Item const&
 }
 
 void RuleBuilder::bindQuantities() {
-  if (quantityTypesAreWrong_ || index_.isIncomplete()) return;
+  if (quantityTypesAreWrong_ || index_.isIncomplete() || isSectionMisspelled("Quantity Types")) return;
   QuantityIndex const index(*data_);
   bool const hasTypes = !data_->quantityTypes().empty();
   for (auto const& [expression, hasQuantities, item, skipped] : unbound_) {
@@ -160,7 +160,7 @@ std::unique_ptr<TextPattern> RuleBuilder::pattern(Item const& item) {
   if (!known) {
     auto expression = std::make_shared<RegularExpression>(std::string(*text));
     if (!expression->fault().empty()) {
-      error(Code::InvalidPattern, item, "this is not a regular expression: " + expression->fault());
+      error(Code::InvalidPattern, item, notAPattern(*expression));
       return nullptr;
     }
     known = std::move(expression);

@@ -116,9 +116,16 @@ std::string RuleBuilder::whyMisplaced(std::string_view key, YamlNode const& valu
   return isNothing(value) ? "; if it is the name of an entry, indent it like the other entries" : std::string();
 }
 
+bool RuleBuilder::isSectionMisspelled(std::string_view section) const {
+  return std::any_of(files_.begin(), files_.end(), [&](File const& file) { return isMisspelled(section, *file.root); });
+}
+
 void RuleBuilder::report(Item const& item, std::size_t skipped, Issue issue) {
   // The rule may be in a part that could not be read.
-  if (issue.code == Code::UnknownNamedRule && index_.isIncomplete()) return;
+  if (issue.code == Code::UnknownNamedRule && (index_.isIncomplete() || isSectionMisspelled("Checks") ||
+                                               isSectionMisspelled("Lists") || isSectionMisspelled("Values"))) {
+    return;
+  }
   auto const rangeOf = [&](Range const& range) {
     if (diagnostics_.isFull()) return item.node->range();
     return rangeInScalar(*item.source, *item.node, skipped + range.offset, range.length);

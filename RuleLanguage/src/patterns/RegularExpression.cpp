@@ -18,6 +18,15 @@ RegularExpression::RegularExpression(std::string const& pattern) : text_(pattern
 
 RegularExpression::~RegularExpression() = default;
 
+std::string notAPattern(RegularExpression const& expression) {
+  std::string message = "this is not a regular expression: " + expression.fault();
+  auto const& text = expression.text();
+  bool const looksAround = text.find("(?=") != std::string::npos || text.find("(?!") != std::string::npos ||
+                           text.find("(?<=") != std::string::npos || text.find("(?<!") != std::string::npos;
+  if (looksAround) message += "; the syntax has no look-ahead and no look-behind, so write that part as a check";
+  return message;
+}
+
 bool RegularExpression::matchesWhole(std::string_view text) const {
   return re2::RE2::FullMatch(re2::StringPiece(text.data(), text.size()), *compiled_);
 }

@@ -36,6 +36,9 @@ class RegularExpression {
   std::unique_ptr<re2::RE2> compiled_;
 };
 
+/// The sentence about a pattern that cannot be read, with what to write instead where that is known.
+[[nodiscard]] std::string notAPattern(RegularExpression const& expression);
+
 /// A regular expression as a record of the rules owns it. Parameters with the same pattern share one expression.
 class RegularPattern final : public TextPattern {
  public:

@@ -70,8 +70,12 @@ std::optional<std::vector<std::string>> MapReader::texts(Item const& item, bool 
 bool MapReader::isMapping(Item const& item, std::string_view what) {
   if (item.node->kind == YamlNode::Kind::Mapping) return true;
   if (!isNothing(*item.node)) {
-    error(Code::WrongKind, item,
-          std::string(what) + " must be a map, but this is " + std::string(kindText(*item.node)));
+    error(
+        Code::WrongKind, item,
+        std::string(what) + " must be a map, but this is " + std::string(kindText(*item.node)) +
+            (item.node->kind == YamlNode::Kind::Sequence && !item.node->flow ? "; leave out the '-' before its entries"
+             : what == "a parameter"                                         ? "; write {Parameter Type: ...}"
+                                                                             : ""));
   }
   return false;
 }

@@ -16,6 +16,8 @@
 #include <set>
 #include <string_view>
 
+#include <tarn/StringUtilities.h>
+
 namespace tarn::rules {
 
 namespace {
@@ -90,6 +92,9 @@ std::string hintFor(std::string_view problem) {
   }
   if (problem == "found character that cannot start any token") {
     return "; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'";
+  }
+  if (problem == "did not find expected comment or line break") {
+    return "; put quotes around a value that begins with '|' or '>'";
   }
   if (problem == "found undefined alias") return "; put quotes around a value that begins with '*'";
   return {};
@@ -275,8 +280,9 @@ class Builder {
     lastEnd_ = event.end_mark;
     if (found == anchors_.end()) {
       fail(Code::UnknownAnchor, rangeFrom(at, length),
-           "there is no anchor '&" + std::string(name) +
-               "' before this; put quotes around a value that begins with '*'");
+           "there is no anchor '&" + std::string(name) + "' before this" +
+               (isMerged(event) ? "; put entries that objects share into Templates, and take them by Use"
+                                : "; put quotes around a value that begins with '*'"));
       error_->anchor = name;
       return false;
     }
@@ -285,6 +291,12 @@ class Builder {
       return false;
     }
     return place(found->second, at);
+  }
+
+  /// Whether an alias is the value of a key '<<'.
+  [[nodiscard]] bool isMerged(yaml_event_t const& event) const {
+    auto const before = source_.line(event.start_mark.line + 1).substr(0, event.start_mark.column);
+    return StringUtilities::trimmed(before).ends_with("<<:");
   }
 
   SourceText const& source_;
@@ -328,14 +340,24 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
     // Without the lines before it, a map seems to begin later.
     if (errors > 0 && attempt.error->note.starts_with("while parsing a block")) attempt.error->noteAt.reset();
     // The anchor may be in a part that was left out.
-    if (attempt.error->anchor.empty() || !recovery_->hadAnchor(attempt.error->anchor)) {
-      report(*attempt.error, source, diagnostics);
-    }
+    bool const isKnown = !attempt.error->anchor.empty() && recovery_->hadAnchor(attempt.error->anchor);
+    if (!isKnown && !isSameIndentation(source, attempt.error->range.begin)) report(*attempt.error, source, diagnostics);
     bool const isLast = attempt.error->code == Code::SeveralDocuments || attempt.error->code == Code::LimitExceeded;
     if (isLast || ++errors == mostErrors || !recover(source, limits, attempt)) break;
   }
   nodes_ = std::move(attempt.nodes);
   root_ = attempt.root;
+}
+
+/// Lines that are indented alike have one mistake. True when the error is at the beginning of a line, the one before it
+/// was so at the line above, and these lines have the same indentation.
+bool YamlDocument::isSameIndentation(SourceText const& source, Place const& at) {
+  std::size_t const indent = source.line(at.line).find_first_not_of(' ');
+  bool const isAtBegin = at.column == indent + 1;
+  bool const isSame = isAtBegin && wrongIndent_ == indent && wrongLine_ + 1 == at.line;
+  wrongLine_ = isAtBegin ? at.line : 0;
+  wrongIndent_ = indent;
+  return isSame;
 }
 
 /// Leaves out lines so that the reading comes beyond them. False when that does not succeed.

@@ -81,12 +81,16 @@ class YamlDocument {
   struct Attempt;
   [[nodiscard]] bool recover(SourceText const& source, Limits const& limits, Attempt& attempt);
 
+  [[nodiscard]] bool isSameIndentation(SourceText const& source, Place const& at);
+
   std::deque<YamlNode> nodes_;
   YamlNode* root_ = nullptr;
   bool incomplete_ = false;
   std::unique_ptr<YamlRecovery> recovery_;  // made when an error is found
   std::size_t readings_ = 0;
   std::size_t readBytes_ = 0;
+  std::size_t wrongLine_ = 0;  // of the last error, when it was at the beginning of a line; otherwise 0
+  std::size_t wrongIndent_ = 0;
 };
 
 }  // namespace tarn::rules

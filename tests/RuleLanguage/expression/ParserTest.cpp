@@ -105,8 +105,7 @@ TEST(Parser, NamesThatAreNone) {
           {"size(list('fluid')) > 0", "11+7: there is no list 'fluid'; did you mean 'fluids'?"},
           {"check('fluids')", "7+8: there is no check 'fluids'; there is a list of that name: list('fluids')"},
           {"check(${A})", "7+4: check takes the name of a check, written in quotes"},
-          {"check(rotating)",
-           "7+8: unknown name 'rotating'; write 'rotating' for a text, or ${rotating} for a parameter"},
+          {"check(rotating)", "7+8: unknown name 'rotating'; there is a check of that name: check('rotating')"},
           {"size(list(1)) > 0", "11+1: list takes the name of a list, written in quotes"},
       },
       "Lists: {fluids: [Water]}\nObjects: {}\n"
@@ -223,17 +222,19 @@ TEST(Parser, ChainedComparisons) {
 
 TEST(Parser, TheNumberOfArguments) {
   expectFaults({
-      {"exists()", "1+8: exists takes 1 argument, not 0"},
-      {"exists(${A}, ${B})", "1+18: exists takes 1 argument, not 2"},
-      {"count() > 0", "1+7: count takes 1 or 2 arguments, not 0"},
-      {"count({A}, true, true) > 0", "1+22: count takes 1 or 2 arguments, not 3"},
-      {"any({A:*})", "1+10: any takes 2 arguments, not 1"},
-      {"if(true, 1) == 1", "1+11: if takes 3 arguments, not 2"},
-      {"if(true, 1, 2, 3) == 1", "1+17: if takes 3 arguments, not 4"},
-      {"name({A}, {B}) == 'x'", "1+14: name takes 0 or 1 argument, not 2"},
-      {"size(union()) > 0", "6+7: union takes at least 1 argument, not 0"},
-      {"check() or true", "1+7: check takes 1 argument, not 0"},
-      {"check('a', 'b')", "1+15: check takes 1 argument, not 2\n7+3: there is no check 'a'"},
+      {"exists()", "1+8: exists takes 1 argument, not 0: exists(x)"},
+      {"exists(${A}, ${B})", "1+18: exists takes 1 argument, not 2: exists(x)"},
+      {"count() > 0",
+       "1+7: count takes 1 or 2 arguments, not 0: count(set), count(set, condition), count(x in set, condition)"},
+      {"count({A}, true, true) > 0",
+       "1+22: count takes 1 or 2 arguments, not 3: count(set), count(set, condition), count(x in set, condition)"},
+      {"any({A:*})", "1+10: any takes 2 arguments, not 1: any(set, condition), any(x in set, condition)"},
+      {"if(true, 1) == 1", "1+11: if takes 3 arguments, not 2: if(condition, a, b)"},
+      {"if(true, 1, 2, 3) == 1", "1+17: if takes 3 arguments, not 4: if(condition, a, b)"},
+      {"name({A}, {B}) == 'x'", "1+14: name takes 0 or 1 argument, not 2: name(), name(set)"},
+      {"size(union()) > 0", "6+7: union takes at least 1 argument, not 0: union(a, b, ...)"},
+      {"check() or true", "1+7: check takes 1 argument, not 0: check('name')"},
+      {"check('a', 'b')", "1+15: check takes 1 argument, not 2: check('name')\n7+3: there is no check 'a'"},
   });
 }
 

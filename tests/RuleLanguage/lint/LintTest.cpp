@@ -140,7 +140,7 @@ Objects:
       Flag: {Parameter Type: Logical}
     Children:
       Domain: {Coupled: yes}
-      Boundary: {Singleton: yes}
+      Boundary: {Singleton: yes, Coupled: yes}
   /Case/Boundary: {Parameters: {Kind: {Parameter Type: String}}}
   /Case/Domain:
     Parameters:

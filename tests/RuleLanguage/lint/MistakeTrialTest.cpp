@@ -144,7 +144,8 @@ std::string nameOf(testing::TestParamInfo<Trial> const& info) {
 INSTANTIATE_TEST_SUITE_P(
     Of, MistakeTrial,
     testing::Values(Trial{"heating", "examples/heating/rules", 100}, Trial{"flow", "examples/flow/rules", 15},
-                    Trial{"microcontroller", "tests/RuleLanguage/lint/mistakes/microcontroller", 100}),
+                    Trial{"microcontroller", "tests/RuleLanguage/lint/mistakes/microcontroller", 100},
+                    Trial{"observatory", "tests/RuleLanguage/lint/mistakes/observatory", 150}),
     nameOf);
 
 }  // namespace
