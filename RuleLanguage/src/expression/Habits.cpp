@@ -93,7 +93,7 @@ constexpr auto operators = std::to_array<Row>({
     {"div", "/"},
     {"between", "; write a <= x and x <= b"},
     {"like matches rlike regexp", "; write matches(text, pattern), contains(x, y) or starts_with(x, y)"},
-    {"contains includes has", "; write contains(x, y) for a text, or y in list"},
+    {"includes has", "; write contains(x, y) for a text, or y in list"},
     {"mod rem", "; write mod(a, b)"},
     {"xor", "; compare the two truth values with '!='"},
     {"then else if unless when", "; a choice is written if(condition, a, b)"},
@@ -107,9 +107,9 @@ constexpr auto types = std::to_array<Row>({
     {"text str char varchar word name file path", "String"},
     {"enum enumeration choice select option options combo oneof dropdown list array",
      "; a choice is a String with an Ordered Allowed String List, and a list is a String List, Integer List or so"},
-    {"list[str] string[] str[] strings list<string>", "String List"},
-    {"list[float] float[] real[] vector vec3 list<double> list[double] double[]", "Real List"},
-    {"list[int] int[] integer[] list<int>", "Integer List"},
+    {"strings texts", "String List"},
+    {"floats reals numbers vector vec3", "Real List"},
+    {"ints integers", "Integer List"},
     {"date time datetime timestamp", "; write it as a String with a Pattern"},
 });
 
@@ -221,7 +221,9 @@ std::optional<WordAdvice> adviceForOperator(std::string_view word) {
 }
 
 std::optional<WordAdvice> adviceForType(std::string_view word) {
-  return adviceIn(types, word);
+  // `list[str]` and its like are lists of some kind.
+  bool const isOfElements = word.find_first_of("[<(") != std::string_view::npos;
+  return adviceIn(types, isOfElements ? "list" : word);
 }
 
 std::string keyInsteadOf(std::string_view key, KeyPlace place, std::vector<std::string> const& keys) {
