@@ -177,6 +177,10 @@ class ConditionLint {
     bool isOpen = false;
     if (auto const* body = rule.expression(); body != nullptr && !decided) {
       Subject const subject{body, rule.source(), unknownScope(*body)};
+      if (isOpenAtFirstSight(subject, nullptr)) {
+        openRules_.insert(&rule);
+        return decided_[&rule] = false;
+      }
       ConditionTerms terms(context_.data(), isLookedInto_, closed_);
       auto const node = terms.add(*body, rule.source(), subject.scope);
       std::vector<Fact> facts;
@@ -193,6 +197,89 @@ class ConditionLint {
     decided_[&rule] = decided;
     if (isOpen) openRules_.insert(&rule);
     return decided;
+  }
+
+  // Conditions that are open at first sight
+
+  /// A comparison of a parameter with a text. The most frequent conditions are one, or call one by its name.
+  struct TextComparison {
+    ParameterReference const* parameter;
+    std::string const* text;
+  };
+
+  /// The comparison that a condition is, or that the named checks lead to which it calls. Nothing when it is something
+  /// else. `isOpaque` is set when a check in between is not looked into.
+  [[nodiscard]] std::optional<TextComparison> textComparison(Expression const& condition, bool& isOpaque) {
+    auto const* part = &condition;
+    for (std::size_t level = 0;; ++level) {
+      if (dynamic_cast<Kept const*>(part) != nullptr) part = part->operands().front();
+      auto const* call = dynamic_cast<NamedCall const*>(part);
+      if (call == nullptr) break;
+      if (part->kind() != Kind::Truth || call->rule().expression() == nullptr) return std::nullopt;
+      if (level == ConditionTerms::mostCallLevels || isDecided(call->rule())) {
+        isOpaque = true;
+        return std::nullopt;
+      }
+      part = call->rule().expression();
+    }
+    auto const* comparison = dynamic_cast<Comparison const*>(part);
+    if (comparison == nullptr) return std::nullopt;
+    auto const op = comparison->op();
+    auto const* parameter = dynamic_cast<ParameterReference const*>(&comparison->left());
+    auto const* literal = dynamic_cast<Literal const*>(&comparison->right());
+    bool const isEquality = op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual;
+    if (!isEquality || parameter == nullptr || literal == nullptr || literal->kind() != Kind::Text) return std::nullopt;
+    if (parameter->origin().isNamed() || literal->rawText().empty()) return std::nullopt;
+    return TextComparison{parameter, &literal->rawText()};
+  }
+
+  /// True when a comparison can hold and can fail, and no fact says more about its parameter. False when that needs the
+  /// whole analysis.
+  [[nodiscard]] bool isOpenAtFirstSight(Subject const& subject, ExpressionUse const* use) {
+    bool isOpaque = false;
+    auto const comparison = textComparison(*subject.expression, isOpaque);
+    if (!comparison && !isOpaque) return false;
+    // A fact may be the same condition.
+    if (subject.object != nullptr && hasOwnFacts(subject, use)) return false;
+    if (isOpaque) return true;
+    auto const& pattern = comparison->parameter->objectPattern();
+    std::string path;
+    if (!pattern.isSingle()) return false;
+    if (!pattern.resolve(TDFContext(subject.scope.context, subject.scope.owner), path)) return true;
+    auto const* object = context_.data().getObjDependDef(PathUtils::typePathOf(path), true);
+    auto const* entry = object != nullptr ? object->findParam(comparison->parameter->name()) : nullptr;
+    if (entry == nullptr) return true;
+    isLaterRead_ |= object == subject.object;
+    if (entry->available != nullptr || !entry->contexts.empty()) return false;
+    auto const values = closed_.of(entry);
+    // With another value the comparison has the other result.
+    return values == nullptr || values->texts.size() > 1 || values->texts.front() != *comparison->text;
+  }
+
+  /// Whether anything is known to hold wherever a rule of an object is evaluated, see `addFacts`.
+  [[nodiscard]] bool hasOwnFacts(Subject const& subject, ExpressionUse const* use) {
+    if (!hasObjectFacts_ || factsOf_ != subject.object) {
+      factsOf_ = subject.object;
+      hasObjectFacts_ = existsOnlyUnderConditions(*subject.object);
+    }
+    if (*hasObjectFacts_ || use == nullptr) return *hasObjectFacts_;
+    if (use->kind != EntryKind::Parameter && use->kind != EntryKind::Child) return use->attribute != "When";
+    auto const isConditional = [&](auto const* entry) {
+      return entry != nullptr &&
+             (!entry->contexts.empty() || (use->attribute != "Available" && entry->available != nullptr));
+    };
+    return use->kind == EntryKind::Parameter ? isConditional(subject.object->findParam(use->entry()))
+                                             : isConditional(subject.object->findChild(use->entry()));
+  }
+
+  /// Whether the child entry of an object or of one above it has a condition or a context.
+  [[nodiscard]] bool existsOnlyUnderConditions(ObjDependDef const& object) const {
+    for (std::string_view path = object.typePath(); !path.empty(); path = PathUtils::parentOf(path)) {
+      auto const* parent = context_.data().getObjDependDef(std::string(PathUtils::parentOf(path)), true);
+      auto const* child = parent != nullptr ? parent->findChild(std::string(PathUtils::lastType(path))) : nullptr;
+      if (child != nullptr && (child->available != nullptr || !child->contexts.empty())) return true;
+    }
+    return false;
   }
 
   // Verdicts
@@ -533,6 +620,7 @@ class ConditionLint {
   /// Judges one condition and, when it is open, its parts. Returns its verdict. `entryUse` is null for a condition that
   /// is evaluated in other objects than those that have it.
   Verdict judgeAndReport(ExpressionUse const& use, Subject const& subject, ExpressionUse const* entryUse) {
+    if (isOpenAtFirstSight(subject, entryUse)) return Verdict::Open;
     ConditionTerms terms(context_.data(), isLookedInto_, closed_);
     Node const node = terms.add(*subject.expression, subject.source, subject.scope);
     auto const operands = terms.operands();
@@ -763,6 +851,9 @@ class ConditionLint {
   std::unordered_set<NamedRule const*> openRules_;  // open by themselves, without parts to judge
   std::unordered_set<ParamAvail const*> neverThere_;
   bool isLaterRead_ = false;  // facts about a parameter of the subject's object were left out, because it comes later
+  // About the last object of which it was asked.
+  ObjDependDef const* factsOf_ = nullptr;
+  std::optional<bool> hasObjectFacts_;
   // About the object of the last rule.
   YamlNode const* lastName_ = nullptr;
   ObjDependDef const* lastObject_ = nullptr;

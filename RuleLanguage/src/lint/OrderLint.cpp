@@ -23,8 +23,8 @@ namespace {
 /// As much of a long circle is shown.
 constexpr std::size_t mostHops = 6;
 
-/// The part of the expression that reads a parameter or, when `parameter` is empty, a set of objects. What a named rule
-/// reads is the whole expression's.
+/// The part of the expression that reads a parameter or, when `parameter` is empty, a set of objects. For a read of a
+/// named rule that is the whole expression.
 Range rangeOf(ExpressionUse const& use, PathPattern const& objects, std::string_view parameter) {
   std::vector<PathUse> paths;
   use.compiled->expression->collectPaths(paths, PathPattern());

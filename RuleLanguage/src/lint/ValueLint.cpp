@@ -451,10 +451,13 @@ std::string_view placeholderIn(std::string_view text) {
     auto const end = text.find('}', begin);
     if (end == std::string_view::npos) break;
     auto const inside = text.substr(begin + 1, end - begin - 1);
-    bool const isNumber = std::all_of(inside.begin(), inside.end(), [](char c) { return c >= '0' && c <= '9'; });
+    // After another sign it repeats a part of a regular expression, which a message may show.
+    bool const isAlone = begin == 0 || std::string_view(" '\"(").find(text[begin - 1]) != std::string_view::npos;
+    bool const isNumber =
+        isAlone && std::all_of(inside.begin(), inside.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (isNumber || isCallOrJoin(inside)) return text.substr(begin, end + 1 - begin);
   }
-  for (std::string_view const format : {"%s", "%d", "%g", "%f"}) {
+  for (std::string_view const format : {"%s", "%d"}) {
     auto const at = text.find(format);
     if (at == std::string_view::npos) continue;
     bool const isWord = at + 2 < text.size() && std::isalpha(static_cast<unsigned char>(text[at + 2])) != 0;
@@ -622,7 +625,7 @@ std::string withoutSeparators(std::string_view text, char separator) {
   return TDFParam::asQuantity(digits) ? digits : std::string();
 }
 
-/// The remedy for units without brackets behind a number.
+/// The remedy for units without brackets after a number.
 std::string unitsRemedy(PhysicsData const& data, ParamValueDef const& def, std::string_view number,
                         std::string_view units) {
   std::string const quantity = std::string(number) + " [" + std::string(units) + "]";

@@ -135,7 +135,7 @@ class RuleBuilder : private MapReader {
   // YAML values
   /// A group or label. Interfaces compare and show it, so it must be on one line and have no blanks at its ends.
   void shownName(Item const& item, std::string_view what, std::string& name);
-  /// Whether a section has a slip in its name in some file. What it holds is unknown then.
+  /// Whether a section has a slip in its name in some file. Its content is unknown then.
   [[nodiscard]] bool isSectionMisspelled(std::string_view section) const;
   /// Whether it is worth reporting that a map lacks a key: not when something else was reported that explains it.
   /// `at` is where the lack would be reported.
