@@ -411,7 +411,8 @@ std::vector<Kind> kindsOfRules() {
                  repeated(
                      n, [](std::size_t i) { return "  c" + number(i) + ": exists({/Case/**/T" + number(i) + "})\n"; }) +
                  "Objects:\n  /Case:\n    Children:\n" +
-                 repeated(n, [](std::size_t i) { return "      T" + number(i) + ": {Singleton: yes, Coupled: yes}\n"; }) +
+                 repeated(n,
+                          [](std::size_t i) { return "      T" + number(i) + ": {Singleton: yes, Coupled: yes}\n"; }) +
                  objectTypes(n),
              true);
        }},

@@ -208,7 +208,8 @@ Shape const shapes[] = {
     {"many parameters of many types",
      [](std::size_t n) {
        std::string text = "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Children:\n";
-       text += repeated(n / 20, [](std::string const& i) { return "      Device " + i + ": {Singleton: yes, Coupled: yes}\n"; });
+       text += repeated(
+           n / 20, [](std::string const& i) { return "      Device " + i + ": {Singleton: yes, Coupled: yes}\n"; });
        return text + repeated(n / 20, [](std::string const& i) {
                 return "  /Case/Device " + i +
                        ":\n    Parameters:\n      Kind: {Required: yes, Parameter Type: String, Ordered Allowed String "

@@ -1,5 +1,5 @@
 // The law of declared reads, over random expressions and models: `RuleReads` names everything that an evaluation reads
-// from its model. Whoever skips work because nothing has changed relies on that. The expressions call every function,
+// from its model. Code that skips work because nothing has changed relies on that. The expressions call every function,
 // with paths of every form.
 
 #include <cstddef>
@@ -213,12 +213,14 @@ class RandomExpressions {
   }
 
   std::string objects(bool areMany) {
-    static std::vector<std::string> const single = {"..",        "@",         "^Domain", "^Case", "/Case",
-                                                    "Frame",     "Part:p1",   "@/Frame", "../..", "/Case/Domain:b",
-                                                    "Part:none", "^Domain/Frame"};
-    static std::vector<std::string> const many = {"Part:*", "/Case/Domain:*", "*",  "**",         "/Case/**", "../Domain:*",
-                                                  "../*",   "Part:*/Frame",   "**/Part:p1", "^Domain/Part:*"};
-    std::string const begin = !named_.empty() && below(3) == 0 ? named_[below(static_cast<unsigned>(named_.size()))] : "";
+    static std::vector<std::string> const single = {
+        "..",      "@",       "^Domain", "^Case",          "/Case",     "Frame",
+        "Part:p1", "@/Frame", "../..",   "/Case/Domain:b", "Part:none", "^Domain/Frame"};
+    static std::vector<std::string> const many = {"Part:*",     "/Case/Domain:*", "*",    "**",
+                                                  "/Case/**",   "../Domain:*",    "../*", "Part:*/Frame",
+                                                  "**/Part:p1", "^Domain/Part:*"};
+    std::string const begin =
+        !named_.empty() && below(3) == 0 ? named_[below(static_cast<unsigned>(named_.size()))] : "";
     if (!begin.empty() && below(2) == 0) return begin;
     auto const& paths = areMany && below(3) != 0 ? many : single;
     auto const& path = paths[below(static_cast<unsigned>(paths.size()))];
@@ -239,7 +241,7 @@ class RandomExpressions {
   unsigned names_ = 0;
 };
 
-/// What the declared reads cover in one model, seen from one object.
+/// The reads in one model that declared reads cover, seen from one object.
 class Declared {
  public:
   Declared(RuleReads const& reads, TDFContext const& context, ModelTDF const& model) : looked_(model, 100'000) {
@@ -251,7 +253,7 @@ class Declared {
 
   [[nodiscard]] bool covers(ModelRead const& read) const {
     if (read.isParameter()) return parameters_.contains(read.object + "\n" + read.name);
-    // Whoever finds the objects that a pattern names asks for the same objects and lists.
+    // A search for the objects of a pattern asks for the same objects and lists.
     for (auto const& asked : looked_.reads()) {
       if (asked.isSameFact(read)) return true;
     }
