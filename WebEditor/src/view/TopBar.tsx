@@ -96,7 +96,14 @@ export function TopBar({
             } else if (event.key === 'ArrowDown' || event.key === 'Enter') {
               event.preventDefault();
               clearTimeout(timer.current);
-              const first = () => document.querySelector<HTMLElement>('.results [tabindex="0"]')?.focus();
+              // The rows of the hits are rendered some frames after the hits have come.
+              let frames = 60;
+              const first = () => {
+                const hit = document.querySelector<HTMLElement>('.results [tabindex="0"]');
+                frames -= 1;
+                if (hit) hit.focus();
+                else if (frames > 0) requestAnimationFrame(first);
+              };
               void store.search(event.currentTarget.value).then(
                 () => requestAnimationFrame(first),
                 () => {},
