@@ -343,7 +343,7 @@ class Completer {
   [[nodiscard]] std::set<std::string> contextTypes(ExpressionScope const* scope, FactOwner const& who) const {
     if (scope == nullptr) return names_.contextsOf(who);
     std::set<std::string> result;
-    for (std::string const& type : names_.contextsOf(who)) result.merge(names_.tree().resolve(scope->context, type));
+    for (std::string const& type : names_.viewpointsOf(who)) result.merge(names_.tree().resolve(scope->context, type));
     return result;
   }
 

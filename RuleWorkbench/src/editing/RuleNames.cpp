@@ -169,6 +169,12 @@ std::set<std::string> RuleNames::contextsOf(FactOwner const& owner) const {
   return known->second;
 }
 
+std::set<std::string> RuleNames::viewpointsOf(FactOwner const& owner) const {
+  auto contexts = contextsOf(owner);
+  if (contexts.empty()) contexts.insert("");
+  return contexts;
+}
+
 std::set<std::string> RuleNames::collectContexts(FactOwner const& owner) const {
   /// An owner whose rules call, and the objects in whose contexts they do it, as seen from the owner.
   struct Caller {
@@ -224,7 +230,7 @@ std::set<std::string> RuleNames::resolve(std::string_view path, ExpressionScope 
   auto const pattern = patternOf(path, scope, nullptr);
   std::set<std::string> result;
   if (!pattern) return result;
-  for (std::string const& type : contextsOf(owner)) {
+  for (std::string const& type : viewpointsOf(owner)) {
     auto types = tree_->resolve(*pattern, type);
     result.merge(types);
   }
@@ -237,7 +243,7 @@ std::set<std::string> RuleNames::resolveOwners(std::string_view path, Expression
   auto const pattern = patternOf(path, scope, &name);
   std::set<std::string> result;
   if (!pattern) return result;
-  for (std::string const& type : contextsOf(owner)) {
+  for (std::string const& type : viewpointsOf(owner)) {
     auto types = tree_->resolve(*pattern, type);
     result.merge(types);
   }

@@ -99,6 +99,9 @@ class RuleNames {
   /// The object types in whose objects the rules of an owner are evaluated: for a template those that use it, for a
   /// named rule those whose rules call it. {""} for the root of the model.
   [[nodiscard]] std::set<std::string> contextsOf(FactOwner const& owner) const;
+  /// The same, or {""} if there are none: a path from the root of the model is understood even in a rule that nobody
+  /// uses.
+  [[nodiscard]] std::set<std::string> viewpointsOf(FactOwner const& owner) const;
   /// The types that a path can name, seen from the rules of an owner.
   [[nodiscard]] std::set<std::string> resolve(std::string_view path, ExpressionScope const* scope,
                                               FactOwner const& owner) const;

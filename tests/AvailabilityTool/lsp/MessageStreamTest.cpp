@@ -12,7 +12,7 @@ namespace {
 using tarn::tool::MessageStream;
 using testing::ElementsAre;
 
-/// What comes out of bytes, given in pieces of `size`.
+/// The messages and faults in bytes that come in pieces of `size`.
 std::vector<std::string> taken(std::string const& bytes, std::size_t size, std::size_t most = 100) {
   MessageStream stream(most);
   std::vector<std::string> result;
