@@ -117,7 +117,8 @@ def make(root, wanted):
 def run(root, command, folder="/"):
     """Runs a command in the system and returns its standard output. Raises an error with all output if it fails."""
     done = subprocess.run(["chroot", root, "env", "-i", "PATH=/usr/sbin:/usr/bin", "HOME=/root", "LC_ALL=C.UTF-8",
-                           "DEBIAN_FRONTEND=noninteractive", "sh", "-c", 'cd "$0" && exec "$@"', folder, *command],
+                           "DEBIAN_FRONTEND=noninteractive", "PYTHONDONTWRITEBYTECODE=1", "sh", "-c",
+                           'cd "$0" && exec "$@"', folder, *command],
                           stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
     if done.returncode:
         raise ChildProcessError(f"{' '.join(command)} ended with {done.returncode}:\n{done.stdout}{done.stderr}")

@@ -77,7 +77,11 @@ def use_development_files(root, sources):
 
 
 def use_python(root):
-    fresh_root.run(root, ["python3", "-c", "import tarn, tarn.study"], "/tmp")
+    study = "/usr/share/tarn/examples/heating/studies/pumps.study.yaml"
+    # Some of its points have errors, so it ends with 1.
+    fresh_root.run(root, ["sh", "-c", f"zev study {study} --out /tmp/pumps --jobs 1; test $? = 1"])
+    table = (root / "tmp/pumps/table.csv").read_text(encoding="utf-8")
+    expect(f"the installed program has made another table:\n{table}", table.count("\n") == 13)
     compiled = list(root.glob("usr/lib/python3/dist-packages/tarn/__pycache__/*.pyc"))
     expect("the modules of Python were not compiled when the package was installed", compiled)
 
