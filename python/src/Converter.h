@@ -38,7 +38,7 @@ namespace tarn::python {
 /// optional values that are empty become None. Needs the interpreter lock.
 ///
 /// One converter serves one answer: lists that the records share, such as allowed values of thousands of parameters,
-/// become one tuple. What was converted must live as long as the converter.
+/// become one tuple. The C++ records must live as long as the converter.
 class Converter {
  public:
   // Texts and plain values

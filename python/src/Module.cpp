@@ -3,11 +3,13 @@
 #include <pybind11/pybind11.h>
 
 #include "Errors.h"
+#include "RecordType.h"
 #include "Rules.h"
 
 PYBIND11_MODULE(_tarn, module) {
   using namespace tarn::python;
   module.doc() = "The libraries below the package tarn. Use the package instead.";
+  RecordType::findClasses();
   translateErrors();
   defineRules(module);
   defineModels(module);

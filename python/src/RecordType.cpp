@@ -7,8 +7,23 @@ namespace tarn::python {
 
 namespace py = pybind11;
 
+namespace {
+
+/// The module `tarn.records`. It is found once, because looking for a module may let other threads of Python run, and
+/// record types are made where that must not happen.
+py::handle& records() noexcept {
+  static py::handle module;
+  return module;
+}
+
+}  // namespace
+
+void RecordType::findClasses() {
+  records() = py::module_::import("tarn.records").release();
+}
+
 RecordType::RecordType(char const* name, std::initializer_list<char const*> fields) {
-  py::object const type = py::module_::import("tarn.records").attr(name);
+  py::object const type = records().attr(name);
   py::list const declared(type.attr("__dataclass_fields__"));
   bool isSame = declared.size() == fields.size();
   for (char const* field : fields) {

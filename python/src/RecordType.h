@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include <pybind11/pybind11.h>
@@ -16,6 +17,9 @@ namespace tarn::python {
 /// interpreter.
 class RecordType {
  public:
+  /// Finds the module of the classes, before the first record type is made.
+  static void findClasses();
+
   /// Needs the interpreter lock. Throws if the class has other fields: that would be a fault of this package.
   RecordType(char const* name, std::initializer_list<char const*> fields);
 

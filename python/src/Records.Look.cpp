@@ -1,4 +1,4 @@
-// What a session says about the items of a model.
+// The records of items: parameters, objects, types of children, and lists of them.
 #include <tarn/TDFParam.h>
 #include <tarn/service/SessionJson.h>
 #include <tarn/session/Sentences.h>

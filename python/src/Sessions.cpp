@@ -80,11 +80,7 @@ class SessionHandle {
     return made(std::move(rules), std::move(opened), session::ModelFile::named({}));
   }
 
-  ~SessionHandle() {
-    // A large session takes a while to go.
-    py::gil_scoped_release const release;
-    session_.reset();
-  }
+  ~SessionHandle() = default;
   SessionHandle(SessionHandle const&) = delete;
   SessionHandle& operator=(SessionHandle const&) = delete;
 

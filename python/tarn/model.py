@@ -2,8 +2,10 @@
 
 from __future__ import annotations
 
+import math
+import numbers
 import os
-from collections.abc import Mapping
+from collections.abc import Mapping, Sequence
 from typing import Any
 
 from tarn import _tarn
@@ -14,6 +16,10 @@ __all__ = ["Model", "State", "value_text"]
 
 State = dict[str, dict[str, str]]
 """The content of a model: the path of each object, with the values of its parameters by their names."""
+
+
+ParamValue = str | float | Sequence[str | float]
+"""A value for a parameter: a text, a number, a truth value, or a list of them. See `value_text`."""
 
 
 class Model:
@@ -74,6 +80,13 @@ class Model:
         model._file = None
         model._content = None
         model._state = _state_of(content)
+        return model
+
+    @classmethod
+    def _of_state(cls, state: State, source: str) -> Model:
+        """A model of a state that the library has made."""
+        model = cls.from_dict({}, source)
+        model._state = _canonical(state)
         return model
 
     @property
@@ -166,7 +179,7 @@ class Model:
         return table(["Object", "Parameter", "Value"], rows)
 
     def __getstate__(self) -> tuple[str, str | None, bytes | None, State | None]:
-        # What a text says is found again where it arrives.
+        # The state of a text is found again where it arrives.
         return self._source, self._file, self._content, None if self._content is not None else self._state
 
     def __setstate__(self, state: tuple[str, str | None, bytes | None, State | None]) -> None:
@@ -186,12 +199,12 @@ def value_text(value: object) -> str:
         return value
     if isinstance(value, bool):
         return "yes" if value else "no"
-    if isinstance(value, int):
-        return str(value)
-    if isinstance(value, float):
-        if value != value or value in (float("inf"), float("-inf")):
+    if isinstance(value, numbers.Integral):
+        return str(int(value))
+    if isinstance(value, numbers.Real):
+        if not math.isfinite(value):
             raise ValueError(f"{value} cannot be the value of a parameter")
-        return repr(value)
+        return repr(float(value))
     if isinstance(value, (list, tuple)):
         return ",".join(value_text(item) for item in value)
     raise TypeError(f"a value must be a text, a number, a truth value, or a list of them, not {type(value).__name__}")
@@ -258,7 +271,7 @@ def _without_clashes(root: dict[str, Any]) -> dict[str, Any]:
 
 
 def as_model(model: Model | AnyPath | Mapping[str, Any] | None) -> Model:
-    """What the functions of this package take for a model."""
+    """The model that an argument means: a model, a file name, dictionaries, or None for an empty one."""
     if isinstance(model, Model):
         return model
     if model is None:

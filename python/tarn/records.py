@@ -819,7 +819,7 @@ class Way:
 
 @dataclass(frozen=True, slots=True)
 class HowResult(_Sentence):
-    """What a search for edits has found. `str` is all of it as text."""
+    """The result of a search for edits. `str` is all of it as text."""
 
     goal: Goal
     answer: Literal["already-so", "found", "impossible", "not-found"]

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import itertools
 import os
 from collections import deque
 from collections.abc import Iterable, Iterator, Mapping
@@ -24,7 +25,7 @@ AnyModel = Model | AnyPath | Mapping[str, Any]
 
 @dataclass(frozen=True, slots=True)
 class Reviewed:
-    """What a review says about one model: findings, or the error that kept it from being judged."""
+    """The review of one model: findings, or the error that kept it from being judged."""
 
     model: str
     """The file, or the source of the model."""
@@ -103,13 +104,18 @@ def _review_of(rules: Rules, roots: tuple[str, ...], phases: Phases, only_valida
 
 
 def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None, roots: Iterable[str] = (),
-           phases: Phases = "all", only_validator: bool = False) -> Iterator[Reviewed]:
+           phases: Phases = "all", only_validator: bool = False, client: Any = None,
+           batch: int = 50) -> Iterator[Reviewed]:
     """Reviews models on several threads, and yields a result for each, in their order, as soon as it is there.
 
     Each model is a `Model`, the name of a file, or dictionaries. `models` may be endless: it is read only a few models
     ahead, by the thread that asks for results. `jobs` is the number of threads, by default that of the processors. A
     model that cannot be judged has its error in the result; the others are still judged. The other arguments are those
     of `Review`.
+
+    With a `client` of Dask distributed, the workers of its cluster judge the models, in batches of `batch`; `jobs` is not
+    used. Files are read by the workers, so all machines must see them under the same name. A worker parses the rules
+    once. The work of a worker that is lost is done again by another one.
 
     >>> import tarn
     >>> rules = tarn.load_rules("examples/flow/rules")
@@ -121,7 +127,10 @@ def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None,
     count = (os.cpu_count() or 1) if jobs is None else jobs
     if count < 1:
         raise ValueError(f"jobs is {count}; give at least 1")
-    return _in_order(Review(rules, roots=roots, phases=phases, only_validator=only_validator), models, count)
+    if batch < 1:
+        raise ValueError(f"batch is {batch}; give at least 1")
+    judge = Review(rules, roots=roots, phases=phases, only_validator=only_validator)
+    return _in_order(judge, models, count) if client is None else _on_cluster(judge, models, client, batch)
 
 
 def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Iterator[Reviewed]:
@@ -137,3 +146,23 @@ def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Iterator[
             yield waiting.popleft().result()
     finally:
         pool.shutdown(wait=True, cancel_futures=True)
+
+
+def _on_cluster(judge: Review, models: Iterable[AnyModel], client: Any, batch: int) -> Iterator[Reviewed]:
+    remaining = iter(models)
+    waiting: deque[Any] = deque()
+    try:
+        while some := list(itertools.islice(remaining, batch)):
+            # The judge goes along with each batch: a worker that has come late, or instead of another, needs it too.
+            waiting.append(client.submit(_judge_all, judge, some, pure=False))
+            threads = sum(client.nthreads().values())
+            while len(waiting) > 2 * max(threads, 1):
+                yield from waiting.popleft().result()
+        while waiting:
+            yield from waiting.popleft().result()
+    finally:
+        client.cancel(list(waiting))
+
+
+def _judge_all(judge: Review, models: list[AnyModel]) -> list[Reviewed]:
+    return [judge.try_judge(model) for model in models]

@@ -2,10 +2,10 @@
 
 from __future__ import annotations
 
+import functools
 import hashlib
 import os
 import threading
-import weakref
 from collections.abc import Iterable, Mapping
 
 from tarn import _tarn
@@ -43,7 +43,12 @@ class Rules:
     @property
     def digest(self) -> str:
         """A hash of the texts, in hexadecimal digits: the same for the same texts in the same order."""
-        return _digest(self._sources)
+        whole = hashlib.sha256()
+        for name, text in self._sources:
+            for part in (name.encode("utf-8", "surrogateescape"), text):
+                whole.update(len(part).to_bytes(8, "little"))
+                whole.update(part)
+        return whole.hexdigest()
 
     def __eq__(self, other: object) -> bool:
         return isinstance(other, Rules) and self._sources == other._sources
@@ -58,27 +63,18 @@ class Rules:
         return _shared_rules, (self._sources,)
 
 
-def _digest(sources: Iterable[tuple[str, bytes]]) -> str:
-    whole = hashlib.sha256()
-    for name, text in sources:
-        for part in (os.fsencode(name), text):
-            whole.update(len(part).to_bytes(8, "little"))
-            whole.update(part)
-    return whole.hexdigest()
-
-
-_shared: weakref.WeakValueDictionary[str, Rules] = weakref.WeakValueDictionary()
 _sharing = threading.Lock()
 
 
 def _shared_rules(sources: tuple[tuple[str, bytes], ...]) -> Rules:
-    """The rules of these texts; those that this process has already, if they are still in use."""
-    key = _digest(sources)
+    """The rules of these texts: parsed once, as long as this process does not work with too many others in turn."""
     with _sharing:
-        rules = _shared.get(key)
-        if rules is None:
-            rules = _shared[key] = Rules(sources)
-        return rules
+        return _last_rules(sources)
+
+
+@functools.lru_cache(maxsize=4)
+def _last_rules(sources: tuple[tuple[str, bytes], ...]) -> Rules:
+    return Rules(sources)
 
 
 def load_rules(*paths: AnyPath) -> Rules:

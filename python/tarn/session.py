@@ -5,12 +5,12 @@ from __future__ import annotations
 import os
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
-from typing import Any, Literal
+from typing import Any, Literal, NoReturn
 
 from tarn import _tarn
 from tarn._html import Table
 from tarn.errors import OpenError, SaveError, UnknownItem
-from tarn.model import Model, as_model, value_text
+from tarn.model import Model, ParamValue, as_model, value_text
 from tarn.records import (ChildTypeRecord, Difference, Edit, EditResult, Explanation, Findings, Found, HowResult, Item,
                           ObjectRecord, OwnValue, ParamRecord, Proof, Step, TryResult, Waiting)
 from tarn.rules import AnyPath, Rules
@@ -114,7 +114,7 @@ class Session:
         """
         return self._handle.edit(_flat(edits), follow_references)
 
-    def set(self, param: WrittenItem, value: object) -> EditResult:
+    def set(self, param: WrittenItem, value: ParamValue) -> EditResult:
         """Sets a parameter. `value` may be a text, a number, a truth value or a list: see `value_text`.
 
         A number without units is in the first unit of the parameter's quantity type.
@@ -145,7 +145,7 @@ class Session:
         """Gives a named object a new name. With `follow_references`, the values that name it follow."""
         return self.edit(Edit("rename-object", self._object_path(path), new_name), follow_references=follow_references)
 
-    def edit_for(self, param: WrittenItem, value: object) -> Edit:
+    def edit_for(self, param: WrittenItem, value: ParamValue) -> Edit:
         """The edit that `set` would make, for use in a list of edits. Nothing is checked or made.
 
         >>> import tarn
@@ -275,7 +275,7 @@ class Session:
 
     # Why and how
 
-    def why(self, item: WrittenItem, value: object = None, *, depth: int = 1,
+    def why(self, item: WrittenItem, value: ParamValue | None = None, *, depth: int = 1,
             question: Literal["presence", "value", "allowed", "last-edit"] | None = None) -> Proof:
         """Why an item is there or not, why a parameter has its value, or with `value` why that is allowed or not.
 
@@ -296,7 +296,7 @@ class Session:
             raise ValueError(f"{found} is an object and has no value")
         return self._handle.why(found.path, found.name, text, question, depth)
 
-    def how(self, item: WrittenItem, value: object = None, *, max_edits: int = 3, max_candidates: int = 100,
+    def how(self, item: WrittenItem, value: ParamValue | None = None, *, max_edits: int = 3, max_candidates: int = 100,
             max_trials: int = 20_000, max_ways: int = 3, max_seconds: float = 10.0) -> HowResult:
         """The shortest sequences of edits after which an item is there, or has a value. Changes nothing.
 
@@ -329,8 +329,8 @@ class Session:
         return self._handle.review()
 
     def result(self) -> Model:
-        """The whole model as it is now, as dictionaries. `text` has it as text that keeps the bytes of the model."""
-        return Model.from_dict(self._handle.result(), source=self._model.source)
+        """The whole model as it is now. `text` of this session has it as text that keeps the bytes of the model."""
+        return Model._of_state(self._handle.result(), self._model.source)
 
     @property
     def text(self) -> str:
@@ -354,7 +354,7 @@ class Session:
     def __repr__(self) -> str:
         return f"<tarn.Session on {self._model.source}, {self.root or '/'}>"
 
-    def __reduce__(self) -> tuple[object, ...]:
+    def __reduce__(self) -> NoReturn:
         raise TypeError("a session cannot be pickled; pickle its rules, its model and its edits: "
                         "session.rules, session.result(), [step.made for step in session.steps]")
 
@@ -393,8 +393,8 @@ class Session:
 def _flat(edits: Iterable[Edit | Iterable[Edit]]) -> list[Edit]:
     flat: list[Edit] = []
     for one in edits:
-        if isinstance(one, Edit):
-            flat.append(one)
-        else:
-            flat.extend(one)
+        for edit in (one,) if isinstance(one, Edit) else one:
+            if not isinstance(edit, Edit):
+                raise TypeError(f"an edit must be a tarn.Edit, not {type(edit).__name__}")
+            flat.append(edit)
     return flat

@@ -462,6 +462,29 @@ TEST_F(RuleFiles, ACheckOfALaterFileCanBeCalledInAnEarlierOne) {
   EXPECT_EQ(errors({a, b}), "");
 }
 
+TEST_F(RuleFiles, TextsThatWereReadLoadTheSameRulesWithoutTheFiles) {
+  write("b.rules.yaml", "Rule Database: 1\nChecks:\n  b: true\n");
+  write("a.rules.yaml", "Rule Database: 1\nChecks:\n  a: check('b')\n");
+
+  std::vector<RuleText> const texts = readRules({folder_});
+  fs::remove_all(folder_);
+
+  ASSERT_EQ(texts.size(), 2U);
+  EXPECT_EQ(withoutFolder(texts[0].source), "a.rules.yaml");
+  EXPECT_EQ(texts[1].text, "Rule Database: 1\nChecks:\n  b: true\n");
+  auto const rules = parseRules(texts);
+  EXPECT_NE(rules->getCheck("a", true), nullptr);
+}
+
+TEST_F(RuleFiles, TextsAreReadWithoutLookingIntoThem) {
+  auto const broken = write("broken.yaml", "no rules at all");
+
+  EXPECT_EQ(readRules({broken}).front().text, "no rules at all");
+  EXPECT_THROW((void)readRules({folder_ / "missing.yaml"}), RuleError);
+  EXPECT_THROW((void)readRules({}), RuleError);
+  EXPECT_THROW((void)parseRules(std::vector<RuleText>()), RuleError);
+}
+
 TEST_F(RuleFiles, WhatIsGivenTwiceIsToldWithBothPlaces) {
   auto const a = write("a.yaml", R"yaml(Rule Database: 1
 Quantity Types: {Speed: {Units: [m/s]}}

@@ -1,5 +1,6 @@
 #include <tarn/session/WrittenItem.h>
 
+#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,10 @@ namespace tarn::session {
 namespace {
 
 using test::Tanks;
+
+std::string itemText(KnownItem const& known) {
+  return known.item ? known.item->text() : "";
+}
 
 TEST(WrittenItem, APathMeansAParameterOrAnObject) {
   Tanks tanks;
@@ -40,6 +45,24 @@ TEST(WrittenItem, AnAbsolutePathStartsAtTheRootOfTheModel) {
   EXPECT_EQ(absolutePath(*tanks, ""), "/Plant");
   EXPECT_EQ(absolutePath(*tanks, "."), "/Plant");
   EXPECT_EQ(absolutePath(*tanks, "/"), "");
+}
+
+TEST(WrittenItem, AnItemIsKnownAlsoWhereItsObjectIsMissing) {
+  Tanks tanks;
+  EXPECT_EQ(itemText(knownItem(*tanks, "Tank:T1/Height")), "/Plant/Tank:T1/Height");
+  EXPECT_FALSE(knownItem(*tanks, "Tank:T1/Height").refused);
+
+  KnownItem const missing = knownItem(*tanks, "Tank:other/Height");
+  EXPECT_EQ(itemText(missing), "/Plant/Tank:other/Height");
+  EXPECT_EQ(missing.refused->code, RefusalCode::UnknownObject);
+  EXPECT_EQ(itemText(knownItem(*tanks, "Tank:other")), "/Plant/Tank:other");
+}
+
+TEST(WrittenItem, AnItemThatTheRulesDoNotKnowIsRefusedWithTheNearestOne) {
+  Tanks tanks;
+  KnownItem const unknown = knownItem(*tanks, "Tank:T1/Hight");
+  EXPECT_FALSE(unknown.item);
+  EXPECT_EQ(unknown.refused->nearest, std::optional(Edit::activateParam("/Plant/Tank:T1", "Height")));
 }
 
 }  // namespace

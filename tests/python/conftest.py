@@ -1,0 +1,42 @@
+"""What the tests of the package have in common. They run in the root of the project."""
+
+import os
+import pathlib
+
+import pytest
+
+import tarn
+
+HOUSE = pathlib.Path(__file__).resolve().parents[2]
+FLOW = HOUSE / "examples" / "flow"
+HEATING = HOUSE / "examples" / "heating"
+
+
+@pytest.fixture(scope="session")
+def flow():
+    """The rules of a flow simulation."""
+    return tarn.load_rules(FLOW / "rules")
+
+
+@pytest.fixture(scope="session")
+def heating():
+    """The rules of the heating of a building."""
+    return tarn.load_rules(HEATING / "rules")
+
+
+@pytest.fixture
+def heat_sink(flow):
+    """A session on the sound flow model."""
+    return tarn.Session(flow, FLOW / "models" / "sound.tdf")
+
+
+@pytest.fixture
+def house(heating):
+    """A session on the heating of a house."""
+    return tarn.Session(heating, HEATING / "models" / "house.tdf")
+
+
+@pytest.fixture(scope="session")
+def zev():
+    """The program, to compare with."""
+    return os.environ["TARN_ZEV"]
