@@ -27,6 +27,8 @@ std::string_view kindName(session::FindingKind kind) noexcept {
       return "count";
     case FindingKind::ObjectCheck:
       return "object-check";
+    case FindingKind::History:
+      return "history";
     case FindingKind::Beta:
       break;
   }

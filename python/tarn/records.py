@@ -400,7 +400,7 @@ class Finding:
     """One thing that is wrong with a model. docs/findings.md lists the codes."""
 
     code: str
-    kind: Literal["model", "dependency", "global", "unknown-name", "value", "count", "object-check", "beta"]
+    kind: Literal["model", "dependency", "global", "unknown-name", "value", "count", "object-check", "history", "beta"]
     severity: Literal["error", "warning", "note"]
     path: str
     name: str | None

@@ -46,7 +46,8 @@ def code(path):
 def main():
     root = pathlib.Path(sys.argv[1])
     reference = (root / "docs/rule-reference.md").read_text(encoding="utf-8")
-    sources = sorted((root / "RuleLanguage/src").glob("*/*.cpp"))
+    # The words for rules are no diagnostics.
+    sources = sorted(path for path in (root / "RuleLanguage/src").glob("*/*.cpp") if path.name != "Words.cpp")
     sources += sorted((root / "PhysicsInterfaces/src/paths").glob("PathPattern*.cpp"))
     texts = {path: FUNCTION_TEXT.sub("", code(path)) for path in sources}
     habits = root / "RuleLanguage/src/expression/Habits.cpp"

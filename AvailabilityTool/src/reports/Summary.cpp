@@ -13,13 +13,15 @@ namespace {
 
 using session::FindingKind;
 
-constexpr std::array<std::pair<FindingKind, char const*>, 7> names = {{{FindingKind::Model, "model error"},
-                                                                       {FindingKind::Dependency, "dependency error"},
-                                                                       {FindingKind::Global, "general physics error"},
-                                                                       {FindingKind::UnknownName, "unknown name"},
-                                                                       {FindingKind::Value, "value fault"},
-                                                                       {FindingKind::Count, "count fault"},
-                                                                       {FindingKind::ObjectCheck, "failed check"}}};
+constexpr std::array<std::pair<FindingKind, char const*>, 8> names = {
+    {{FindingKind::Model, "model error"},
+     {FindingKind::Dependency, "dependency error"},
+     {FindingKind::Global, "general physics error"},
+     {FindingKind::UnknownName, "unknown name"},
+     {FindingKind::Value, "value fault"},
+     {FindingKind::Count, "count fault"},
+     {FindingKind::ObjectCheck, "failed check"},
+     {FindingKind::History, "renamed or deprecated item"}}};
 
 }  // namespace
 

@@ -26,6 +26,8 @@ std::string_view headingOf(session::Finding const& finding) {
       return "Count fault";
     case session::FindingKind::ObjectCheck:
       return "Failed check";
+    case session::FindingKind::History:
+      return "Renamed or deprecated item";
     case session::FindingKind::Beta:
       return "Beta message";
   }

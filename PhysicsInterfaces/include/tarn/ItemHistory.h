@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-/// What the rules say about the past and the future of a parameter, a child type or an object type at the root. Walks,
+/// The past and the future of a parameter, a child type or an object type at the root, as the rules give them. Walks,
 /// editing and the validator do not read it. A review warns of models that use deprecated items and former names.
 struct ItemHistory {
   /// For people: why models should no longer use the item, and what to use instead. Empty: the item is not deprecated.

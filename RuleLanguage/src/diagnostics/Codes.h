@@ -118,6 +118,10 @@ enum class Code : std::uint8_t {
   UnwritableName,
   UnwritableValue,
   PatternInSlashes,
+  FormerNameInUse,
+  FormerNameClaimedTwice,
+  DeprecatedRequired,
+  ReadsDeprecated,
 };
 
 /// Lint alone finds this code and those after it.
@@ -325,6 +329,13 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
       "Model text cannot hold a value, because it has a line end, or white space at its ends."}},
     {Code::PatternInSlashes,
      {"pattern-in-slashes", Severity::Warning, "A pattern is written between slashes, which then belong to it."}},
+    {Code::FormerNameInUse,
+     {"former-name-in-use", Severity::Warning, "A former name is still the name of an item, so no model is renamed."}},
+    {Code::FormerNameClaimedTwice,
+     {"former-name-claimed-twice", Severity::Warning, "Two items have the same former name."}},
+    {Code::DeprecatedRequired,
+     {"deprecated-required", Severity::Warning, "An item is deprecated, but every model must have it."}},
+    {Code::ReadsDeprecated, {"reads-deprecated", Severity::Warning, "A rule reads an item that is deprecated."}},
 });
 
 static_assert(

@@ -12,6 +12,7 @@
 #include "lint/ConditionLint.h"
 #include "lint/EntryLint.h"
 #include "lint/ExpressionLint.h"
+#include "lint/HistoryLint.h"
 #include "lint/LintContext.h"
 #include "lint/OrderLint.h"
 #include "lint/UnitLint.h"
@@ -69,6 +70,7 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
   checkUnused(context);
   checkNamedLists(context);
   checkMessages(context);
+  checkHistory(context);
   checkRoots(context);
 }
 

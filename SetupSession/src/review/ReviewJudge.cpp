@@ -6,6 +6,7 @@
 
 #include "review/CheckJudge.h"
 #include "review/CountJudge.h"
+#include "review/HistoryJudge.h"
 #include "review/PatternJudge.h"
 #include "review/UnitJudge.h"
 #include "review/ValueJudge.h"
@@ -19,6 +20,7 @@ std::vector<std::unique_ptr<ReviewJudge>> makeReviewJudges() {
   judges.push_back(std::make_unique<PatternJudge>());
   judges.push_back(std::make_unique<CountJudge>());
   judges.push_back(std::make_unique<CheckJudge>());
+  judges.push_back(std::make_unique<HistoryJudge>());
   return judges;
 }
 

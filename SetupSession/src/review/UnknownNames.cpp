@@ -32,6 +32,11 @@ std::string quoted(std::string_view text) {
   return result;
 }
 
+// The end of a sentence about something that was renamed.
+std::string withMessage(std::string sentence, std::string const& message) {
+  return message.empty() ? sentence : sentence + ' ' + message;
+}
+
 std::string didYouMean(std::string const& match) {
   return match.empty() ? "." : "; did you mean " + quoted(match) + "?";
 }
@@ -64,7 +69,12 @@ class NearNames {
 
 class Search {
  public:
-  explicit Search(PhysicsData const& rules) : rules_(rules), roots_(rules) {}
+  explicit Search(PhysicsData const& rules) : rules_(rules), roots_(rules) {
+    for (ObjDependDef const* object : rules.objects()) {
+      if (object->typePath().rfind('/') != 0) continue;
+      for (std::string const& name : object->history.formerNames) renamedRoots_.try_emplace(name, object);
+    }
+  }
 
   void judge(std::string const& path, ObjectState const& parameters, std::size_t takenAsKnown) {
     if (openPath(path, takenAsKnown)) judgeParameters(path, parameters);
@@ -85,12 +95,16 @@ class Search {
   bool judgeObject(std::string const& path, std::string_view type, bool named);
   bool judgeRootObject(std::string const& path, std::string const& type);
   void judgeParameters(std::string const& path, ObjectState const& parameters);
+  void reportRenamedObject(std::string const& path, std::string const& type, std::string const& present,
+                           std::string const& message, TextPlace const& rule);
+  void judgeName(std::string const& path, ChildAvail const& entry);
   void report(FindingCode code, std::string const& path, std::string const& item, std::string const& fact,
               std::string match = {});
 
   PhysicsData const& rules_;
   PertinentRoots const roots_;
   NearNames near_;
+  std::map<std::string, ObjDependDef const*, std::less<>> renamedRoots_;  // by former type
 
   std::string path_;      // the previous path, as far as it was opened
   std::string typePath_;  // the types of its components
@@ -135,10 +149,15 @@ bool Search::judgeObject(std::string const& path, std::string_view type, bool na
   if (levels_.empty()) return judgeRootObject(path, typeName);
   ObjDependDef const* parent = levels_.back().rules;
   ChildAvail const* entry = parent ? parent->findChild(typeName) : nullptr;
-  if (entry && entry->singleton != named) return true;
+  if (entry && entry->singleton != named) {
+    if (named && !entry->renamedNames.empty()) judgeName(path, *entry);
+    return true;
+  }
 
   std::string const place = quoted(PathUtils::parentOf(path));
-  if (!entry) {
+  if (ChildAvail const* const renamed = entry || !parent ? nullptr : parent->findRenamedChild(typeName)) {
+    reportRenamedObject(path, typeName, renamed->type, renamed->history.renameMessage, renamed->rulePlace);
+  } else if (!entry) {
     std::string match = near_.find(parent, typeName, false);
     report(FindingCode::UnknownObject, path, typeName,
            "The rules know no object of the type " + quoted(type) + " in the object " + place, std::move(match));
@@ -155,8 +174,43 @@ bool Search::judgeObject(std::string const& path, std::string_view type, bool na
   return false;
 }
 
+void Search::reportRenamedObject(std::string const& path, std::string const& type, std::string const& present,
+                                 std::string const& message, TextPlace const& rule) {
+  Finding finding =
+      makeFinding(FindingCode::RenamedObject, path,
+                  withMessage("Objects of the type " + quoted(type) + " are now called " + quoted(present) +
+                                  ", so the object " + quoted(path) + " does not count.",
+                              message));
+  finding.type = type;
+  finding.expected.nearMatch = present;
+  finding.rule = rule;
+  result_.names.push_back(std::move(finding));
+}
+
+// The name of an object whose type is known.
+void Search::judgeName(std::string const& path, ChildAvail const& entry) {
+  std::string const name = path.substr(path.rfind(':') + 1);
+  auto const renamed = entry.renamedNames.find(name);
+  if (renamed == entry.renamedNames.end()) return;
+  Finding finding = makeFinding(
+      FindingCode::RenamedName, path,
+      withMessage("The object " + quoted(path) + " should now have the name " + quoted(renamed->second) + '.',
+                  entry.history.renameMessage));
+  finding.type = entry.type;
+  finding.wrong = {name};
+  finding.expected.nearMatch = renamed->second;
+  finding.rule = entry.rulePlace;
+  result_.names.push_back(std::move(finding));
+}
+
 bool Search::judgeRootObject(std::string const& path, std::string const& type) {
   if (roots_.hasType(type)) return true;
+  if (auto const renamed = renamedRoots_.find(type); renamed != renamedRoots_.end()) {
+    ObjDependDef const& object = *renamed->second;
+    reportRenamedObject(path, type, object.typePath().substr(1), object.history.renameMessage, object.rulePlace);
+    unknownObjects_.insert(path);
+    return false;
+  }
   std::string match = StringUtilities::nearMatch(type, rules_.getPertinentGlobalCheckRoots());
   if (match.empty()) {
     ++result_.objectsPassedOver;
@@ -172,6 +226,19 @@ void Search::judgeParameters(std::string const& path, ObjectState const& paramet
   ObjDependDef const* rules = levels_.empty() ? rules_.getObjDependDef("", false) : levels_.back().rules;
   for (auto const& [name, value] : parameters) {
     if (rules && rules->findParam(name)) continue;
+    if (ParamAvail const* const renamed = rules ? rules->findRenamedParam(name) : nullptr) {
+      Finding finding =
+          makeFinding(FindingCode::RenamedParameter, path,
+                      withMessage("The parameter " + quoted(name) + " of the object " + quoted(path) +
+                                      " is now called " + quoted(renamed->name) + ", so its value does not count.",
+                                  renamed->history.renameMessage));
+      finding.name = name;
+      finding.value = value;
+      finding.expected.nearMatch = renamed->name;
+      finding.rule = renamed->rulePlace;
+      result_.names.push_back(std::move(finding));
+      continue;
+    }
     std::string const place = path.empty() ? " at the root of the model" : " in the object " + quoted(path);
     std::string match = near_.find(rules, name, true);
     report(FindingCode::UnknownParameter, path, name, "The rules know no parameter " + quoted(name) + place,

@@ -19,6 +19,9 @@ namespace tarn::session {
 /// only because a deeper path implies them are judged too. Nothing below an unknown object is reported. An object whose
 /// type has an entry in its parent but no rules of its own is known, and everything in it is unknown.
 ///
+/// An item under a name that it had in earlier rules is reported as renamed. A child whose name was renamed is reported
+/// too, and is known.
+///
 /// Objects at the root of the model whose type is not pertinent do not concern the rules. They are only counted, unless
 /// their type is similar to a pertinent one: then they are reported as misspelt. A parameter at the root itself is
 /// unknown.

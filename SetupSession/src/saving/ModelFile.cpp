@@ -140,6 +140,10 @@ int replaceFile(std::string const& name, std::string const& bytes) {
   return beside.replace(target);
 }
 
+SaveError noFile() {
+  return {SaveFault::NoFile, "the model came from the standard input; say under which name to save it"};
+}
+
 }  // namespace
 
 ModelFile::ModelFile(std::string name, std::string bytes, bool exists)
@@ -170,11 +174,18 @@ ModelText ModelFile::text() const {
 
 std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder const& order, Overwrite overwrite) {
   if (name_ == "-") {
-    return SaveError{SaveFault::NoFile, "the model came from the standard input; say under which name to save it"};
+    return noFile();
   }
-  std::string text;
   try {
-    text = rewriteModelText(bytes_, state, order);
+    return saveText(rewriteModelText(bytes_, state, order), overwrite);
+  } catch (ParseError const& error) {
+    return SaveError{SaveFault::NotWritable, error.getMessage()};
+  }
+}
+
+std::optional<SaveError> ModelFile::saveText(std::string text, Overwrite overwrite) {
+  if (name_ == "-") return noFile();
+  try {
     // A pipe or a device holds no earlier model, and reading it might never end.
     auto const onDisk = canHoldModel(name_) ? bytesOf(name_) : std::nullopt;
     bool const isOwn = onDisk && exists_ && *onDisk == bytes_;
@@ -187,8 +198,6 @@ std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder
       std::string const what = exists_ ? " has been changed by someone else since it was read" : " exists already";
       return SaveError{SaveFault::FileChanged, inQuotes(name_) + what + "; save under another name, or overwrite it"};
     }
-  } catch (ParseError const& error) {
-    return SaveError{SaveFault::NotWritable, error.getMessage()};
   } catch (FileError const& error) {
     return SaveError{SaveFault::WriteFailed, error.getMessage()};
   }

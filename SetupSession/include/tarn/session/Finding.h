@@ -33,6 +33,8 @@ enum class FindingKind {
   Count,
   /// A check of an object that failed.
   ObjectCheck,
+  /// An item that the rules have renamed or that they call deprecated.
+  History,
   /// A remark of the rule authors about something that is not released yet. Such remarks are not findings.
   Beta
 };
@@ -66,6 +68,11 @@ enum class FindingCode {
   TooManyObjects,
   InvalidCount,
   ObjectCheckFailed,
+  RenamedParameter,
+  RenamedObject,
+  RenamedName,
+  DeprecatedParameter,
+  DeprecatedObject,
   BetaMessage
 };
 
@@ -108,7 +115,8 @@ struct TARN_EXPORT Expected {
   std::optional<std::size_t> maximumCount;
   /// The regular expression that the value must match.
   std::optional<std::string> pattern;
-  /// The known or allowed name or value that is most similar to the wrong one.
+  /// The known or allowed name or value that is most similar to the wrong one; the present name of an item that was
+  /// renamed.
   std::optional<std::string> nearMatch;
   /// A text that can replace the whole value: "12 [m]" for "12 m".
   std::optional<std::string> value;
@@ -130,7 +138,7 @@ struct TARN_EXPORT Finding {
   /// The whole value of the parameter, as the model gives it.
   std::optional<std::string> value;
   /// The parts that are wrong: the items of a list value that are not allowed, or the names of children that are
-  /// missing, not allowed or not available. Empty when the whole value, or a child without a name, is wrong.
+  /// missing, renamed, not allowed or not available. Empty when the whole value, or a child without a name, is wrong.
   std::vector<std::string> wrong;
   /// Not set when nothing is known but the sentence.
   Expected expected;

@@ -67,6 +67,8 @@ class TARN_EXPORT ModelFile {
   /// file now holds the text.
   [[nodiscard]] std::optional<SaveError> save(ModelState const& state, ModelTextOrder const& order = {},
                                               Overwrite overwrite = Overwrite::No);
+  /// The same for a text that the caller has made.
+  [[nodiscard]] std::optional<SaveError> saveText(std::string text, Overwrite overwrite = Overwrite::No);
   /// Writes it to another file, which is the file of this object from then on.
   [[nodiscard]] std::optional<SaveError> saveAs(std::string const& name, ModelState const& state,
                                                 ModelTextOrder const& order = {}, Overwrite overwrite = Overwrite::No);
