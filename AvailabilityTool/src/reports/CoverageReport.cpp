@@ -26,7 +26,8 @@ using workbench::CoverageKind;
 
 constexpr CoverageKind kinds[] = {CoverageKind::Entry,    CoverageKind::Context,      CoverageKind::Condition,
                                   CoverageKind::Operand,  CoverageKind::AllowedValue, CoverageKind::Default,
-                                  CoverageKind::Override, CoverageKind::Bound,        CoverageKind::Check};
+                                  CoverageKind::Override, CoverageKind::Bound,        CoverageKind::Check,
+                                  CoverageKind::Pattern};
 
 std::string countText(CoverageCount const& count) {
   return std::to_string(count.percent()) + " %  (" + std::to_string(count.seen) + " of " + std::to_string(count.all) +
@@ -52,6 +53,8 @@ std::string titleOf(CoverageKind kind) {
       return "overrides";
     case CoverageKind::Bound:
       return "bounds";
+    case CoverageKind::Pattern:
+      return "patterns";
     case CoverageKind::Check:
       break;
   }

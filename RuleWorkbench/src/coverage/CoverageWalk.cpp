@@ -118,6 +118,10 @@ void CoverageWalk::countValue(ParamAvail const& entry, std::string const& path) 
   bool const isList = TDFParam::isListType(rule.type);
   auto const items = isList ? StringUtilities::stringToVector(value, ',') : std::vector<std::string>{value};
   for (std::string const& item : items) count(&rule, RuleAttributes::orderedAllowedStringList, item);
+  if (rule.pattern && !value.empty()) {
+    bool const isWrong = isFound(path, entry.name, session::FindingCode::PatternNotMatched);
+    count(&rule, RuleAttributes::pattern, isWrong ? outcomes::notMatched : outcomes::matched);
+  }
   if (value.empty() || isFound(path, entry.name, session::FindingCode::NotANumber)) return;
   bool const isBelow = isFound(path, entry.name, session::FindingCode::BelowLowerBound);
   bool const isAbove = isFound(path, entry.name, session::FindingCode::AboveUpperBound);

@@ -140,6 +140,9 @@ void addValueRule(ItemList& list, ParamValueDef const& rule) {
   addBranches(list, Kind::Override, rule, RuleAttributes::valueOverrideCheckList, outcomes::none, rule.overrideChecks);
   addBound(list, rule, RuleAttributes::lowerBound, rule.lowerBound.get());
   addBound(list, rule, RuleAttributes::upperBound, rule.upperBound.get());
+  if (rule.pattern && TDFParam::elementType(rule.type) == TDFParam::String) {
+    list.add(Kind::Pattern, &rule, RuleAttributes::pattern, rule.rulePlace, {outcomes::matched, outcomes::notMatched});
+  }
   list.addParts(rule.quantityType.get(), RuleAttributes::quantityType, rule.rulePlace);
 }
 
@@ -177,8 +180,8 @@ bool canBeEmpty(ParamValueDef const* rule) {
 }  // namespace
 
 std::string_view coverageKindName(CoverageKind kind) noexcept {
-  constexpr std::array<std::string_view, 9> names = {"entry",   "context",  "condition", "operand", "allowed-value",
-                                                     "default", "override", "bound",     "check"};
+  constexpr std::array<std::string_view, 10> names = {"entry",   "context",  "condition", "operand", "allowed-value",
+                                                      "default", "override", "bound",     "check",   "pattern"};
   return names[static_cast<std::size_t>(kind)];
 }
 

@@ -33,11 +33,13 @@ enum class CoverageKind : int {
   /// A bound of a value, or of a number of children: kept, and broken.
   Bound = 7,
   /// A check of an object or of the whole model: passed, and failed.
-  Check = 8
+  Check = 8,
+  /// A pattern: a text matched it, and one did not.
+  Pattern = 9
 };
 
-/// "entry", "context", "condition", "operand", "allowed-value", "default", "override", "bound" or "check". Valid until
-/// the program ends.
+/// "entry", "context", "condition", "operand", "allowed-value", "default", "override", "bound", "check" or "pattern".
+/// Valid until the program ends.
 [[nodiscard]] TARN_EXPORT std::string_view coverageKindName(CoverageKind kind) noexcept;
 
 /// One thing that can turn out in several ways.
