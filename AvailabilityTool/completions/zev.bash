@@ -12,7 +12,7 @@ _zev() {
   COMPREPLY=()
 
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph lsp schema show console serve study --version -h --help' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'edit validate why how find eval lint test graph lsp doc migrate diff-rules schema show console serve study --version -h --help' -- "$current")
     return
   fi
 
@@ -27,6 +27,7 @@ _zev() {
       [[ ${COMP_WORDS[1]} != test ]] || formats+=' junit'
       [[ ${COMP_WORDS[1]} != graph ]] || formats='mermaid dot json'
       [[ ${COMP_WORDS[1]} != study ]] || formats='csv parquet'
+      [[ ${COMP_WORDS[1]} != doc ]] || formats='html markdown'
       mapfile -t COMPREPLY < <(compgen -W "$formats" -- "$current")
       return
       ;;
@@ -44,7 +45,7 @@ _zev() {
       ;;
     --root | --based-on | --validation-root | --at) return ;;                     # objects, which are in a model
     --set | --on | --off | --add | --remove | --copy | --rename) return ;; # items, which are in a model
-    -j | --jobs | --batch | --part | --scheduler | --limit | --depth | --filter | --fail-under) return ;;                  # a number or a text
+    -j | --jobs | --batch | --part | --scheduler | --limit | --depth | --filter | --fail-under | --title) return ;;                  # a number or a text
     --http | --host-name) return ;; # an address
   esac
 
@@ -54,7 +55,7 @@ _zev() {
       options+=' --rules --root --phase --only-validator --format --places --no-places --fail-on -j --jobs'
       options+=' --coverage --coverage-out --fail-under'
       ;;
-    lint) options+=' --rules --format --fail-on --severity' ;;
+    lint) options+=' --rules --format --fail-on --severity --watch' ;;
     test) options+=' --rules --filter --format -j --jobs --coverage --coverage-out --fail-under' ;;
     edit)
       options+=' --rules --root --set --on --off --add --remove --copy --rename --out --in-place --overwrite --dry-run'
@@ -66,6 +67,9 @@ _zev() {
     eval) options+=' --rules --at --format' ;;
     graph) options+=' --rules --depth --direction --limit --format' ;;
     lsp) options+=' --stdio' ;;
+    doc) options+=' --rules --format --out --title' ;;
+    migrate) options+=' --rules --in-place --out --overwrite --dry-run --format' ;;
+    diff-rules) options+=' --format' ;;
     schema) ;;
     show) options+=' --rules --model --root' ;;
     console) options+=' --rules --root --model --guide --based-on --log --validation-root --strict --quiet' ;;

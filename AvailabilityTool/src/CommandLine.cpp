@@ -22,12 +22,15 @@
 #include "cli/ListArguments.h"
 #include "cli/Output.h"
 #include "console/ConsoleCommand.h"
+#include "diff/DiffRulesCommand.h"
+#include "doc/DocCommand.h"
 #include "edit/EditCommand.h"
 #include "eval/EvalCommand.h"
 #include "find/FindCommand.h"
 #include "graph/GraphCommand.h"
 #include "lint/LintCommand.h"
 #include "lsp/LspCommand.h"
+#include "migrate/MigrateCommand.h"
 #include "schema/SchemaCommand.h"
 #include "serve/ServeCommand.h"
 #include "show/ShowCommand.h"
@@ -51,6 +54,9 @@ void addCommands(CLI::App& app, Command& chosen) {
   addTestCommand(app, chosen);
   addGraphCommand(app, chosen);
   addLspCommand(app, chosen);
+  addDocCommand(app, chosen);
+  addMigrateCommand(app, chosen);
+  addDiffRulesCommand(app, chosen);
   addSchemaCommand(app, chosen);
   addShowCommand(app, chosen);
   addConsoleCommand(app, chosen);
@@ -87,7 +93,7 @@ void requireKnownCommand(CLI::App const& app, std::string const& name) {
 /// The options of a command that take more than one value.
 std::vector<ListOption> listOptions(std::string const& command) {
   if (command == "validate") return validateListOptions();
-  if (command == "lint" || command == "schema" || command == "study") return {};
+  if (command == "lint" || command == "schema" || command == "study" || command == "diff-rules") return {};
   if (command == "test") return {{"--rules", looksLikeRulesUnderTest}};
   return {{"--rules", looksLikeRules}};
 }

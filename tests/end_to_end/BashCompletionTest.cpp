@@ -56,15 +56,15 @@ TEST_F(BashCompletion, IsRegisteredForTheProgram) {
 }
 
 TEST_F(BashCompletion, OffersTheCommandsFirst) {
-  EXPECT_THAT(complete({""}),
-              UnorderedElementsAre("edit", "validate", "why", "how", "find", "eval", "lint", "test", "graph", "lsp",
-                                   "schema", "show", "console", "serve", "study", "--version", "-h", "--help"));
+  EXPECT_THAT(complete({""}), UnorderedElementsAre("edit", "validate", "why", "how", "find", "eval", "lint", "test",
+                                                   "graph", "lsp", "doc", "migrate", "diff-rules", "schema", "show",
+                                                   "console", "serve", "study", "--version", "-h", "--help"));
   EXPECT_THAT(complete({"v"}), UnorderedElementsAre("validate"));
 }
 
 TEST_F(BashCompletion, OffersEachCommandTheOptionsOfItsHelp) {
   for (std::string const command : {"edit", "validate", "why", "how", "find", "eval", "lint", "test", "graph", "lsp",
-                                    "schema", "show", "console", "serve", "study"}) {
+                                    "doc", "migrate", "diff-rules", "schema", "show", "console", "serve", "study"}) {
     if (command == "study" && !TARN_HAS_PYTHON_PACKAGE) continue;  // it has the options
     std::string const help = outputOf(std::string(TARN_ZEV) + ' ' + command + " --help");
     std::regex const option("\n  (?:(-[a-z]), ?)?(--[a-z-]+)");

@@ -16,7 +16,10 @@
 
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
+#include "cli/Output.h"
+#include "lint/RuleWatch.h"
 #include "reports/LintReport.h"
+#include "serve/TerminationSignals.h"
 
 namespace tarn::tool {
 
@@ -28,6 +31,7 @@ struct LintOptions {
   std::vector<std::string> rules;
   Format format = Format::Text;
   bool failOnWarning = true;
+  bool watch = false;
   rules::LintOptions lint;
 };
 
@@ -79,7 +83,7 @@ int exitStatusOf(rules::LintResult const& result, bool failOnWarning) {
   return fails ? FindingsMade : NothingFound;
 }
 
-int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
+int lintOnce(LintOptions const& options, std::ostream& out, std::ostream& err) {
   rules::LintResult const result =
       rules::lintRules(std::vector<std::filesystem::path>(options.rules.begin(), options.rules.end()), options.lint);
   int const status = exitStatusOf(result, options.failOnWarning);
@@ -100,6 +104,28 @@ int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
   err << ".\n";
   if (result.unreadable) err << "zev: not all rule files could be read; see the errors above.\n";
   return status;
+}
+
+/// Lints again after each change, until a signal comes. Returns the status of the last report.
+int lintAndWatch(LintOptions const& options, std::ostream& out, std::ostream& err) {
+  constexpr int milliseconds = 100;
+  TerminationSignals const signals;
+  RuleWatch watch(options.rules);
+  int status = lintOnce(options, out, err);
+  for (;;) {
+    err << "zev: watching the rules; end with Ctrl+C.\n";
+    flushResults(out);
+    err.flush();
+    do {
+      if (signals.wait(-1, milliseconds) == TerminationSignals::Event::Terminate) return status;
+    } while (!watch.hasChanged());
+    err << "zev: the rules have changed.\n";
+    status = lintOnce(options, out, err);
+  }
+}
+
+int lint(LintOptions const& options, std::ostream& out, std::ostream& err) {
+  return options.watch ? lintAndWatch(options, out, err) : lintOnce(options, out, err);
 }
 
 }  // namespace
@@ -124,6 +150,7 @@ void addLintCommand(CLI::App& app, Command& chosen) {
                    "Report findings of a code as error, warning or note, or not at all: off;\ncan be repeated")
       ->type_name("CODE=LEVEL")
       ->allow_extra_args(false);
+  command->add_flag("--watch", options->watch, "Lint again whenever a rule file changes, comes or goes, until Ctrl+C");
   command->footer(
       "All files together are one rule database. From a folder all *.rules.yaml are taken, in the order of their\n"
       "names. Each error and warning is printed with its file, line and column, and with what to write instead.\n"

@@ -664,7 +664,7 @@ std::string numberRemedy(PhysicsData const& data, ParamValueDef const& def, std:
     if (!digits.empty()) return "; write " + digits + ", without signs between the digits";
   }
   std::string several = std::string("; it holds one number; several are the value of ") +
-                              (isWhole ? "an Integer List" : "a Real List") + ", divided by commas";
+                        (isWhole ? "an Integer List" : "a Real List") + ", divided by commas";
   // A number and units without brackets, or a comma for the decimal point.
   std::size_t const end = std::min(text.find_first_not_of("+-.0123456789eE"), text.size());
   auto const number = StringUtilities::trimmed(text.substr(0, end));

@@ -33,7 +33,7 @@ std::string quoted(std::string_view text) {
 }
 
 // The end of a sentence about something that was renamed.
-std::string withMessage(std::string sentence, std::string const& message) {
+std::string withMessage(std::string const& sentence, std::string const& message) {
   return message.empty() ? sentence : sentence + ' ' + message;
 }
 
