@@ -92,15 +92,15 @@ article { margin: .75rem 0; padding: .8rem 1rem; border: 1px solid var(--line); 
 article:target { border-color: var(--link); }
 .type { content-visibility: auto; contain-intrinsic-size: auto 60rem; }
 dl { display: grid; grid-template-columns: 9rem minmax(0, 1fr); gap: .2rem .9rem; margin: .5rem 0 0; font-size: .94rem; }
-dt { color: var(--quiet); }
-dd { margin: 0; }
+dt { color: var(--quiet); grid-column: 1; }
+dd { margin: 0; grid-column: 2; }
 code { font: .9em/1.4 ui-monospace, monospace; padding: .05em .3em; border: 1px solid var(--line); border-radius: .25rem;
   background: var(--page); white-space: pre-wrap; overflow-wrap: anywhere; }
 mark { color: var(--mark); background: var(--mark-back); padding: .05em .45em; border-radius: .8em; font-size: .82rem;
   font-weight: 500; white-space: nowrap; }
 @media (max-width: 56rem) { .page { display: block; } nav { position: static; max-height: none; border-right: 0;
   border-bottom: 1px solid var(--line); } nav ul { max-height: 40vh; overflow: auto; } main { padding: 1rem 1rem 3rem; } }
-@media (max-width: 34rem) { dl { grid-template-columns: 1fr; gap: 0; } dd { margin-bottom: .45rem; } article { padding: .7rem .8rem; } }
+@media (max-width: 34rem) { dl { grid-template-columns: minmax(0, 1fr); gap: 0; } dd { grid-column: 1; margin-bottom: .45rem; } article { padding: .7rem .8rem; } }
 @media print { nav { display: none; } .page { display: block; } .type { content-visibility: visible; } }
 )css";
 
