@@ -85,7 +85,7 @@ class Renaming {
       return "the name can mean several object types; go to the entry of the one that you want to rename";
     }
     if (auto why = whyNotWritable(name_, meaning_.kind); !why.empty()) return why;
-    if (auto const by = takenBy(); !by.empty()) return by;
+    if (auto by = takenBy(); !by.empty()) return by;
     for (DefinitionAt const& given : meaning_.definitions) {
       if (!given.definition->isExact) return notExact(given.file->name, given.file->buffer.rangeOf(given.nameSpan()));
       add(*given.file, writtenName(given));
