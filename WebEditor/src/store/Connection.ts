@@ -21,6 +21,7 @@ export class Connection {
   onHello: (hello: ResultHello) => Promise<void> = async () => {};
   onEvent: (event: ServerEvent) => void = () => {};
 
+  private isClosed = false;
   private delay = firstDelay;
   private timer: ReturnType<typeof setTimeout> | undefined;
   private events: AbortController | null = null;
@@ -65,6 +66,13 @@ export class Connection {
     }
   }
 
+  /** Asks and listens no more. */
+  close(): void {
+    this.isClosed = true;
+    clearTimeout(this.timer);
+    this.events?.abort();
+  }
+
   private lost(): void {
     if (this.link.value.kind === 'online') this.again();
   }
@@ -75,6 +83,7 @@ export class Connection {
   }
 
   private again(): void {
+    if (this.isClosed) return;
     clearTimeout(this.timer);
     this.events?.abort();
     this.events = null;
