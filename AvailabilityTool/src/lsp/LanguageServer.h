@@ -27,6 +27,13 @@ struct LspLimits {
   RuleBases::Limits bases;
 };
 
+/// A check of a whole rule base on another thread, and the state of the rules that it is about.
+struct RunningCheck {
+  std::string base;
+  std::size_t revision = 0;
+  std::future<std::pair<workbench::EditorDiagnostics, std::chrono::milliseconds>> result;
+};
+
 /// A language server for rule files and tests of rules: the protocol, without the way on which its messages travel.
 ///
 /// `take` queues messages. `work` answers all that are queued. Diagnostics are published by `rest`, when no message
@@ -62,11 +69,6 @@ class LanguageServer {
   struct Waiting {
     nlohmann::json message;
     bool isCancelled = false;
-  };
-  struct RunningCheck {
-    std::string base;
-    std::size_t revision = 0;
-    std::future<std::pair<workbench::EditorDiagnostics, std::chrono::milliseconds>> result;
   };
 
   // Messages
