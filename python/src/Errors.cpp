@@ -38,6 +38,7 @@ std::string messageOf(Error const& error) {
 }  // namespace
 
 void translateErrors() {
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): pybind11 wants this signature
   py::register_exception_translator([](std::exception_ptr thrown) {
     try {
       if (thrown) std::rethrow_exception(thrown);

@@ -21,6 +21,7 @@ using Source = std::pair<Text, Bytes>;
 
 std::vector<std::filesystem::path> pathsOf(std::vector<Text> const& names) {
   std::vector<std::filesystem::path> paths;
+  paths.reserve(names.size());
   for (Text const& name : names) paths.emplace_back(name.bytes);
   return paths;
 }
@@ -40,7 +41,7 @@ std::vector<Source> readRuleFiles(std::vector<Text> const& names) {
   return sources;
 }
 
-std::shared_ptr<Rules const> makeRules(std::vector<Source> sources) {
+std::shared_ptr<Rules const> makeRules(std::vector<Source>&& sources) {
   std::vector<rules::RuleText> texts;
   texts.reserve(sources.size());
   for (auto& [source, text] : sources) texts.push_back({std::move(source.bytes), std::move(text.content)});
