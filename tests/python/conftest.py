@@ -1,4 +1,4 @@
-"""What the tests of the package have in common. They run in the root of the project."""
+"""Rules, sessions and paths that the tests of the package share. The tests run in the root of the project."""
 
 import os
 import pathlib
