@@ -126,7 +126,7 @@ class HtmlWriter final : public ReferenceWriter {
     out() << "</main>\n</div>\n</body>\n</html>\n";
   }
 
-  void heading(std::size_t level, std::string const& anchor, Spans const& text) override {
+  void heading(std::size_t level, std::string const& anchor, TextRuns const& text) override {
     closeDownTo(level);
     if (level <= 2) {
       out() << "<section class=\"" << (level == 2 ? "type" : "chapter") << "\" id=\"" << anchor << "\">\n";
@@ -144,7 +144,7 @@ class HtmlWriter final : public ReferenceWriter {
     out() << "</h" << shown << ">\n";
   }
 
-  void paragraph(Spans const& text) override {
+  void paragraph(TextRuns const& text) override {
     out() << "<p>";
     write(text, 0, text.size());
     out() << "</p>\n";
@@ -154,7 +154,7 @@ class HtmlWriter final : public ReferenceWriter {
     out() << "<dl>\n";
     for (Term const& term : terms) {
       out() << "<dt>" << escapedHtml(term.name) << "</dt>";
-      for (Spans const& line : term.lines) {
+      for (TextRuns const& line : term.lines) {
         out() << "<dd>";
         write(line, 0, line.size());
         out() << "</dd>\n";
@@ -171,24 +171,24 @@ class HtmlWriter final : public ReferenceWriter {
     }
   }
 
-  void write(Spans const& text, std::size_t from, std::size_t to) {
+  void write(TextRuns const& text, std::size_t from, std::size_t to) {
     for (std::size_t i = from; i < std::min(to, text.size()); ++i) {
-      Span const& span = text[i];
+      TextRun const& span = text[i];
       std::string const shown = escapedHtml(span.text);
       switch (span.kind) {
-        case Span::Kind::Plain:
+        case TextRun::Kind::Plain:
           out() << shown;
           break;
-        case Span::Kind::Code:
+        case TextRun::Kind::Code:
           out() << "<code>" << shown << "</code>";
           break;
-        case Span::Kind::Strong:
+        case TextRun::Kind::Strong:
           out() << "<strong>" << shown << "</strong>";
           break;
-        case Span::Kind::Mark:
+        case TextRun::Kind::Mark:
           out() << "<mark>" << shown << "</mark>";
           break;
-        case Span::Kind::Link:
+        case TextRun::Kind::Link:
           out() << "<a href=\"#" << span.target << "\">" << shown << "</a>";
           break;
       }
@@ -249,7 +249,7 @@ class MarkdownWriter final : public ReferenceWriter {
 
   void end() override {}
 
-  void heading(std::size_t level, std::string const& anchor, Spans const& text) override {
+  void heading(std::size_t level, std::string const& anchor, TextRuns const& text) override {
     out() << '\n';
     if (!anchor.empty()) out() << "<a id=\"" << anchor << "\"></a>\n\n";
     out() << std::string(level < 3 ? 2 : level, '#') << ' ';
@@ -257,7 +257,7 @@ class MarkdownWriter final : public ReferenceWriter {
     out() << '\n';
   }
 
-  void paragraph(Spans const& text) override {
+  void paragraph(TextRuns const& text) override {
     out() << '\n';
     write(text);
     out() << '\n';
@@ -276,22 +276,22 @@ class MarkdownWriter final : public ReferenceWriter {
   }
 
  private:
-  void write(Spans const& text) {
-    for (Span const& span : text) {
+  void write(TextRuns const& text) {
+    for (TextRun const& span : text) {
       switch (span.kind) {
-        case Span::Kind::Plain:
+        case TextRun::Kind::Plain:
           out() << escapedMarkdown(span.text);
           break;
-        case Span::Kind::Code:
+        case TextRun::Kind::Code:
           out() << codeInMarkdown(span.text);
           break;
-        case Span::Kind::Strong:
+        case TextRun::Kind::Strong:
           out() << "**" << escapedMarkdown(span.text) << "**";
           break;
-        case Span::Kind::Mark:
+        case TextRun::Kind::Mark:
           out() << '*' << escapedMarkdown(span.text) << '*';
           break;
-        case Span::Kind::Link:
+        case TextRun::Kind::Link:
           out() << '[' << escapedMarkdown(span.text) << "](#" << span.target << ')';
           break;
       }

@@ -12,14 +12,14 @@
 namespace tarn::workbench {
 
 /// A run of text in one style.
-struct Span {
+struct TextRun {
   enum class Kind { Plain, Code, Strong, Mark, Link };
   std::string text;
   Kind kind = Kind::Plain;
   /// The anchor that a link leads to.
   std::string target = {};
 };
-using Spans = std::vector<Span>;
+using TextRuns = std::vector<TextRun>;
 
 /// A link of the table of contents.
 struct ContentsEntry {
@@ -40,12 +40,12 @@ class ReferenceWriter {
   virtual void end() = 0;
   /// Level 1 is a chapter, 2 an object type, 3 a heading in it, 4 an entry. A section ends where the next one of its
   /// level, or of a smaller one, begins.
-  virtual void heading(std::size_t level, std::string const& anchor, Spans const& text) = 0;
-  virtual void paragraph(Spans const& text) = 0;
+  virtual void heading(std::size_t level, std::string const& anchor, TextRuns const& text) = 0;
+  virtual void paragraph(TextRuns const& text) = 0;
   /// A list of terms with one or more lines each; not empty.
   struct Term {
     std::string name;
-    std::vector<Spans> lines;
+    std::vector<TextRuns> lines;
   };
   virtual void terms(std::vector<Term> const& terms) = 0;
 

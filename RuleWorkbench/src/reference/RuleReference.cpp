@@ -20,7 +20,7 @@ namespace tarn::workbench {
 
 namespace {
 
-using Kind = Span::Kind;
+using Kind = TextRun::Kind;
 
 /// Longer lists are cut; the rules have the rest.
 constexpr std::size_t mostItems = 200;
@@ -187,8 +187,8 @@ class Reference {
   /// Lines of an entry that are written together.
   struct Terms {
     std::vector<ReferenceWriter::Term> list;
-    void add(std::string name, Spans line) { list.push_back({std::move(name), {std::move(line)}}); }
-    void addLines(std::string name, std::vector<Spans> lines) {
+    void add(std::string name, TextRuns line) { list.push_back({std::move(name), {std::move(line)}}); }
+    void addLines(std::string name, std::vector<TextRuns> lines) {
       if (!lines.empty()) list.push_back({std::move(name), std::move(lines)});
     }
     void write(ReferenceWriter& writer) const {
@@ -203,7 +203,7 @@ class Reference {
   static void addHistory(Terms& terms, ItemHistory const& history) {
     if (!history.deprecated.empty()) terms.add("Deprecated", {{history.deprecated}});
     if (history.formerNames.empty()) return;
-    Spans line;
+    TextRuns line;
     for (std::string const& name : history.formerNames) {
       if (!line.empty()) line.push_back({", "});
       line.push_back({name, Kind::Code});
@@ -213,7 +213,7 @@ class Reference {
   }
 
   /// A rule in words, and as it is written.
-  static Spans ofRule(RuleExpression const& rule) {
+  static TextRuns ofRule(RuleExpression const& rule) {
     std::string const words = rules::inWords(rule);
     std::string const source = rule.sourceText();
     if (words.empty() && source.empty()) return {{"computed by the program"}};
@@ -223,7 +223,7 @@ class Reference {
     return {{words + ": "}, {source, Kind::Code}};
   }
 
-  static Spans ofText(TextExpression const& text) {
+  static TextRuns ofText(TextExpression const& text) {
     if (auto const* fixed = dynamic_cast<FixedText const*>(&text)) {
       if (fixed->text().empty()) return {{"blank"}};
       return {{fixed->text(), Kind::Code}};
@@ -231,8 +231,8 @@ class Reference {
     return ofRule(text);
   }
 
-  static Spans ofItems(SharedStrings const& items) {
-    Spans line;
+  static TextRuns ofItems(SharedStrings const& items) {
+    TextRuns line;
     for (std::size_t i = 0; i < std::min(items.size(), mostItems); ++i) {
       if (i > 0) line.push_back({" "});
       line.push_back({items[i], Kind::Code});
@@ -242,18 +242,18 @@ class Reference {
     return line;
   }
 
-  static Spans ofList(ListExpression const& list) {
+  static TextRuns ofList(ListExpression const& list) {
     auto const* fixed = dynamic_cast<FixedList const*>(&list);
     return fixed != nullptr ? ofItems(fixed->items()) : ofRule(list);
   }
 
-  static std::vector<Spans> ofGuarded(std::vector<ParamValueDef::GuardedText> const& entries) {
-    std::vector<Spans> lines;
+  static std::vector<TextRuns> ofGuarded(std::vector<ParamValueDef::GuardedText> const& entries) {
+    std::vector<TextRuns> lines;
     for (auto const& entry : entries) {
-      Spans line = entry.value ? ofText(*entry.value) : Spans{{"none"}};
+      TextRuns line = entry.value ? ofText(*entry.value) : TextRuns{{"none"}};
       line.push_back({entry.when ? " while " : " always"});
       if (entry.when) {
-        for (Span& span : ofRule(*entry.when)) line.push_back(std::move(span));
+        for (TextRun& span : ofRule(*entry.when)) line.push_back(std::move(span));
       }
       lines.push_back(std::move(line));
     }
@@ -263,7 +263,7 @@ class Reference {
   template <typename Entry>
   static void addAvailability(Terms& terms, Entry const& entry) {
     if (!entry.contexts.empty()) {
-      Spans line = {{"while the parameter that selects the context is "}};
+      TextRuns line = {{"while the parameter that selects the context is "}};
       for (std::size_t i = 0; i < entry.contexts.size(); ++i) {
         if (i > 0) line.push_back({" or "});
         line.push_back({entry.contexts[i].empty() ? "not set" : entry.contexts[i],
@@ -272,8 +272,8 @@ class Reference {
       terms.add("Context", std::move(line));
     }
     if (entry.available) {
-      Spans line = {{"while "}};
-      for (Span& span : ofRule(*entry.available)) line.push_back(std::move(span));
+      TextRuns line = {{"while "}};
+      for (TextRun& span : ofRule(*entry.available)) line.push_back(std::move(span));
       terms.add("Available", std::move(line));
     }
     if (!entry.reason.empty()) terms.add("Otherwise", {{entry.reason}});
@@ -284,14 +284,14 @@ class Reference {
     auto const found = nodes_.find(Key(kind, path, entry));
     if (found == nodes_.end()) return;
     auto const line = [&](std::vector<std::size_t> const& others) {
-      Spans spans;
+      TextRuns spans;
       for (std::size_t i = 0; i < std::min(others.size(), mostItems); ++i) {
         GraphNode const& node = graph_.nodes[others[i]];
         auto const anchor = entryAnchors_.find(Key(node.kind, node.typePath, node.entry));
         if (!spans.empty()) spans.push_back({", "});
         std::string const text =
             node.typePath == path && node.kind != EntryKind::GlobalCheck ? node.entry : node.text();
-        spans.push_back(anchor == entryAnchors_.end() ? Span{text} : Span{text, Kind::Link, anchor->second});
+        spans.push_back(anchor == entryAnchors_.end() ? TextRun{text} : TextRun{text, Kind::Link, anchor->second});
       }
       if (others.size() > mostItems) spans.push_back({" and " + std::to_string(others.size() - mostItems) + " more"});
       return spans;
@@ -300,7 +300,7 @@ class Reference {
     if (!readers_[found->second].empty()) terms.add("Read by", line(readers_[found->second]));
   }
 
-  static void addMark(Spans& heading, bool isGiven, std::string const& text) {
+  static void addMark(TextRuns& heading, bool isGiven, std::string const& text) {
     if (!isGiven) return;
     heading.push_back({" "});
     heading.push_back({text, Kind::Mark});
@@ -308,7 +308,7 @@ class Reference {
 
   void writeParam(ObjDependDef const& object, ParamAvail const& param) {
     ParamValueDef const* const def = param.valueDef();
-    Spans heading = {{param.label.empty() ? param.name : param.label}};
+    TextRuns heading = {{param.label.empty() ? param.name : param.label}};
     addMark(heading, def != nullptr, def != nullptr ? std::string(TDFParam::typeName(def->type)) : "");
     addMark(heading, param.required, "required");
     addMark(heading, param.advanced, "advanced");
@@ -328,15 +328,15 @@ class Reference {
 
   void addValues(Terms& terms, ParamValueDef const& def) const {
     if (def.allowedValueKind != ParamValueDef::NoAllowedValues && def.allowedValues) {
-      std::vector<Spans> lines = {ofList(*def.allowedValues)};
+      std::vector<TextRuns> lines = {ofList(*def.allowedValues)};
       for (auto const& [value, when] : def.allowedValueChecks) {
-        Spans line = {{value, Kind::Code}, {" only while "}};
-        for (Span& span : ofRule(*when)) line.push_back(std::move(span));
+        TextRuns line = {{value, Kind::Code}, {" only while "}};
+        for (TextRun& span : ofRule(*when)) line.push_back(std::move(span));
         lines.push_back(std::move(line));
       }
       if (!def.unusedValues.empty()) {
-        Spans line = {{"never: "}};
-        for (Span& span : ofItems(def.unusedValues)) line.push_back(std::move(span));
+        TextRuns line = {{"never: "}};
+        for (TextRun& span : ofItems(def.unusedValues)) line.push_back(std::move(span));
         lines.push_back(std::move(line));
       }
       if (def.allowsAnyValue) lines.push_back({{"any other value is allowed too"}});
@@ -352,10 +352,10 @@ class Reference {
       terms.add("Pattern", {{def.pattern->text(), Kind::Code}});
       if (!def.patternMessage.empty()) terms.list.back().lines.push_back({{def.patternMessage}});
     }
-    std::vector<Spans> defaults = ofGuarded(def.defaultChecks);
+    std::vector<TextRuns> defaults = ofGuarded(def.defaultChecks);
     if (def.defaultValue) {
-      Spans line = ofText(*def.defaultValue);
-      if (!defaults.empty()) line.insert(line.begin(), Span{"otherwise "});
+      TextRuns line = ofText(*def.defaultValue);
+      if (!defaults.empty()) line.insert(line.begin(), TextRun{"otherwise "});
       defaults.push_back(std::move(line));
     } else if (def.allowedValueKind != ParamValueDef::NoAllowedValues) {
       std::string const fallback = def.fallbackToBlankDefault ? "blank" : "the first value on offer";
@@ -373,13 +373,13 @@ class Reference {
       terms.add("Quantity", ofText(*def.quantityType));
       return;
     }
-    Spans line = {{fixed->text(), Kind::Link, quantityAnchors_.at(fixed->text())}, {" in "}};
-    for (Span& span : unitsOf(*type)) line.push_back(std::move(span));
+    TextRuns line = {{fixed->text(), Kind::Link, quantityAnchors_.at(fixed->text())}, {" in "}};
+    for (TextRun& span : unitsOf(*type)) line.push_back(std::move(span));
     terms.add("Quantity", std::move(line));
   }
 
-  static Spans unitsOf(QuantityType const& type) {
-    Spans line;
+  static TextRuns unitsOf(QuantityType const& type) {
+    TextRuns line;
     for (QuantityUnit const& unit : type.units()) {
       if (!line.empty()) line.push_back({" "});
       line.push_back({unit.text.empty() ? "1" : unit.text, Kind::Code});
@@ -388,7 +388,7 @@ class Reference {
   }
 
   void writeChild(ObjDependDef const& object, ChildAvail const& child) {
-    Spans heading = {{child.label.empty() ? child.type : child.label}};
+    TextRuns heading = {{child.label.empty() ? child.type : child.label}};
     addMark(heading, child.singleton, "one");
     addMark(heading, child.required, "required");
     addMark(heading, child.advanced, "advanced");
@@ -404,7 +404,7 @@ class Reference {
     if (child.maximumCount) terms.add("At most", ofText(*child.maximumCount));
     addAvailability(terms, child);
     addHistory(terms, child.history);
-    std::vector<Spans> renamed;
+    std::vector<TextRuns> renamed;
     for (auto const& [former, present] : child.renamedNames) {
       renamed.push_back({{former, Kind::Code}, {" is now "}, {present, Kind::Code}});
     }
@@ -415,7 +415,7 @@ class Reference {
   }
 
   void writeCheck(ObjDependDef const& object, ObjectCheck const& check) {
-    Spans heading = {{check.name}};
+    TextRuns heading = {{check.name}};
     addMark(heading, check.level == CheckLevel::Warning, "warning");
     writer_->heading(4, entryAnchors_.at(Key(EntryKind::Check, object.typePath(), check.name)), heading);
     Terms terms;
@@ -442,8 +442,8 @@ class Reference {
     if (!hasNamed()) return;
     writer_->heading(1, named_, {{"Named rules"}});
     auto const write = [&](std::string const& name, std::string const& kind, RuleExpression const& rule,
-                           Spans content) {
-      Spans heading = {{name}};
+                           TextRuns content) {
+      TextRuns heading = {{name}};
       addMark(heading, true, kind);
       writer_->heading(4, anchors_.make(kind + '-' + name), heading);
       Terms terms;
@@ -463,7 +463,7 @@ class Reference {
     for (std::string const& name : rules_.getValueNames()) {
       TextExpression const& value = *rules_.findValue(name);
       std::string const fixed = fixedTextOf(value);
-      write(name, "value", value, fixed.empty() ? ofText(value) : Spans{{fixed, Kind::Code}});
+      write(name, "value", value, fixed.empty() ? ofText(value) : TextRuns{{fixed, Kind::Code}});
     }
   }
 
@@ -473,7 +473,7 @@ class Reference {
     writer_->heading(1, globalChecks_, {{"Checks of the whole model"}});
     for (std::string const& name : names) {
       GlobalCheck const& check = *rules_.getGlobalCheck(name, true);
-      Spans heading = {{name}};
+      TextRuns heading = {{name}};
       addMark(heading, check.level() == CheckLevel::Warning, "warning");
       writer_->heading(4, entryAnchors_.at(Key(EntryKind::GlobalCheck, "", name)), heading);
       Terms terms;
