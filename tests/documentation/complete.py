@@ -13,7 +13,7 @@ import sys
 # Sentences that an example cannot show on every machine, or only with a gigabyte.
 NOT_SHOWN = {
     "it cannot be opened", "it cannot be read to its end", "it is larger than ", "the text is larger than ",
-    "no rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
+    "no rule file is given", "no text of a rule file is given", "the file has more than ", " YAML nodes; divide it into several files",
     "the templates that objects use have more than ", " YAML nodes, counted once for each use", "... uses ",
     # Only with a long pattern, or without the definitions of units.
     "it is longer than ", " bytes", "as a map of unit to factor",

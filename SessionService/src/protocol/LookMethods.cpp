@@ -106,7 +106,7 @@ Json params(Host& host, Arguments const& arguments) {
   return listAnswer(host, arguments, *document, names, [](std::string const& name) { return name; });
 }
 
-/// What decides how a form is laid out: the parameters without their values.
+/// The layout of a form: its parameters without their values.
 Json outline(Host& host, Arguments const& arguments) {
   // The entries are short, and a client needs all of them before it can show the first ones in their places.
   constexpr std::size_t pages = 10;
