@@ -212,9 +212,8 @@ TEST_F(EditOnATerminal, AFileThatSomeoneElseChangedIsWrittenOverOnlyAfterYes) {
 TEST_F(EditOnATerminal, WhenSavingFailsTheWorkGoesOn) {
   auto const terminal = start();
   answer(*terminal, "set Mode = Transient", "/Plant *> ");
-  EXPECT_THAT(
-      answer(*terminal, "save nowhere/plant.tdf", "/Plant *> "),
-      AllOf(StartsWith("not done: "), HasSubstr("nowhere/plant.tdf"), EndsWith("Your edits are still\r\n    here.")));
+  EXPECT_THAT(answer(*terminal, "save nowhere/plant.tdf", "/Plant *> "),
+              AllOf(StartsWith("not done: "), HasSubstr("nowhere/plant.tdf"), EndsWith("Your edits are still here.")));
   EXPECT_THAT(answer(*terminal, "save over /dev/full", "/Plant *> "), StartsWith("not done: "));
   EXPECT_EQ(answer(*terminal, "save", "/Plant> "), "saved plant.tdf");
 }
