@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# `pip install .` without a network, into a folder of its own; then the installed package works alone.
+# `pip install .` without a network, into a folder of its own; then the installed package works alone. It compiles all
+# libraries, so no gate runs it: run it by hand after a change of setup.py or of the install rules.
 #
 #     pip.sh PYTHON SOURCES FOLDER
 set -euo pipefail
