@@ -63,6 +63,7 @@ test(
     await page.getByRole('button', { name: 'Bring them back' }).click();
     await page.getByText('The server does not answer.').waitFor({ state: 'detached' });
     await eventually(() => box(page, 'Title').inputValue(), 'Pump 7');
+    assert.equal(await box(page, 'Author').inputValue(), 'half a na');
     await page.getByRole('button', { name: 'Save', exact: true }).click();
     await page.getByText('not saved', { exact: true }).waitFor({ state: 'detached' });
     assert.match(server.saved(), /Title = Pump 7/);

@@ -75,7 +75,10 @@ function Row({
       role="group"
       aria-labelledby={labelId}
       onFocusOut={(event) => {
-        if (!(event.relatedTarget instanceof Node && event.currentTarget.contains(event.relatedTarget))) onLeave?.();
+        const next = event.relatedTarget;
+        // A banner asks about the document as a whole. With one more edit, an earlier server's edits could not come back.
+        const staysOpen = next instanceof Element && (event.currentTarget.contains(next) || next.closest('.banners'));
+        if (!staysOpen) onLeave?.();
       }}
     >
       <div class="row-label">
