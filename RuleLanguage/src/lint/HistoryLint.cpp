@@ -194,7 +194,8 @@ class HistoryLint {
     use.compiled->expression->collectPaths(paths, PathPattern());
     if (paths.empty() || isOfDeprecated(use)) return;
     for (auto const& path : paths) {
-      for (auto const& typePath : *context_.resolve(use, path.pattern)) {
+      auto const typePaths = context_.resolve(use, path.pattern);
+      for (auto const& typePath : *typePaths) {
         std::string const* message = deprecatedObject(typePath);
         std::string what = message != nullptr ? typePath : std::string();
         if (message == nullptr && !path.parameter.empty()) {
