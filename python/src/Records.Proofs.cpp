@@ -83,8 +83,9 @@ py::object Converter::operator()(Explanation::Result const& result) {
 }
 
 py::object Converter::operator()(Explanation const& explanation) {
-  static RecordType const nodeType("ExplanationNode", {"text", "operation", "name", "place", "context", "result",
-                                                       "also_fails", "total", "agreeing", "reads", "children"});
+  static RecordType const nodeType(
+      "ExplanationNode", {"text", "operation", "name", "place", "context", "result", "also_fails", "total", "agreeing",
+                          "is_cut_short", "reads", "children"});
   static RecordType const type("Explanation", {"nodes", "reads", "is_complete", "is_minimal"});
   Converter& convert = *this;
   py::tuple nodes(explanation.nodes.size());
@@ -94,8 +95,8 @@ py::object Converter::operator()(Explanation const& explanation) {
         node.source < explanation.sources.size() ? explanation.sources[node.source].place : TextPlace();
     nodes[i] = nodeType.make(convert(explanation.textOf(node)), convert(service::operationName(node.operation)),
                              convert(node.name), convert(place), convert(node.context), convert(node.result),
-                             convert(node.alsoFails), convert(node.total), convert(node.agreeing), convert(node.reads),
-                             convert(node.children));
+                             convert(node.alsoFails), convert(node.total), convert(node.agreeing),
+                             convert(node.isCutShort), convert(node.reads), convert(node.children));
   }
   return type.make(nodes, convert(explanation.reads), convert(explanation.isComplete), convert(explanation.isMinimal));
 }

@@ -712,6 +712,8 @@ class ExplanationNode:
     also_fails: bool
     total: int
     agreeing: int
+    is_cut_short: bool
+    """The set has more objects than ``total``. The others were not looked at."""
     reads: tuple[int, ...]
     """Indices in the reads of the explanation."""
     children: tuple[int, ...]

@@ -173,6 +173,8 @@ def explanation(one, index=0):
         form["alsoFails"] = True
     if node.total:
         form |= {"total": node.total, "agreeing": node.agreeing}
+    if node.is_cut_short:
+        form["isCutShort"] = True
     if node.reads:
         form["reads"] = [model_read(one.reads[read]) for read in node.reads]
     if node.children:

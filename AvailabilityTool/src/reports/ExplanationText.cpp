@@ -65,8 +65,9 @@ std::string share(Explanation::Node const& node) {
   if (node.total < 2 || !(isRow || isSet(node.operation))) return {};
   bool const isMatch = isSet(node.operation) && node.result.kind != Result::Kind::Truth;
   std::string const agree = isMatch ? "match" : node.result.truth ? "hold" : "do not hold";
-  return "   (" + std::to_string(node.agreeing) + " of " + std::to_string(node.total) +
-         (isRow ? " operands " : " objects ") + agree + ')';
+  std::string const number = node.isCutShort ? "at least " + std::to_string(node.agreeing)
+                                             : std::to_string(node.agreeing) + " of " + std::to_string(node.total);
+  return "   (" + number + (isRow ? " operands " : " objects ") + agree + ')';
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -112,6 +113,8 @@ class TARN_EXPORT DynamicTDF : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
+  bool anyChildOfType(std::string const& path, std::string const& type,
+                      std::function<bool(std::string const& child)> const& visit) const override;
   /// @}
 
   /// Offered by this class itself. A derived class may answer otherwise than the tree, so it offers none unless it

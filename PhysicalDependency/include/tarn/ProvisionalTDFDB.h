@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,8 @@ class TARN_EXPORT ProvisionalTDFDB : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
+  bool anyChildOfType(std::string const& path, std::string const& type,
+                      std::function<bool(std::string const& child)> const& visit) const override;
 
   /// Whether `path`, of an object or a parameter, is at or below the active root, so that the active model answers.
   [[nodiscard]] bool isActivePath(std::string const& path) const noexcept;

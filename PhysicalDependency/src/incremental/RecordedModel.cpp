@@ -85,6 +85,13 @@ bool RecordedModel::getChildObjectPathsByType(std::string const& path, std::stri
   return view_.getChildObjectPathsByType(path, type, out);
 }
 
+/// The whole list counts as read, also if `visit` ends early.
+bool RecordedModel::anyChildOfType(std::string const& path, std::string const& type,
+                                   std::function<bool(std::string const& child)> const& visit) const {
+  recordListing(path, factOf(FactKind::Children, PathHash(path), type));
+  return view_.anyChildOfType(path, type, visit);
+}
+
 void RecordedModel::recordObject(std::string const& path) const {
   recorder_.record(view_.isActivePath(path) ? factOf(FactKind::Object, PathHash(path)) : outside());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,8 @@ class RecordedModel final : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
+  bool anyChildOfType(std::string const& path, std::string const& type,
+                      std::function<bool(std::string const& child)> const& visit) const override;
 
  private:
   void recordObject(std::string const& path) const;

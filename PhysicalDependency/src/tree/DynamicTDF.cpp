@@ -162,6 +162,21 @@ bool DynamicTDF::getChildObjectPathsByType(std::string const& path, std::string 
   return !out.empty();
 }
 
+bool DynamicTDF::anyChildOfType(std::string const& path, std::string const& type,
+                                std::function<bool(std::string const& child)> const& visit) const {
+  // A derived class may list other children.
+  if (objectReader() == nullptr) return ModelTDF::anyChildOfType(path, type, visit);
+  Node const* const node = impl_->nodes_.find(path);
+  if (node == nullptr) return false;
+  std::string child = node->listedAsFound ? path : node->path();
+  std::size_t const parentSize = child.size();
+  return node->children.anyOfType(type, [&](Node const& next) {
+    child.resize(parentSize);
+    next.appendListedComponent(child);
+    return visit(child);
+  });
+}
+
 ParamAllowedValues const& DynamicTDF::getAllowedValueData(std::string const& objPath, std::string const& name) const {
   Node::ParamVal const* const param = impl_->nodes_.findParam(objPath, name);
   return param == nullptr ? sharedEmptyAllowedValues() : param->allowedValues();

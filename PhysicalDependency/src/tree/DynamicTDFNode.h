@@ -67,13 +67,24 @@ struct [[gnu::visibility("hidden")]] DynamicTDF::Node {
     /// Calls `visit` with each child of exactly this type, in the order of their creation. Linear in their number.
     template <class Visit>
     void visitOfType(std::string_view wanted, Visit visit) const {
+      (void)anyOfType(wanted, [&](Node const& child) {
+        visit(child);
+        return false;
+      });
+    }
+
+    /// The same until `visit` returns true. Returns whether it did.
+    template <class Visit>
+    bool anyOfType(std::string_view wanted, Visit visit) const {
       if (byType_ == nullptr) {
-        for (Node const& child : *this) {
-          if (child.type == wanted) visit(child);
-        }
-      } else if (auto const place = byType_->find(wanted); place != byType_->end()) {
-        for (Node const* child = place->second.first; child != nullptr; child = child->nextOfType) visit(*child);
+        return std::any_of(begin(), end(), [&](Node const& child) { return child.type == wanted && visit(child); });
       }
+      auto const place = byType_->find(wanted);
+      if (place == byType_->end()) return false;
+      for (Node const* child = place->second.first; child != nullptr; child = child->nextOfType) {
+        if (visit(*child)) return true;
+      }
+      return false;
     }
 
     void append(Node& child);

@@ -87,6 +87,12 @@ bool ProvisionalTDFDB::getChildObjectPathsByType(std::string const& path, std::s
   return getActiveParentChildItems(activeRoot_, out);
 }
 
+bool ProvisionalTDFDB::anyChildOfType(std::string const& path, std::string const& type,
+                                      std::function<bool(std::string const& child)> const& visit) const {
+  if (type == lastType_ && path == parentPath_) return ModelTDF::anyChildOfType(path, type, visit);
+  return switchDB(path)->anyChildOfType(path, type, visit);
+}
+
 /// The byte after the root is checked, so that a sibling whose name begins with the root's name stays with the base
 /// model.
 bool ProvisionalTDFDB::isActivePath(std::string const& path) const noexcept {

@@ -133,6 +133,12 @@ bool PVModelTDF::getChildObjectPathsByType(std::string const& path, std::string 
   return mergeByType(&ModelTDF::getChildObjectPathsByType, path, type, out);
 }
 
+bool PVModelTDF::anyChildOfType(std::string const& path, std::string const& type,
+                                std::function<bool(std::string const& child)> const& visit) const {
+  return missingModel_ == nullptr ? baseModel_->anyChildOfType(path, type, visit)
+                                  : ModelTDF::anyChildOfType(path, type, visit);
+}
+
 /// Placeholders come first, because the walk must finish all of them before it meets a real object of their type.
 bool PVModelTDF::mergeByType(ListingByType listing, std::string const& path, std::string const& type,
                              std::vector<std::string>& out) const {

@@ -59,6 +59,8 @@ class PVModelTDF final : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
+  bool anyChildOfType(std::string const& path, std::string const& type,
+                      std::function<bool(std::string const& child)> const& visit) const override;
   /// That of the base model, and none while placeholders are shown: then the path of an object decides who answers.
   [[nodiscard]] ObjectReader const* objectReader() const noexcept override;
 

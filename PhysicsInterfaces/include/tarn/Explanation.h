@@ -99,6 +99,9 @@ struct TARN_EXPORT Explanation {
     /// because the result was known before, are in neither number.
     std::size_t total = 0;
     std::size_t agreeing = 0;
+    /// The set has more objects than `total`. Those after the ones that decided were not looked at, because the set is
+    /// large (more than 500 objects). Then at least `agreeing` objects agree.
+    bool isCutShort = false;
     /// Indices in `reads` of what the part itself read, without its children.
     std::vector<std::size_t> reads;
     /// Indices in `nodes`, each larger than that of this node. In the order of the text, or of the objects.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,22 @@ class TARN_EXPORT ModelTDF {
                                          std::vector<std::string>& out) const = 0;
   virtual bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                          std::vector<std::string>& out) const = 0;
+
+  /// Looks for one child of this type, without a list of all of them. Calls `visit` with the path of each object that
+  /// `getChildObjectPathsByType` lists, in the same order, and ends at the first for which `visit` returns true.
+  /// Returns whether there was one; so false when there is no such child. `visit` must not be empty.
+  ///
+  /// During a call of `visit` the string `child` is valid, and the model must not change. `visit` may read the model,
+  /// and may call this operation again. An exception of `visit` ends the call.
+  ///
+  /// For a model that records what a rule reads, one call is one read: the whole list, also when `visit` ended early.
+  /// So a rule counts as affected when any child of this type comes or goes. The reads of `visit` are recorded as usual.
+  ///
+  /// The default makes the list and then visits its items. `DynamicTDF` makes none, so its cost is that of the visited
+  /// children; a view of the library makes one only where it merges two models. A class that overrides
+  /// `getChildObjectPathsByType` of another class must override this operation too, or else the two differ.
+  virtual bool anyChildOfType(std::string const& path, std::string const& type,
+                              std::function<bool(std::string const& child)> const& visit) const;
 
   /// Reads of this model by handles, or null, the default, when it offers none. Its answers must be those of the
   /// operations above. So a class that overrides one of them must not pass on the reader of another model. The answer

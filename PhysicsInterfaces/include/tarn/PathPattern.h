@@ -77,8 +77,9 @@ class TARN_EXPORT PathPattern {
   [[nodiscard]] std::vector<std::string> expand(TDFContext const& context, ModelTDF const& model) const;
 
   /// Calls `holds` for the objects that `expand` returns, in their order, until it returns true. Returns whether it
-  /// did. Further objects are not searched for, so the search is cheap when an early object is a match. `holds` may be
-  /// called twice for an object that the model lists twice.
+  /// did. Further objects are not searched for, so the search is cheap when an early object is a match: `Type:*` reads
+  /// the model by `anyChildOfType`. A pattern with a step up, with `**` or with more than 16 stars is expanded first.
+  /// `holds` may be called twice for an object that the model lists twice. It may read the model but not change it.
   bool findIf(TDFContext const& context, ModelTDF const& model,
               std::function<bool(std::string const& path)> const& holds) const;
 

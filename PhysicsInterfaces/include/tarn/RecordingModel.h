@@ -58,6 +58,8 @@ class TARN_EXPORT RecordingModel final : public ModelTDF {
                                  std::vector<std::string>& out) const override;
   bool getChildObjectPathsByType(std::string const& path, std::string const& type,
                                  std::vector<std::string>& out) const override;
+  bool anyChildOfType(std::string const& path, std::string const& type,
+                      std::function<bool(std::string const& child)> const& visit) const override;
 
  private:
   static constexpr std::size_t defaultMaxReads = 1000;
@@ -69,6 +71,8 @@ class TARN_EXPORT RecordingModel final : public ModelTDF {
   /// The index of the fact, or `none` when it is not kept. `add` makes the read when it is not known yet.
   [[nodiscard]] std::size_t find(ModelRead::Kind kind, std::string_view object, std::string_view name) const;
   void add(ModelRead read) const;
+  /// Whether one more read is too many. Notes that it is missing then.
+  [[nodiscard]] bool isFull() const noexcept;
   void note(std::size_t index) const;
   [[nodiscard]] bool isRecording() const noexcept { return recordsAll_ || sink_ != nullptr; }
 

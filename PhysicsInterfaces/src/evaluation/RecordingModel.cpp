@@ -37,11 +37,14 @@ std::size_t RecordingModel::find(ModelRead::Kind kind, std::string_view object, 
   return none;
 }
 
+bool RecordingModel::isFull() const noexcept {
+  if (reads_.size() < maxReads_) return false;
+  isOverfull_ = true;
+  return true;
+}
+
 void RecordingModel::add(ModelRead read) const {
-  if (reads_.size() >= maxReads_) {
-    isOverfull_ = true;
-    return;
-  }
+  if (isFull()) return;
   byHash_.emplace(hashOf(read.kind, read.object, read.name), reads_.size());
   reads_.push_back(std::move(read));
   note(reads_.size() - 1);
@@ -55,10 +58,7 @@ void RecordingModel::recordParameter(ModelRead::Kind kind, std::string const& ob
   if (!isRecording()) return;
   std::size_t const known = find(kind, objPath, name);
   if (known == none) {
-    if (reads_.size() >= maxReads_) {
-      isOverfull_ = true;
-      return;
-    }
+    if (isFull()) return;
     ModelRead read;
     read.kind = kind;
     read.object = objPath;
@@ -83,6 +83,7 @@ void RecordingModel::recordObject(std::string const& path) const {
     note(known);
     return;
   }
+  if (isFull()) return;
   ModelRead read;
   read.kind = ModelRead::Kind::Object;
   read.object = path;
@@ -98,6 +99,7 @@ void RecordingModel::recordList(ModelRead::Kind kind, std::string const& path, s
     note(known);
     return;
   }
+  if (isFull()) return;
   ModelRead read;
   read.kind = kind;
   read.object = path;
@@ -187,6 +189,29 @@ bool RecordingModel::getChildObjectPathsByType(std::string const& path, std::str
   bool const isAny = model_.getChildObjectPathsByType(path, type, out);
   recordList(ModelRead::Kind::ChildrenOfType, path, type, out);
   return isAny;
+}
+
+bool RecordingModel::anyChildOfType(std::string const& path, std::string const& type,
+                                    std::function<bool(std::string const& child)> const& visit) const {
+  if (isRecording()) {
+    std::size_t const known = find(ModelRead::Kind::ChildrenOfType, path, type);
+    if (known != none) {
+      note(known);
+    } else if (!isFull()) {
+      // The fact is the whole list, also if `visit` ends early.
+      ModelRead read;
+      read.kind = ModelRead::Kind::ChildrenOfType;
+      read.object = path;
+      read.name = type;
+      (void)model_.anyChildOfType(path, type, [&read](std::string const& child) {
+        if (read.itemCount++ < ModelRead::maxItems) read.items.push_back(child);
+        return false;
+      });
+      read.isPresent = read.itemCount != 0;
+      add(std::move(read));
+    }
+  }
+  return model_.anyChildOfType(path, type, visit);
 }
 
 }  // namespace tarn

@@ -7,6 +7,7 @@
 #include <tarn/PathPattern.h>
 
 #include <algorithm>
+#include <span>
 #include <unordered_set>
 #include <utility>
 
@@ -98,6 +99,38 @@ bool startPath(PathPattern const& pattern, TDFContext const& context, std::strin
   return false;
 }
 
+/// A search calls itself once for each step with a star, and `holds` may search again. So that the stack suffices, it
+/// is made only for patterns with few stars.
+constexpr std::ptrdiff_t maxSearchedStars = 16;
+
+bool isStar(PathPattern::Step const& step) {
+  return step.kind == PathPattern::StepKind::ChildrenOfType || step.kind == PathPattern::StepKind::AnyChild;
+}
+
+/// Whether `holds` is true of an object that `steps`, which go down, lead to.
+bool findBelow(std::span<PathPattern::Step const> steps, Candidate at, ModelTDF const& model,
+               std::function<bool(std::string const& path)> const& holds) {
+  while (!steps.empty() && steps.front().kind == PathPattern::StepKind::Child) {
+    append(at.path, steps.front());
+    at.known = false;
+    steps = steps.subspan(1);
+  }
+  if (steps.empty()) return (at.known || model.hasObject(at.path)) && holds(at.path);
+  PathPattern::Step const& step = steps.front();
+  steps = steps.subspan(1);
+  if (step.kind == PathPattern::StepKind::ChildrenOfType) {
+    if (steps.empty()) return model.anyChildOfType(at.path, step.type, holds);
+    return model.anyChildOfType(at.path, step.type, [&](std::string const& child) {
+      return findBelow(steps, {child, true}, model, holds);
+    });
+  }
+  std::vector<std::string> children;
+  model.getChildObjectPaths(at.path, children);
+  return std::any_of(children.begin(), children.end(), [&](std::string const& child) {
+    return findBelow(steps, {child, true}, model, holds);
+  });
+}
+
 }  // namespace
 
 bool PathPattern::resolve(TDFContext const& context, std::string& path) const {
@@ -167,50 +200,15 @@ std::vector<std::string> PathPattern::expand(TDFContext const& context, ModelTDF
 
 bool PathPattern::findIf(TDFContext const& context, ModelTDF const& model,
                          std::function<bool(std::string const& path)> const& holds) const {
-  auto const goesDown = [](Step const& step) {
-    return step.kind == StepKind::Child || step.kind == StepKind::ChildrenOfType || step.kind == StepKind::AnyChild;
-  };
-  if (!std::all_of(steps_.begin(), steps_.end(), goesDown)) {
+  auto const goesDown = [](Step const& step) { return step.kind == StepKind::Child || isStar(step); };
+  if (!std::all_of(steps_.begin(), steps_.end(), goesDown) ||
+      std::count_if(steps_.begin(), steps_.end(), isStar) > maxSearchedStars) {
     auto const paths = expand(context, model);
     return std::any_of(paths.begin(), paths.end(), holds);
   }
 
-  /// Objects that match the steps before `step`; the next one to visit is the last.
-  struct Level {
-    std::size_t step;
-    bool known;
-    std::vector<std::string> paths;
-  };
-  std::vector<Level> levels(1, Level{0, false, std::vector<std::string>(1)});
-  if (!startPath(*this, context, levels[0].paths[0])) return false;
-  while (!levels.empty()) {
-    Level& level = levels.back();
-    if (level.paths.empty()) {
-      levels.pop_back();
-      continue;
-    }
-    std::string path = std::move(level.paths.back());
-    level.paths.pop_back();
-    std::size_t step = level.step;
-    bool known = level.known;
-    for (; step < steps_.size() && steps_[step].kind == StepKind::Child; ++step) {
-      append(path, steps_[step]);
-      known = false;
-    }
-    if (step == steps_.size()) {
-      if ((known || model.hasObject(path)) && holds(path)) return true;
-      continue;
-    }
-    std::vector<std::string> found;
-    if (steps_[step].kind == StepKind::AnyChild) {
-      model.getChildObjectPaths(path, found);
-    } else {
-      model.getChildObjectPathsByType(path, steps_[step].type, found);
-    }
-    std::reverse(found.begin(), found.end());
-    levels.push_back({step + 1, true, std::move(found)});
-  }
-  return false;
+  Candidate start{{}, false};
+  return startPath(*this, context, start.path) && findBelow(steps_, std::move(start), model, holds);
 }
 
 }  // namespace tarn

@@ -441,26 +441,27 @@ class Explainer {
     std::vector<std::size_t> examples;
     std::size_t total = 0;
     std::size_t holding = 0;
-    (void)operands[0]->anyObject(frame, [&](std::string const& path) {
+    std::size_t firstDecider = 0;
+    bool const isDecided = operands[0]->anyObject(frame, [&](std::string const& path) {
       ++total;
       return quantifier.atObject(frame, path, [&](Frame const& inner) {
         bool const holds = operands[1]->truth(inner);
         if (holds) ++holding;
         bool const isDecider = isEitherWay && !showsAll_ && holds == decisive;
         auto& shown = isDecider ? deciders : examples;
-        if (shown.size() < maxExamples) {
-          shown.push_back(add(*operands[1], Form::Truth, inner, at.below()));
-          if (isDecider) addMembership(*operands[0], frame, path, parts_[shown.back()]);
-        }
-        // One witness is enough.
-        return isDecider && decisive;
+        if (shown.size() < maxExamples) shown.push_back(add(*operands[1], Form::Truth, inner, at.below()));
+        if (isDecider && deciders.size() == 1) firstDecider = total;
+        if (isDecider) addMembership(*operands[0], frame, path, parts_[deciders.back()]);
+        // One witness is enough. Counterexamples are looked for a little longer.
+        return !deciders.empty() && (decisive || deciders.size() == maxExamples || total - firstDecider == maxRow);
       });
     });
     if (!deciders.empty()) {
       Part& part = parts_[index];
       part.node.total = total;
+      part.node.isCutShort = isDecided && hasMoreThan(total, *operands[0], frame);
       part.node.result.truth = decisive;
-      part.node.agreeing = decisive ? holding : total - holding;
+      part.node.agreeing = deciders.size();
       part.deciders = std::move(deciders);
       part.showsOthers = operation == Operation::All;
       return index;

@@ -47,6 +47,7 @@ Json partAsJson(Explanation const& explanation, std::size_t index) {
     json["total"] = node.total;
     json["agreeing"] = node.agreeing;
   }
+  if (node.isCutShort) json["isCutShort"] = true;
   if (!node.reads.empty()) {
     json["reads"] = jsonList(node.reads, [&](std::size_t read) { return modelReadAsJson(explanation.reads[read]); });
   }

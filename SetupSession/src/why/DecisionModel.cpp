@@ -214,4 +214,10 @@ bool DecisionModel::getChildObjectPathsByType(std::string const& path, std::stri
   return !out.empty();
 }
 
+bool DecisionModel::anyChildOfType(std::string const& path, std::string const& type,
+                                   std::function<bool(std::string const& child)> const& visit) const {
+  if (!isInside(path) || isBefore(path, type, true)) return model_.anyChildOfType(path, type, visit);
+  return ModelTDF::anyChildOfType(path, type, visit);
+}
+
 }  // namespace tarn::session

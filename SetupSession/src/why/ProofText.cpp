@@ -289,7 +289,8 @@ class Writer {
   std::string setText(ProofRule const& rule, Explanation::Node const& part) const {
     std::string const text = partText(rule, part);
     if (part.total == 0) return text + ": no object matches";
-    std::string const number = std::to_string(part.agreeing) + " of " + std::to_string(part.total);
+    std::string const number = part.isCutShort ? "at least " + std::to_string(part.agreeing)
+                                               : std::to_string(part.agreeing) + " of " + std::to_string(part.total);
     // The object follows. In a large set there may be more that were not looked at.
     if (part.operation == Operation::Any && part.result.truth && part.agreeing == 1) return text + ": holds";
     bool const isOfHolding = (part.operation == Operation::Any) == part.result.truth;

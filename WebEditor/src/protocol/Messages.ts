@@ -339,6 +339,7 @@ export type Explanation = {
   alsoFails?: boolean;
   total?: number;
   agreeing?: number;
+  isCutShort?: boolean;
   reads?: Read[];
   parts?: Explanation[];
 } | null;

@@ -79,7 +79,10 @@ TEST_F(FollowedWalks, EveryWayToReadTheModelBringsTheRuleBack) {
       {"getChildObjectNamesByType",
        [&](auto& model, auto& out) { return model.getChildObjectNamesByType(rotor, "Rotation", out); }},
       {"getChildObjectPathsByType",
-       [&](auto& model, auto& out) { return model.getChildObjectPathsByType(rotor, "Rotation", out); }}};
+       [&](auto& model, auto& out) { return model.getChildObjectPathsByType(rotor, "Rotation", out); }},
+      {"anyChildOfType", [&](auto& model, auto&) {
+         return model.anyChildOfType(rotor, "Rotation", [](std::string const&) { return true; });
+       }}};
   for (auto const& [what, holds] : reads) {
     SCOPED_TRACE(what);
     PhysicsData rules;

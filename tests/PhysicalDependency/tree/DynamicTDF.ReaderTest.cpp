@@ -107,6 +107,38 @@ TEST_F(DynamicTDFReader, AHandleIsNotInForceInAnotherModel) {
   EXPECT_EQ(find("/Case").readerIn(other), nullptr);
 }
 
+TEST_F(DynamicTDFReader, ChildrenAreVisitedAsTheyAreListedUntilOneIsFound) {
+  for (int i = 0; i < 40; ++i) tree_.createObject("/Case", "Probe", "p" + std::to_string(i));
+  for (char const* type : {"Domain", "Solver", "Probe", "Boundary"}) {
+    std::vector<std::string> listed;
+    tree_.getChildObjectPathsByType("/Case", type, listed);
+    std::vector<std::string> visited;
+    EXPECT_FALSE(tree_.anyChildOfType("/Case", type, [&](std::string const& child) {
+      visited.push_back(child);
+      return false;
+    }));
+    EXPECT_EQ(visited, listed) << type;
+  }
+  int visits = 0;
+  EXPECT_TRUE(tree_.anyChildOfType("/Case", "Probe", [&](std::string const&) { return ++visits == 3; }));
+  EXPECT_EQ(visits, 3);
+  EXPECT_FALSE(tree_.anyChildOfType("/Elsewhere", "Probe", [](std::string const&) { return true; }));
+}
+
+TEST(DynamicTDFWithReads, AClassThatListsOtherChildrenIsAskedForItsList) {
+  class OneProbe : public DynamicTDF {
+   public:
+    bool getChildObjectPathsByType(std::string const& /*path*/, std::string const& /*type*/,
+                                   std::vector<std::string>& out) const override {
+      out = {"/Case/Probe:only"};
+      return true;
+    }
+  };
+  OneProbe const model;
+  EXPECT_TRUE(
+      model.anyChildOfType("/Case", "Probe", [](std::string const& child) { return child == "/Case/Probe:only"; }));
+}
+
 TEST(DynamicTDFWithReads, AClassThatMayAnswerOtherwiseOffersNoReader) {
   class Doubled : public DynamicTDF {};
   EXPECT_EQ(Doubled().objectReader(), nullptr);

@@ -67,6 +67,27 @@ TEST_F(ProvisionalTDFDBTest, NamesAndTypesComeFromTheModelOfTheirSide) {
   EXPECT_EQ(view.getObjectType("/Case/Solver"), "Solver");
 }
 
+TEST_F(ProvisionalTDFDBTest, ChildrenAreVisitedAsTheyAreListed) {
+  base.setParameter("/Case/Solver:s", "Owner", "base");
+  active.deleteObject("/Case/Domain:A");
+  for (bool const isThere : {false, true}) {
+    if (isThere) active.setParameter("/Case/Domain:A/Boundary:out", "Owner", "active");
+    for (auto const& [path, type] : std::vector<std::pair<std::string, std::string>>{{"/Case", "Domain"},
+                                                                                     {"/Case", "Solver"},
+                                                                                     {"/Case/Domain:A", "Boundary"},
+                                                                                     {"/Case/Domain:AB", "Boundary"}}) {
+      Strings listed;
+      view.getChildObjectPathsByType(path, type, listed);
+      Strings visited;
+      EXPECT_FALSE(view.anyChildOfType(path, type, [&](std::string const& child) {
+        visited.push_back(child);
+        return false;
+      }));
+      EXPECT_EQ(visited, listed) << path << ' ' << type;
+    }
+  }
+}
+
 TEST_F(ProvisionalTDFDBTest, ListsAreReadFromTheModelOfTheirSide) {
   active.setParameter("/Case/Domain:A", "Owner", "active,edited");
   Strings out;

@@ -55,6 +55,13 @@ class PVModelTDF : public testing::Test {
     Strings out{"before"};
     bool const found = view_.getChildObjectPathsByType(path, type, out);
     EXPECT_EQ(found, !out.empty());
+    // Visits give the same children.
+    Strings visited;
+    EXPECT_FALSE(view_.anyChildOfType(path, type, [&](std::string const& child) {
+      visited.push_back(child);
+      return false;
+    }));
+    EXPECT_EQ(visited, out);
     return out;
   }
 

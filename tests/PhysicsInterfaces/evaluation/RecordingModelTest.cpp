@@ -51,6 +51,38 @@ TEST(RecordingModel, NamesAndPathsOfChildrenAreOneFact) {
   EXPECT_EQ(recording.reads().front().items, (std::vector<std::string>{"/Case/Domain:rotor", "/Case/Domain:stator"}));
 }
 
+TEST(RecordingModel, ChildrenThatAreAskedOneByOneCountAsTheWholeList) {
+  MapModel const model = pump();
+  RecordingModel recording(model);
+  std::vector<std::string> asked;
+  EXPECT_TRUE(recording.anyChildOfType("/Case", "Domain", [&](std::string const& child) {
+    asked.push_back(child);
+    return true;
+  }));
+  EXPECT_EQ(asked, (std::vector<std::string>{"/Case/Domain:rotor"}));
+  std::vector<std::string> found;
+  EXPECT_TRUE(recording.getChildObjectPathsByType("/Case", "Domain", found));
+  ASSERT_EQ(recording.reads().size(), 1U);
+  EXPECT_EQ(recording.reads().front().items, found);
+  EXPECT_EQ(recording.reads().front().itemCount, 2U);
+  EXPECT_TRUE(recording.reads().front().isPresent);
+}
+
+TEST(RecordingModel, ChildrenThatAreAskedOneByOneGoToTheSinkEachTime) {
+  MapModel const model = pump();
+  RecordingModel recording(model);
+  recording.recordAll(false);
+  auto const never = [](std::string const&) { return false; };
+  for (int i = 0; i < 2; ++i) {
+    std::vector<std::size_t> reads;
+    recording.setSink(&reads);
+    EXPECT_FALSE(recording.anyChildOfType("/Case", "Boundary", never));
+    recording.setSink(nullptr);
+    EXPECT_EQ(reads, (std::vector<std::size_t>{0}));
+  }
+  EXPECT_FALSE(recording.reads().front().isPresent);
+}
+
 TEST(RecordingModel, SinkGetsEachReadSinceItWasSet) {
   MapModel const model = pump();
   RecordingModel recording(model);

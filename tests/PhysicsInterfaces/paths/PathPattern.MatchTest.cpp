@@ -131,5 +131,43 @@ TEST(PathPattern, ObjectsAreAskedAboutNoFurtherThanNeeded) {
   EXPECT_FALSE(PathPattern("/Case/Boundary:*").findIf(TDFContext(""), pump(), isRotor));
 }
 
+TEST(PathPattern, SearchEndsAsSoonAsAChildOfAnyStarIsFound) {
+  class CountingModel : public MapModel {
+   public:
+    using MapModel::MapModel;
+    bool anyChildOfType(std::string const& path, std::string const& type,
+                        std::function<bool(std::string const& child)> const& visit) const override {
+      return MapModel::anyChildOfType(path, type, [&](std::string const& child) {
+        visited.push_back(child);
+        return visit(child);
+      });
+    }
+    mutable std::vector<std::string> visited;
+  };
+  CountingModel const model{{"/Case/Domain:rotor/Boundary:in/Profile", {}},
+                            {"/Case/Domain:rotor/Boundary:out/Profile", {}},
+                            {"/Case/Domain:stator/Boundary:wall/Profile", {}}};
+  EXPECT_TRUE(PathPattern("/Case/Domain:*/Boundary:*/Profile").findIf(TDFContext(""), model, [](std::string const&) {
+    return true;
+  }));
+  EXPECT_EQ(model.visited, (std::vector<std::string>{"/Case/Domain:rotor", "/Case/Domain:rotor/Boundary:in"}));
+}
+
+TEST(PathPattern, SearchWithVeryManyStarsFindsTheDeepestObject) {
+  for (int const depth : {16, 17, 1000}) {
+    MapModel model;
+    std::string path;
+    std::string pattern;
+    for (int i = 0; i < depth; ++i) {
+      path += "/Group:g";
+      pattern += i % 2 == 0 ? "/Group:*" : "/*";
+      model.add(path);
+    }
+    EXPECT_TRUE(PathPattern(pattern).findIf(TDFContext(""), model, [&](std::string const& found) {
+      return found == path;
+    })) << depth;
+  }
+}
+
 }  // namespace
 }  // namespace tarn

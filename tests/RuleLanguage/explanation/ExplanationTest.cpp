@@ -325,13 +325,14 @@ struct LongSet {
   std::string result;
   std::size_t agreeing = 0;
   std::size_t total = 0;
+  bool isCutShort = false;
   /// The contexts of the conditions that are shown.
   std::vector<std::string> shown;
   bool isComplete = false;
 
   friend bool operator==(LongSet const&, LongSet const&) = default;
   friend std::ostream& operator<<(std::ostream& out, LongSet const& set) {
-    out << set.result << ' ' << set.agreeing << " of " << set.total;
+    out << set.result << ' ' << set.agreeing << " of " << set.total << (set.isCutShort ? " or more" : "");
     for (auto const& context : set.shown) out << ' ' << context;
     return out << (set.isComplete ? "" : " not complete");
   }
@@ -343,7 +344,8 @@ LongSet longSet(std::string const& condition, MapModel const& model) {
   auto const& nodes = explanation.nodes;
   std::size_t const place =
       nodes.front().operation == Explanation::Operation::Equal ? nodes.front().children.front() : 0;
-  LongSet set{valueText(nodes[place].result), nodes[place].agreeing, nodes[place].total, {}, explanation.isComplete};
+  LongSet set{valueText(nodes[place].result), nodes[place].agreeing, nodes[place].total, nodes[place].isCutShort, {},
+              explanation.isComplete};
   for (std::size_t const child : nodes[place].children) {
     if (nodes[child].result.kind != Explanation::Result::Kind::Truth) continue;
     set.shown.push_back(nodes[child].context.substr(nodes[child].context.rfind(':') + 1));
@@ -351,27 +353,27 @@ LongSet longSet(std::string const& condition, MapModel const& model) {
   return set;
 }
 
-TEST(Explanation, VeryLargeSetIsLookedAtUpToItsFirstWitness) {
+TEST(Explanation, VeryLargeSetIsLookedAtUpToTheFirstObjectsThatDecide) {
   EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Wall')", manyBoundaries(1000)),
-            (LongSet{"true", 1, 1, {"b0000"}, true}));
+            (LongSet{"true", 1, 1, true, {"b0000"}, true}));
   EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Inlet')", manyBoundaries(1990)),
-            (LongSet{"true", 1, 1991, {"b1990"}, true}));
+            (LongSet{"true", 1, 1991, true, {"b1990"}, true}));
   EXPECT_EQ(longSet("all({Boundary:*}, ${Kind} == 'Wall')", manyBoundaries(1990)),
-            (LongSet{"false", 10, 2000, {"b1990", "b1991", "b1992"}, true}));
+            (LongSet{"false", 3, 1993, true, {"b1990", "b1991", "b1992"}, true}));
   EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Inlet')", manyBoundaries(1999)),
-            (LongSet{"true", 1, 2000, {"b1999"}, true}));
+            (LongSet{"true", 1, 2000, false, {"b1999"}, true}));
   MapModel model = manyBoundaries(2000);
   model.set("/Case/Domain:rotor/Boundary:b0007", "Kind", "Outlet");
-  EXPECT_EQ(longSet("all({Boundary:*}, ${Kind} == 'Wall')", model), (LongSet{"false", 1, 2000, {"b0007"}, true}));
+  EXPECT_EQ(longSet("all({Boundary:*}, ${Kind} == 'Wall')", model), (LongSet{"false", 1, 508, true, {"b0007"}, true}));
 }
 
 TEST(Explanation, VeryLargeSetThatDecidesAsAWholeShowsExamplesAndSaysThatReadsAreMissing) {
   EXPECT_EQ(longSet("any({Boundary:*}, ${Kind} == 'Outlet')", manyBoundaries(1000)),
-            (LongSet{"false", 2000, 2000, {"b0000", "b0001", "b0002"}, false}));
+            (LongSet{"false", 2000, 2000, false, {"b0000", "b0001", "b0002"}, false}));
   EXPECT_EQ(longSet("all({Boundary:*}, exists(${Kind}))", manyBoundaries(1000)),
-            (LongSet{"true", 2000, 2000, {"b0000", "b0001", "b0002"}, false}));
+            (LongSet{"true", 2000, 2000, false, {"b0000", "b0001", "b0002"}, false}));
   EXPECT_EQ(longSet("count({Boundary:*}, ${Kind} == 'Inlet') == 10", manyBoundaries(1990)),
-            (LongSet{"'10'", 10, 2000, {"b0000", "b0001", "b0002"}, false}));
+            (LongSet{"'10'", 10, 2000, false, {"b0000", "b0001", "b0002"}, false}));
 }
 
 TEST(Explanation, WitnessInAVeryLargeSetNeedsItsOwnReadsAndTheSetAlone) {
