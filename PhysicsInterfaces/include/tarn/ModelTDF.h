@@ -65,7 +65,8 @@ class TARN_EXPORT ModelTDF {
   /// and may call this operation again. An exception of `visit` ends the call.
   ///
   /// For a model that records what a rule reads, one call is one read: the whole list, also when `visit` ended early.
-  /// So a rule counts as affected when any child of this type comes or goes. The reads of `visit` are recorded as usual.
+  /// So a rule counts as affected when any child of this type comes or goes. The reads of `visit` are recorded as
+  /// usual.
   ///
   /// The default makes the list and then visits its items. `DynamicTDF` makes none, so its cost is that of the visited
   /// children; a view of the library makes one only where it merges two models. A class that overrides
