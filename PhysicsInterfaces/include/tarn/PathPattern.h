@@ -79,7 +79,7 @@ class TARN_EXPORT PathPattern {
   /// Calls `holds` for the objects that `expand` returns, in their order, until it returns true. Returns whether it
   /// did. Further objects are not searched for, so the search is cheap when an early object is a match: `Type:*` reads
   /// the model by `anyChildOfType`. A pattern with a step up, with `**` or with more than 16 stars is expanded first.
-  /// `holds` may be called twice for an object that the model lists twice. It may read the model but not change it.
+  /// So only some of the matching objects may have been visited. `holds` may read the model, and must not change it.
   bool findIf(TDFContext const& context, ModelTDF const& model,
               std::function<bool(std::string const& path)> const& holds) const;
 

@@ -108,6 +108,9 @@ bool isStar(PathPattern::Step const& step) {
 }
 
 /// Whether `holds` is true of an object that `steps`, which go down, lead to.
+///
+/// A model that has an object in both forms, /Case/Dom and /Case/Dom:Dom, lists the first path twice. It is visited
+/// once.
 bool findBelow(std::span<PathPattern::Step const> steps, Candidate at, ModelTDF const& model,
                std::function<bool(std::string const& path)> const& holds) {
   while (!steps.empty() && steps.front().kind == PathPattern::StepKind::Child) {
@@ -118,16 +121,23 @@ bool findBelow(std::span<PathPattern::Step const> steps, Candidate at, ModelTDF 
   if (steps.empty()) return (at.known || model.hasObject(at.path)) && holds(at.path);
   PathPattern::Step const& step = steps.front();
   steps = steps.subspan(1);
+  auto const isFoundAt = [&](std::string const& child) {
+    return steps.empty() ? holds(child) : findBelow(steps, {child, true}, model, holds);
+  };
   if (step.kind == PathPattern::StepKind::ChildrenOfType) {
-    if (steps.empty()) return model.anyChildOfType(at.path, step.type, holds);
+    std::size_t const sizeWithoutName = at.path.size() + 1 + step.type.size();
+    bool isVisited = false;
     return model.anyChildOfType(at.path, step.type, [&](std::string const& child) {
-      return findBelow(steps, {child, true}, model, holds);
+      if (child.size() == sizeWithoutName && std::exchange(isVisited, true)) return false;
+      return isFoundAt(child);
     });
   }
   std::vector<std::string> children;
   model.getChildObjectPaths(at.path, children);
+  std::unordered_set<std::string_view> visited;
   return std::any_of(children.begin(), children.end(), [&](std::string const& child) {
-    return findBelow(steps, {child, true}, model, holds);
+    if (lacksName(child) && !visited.insert(child).second) return false;
+    return isFoundAt(child);
   });
 }
 

@@ -657,10 +657,12 @@ bool Quantifier::truth(Frame const& frame) const {
 
 double Quantifier::number(Frame const& frame) const {
   if (kind() != Kind::Number) return Expression::number(frame);
-  auto const paths = operand(0).objects(frame);
-  if (size() == 1) return static_cast<double>(paths.size());
-  return static_cast<double>(
-      std::count_if(paths.begin(), paths.end(), [&](std::string const& path) { return holds(frame, path); }));
+  std::size_t count = 0;
+  (void)operand(0).anyObject(frame, [&](std::string const& path) {
+    if (size() == 1 || holds(frame, path)) ++count;
+    return false;
+  });
+  return static_cast<double>(count);
 }
 
 std::vector<std::string> Quantifier::objects(Frame const& frame) const {

@@ -153,6 +153,35 @@ TEST(PathPattern, SearchEndsAsSoonAsAChildOfAnyStarIsFound) {
   EXPECT_EQ(model.visited, (std::vector<std::string>{"/Case/Domain:rotor", "/Case/Domain:rotor/Boundary:in"}));
 }
 
+TEST(PathPattern, ObjectThatTheModelListsTwiceIsMatchedOnce) {
+  // A model that has /Case/Domain and /Case/Domain:Domain.
+  class BothForms : public MapModel {
+   public:
+    using MapModel::MapModel;
+    bool getChildObjectPaths(std::string const& path, std::vector<std::string>& out) const override {
+      MapModel::getChildObjectPaths(path, out);
+      if (path == "/Case") out.emplace_back("/Case/Domain");
+      return !out.empty();
+    }
+    bool getChildObjectPathsByType(std::string const& path, std::string const& type,
+                                   std::vector<std::string>& out) const override {
+      MapModel::getChildObjectPathsByType(path, type, out);
+      if (path == "/Case" && type == "Domain") out.emplace_back("/Case/Domain");
+      return !out.empty();
+    }
+  };
+  BothForms const model{{"/Case/Domain/Boundary:in", {}}, {"/Case/Domain:rotor/Boundary:out", {}}};
+  for (char const* pattern : {"/Case/Domain:*", "/Case/*", "/Case/Domain:*/Boundary:*", "/Case/*/*"}) {
+    std::vector<std::string> visited;
+    EXPECT_FALSE(PathPattern(pattern).findIf(TDFContext(""), model, [&](std::string const& path) {
+      visited.push_back(path);
+      return false;
+    }));
+    EXPECT_EQ(visited, PathPattern(pattern).expand(TDFContext(""), model)) << pattern;
+    EXPECT_EQ(visited.size(), 2U) << pattern;
+  }
+}
+
 TEST(PathPattern, SearchWithVeryManyStarsFindsTheDeepestObject) {
   for (int const depth : {16, 17, 1000}) {
     MapModel model;

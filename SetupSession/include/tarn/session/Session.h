@@ -269,8 +269,8 @@ class TARN_EXPORT Session {
 
   /// Why an item is as it is, or why a value is not allowed: see `Proof`. `textOf` makes text of it. The rules are
   /// explained by the values that they used, also where these have changed since. After a step of several edits, old
-  /// values are those before the whole step. Costs the rules of the item, and those of what they have read as deep as
-  /// asked. A rule over a set costs up to three evaluations; `any` over more than 500 objects ends at the first match.
+  /// values are those before the whole step. Costs the rules of the item and of what they have read, as deep as asked.
+  /// In a set of more than 500 objects, those after the deciding ones are not read. If all decide, all are read.
   [[nodiscard]] Proof why(Item const& item, WhyOptions const& options = {}) const;
   /// The shortest sequences of edits after which the goal is reached: see `HowResult`. Each was tried. Changes nothing.
   [[nodiscard]] HowResult how(Goal const& goal, HowOptions const& options = {});
