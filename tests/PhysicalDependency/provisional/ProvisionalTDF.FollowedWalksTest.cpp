@@ -9,9 +9,14 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
+#include <tarn/DynamicTDF.h>
+#include <tarn/EvalCache.h>
+#include <tarn/EvalContext.h>
 #include <tarn/ProvisionalTDF.h>
+#include <tarn/RuleExpressions.h>
 #include <tarn/RuleReads.h>
 
 #include "PhysicalDependency/provisional/ProvisionalFixture.h"
@@ -36,6 +41,88 @@ class FollowedWalks : public ProvisionalTest {
 
   int asked_ = 0;
 };
+
+/// A condition about the whole model. All conditions with one key keep one result, as those of a rule file do.
+class KeptCondition final : public Condition {
+ public:
+  using Question = std::function<bool(ModelTDF const& model)>;
+  KeptCondition(int const& key, Question question) : key_(key), question_(std::move(question)) {}
+
+  bool evaluate(TDFContext const& /*context*/, EvalContext* evalContext) const override {
+    EvalCache* const cache = evalContext->getCache();
+    if (cache == nullptr) return question_(*evalContext->getDB());
+    if (EvalCache::Result const* const kept = cache->find(&key_)) return std::get<bool>(*kept);
+    bool const result = question_(*evalContext->getDB());
+    (void)cache->store(&key_, result);
+    return result;
+  }
+  void collectReads(RuleReads& /*reads*/) const override {}
+
+ private:
+  int const& key_;
+  Question question_;
+};
+
+TEST_F(FollowedWalks, AResultThatRulesKeepIsMadeOnceForAllOfThemAndAgainAfterAChange) {
+  int const key = 0;
+  auto const isRotating = [this](ModelTDF const& model) {
+    ++asked_;
+    return model.getParameterValue(rotor, "Motion") == "Rotating";
+  };
+  Rules(rules_, "/Case/Domain")
+      .param("Motion")
+      .param("Title")
+      .param("Speed")
+      .required()
+      .availableWhen(std::make_unique<KeptCondition>(key, isRotating))
+      .param("Axis")
+      .required()
+      .availableWhen(std::make_unique<KeptCondition>(key, isRotating));
+  start();
+  asked_ = 0;
+  set("Motion", "Rotating");
+  EXPECT_EQ(asked_, 1);
+  EXPECT_EQ(value("Speed"), "");
+  EXPECT_EQ(value("Axis"), "");
+  set("Title", "Pump");
+  EXPECT_EQ(asked_, 1);
+  set("Motion", "Stationary");
+  EXPECT_EQ(asked_, 2);
+  EXPECT_EQ(value("Speed"), std::nullopt);
+  EXPECT_EQ(value("Axis"), std::nullopt);
+}
+
+// To learn what a named object would have, the walk makes one, and takes it away. Only that object may see itself.
+TEST_F(FollowedWalks, AResultAboutAnObjectThatIsOnlyTriedIsNotKept) {
+  int const key = 0;
+  bool wasZoneSeen = false;
+  auto const hasZone = [&wasZoneSeen](ModelTDF const& model) {
+    Strings zones;
+    bool const isSeen = model.getChildObjectPathsByType("/Case", "Zone", zones);
+    wasZoneSeen |= isSeen;
+    return isSeen;
+  };
+  Rules(rules_, "/Case")
+      .child("Zone")
+      .required()
+      .child("Setup")
+      .singleton()
+      .required()
+      .object("/Case/Zone")
+      .param("Speed")
+      .required()
+      .availableWhen(std::make_unique<KeptCondition>(key, hasZone))
+      .object("/Case/Setup")
+      .param("Title")
+      .required()
+      .param("Solver")
+      .required()
+      .availableWhen(std::make_unique<KeptCondition>(key, hasZone));
+  startAt("/Case");
+  EXPECT_TRUE(wasZoneSeen);
+  EXPECT_EQ(value("Title", "/Case/Setup"), "");
+  EXPECT_EQ(value("Solver", "/Case/Setup"), std::nullopt);
+}
 
 TEST_F(FollowedWalks, ARuleIsAskedAgainOnlyAfterAChangeOfWhatItHasRead) {
   Rules(rules_, "/Case/Domain")
@@ -180,6 +267,75 @@ TEST_F(FollowedWalks, ARuleThatReadsTheNamesOfParametersIsAskedWhenOneComes) {
   EXPECT_EQ(value("Speed"), "");
 }
 
+TEST_F(FollowedWalks, ARuleThatMayReadAnythingIsAskedInEveryWalk) {
+  bool isOn = false;
+  Rules(rules_, "/Case/Domain")
+      .param("Title")
+      .param("Speed")
+      .required()
+      .availableWhen(when([&isOn](TDFContext const&, ModelTDF const&) { return isOn; }, std::nullopt))
+      .child("Rotation")
+      .singleton()
+      .required()
+      .availableWhen(when([&isOn](TDFContext const&, ModelTDF const&) { return isOn; }, std::nullopt))
+      .object("/Case/Domain/Rotation")
+      .param("Axis")
+      .required();
+  start();
+  ASSERT_EQ(value("Speed"), std::nullopt);
+  for (bool const on : {true, false, true}) {
+    isOn = on;
+    walkAgain();
+    EXPECT_EQ(value("Speed").has_value(), on);
+    EXPECT_EQ(value("Axis", rotor + "/Rotation").has_value(), on);
+  }
+}
+
+TEST_F(FollowedWalks, ARuleThatReadsOutsideOfTheRootIsAskedAfterTheModelOutsideChanged) {
+  using Holds = bool(ModelTDF const& model, Strings& out);
+  std::vector<std::pair<char const*, std::function<Holds>>> const reads = {
+      {"a value", [](auto& model, auto&) { return model.getParameterValue("/Case/Setup", "Mode") == "Steady"; }},
+      {"an object", [](auto& model, auto&) { return model.hasObject("/Case/Setup"); }},
+      {"the names of parameters", [](auto& model, auto& out) { return model.getParameterNames("/Case/Setup", out); }},
+      {"children of an object outside",
+       [](auto& model, auto& out) { return model.getChildObjectPathsByType("/Library", "Material", out); }},
+      {"all children of an object outside",
+       [](auto& model, auto& out) { return model.getChildObjectPaths("/Library", out); }},
+      {"the objects beside the root",
+       [](auto& model,
+          auto& out) { return model.getChildObjectNamesByType("/Case", "Domain", out) && out.size() > 1; }},
+      {"the objects beside the root, one by one", [](auto& model, auto&) {
+         return model.anyChildOfType("/Case", "Domain",
+                                     [](std::string const& child) { return child == "/Case/Domain:stator"; });
+       }}};
+  for (bool const isTree : {false, true}) {
+    for (auto const& [what, holds] : reads) {
+      SCOPED_TRACE(std::string(what) + (isTree ? ", in a tree" : ", in a program's own model"));
+      PhysicsData rules;
+      auto const condition = [&holds = holds](TDFContext const&, ModelTDF const& model) {
+        Strings out;
+        return holds(model, out);
+      };
+      Rules(rules, "/Case/Domain").param("Title").param("Speed").required().availableWhen(when(condition, nothing()));
+      MapModel model;
+      model.add(rotor);
+      DynamicTDF tree(false);
+      tree.createObject("/Case", "Domain", "rotor");
+      ProvisionalTDF state(&rules, rotor);
+      state.initialise(isTree ? static_cast<ModelTDF const*>(&tree) : &model, {});
+      EXPECT_FALSE(state.hasParameter(rotor, "Speed"));
+      model.set("/Case/Setup", "Mode", "Steady");
+      model.add("/Library/Material:Water");
+      model.add("/Case/Domain:stator");
+      tree.setParameter("/Case/Setup", "Mode", "Steady");
+      tree.createObject("/Library", "Material", "Water");
+      tree.createObject("/Case", "Domain", "stator");
+      state.activeSetParam(rotor, "Title", "Pump");
+      EXPECT_TRUE(state.hasParameter(rotor, "Speed"));
+    }
+  }
+}
+
 TEST_F(FollowedWalks, AnAnswerOfAModifierThatMayReadAnythingIsAskedForInEveryWalk) {
   Rules(rules_, "/Case/Domain").param("Inflow").type(TDFParam::Real).required().param("Title");
   start();
@@ -228,6 +384,33 @@ TEST_F(FollowedWalks, AnObjectThatATriedEditDeletedIsNotVisitedAgainAfterTheRoll
   set("Title", "Pump");
   EXPECT_EQ(asked_, 0);
   EXPECT_EQ(value("Speed", rotor + "/Rotation"), "");
+}
+
+TEST_F(FollowedWalks, AnObjectThatComesBackByARollbackIsAskedAgainAfterAChangeOfWhatItHadRead) {
+  Rules(rules_, "/Case/Domain")
+      .param("Motion")
+      .param("Turning")
+      .child("Rotation")
+      .singleton()
+      .required()
+      .availableWhen(when("Motion", "Rotating"))
+      .object("/Case/Domain/Rotation")
+      .param("Axis")
+      .required()
+      .param("Speed")
+      .required()
+      .availableWhen(when(
+          [](TDFContext const&, ModelTDF const& model) { return model.getParameterValue(rotor, "Turning") == "left"; },
+          nothing()));
+  start({{rotor, {{"Motion", "Rotating"}, {"Turning", "left"}}}});
+  ASSERT_EQ(value("Speed", rotor + "/Rotation"), "");
+  ProvisionalTDF::Mark const before = state().mark();
+  set("Motion", "Stationary");
+  ASSERT_FALSE(state().hasObject(rotor + "/Rotation"));
+  state().rollback(before);
+  set("Turning", "right");
+  EXPECT_TRUE(state().hasObject(rotor + "/Rotation"));
+  EXPECT_EQ(value("Speed", rotor + "/Rotation"), std::nullopt);
 }
 
 TEST_F(FollowedWalks, AVisitThatIsDueStaysDueWhenATriedEditDeletesItsObject) {
