@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import csv
-import importlib.util
 import itertools
 import os
 from collections.abc import Iterator
@@ -11,6 +10,7 @@ from typing import Any
 
 from tarn.study.errors import StudyError
 from tarn.study.making import PreparedStudy
+from tarn.study.parquet import Column, ParquetWriter
 from tarn.study.storing import Store, model_name
 from tarn.study.study import Study
 
@@ -21,12 +21,9 @@ _ROWS_AT_ONCE = 10_000
 
 
 def check_format(table: str) -> None:
-    """Raises `StudyError` for a format that is unknown or cannot be written here."""
+    """Raises `StudyError` for a format that is unknown."""
     if table not in FORMATS:
         raise StudyError(f'There is no format "{table}"; there are {" and ".join(FORMATS)}.')
-    if table == "parquet" and importlib.util.find_spec("pyarrow") is None:
-        raise StudyError("Parquet needs the Python package pyarrow, which is not installed. Debian 12 does not have it; "
-                         "\"pip install pyarrow\" in a virtual environment installs it. CSV needs nothing.")
 
 
 def column_names(study: Study, prepared: PreparedStudy) -> list[str]:
@@ -39,9 +36,9 @@ def output_names(study: Study, prepared: PreparedStudy) -> list[str]:
     """The columns of the outputs. An output of several parameters has the path of each after its name."""
     names: list[str] = []
     left = list(prepared.outputs)
-    for output, number in zip(study.outputs, prepared.output_counts):
+    for output, number in zip(study.columns, prepared.output_counts):
         items, left = left[:number], left[number:]
-        name = output.name  # type: ignore[union-attr]
+        name = output.name
         names += [item.text if not name else name if number == 1 else f"{name} {item.text}" for item in items]
     return names
 
@@ -87,18 +84,8 @@ def _yes_or_no(cell: Any) -> Any:
 
 
 def _write_parquet(path: str, columns: list[str], content: Iterator[list[Any]]) -> None:
-    import pyarrow
-    from pyarrow import parquet
-
-    kinds = {"point": pyarrow.int64(), "as asked": pyarrow.bool_(), **{one: pyarrow.int64() for one in _COUNTS}}
-    schema = pyarrow.schema([(name, kinds.get(name, pyarrow.string())) for name in columns])
-    with parquet.ParquetWriter(path, schema) as writer:
+    kinds = {"point": int, "as asked": bool, **{one: int for one in _COUNTS}}
+    described = [Column(name, kinds[name]) if name in kinds else Column(name, str, optional=True) for name in columns]
+    with ParquetWriter(path, described) as writer:
         while some := list(itertools.islice(content, _ROWS_AT_ONCE)):
-            # Parquet has no bytes in texts that are not UTF-8, so these are replaced.
-            arrays = [pyarrow.array([_utf8(cell) for cell in column], field.type)
-                      for column, field in zip(zip(*some), schema)]
-            writer.write_table(pyarrow.Table.from_arrays(arrays, schema=schema))
-
-
-def _utf8(cell: Any) -> Any:
-    return cell.encode("utf-8", "replace").decode() if isinstance(cell, str) else cell
+            writer.write(some)
