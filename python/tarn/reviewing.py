@@ -5,7 +5,7 @@ from __future__ import annotations
 import itertools
 import os
 from collections import deque
-from collections.abc import Iterable, Iterator, Mapping
+from collections.abc import Generator, Iterable, Mapping
 from concurrent.futures import Future, ThreadPoolExecutor
 from dataclasses import dataclass
 from typing import Any, Literal
@@ -105,7 +105,7 @@ def _review_of(rules: Rules, roots: tuple[str, ...], phases: Phases, only_valida
 
 def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None, roots: Iterable[str] = (),
            phases: Phases = "all", only_validator: bool = False, client: Any = None,
-           batch: int = 50) -> Iterator[Reviewed]:
+           batch: int = 50) -> Generator[Reviewed, None, None]:
     """Reviews models on several threads, and yields a result for each, in their order, as soon as it is there.
 
     Each model is a `Model`, the name of a file, or dictionaries. `models` may be endless: it is read only a few models
@@ -133,7 +133,7 @@ def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None,
     return _in_order(judge, models, count) if client is None else _on_cluster(judge, models, client, batch)
 
 
-def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Iterator[Reviewed]:
+def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Generator[Reviewed, None, None]:
     ahead = 4 * jobs  # a few, so that models of unequal size even out
     waiting: deque[Future[Reviewed]] = deque()
     pool = ThreadPoolExecutor(jobs, thread_name_prefix="tarn-review")
@@ -148,7 +148,7 @@ def _in_order(judge: Review, models: Iterable[AnyModel], jobs: int) -> Iterator[
         pool.shutdown(wait=True, cancel_futures=True)
 
 
-def _on_cluster(judge: Review, models: Iterable[AnyModel], client: Any, batch: int) -> Iterator[Reviewed]:
+def _on_cluster(judge: Review, models: Iterable[AnyModel], client: Any, batch: int) -> Generator[Reviewed, None, None]:
     remaining = iter(models)
     waiting: deque[Any] = deque()
     try:

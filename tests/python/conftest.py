@@ -13,30 +13,30 @@ HEATING = HOUSE / "examples" / "heating"
 
 
 @pytest.fixture(scope="session")
-def flow():
+def flow() -> tarn.Rules:
     """The rules of a flow simulation."""
     return tarn.load_rules(FLOW / "rules")
 
 
 @pytest.fixture(scope="session")
-def heating():
+def heating() -> tarn.Rules:
     """The rules of the heating of a building."""
     return tarn.load_rules(HEATING / "rules")
 
 
 @pytest.fixture
-def heat_sink(flow):
+def heat_sink(flow: tarn.Rules) -> tarn.Session:
     """A session on the sound flow model."""
     return tarn.Session(flow, FLOW / "models" / "sound.tdf")
 
 
 @pytest.fixture
-def house(heating):
+def house(heating: tarn.Rules) -> tarn.Session:
     """A session on the heating of a house."""
     return tarn.Session(heating, HEATING / "models" / "house.tdf")
 
 
 @pytest.fixture(scope="session")
-def zev():
+def zev() -> str:
     """The program, to compare with."""
     return os.environ["TARN_ZEV"]

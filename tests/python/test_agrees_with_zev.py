@@ -3,7 +3,9 @@ answer of the package."""
 
 import json
 import math
+import pathlib
 import subprocess
+from typing import Any
 
 import pytest
 from hypothesis import HealthCheck, given, settings
@@ -19,7 +21,7 @@ RANDOM = settings(max_examples=15, deadline=None, derandomize=True, database=Non
                   suppress_health_check=list(HealthCheck))
 
 
-def run(zev, *arguments):
+def run(zev: str, *arguments: object) -> Any:
     done = subprocess.run([zev, *map(str, arguments)], capture_output=True)
     assert done.returncode in (0, 1), done.stderr.decode()
     return json.loads(done.stdout)
@@ -27,20 +29,20 @@ def run(zev, *arguments):
 
 # The forms of the records as the program writes them. This is a second reading, so it shares no code with the package.
 
-def camel(name):
+def camel(name: str) -> Any:
     first, *rest = name.rstrip("_").split("_")
     return first + "".join(word.capitalize() for word in rest)
 
 
-def place(one):
+def place(one: Any) -> Any:
     return {"file": one.file, "line": one.line, "column": one.column}
 
 
-def item(one):
+def item(one: Any) -> Any:
     return {"path": one.path} | ({} if one.name is None else {"name": one.name})
 
 
-def edit(one):
+def edit(one: Any) -> Any:
     form = {"kind": one.kind, "path": one.path}
     if one.kind in ("set-param", "activate-param", "deactivate-param", "duplicate-object", "rename-object"):
         form["name"] = one.name
@@ -49,28 +51,28 @@ def edit(one):
     return form
 
 
-def present(form):
+def present(form: Any) -> Any:
     return {key: value for key, value in form.items() if value not in (None, (), "", [])}
 
 
-def waiting(one):
+def waiting(one: Any) -> Any:
     return item(one.item) | ({} if one.value is None else {"value": one.value}) | {"reason": one.reason} | present(
         {"ruleReason": one.rule_reason, "missingObject": one.missing_object})
 
 
-def optional(one, form):
+def optional(one: Any, form: Any) -> Any:
     return None if one is None else form(one)
 
 
-def without_none(form):
+def without_none(form: Any) -> Any:
     return {key: value for key, value in form.items() if value is not None}
 
 
-def value_change(one):
+def value_change(one: Any) -> Any:
     return without_none({"path": one.path, "name": one.name, "before": one.before, "after": one.after})
 
 
-def allowed(one):
+def allowed(one: Any) -> Any:
     form = {}
     if one.has_allowed_values:
         form["allowedValues"] = list(one.allowed_values)
@@ -79,11 +81,11 @@ def allowed(one):
     return form | {"allowsAnyValue": one.allows_any_value or not one.has_allowed_values}
 
 
-def bounds(pair):
+def bounds(pair: Any) -> Any:
     return present({"lowerBound": pair[0], "upperBound": pair[1]})
 
 
-def effect(one):
+def effect(one: Any) -> Any:
     return {
         "values": [value_change(change) for change in one.values],
         "choices": [{"path": change.path, "name": change.name, "before": allowed(change.before),
@@ -104,12 +106,12 @@ def effect(one):
     }
 
 
-def refused(one):
+def refused(one: Any) -> Any:
     return {"code": one.code, "index": one.index, "edit": edit(one.edit), "sentence": one.sentence} | without_none(
         {"nearest": optional(one.nearest, edit)}) | present({"possible": list(one.possible)})
 
 
-def edit_result(one):
+def edit_result(one: Any) -> Any:
     form = {"applied": one.applied}
     if one.refused is not None:
         form["refused"] = refused(one.refused)
@@ -125,8 +127,8 @@ def edit_result(one):
     return form | {"message": str(one)}
 
 
-def finding(one):
-    expected = {}
+def finding(one: Any) -> Any:
+    expected: dict[str, Any] = {}
     if one.expected.allowed:
         expected["allowed"] = list(one.expected.allowed[:100])
         if len(one.expected.allowed) > 100:
@@ -147,11 +149,11 @@ def finding(one):
                          "rule": optional(one.rule, place), "message": one.message})
 
 
-def model_read(one):
-    form = {"path": one.object}
-    form |= {"value": {"name": one.name}, "presence": {"name": one.name},
+def model_read(one: Any) -> Any:
+    kinds: dict[str, dict[str, Any]] = {"value": {"name": one.name}, "presence": {"name": one.name},
              "children-of-type": {"childrenOfType": one.name}, "children": {"children": True},
-             "parameter-names": {"parameterNames": True}, "object": {}}[one.kind]
+             "parameter-names": {"parameterNames": True}, "object": {}}
+    form = {"path": one.object} | kinds[one.kind]
     form["isPresent"] = one.is_present
     if one.kind == "value" and one.is_present:
         form["value"] = one.value
@@ -159,7 +161,7 @@ def model_read(one):
     return form | ({"itemCount": one.item_count} if one.item_count > len(one.items) else {})
 
 
-def explanation(one, index=0):
+def explanation(one: Any, index: int = 0) -> Any:
     if not one.nodes:
         return None
     node = one.nodes[index]
@@ -182,7 +184,7 @@ def explanation(one, index=0):
     return form
 
 
-def proof_read(one):
+def proof_read(one: Any) -> Any:
     form = model_read(one.read)
     if one.origin != "none":
         form["origin"] = one.origin
@@ -194,13 +196,13 @@ def proof_read(one):
     return form | without_none({"node": one.node})
 
 
-def proof_rule(one):
+def proof_rule(one: Any) -> Any:
     form = {"attribute": one.attribute} | present({"text": one.text})
     form |= without_none({"place": optional(one.place, place)})
     return form | {"explanation": explanation(one.explanation), "reads": [proof_read(read) for read in one.reads]}
 
 
-def proof(one):
+def proof(one: Any) -> Any:
     nodes = []
     for node in one.nodes:
         form = item(node.item) | {"fact": node.fact} | present({"value": node.value})
@@ -216,7 +218,7 @@ def proof(one):
     return {"question": one.question} | ({"hidden": one.hidden} if one.hidden else {}) | {"nodes": nodes}
 
 
-def how(one):
+def how(one: Any) -> Any:
     form = {"answer": one.answer, "ways": []}
     for way in one.ways:
         shape = {"edits": [edit(made) for made in way.edits], "effect": effect(way.result.effect),
@@ -230,7 +232,7 @@ def how(one):
     return form | present({"freeParams": [item(free) for free in one.free_params]})
 
 
-def same(first, second):
+def same(first: Any, second: Any) -> None:
     """Whether two forms are equal, where numbers of different types may be."""
     if isinstance(first, dict) and isinstance(second, dict):
         assert first.keys() == second.keys()
@@ -253,7 +255,7 @@ WORDS = ["", "x", "yes", "no", "12", "-1", "1e400", "3 [m]", "25 mm", "0.5 [s]",
 SESSIONS = {}
 
 
-def opened(case):
+def opened(case: str) -> Any:
     """The session of a case. Nothing changes it: `what_if` takes back what it does."""
     if case not in SESSIONS:
         rules, model = CASES[case]
@@ -261,7 +263,7 @@ def opened(case):
     return SESSIONS[case]
 
 
-def objects(session):
+def objects(session: tarn.Session) -> Any:
     found, todo = [], [session.root]
     while todo:
         path = todo.pop()
@@ -271,7 +273,7 @@ def objects(session):
 
 
 @st.composite
-def params(draw, case):
+def params(draw: Any, case: str) -> Any:
     session = opened(case)
     path = draw(st.sampled_from(objects(session)))
     names = session.param_names(path)
@@ -282,7 +284,7 @@ def params(draw, case):
 
 
 @st.composite
-def set_params(draw, case):
+def set_params(draw: Any, case: str) -> Any:
     session = opened(case)
     param = draw(params(case))
     values = list(WORDS)
@@ -294,7 +296,7 @@ def set_params(draw, case):
 
 
 @st.composite
-def object_edits(draw, case):
+def object_edits(draw: Any, case: str) -> Any:
     path = draw(st.sampled_from(objects(opened(case))))
     name = draw(st.sampled_from(["new", "main", "x y", ""]))
     kind = draw(st.sampled_from(["add", "remove", "copy", "rename"]))
@@ -306,11 +308,11 @@ def object_edits(draw, case):
     return Edit.duplicate_object(path, name) if kind == "copy" else Edit.rename_object(path, name)
 
 
-def edits_of(case):
+def edits_of(case: str) -> Any:
     return st.lists(st.one_of(set_params(case), object_edits(case)), min_size=1, max_size=4)
 
 
-def arguments(edits):
+def arguments(edits: list[tarn.Edit]) -> Any:
     """The edits as `zev edit` takes them."""
     for one in edits:
         if one.kind == "set-param":
@@ -322,12 +324,12 @@ def arguments(edits):
 
 
 @pytest.mark.parametrize("case", CASES)
-def test_edits_and_trials(zev, case, tmp_path):
+def test_edits_and_trials(zev: str, case: str, tmp_path: pathlib.Path) -> None:
     rules, model = CASES[case]
 
     @RANDOM
     @given(edits_of(case))
-    def holds(edits):
+    def holds(edits: list[tarn.Edit]) -> None:
         out = tmp_path / "out.tdf"
         out.unlink(missing_ok=True)
         session = tarn.Session(opened(case).rules, model)
@@ -351,13 +353,13 @@ def test_edits_and_trials(zev, case, tmp_path):
 
 
 @pytest.mark.parametrize("case", CASES)
-def test_reviews_of_edited_models(zev, case, tmp_path):
+def test_reviews_of_edited_models(zev: str, case: str, tmp_path: pathlib.Path) -> None:
     rules, model = CASES[case]
     review = tarn.Review(opened(case).rules)
 
     @RANDOM
     @given(st.lists(set_params(case), min_size=1, max_size=6))
-    def holds(edits):
+    def holds(edits: list[tarn.Edit]) -> None:
         # Values are put into the model as they are, so much of it is wrong.
         state = tarn.Model.read(model).state
         for one in edits:
@@ -374,12 +376,12 @@ def test_reviews_of_edited_models(zev, case, tmp_path):
 
 
 @pytest.mark.parametrize("case", CASES)
-def test_why(zev, case):
+def test_why(zev: str, case: str) -> None:
     rules, model = CASES[case]
 
     @RANDOM
     @given(set_params(case), st.booleans(), st.integers(1, 3))
-    def holds(edit_, with_value, depth):
+    def holds(edit_: tarn.Edit, with_value: bool, depth: int) -> None:
         session = opened(case)
         asked = f"{edit_.path}/{edit_.name}" + (f"={edit_.value}" if with_value else "")
         answer = run(zev, "why", "--rules", rules, model, asked, "--depth", depth, "--format", "json")
@@ -396,12 +398,12 @@ def test_why(zev, case):
 
 
 @pytest.mark.parametrize("case", CASES)
-def test_how(zev, case):
+def test_how(zev: str, case: str) -> None:
     rules, model = CASES[case]
 
     @settings(RANDOM, max_examples=6)
     @given(set_params(case), st.booleans())
-    def holds(edit_, with_value):
+    def holds(edit_: tarn.Edit, with_value: bool) -> None:
         asked = f"{edit_.path}/{edit_.name}" + (f"={edit_.value}" if with_value else "")
         answer = run(zev, "how", "--rules", rules, model, asked, "--format", "json")
         try:

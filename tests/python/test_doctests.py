@@ -2,6 +2,7 @@
 
 import doctest
 import importlib
+import pathlib
 import pkgutil
 import re
 
@@ -15,18 +16,18 @@ MODULES = [one.name for one in pkgutil.walk_packages(tarn.__path__, "tarn.")
 
 
 @pytest.mark.parametrize("name", ["tarn", *MODULES])
-def test_examples_of_a_module(name, monkeypatch):
+def test_examples_of_a_module(name: str, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(HOUSE)
     failed, _ = doctest.testmod(importlib.import_module(name))
     assert failed == 0
 
 
-def test_there_are_examples():
+def test_there_are_examples() -> None:
     finder = doctest.DocTestFinder(exclude_empty=True)
     assert sum(len(test.examples) for name in MODULES for test in finder.find(importlib.import_module(name))) > 30
 
 
-def test_examples_of_the_manual(monkeypatch, tmp_path):
+def test_examples_of_the_manual(monkeypatch: pytest.MonkeyPatch, tmp_path: pathlib.Path) -> None:
     monkeypatch.chdir(HOUSE)
     manual = HOUSE / "docs" / "python.md"
     failed, tried = doctest.testfile(str(manual), module_relative=False, globs={"tmp": tmp_path})
@@ -36,7 +37,7 @@ def test_examples_of_the_manual(monkeypatch, tmp_path):
         assert block.startswith(">>> "), block
 
 
-def test_every_public_name_has_a_docstring():
+def test_every_public_name_has_a_docstring() -> None:
     for name in tarn.__all__:
         one = getattr(tarn, name)
         assert one.__doc__ and not one.__doc__.startswith(name + "("), name

@@ -6,6 +6,8 @@ import os
 import sys
 import tracemalloc
 import weakref
+from collections.abc import Callable
+from typing import Any
 
 import pytest
 
@@ -16,13 +18,13 @@ from tarn import Edit
 HOUSE = str(HEATING / "models" / "house.tdf")
 
 
-def resident():
+def resident() -> int:
     """The resident memory of this process in bytes."""
     with open("/proc/self/statm") as file:
         return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
 
 
-def whole_session(rules):
+def whole_session(rules: tarn.Rules) -> None:
     session = tarn.Session(rules, HOUSE)
     session.set("Boiler:main/Fuel", "Oil").or_raise()
     session.set("Boiler:main/Fuel", "Coal")
@@ -39,19 +41,19 @@ def whole_session(rules):
     session.text
 
 
-def rules_alone(_rules):
+def rules_alone(_rules: tarn.Rules) -> None:
     tarn.load_rules(HEATING / "rules")
 
 
-def refused(wanted, call):
-    def fails(session):
+def refused(wanted: type[Exception], call: Callable[[Any], object]) -> Callable[[tarn.Session], object]:
+    def fails(session: tarn.Session) -> None:
         with contextlib.suppress(wanted):
             call(session)
     return fails
 
 
 OIL = Edit.set_param("/Plant/Boiler:main", "Fuel", "Oil")
-CALLS = {
+CALLS: dict[str, Callable[[Any], object]] = {
     "edit": lambda session: (session.edit(OIL), session.undo()),
     "refusal": lambda session: session.set("Boiler:main/Fuel", "Coal"),
     "what_if": lambda session: session.what_if(OIL),
@@ -81,7 +83,7 @@ CALLS = {
 
 
 @pytest.mark.parametrize("name", CALLS)
-def test_a_call_leaves_nothing_behind(house, name):
+def test_a_call_leaves_nothing_behind(house: tarn.Session, name: str) -> None:
     call, rounds = CALLS[name], 120
     for _ in range(40):
         call(house)
@@ -103,8 +105,8 @@ def test_a_call_leaves_nothing_behind(house, name):
     assert grown < rounds and after - before < rounds * 100
 
 
-def test_the_measure_of_leaks_can_fail(house):
-    kept = []
+def test_the_measure_of_leaks_can_fail(house: tarn.Session) -> None:
+    kept: list[object] = []
     CALLS["leak"] = lambda session: kept.append(object())
     try:
         with pytest.raises(AssertionError):
@@ -113,8 +115,8 @@ def test_the_measure_of_leaks_can_fail(house):
         del CALLS["leak"]
 
 
-@pytest.mark.parametrize("work", [whole_session, rules_alone], ids=lambda work: work.__name__)
-def test_memory_of_the_library_does_not_grow(heating, work):
+@pytest.mark.parametrize("work", [whole_session, rules_alone], ids=lambda work: str(work.__name__))
+def test_memory_of_the_library_does_not_grow(heating: tarn.Rules, work: Callable[[tarn.Rules], object]) -> None:
     for _ in range(30):
         work(heating)
     before = resident()
@@ -125,10 +127,10 @@ def test_memory_of_the_library_does_not_grow(heating, work):
     assert resident() - before < 20 << 20
 
 
-def test_objects_go_with_their_last_reference(heating):
+def test_objects_go_with_their_last_reference(heating: tarn.Rules) -> None:
     rules = tarn.load_rules(HEATING / "rules")
     session = tarn.Session(rules, HOUSE)
-    gone = [weakref.ref(session), weakref.ref(rules)]
+    gone: list[weakref.ReferenceType[Any]] = [weakref.ref(session), weakref.ref(rules)]
     review = tarn.Review(rules)
     del rules, session
     assert gone[0]() is None and gone[1]() is not None
@@ -137,7 +139,7 @@ def test_objects_go_with_their_last_reference(heating):
     assert gone[1]() is None
 
 
-def test_a_session_keeps_its_rules(heating):
+def test_a_session_keeps_its_rules(heating: tarn.Rules) -> None:
     session = tarn.Session(tarn.load_rules(HEATING / "rules"), HOUSE)
     gc.collect()
     assert session.set("Boiler:main/Fuel", "Oil").applied

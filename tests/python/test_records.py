@@ -1,6 +1,8 @@
 import dataclasses
 import html.parser
 import pickle
+from collections.abc import Iterator
+from typing import Any
 
 import pytest
 
@@ -14,24 +16,26 @@ RECORDS = [value for name in records.__all__
 class Tags(html.parser.HTMLParser):
     """The tags and the texts of a table."""
 
-    def __init__(self, text):
+    def __init__(self, text: str) -> None:
         super().__init__()
-        self.tags, self.texts, self.open = set(), [], []
+        self.tags: set[str] = set()
+        self.texts: list[str] = []
+        self.open: list[str] = []
         self.feed(text)
         self.close()
 
-    def handle_starttag(self, tag, attributes):
+    def handle_starttag(self, tag: str, attributes: Any) -> None:
         self.tags.add(tag)
         self.open.append(tag)
 
-    def handle_endtag(self, tag):
+    def handle_endtag(self, tag: str) -> None:
         assert self.open.pop() == tag
 
-    def handle_data(self, data):
+    def handle_data(self, data: str) -> None:
         self.texts.append(data)
 
 
-def every_record(flow, heating):
+def every_record(flow: tarn.Rules, heating: tarn.Rules) -> Iterator[object]:
     """At least one record of each kind, as sessions make them."""
     session = tarn.Session(heating, {"Plant": {"Boiler:main": {"Fuel": "Gas", "Rated Power": "20 [kW]"}}})
     yield session.edit(Edit.set_param("/Plant/Boiler:main", "Rated Power", "18000 [W]"))
@@ -57,12 +61,12 @@ def every_record(flow, heating):
     yield caught.value.diagnostics
     yield tarn.lint_text("Rule Database: 1\nObjects:\n  /A:\n    Parameters:\n      B:\n        Parameter Type: Real\n"
                          "        Available: exist(${C})\n")
-    with pytest.raises(tarn.ModelError) as caught:
+    with pytest.raises(tarn.ModelError) as malformed:
         tarn.Model("x\n").state
-    yield caught.value.faults
+    yield malformed.value.faults
 
 
-def parts(value):
+def parts(value: object) -> Iterator[object]:
     """A value with everything in it."""
     yield value
     if isinstance(value, tuple):
@@ -74,9 +78,9 @@ def parts(value):
 
 
 @pytest.fixture(scope="module")
-def made(flow, heating):
+def made(flow: tarn.Rules, heating: tarn.Rules) -> dict[type, Any]:
     """All records of the examples, by class."""
-    found = {}
+    found: dict[type, Any] = {}
     for value in every_record(flow, heating):
         for part in parts(value):
             if dataclasses.is_dataclass(part):
@@ -84,12 +88,12 @@ def made(flow, heating):
     return found
 
 
-def test_every_class_of_records_is_made_by_the_examples(made):
+def test_every_class_of_records_is_made_by_the_examples(made: Any) -> None:
     assert {one.__name__ for one in RECORDS} - {one.__name__ for one in made} == set()
 
 
-@pytest.mark.parametrize("kind", RECORDS, ids=lambda kind: kind.__name__)
-def test_records_are_values(made, kind):
+@pytest.mark.parametrize("kind", RECORDS, ids=lambda kind: str(kind.__name__))
+def test_records_are_values(made: Any, kind: Any) -> None:
     for record in made[kind][:20]:
         again = pickle.loads(pickle.dumps(record))
         assert again == record and hash(again) == hash(record) and str(again) == str(record)
@@ -102,7 +106,7 @@ def test_records_are_values(made, kind):
             record.something_else = 1
 
 
-def test_sentences_are_those_of_the_library(house):
+def test_sentences_are_those_of_the_library(house: tarn.Session) -> None:
     result = house.set("Boiler:main/Rated Power", "18000 [W]")
     assert str(result) == "Done as step 1: 1 value changed."
     assert str(result.effect.values[0]) == \
@@ -110,7 +114,7 @@ def test_sentences_are_those_of_the_library(house):
     assert result.effect.sentences == (str(result.effect.values[0]),)
 
 
-def test_tables_of_looks_and_findings_are_whole_html(made):
+def test_tables_of_looks_and_findings_are_whole_html(made: Any) -> None:
     shown = 0
     for kind, records_of_kind in made.items():
         for record in records_of_kind[:10]:
@@ -124,7 +128,7 @@ def test_tables_of_looks_and_findings_are_whole_html(made):
 EVIL = "<script>alert('x')</script>&\"\udcff"
 
 
-def test_texts_of_models_and_rules_cannot_become_tags():
+def test_texts_of_models_and_rules_cannot_become_tags() -> None:
     rules = tarn.parse_rules(
         "Rule Database: 1\nPertinent Roots: [Case]\nObjects:\n  /Case:\n    Parameters:\n      Title:\n"
         "        Description: <b>bold</b>\n        Required: yes\n        Parameter Type: String\n"
@@ -144,12 +148,12 @@ def test_texts_of_models_and_rules_cannot_become_tags():
     assert "<i>Fan</i>, Pump" in Tags(session.look("Title")._repr_html_()).texts
 
 
-def test_items_have_one_text():
+def test_items_have_one_text() -> None:
     assert [str(Item("")), str(Item("", "Version")), str(Item("/Case")), str(Item("/Case", "Title"))] == \
         ["/", "/Version", "/Case", "/Case/Title"]
 
 
-def test_each_kind_of_edit_has_its_sentence():
+def test_each_kind_of_edit_has_its_sentence() -> None:
     edits = [Edit.set_param("/A", "p", "1"), Edit.activate_param("/A", "p"), Edit.deactivate_param("/A", "p"),
              Edit.activate_object("/A"), Edit.deactivate_object("/A"), Edit.add_object("/A:b"),
              Edit.remove_object("/A:b"), Edit.duplicate_object("/A:b", "c"), Edit.rename_object("/A:b", "c")]

@@ -1,6 +1,9 @@
 import itertools
+import pathlib
 import pickle
 import threading
+from collections.abc import Iterator
+from typing import Any
 
 import pytest
 
@@ -10,13 +13,13 @@ from conftest import FLOW, HEATING
 MODELS = [str(FLOW / "models" / name) for name in ("sound.tdf", "faulty.tdf", "early.tdf")]
 
 
-def test_findings_have_their_places_in_the_text(flow):
+def test_findings_have_their_places_in_the_text(flow: tarn.Rules) -> None:
     found = tarn.Review(flow).judge(MODELS[1])
     assert found.errors and all(one.places for one in found if one.code != "global-check-failed")
     assert {one.places[0].file for one in found if one.places} == {MODELS[1]}
 
 
-def test_a_model_without_text_has_the_same_findings_without_places(flow):
+def test_a_model_without_text_has_the_same_findings_without_places(flow: tarn.Rules) -> None:
     model = tarn.Model.read(MODELS[1])
     text = tarn.Review(flow).judge(model)
     state = tarn.Review(flow).judge(model.tree)
@@ -25,7 +28,7 @@ def test_a_model_without_text_has_the_same_findings_without_places(flow):
     assert not any(one.places for one in state)
 
 
-def test_options_choose_what_is_judged(flow):
+def test_options_choose_what_is_judged(flow: tarn.Rules) -> None:
     whole = tarn.Review(flow).judge(MODELS[1])
     part = tarn.Review(flow, roots=["/Case/Output"], phases="dependency").judge(MODELS[1])
     assert 0 < len(part) < len(whole)
@@ -33,17 +36,17 @@ def test_options_choose_what_is_judged(flow):
     missing = tarn.Review(flow, roots=["/Case/Domain:nowhere"]).judge(MODELS[0])
     assert missing.missing_roots == ("/Case/Domain:nowhere",) and len(missing) == 0
     with pytest.raises(ValueError, match="phases is"):
-        tarn.Review(flow, phases="some")
+        tarn.Review(flow, phases="some")  # type: ignore[arg-type]
 
 
-def test_a_session_reviews_its_result(heat_sink):
+def test_a_session_reviews_its_result(heat_sink: tarn.Session) -> None:
     assert len(heat_sink.review()) == 0
     heat_sink.set("Maximum Speed", "-1 [m s^-1]").or_raise()
     assert "below-lower-bound" in {one.code for one in heat_sink.review() if one.name == "Maximum Speed"}
 
 
 @pytest.mark.parametrize("jobs", [1, 2, 7, None])
-def test_results_are_in_the_order_of_the_models(flow, jobs):
+def test_results_are_in_the_order_of_the_models(flow: tarn.Rules, jobs: int) -> None:
     models = [MODELS[i % 3] for i in range(40)]
     results = list(tarn.review(flow, models, jobs=jobs))
     assert [one.model for one in results] == models
@@ -52,10 +55,10 @@ def test_results_are_in_the_order_of_the_models(flow, jobs):
         assert all(one.findings == alone for one in results[i::3])
 
 
-def test_a_model_that_cannot_be_judged_does_not_stop_the_others(flow, tmp_path):
+def test_a_model_that_cannot_be_judged_does_not_stop_the_others(flow: tarn.Rules, tmp_path: pathlib.Path) -> None:
     broken = tmp_path / "broken.tdf"
     broken.write_text("Case\n")
-    models = [MODELS[0], tmp_path / "missing.tdf", broken, {"Case": {"Title": "Fan"}}, tarn.Model("x\n", source="x")]
+    models: list[Any] = [MODELS[0], tmp_path / "missing.tdf", broken, {"Case": {"Title": "Fan"}}, tarn.Model("x\n", source="x")]
     results = list(tarn.review(flow, models, jobs=2))
     assert [type(one.error) for one in results] == [
         type(None), FileNotFoundError, tarn.ModelError, type(None), tarn.ModelError]
@@ -64,7 +67,7 @@ def test_a_model_that_cannot_be_judged_does_not_stop_the_others(flow, tmp_path):
                                               "x"]
 
 
-def test_models_are_taken_only_a_few_ahead(flow):
+def test_models_are_taken_only_a_few_ahead(flow: tarn.Rules) -> None:
     taken = itertools.count()
     results = tarn.review(flow, (MODELS[next(taken) % 3] for _ in itertools.repeat(None)), jobs=2)
     assert [next(results).model for _ in range(10)] == [MODELS[i % 3] for i in range(10)]
@@ -72,10 +75,10 @@ def test_models_are_taken_only_a_few_ahead(flow):
     assert next(taken) < 10 + 4 * 2 + 2
 
 
-def test_the_iterable_of_models_runs_in_the_thread_that_asks(flow):
+def test_the_iterable_of_models_runs_in_the_thread_that_asks(flow: tarn.Rules) -> None:
     threads = set()
 
-    def models():
+    def models() -> Iterator[str]:
         for _ in range(20):
             threads.add(threading.current_thread())
             yield MODELS[0]
@@ -84,7 +87,7 @@ def test_the_iterable_of_models_runs_in_the_thread_that_asks(flow):
     assert threads == {threading.current_thread()}
 
 
-def test_no_thread_is_left_over(flow):
+def test_no_thread_is_left_over(flow: tarn.Rules) -> None:
     before = threading.active_count()
     results = tarn.review(flow, MODELS * 10, jobs=4)
     next(results)
@@ -92,8 +95,8 @@ def test_no_thread_is_left_over(flow):
     assert threading.active_count() == before
 
 
-def test_an_error_of_the_iterable_is_that_of_the_caller(flow):
-    def models():
+def test_an_error_of_the_iterable_is_that_of_the_caller(flow: tarn.Rules) -> None:
+    def models() -> Iterator[str]:
         yield MODELS[0]
         raise RuntimeError("no more")
 
@@ -101,12 +104,12 @@ def test_an_error_of_the_iterable_is_that_of_the_caller(flow):
         list(tarn.review(flow, models()))
 
 
-def test_jobs_must_be_positive(flow):
+def test_jobs_must_be_positive(flow: tarn.Rules) -> None:
     with pytest.raises(ValueError, match="jobs is 0"):
         tarn.review(flow, MODELS, jobs=0)
 
 
-def test_a_review_can_be_pickled(heating):
+def test_a_review_can_be_pickled(heating: tarn.Rules) -> None:
     judge = tarn.Review(heating, roots=["/Plant"], phases="global")
     again = pickle.loads(pickle.dumps(judge))
     file = HEATING / "models" / "office.tdf"

@@ -1,4 +1,7 @@
+import pathlib
 import pickle
+from collections.abc import Callable
+from typing import Any
 
 import pytest
 
@@ -7,9 +10,10 @@ from conftest import FLOW, HEATING
 from tarn import Edit, Item
 
 
-def test_a_slip_is_refused_with_what_would_have_worked(heat_sink):
+def test_a_slip_is_refused_with_what_would_have_worked(heat_sink: tarn.Session) -> None:
     result = heat_sink.set("Flow Regime", "laminar")
     assert not result.applied and result.step == 0 and len(result.effect) == 0
+    assert result.refused is not None
     assert result.refused.code == "value-not-allowed"
     assert result.refused.possible == ("Laminar", "Turbulent")
     assert result.refused.nearest == Edit.set_param("/Case", "Flow Regime", "Laminar")
@@ -18,7 +22,7 @@ def test_a_slip_is_refused_with_what_would_have_worked(heat_sink):
     assert caught.value.refused is result.refused and str(caught.value) == str(result.refused)
 
 
-def test_an_edit_says_what_came_and_went(heat_sink):
+def test_an_edit_says_what_came_and_went(heat_sink: tarn.Session) -> None:
     result = heat_sink.set("Analysis/Analysis Type", "Transient").or_raise()
     changed = {(one.path, one.name): (one.before, one.after) for one in result.effect.values}
     assert changed["/Case/Analysis", "Analysis Type"] == ("Steady", "Transient")
@@ -27,7 +31,7 @@ def test_an_edit_says_what_came_and_went(heat_sink):
     assert heat_sink.last_result == result and [step.number for step in heat_sink.steps] == [1]
 
 
-def test_units_are_converted(heat_sink):
+def test_units_are_converted(heat_sink: tarn.Session) -> None:
     heat_sink.set("Analysis/Analysis Type", "Transient").or_raise()
     result = heat_sink.set("Analysis/Time Step", "20 ms").or_raise()
     (conversion,) = result.conversions
@@ -35,7 +39,7 @@ def test_units_are_converted(heat_sink):
     assert heat_sink.value("Analysis/Time Step") == "0.02 [s]"
 
 
-def test_the_nine_kinds(house):
+def test_the_nine_kinds(house: tarn.Session) -> None:
     garage = "/Plant/Circuit:garage"
     kinds = [
         house.edit(Edit.add_object(garage)),
@@ -54,7 +58,7 @@ def test_the_nine_kinds(house):
         "remove-object", "activate-object", "deactivate-object"]
 
 
-def test_verbs_take_paths_as_users_write_them(house):
+def test_verbs_take_paths_as_users_write_them(house: tarn.Session) -> None:
     house.add("Circuit:garage").or_raise()
     house.set("Circuit:garage/Boiler", "main").or_raise()
     house.activate("Boiler:main/Pressure Loss").or_raise()
@@ -65,21 +69,22 @@ def test_verbs_take_paths_as_users_write_them(house):
     assert house.children()[-3:] != () and "/Plant/Circuit:garage" in house.children()
 
 
-def test_several_edits_are_one_step_or_none(house):
+def test_several_edits_are_one_step_or_none(house: tarn.Session) -> None:
     wrong = house.edit(Edit.add_object("/Plant/Circuit:garage"), Edit.set_param("/Plant/Circuit:garage", "Boler", "x"))
-    assert wrong.refused.index == 1 and "/Plant/Circuit:garage" not in house.children()
+    assert wrong.refused is not None and wrong.refused.index == 1
+    assert "/Plant/Circuit:garage" not in house.children()
     right = house.edit([Edit.add_object("/Plant/Circuit:garage"),
                         Edit.set_param("/Plant/Circuit:garage", "Boiler", "main")])
     assert right.step == 1 and house.value("Circuit:garage/Boiler") == "main"
 
 
-def test_references_follow_a_renaming(house):
+def test_references_follow_a_renaming(house: tarn.Session) -> None:
     result = house.rename("Boiler:main", "old", follow_references=True).or_raise()
     assert {(one.item.path, one.before, one.after) for one in result.followed} == {
         ("/Plant/Circuit:ground", "main", "old"), ("/Plant/Circuit:upstairs", "main", "old")}
 
 
-def test_a_trial_changes_nothing(house):
+def test_a_trial_changes_nothing(house: tarn.Session) -> None:
     before = house.result()
     tried = house.what_if(Edit.set_param("/Plant/Boiler:main", "Fuel", "Oil"))
     assert tried.applied and tried.result.step == 0
@@ -88,7 +93,7 @@ def test_a_trial_changes_nothing(house):
     assert done.effect == tried.effect and done.made == tried.result.made
 
 
-def test_a_trial_says_which_findings_would_come_and_go(house):
+def test_a_trial_says_which_findings_would_come_and_go(house: tarn.Session) -> None:
     tried = house.what_if(Edit.set_param("/Plant/Boiler:main", "Flow Temperature", "120 [degC]"))
     assert [one.code for one in tried.findings_gained] == ["above-upper-bound"]
     assert house.what_if(Edit.set_param("/Plant/Boiler:main", "Flow Temperature", "120 [degC]"),
@@ -97,26 +102,28 @@ def test_a_trial_says_which_findings_would_come_and_go(house):
     assert {one.code for one in house.review()} == {"above-upper-bound"}
 
 
-def test_undo_and_redo_are_exact(house):
+def test_undo_and_redo_are_exact(house: tarn.Session) -> None:
     before = house.result()
     done = house.set("Boiler:main/Fuel", "Oil").or_raise()
     after = house.result()
     back = house.undo()
-    assert house.result().same_as(before) and house.undone_steps == 1
+    assert back is not None and house.result().same_as(before) and house.undone_steps == 1
     assert {(one.before, one.after) for one in back.effect.values} == {
         (one.after, one.before) for one in done.effect.values}
-    assert house.redo().effect == done.effect and house.result().same_as(after)
+    again = house.redo()
+    assert again is not None and again.effect == done.effect and house.result().same_as(after)
     assert house.redo() is None
 
 
-def test_undo_without_a_step_is_none(house):
+def test_undo_without_a_step_is_none(house: tarn.Session) -> None:
     assert house.undo() is None and house.last_result is None
 
 
-def test_looking(house):
+def test_looking(house: tarn.Session) -> None:
     power = house.look("Boiler:main/Rated Power")
+    assert isinstance(power, tarn.ParamRecord)
     assert (power.type, power.value, power.origin, power.present) == ("Real", "14 [kW]", "model", True)
-    assert power.available and power.units and power.rule.file.endswith("20-boiler.rules.yaml")
+    assert power.available and power.units and power.rule and power.rule.file.endswith("20-boiler.rules.yaml")
     boiler = house.object("Boiler:main")
     assert (boiler.type, boiler.name, boiler.in_model, boiler.singleton) == ("Boiler", "main", True, False)
     assert house.object().path == house.root == "/Plant"
@@ -124,12 +131,12 @@ def test_looking(house):
     assert {one.type for one in house.child_types()} >= {"Boiler", "Circuit", "Sensor", "Controller"}
 
 
-def test_the_choices_of_a_parameter(house):
+def test_the_choices_of_a_parameter(house: tarn.Session) -> None:
     fuel = house.param("Boiler:main/Fuel")
     assert fuel.allowed.allowed_values == fuel.allowed.on_offer == ("Gas", "Oil", "Pellets", "Electricity")
 
 
-def test_an_unknown_item_names_what_was_probably_meant(house):
+def test_an_unknown_item_names_what_was_probably_meant(house: tarn.Session) -> None:
     with pytest.raises(tarn.UnknownItem) as caught:
         house.look("Boiler:main/Rated Powr")
     assert caught.value.nearest == Item("/Plant/Boiler:main", "Rated Power")
@@ -139,12 +146,12 @@ def test_an_unknown_item_names_what_was_probably_meant(house):
 
 @pytest.mark.parametrize("item", [Item("/Plant/Boiler:man"), Item("/Plant", "Nothing"), Item("/Plant", "Boiler:main"),
                                   Item("no path"), Item("/Plant/Building"), Item(""), Item("", "Building")])
-def test_an_item_that_is_not_there_is_unknown(house, item):
+def test_an_item_that_is_not_there_is_unknown(house: tarn.Session, item: str) -> None:
     with pytest.raises(tarn.UnknownItem):
         house.look(item)
 
 
-def test_a_parameter_is_no_object_and_an_object_no_parameter(house):
+def test_a_parameter_is_no_object_and_an_object_no_parameter(house: tarn.Session) -> None:
     with pytest.raises(TypeError, match="/Plant/Boiler:main is an object, not a parameter"):
         house.param("Boiler:main")
     with pytest.raises(TypeError, match="/Plant/Boiler:main/Fuel is a parameter, not an object"):
@@ -153,13 +160,13 @@ def test_a_parameter_is_no_object_and_an_object_no_parameter(house):
         house.why("Boiler:main", "Gas")
 
 
-def test_find(house):
+def test_find(house: tarn.Session) -> None:
     found = house.find("rated pow")
     assert found[0].item == Item("/Plant/Boiler:main", "Rated Power") and found[0].match == "prefix"
     assert len(house.find("e", most=3)) == 3
 
 
-def test_own_waiting_and_differences(house):
+def test_own_waiting_and_differences(house: tarn.Session) -> None:
     house.set("Boiler:main/Fuel", "Oil").or_raise()
     assert [(one.item.name, one.value, one.step, one.in_force) for one in house.own] == [("Fuel", "Oil", 1, True)]
     assert Item("/Plant/Boiler:main", "Gas Pressure") in {one.item for one in house.waiting}
@@ -167,7 +174,7 @@ def test_own_waiting_and_differences(house):
     assert (fuel.in_model, fuel.now) == ("Gas", "Oil")
 
 
-def test_why(house):
+def test_why(house: tarn.Session) -> None:
     proof = house.why("Boiler:main/Store Volume")
     assert (proof.question, proof.fact) == ("value", "not-live") or proof.fact == "not-available"
     assert str(proof).startswith("/Plant/Boiler:main/Store Volume is absent")
@@ -179,10 +186,10 @@ def test_why(house):
     house.set("Boiler:main/Fuel", "Oil").or_raise()
     assert house.why("Boiler:main/Store Volume", question="last-edit").fact == "changed-by-rules"
     with pytest.raises(ValueError, match="question is"):
-        house.why("Boiler:main/Fuel", question="whether")
+        house.why("Boiler:main/Fuel", question="whether")  # type: ignore[arg-type]
 
 
-def test_how(house):
+def test_how(house: tarn.Session) -> None:
     found = house.how("Boiler:main/Store Volume")
     assert found.answer == "found"
     way = found.ways[0]
@@ -194,7 +201,7 @@ def test_how(house):
         house.how("Boiler:main/Fuel", "Oil", max_seconds=float("nan"))
 
 
-def test_eval(house):
+def test_eval(house: tarn.Session) -> None:
     assert house.eval("count({/Plant/Circuit:*}) == 2").value is True
     assert house.eval("${Fuel}", at="Boiler:main").value == "Gas"
     assert house.eval("{/Plant/Circuit:*}").value == ("/Plant/Circuit:ground", "/Plant/Circuit:upstairs")
@@ -205,7 +212,7 @@ def test_eval(house):
     assert (caught.value.diagnostics[0].line, caught.value.diagnostics[0].column) == (1, 1)
 
 
-def test_saving_keeps_every_other_byte(flow, tmp_path):
+def test_saving_keeps_every_other_byte(flow: tarn.Rules, tmp_path: pathlib.Path) -> None:
     file = tmp_path / "sink.tdf"
     before = (FLOW / "models" / "sound.tdf").read_bytes().replace(b"\n", b"\r\n")
     file.write_bytes(before)
@@ -220,7 +227,7 @@ def test_saving_keeps_every_other_byte(flow, tmp_path):
     assert after.count(b"\r\n") == after.count(b"\n")
 
 
-def test_saving_does_not_replace_what_someone_else_has_written(heating, tmp_path):
+def test_saving_does_not_replace_what_someone_else_has_written(heating: tarn.Rules, tmp_path: pathlib.Path) -> None:
     file = tmp_path / "house.tdf"
     file.write_bytes((HEATING / "models" / "house.tdf").read_bytes())
     session = tarn.Session(heating, file)
@@ -236,13 +243,13 @@ def test_saving_does_not_replace_what_someone_else_has_written(heating, tmp_path
     assert session.save(file, overwrite=True) == str(file)
 
 
-def test_saving_where_nothing_can_be_written(house, tmp_path):
+def test_saving_where_nothing_can_be_written(house: tarn.Session, tmp_path: pathlib.Path) -> None:
     with pytest.raises(tarn.SaveError) as caught:
         house.save(tmp_path / "no folder" / "x.tdf")
     assert caught.value.fault == "write-failed"
 
 
-def test_a_model_without_a_file_needs_a_name_to_be_saved(heating, tmp_path):
+def test_a_model_without_a_file_needs_a_name_to_be_saved(heating: tarn.Rules, tmp_path: pathlib.Path) -> None:
     session = tarn.Session(heating, {"Plant": {}})
     with pytest.raises(tarn.SaveError) as caught:
         session.save()
@@ -252,25 +259,26 @@ def test_a_model_without_a_file_needs_a_name_to_be_saved(heating, tmp_path):
     assert session.save() == saved
 
 
-def test_models_of_every_form_open_the_same(heating):
+def test_models_of_every_form_open_the_same(heating: tarn.Rules) -> None:
     text = tarn.Model.read(HEATING / "models" / "house.tdf")
-    sessions = [tarn.Session(heating, model) for model in (
-        text, str(text.file), tarn.Model(text.content), text.tree, text.state, tarn.Model.from_dict(text.tree))]
+    models: list[tarn.Model | str | dict[str, Any]] = [
+        text, str(text.file), tarn.Model(text.content), text.tree, text.state, tarn.Model.from_dict(text.tree)]
+    sessions = [tarn.Session(heating, model) for model in models]
     assert all(one.result().same_as(sessions[0].result()) for one in sessions)
 
 
-def test_an_empty_session_begins_with_what_the_rules_want(heating):
+def test_an_empty_session_begins_with_what_the_rules_want(heating: tarn.Rules) -> None:
     session = tarn.Session(heating)
     assert session.root == "/Plant" and session.object().present
 
 
-def test_malformed_text_cannot_be_opened(heating):
+def test_malformed_text_cannot_be_opened(heating: tarn.Rules) -> None:
     with pytest.raises(tarn.ModelError) as caught:
         tarn.Session(heating, tarn.Model("Plant\n", source="house.tdf"))
     assert caught.value.source == "house.tdf"
 
 
-def test_a_root_that_cannot_be_edited_is_an_error(heating):
+def test_a_root_that_cannot_be_edited_is_an_error(heating: tarn.Rules) -> None:
     with pytest.raises(tarn.OpenError) as caught:
         tarn.Session(heating, root="/Plnt")
     assert caught.value.fault == "root-unknown" and caught.value.candidates == ("/Plant",)
@@ -278,13 +286,13 @@ def test_a_root_that_cannot_be_edited_is_an_error(heating):
     assert (again.fault, again.candidates, str(again)) == (caught.value.fault, ("/Plant",), str(caught.value))
 
 
-def test_several_roots_are_an_error(heating):
+def test_several_roots_are_an_error(heating: tarn.Rules) -> None:
     with pytest.raises(tarn.OpenError) as caught:
         tarn.Session(heating, {"Plant:a": {}, "Plant:b": {}})
     assert caught.value.fault == "several-roots" and set(caught.value.candidates) == {"/Plant:a", "/Plant:b"}
 
 
-def test_a_session_cannot_be_pickled(house):
+def test_a_session_cannot_be_pickled(house: tarn.Session) -> None:
     with pytest.raises(TypeError, match="cannot be pickled"):
         pickle.dumps(house)
 
@@ -297,17 +305,17 @@ def test_a_session_cannot_be_pickled(house):
     lambda one: one.set(Item("/Plant"), "x"),
     lambda one: one.add(Item("/Plant", "Building")),
     lambda one: one.look(3),
-    lambda one: one.edit(Edit("set-parameter", "/Plant", "Building", "x")),
+    lambda one: one.edit(Edit("set-parameter", "/Plant", "Building", "x")),  # type: ignore[arg-type]
     lambda one: one.find("x", most=-1),
     lambda one: one.why("Boiler:main/Fuel", depth="deep"),
 ])
-def test_arguments_of_another_kind_are_errors_of_python(house, call):
+def test_arguments_of_another_kind_are_errors_of_python(house: tarn.Session, call: Callable[[Any], object]) -> None:
     with pytest.raises((TypeError, ValueError, AttributeError)):
         call(house)
     assert house.steps == ()
 
 
-def test_texts_with_unusual_characters_are_refused_or_kept_but_never_crash(house):
+def test_texts_with_unusual_characters_are_refused_or_kept_but_never_crash(house: tarn.Session) -> None:
     for text in ("\0", "\udcff", "\n", "😀", "", "/", "//", ":", "a" * 100_000):
         house.set("Boiler:main/Serial Number", text)
         house.add(text)

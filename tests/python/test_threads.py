@@ -2,18 +2,20 @@
 
 import threading
 import time
+from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
+from typing import Any
 
 import tarn
 from conftest import FLOW, HEATING
 from tarn import Edit
 
 
-def together(count, work):
+def together(count: int, work: Callable[[int], object]) -> list[Any]:
     """The results of `work(i)` on so many threads, which all begin at the same time."""
     barrier = threading.Barrier(count)
 
-    def run(i):
+    def run(i: int) -> Any:
         barrier.wait()
         return work(i)
 
@@ -21,8 +23,8 @@ def together(count, work):
         return list(pool.map(run, range(count)))
 
 
-def test_one_session_serves_several_threads(house):
-    def work(i):
+def test_one_session_serves_several_threads(house: tarn.Session) -> None:
+    def work(i: int) -> Any:
         for round_ in range(20):
             name = f"c{i}-{round_}"
             house.edit(Edit.add_object(f"/Plant/Circuit:{name}"),
@@ -37,8 +39,8 @@ def test_one_session_serves_several_threads(house):
     assert len([one for one in house.children() if one.startswith("/Plant/Circuit:c")]) == 80
 
 
-def test_one_rule_base_serves_sessions_of_several_threads(heating):
-    def work(i):
+def test_one_rule_base_serves_sessions_of_several_threads(heating: tarn.Rules) -> None:
+    def work(i: int) -> Any:
         session = tarn.Session(heating, HEATING / "models" / "house.tdf")
         session.set("Boiler:main/Fuel", ["Gas", "Oil", "Pellets", "Electricity"][i]).or_raise()
         return session.text
@@ -47,14 +49,14 @@ def test_one_rule_base_serves_sessions_of_several_threads(heating):
     assert parallel == [work(i) for i in range(4)]
 
 
-def test_the_interpreter_goes_on_while_the_library_works(flow):
+def test_the_interpreter_goes_on_while_the_library_works(flow: tarn.Rules) -> None:
     # One thread evaluates a slow question; this thread counts meanwhile. It could not while the lock is held.
     big = tarn.Model.from_dict({"Case": {f"Domain:d{i}": {"Location": f"L{i}"} for i in range(3000)}})
     review = tarn.Review(flow)
     done = threading.Event()
     longest = []
 
-    def work():
+    def work() -> None:
         begun = time.perf_counter()
         review._reviewer.judge_text("big", big.content)
         longest.append(time.perf_counter() - begun)
@@ -73,11 +75,11 @@ def test_the_interpreter_goes_on_while_the_library_works(flow):
     assert longest[0] > 0.05 and ticks > 10
 
 
-def test_threads_that_wait_for_a_session_do_not_stop_others(house):
+def test_threads_that_wait_for_a_session_do_not_stop_others(house: tarn.Session) -> None:
     busy = threading.Event()
     stop = threading.Event()
 
-    def hold():
+    def hold() -> None:
         while not stop.is_set():
             house.review()
             house.what_if(Edit.set_param("/Plant/Boiler:main", "Fuel", "Oil"))
@@ -95,8 +97,8 @@ def test_threads_that_wait_for_a_session_do_not_stop_others(house):
     assert not any(thread.is_alive() for thread in threads) and time.perf_counter() - begun < 60
 
 
-def test_exceptions_reach_the_thread_that_asked(flow):
-    def work(i):
+def test_exceptions_reach_the_thread_that_asked(flow: tarn.Rules) -> None:
+    def work(i: int) -> Any:
         try:
             tarn.parse_rules(f"Rule Database: 1\nObjects{i}:\n")
         except tarn.RuleError as error:

@@ -4,6 +4,7 @@ import os
 import pathlib
 import subprocess
 import sys
+from typing import Any, Protocol
 
 import pytest
 
@@ -11,11 +12,17 @@ DATA = pathlib.Path(__file__).parent / "data"
 RULES, MODEL = str(DATA / "channel.rules.yaml"), str(DATA / "channel.tdf")
 
 
+class Describe(Protocol):
+    """Writes the description of a study, with rules and model already in it, and returns its path."""
+
+    def __call__(self, text: str, name: str = "study.yaml", head: bool = True) -> pathlib.Path: ...
+
+
 @pytest.fixture
-def described(tmp_path):
+def described(tmp_path: pathlib.Path) -> Describe:
     """A function that writes the description of a study, with rules and model already in it, and returns its path."""
 
-    def write(text, name="study.yaml", head=True):
+    def write(text: str, name: str = "study.yaml", head: bool = True) -> pathlib.Path:
         path = tmp_path / name
         start = f"Study: 1\nRules: {RULES}\nModel: {MODEL}\n" if head else ""
         path.write_text(start + text, encoding="utf-8")
@@ -24,14 +31,14 @@ def described(tmp_path):
     return write
 
 
-def study_process(*arguments, **options):
+def study_process(*arguments: object, **options: Any) -> subprocess.Popen[str]:
     """A process that runs `python3 -m tarn.study`."""
     environment = dict(os.environ, COLUMNS="100")
     return subprocess.Popen([sys.executable, "-m", "tarn.study", *map(str, arguments)], text=True,
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment, **options)
 
 
-def run_command(*arguments):
+def run_command(*arguments: object) -> tuple[int, str, str]:
     """Runs `python3 -m tarn.study` and returns its status, its output and its messages."""
     process = study_process(*arguments)
     shown, messages = process.communicate(timeout=120)

@@ -7,10 +7,11 @@ import socket
 import subprocess
 import sys
 import time
+from collections.abc import Iterator
 
 import pytest
 
-from conftest import run_command, study_process
+from conftest import Describe, run_command, study_process
 from test_running import contents, journal_lines
 
 pytest.importorskip("distributed")
@@ -27,27 +28,33 @@ Design: {Latin Hypercube: 3000}
 class Cluster:
     """A scheduler and workers, each a process of its own."""
 
-    def __init__(self, folder):
+    def __init__(self, folder: pathlib.Path) -> None:
         self.folder = folder
         with socket.socket() as chosen:
             chosen.bind(("127.0.0.1", 0))
             self.port = chosen.getsockname()[1]
         self.address = f"tcp://127.0.0.1:{self.port}"
-        self.scheduler, self.workers = None, []
+        self.scheduler: subprocess.Popen[bytes] | None = None
+        self.workers: list[subprocess.Popen[bytes]] = []
 
-    def _start(self, module, *arguments):
+    def _start(self, module: str, *arguments: str) -> subprocess.Popen[bytes]:
         log = open(self.folder / f"{module}.log", "ab")
         return subprocess.Popen([sys.executable, "-m", f"distributed.cli.{module}", *arguments], cwd=self.folder,
                                 stdout=log, stderr=log)
 
-    def start_scheduler(self):
+    def start_scheduler(self) -> None:
         self.scheduler = self._start("dask_scheduler", "--host", "127.0.0.1", "--port", str(self.port), "--no-dashboard")
 
-    def start_worker(self):
+    def stop_scheduler(self) -> None:
+        assert self.scheduler is not None
+        self.scheduler.kill()
+        self.scheduler.wait()
+
+    def start_worker(self) -> None:
         self.workers.append(self._start("dask_worker", self.address, "--nthreads", "1", "--no-nanny", "--no-dashboard",
                                         "--local-directory", str(self.folder)))
 
-    def stop(self):
+    def stop(self) -> None:
         for process in [*self.workers, self.scheduler]:
             if process is not None:
                 process.kill()
@@ -55,7 +62,7 @@ class Cluster:
 
 
 @pytest.fixture
-def cluster(tmp_path):
+def cluster(tmp_path: pathlib.Path) -> Iterator[Cluster]:
     made = Cluster(tmp_path)
     made.start_scheduler()
     made.start_worker()
@@ -65,7 +72,7 @@ def cluster(tmp_path):
 
 
 @pytest.fixture(scope="module")
-def plain(tmp_path_factory):
+def plain(tmp_path_factory: pytest.TempPathFactory) -> dict[str, bytes]:
     """The same study, made by one process."""
     folder = tmp_path_factory.mktemp("plain")
     from conftest import MODEL, RULES
@@ -75,7 +82,7 @@ def plain(tmp_path_factory):
     return contents(folder / "out")
 
 
-def wait_for_lines(process, out, wanted):
+def wait_for_lines(process: subprocess.Popen[str], out: pathlib.Path, wanted: int) -> None:
     until = time.monotonic() + 120
     while process.poll() is None and journal_lines(out) < wanted and time.monotonic() < until:
         time.sleep(0.01)
@@ -83,19 +90,21 @@ def wait_for_lines(process, out, wanted):
     assert journal_lines(out) >= wanted
 
 
-def finished(process):
+def finished(process: subprocess.Popen[str]) -> str:
     _, messages = process.communicate(timeout=150)
     assert process.returncode == 1, messages  # some points have findings
     return messages
 
 
-def test_workers_make_the_same_table_and_models_as_one_process(described, tmp_path, cluster, plain):
+def test_workers_make_the_same_table_and_models_as_one_process(described: Describe, tmp_path: pathlib.Path,
+                                                               cluster: Cluster, plain: dict[str, bytes]) -> None:
     process = study_process(described(DESCRIPTION), "--out", tmp_path / "out", "--scheduler", cluster.address)
     finished(process)
     assert contents(tmp_path / "out") == plain
 
 
-def test_a_killed_worker_costs_no_point(described, tmp_path, cluster, plain):
+def test_a_killed_worker_costs_no_point(described: Describe, tmp_path: pathlib.Path, cluster: Cluster,
+                                        plain: dict[str, bytes]) -> None:
     process = study_process(described(DESCRIPTION), "--out", tmp_path / "out", "--scheduler", cluster.address, "--batch", 20)
     wait_for_lines(process, tmp_path / "out", 200)
     cluster.workers[0].kill()
@@ -103,7 +112,8 @@ def test_a_killed_worker_costs_no_point(described, tmp_path, cluster, plain):
     assert contents(tmp_path / "out") == plain
 
 
-def test_a_worker_that_hangs_costs_no_point(described, tmp_path, cluster, plain):
+def test_a_worker_that_hangs_costs_no_point(described: Describe, tmp_path: pathlib.Path, cluster: Cluster,
+                                            plain: dict[str, bytes]) -> None:
     # As the command, but impatient: normally a batch is sent again after twenty seconds.
     impatient = "import sys, tarn.study.cluster as c; c.LATE_SECONDS = 1; from tarn.study.command import main; sys.exit(main())"
     process = subprocess.Popen([sys.executable, "-c", impatient, described(DESCRIPTION), "--out", tmp_path / "out",
@@ -116,12 +126,12 @@ def test_a_worker_that_hangs_costs_no_point(described, tmp_path, cluster, plain)
     assert contents(tmp_path / "out") == plain
 
 
-def test_a_scheduler_that_is_started_again_costs_no_point(described, tmp_path, cluster, plain):
+def test_a_scheduler_that_is_started_again_costs_no_point(described: Describe, tmp_path: pathlib.Path, cluster: Cluster,
+                                                          plain: dict[str, bytes]) -> None:
     process = study_process(described(DESCRIPTION), "--out", tmp_path / "out", "--scheduler", cluster.address, "--batch", 20)
     wait_for_lines(process, tmp_path / "out", 200)
     before = journal_lines(tmp_path / "out")
-    cluster.scheduler.kill()
-    cluster.scheduler.wait()
+    cluster.stop_scheduler()
     cluster.start_scheduler()
     cluster.start_worker()  # workers end with their scheduler
     cluster.start_worker()
@@ -131,7 +141,8 @@ def test_a_scheduler_that_is_started_again_costs_no_point(described, tmp_path, c
     assert journal_lines(tmp_path / "out") == 3000
 
 
-def test_a_study_that_is_killed_goes_on_on_the_cluster(described, tmp_path, cluster, plain):
+def test_a_study_that_is_killed_goes_on_on_the_cluster(described: Describe, tmp_path: pathlib.Path, cluster: Cluster,
+                                                       plain: dict[str, bytes]) -> None:
     description = described(DESCRIPTION)
     process = study_process(description, "--out", tmp_path / "out", "--scheduler", cluster.address, "--batch", 20)
     wait_for_lines(process, tmp_path / "out", 500)
@@ -142,7 +153,7 @@ def test_a_study_that_is_killed_goes_on_on_the_cluster(described, tmp_path, clus
     assert journal_lines(tmp_path / "out") == 3000
 
 
-def test_workers_without_the_package_are_reported(described, tmp_path):
+def test_workers_without_the_package_are_reported(described: Describe, tmp_path: pathlib.Path) -> None:
     made = Cluster(tmp_path)
     made.start_scheduler()
     kept = os.environ.pop("PYTHONPATH", None)
@@ -159,7 +170,7 @@ def test_workers_without_the_package_are_reported(described, tmp_path):
     assert "A worker cannot make points: No module named 'tarn'" in messages
 
 
-def test_a_scheduler_that_does_not_answer_is_reported(described, tmp_path):
+def test_a_scheduler_that_does_not_answer_is_reported(described: Describe, tmp_path: pathlib.Path) -> None:
     started = time.monotonic()
     status, _, messages = run_command(described(DESCRIPTION), "--out", tmp_path / "out", "--scheduler",
                                       "tcp://127.0.0.1:1")

@@ -1,20 +1,22 @@
 """Descriptions in YAML: what they mean, and how mistakes are reported."""
 
+import pathlib
+
 import pytest
 
-from conftest import MODEL, RULES
+from conftest import MODEL, RULES, Describe
 from tarn.study import (Factor, FullFactorial, LatinHypercube, LogNormal, Normal, OneAtATime, Output, Range, Study,
                         StudyError, Triangular, Values, prepare, read_study)
 
 
-def faults_of(path):
+def faults_of(path: pathlib.Path) -> list[str]:
     """The mistakes that are found in a description, without the name of the file."""
     with pytest.raises(StudyError) as caught:
         prepare(read_study(path))
     return [str(fault).replace(f"{path}:", "").strip() for fault in caught.value.faults]
 
 
-def test_a_description_means_what_it_says(described):
+def test_a_description_means_what_it_says(described: Describe) -> None:
     study = read_study(described("""
 Seed: 42
 Root: /Case
@@ -41,14 +43,14 @@ Outputs: {head: /Case/Pump:left/Head}
             Factor("scheme", "/Case/Model", Triangular(1, 2, 4, steps=3))])
 
 
-def test_values_stay_as_they_are_written(described):
+def test_values_stay_as_they_are_written(described: Describe) -> None:
     study = read_study(described("Factors: {a: {Parameter: /Case/Cells, Values: [yes, 010, 1.50, null]}}\n"
                                  "Design: One at a Time\n"))
     assert study.factors[0].values == Values(["yes", "010", "1.50", "null"])
     assert study.design == OneAtATime()
 
 
-def test_a_table_can_be_a_file_or_a_list_of_points(described, tmp_path):
+def test_a_table_can_be_a_file_or_a_list_of_points(described: Describe, tmp_path: pathlib.Path) -> None:
     (tmp_path / "points.csv").write_text("regime,cells\nLaminar,50\n,60\n", encoding="utf-8")
     factors = "Factors: {regime: {Parameter: /Case/Regime}, cells: {Parameter: /Case/Cells}}\n"
     file = read_study(described(factors + "Design: {Table: points.csv}\n"))
@@ -57,7 +59,7 @@ def test_a_table_can_be_a_file_or_a_list_of_points(described, tmp_path):
         assert [study.points[0], study.points[1]] == [("Laminar", "50"), (None, "60")]
 
 
-def test_every_mistake_has_its_place_and_a_near_match(described):
+def test_every_mistake_has_its_place_and_a_near_match(described: Describe) -> None:
     assert faults_of(described("""
 Seeds: 4
 Factors:
@@ -90,7 +92,7 @@ Models: all
                     '1:1: The study needs the key "Design".']),
     pytest.param("[" * 5000, ["The description is nested too deeply."], id="deep"),
 ])
-def test_a_text_that_is_no_description_is_refused(described, text, faults):
+def test_a_text_that_is_no_description_is_refused(described: Describe, text: str, faults: list[str]) -> None:
     assert faults_of(described(text, head=False)) == faults
 
 
@@ -113,13 +115,13 @@ def test_a_text_that_is_no_description_is_refused(described, text, faults):
      'None of the objects that the pattern "/Case/Pump:*/Hed" meets can have a parameter "Hed"; did you mean "Head"?'),
     ("{Parameter: /Case/Valve:*/Head, Values: [1]}", 'The pattern "/Case/Valve:*/Head" meets no object of the base model.'),
 ])
-def test_a_factor_with_a_mistake_is_refused_at_its_line(described, factor, fault):
+def test_a_factor_with_a_mistake_is_refused_at_its_line(described: Describe, factor: str, fault: str) -> None:
     (found,) = faults_of(described(f"Factors:\n  a: {factor}\nDesign: Full Factorial\n"))
     assert found.startswith("5:")
     assert fault is None or found.endswith(fault)
 
 
-def test_two_factors_cannot_set_one_parameter(described):
+def test_two_factors_cannot_set_one_parameter(described: Describe) -> None:
     assert faults_of(described("""
 Factors:
   all: {Parameter: /Case/Pump:*/Head, Values: [1]}
@@ -128,7 +130,7 @@ Design: Full Factorial
 """)) == ['7:3: Both factor "all" and factor "left" set /Case/Pump:left/Head.']
 
 
-def test_names_of_columns_are_not_taken_twice(described):
+def test_names_of_columns_are_not_taken_twice(described: Describe) -> None:
     assert faults_of(described("""
 Factors:
   status: {Parameter: /Case/Cells, Values: [10]}
@@ -139,14 +141,14 @@ Outputs: {head: /Case/Pump:left/Head}
           '9:17: The name "head" is there twice.']
 
 
-def test_mistakes_in_a_table_have_the_line_of_the_table(described, tmp_path):
+def test_mistakes_in_a_table_have_the_line_of_the_table(described: Describe, tmp_path: pathlib.Path) -> None:
     table = tmp_path / "points.csv"
     table.write_text("cells\n50\n60,70\n", encoding="utf-8")
     assert faults_of(described("Factors: {cells: {Parameter: /Case/Cells}}\nDesign: {Table: points.csv}\n")) == [
         f"{table}:3: Row 2 of the table has 2 cells instead of 1."]
 
 
-def test_files_that_cannot_be_read_are_named(described, tmp_path):
+def test_files_that_cannot_be_read_are_named(described: Describe, tmp_path: pathlib.Path) -> None:
     factors = "Factors: {cells: {Parameter: /Case/Cells}}\n"
     assert faults_of(described(factors + "Design: {Table: none.csv}\n")) == [
         f"5:17: {tmp_path}/none.csv cannot be read: No such file or directory."]
@@ -157,14 +159,14 @@ def test_files_that_cannot_be_read_are_named(described, tmp_path):
         read_study(tmp_path / "gone.yaml")
 
 
-def test_rules_with_errors_are_shown(described, tmp_path):
+def test_rules_with_errors_are_shown(described: Describe, tmp_path: pathlib.Path) -> None:
     (tmp_path / "bad.rules.yaml").write_text("Rule Database: 1\nObject:\n", encoding="utf-8")
     text = "Study: 1\nRules: bad.rules.yaml\nFactors: {a: {Parameter: /Case/Cells, Values: [10]}}\n"
     (fault,) = faults_of(described(text + "Design: Full Factorial\n", head=False))
     assert fault.startswith(f"{tmp_path}/bad.rules.yaml:2:1: error: unknown key 'Object'")
 
 
-def test_a_study_in_python_is_checked_like_one_in_yaml():
+def test_a_study_in_python_is_checked_like_one_in_yaml() -> None:
     study = Study(rules=RULES, model=MODEL, factors=[Factor("a", "/Case/Cels", [10])], design=FullFactorial())
     with pytest.raises(StudyError, match="Did you mean /Case/Cells?"):
         prepare(study)

@@ -7,10 +7,11 @@ import socket
 import subprocess
 import sys
 import time
+from collections.abc import Iterator
 
 import pytest
 
-from conftest import run_command
+from conftest import Describe, run_command
 from test_running import contents
 
 DOCUMENT = pathlib.Path(__file__).parents[2] / "docs/studies.md"
@@ -19,14 +20,14 @@ pytestmark = pytest.mark.skipif(os.geteuid() != 0 or not all(map(shutil.which, (
                                 reason="needs root and the Debian package slurm-wlm")
 
 
-def free_port():
+def free_port() -> int:
     with socket.socket() as chosen:
         chosen.bind(("127.0.0.1", 0))
-        return chosen.getsockname()[1]
+        return int(chosen.getsockname()[1])
 
 
 @pytest.fixture(scope="module")
-def slurm(tmp_path_factory):
+def slurm(tmp_path_factory: pytest.TempPathFactory) -> Iterator[dict[str, str]]:
     """Slurm for this machine alone, beside one that may be running. Gives the environment for its commands."""
     folder = tmp_path_factory.mktemp("slurm")
     name = socket.gethostname().split(".")[0]
@@ -75,14 +76,14 @@ PartitionName=main Nodes=ALL Default=YES MaxTime=INFINITE State=UP
             daemon.wait(timeout=20)
 
 
-def script_of_the_documentation(name):
+def script_of_the_documentation(name: str) -> str:
     """The job script that the documentation shows under this name."""
     text = DOCUMENT.read_text(encoding="utf-8")
     begin = text.index(f"```text file={name}\n") + len(f"```text file={name}\n")
     return text[begin:text.index("\n```", begin) + 1]
 
 
-def submit(slurm, folder, script):
+def submit(slurm: dict[str, str], folder: pathlib.Path, script: str) -> str:
     (folder / script).write_text(script_of_the_documentation(script), encoding="utf-8")
     # On a real cluster python3 is the one that has the package. Here it may be another one than the first on the path.
     path = f"{pathlib.Path(sys.executable).parent}:{os.environ['PATH']}"
@@ -93,7 +94,8 @@ def submit(slurm, folder, script):
 
 
 @pytest.mark.parametrize("script", ["array.sh", "cluster.sh"])
-def test_a_job_makes_the_same_as_one_process(slurm, described, tmp_path, script):
+def test_a_job_makes_the_same_as_one_process(slurm: dict[str, str], described: Describe, tmp_path: pathlib.Path,
+                                             script: str) -> None:
     description = described("""
 Factors:
   cells: {Parameter: /Case/Cells, Range: [10, 1000], Whole Numbers: yes}

@@ -84,7 +84,7 @@ class ClusterExecutor:
         except ImportError:
             raise StudyError("A scheduler needs the Python package distributed. Install the Debian package "
                              "python3-distributed.") from None
-        self.distributed = distributed
+        self.distributed: Any = distributed
         # This module has sentences for a lost scheduler; those of the package are about its own inner life.
         for name in ("distributed.client", "distributed.comm", "distributed.core"):
             logging.getLogger(name).setLevel(logging.CRITICAL)
@@ -117,7 +117,7 @@ class ClusterExecutor:
     def _threads(self) -> int | None:
         """The number of threads of all workers. None if the scheduler is away."""
         try:
-            return sum(one["nthreads"] for one in self.client.scheduler_info()["workers"].values())
+            return sum(int(one["nthreads"]) for one in self.client.scheduler_info()["workers"].values())
         except Exception:  # noqa: BLE001  a lost connection shows itself by errors of many kinds
             self._disconnect()
             return None

@@ -111,23 +111,23 @@ class _Reader:
         return None
 
     def number(self, node: Any, what: str) -> float | None:
-        try:
-            return float(node.value) if isinstance(node, yaml.ScalarNode) else self._no_number(node, what)
-        except ValueError:
-            return self._no_number(node, what)
-
-    def _no_number(self, node: Any, what: str) -> None:
+        if isinstance(node, yaml.ScalarNode):
+            try:
+                return float(node.value)
+            except ValueError:
+                pass
         hint = " Units go into the key Units." if isinstance(node, yaml.ScalarNode) and "[" in node.value else ""
         self.fault(node, f"{what} must be a number.{hint}")
+        return None
 
     def whole(self, node: Any, what: str) -> int | None:
-        try:
-            return int(node.value.replace("_", "")) if isinstance(node, yaml.ScalarNode) else self._not_whole(node, what)
-        except ValueError:
-            return self._not_whole(node, what)
-
-    def _not_whole(self, node: Any, what: str) -> None:
+        if isinstance(node, yaml.ScalarNode):
+            try:
+                return int(node.value.replace("_", ""))
+            except ValueError:
+                pass
         self.fault(node, f"{what} must be a whole number.")
+        return None
 
     def truth(self, node: Any, what: str) -> bool:
         known = {"yes": True, "true": True, "no": False, "false": False}
@@ -232,12 +232,12 @@ class _Reader:
             if not isinstance(node, yaml.SequenceNode) or len(node.value) != 2:
                 self.fault(node, '"Range" must be a list of two numbers, such as [10, 20].')
                 return None
-            ends = [self.number(one, "The end of a range") for one in node.value]
-            if None in ends:
+            lowest, highest = (self.number(one, "The end of a range") for one in node.value)
+            logarithmic, whole = (key in entries and self.truth(entries[key].node, f'"{key}"')
+                                  for key in ("Logarithmic", "Whole Numbers"))
+            if lowest is None or highest is None:
                 return None
-            return Range(*ends, steps=steps, **{  # type: ignore[arg-type]
-                name: self.truth(entries[given].node, f'"{given}"')
-                for given, name in (("Logarithmic", "logarithmic"), ("Whole Numbers", "whole")) if given in entries})
+            return Range(lowest, highest, steps, logarithmic, whole)
         if key == "Triangular":
             numbers = self.numbers(node, key, ("Lowest", "Peak", "Highest"), ())
             return numbers and Triangular(**numbers, steps=steps)

@@ -161,7 +161,7 @@ class OneAtATime:
         return _too_many(1 + sum(len(factor.levels() or ()) for factor in factors), self.place, " Use fewer levels.")
 
     def points(self, factors: Sequence[Factor], seed: int) -> Points:
-        base = tuple(None if factor.base is None else factor.text(factor.base) for factor in factors)
+        base = tuple(None if factor.base is None else factor.text(value_text(factor.base)) for factor in factors)
         rows: list[Point] = [base]
         for index, factor in enumerate(factors):
             # The level that is the base is the first point already.

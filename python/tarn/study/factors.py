@@ -12,9 +12,9 @@ import re
 from collections.abc import Sequence
 from dataclasses import dataclass, field
 from statistics import NormalDist
-from typing import Protocol
+from typing import Protocol, cast
 
-from tarn.model import value_text
+from tarn.model import ParamValue, value_text
 from tarn.study.errors import Fault, Place, StudyError
 
 NUMBER = re.compile(r"[+-]?(\d+(\.\d*)?|\.\d+)([eE][+-]?\d+)?")
@@ -257,7 +257,7 @@ class Factor:
     parameters: Sequence[str] | str
     values: ValueSource | Sequence[object] | None = None
     units: str = ""
-    base: str | None = None
+    base: ParamValue | None = None
     digits: int = SIGNIFICANT_DIGITS
     place: Place = field(default=Place(), compare=False, repr=False)
 
@@ -289,4 +289,4 @@ class Factor:
 
     def source(self) -> ValueSource:
         assert self.values is not None, "designs ask only factors with values"
-        return self.values  # type: ignore[return-value]
+        return cast(ValueSource, self.values)

@@ -13,12 +13,13 @@ from functools import cached_property
 from typing import Any
 
 import tarn
+from tarn import _tarn
 from tarn.study.designs import Point
 from tarn.study.errors import Fault, Place, StudyError, nearest
 from tarn.study.patterns import matches, split_parameter
 from tarn.study.study import Study
 
-VERSION = tarn.__version__
+VERSION = _tarn.version
 
 MOST_SENTENCES = 20
 """A row of the table lists at most so many reasons, and so many findings. Their numbers are always complete."""
@@ -92,7 +93,7 @@ def prepare(study: Study) -> PreparedStudy:
     """Loads the rules and the base model and resolves all patterns. Raises `StudyError`."""
     study.check()
     try:
-        rules = tarn.load_rules(*study.rules)  # type: ignore[misc]
+        rules = tarn.load_rules(*study.rule_paths)
         model = tarn.Model.from_dict({}) if study.model is None else tarn.Model.read(study.model)
         session = tarn.Session(rules, model, root=study.root)
     except OSError as error:
@@ -111,8 +112,7 @@ def prepare(study: Study) -> PreparedStudy:
                                 'possible.', factor.place))
         targets.append(tuple(dict.fromkeys(items)))
     faults += _shared_targets(study, targets)
-    outputs = [_resolved(session, present, output.path, output.place, faults)  # type: ignore[union-attr]
-               for output in study.outputs]
+    outputs = [_resolved(session, present, output.path, output.place, faults) for output in study.columns]
     if faults:
         raise StudyError(faults)
     return PreparedStudy(rules, model, study.root, tuple(targets), tuple(item for items in outputs for item in items),
@@ -196,7 +196,8 @@ class PointMaker:
 
     def _made(self, number: int, point: Point) -> MadePoint:
         edits = [tarn.Edit.set_param(item.path, item.name, value)
-                 for items, value in zip(self.prepared.targets, point) if value is not None for item in items]
+                 for items, value in zip(self.prepared.targets, point) if value is not None
+                 for item in items if item.name is not None]
         made = MadePoint(number, "sound")
         accepted = self._apply(edits, made)
         self._compare(accepted, made)

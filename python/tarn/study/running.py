@@ -162,8 +162,9 @@ def run_study(study: Study, folder: str | os.PathLike[str], *, jobs: int | None 
 def identity_of(study: Study, prepared: PreparedStudy) -> dict[str, str | int]:
     """The identity of a study, in parts that a message can name."""
     return {"version": VERSION, "rules": prepared.rules_digest, "model": digest_of(prepared.model.content),
-            "root": study.root or "", "models": study.models, "parameters": prepared.digest, "factors": digest_of(study.factors), "design": digest_of(study.design), "seed": study.seed,
-            "outputs": digest_of(study.outputs)}
+            "root": study.root or "", "models": study.models, "parameters": prepared.digest,
+            "factors": digest_of(study.factors), "design": digest_of(study.design), "seed": study.seed,
+            "outputs": digest_of(study.columns)}
 
 
 def executor_for(prepared: PreparedStudy, jobs: int | None, scheduler: str | None) -> Executor:
@@ -172,7 +173,9 @@ def executor_for(prepared: PreparedStudy, jobs: int | None, scheduler: str | Non
 
         return ClusterExecutor(prepared, scheduler)
     number = jobs or len(os.sched_getaffinity(0))
-    return ThisProcess(prepared) if number == 1 else Processes(prepared, number)
+    if number == 1:
+        return ThisProcess(prepared)
+    return Processes(prepared, number)
 
 
 class ThisProcess:

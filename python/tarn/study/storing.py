@@ -116,7 +116,7 @@ class Store:
         if size is None:
             return True
         try:
-            return os.stat(self.folder / model_name(record["number"])).st_size == size
+            return os.stat(self.folder / model_name(record["number"])).st_size == int(size)
         except FileNotFoundError:
             return False
 

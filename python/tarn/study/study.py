@@ -6,6 +6,7 @@ import os
 from collections.abc import Mapping, Sequence
 from dataclasses import dataclass, field
 from functools import cached_property
+from typing import cast
 
 from tarn.study.designs import Design, Points
 from tarn.study.errors import Fault, Place, StudyError
@@ -57,6 +58,16 @@ class Study:
             self.outputs = [Output(path, name) for name, path in self.outputs.items()]
         self.outputs = [Output(one) if isinstance(one, str) else one for one in self.outputs]
 
+    @property
+    def rule_paths(self) -> list[str]:
+        """The files and folders with rules."""
+        return cast(list[str], self.rules)
+
+    @property
+    def columns(self) -> list[Output]:
+        """The outputs."""
+        return cast(list[Output], self.outputs)
+
     def faults(self) -> list[Fault]:
         """All mistakes that show without rules and model."""
         faults: list[Fault] = []
@@ -75,15 +86,15 @@ class Study:
                 faults.append(Fault(fault, factor.place))
             for path in factor.parameters:
                 faults += _faults_of_path(path, factor.place)
-        for output in self.outputs:
-            faults += _faults_of_path(output.path, output.place)  # type: ignore[union-attr]
+        for output in self.columns:
+            faults += _faults_of_path(output.path, output.place)
         return faults + self.design.faults(self.factors)
 
     def _faults_of_names(self) -> list[Fault]:
         faults: list[Fault] = []
         taken: set[str] = set(COLUMNS)
         named = [(factor.name, factor.place) for factor in self.factors]
-        named += [(output.name, output.place) for output in self.outputs if output.name]  # type: ignore[union-attr]
+        named += [(output.name, output.place) for output in self.columns if output.name]
         for name, place in named:
             if name in COLUMNS:
                 faults.append(Fault(f'The table has a column "{name}" of its own; choose another name.', place))
