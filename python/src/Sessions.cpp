@@ -1,12 +1,15 @@
 // A session for Python. Its lock lets several threads use it: their calls wait for each other. The interpreter lock is
 // released while a call waits or the library works, so other threads of Python go on. The order is always the same: the
 // interpreter lock is given up before the lock of the session is taken, so no two threads wait for each other for ever.
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -57,6 +60,46 @@ struct Evaluated {
   Explanation explanation;
 };
 
+/// Notices Ctrl-C, and other signals that Python answers, during a call that releases the interpreter lock. Only the
+/// main thread of Python answers signals; in other threads nothing is ever noticed.
+class SignalCheck {
+ public:
+  /// Runs the handlers of signals that have come. True if one has raised an exception.
+  bool isInterrupted() {
+    if (error_) return true;
+    auto const now = std::chrono::steady_clock::now();
+    if (now < next_) return false;
+    next_ = now + interval;
+    py::gil_scoped_acquire const lock;
+    if (PyErr_CheckSignals() != 0) error_.emplace();
+    return error_.has_value();
+  }
+
+  /// Throws the exception of the handler. Needs the interpreter lock.
+  void raise() const {
+    if (error_) throw py::error_already_set(*error_);
+  }
+
+ private:
+  /// Taking the interpreter lock can wait for other threads of Python, so it is not done more often.
+  static constexpr std::chrono::milliseconds interval{100};
+
+  std::chrono::steady_clock::time_point next_ = std::chrono::steady_clock::now() + interval;
+  std::optional<py::error_already_set> error_;
+};
+
+/// Says which thread is in a call of a session. A handler of a signal can run within such a call.
+class Occupied {
+ public:
+  explicit Occupied(std::atomic<std::thread::id>& thread) : thread_(thread) { thread_ = std::this_thread::get_id(); }
+  ~Occupied() { thread_ = std::thread::id(); }
+  Occupied(Occupied const&) = delete;
+  Occupied& operator=(Occupied const&) = delete;
+
+ private:
+  std::atomic<std::thread::id>& thread_;
+};
+
 class SessionHandle {
  public:
   static std::unique_ptr<SessionHandle> open(std::shared_ptr<Rules> rules, ModelText text,
@@ -87,8 +130,13 @@ class SessionHandle {
   /// The result of `question(session)`, which must not refer to the session.
   template <typename Question>
   auto ask(Question const& question) {
+    // The lock is not recursive. Without this check, the handler of a signal would wait for its own thread for ever.
+    if (thread_ == std::this_thread::get_id()) {
+      throw std::runtime_error("the handler of a signal cannot use a session that was interrupted by the signal");
+    }
     py::gil_scoped_release const release;
     std::lock_guard const lock(mutex_);
+    Occupied const occupied(thread_);
     return question(*session_);
   }
 
@@ -155,6 +203,8 @@ class SessionHandle {
 
   std::shared_ptr<Rules> rules_;
   std::mutex mutex_;
+  /// The thread that is in a call.
+  std::atomic<std::thread::id> thread_;
   std::unique_ptr<Session> session_;
   session::ModelFile file_;
 };
@@ -270,7 +320,11 @@ py::object how(SessionHandle& handle, Text const& path, std::optional<Text> cons
   constexpr double longest = 1e9;  // seconds, so that the number of milliseconds can be counted
   if (!(maxSeconds >= 0 && maxSeconds <= longest)) throw py::value_error("max_seconds must be from 0 to 1e9");
   options.maxTime = std::chrono::milliseconds(static_cast<std::int64_t>(maxSeconds * 1000));
-  return handle.record([&](Session& session) { return session.how(goal, options); });
+  SignalCheck signals;
+  options.isCancelled = [&signals] { return signals.isInterrupted(); };
+  auto const result = handle.ask([&](Session& session) { return session.how(goal, options); });
+  signals.raise();
+  return Converter()(result);
 }
 
 }  // namespace

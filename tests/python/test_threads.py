@@ -1,10 +1,16 @@
 """Several threads at work. Threads of Python run in turns, except where the interpreter lock is released."""
 
+import multiprocessing
+import signal
+import subprocess
+import sys
 import threading
 import time
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
 from typing import Any
+
+import pytest
 
 import tarn
 from conftest import FLOW, HEATING
@@ -107,3 +113,95 @@ def test_exceptions_reach_the_thread_that_asked(flow: tarn.Rules) -> None:
 
     assert [f"'Objects{i}'" in message for i, message in enumerate(together(8, work))] == [True] * 8
     assert tarn.Review(flow).judge(FLOW / "models" / "sound.tdf").list == ()
+
+
+SEARCH = """
+import signal, sys, tarn
+session = tarn.Session(tarn.load_rules("examples/flow/rules"), "examples/flow/models/sound.tdf")
+def search():
+    # No way exists, and the bounds are so wide that the search would take very long.
+    return session.how("Run/Partition Weights", max_edits=20, max_candidates=10**6, max_trials=10**12, max_seconds=600)
+"""
+
+
+def interrupted(program: str) -> tuple[int, str, str]:
+    """Runs a program that searches, and sends it a signal while it does. Returns its status, output and messages."""
+    process = subprocess.Popen([sys.executable, "-c", SEARCH + program], text=True, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE)
+    assert process.stdout is not None and process.stdout.readline() == "searching\n"
+    time.sleep(0.3)
+    process.send_signal(signal.SIGINT)
+    shown, messages = process.communicate(timeout=30)
+    return process.returncode, shown, messages
+
+
+def test_ctrl_c_ends_a_search_and_leaves_the_session_as_it_was() -> None:
+    assert interrupted("""
+before = session.result()
+print("searching", flush=True)
+try:
+    search()
+except KeyboardInterrupt:
+    print("interrupted", session.result().same_as(before), session.set("Flow Regime", "Laminar").applied)
+""") == (0, "interrupted True True\n", "")
+
+
+def test_a_handler_that_raises_nothing_lets_the_search_go_on() -> None:
+    assert interrupted("""
+def handle(number, frame):
+    print("handled", flush=True)
+signal.signal(signal.SIGINT, handle)
+print("searching", flush=True)
+found = session.how("Run/Partition Weights", max_edits=20, max_candidates=10**6, max_trials=10**12, max_seconds=3)
+print(found.answer, found.stopped_by_time)
+""") == (0, "handled\nnot-found True\n", "")
+
+
+def test_a_handler_cannot_use_the_session_that_searches() -> None:
+    assert interrupted("""
+def handle(number, frame):
+    session.root
+signal.signal(signal.SIGINT, handle)
+print("searching", flush=True)
+try:
+    search()
+except RuntimeError as error:
+    print(error)
+print(session.root)
+""") == (0, "the handler of a signal cannot use a session that was interrupted by the signal\n/Case\n", "")
+
+
+def test_ctrl_c_ends_a_review_of_endless_models() -> None:
+    status, _, messages = interrupted("""
+import itertools
+print("searching", flush=True)
+for one in tarn.review(session.rules, itertools.repeat("examples/flow/models/faulty.tdf"), jobs=2):
+    pass
+""")
+    assert status == -signal.SIGINT and messages.endswith("KeyboardInterrupt\n")
+
+
+@pytest.mark.parametrize("first", ["", "import tarn"], ids=["alone", "beside the main one"])
+def test_a_subinterpreter_is_refused(first: str) -> None:
+    done = subprocess.run([sys.executable, "-c", f"""
+import _xxsubinterpreters as interpreters
+{first}
+try:
+    interpreters.run_string(interpreters.create(), "import tarn")
+except interpreters.RunFailedError as error:
+    print(error)
+"""], capture_output=True, text=True, timeout=60)
+    assert done.stdout == ("<class 'ImportError'>: the package tarn cannot be used in a subinterpreter; use a process or a "
+                           "thread\n"), done.stderr
+
+
+def test_a_child_after_fork_uses_what_its_parent_has_opened(house: tarn.Session) -> None:
+    def child() -> None:
+        assert house.set("Boiler:main/Fuel", "Oil").applied and house.review() is not None
+        assert house.how("Boiler:main/Gas Pressure").answer == "found"
+
+    process = multiprocessing.get_context("fork").Process(target=child)
+    process.start()
+    process.join(60)
+    assert process.exitcode == 0
+    assert house.value("Boiler:main/Fuel") == "Gas"

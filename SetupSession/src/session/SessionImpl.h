@@ -114,8 +114,9 @@ class SessionImpl {
   void changed() noexcept { review_.reset(); }
   [[nodiscard]] std::optional<Refused> readGoal(Goal& goal) const;
   [[nodiscard]] Proof obstacle(Goal const& goal) const;
-  [[nodiscard]] std::vector<Way> bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
-                                          std::size_t most) const;
+  /// Nothing when the caller has cancelled the search.
+  [[nodiscard]] std::optional<std::vector<Way>> bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
+                                                         HowOptions const& options) const;
   [[nodiscard]] std::vector<ValueChange> lostBy(EditResult const& result) const;
 
   // Constant after construction.

@@ -133,7 +133,9 @@ HowResult SessionImpl::how(Goal const& asked, HowOptions const& options) const {
   result.completedEdits = search.completedEdits();
   result.stoppedByTime = search.isStoppedByTime();
   result.freeParams = search.freeParams();
-  result.ways = bestWays(found, goal, options.maxWays);
+  auto ways = search.isCancelled() ? std::nullopt : bestWays(found, goal, options);
+  result.cancelled = !ways;
+  if (ways) result.ways = std::move(*ways);
   result.answer = result.ways.empty() ? HowAnswer::NotFound : HowAnswer::Found;
   return result;
 }
@@ -164,15 +166,18 @@ Proof SessionImpl::obstacle(Goal const& goal) const {
   }
 }
 
-std::vector<Way> SessionImpl::bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
-                                       std::size_t most) const {
+std::optional<std::vector<Way>> SessionImpl::bestWays(std::vector<WaySearch::Found> const& found, Goal const& goal,
+                                                      HowOptions const& options) const {
   // If there are very many sequences, the first ones are compared: they were tried first because they are the
   // straightest.
   constexpr std::size_t mostCompared = 100;
   constexpr std::size_t mostReviewed = 12;
+  std::size_t const most = options.maxWays;
+  auto const isCancelled = [&] { return options.isCancelled && options.isCancelled(); };
   std::vector<Way> ways;
   for (WaySearch::Found const& each : withoutRepetitions(found, goal)) {
     if (ways.size() == mostCompared) break;
+    if (isCancelled()) return std::nullopt;
     Way way;
     way.edits = each.edits;
     way.atNextEdit = each.atNextEdit;
@@ -189,7 +194,10 @@ std::vector<Way> SessionImpl::bestWays(std::vector<WaySearch::Found> const& foun
     std::erase_if(ways, [&](Way const& way) { return costOf(way) > limit; });
   }
   if (ways.size() > std::max(most, mostReviewed)) ways.resize(std::max(most, mostReviewed));
-  for (Way& way : ways) way.findingsGained = tryWithFindings(way.edits, References::Stay).findingsGained;
+  for (Way& way : ways) {
+    if (isCancelled()) return std::nullopt;
+    way.findingsGained = tryWithFindings(way.edits, References::Stay).findingsGained;
+  }
   auto const rankOf = [&](Way const& way) {
     return std::tuple(costOf(way), newErrors(way), way.result.effect.objectsDeleted.size(), way.result.effect.size(),
                       textOf(way.edits));

@@ -61,7 +61,10 @@ std::string textOf(HowResult const& result) {
       break;
     case HowAnswer::NotFound:
       text = "No way to " + goal + " was found: " + counted(result.trials, "trial") + ", all of up to " +
-             counted(result.completedEdits, "edit") + (result.stoppedByTime ? ", stopped by the clock" : "") + '\n';
+             counted(result.completedEdits, "edit");
+      if (result.stoppedByTime) text += ", stopped by the clock";
+      if (result.cancelled) text += ", cancelled";
+      text += '\n';
       break;
   }
   if (!result.freeParams.empty()) {

@@ -134,14 +134,14 @@ std::vector<WaySearch::Found> WaySearch::run() {
     std::vector<State> next;
     bool isComplete =
         expand(level, next, options_.maxTrials, [this](Branch const& branch) { return candidatesIn(branch); });
-    if (!found_.empty() || isStoppedByTime_) break;
+    if (!found_.empty() || isStopped()) break;
     // Half of what is left is kept for the next length, where the straight way may lead on.
     std::size_t const left = options_.maxTrials - std::min(options_.maxTrials, work_);
     std::size_t const most = length < options_.maxEdits ? work_ + left / 2 : options_.maxTrials;
     if (!relevant_) relevant_.emplace(ground_.ruled.rules(), goal_.item);
     isComplete = expand(level, next, most, [this](Branch const& branch) { return relevantIn(branch); }) && isComplete;
     if (isComplete && !isCutOff_ && completedEdits_ == length - 1) completedEdits_ = length;
-    if (!found_.empty() || isStoppedByTime_) break;
+    if (!found_.empty() || isStopped()) break;
     if (next.empty() && completedEdits_ == length) completedEdits_ = options_.maxEdits;
     level = std::move(next);
   }
@@ -180,7 +180,8 @@ void WaySearch::reorder(Found& way) {
 
 bool WaySearch::isOverBudget(std::size_t mostWork) {
   isStoppedByTime_ = isStoppedByTime_ || Clock::now() >= end_;
-  return isStoppedByTime_ || work_ >= mostWork;
+  isCancelled_ = isCancelled_ || (options_.isCancelled && options_.isCancelled());
+  return isStopped() || work_ >= mostWork;
 }
 
 bool WaySearch::expand(std::vector<State>& level, std::vector<State>& next, std::size_t mostWork,

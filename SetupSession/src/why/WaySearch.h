@@ -59,6 +59,8 @@ class WaySearch {
   /// Every sequence of edits that have to do with the goal was tried, up to this length.
   [[nodiscard]] std::size_t completedEdits() const noexcept { return completedEdits_; }
   [[nodiscard]] bool isStoppedByTime() const noexcept { return isStoppedByTime_; }
+  /// The caller has ended the search. The ways that were found so far are not all.
+  [[nodiscard]] bool isCancelled() const noexcept { return isCancelled_; }
   [[nodiscard]] std::vector<Item> const& freeParams() const noexcept { return freeParams_; }
 
  private:
@@ -83,6 +85,7 @@ class WaySearch {
   [[nodiscard]] std::vector<Edit> relevantIn(Branch const& branch);
   [[nodiscard]] std::string fingerprint(Branch const& branch) const;
   [[nodiscard]] bool isOverBudget(std::size_t mostWork);
+  [[nodiscard]] bool isStopped() const noexcept { return isStoppedByTime_ || isCancelled_; }
 
   SearchGround const& ground_;
   Goal const& goal_;
@@ -106,6 +109,7 @@ class WaySearch {
   std::size_t completedEdits_ = 0;
   bool isCutOff_ = false;
   bool isStoppedByTime_ = false;
+  bool isCancelled_ = false;
 };
 
 }  // namespace tarn::session

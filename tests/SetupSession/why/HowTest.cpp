@@ -124,6 +124,43 @@ TEST(How, SearchChangesNothing) {
             untouched.session->edit(Edit::setParam(rotor, "Motion", "Rotating")));
 }
 
+/// The search for this goal, given up when it asks for the given time whether it is.
+HowResult cancelled(FlowCase const& flow, std::size_t at, std::size_t& asked) {
+  HowOptions options;
+  asked = 0;
+  options.isCancelled = [&asked, at] { return ++asked >= at; };
+  return flow.session->how({{rotor, "Drag"}, {}}, options);
+}
+
+TEST(How, CancelledSearchHasNoWaysAndChangesNothing) {
+  FlowCase const flow({{"/Case", {}}, {rotor, {{"Motion", "Rotating"}}}});
+  ModelState const before = flow.session->result();
+  std::size_t asked = 0;
+  HowResult const whole = cancelled(flow, 1'000'000, asked);
+  ASSERT_EQ(whole.answer, HowAnswer::Found);
+  EXPECT_FALSE(whole.cancelled);
+  std::size_t const questions = asked;
+  ASSERT_GT(questions, 20U);
+  // In the middle, and in the comparison of the ways at the end.
+  for (std::size_t const at : {std::size_t{1}, std::size_t{2}, questions / 2, questions - 1, questions}) {
+    HowResult const result = cancelled(flow, at, asked);
+    EXPECT_TRUE(result.cancelled) << at;
+    EXPECT_EQ(result.answer, HowAnswer::NotFound) << at;
+    EXPECT_TRUE(result.ways.empty()) << at;
+    EXPECT_EQ(asked, at) << "the search went on";
+    EXPECT_EQ(flow.session->result(), before) << at;
+  }
+  EXPECT_EQ(textOf(cancelled(flow, 1'000'000, asked)), textOf(whole));
+}
+
+TEST(How, TextOfACancelledSearchSaysSo) {
+  FlowCase const flow;
+  std::size_t asked = 0;
+  std::string const text = textOf(cancelled(flow, 1, asked));
+  EXPECT_EQ(text.substr(0, text.find('\n')),
+            "No way to /Case/Domain:rotor/Drag was found: 0 trials, all of up to 0 edits, cancelled");
+}
+
 char const* const pumpRules = R"rules(Rule Database: 1
 Pertinent Roots: [Plant]
 Quantity Types:

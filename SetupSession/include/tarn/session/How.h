@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,6 +37,9 @@ struct TARN_EXPORT HowOptions {
   /// A safety stop. A search that ends by it depends on the machine, and says so. All other bounds are the same
   /// everywhere.
   std::chrono::milliseconds maxTime{10'000};
+  /// Lets the caller give up, for instance when a user no longer waits. It is called before each trial, on the thread of
+  /// the search; returning true ends the search. Not called while empty. It must not use the session, and must not throw.
+  std::function<bool()> isCancelled = {};
 };
 
 /// A sequence of edits that was tried and reached the goal.
@@ -77,6 +81,8 @@ struct TARN_EXPORT HowResult {
   /// of parameters that can have any number or text, and other names of objects.
   std::size_t completedEdits = 0;
   bool stoppedByTime = false;
+  /// `HowOptions::isCancelled` has ended the search. Then there are no ways, and the answer is `NotFound`.
+  bool cancelled = false;
   /// Why the parameter can never have the value: it is of the wrong type, or its units cannot be converted.
   std::optional<Refused> refused;
   /// The obstacle now: the proof of the goal's opposite. Not set for `AlreadySo`, and where `refused` is set.
