@@ -12,6 +12,7 @@
 docs/python.md is the manual.
 """
 
+import tarn._interpreter  # before the compiled module is loaded
 from tarn.errors import EditRefused, Error, ModelError, OpenError, RuleError, SaveError, UnknownItem
 from tarn.model import Model, value_text
 from tarn.records import (BoundsChange, ChildTypeRecord, ChoicesChange, Conversion, Diagnostic, DiagnosticFix,

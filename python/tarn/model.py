@@ -9,7 +9,7 @@ from collections.abc import Mapping, Sequence
 from typing import Any
 
 from tarn import _tarn
-from tarn.rules import AnyPath, Rules, _bytes
+from tarn.rules import AnyPath, Rules, _bytes, _database_of
 from tarn._html import table
 
 __all__ = ["Model", "State", "value_text"]
@@ -58,7 +58,7 @@ class Model:
         >>> len(Model.read("examples/heating/models/house.tdf").state)
         17
         """
-        name = os.fspath(path)
+        name = os.fsdecode(path)
         with open(name, "rb") as file:
             model = cls(file.read(), source=name)
         model._file = name
@@ -211,6 +211,8 @@ def value_text(value: object) -> str:
 
 
 def _state_of(content: Mapping[str, Any]) -> State:
+    if not isinstance(content, Mapping):
+        raise TypeError(f"a model must be a dictionary, not {type(content).__name__}")
     state: State = {}
     # Not recursive: a model may have a thousand levels.
     todo: list[tuple[str, Mapping[str, Any]]] = [("", content)]
@@ -278,9 +280,11 @@ def as_model(model: Model | AnyPath | Mapping[str, Any] | None) -> Model:
         return Model.from_dict({})
     if isinstance(model, Mapping):
         return Model.from_dict(model)
+    if not isinstance(model, (str, bytes, os.PathLike)):
+        raise TypeError(f"a model must be a tarn.Model, the name of a file, or a dictionary, not {type(model).__name__}")
     return Model.read(model)
 
 
 def written(state: State, text: bytes, rules: Rules | None) -> bytes:
     """`text`, changed so that it says `state`."""
-    return _tarn.write_model(state, text, rules._database if rules is not None else None)
+    return _tarn.write_model(state, text, _database_of(rules) if rules is not None else None)

@@ -10,12 +10,12 @@ from concurrent.futures import Future, ThreadPoolExecutor
 from dataclasses import dataclass
 from typing import Any, Literal
 
-from tarn import _tarn
+from tarn import _checks, _tarn
 from tarn._html import table
 from tarn.errors import Error, ModelError
 from tarn.model import Model, as_model
 from tarn.records import Findings, _findings_table
-from tarn.rules import AnyPath, Rules
+from tarn.rules import AnyPath, Rules, _database_of
 
 __all__ = ["Review", "Reviewed", "review"]
 
@@ -68,8 +68,9 @@ class Review:
         "all". With `only_validator`, unknown names and values that do not fit their declaration are not reported.
         """
         self._rules = rules
-        self._options = (tuple(roots), phases, only_validator)
-        self._reviewer = _tarn.Reviewer(rules._database, list(self._options[0]), phases, only_validator)
+        paths = tuple(_checks.text(root, "a root") for root in _checks.several(roots, "roots"))
+        self._options = (paths, phases, only_validator)
+        self._reviewer = _tarn.Reviewer(_database_of(rules), list(paths), phases, only_validator)
 
     @property
     def rules(self) -> Rules:
@@ -124,11 +125,13 @@ def review(rules: Rules, models: Iterable[AnyModel], *, jobs: int | None = None,
     examples/flow/models/sound.tdf: 0 errors, 0 warnings
     examples/flow/models/missing.tdf: [Errno 2] No such file or directory: 'examples/flow/models/missing.tdf'
     """
-    count = (os.cpu_count() or 1) if jobs is None else jobs
-    if count < 1:
-        raise ValueError(f"jobs is {count}; give at least 1")
-    if batch < 1:
-        raise ValueError(f"batch is {batch}; give at least 1")
+    count = (os.cpu_count() or 1) if jobs is None else _checks.whole(jobs, "jobs", 1)
+    _checks.whole(batch, "batch", 1)
+    _checks.several(models, "models")
+    if isinstance(models, Mapping):
+        raise TypeError("models must be a list of models, not one dictionary")
+    if client is not None and not hasattr(client, "submit"):
+        raise TypeError(f"client must be a Client of Dask distributed, not {type(client).__name__}")
     judge = Review(rules, roots=roots, phases=phases, only_validator=only_validator)
     return _in_order(judge, models, count) if client is None else _on_cluster(judge, models, client, batch)
 

@@ -27,7 +27,7 @@ class Rules:
 
     def __init__(self, sources: Iterable[tuple[str, bytes]]) -> None:
         """Rules from the names and texts of rule files, in the order in which they count. Raises `RuleError`."""
-        self._sources = tuple((str(name), bytes(text)) for name, text in sources)
+        self._sources = tuple((str(name), _bytes(text)) for name, text in sources)
         self._database = _tarn.Rules(list(self._sources))
 
     @property
@@ -86,7 +86,7 @@ def load_rules(*paths: AnyPath) -> Rules:
     >>> rules.root_types
     ('Plant',)
     """
-    return Rules(_tarn.read_rule_files([os.fspath(path) for path in paths]))
+    return Rules(_tarn.read_rule_files([os.fsdecode(path) for path in paths]))
 
 
 def parse_rules(text: str | bytes | Mapping[str, str | bytes], source: str = "<rules>") -> Rules:
@@ -104,7 +104,7 @@ def parse_rules(text: str | bytes | Mapping[str, str | bytes], source: str = "<r
 
 def lint_rules(*paths: AnyPath) -> tuple[Diagnostic, ...]:
     """Everything that is wrong or doubtful in rule files: errors, warnings and notes. Empty when nothing was found."""
-    return _tarn.lint_files([os.fspath(path) for path in paths])
+    return _tarn.lint_files([os.fsdecode(path) for path in paths])
 
 
 def lint_text(text: str | bytes, source: str = "<rules>") -> tuple[Diagnostic, ...]:
@@ -118,4 +118,15 @@ def lint_text(text: str | bytes, source: str = "<rules>") -> tuple[Diagnostic, .
 
 
 def _bytes(text: str | bytes) -> bytes:
-    return text.encode("utf-8", "surrogateescape") if isinstance(text, str) else text
+    if isinstance(text, str):
+        return text.encode("utf-8", "surrogateescape")
+    if not isinstance(text, (bytes, bytearray, memoryview)):
+        raise TypeError(f"a text must be str or bytes, not {type(text).__name__}")
+    return bytes(text)
+
+
+def _database_of(rules: Rules) -> _tarn.Rules:
+    """The rules as the compiled module has them. Raises `TypeError`."""
+    if not isinstance(rules, Rules):
+        raise TypeError(f"rules must be a tarn.Rules, which load_rules makes, not {type(rules).__name__}")
+    return rules._database

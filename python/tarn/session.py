@@ -7,13 +7,13 @@ from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import Any, Literal, NoReturn
 
-from tarn import _tarn
+from tarn import _checks, _tarn
 from tarn._html import Table
 from tarn.errors import OpenError, SaveError, UnknownItem
 from tarn.model import Model, ParamValue, as_model, value_text
 from tarn.records import (ChildTypeRecord, Difference, Edit, EditResult, Explanation, Findings, Found, HowResult, Item,
                           ObjectRecord, OwnValue, ParamRecord, Proof, Step, TryResult, Waiting)
-from tarn.rules import AnyPath, Rules
+from tarn.rules import AnyPath, Rules, _database_of
 
 __all__ = ["QueryResult", "Session", "WrittenItem"]
 
@@ -76,7 +76,9 @@ class Session:
         """
         self._rules = rules
         self._model = as_model(model)
-        database = rules._database
+        database = _database_of(rules)
+        if root is not None:
+            _checks.text(root, "root")
         if self._model.has_text:
             self._handle = _tarn.open_text(database, self._model.source, self._model.content, root,
                                            self._model.file is not None)
@@ -139,11 +141,12 @@ class Session:
 
     def duplicate(self, path: WrittenItem, new_name: str) -> EditResult:
         """Copies a named object, with everything in it, under a new name beside it."""
-        return self.edit(Edit("duplicate-object", self._object_path(path), new_name))
+        return self.edit(Edit("duplicate-object", self._object_path(path), _checks.text(new_name, "new_name")))
 
     def rename(self, path: WrittenItem, new_name: str, *, follow_references: bool = False) -> EditResult:
         """Gives a named object a new name. With `follow_references`, the values that name it follow."""
-        return self.edit(Edit("rename-object", self._object_path(path), new_name), follow_references=follow_references)
+        edit = Edit("rename-object", self._object_path(path), _checks.text(new_name, "new_name"))
+        return self.edit(edit, follow_references=follow_references)
 
     def edit_for(self, param: WrittenItem, value: ParamValue) -> Edit:
         """The edit that `set` would make, for use in a list of edits. Nothing is checked or made.
@@ -199,7 +202,7 @@ class Session:
         """
         if isinstance(text, Item):
             return text
-        item, refused = self._handle.known_item(text)
+        item, refused = self._handle.known_item(_path_text(text))
         if item is None:
             assert refused is not None
             raise UnknownItem(refused)
@@ -257,7 +260,7 @@ class Session:
 
     def find(self, text: str, most: int = 100) -> tuple[Found, ...]:
         """The present objects and the known parameters whose name or type contains `text`, the best matches first."""
-        return self._handle.find(text, most)
+        return self._handle.find(_checks.text(text, "text"), _checks.whole(most, "most"))
 
     @property
     def own(self) -> tuple[OwnValue, ...]:
@@ -294,32 +297,42 @@ class Session:
         text = None if value is None else value_text(value)
         if text is not None and not found.is_param:
             raise ValueError(f"{found} is an object and has no value")
-        return self._handle.why(found.path, found.name, text, question, depth)
+        return self._handle.why(found.path, found.name, text, question, _checks.whole(depth, "depth"))
 
     def how(self, item: WrittenItem, value: ParamValue | None = None, *, max_edits: int = 3, max_candidates: int = 100,
             max_trials: int = 20_000, max_ways: int = 3, max_seconds: float = 10.0) -> HowResult:
         """The shortest sequences of edits after which an item is there, or has a value. Changes nothing.
 
-        `max_seconds` is a safety stop: the result says when it was reached. Raises `UnknownItem`.
+        `max_seconds` is a safety stop: the result says when it was reached. Ctrl-C ends the search at once. Raises
+        `UnknownItem`.
         """
         found = self.item(item)
         text = None if value is None else value_text(value)
         if text is not None and not found.is_param:
             raise ValueError(f"{found} is an object and has no value")
+        _checks.whole(max_edits, "max_edits")
+        _checks.whole(max_candidates, "max_candidates")
+        _checks.whole(max_trials, "max_trials")
+        _checks.whole(max_ways, "max_ways", 1)
         return self._handle.how(found.path, found.name, text, max_edits, max_candidates, max_trials, max_ways,
                                 max_seconds)
 
-    def eval(self, expression: str, at: str | None = None) -> QueryResult:
+    def eval(self, expression: str, at: WrittenItem | None = None) -> QueryResult:
         """The value of an expression of the rule language in the present state. Changes nothing.
 
-        Relative paths start at the object `at`, by default at `root`. Raises `RuleError` for an expression with errors.
+        Relative paths start at the object `at`, by default at `root`. Raises `RuleError` for an expression with errors,
+        and `ValueError` if the model has no such object.
 
         >>> import tarn
         >>> session = tarn.Session(tarn.load_rules("examples/heating/rules"), "examples/heating/models/house.tdf")
         >>> session.eval("count({/Plant/Circuit:*})").value
         2.0
         """
-        value, explanation = self._handle.eval(expression, at)
+        start = None if at is None else self._object_path(at)
+        if start and not any(one == start or one.startswith(start + "/") for one in self._handle.result()):
+            raise ValueError(f"the model has no object {start}")
+        value, explanation = self._handle.eval(_checks.text(expression, "an expression"),
+                                               start)
         return QueryResult(expression, value, explanation)
 
     # Result
@@ -349,7 +362,7 @@ class Session:
         """
         if path is None and not self._handle.has_file():
             raise SaveError("the model was not read from a file; give the path where to save it", "no-file")
-        return self._handle.save(None if path is None else os.fspath(path), overwrite)
+        return self._handle.save(None if path is None else os.fsdecode(path), overwrite)
 
     def __repr__(self) -> str:
         return f"<tarn.Session on {self._model.source}, {self.root or '/'}>"
@@ -362,7 +375,7 @@ class Session:
 
     def _object_path(self, item: WrittenItem) -> str:
         if not isinstance(item, Item):
-            return self._handle.absolute_path(item)
+            return self._handle.absolute_path(_path_text(item))
         if item.name is not None:
             raise ValueError(f"{item} is a parameter, not an object")
         return item.path
@@ -372,7 +385,7 @@ class Session:
             if item.name is None:
                 raise ValueError(f"{item} is an object, not a parameter")
             return item
-        path, _, name = self._handle.absolute_path(item).rpartition("/")
+        path, _, name = self._handle.absolute_path(_path_text(item)).rpartition("/")
         return Item(path, name)
 
     def _param_edit(self, kind: Literal["set-param", "activate-param", "deactivate-param"], item: WrittenItem,
@@ -384,15 +397,23 @@ class Session:
         if isinstance(item, Item):
             is_param = item.is_param
         else:
-            is_param = self._handle.means_param(self._handle.absolute_path(item))
+            is_param = self._handle.means_param(self._handle.absolute_path(_path_text(item)))
         if is_param:
             return self._param_edit("activate-param" if verb == "activate" else "deactivate-param", item)
         return Edit("activate-object" if verb == "activate" else "deactivate-object", self._object_path(item))
 
 
+def _path_text(item: object) -> str:
+    if not isinstance(item, str):
+        raise TypeError(f"an item must be a path or a tarn.Item, not {type(item).__name__}")
+    return item
+
+
 def _flat(edits: Iterable[Edit | Iterable[Edit]]) -> list[Edit]:
     flat: list[Edit] = []
     for one in edits:
+        if not isinstance(one, (Edit, Iterable)):
+            raise TypeError(f"an edit must be a tarn.Edit, not {type(one).__name__}")
         for edit in (one,) if isinstance(one, Edit) else one:
             if not isinstance(edit, Edit):
                 raise TypeError(f"an edit must be a tarn.Edit, not {type(edit).__name__}")

@@ -4,12 +4,17 @@ import os
 import pathlib
 
 import pytest
+from hypothesis import settings
 
 import tarn
 
 HOUSE = pathlib.Path(__file__).resolve().parents[2]
 FLOW = HOUSE / "examples" / "flow"
 HEATING = HOUSE / "examples" / "heating"
+
+# A loaded machine must not fail a test, so no example has a deadline.
+settings.register_profile("tests", deadline=None)
+settings.load_profile("tests")
 
 
 @pytest.fixture(scope="session")

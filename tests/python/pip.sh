@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # `pip install .` without a network, into a folder of its own; then the installed package works alone. It compiles all
-# libraries, so no gate runs it: run it by hand after a change of setup.py or of the install rules.
+# libraries, unless ccache has them: tools/packages runs it when it has just compiled the same.
 #
 #     pip.sh PYTHON SOURCES FOLDER
 set -euo pipefail
@@ -27,5 +27,7 @@ assert session.set("Boiler:main/Fuel", "Oil").applied
 libraries = {line.split()[-1] for line in open("/proc/self/maps") if "libTARN" in line}
 assert libraries and all(one.startswith(place) for one in libraries), libraries
 assert (pathlib.Path(place) / "tarn" / "py.typed").exists()
+from tarn.study import read_study, prepare
+prepare(read_study("examples/heating/studies/pumps.study.yaml"))
 print("installed by pip, and at work:", session)
 END

@@ -58,7 +58,8 @@ def test_results_are_in_the_order_of_the_models(flow: tarn.Rules, jobs: int) -> 
 def test_a_model_that_cannot_be_judged_does_not_stop_the_others(flow: tarn.Rules, tmp_path: pathlib.Path) -> None:
     broken = tmp_path / "broken.tdf"
     broken.write_text("Case\n")
-    models: list[Any] = [MODELS[0], tmp_path / "missing.tdf", broken, {"Case": {"Title": "Fan"}}, tarn.Model("x\n", source="x")]
+    models: list[Any] = [MODELS[0], tmp_path / "missing.tdf", broken, {"Case": {"Title": "Fan"}},
+                         tarn.Model("x\n", source="x")]
     results = list(tarn.review(flow, models, jobs=2))
     assert [type(one.error) for one in results] == [
         type(None), FileNotFoundError, tarn.ModelError, type(None), tarn.ModelError]

@@ -322,3 +322,50 @@ def test_texts_with_unusual_characters_are_refused_or_kept_but_never_crash(house
         house.set(text, "x")
         house.find(text)
     assert house.result().state
+
+
+WRONG: list[tuple[Callable[[Any], object], str]] = [
+    (lambda one: one.set(3, "x"), "an item must be a path or a tarn.Item, not int"),
+    (lambda one: one.look(None), "an item must be a path or a tarn.Item, not NoneType"),
+    (lambda one: one.edit(3), "an edit must be a tarn.Edit, not int"),
+    (lambda one: one.rename("Boiler:main", 3), "new_name must be a text, not int"),
+    (lambda one: one.find(b"x"), "text must be a text, not bytes"),
+    (lambda one: one.why("Boiler:main/Fuel", depth=-1), "depth is -1; give at least 0"),
+    (lambda one: one.why("Boiler:main/Fuel", depth=10**30), "depth is too large"),
+    (lambda one: one.how("Boiler:main/Fuel", "Oil", max_edits=1.5), "max_edits must be a whole number, not float"),
+    (lambda one: one.how("Boiler:main/Fuel", "Oil", max_ways=0), "max_ways is 0; give at least 1"),
+    (lambda one: one.how("Boiler:main/Fuel", "Oil", max_seconds=-1), "max_seconds must be from 0 to 1e9"),
+    (lambda one: one.eval(3), "an expression must be a text, not int"),
+    (lambda one: one.eval("1", at="Boiler:old"), "the model has no object /Plant/Boiler:old"),
+    (lambda one: tarn.Session("rules", {}),  # type: ignore[arg-type]
+     "rules must be a tarn.Rules, which load_rules makes, not str"),
+    (lambda one: tarn.Session(one.rules, 3),  # type: ignore[arg-type]
+     "a model must be a tarn.Model, the name of a file, or a dictionary, not int"),
+    (lambda one: tarn.Session(one.rules, {}, root=3), "root must be a text, not int"),  # type: ignore[arg-type]
+    (lambda one: tarn.Model(3), "a text must be str or bytes, not int"),  # type: ignore[arg-type]
+    (lambda one: tarn.Model.from_dict([]), "a model must be a dictionary, not list"),  # type: ignore[arg-type]
+    (lambda one: tarn.parse_rules(3), "a text must be str or bytes, not int"),  # type: ignore[arg-type]
+    (lambda one: tarn.Review("rules"),  # type: ignore[arg-type]
+     "rules must be a tarn.Rules, which load_rules makes, not str"),
+    # These would be taken as lists of letters.
+    (lambda one: tarn.Review(one.rules, roots="/Plant"), "roots must be a list, not one text; write ['/Plant']"),
+    (lambda one: tarn.review(one.rules, "a.tdf"), "models must be a list, not one text; write ['a.tdf']"),
+    (lambda one: tarn.review(one.rules, {}), "models must be a list of models, not one dictionary"),
+    (lambda one: tarn.review(one.rules, [], jobs="2"), "jobs must be a whole number, not str"),  # type: ignore[arg-type]
+    (lambda one: tarn.review(one.rules, [], client="tcp://a"), "client must be a Client of Dask distributed, not str"),
+]
+
+
+@pytest.mark.parametrize("call, message", WRONG)
+def test_an_argument_of_the_wrong_kind_is_named(house: tarn.Session, call: Callable[[Any], object],
+                                                message: str) -> None:
+    with pytest.raises((TypeError, ValueError)) as caught:
+        call(house)
+    assert str(caught.value) == message and house.steps == ()
+
+
+def test_an_expression_can_start_at_any_object_of_the_model(house: tarn.Session) -> None:
+    assert house.eval("${Fuel}", at="Boiler:main").value == "Gas"
+    assert house.eval("${Fuel}", at=Item("/Plant/Boiler:main")).value == "Gas"
+    outside = tarn.Session(house.rules, house.model, root="/Plant/Circuit:ground")
+    assert outside.eval("${Fuel}", at="/Plant/Boiler:main").value == "Gas"

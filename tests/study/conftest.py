@@ -7,9 +7,14 @@ import sys
 from typing import Any, Protocol
 
 import pytest
+from hypothesis import settings
 
 DATA = pathlib.Path(__file__).parent / "data"
 RULES, MODEL = str(DATA / "channel.rules.yaml"), str(DATA / "channel.tdf")
+
+# A loaded machine must not fail a test, so no example has a deadline.
+settings.register_profile("tests", deadline=None)
+settings.load_profile("tests")
 
 
 class Describe(Protocol):

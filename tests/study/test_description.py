@@ -107,6 +107,9 @@ def test_a_text_that_is_no_description_is_refused(described: Describe, text: str
     ("{Parameter: /Case/Cells, Range: [1 [mm], 3]}", None),
     ("{Parameter: /Case/Cells, Normal: {Mean: 3}}", '"Normal" needs the key "Deviation".'),
     ("{Parameter: /Case/Cells, Values: [1], Logarithmic: yes}", '"Logarithmic" goes only with "Range".'),
+    ("{Parameter: /Case/Cells, Normal: {Mean: nan, Deviation: 1}, Steps: 3}", "Mean must be a finite number, not nan."),
+    ("{Parameter: /Case/Cells, Range: [1, 9], Steps: 100000000000}", "At most 100,000 steps are possible."),
+    ("{Parameter: /Case/Cells, Range: [1, 9], Steps: 3, Digits: two}", '"Digits" must be a whole number.'),
     ("{Parameter: /Case/Cells}", 'Factor "a" has no values.'),
     ("{Parameter: /Case/Cells, Range: [1, 2]}",
      'Factor "a" needs "Steps", the number of its levels, in a full factorial design.'),
@@ -119,6 +122,12 @@ def test_a_factor_with_a_mistake_is_refused_at_its_line(described: Describe, fac
     (found,) = faults_of(described(f"Factors:\n  a: {factor}\nDesign: Full Factorial\n"))
     assert found.startswith("5:")
     assert fault is None or found.endswith(fault)
+
+
+def test_a_description_that_cannot_be_read_is_named_once(tmp_path: pathlib.Path) -> None:
+    with pytest.raises(StudyError) as caught:
+        read_study(tmp_path / "none.yaml")
+    assert str(caught.value) == f"{tmp_path}/none.yaml cannot be read: No such file or directory."
 
 
 def test_two_factors_cannot_set_one_parameter(described: Describe) -> None:

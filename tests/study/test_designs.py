@@ -1,7 +1,7 @@
 """Which points a design has, and its laws."""
 
 import math
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
 from typing import Any
 
 import pytest
@@ -9,7 +9,7 @@ from hypothesis import given, settings
 from hypothesis import strategies as st
 
 from tarn.study import (MOST_POINTS, Design, Factor, FullFactorial, LatinHypercube, LogNormal, Normal, OneAtATime, Point,
-                        Range, Table, Triangular)
+                        Range, Study, StudyError, Table, Triangular, run_study)
 
 REGIME = Factor("regime", "/Case/Regime", ["Laminar", "Turbulent"])
 CELLS = Factor("cells", "/Case/Cells", [100, 200, 300], base=100)
@@ -144,6 +144,15 @@ def test_values_stay_within_their_range(low: float, width: float, share: float) 
     (Normal(0, 1, lowest=3, highest=2), "The highest value 2 is not above the lowest 3."),
     (Normal(0, 1, lowest=50), "The distribution has nearly no values between its lowest and its highest value."),
     (LogNormal(-1, 1), "The median must be above 0."),
+    (Normal(math.nan, 1), "Mean must be a finite number, not nan."),
+    (Normal(0, 1, lowest=math.inf), "Lowest must be a finite number, not inf."),
+    (LogNormal(1, math.inf), "Spread must be a finite number, not inf."),
+    (LogNormal(3, 1e300), "The values of the distribution are too large."),
+    (Triangular(0, 1, math.nan), "Highest must be a finite number, not nan."),
+    (Triangular(-1e300, 0, 1e300), "The values of the distribution are too large."),
+    (Range(-1e308, 1e308), "The range is too wide."),
+    (Range(0, 1, steps=10**11), "At most 100,000 steps are possible."),
+    (Range(0, 1, steps=2.5), "The number of steps must be a whole number, not 2.5."),  # type: ignore[arg-type]
     (Triangular(0, 3, 2), "The lowest value, the peak and the highest value must be in this order."),
 ])
 def test_values_that_make_no_sense_are_refused(values: Any, message: str) -> None:
@@ -161,6 +170,34 @@ def test_a_design_with_too_many_points_is_refused_with_the_limit() -> None:
         "hypercube."]
     assert faults(LatinHypercube(MOST_POINTS + 1), [REGIME]) == [
         "The design has 10,000,001 points, and at most 10,000,000 are possible."]
+
+
+@pytest.mark.parametrize("make, message", [
+    (lambda: Factor(3, "/A/b"), "the name of a factor must be a text, not int"),  # type: ignore[arg-type]
+    (lambda: Factor("f", 3), 'the parameters of factor "f" must be a path or a list of paths'),  # type: ignore[arg-type]
+    (lambda: Factor("f", "/A/b", 5),  # type: ignore[arg-type]
+     'the values of factor "f" must be a list, a range or a distribution, not int'),
+    (lambda: Factor("f", "/A/b", ["x"], digits=0), 'Factor "f" has 0 digits; give 1 to 12.'),
+    (lambda: study(seed="x"), "seed must be a whole number, not str"),
+    (lambda: study(design=FullFactorial),
+     "design must be a design, such as FullFactorial() or LatinHypercube(100), not <class "
+     "'tarn.study.designs.FullFactorial'>"),
+    (lambda: study(factors={"f": "/A/b"}), "a factor must be a tarn.study.Factor, not str"),
+    (lambda: study(outputs=[3]), "an output must be the path of a parameter, not int"),
+    (lambda: run_study("s.yaml", "out"),  # type: ignore[arg-type]
+     "study must be a tarn.study.Study, not str; read_study reads one from a file"),
+    (lambda: run_study(study(), "out", jobs=0), "jobs is 0; give at least 1"),
+    (lambda: run_study(study(), "out", batch=-1), "batch is -1; give at least 1"),
+])
+def test_an_argument_of_the_wrong_kind_is_named(make: Callable[[], object], message: str) -> None:
+    with pytest.raises((TypeError, ValueError, StudyError)) as caught:
+        make()
+    assert str(caught.value) == message
+
+
+def study(**changed: Any) -> Study:
+    arguments: dict[str, Any] = {"rules": "rules", "model": None, "factors": [REGIME], "design": FullFactorial()}
+    return Study(**(arguments | changed))
 
 
 def test_a_factor_without_levels_is_named() -> None:

@@ -105,7 +105,8 @@ def test_a_factor_has_the_same_values_whatever_else_varies(tmp_path: pathlib.Pat
     cells = Factor("cells", "/Case/Cells", Range(10, 1000, whole=True))
     regime = Factor("regime", "/Case/Regime", ["Laminar", "Turbulent"])
     for name, factors in (("alone", [cells]), ("both", [regime, cells])):
-        run_study(Study(rules=RULES, model=MODEL, factors=factors, design=LatinHypercube(40), seed=5), tmp_path / name, jobs=1)
+        study = Study(rules=RULES, model=MODEL, factors=factors, design=LatinHypercube(40), seed=5)
+        run_study(study, tmp_path / name, jobs=1)
     alone, both = (table_of(tmp_path / name) for name in ("alone", "both"))
     assert [row["cells"] for row in alone] == [row["cells"] for row in both]
 

@@ -34,6 +34,10 @@ LATE_FACTOR, LATE_SECONDS = 5.0, 20.0
 """When nothing else is left to send, a batch is sent again if it takes so many times as long as others, and at least so
 many seconds."""
 
+RESULT_SECONDS = 15.0
+"""The points of a batch that is finished must arrive in this time; otherwise the batch is sent again. A worker can hang
+with the result."""
+
 MOST_ATTEMPTS = 4
 """A batch is under way at most so many times at once."""
 
@@ -203,7 +207,7 @@ class ClusterExecutor:
             for future in sent.futures:
                 if future.status == "finished":
                     try:
-                        reply = future.result(timeout=60)
+                        reply = future.result(timeout=RESULT_SECONDS)
                     except Exception:  # noqa: BLE001  the result was lost on its way; it is made again
                         under_way.remove(sent)
                         work.again(sent.batch)

@@ -188,9 +188,9 @@ class _Reader:
 
             source = self.source(entry.key_node, what, entries)
             digits = self.whole(entries["Digits"].node, '"Digits"') if "Digits" in entries else SIGNIFICANT_DIGITS
-            if digits is None or not 1 <= digits <= SIGNIFICANT_DIGITS:
+            if digits is not None and not 1 <= digits <= SIGNIFICANT_DIGITS:
                 self.fault(entries["Digits"].node, f'"Digits" must be between 1 and {SIGNIFICANT_DIGITS}.')
-                digits = SIGNIFICANT_DIGITS
+                digits = None
             if "Digits" in entries and not isinstance(source, (Range, Normal, LogNormal, Triangular, type(None))):
                 self.fault(entries["Digits"].key_node, '"Digits" goes only with a range or a distribution.')
 
@@ -198,7 +198,7 @@ class _Reader:
                 return self.text(entries[key].node, f'"{key}"') if key in entries else None
 
             yield Factor(name, self.texts(entries["Parameter"].node, '"Parameter"'),
-                         source, text("Units") or "", text("Base"), digits, place)
+                         source, text("Units") or "", text("Base"), digits or SIGNIFICANT_DIGITS, place)
 
     def source(self, factor: Any, what: str, entries: dict[str, _Entry]) -> ValueSource | None:
         given = [key for key in SOURCES if key in entries]
@@ -337,7 +337,9 @@ def _read_text(path: str, place: Place) -> str:
             raise StudyError([Fault(f"{path} has more than {MOST_BYTES:,} bytes.", place)])
         data = pathlib.Path(path).read_bytes()
     except OSError as error:
-        raise StudyError([Fault(f"{path} cannot be read: {error.strerror}.", place)]) from None
+        # A description is named by the message alone, a table also by the place that asks for it.
+        raise StudyError([Fault(f"{path} cannot be read: {error.strerror}.",
+                                place if place.line else Place())]) from None
     try:
         return data.decode("utf-8-sig")
     except UnicodeDecodeError as error:

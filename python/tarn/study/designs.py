@@ -111,6 +111,8 @@ class LatinHypercube:
 
     def faults(self, factors: Sequence[Factor]) -> list[Fault]:
         faults = _missing_values(factors)
+        if not isinstance(self.number, int) or isinstance(self.number, bool):
+            return [*faults, Fault(f"The number of points must be a whole number, not {self.number!r}.", self.place)]
         if self.number < 1:
             faults.append(Fault("A Latin hypercube needs at least 1 point.", self.place))
         return faults + _too_many(self.number, self.place, "")
@@ -197,8 +199,8 @@ class Table:
         for number, row in enumerate(self.rows):
             if len(row) != len(self.columns):
                 place = self.row_places[number] if number < len(self.row_places) else self.place
-                faults.append(Fault(f"Row {number + 1} of the table has {len(row)} cells instead of {len(self.columns)}.",
-                                    place))
+                cells = "1 cell" if len(row) == 1 else f"{len(row)} cells"
+                faults.append(Fault(f"Row {number + 1} of the table has {cells} instead of {len(self.columns)}.", place))
         return faults + _too_many(len(self.rows), self.place, "")
 
     def points(self, factors: Sequence[Factor], seed: int) -> Points:

@@ -8,6 +8,7 @@ hypercube asks, and evenly spread levels, which the other designs ask.
 from __future__ import annotations
 
 import math
+import numbers
 import re
 from collections.abc import Sequence
 from dataclasses import dataclass, field
@@ -36,6 +37,28 @@ def _nth(number: int, part: int, parts: int) -> int:
 def _share(part: int, parts: int, within: float) -> float:
     """The probability at a place within a part. Rounding does not lead into the next part."""
     return min((part + within) / parts, math.nextafter((part + 1) / parts, 0))
+
+
+MOST_LEVELS = 100_000
+"""A factor with more levels is refused; a Latin hypercube does not need levels."""
+
+
+def _fault_of_numbers(**given: object) -> str:
+    """The mistake in the numbers of a range or a distribution, as a sentence. None is a number that is not given."""
+    for name, value in given.items():
+        if value is not None and (not isinstance(value, numbers.Real) or not math.isfinite(value)):
+            return f"{name.capitalize()} must be a finite number, not {value!r}."
+    return ""
+
+
+def _fault_of_steps(steps: object, what: str) -> str:
+    if steps is None:
+        return ""
+    if not isinstance(steps, int) or isinstance(steps, bool):
+        return f"The number of steps must be a whole number, not {steps!r}."
+    if steps < 2:
+        return f"A {what} needs at least 2 steps."
+    return f"At most {MOST_LEVELS:,} steps are possible." if steps > MOST_LEVELS else ""
 
 
 class ValueSource(Protocol):
@@ -109,8 +132,10 @@ class Range:
         return tuple(number_text(ends.get(step, self._between(step / (self.steps - 1)))) for step in range(self.steps))
 
     def fault(self) -> str:
-        if not (math.isfinite(self.lowest) and math.isfinite(self.highest)):
+        if _fault_of_numbers(lowest=self.lowest, highest=self.highest):
             return "The ends of a range must be finite numbers."
+        if not math.isfinite(self.highest - self.lowest):
+            return "The range is too wide."
         if self.lowest >= self.highest:
             return f"The range ends at {number_text(self.highest)}, which is not above its start {number_text(self.lowest)}."
         if self.logarithmic and self.lowest <= 0:
@@ -119,15 +144,15 @@ class Range:
             return "A range of whole numbers must start and end at whole numbers."
         if self.whole and self.logarithmic:
             return "A range cannot be both logarithmic and of whole numbers."
-        if self.steps is not None and self.steps < 2:
-            return "A range needs at least 2 steps."
+        if fault := _fault_of_steps(self.steps, "range"):
+            return fault
         if self.whole and self.steps is not None and self.steps > self.highest - self.lowest + 1:
             return f"There are fewer than {self.steps} whole numbers in the range."
         return ""
 
 
 def range_texts(lowest: int, highest: int) -> Sequence[str]:
-    return tuple(str(number) for number in range(lowest, highest + 1)) if highest - lowest < 100_000 else ()
+    return tuple(str(number) for number in range(lowest, highest + 1)) if highest - lowest < MOST_LEVELS else ()
 
 
 @dataclass(frozen=True)
@@ -165,15 +190,22 @@ class _Distribution:
         return tuple(self.at(step, self.steps, 0.5) for step in range(self.steps))
 
     def fault(self) -> str:
+        """The mistake in what all distributions have. The numbers of each must be right already."""
+        if fault := _fault_of_numbers(lowest=self.lowest, highest=self.highest):
+            return fault
         if self.lowest is not None and self.highest is not None and self.lowest >= self.highest:
             return f"The highest value {number_text(self.highest)} is not above the lowest {number_text(self.lowest)}."
-        if self.steps is not None and self.steps < 2:
-            return "A distribution needs at least 2 steps."
+        if fault := _fault_of_steps(self.steps, "distribution"):
+            return fault
         first = 0.0 if self.lowest is None else self.share_below(self.lowest)
         last = 1.0 if self.highest is None else self.share_below(self.highest)
         if last - first < 1e-9:
             return "The distribution has nearly no values between its lowest and its highest value."
-        return ""
+        try:
+            ends = [float(self._value(0.0)), float(self._value(1.0))]
+        except OverflowError:
+            ends = [math.inf]
+        return "" if all(map(math.isfinite, ends)) else "The values of the distribution are too large."
 
 
 @dataclass(frozen=True)
@@ -190,6 +222,8 @@ class Normal(_Distribution):
         return NormalDist(self.mean, self.deviation).cdf(value)
 
     def fault(self) -> str:
+        if fault := _fault_of_numbers(mean=self.mean, deviation=self.deviation):
+            return fault
         return super().fault() if self.deviation > 0 else "The deviation must be above 0."
 
 
@@ -208,6 +242,8 @@ class LogNormal(_Distribution):
         return NormalDist(math.log(self.median), self.spread).cdf(math.log(value)) if value > 0 else 0.0
 
     def fault(self) -> str:
+        if fault := _fault_of_numbers(median=self.median, spread=self.spread):
+            return fault
         if self.median <= 0:
             return "The median must be above 0."
         return super().fault() if self.spread > 0 else "The spread must be above 0."
@@ -237,9 +273,14 @@ class Triangular:
         return tuple(self.at(step, self.steps, 0.5) for step in range(self.steps))
 
     def fault(self) -> str:
+        if fault := _fault_of_numbers(lowest=self.lowest, peak=self.peak, highest=self.highest):
+            return fault
         if not self.lowest <= self.peak <= self.highest or self.lowest >= self.highest:
             return "The lowest value, the peak and the highest value must be in this order."
-        return "A distribution needs at least 2 steps." if self.steps is not None and self.steps < 2 else ""
+        width = float(self.highest - self.lowest)
+        if not math.isfinite(width * width):
+            return "The values of the distribution are too large."
+        return _fault_of_steps(self.steps, "distribution")
 
 
 @dataclass(frozen=True)
@@ -262,12 +303,23 @@ class Factor:
     place: Place = field(default=Place(), compare=False, repr=False)
 
     def __post_init__(self) -> None:
+        if not isinstance(self.name, str):
+            raise TypeError(f"the name of a factor must be a text, not {type(self.name).__name__}")
         given = self.parameters
-        object.__setattr__(self, "parameters", (given,) if isinstance(given, str) else tuple(given))
+        paths = (given,) if isinstance(given, str) else tuple(given) if isinstance(given, Sequence) else (given,)
+        if not all(isinstance(path, str) for path in paths):
+            raise TypeError(f'the parameters of factor "{self.name}" must be a path or a list of paths')
+        object.__setattr__(self, "parameters", paths)
         if isinstance(self.values, Sequence):
             if isinstance(self.values, str):
                 raise StudyError([Fault(f'The values of factor "{self.name}" are one text; give a list.', self.place)])
             object.__setattr__(self, "values", Values([value_text(value) for value in self.values]))
+        elif self.values is not None and not hasattr(self.values, "fault"):
+            raise TypeError(f'the values of factor "{self.name}" must be a list, a range or a distribution, not '
+                            f"{type(self.values).__name__}")
+        if not isinstance(self.digits, int) or not 1 <= self.digits <= SIGNIFICANT_DIGITS:
+            raise StudyError([Fault(f'Factor "{self.name}" has {self.digits} digits; give 1 to {SIGNIFICANT_DIGITS}.',
+                                    self.place)])
         if self.base is not None:
             object.__setattr__(self, "base", value_text(self.base))
 

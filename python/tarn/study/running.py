@@ -14,6 +14,7 @@ from concurrent.futures.process import BrokenProcessPool
 from dataclasses import dataclass, field
 from typing import Protocol
 
+from tarn._checks import whole
 from tarn.study.designs import Point
 from tarn.study.errors import StudyError
 from tarn.study.making import VERSION, MadePoint, PointMaker, PreparedStudy, digest_of, prepare
@@ -121,6 +122,11 @@ def run_study(study: Study, folder: str | os.PathLike[str], *, jobs: int | None 
     Raises `StudyError` for a study or a folder that cannot be used. Finished points stay finished, whatever happens.
     """
     check_format(table)
+    if not isinstance(study, Study):
+        raise TypeError(f"study must be a tarn.study.Study, not {type(study).__name__}; read_study reads one from a file")
+    for what, number in (("jobs", jobs), ("batch", batch)):
+        if number is not None:
+            whole(number, what, 1)
     if not 1 <= part[0] <= part[1]:
         raise StudyError(f"There is no part {part[0]} of {part[1]}.")
     prepared = prepare(study)

@@ -56,6 +56,8 @@ class Store:
             self._lock(name)
             self._cut()
             self._read()
+        except (FileExistsError, NotADirectoryError):
+            raise StudyError(f"{self.folder} is not a folder; give another one.") from None
         except OSError as error:
             raise StudyError(f"{error.filename or self.folder} cannot be used: {error.strerror}.") from None
 

@@ -47,16 +47,33 @@ class Study:
     design: Design
     seed: int = 0
     root: str | None = None
-    outputs: Sequence[Output] | Sequence[str] | Mapping[str, str] = ()
+    outputs: Sequence[Output] | Sequence[str] | Mapping[str, str] | str = ()
     models: str = MODELS[0]
     place: Place = field(default=Place(), compare=False, repr=False)
 
     def __post_init__(self) -> None:
         given = [self.rules] if isinstance(self.rules, (str, os.PathLike)) else self.rules
         self.rules = [os.fspath(path) for path in given]
+        if self.model is not None:
+            self.model = os.fspath(self.model)
+        if isinstance(self.factors, Factor):
+            self.factors = [self.factors]
+        for factor in self.factors:
+            if not isinstance(factor, Factor):
+                raise TypeError(f"a factor must be a tarn.study.Factor, not {type(factor).__name__}")
+        if isinstance(self.design, type) or not hasattr(self.design, "faults"):
+            raise TypeError("design must be a design, such as FullFactorial() or LatinHypercube(100), not "
+                            f"{self.design!r}")
+        if not isinstance(self.seed, int):
+            raise TypeError(f"seed must be a whole number, not {type(self.seed).__name__}")
+        if isinstance(self.outputs, str):
+            self.outputs = [self.outputs]
         if isinstance(self.outputs, Mapping):
             self.outputs = [Output(path, name) for name, path in self.outputs.items()]
         self.outputs = [Output(one) if isinstance(one, str) else one for one in self.outputs]
+        for output in self.outputs:
+            if not isinstance(output, Output):
+                raise TypeError(f"an output must be the path of a parameter, not {type(output).__name__}")
 
     @property
     def rule_paths(self) -> list[str]:
