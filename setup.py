@@ -3,6 +3,7 @@
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
@@ -18,12 +19,14 @@ class CMakeBuild(build_ext):
     def run(self):
         build = pathlib.Path(self.build_temp).resolve()
         target = pathlib.Path(self.build_lib).resolve() if not self.inplace else HOUSE / "python"
-        configure = ["cmake", "-S", str(HOUSE), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
+        # With Ninja, ccache finds what a build for packages has compiled.
+        generator = ["-G", "Ninja"] if shutil.which("ninja") else []
+        configure = ["cmake", *generator, "-S", str(HOUSE), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
                      "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG", "-DTARN_PYTHON=ON", "-DTARN_TOOL=OFF",
                      "-DTARN_DEVELOPER=OFF", f"-DPython3_EXECUTABLE={sys.executable}", f"-DCMAKE_INSTALL_PREFIX={target}",
                      "-DCMAKE_INSTALL_LIBDIR=tarn/lib", "-DTARN_PYTHON_DIR=."]
         subprocess.run(configure, check=True)
-        subprocess.run(["cmake", "--build", str(build), "--parallel", str(os.cpu_count() or 1)], check=True)
+        subprocess.run(["cmake", "--build", str(build), "--parallel", str(len(os.sched_getaffinity(0)))], check=True)
         for component in ("libraries", "python"):
             subprocess.run(["cmake", "--install", str(build), "--component", component, "--strip"], check=True)
         # A wheel has no symbolic links. The module asks for a library by the name of the link.
