@@ -37,8 +37,9 @@ struct TARN_EXPORT HowOptions {
   /// A safety stop. A search that ends by it depends on the machine, and says so. All other bounds are the same
   /// everywhere.
   std::chrono::milliseconds maxTime{10'000};
-  /// Lets the caller give up, for instance when a user no longer waits. It is called before each trial, on the thread of
-  /// the search; returning true ends the search. Not called while empty. It must not use the session, and must not throw.
+  /// Lets the caller give up, for instance when a user no longer waits. It is called before each trial, on the thread
+  /// of the search; returning true ends the search. Not called while empty. It must not use the session, and must not
+  /// throw.
   std::function<bool()> isCancelled = {};
 };
 
