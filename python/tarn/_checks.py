@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import numbers
+import os
 from typing import Any
 
 
@@ -11,6 +12,11 @@ def text(value: Any, what: str) -> str:
     if not isinstance(value, str):
         raise TypeError(f"{what} must be a text, not {type(value).__name__}")
     return value
+
+
+def path(value: Any) -> str:
+    """The path as a text. Raises `TypeError`."""
+    return text(os.fspath(value), "a path")
 
 
 def whole(value: Any, what: str, least: int = 0) -> int:

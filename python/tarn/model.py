@@ -8,7 +8,7 @@ import os
 from collections.abc import Mapping, Sequence
 from typing import Any
 
-from tarn import _tarn
+from tarn import _checks, _tarn
 from tarn.rules import AnyPath, Rules, _bytes, _database_of
 from tarn._html import table
 
@@ -58,7 +58,7 @@ class Model:
         >>> len(Model.read("examples/heating/models/house.tdf").state)
         17
         """
-        name = os.fsdecode(path)
+        name = _checks.path(path)
         with open(name, "rb") as file:
             model = cls(file.read(), source=name)
         model._file = name

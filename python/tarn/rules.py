@@ -8,7 +8,7 @@ import os
 import threading
 from collections.abc import Iterable, Mapping
 
-from tarn import _tarn
+from tarn import _checks, _tarn
 from tarn.records import Diagnostic
 
 __all__ = ["Rules", "lint_rules", "lint_text", "load_rules", "parse_rules"]
@@ -86,7 +86,7 @@ def load_rules(*paths: AnyPath) -> Rules:
     >>> rules.root_types
     ('Plant',)
     """
-    return Rules(_tarn.read_rule_files([os.fsdecode(path) for path in paths]))
+    return Rules(_tarn.read_rule_files([_checks.path(path) for path in paths]))
 
 
 def parse_rules(text: str | bytes | Mapping[str, str | bytes], source: str = "<rules>") -> Rules:
@@ -104,7 +104,7 @@ def parse_rules(text: str | bytes | Mapping[str, str | bytes], source: str = "<r
 
 def lint_rules(*paths: AnyPath) -> tuple[Diagnostic, ...]:
     """Everything that is wrong or doubtful in rule files: errors, warnings and notes. Empty when nothing was found."""
-    return _tarn.lint_files([os.fsdecode(path) for path in paths])
+    return _tarn.lint_files([_checks.path(path) for path in paths])
 
 
 def lint_text(text: str | bytes, source: str = "<rules>") -> tuple[Diagnostic, ...]:

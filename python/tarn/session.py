@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import os
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import Any, Literal, NoReturn
@@ -362,7 +361,7 @@ class Session:
         """
         if path is None and not self._handle.has_file():
             raise SaveError("the model was not read from a file; give the path where to save it", "no-file")
-        return self._handle.save(None if path is None else os.fsdecode(path), overwrite)
+        return self._handle.save(None if path is None else _checks.path(path), overwrite)
 
     def __repr__(self) -> str:
         return f"<tarn.Session on {self._model.source}, {self.root or '/'}>"
