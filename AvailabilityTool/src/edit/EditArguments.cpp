@@ -96,12 +96,8 @@ Edit editOf(EditArgument const& argument, session::Session const& session) {
   std::string path = session::absolutePath(session, argument.text);
   switch (argument.option) {
     case Option::On:
-    case Option::Off: {
-      bool const isOn = argument.option == Option::On;
-      if (!session::meansParam(session, path)) return isOn ? Edit::activateObject(path) : Edit::deactivateObject(path);
-      auto [object, name] = session::paramAt(path);
-      return isOn ? Edit::activateParam(object, *name) : Edit::deactivateParam(object, *name);
-    }
+    case Option::Off:
+      return session::switchEdit(session, path, argument.option == Option::On);
     case Option::Add:
       return Edit::addObject(std::move(path));
     case Option::Remove:

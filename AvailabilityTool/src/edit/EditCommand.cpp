@@ -26,6 +26,7 @@
 #include "cli/RuleFiles.h"
 #include "cli/ShellWord.h"
 #include "edit/EditArguments.h"
+#include "edit/ItemText.h"
 #include "edit/ResultText.h"
 #include "edit/RunEditor.h"
 #include "edit/ShownText.h"
@@ -198,6 +199,7 @@ class EditRun {
     options.done = options_.dryRun ? "would be done" : "done";
     options.step = 0;
     options.given = edits_.size();
+    if (result.applied() && !options_.dryRun) options.remark = remarkOn(opened_.session(), edits_);
     if (result.refused) {
       if (!proposal_) result.refused->nearest.reset();
       options.command = [this](Edit const& /*nearest*/) { return proposal_.value_or(""); };

@@ -6,6 +6,7 @@
 
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/Counted.h"
 #include "edit/Editor.h"
@@ -20,18 +21,6 @@ using session::EditResult;
 using session::Item;
 using session::OwnValue;
 using session::Refused;
-
-/// The edit with which a refusal of a path would be right, for another command with the same path.
-Refused asEdit(Refused refused, bool isOff) {
-  auto const convert = [isOff](Edit const& edit) {
-    bool const isParam = edit.kind == Edit::Kind::ActivateParam;
-    if (!isOff) return edit;
-    return isParam ? Edit::deactivateParam(edit.path, edit.name) : Edit::deactivateObject(edit.path);
-  };
-  refused.edit = convert(refused.edit);
-  if (refused.nearest) refused.nearest = convert(*refused.nearest);
-  return refused;
-}
 
 std::string findingLines(std::string_view mark, std::vector<session::Finding> const& findings) {
   std::string text;
@@ -59,34 +48,22 @@ std::optional<Edit> Editor::readEdit(Arguments const& arguments) {
         (void)fail("A = is missing between the path and the value: set PATH = VALUE", "help set");
         return std::nullopt;
       }
-      std::string const path = absolute(text.substr(0, equals));
-      std::size_t const slash = path.rfind('/');
-      return Edit::setParam(path.substr(0, slash), path.substr(slash + 1),
+      std::string_view const path = StringUtilities::trimmed(text.substr(0, equals));
+      if (path.empty()) {
+        (void)fail("A path is missing before the =: set PATH = VALUE", "help set");
+        return std::nullopt;
+      }
+      Item item = session::paramAt(pathOf(path));
+      return Edit::setParam(std::move(item.path), std::move(*item.name),
                             std::string(StringUtilities::trimmed(text.substr(equals + 1))));
     }
     case Word::On:
-    case Word::Off: {
-      bool const isOff = arguments.word == Word::Off;
-      auto resolved = session_.resolve(absolute(text));
-      if (auto* const refused = std::get_if<Refused>(&resolved)) {
-        // An object that is on offer under a closed list of names may be unknown as an item. The session knows better.
-        std::string const path = absolute(text);
-        if (refused->code == session::RefusalCode::UnknownObject && session_.lookObject(path)) {
-          return isOff ? Edit::deactivateObject(path) : Edit::activateObject(path);
-        }
-        (void)refuse(asEdit(std::move(*refused), isOff));
-        return std::nullopt;
-      }
-      Item const& item = std::get<Item>(resolved);
-      if (item.name) {
-        return isOff ? Edit::deactivateParam(item.path, *item.name) : Edit::activateParam(item.path, *item.name);
-      }
-      return isOff ? Edit::deactivateObject(item.path) : Edit::activateObject(item.path);
-    }
+    case Word::Off:
+      return session::switchEdit(session_, pathOf(text), arguments.word == Word::On);
     case Word::Add:
-      return Edit::addObject(absolute(text));
+      return Edit::addObject(pathOf(text));
     case Word::Remove:
-      return Edit::removeObject(absolute(text));
+      return Edit::removeObject(pathOf(text));
     case Word::Copy:
     case Word::Rename:
       return readNaming(arguments);
@@ -105,13 +82,13 @@ std::optional<Edit> Editor::readNaming(Arguments const& arguments) {
   };
   std::string_view const text = arguments.text;
   if (std::size_t const equals = text.find('='); equals != std::string_view::npos) {
-    return make(absolute(text.substr(0, equals)), text.substr(equals + 1));
+    return make(pathOf(text.substr(0, equals)), text.substr(equals + 1));
   }
   std::vector<Edit> possible;
   constexpr std::size_t longestPath = 10'000;
   for (std::size_t blank = text.find(' '); blank < longestPath && possible.size() < 2;
        blank = text.find(' ', blank + 1)) {
-    std::string path = absolute(text.substr(0, blank));
+    std::string path = pathOf(text.substr(0, blank));
     if (!session_.provisional().getActiveTree().hasObject(path)) continue;
     possible.push_back(make(std::move(path), text.substr(blank + 1)));
   }
@@ -139,6 +116,10 @@ bool Editor::mayLose(Edit const& edit) {
 Outcome Editor::edit(Arguments const& arguments) {
   std::optional<Edit> const edit = readEdit(arguments);
   if (!edit) return Outcome::Refused;
+  if (rehearsal_) {
+    EditResult tried = session_.tryEdits(std::span(&*edit, 1), session::References::Follow);
+    return tried.refused ? refuse(std::move(*tried.refused)) : Outcome::Done;
+  }
   if (!mayLose(*edit)) {
     screen_.print("Nothing has changed.\n");
     return Outcome::Refused;
@@ -146,28 +127,28 @@ Outcome Editor::edit(Arguments const& arguments) {
   ResultTextOptions options = resultOptions();
   for (OwnValue& own : session_.own()) options.own.insert(std::move(own.item));
   EditResult result = session_.edit(std::span(&*edit, 1), session::References::Follow);
-  if (result.refused) {
-    proposeObject(*result.refused);
-    return refuse(*result.refused);
-  }
+  if (result.refused) return refuse(std::move(*result.refused));
   if (result.step != 0) {
     done_.push_back(nextStep_++);
     undone_.clear();
   }
   note(result);
+  options.remark = remarkOn(session_, std::span(&*edit, 1));
   showResult(std::move(result), std::move(options));
   stayInTheModel();
   return Outcome::Done;
 }
 
-/// Adds the edit with the object that was probably meant, if the refusal has no proposal.
+/// Adds the edit with the object that was probably meant, if the refusal has no proposal and that edit would be made.
 void Editor::proposeObject(Refused& refused) const {
   if (refused.nearest || refused.code != session::RefusalCode::UnknownObject) return;
   auto const resolved = session_.resolve(refused.edit.path);
   auto const* const other = std::get_if<Refused>(&resolved);
   if (other == nullptr || !other->nearest || other->nearest->kind != Edit::Kind::ActivateObject) return;
-  refused.nearest = refused.edit;
-  refused.nearest->path = other->nearest->path;
+  Edit meant = refused.edit;
+  meant.path = other->nearest->path;
+  EditResult const tried = session_.tryEdits(std::span(&meant, 1), session::References::Follow);
+  refused.nearest = tried.refused ? tried.refused->nearest : std::optional(std::move(meant));
 }
 
 /// Follows the object where the user is to its new name.
@@ -200,10 +181,11 @@ Outcome Editor::tryEdit(std::string_view text) {
   if (divided.word.empty() || word == nullptr || !isEdit(*word)) {
     return fail("An edit is missing: try set PATH = VALUE", "help try");
   }
+  if (rehearsal_) return edit({*word, divided.rest});
   std::optional<Edit> const edit = readEdit({*word, divided.rest});
   if (!edit) return Outcome::Refused;
   session::TryResult tried = session_.tryWithFindings(std::span(&*edit, 1), session::References::Follow);
-  if (tried.result.refused) return refuse(*tried.result.refused);
+  if (tried.result.refused) return refuse(std::move(*tried.result.refused));
   ResultTextOptions options = resultOptions();
   options.done = "tried";
   showResult(std::move(tried.result), std::move(options));
@@ -259,6 +241,7 @@ Outcome Editor::undo(std::string_view text, bool isRedo) {
   std::vector<std::size_t>& from = isRedo ? undone_ : done_;
   std::vector<std::size_t>& to = isRedo ? done_ : undone_;
   if (from.empty()) return fail(isRedo ? "There is no step to redo." : "There is no step to undo.");
+  if (rehearsal_) return Outcome::Done;
   std::size_t const possible = from.size();
   bool const isOne = std::min(count, possible) == 1;
   Outcome outcome = Outcome::Done;
@@ -266,7 +249,7 @@ Outcome Editor::undo(std::string_view text, bool isRedo) {
     std::size_t const number = isRedo ? session_.steps().size() + 1 : session_.steps().size();
     std::optional<EditResult> result = isRedo ? session_.redo() : session_.undo();
     if (!result) break;
-    if (result->refused) return refuse(*result->refused);
+    if (result->refused) return refuse(std::move(*result->refused));
     to.push_back(from.back());
     from.pop_back();
     ResultTextOptions options = resultOptions();

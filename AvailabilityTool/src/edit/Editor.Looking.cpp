@@ -50,7 +50,9 @@ std::optional<Item> Editor::resolve(std::string_view text, std::string_view comm
     nearest = std::string(command) + ' ' + (edit.path.empty() ? "/" : edit.path);
     if (!edit.name.empty()) nearest += '/' + edit.name;
   }
-  (void)fail(harmless(refused.sentence), nearest);
+  std::string sentence = harmless(refused.sentence);
+  if (!refused.possible.empty()) sentence += "\n  " + possibleText(refused);
+  (void)fail(sentence, nearest);
   return std::nullopt;
 }
 
@@ -87,6 +89,7 @@ std::optional<session::ObjectRecord> Editor::presentObject(std::string_view text
 Outcome Editor::list(std::string_view text) {
   auto const top = presentObject(text, "list");
   if (!top) return Outcome::Failed;
+  if (rehearsal_) return Outcome::Done;
   struct Open {
     std::string path;
     std::size_t depth;
@@ -244,6 +247,7 @@ std::optional<session::Goal> Editor::readGoal(std::string_view text, std::string
 Outcome Editor::why(std::string_view text) {
   auto const goal = readGoal(text, "why");
   if (!goal) return Outcome::Failed;
+  if (rehearsal_) return Outcome::Done;
   constexpr std::size_t mostLines = 40;
   constexpr std::size_t depth = 2;
   session::Proof const proof = proofOf(session_, *goal, depth);
@@ -271,6 +275,7 @@ Outcome Editor::why(std::string_view text) {
 Outcome Editor::how(std::string_view text) {
   auto const goal = readGoal(text, "how");
   if (!goal) return Outcome::Failed;
+  if (rehearsal_) return Outcome::Done;
   screen_.page(howText(session_.how(*goal), [&](std::vector<Edit> const& edits) {
     std::vector<std::string> commands;
     if (!std::all_of(edits.begin(), edits.end(), isTypeable)) return commands;

@@ -54,6 +54,7 @@ Outcome Editor::save(std::string_view text) {
   bool const isOver = divided.word == "over";
   std::string const name(isOver ? divided.rest : text);
   if (name.empty() && !file_) return fail("The model has no file yet. Give it a name: save FILE", "save model.tdf");
+  if (rehearsal_) return Outcome::Done;
   return writeTo(name, isOver ? Overwrite::Yes : Overwrite::No);
 }
 
@@ -110,6 +111,7 @@ Outcome Editor::quit(std::string_view text) {
   std::string const word = StringUtilities::toLower(std::string(text));
   if (word == "unsaved") return Outcome::Quit;
   if (!word.empty()) return fail("Write quit, or quit unsaved.", "quit");
+  if (rehearsal_) return Outcome::Quit;
   std::size_t const unsaved = unsavedSteps();
   if (unsaved == 0) return Outcome::Quit;
   if (!ask_) {

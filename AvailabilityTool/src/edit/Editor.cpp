@@ -3,15 +3,19 @@
 #include "edit/Editor.h"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/Counted.h"
 #include "edit/ShownText.h"
 
 namespace tarn::tool {
+
+using session::Refused;
 
 Editor::Editor(session::Session& session, std::optional<session::ModelFile> file, ModelTextOrder order, Screen& screen,
                Ask ask)
@@ -21,6 +25,20 @@ Editor::Editor(session::Session& session, std::optional<session::ModelFile> file
       screen_(screen),
       ask_(std::move(ask)),
       here_(session.root()) {}
+
+Editor::Editor(Editor const& other, Screen& silent)
+    : session_(other.session_),
+      rehearsal_(Rehearsal()),
+      file_(other.file_),
+      order_(other.order_),
+      screen_(silent),
+      here_(other.here_),
+      done_(other.done_),
+      undone_(other.undone_),
+      saved_(other.saved_) {
+  // Whether there was an edit counts, and not which.
+  if (other.last_) last_.emplace();
+}
 
 Outcome Editor::run(std::string_view line) {
   DividedLine const divided = divide(line);
@@ -35,7 +53,8 @@ Outcome Editor::run(std::string_view line) {
     auto const known = findCommand(meant, false);
     bool const needsMore = divided.rest.empty() && needsArguments(std::get<Word>(known));
     if (!isWhole || needsMore) return fail(unknown->sentence, "help " + meant);
-    return fail(unknown->sentence, meant + (divided.rest.empty() ? "" : ' ' + std::string(divided.rest)));
+    return fail(unknown->sentence, meant + (divided.rest.empty() ? "" : ' ' + std::string(divided.rest)),
+                "help " + meant);
   }
   return runCommand({std::get<Word>(found), divided.rest});
 }
@@ -47,6 +66,8 @@ Outcome Editor::runCommand(Arguments const& arguments) {
     std::string const name(infoOf(arguments.word).name);
     return fail("The command " + name + " has no arguments.", name);
   }
+  // Lists can be long, and are always possible.
+  if (takesNothing && rehearsal_) return Outcome::Done;
   switch (arguments.word) {
     case Word::Set:
     case Word::On:
@@ -106,6 +127,10 @@ std::string Editor::absolute(std::string_view typed) const {
   return at + '/' + std::string(typed);
 }
 
+std::string Editor::pathOf(std::string_view typed) const {
+  return session::absolutePath(session_, absolute(typed));
+}
+
 std::string Editor::prompt() const {
   constexpr std::size_t most = 40;
   std::string place = shownPath(here_);
@@ -118,15 +143,41 @@ std::size_t Editor::unsavedSteps() const {
   return static_cast<std::size_t>((done_.end() - now) + (saved_.end() - before));
 }
 
-Outcome Editor::fail(std::string const& sentence, std::string const& meant) {
+Outcome Editor::fail(std::string const& sentence, std::string const& meant, std::string const& instead) {
+  std::string proposed = workingCommand(meant);
+  if (proposed.empty()) proposed = instead;
+  if (rehearsal_) {
+    rehearsal_->proposed = std::move(proposed);
+    return Outcome::Failed;
+  }
   std::string text = screen_.isTerminal() ? painted("not done", Colour::Red, screen_.look()) + ": " : "";
   text += sentence + '\n';
-  if (!meant.empty()) text += "  nearest: " + painted(unbroken(meant), Colour::Green, screen_.look()) + '\n';
+  if (!proposed.empty()) text += "  nearest: " + painted(unbroken(proposed), Colour::Green, screen_.look()) + '\n';
   screen_.complain(text);
   return Outcome::Failed;
 }
 
-Outcome Editor::refuse(session::Refused const& refused) {
+/// The command, if it would be done. Otherwise the one that it would propose, and "" if that would fail as well.
+std::string Editor::workingCommand(std::string command) const {
+  if (rehearsal_) return command;
+  constexpr int mostProposals = 3;
+  for (int i = 0; i < mostProposals && !command.empty(); ++i) {
+    std::ostringstream nowhere;
+    Screen silent(nowhere, nowhere, false);
+    Editor rehearsal(*this, silent);
+    Outcome const outcome = rehearsal.run(command);
+    if (outcome == Outcome::Done || outcome == Outcome::Quit || outcome == Outcome::QuitUnsaved) return command;
+    command = std::move(rehearsal.rehearsal_->proposed);
+  }
+  return {};
+}
+
+Outcome Editor::refuse(Refused refused) {
+  proposeObject(refused);
+  if (rehearsal_) {
+    if (refused.nearest && isTypeable(*refused.nearest)) rehearsal_->proposed = commandText(*refused.nearest);
+    return Outcome::Refused;
+  }
   screen_.complain(refusalText(refused, resultOptions()));
   return Outcome::Refused;
 }

@@ -58,6 +58,8 @@ class Editor {
   [[nodiscard]] std::string const& here() const noexcept { return here_; }
   /// The path of an object or a parameter that a user typed, from the root of the model.
   [[nodiscard]] std::string absolute(std::string_view typed) const;
+  /// The same in the form of edits: "" is the root of the model.
+  [[nodiscard]] std::string pathOf(std::string_view typed) const;
 
   /// The number of steps that have not been saved, counting those taken back since then.
   [[nodiscard]] std::size_t unsavedSteps() const;
@@ -71,6 +73,9 @@ class Editor {
     Word word;
     std::string_view text;
   };
+
+  /// A rehearsal of `other`: it has the same state, shows nothing, and changes nothing.
+  Editor(Editor const& other, Screen& silent);
 
   Outcome runCommand(Arguments const& arguments);
 
@@ -109,13 +114,22 @@ class Editor {
   Outcome writeTo(std::string const& name, session::Overwrite overwrite);
   [[nodiscard]] std::string leftOut() const;
 
-  Outcome refuse(session::Refused const& refused);
-  /// Shows a sentence and, if there is one, the command that was probably meant.
-  Outcome fail(std::string const& sentence, std::string const& meant = {});
+  Outcome refuse(session::Refused refused);
+  /// Shows a sentence and, if there is one, the command that was probably meant. If that would fail too, it shows what
+  /// that would propose, and otherwise `instead`.
+  Outcome fail(std::string const& sentence, std::string const& meant = {}, std::string const& instead = {});
+  [[nodiscard]] std::string workingCommand(std::string command) const;
   [[nodiscard]] ResultTextOptions resultOptions() const;
   [[nodiscard]] bool asksYes(std::string const& question, std::string const& listed);
 
+  /// What a rehearsed command would propose.
+  struct Rehearsal {
+    std::string proposed;
+  };
+
   session::Session& session_;
+  /// Not set: commands are in earnest.
+  std::optional<Rehearsal> rehearsal_;
   std::optional<session::ModelFile> file_;
   ModelTextOrder const order_;
   Screen& screen_;

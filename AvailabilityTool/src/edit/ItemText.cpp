@@ -56,10 +56,19 @@ std::string joined(SharedStrings const& items) {
 
 std::string boundsText(ParamRecord const& param) {
   std::string text;
-  if (param.lowerBound) text = (param.lowerBoundExcluded ? "above " : "at least ") + shortened(*param.lowerBound);
-  if (!param.upperBound) return text;
-  if (!text.empty()) text += ", ";
-  return text + (param.upperBoundExcluded ? "below " : "at most ") + shortened(*param.upperBound);
+  auto const add = [&](std::optional<std::string> const& bound, std::string_view title, std::string_view kind) {
+    if (!bound) return;
+    if (!text.empty()) text += ", ";
+    std::string const limit = shortened(*bound);
+    if (TDFParam::asQuantity(*bound)) {
+      text += std::string(title) + ' ' + limit;
+    } else {
+      text += "no " + std::string(kind) + " bound, because '" + limit + "' is not a number";
+    }
+  };
+  add(param.lowerBound, param.lowerBoundExcluded ? "above" : "at least", "lower");
+  add(param.upperBound, param.upperBoundExcluded ? "below" : "at most", "upper");
+  return text;
 }
 
 /// The first part of a path: "Boundary:a" of "/Case/Boundary:a".
@@ -118,6 +127,7 @@ std::string paramText(ParamRecord const& param, TextLook const& look) {
     std::string const value =
         param.value->empty() ? painted("needs a value", Colour::Yellow, look) : harmless(*param.value);
     add("value", value + "   (" + originText(param) + ')');
+    if (!param.outOfBounds.empty()) add("", painted("it " + harmless(param.outOfBounds), Colour::Yellow, look));
   } else if (param.offered) {
     add("value", "none; it is on offer");
   } else {
@@ -127,7 +137,9 @@ std::string paramText(ParamRecord const& param, TextLook const& look) {
     add("waiting", (param.waiting->value ? shortened(*param.waiting->value) + ": " : "") + whyWaiting(*param.waiting));
   }
   if (param.valueInModel && param.valueInModel != param.value) add("in the model", shortened(*param.valueInModel));
-  if (param.defaultValue && param.defaultValue != param.value) add("default", shortened(*param.defaultValue));
+  if (param.defaultValue && (param.defaultValue != param.value || param.origin != Origin::Default)) {
+    add("default", shortened(*param.defaultValue));
+  }
   add("bounds", boundsText(param));
   if (!param.units.empty()) {
     std::string units;
@@ -201,6 +213,17 @@ std::string objectText(Session const& session, ObjectRecord const& object, TextL
   addNames(text, "  objects to add:", canAdd);
   addNames(text, "  objects not available:", unavailableTypes);
   return text;
+}
+
+std::string remarkOn(Session const& session, std::span<Edit const> edits) {
+  std::string remark;
+  for (Edit const& edit : edits) {
+    if (edit.kind != Edit::Kind::SetParam) continue;
+    auto const param = session.lookParam(edit.path, edit.name);
+    if (!param || param->outOfBounds.empty()) continue;
+    remark += (remark.empty() ? "" : "; ") + shortened(edit.name) + ' ' + harmless(param->outOfBounds);
+  }
+  return remark;
 }
 
 std::string groupedText(std::vector<std::pair<std::string, std::string>> const& lines) {

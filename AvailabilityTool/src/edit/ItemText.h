@@ -1,9 +1,11 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include <tarn/Edit.h>
 #include <tarn/session/ObjectRecord.h>
 #include <tarn/session/ParamRecord.h>
 #include <tarn/session/Session.h>
@@ -21,6 +23,9 @@ namespace tarn::tool {
 
 /// Where a value comes from: "set by you, step 3", "default". "" if it does not exist.
 [[nodiscard]] std::string originText(session::ParamRecord const& param);
+
+/// Which of the values that these edits have set are out of their bounds, as one sentence. "" if all are inside.
+[[nodiscard]] std::string remarkOn(session::Session const& session, std::span<Edit const> edits);
 
 /// Lines below the paths of their objects. Neighbours of the same path share it. A line that is empty shows the path
 /// alone.

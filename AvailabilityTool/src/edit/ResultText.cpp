@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <tarn/PathUtils.h>
+#include <tarn/TDFParam.h>
 
 #include "cli/Counted.h"
 #include "edit/ShownText.h"
@@ -107,6 +108,7 @@ class ResultWriter {
       text += "  followed: " + shortened(followed.item.text()) + ": " + value(followed.before) + " -> " +
               value(followed.after) + '\n';
     }
+    if (!options_.remark.empty()) text += painted("! " + options_.remark, Colour::Yellow, options_.look) + '\n';
     if (parts_.empty()) return text;
     std::string counts;
     for (Part const& part : parts_) counts += (counts.empty() ? "  " : ", ") + part.title;
@@ -355,8 +357,10 @@ class ResultWriter {
         break;
       case Section::Bounds:
         for (session::BoundsChange const& bounds : effect.bounds) {
-          entries.push_back(
-              {bounds.path, shortened(bounds.name) + ": " + range(bounds.before) + " -> " + range(bounds.after)});
+          std::string const before = range(bounds.before);
+          std::string const after = range(bounds.after);
+          if (before != after)
+            entries.push_back({bounds.path, shortened(bounds.name) + ": " + before + " -> " + after});
         }
         break;
       case Section::Units:
@@ -423,11 +427,13 @@ class ResultWriter {
     }
   }
 
+  /// A text that is not a number limits nothing.
   [[nodiscard]] std::string range(session::BoundsChange::Bounds const& bounds) const {
-    if (bounds.first.empty() && bounds.second.empty()) return "none";
-    if (bounds.second.empty()) return "at least " + value(bounds.first);
-    if (bounds.first.empty()) return "at most " + value(bounds.second);
-    return value(bounds.first) + " to " + value(bounds.second);
+    bool const hasLower = TDFParam::asQuantity(bounds.first).has_value();
+    bool const hasUpper = TDFParam::asQuantity(bounds.second).has_value();
+    if (hasLower && hasUpper) return value(bounds.first) + " to " + value(bounds.second);
+    if (hasLower) return "at least " + value(bounds.first);
+    return hasUpper ? "at most " + value(bounds.second) : "none";
   }
 
   /// The choices that came and went: "+ Unsteady, - Laminar".
@@ -681,20 +687,20 @@ std::string whyWaiting(Waiting const& waiting) {
   return {};
 }
 
+std::string possibleText(session::Refused const& refused, bool isOpen) {
+  constexpr std::size_t mostListed = 20;
+  std::size_t const count = isOpen ? refused.possible.size() : std::min(refused.possible.size(), mostListed);
+  std::string text = "possible: ";
+  for (std::size_t i = 0; i < count; ++i) text += (i == 0 ? "" : ", ") + shortened(refused.possible[i]);
+  if (count == refused.possible.size()) return text;
+  return text + " and " + std::to_string(refused.possible.size() - count) + " more";
+}
+
 std::string refusalText(session::Refused const& refused, ResultTextOptions const& options) {
   TextLook const& look = options.look;
   std::string text =
       painted("refused", Colour::Red, look) + ": " + harmless(refused.sentence) + " Nothing has changed.\n";
-  constexpr std::size_t mostListed = 20;
-  if (!refused.possible.empty()) {
-    std::string list;
-    std::size_t const count = options.isOpen ? refused.possible.size() : std::min(refused.possible.size(), mostListed);
-    for (std::size_t i = 0; i < count; ++i) list += (i == 0 ? "" : ", ") + shortened(refused.possible[i]);
-    if (count < refused.possible.size()) {
-      list += " and " + std::to_string(refused.possible.size() - count) + " more";
-    }
-    text += "  possible: " + list + '\n';
-  }
+  if (!refused.possible.empty()) text += "  " + possibleText(refused, options.isOpen) + '\n';
   if (refused.nearest && isTypeable(*refused.nearest)) {
     text += "  nearest: " + painted(options.command(*refused.nearest), Colour::Green, look) + '\n';
   }

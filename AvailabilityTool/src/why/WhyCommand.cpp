@@ -28,6 +28,7 @@
 #include "cli/RuleFiles.h"
 #include "cli/ShellWord.h"
 #include "edit/EditArguments.h"
+#include "edit/ResultText.h"
 #include "edit/ShownText.h"
 #include "session/OpenedSession.h"
 #include "why/Asked.h"
@@ -115,6 +116,7 @@ class Question {
       return FindingsMade;
     }
     err_ << "zev: " << harmless(refused_->sentence) << '\n';
+    if (!refused_->possible.empty()) err_ << "  " << possibleText(*refused_) << '\n';
     if (proposal) propose("nearest", *proposal);
     return FindingsMade;
   }

@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
-#include <tarn/QuantityType.h>
 #include <tarn/TDFParam.h>
 
+#include "review/BoundsCheck.h"
 #include "review/JudgedItems.h"
 
 namespace tarn::session {
@@ -39,44 +39,14 @@ Fault notANumber(std::string_view text) {
           std::move(corrected)};
 }
 
-// Less than 0 when the quantity is below the bound, 0 when they are equal. Empty when they cannot be compared.
-std::optional<int> compare(TDFParam::Quantity const& quantity, std::string const& bound, QuantityType const* type) {
-  if (bound.empty()) return std::nullopt;
-  auto const limit = TDFParam::asQuantity(bound);
-  if (!limit) return std::nullopt;
-  double a = quantity.number;
-  double b = limit->number;
-  if (quantity.units != limit->units) {
-    if (type == nullptr) return std::nullopt;
-    auto const converted = type->inFirstUnit(quantity);
-    auto const convertedLimit = type->inFirstUnit(*limit);
-    if (!converted || !convertedLimit) return std::nullopt;
-    a = *converted;
-    b = *convertedLimit;
-    if (QuantityType::areEqual(a, b)) return 0;
-  }
-  return a < b ? -1 : a > b ? 1 : 0;
-}
-
 // The fault of the quantity under the bounds of its parameter.
 std::optional<Fault> outOfBounds(TDFParam::Quantity const& quantity, JudgedParam const& param, ReviewContext& context) {
   auto const& [lower, upper] = param.info.getBounds();
   if (lower.empty() && upper.empty()) return std::nullopt;
-  QuantityType const* const type = quantityTypeOf(param, context);
-  auto const fault = [](FindingCode code, std::string sentence) { return Fault{code, std::move(sentence), {}, true}; };
-  if (auto const order = compare(quantity, lower, type)) {
-    if (*order < 0) return fault(FindingCode::BelowLowerBound, "is below its lower bound " + lower);
-    if (*order == 0 && param.declaration.lowerBoundExcluded) {
-      return fault(FindingCode::BelowLowerBound, "is equal to its lower bound " + lower + ", but must be above it");
-    }
-  }
-  if (auto const order = compare(quantity, upper, type)) {
-    if (*order > 0) return fault(FindingCode::AboveUpperBound, "is above its upper bound " + upper);
-    if (*order == 0 && param.declaration.upperBoundExcluded) {
-      return fault(FindingCode::AboveUpperBound, "is equal to its upper bound " + upper + ", but must be below it");
-    }
-  }
-  return std::nullopt;
+  Bounds const bounds = {lower, upper, param.declaration.lowerBoundExcluded, param.declaration.upperBoundExcluded};
+  auto fault = faultOfBounds(quantity, bounds, quantityTypeOf(param, context));
+  if (!fault) return std::nullopt;
+  return Fault{fault->code, std::move(fault->sentence), {}, true};
 }
 
 // The fault of a value, or of an item of a list, of element type `type`.

@@ -150,7 +150,10 @@ EditChecks::Checked EditChecks::checkPath(Edit const& edit) const {
     return refused(RefusalCode::Unreadable, edit, fault + '.');
   }
   if (path != edit.path) {
-    std::string sentence = shown(edit.path) + " is written " + quotedPath(path) + '.';
+    bool const isNameOfType =
+        edit.kind == Kind::AddObject && edit.path.ends_with(':' + std::string(PathUtils::lastType(path)));
+    std::string sentence = isNameOfType ? "The name of an object cannot be its type."
+                                        : shown(edit.path) + " is written " + quotedPath(path) + '.';
     return refused(RefusalCode::Unreadable, edit, std::move(sentence), withPath(edit, std::move(path)));
   }
   if (givesName(edit.kind)) {
@@ -348,6 +351,7 @@ EditChecks::Checked EditChecks::checkSwitch(Edit const& edit) const {
     if (fault->code != RefusalCode::UnknownObject || !rules || !isNamed(edit.path)) return fault;
     std::string const parent(PathUtils::parentOf(edit.path));
     auto const names = state_.allowedNames(rules, parent);
+    if (!names && !fault->nearest && edit.kind == Kind::ActivateObject) fault->nearest = Edit::addObject(edit.path);
     if (!names || (parent.size() > state_.state().getActiveRoot().size() && checkObject(edit, parent))) return fault;
     std::string const name(PathUtils::lastName(edit.path));
     if (std::find(names->begin(), names->end(), name) == names->end()) {
@@ -356,8 +360,12 @@ EditChecks::Checked EditChecks::checkSwitch(Edit const& edit) const {
   }
   ChildRules const rules = state_.rulesOfChild(edit.path);
   if (edit.kind == Kind::DeactivateObject && rules.entry->required) {
+    // Objects that are added by name go as they came.
+    std::optional<Edit> nearest;
+    if (isNamed(edit.path) && state_.hasObject(edit.path)) nearest = Edit::removeObject(edit.path);
     return refused(RefusalCode::StandsByTheRules, edit,
-                   "The object " + shown(edit.path) + " is required, so it cannot be switched off.");
+                   "The object " + shown(edit.path) + " is required, so it cannot be switched off.",
+                   std::move(nearest));
   }
   return std::nullopt;
 }

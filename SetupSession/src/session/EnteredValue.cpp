@@ -95,6 +95,7 @@ EnteredValue readQuantity(RuledState const& state, ParamRules const& rules, std:
   }
   UnitConverter const* const converter = state.rules().unitConverter();
   std::string const& target = expected.units.front();
+  if (!std::isfinite(*TDFParam::asNumber(number))) return fault(RefusalCode::WrongType, "the number is too large");
   if (converter != nullptr) {
     if (auto const converted = converter->convert(*TDFParam::asNumber(number), units, target)) {
       if (std::isfinite(*converted)) return accepted(inUnits(remedyNumber(*converted), target), true);

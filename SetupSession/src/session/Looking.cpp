@@ -5,6 +5,7 @@
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 
+#include "review/BoundsCheck.h"
 #include "session/SessionImpl.h"
 
 namespace tarn::session {
@@ -37,6 +38,19 @@ bool holdsObject(ModelState const& model, std::string const& path) {
   std::string const prefix = path + '/';
   auto const below = model.lower_bound(prefix);
   return below != model.end() && below->first.starts_with(prefix);
+}
+
+/// How the value, or the first item of a list that is wrong, is outside of its bounds. "" if all are inside.
+std::string outOfBounds(std::string const& value, TDFParam::Type type, Bounds const& bounds,
+                        QuantityType const* quantityType) {
+  std::vector<std::string> const items =
+      TDFParam::isListType(type) ? StringUtilities::stringToVector(value, ',') : std::vector<std::string>{value};
+  for (std::string const& item : items) {
+    auto const quantity = TDFParam::asQuantity(StringUtilities::trimmed(item));
+    if (!quantity) continue;
+    if (auto fault = faultOfBounds(*quantity, bounds, quantityType)) return std::move(fault->sentence);
+  }
+  return {};
 }
 
 }  // namespace
@@ -111,12 +125,17 @@ std::optional<ParamRecord> SessionImpl::lookParam(std::string const& path, std::
     auto [lower, upper] = state.bounds(rules, path);
     record.lowerBoundExcluded = !lower.empty() && rules.value->lowerBoundExcluded;
     record.upperBoundExcluded = !upper.empty() && rules.value->upperBoundExcluded;
+    record.quantityType = state.quantityType(rules, path);
+    QuantityType const* const quantityType = rules_.findQuantityType(record.quantityType);
+    if (quantityType != nullptr) {
+      for (QuantityUnit const& unit : quantityType->units()) record.units.push_back(unit.text);
+    }
+    if (value != nullptr && !(lower.empty() && upper.empty())) {
+      Bounds const bounds = {lower, upper, rules.value->lowerBoundExcluded, rules.value->upperBoundExcluded};
+      record.outOfBounds = outOfBounds(*value, record.type, bounds, quantityType);
+    }
     record.lowerBound = unlessEmpty(std::move(lower));
     record.upperBound = unlessEmpty(std::move(upper));
-    record.quantityType = state.quantityType(rules, path);
-    if (QuantityType const* const type = rules_.findQuantityType(record.quantityType)) {
-      for (QuantityUnit const& unit : type->units()) record.units.push_back(unit.text);
-    }
   }
   return record;
 }

@@ -1,6 +1,7 @@
 // The lists of items: search, the user's own values, what waits, differences, the result. Each goes through everything
 // that is edited.
 #include <algorithm>
+#include <map>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -55,8 +56,60 @@ void forEachObject(DynamicTDF const& tree, std::string const& root, Visit const&
 std::variant<Item, Refused> SessionImpl::resolve(std::string_view text) const {
   EditChecks const checks(work_->ruled, [this](Item const& item) { return work_->offers.has(item); });
   Item item;
-  if (auto fault = checks.resolve(std::string(text), item)) return std::move(*fault);
-  return item;
+  auto fault = checks.resolve(std::string(text), item);
+  if (!fault) return item;
+  std::string const& wrong = fault->edit.name.empty() ? fault->edit.path : fault->edit.name;
+  proposeElsewhere(*fault, wrong.substr(wrong.rfind('/') + 1));
+  // A path may have several slips. The first one is reported, and the nearest path is one that can be resolved.
+  constexpr int mostSlips = 3;
+  std::string first;
+  for (int slip = 0; slip < mostSlips && fault->nearest; ++slip) {
+    Edit const& nearest = *fault->nearest;
+    std::string const path = nearest.name.empty() ? nearest.path : nearest.path + '/' + nearest.name;
+    auto other = checks.resolve(path, item);
+    if (!other) return std::move(*fault);
+    if (slip == 0) first = path;
+    fault->nearest = std::move(other->nearest);
+  }
+  fault->nearest.reset();
+  if (fault->possible.empty() && !first.empty()) fault->possible = SharedStrings{first};
+  return std::move(*fault);
+}
+
+/// A user may leave out the object, and write only the name of the parameter. If nothing near is in the object,
+/// proposes the parameter of that name, or of one that is spelt alike, wherever it is.
+void SessionImpl::proposeElsewhere(Refused& refused, std::string_view name) const {
+  bool const isUnknown = refused.code == RefusalCode::UnknownParameter || refused.code == RefusalCode::UnknownObject;
+  bool const isPlain = !name.empty() && name.find(':') == std::string_view::npos;
+  if (!isUnknown || !isPlain || refused.nearest || !refused.possible.empty()) return;
+  std::map<ObjDependDef const*, std::vector<std::string>> objects;
+  forEachObject(provisional().getActiveTree(), root_, [&](std::string const& path) {
+    if (ObjDependDef const* const rules = work_->ruled.rulesOfObject(path)) objects[rules].push_back(path);
+  });
+  std::set<std::string> names;
+  for (auto const& [rules, paths] : objects) {
+    for (auto const& param : rules->params()) names.insert(param->name);
+  }
+  std::string const wanted(name);
+  std::string const meant =
+      names.contains(wanted) ? wanted : StringUtilities::nearMatch(wanted, {names.begin(), names.end()});
+  if (meant.empty()) return;
+  std::vector<std::string> found;
+  for (auto const& [rules, paths] : objects) {
+    if (rules->findParam(meant) != nullptr) found.insert(found.end(), paths.begin(), paths.end());
+  }
+  if (found.size() == 1) {
+    Edit nearest = refused.edit;
+    bool const isOfObject = nearest.name.empty();
+    if (isOfObject) nearest.kind = Edit::Kind::ActivateParam;
+    nearest.path = found.front();
+    nearest.name = meant;
+    refused.nearest = std::move(nearest);
+    return;
+  }
+  std::sort(found.begin(), found.end());
+  for (std::string& path : found) path += '/' + meant;
+  refused.possible = SharedStrings(std::move(found));
 }
 
 std::optional<MatchKind> matchOf(std::string_view name, std::string_view text) {

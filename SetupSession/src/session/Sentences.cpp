@@ -6,6 +6,7 @@
 
 #include <tarn/PathUtils.h>
 
+#include "review/BoundsCheck.h"
 #include "session/Printable.h"
 
 namespace tarn::session {
@@ -50,10 +51,13 @@ std::string withReason(std::string const& sentence, std::string const& reason) {
 }
 
 std::string boundsText(BoundsChange::Bounds const& bounds) {
+  auto const textOf = [](std::string const& bound) {
+    return isBound(bound) ? printable(bound) : quoted(bound) + " (not a number)";
+  };
   if (bounds.first.empty() && bounds.second.empty()) return "no bounds";
-  if (bounds.second.empty()) return "at least " + printable(bounds.first);
-  if (bounds.first.empty()) return "at most " + printable(bounds.second);
-  return printable(bounds.first) + " to " + printable(bounds.second);
+  if (bounds.second.empty()) return "at least " + textOf(bounds.first);
+  if (bounds.first.empty()) return "at most " + textOf(bounds.second);
+  return textOf(bounds.first) + " to " + textOf(bounds.second);
 }
 
 std::string_view originSentence(Origin origin) {
@@ -230,7 +234,7 @@ std::string sentenceOf(ParamRecord const& param) {
     text += param.value->empty() ? " has no value yet" : " is " + quoted(*param.value);
     text += ", " + std::string(originSentence(param.origin));
     if (param.step != 0) text += " by step " + std::to_string(param.step);
-    return text + '.';
+    return text + (param.outOfBounds.empty() ? "." : ". It " + printable(param.outOfBounds) + '.');
   }
   if (param.offered) return text + " is on offer.";
   return withReason(text + " is not available", param.reason);

@@ -139,6 +139,7 @@ EditResult SessionImpl::tryEdits(std::span<Edit const> edits, References referen
 
 /// Keeps the nearest edit only if it would be applied. An edit may have two slips, in its path and in its value.
 void SessionImpl::proposeWhatWorks(Refused& refused, std::span<Edit const> edits, References references) const {
+  if (refused.code == RefusalCode::UnknownParameter) proposeElsewhere(refused, refused.edit.name);
   if (!refused.nearest || refused.index >= edits.size()) return;
   std::vector<Edit> nearest(edits.begin(), edits.begin() + static_cast<std::ptrdiff_t>(refused.index) + 1);
   Edit const first = *refused.nearest;

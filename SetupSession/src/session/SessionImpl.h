@@ -101,6 +101,7 @@ class SessionImpl {
   /// Makes the edits, looks at what they do, and takes them back. `inside` is called while they are in force.
   [[nodiscard]] EditResult attempt(Work& work, std::span<Edit const> edits, References references,
                                    std::function<void()> const& inside = nullptr) const;
+  void proposeElsewhere(Refused& refused, std::string_view name) const;
   void proposeWhatWorks(Refused& refused, std::span<Edit const> edits, References references) const;
   void makeChecked(Work& work, Edit const& edit, References references, EffectFinder& finder, EditResult& result) const;
   void makeRaw(Work& work, Edit edit, EffectFinder& finder, EditResult& result) const;

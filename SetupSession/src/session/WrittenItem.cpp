@@ -48,6 +48,15 @@ bool meansParam(Session const& session, std::string const& absolutePath) {
   return rules != nullptr;
 }
 
+Edit switchEdit(Session const& session, std::string const& absolutePath, bool isOn) {
+  if (!meansParam(session, absolutePath)) {
+    return isOn ? Edit::activateObject(absolutePath) : Edit::deactivateObject(absolutePath);
+  }
+  auto [object, name] = paramAt(absolutePath);
+  return isOn ? Edit::activateParam(std::move(object), std::move(*name))
+              : Edit::deactivateParam(std::move(object), std::move(*name));
+}
+
 KnownItem knownItem(Session const& session, std::string_view text) {
   KnownItem known;
   auto resolved = session.resolve(text);

@@ -77,6 +77,33 @@ TEST(SessionEdit, ProposesOnlyWhatWouldBeApplied) {
       ElementsAre("Refused: The rules know no parameter \"Mod\" in \"/Plant/Solver\". Possible now: \"Mode\"."));
 }
 
+TEST(SessionEdit, ProposesTheEditThatObjectsOfAUsersChoiceNeed) {
+  EXPECT_THAT(verdictOf(Edit::activateObject("/Plant/Tank:reserve")),
+              ElementsAre("Refused: There is no object \"/Plant/Tank:reserve\". Nearest: add /Plant/Tank:reserve."));
+  EXPECT_THAT(verdictOf(Edit::deactivateObject("/Plant/Tank:T1")),
+              ElementsAre("Refused: The object \"/Plant/Tank:T1\" is required, so it cannot be switched off. Nearest: "
+                          "remove /Plant/Tank:T1."));
+  EXPECT_THAT(verdictOf(Edit::addObject("/Plant/Tank:Tank")),
+              ElementsAre("Refused: The name of an object cannot be its type. Nearest: add /Plant/Tank:Tank 1."));
+}
+
+TEST(SessionEdit, FindsAParameterWhoseObjectWasLeftOut) {
+  EXPECT_THAT(verdictOf(Edit::setParam("/Plant", "Relaxtion", "0.5")),
+              ElementsAre("Refused: The rules know no parameter \"Relaxtion\" in \"/Plant\". Nearest: set "
+                          "/Plant/Solver/Relaxation to \"0.5\"."));
+  EXPECT_THAT(verdictOf(Edit::setParam("/Plant", "Height", "3 [m]")),
+              ElementsAre("Refused: The rules know no parameter \"Height\" in \"/Plant\". Possible now: "
+                          "\"/Plant/Tank:T1/Height\", \"/Plant/Tank:T2/Height\"."));
+  EXPECT_THAT(verdictOf(Edit::setParam("/Plant", "Moderation", "3")),
+              ElementsAre("Refused: The rules know no parameter \"Moderation\" in \"/Plant\"."));
+}
+
+TEST(SessionEdit, SaysThatANumberIsTooLarge) {
+  EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Tank:T1", "Height", "1e400 mm")),
+              ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"1e400 mm\": "
+                          "the number is too large."));
+}
+
 TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {
   struct Case {
     Edit edit;

@@ -43,6 +43,24 @@ TEST(SessionLook, AParameterHasItsValueDefaultBoundsUnitsAndRule) {
   EXPECT_EQ(sentenceOf(*height), "/Plant/Tank:T1/Height is \"3 [m]\", from the model.");
 }
 
+TEST(SessionLook, AValueOutOfItsBoundsSaysSo) {
+  Tanks tanks;
+  auto const outOfBounds = [&](std::string const& name, std::string const& value) {
+    EXPECT_TRUE(tanks->edit(Edit::setParam("/Plant/Tank:T1", name, value)).applied());
+    return tanks->lookParam("/Plant/Tank:T1", name)->outOfBounds;
+  };
+  EXPECT_EQ(outOfBounds("Height", "-1 [m]"), "is below its lower bound 0 [m]");
+  EXPECT_EQ(outOfBounds("Height", "0"), "");
+  EXPECT_EQ(outOfBounds("Height", ""), "");
+  EXPECT_EQ(outOfBounds("Height", "40 [in]"), "");
+  // 40 inches are 1.016 m.
+  EXPECT_EQ(outOfBounds("Level", "1.02 [m]"), "is above its upper bound 40 [in]");
+  EXPECT_EQ(
+      sentenceOf(*tanks->lookParam("/Plant/Tank:T1", "Level")),
+      "/Plant/Tank:T1/Level is \"1.02 [m]\", set in this session by step 5. It is above its upper bound 40 [in].");
+  EXPECT_EQ(outOfBounds("Level", "1.01 [m]"), "");
+}
+
 TEST(SessionLook, AValueHasItsOrigin) {
   Tanks tanks;
   auto const originOf = [&](std::string const& path, std::string const& name) {
@@ -73,6 +91,20 @@ TEST(SessionLook, AParameterThatIsNotAvailableSaysWhyAndWhatWaits) {
   ASSERT_TRUE(relaxation->waiting);
   EXPECT_EQ(relaxation->waiting->value, "0.6");
   EXPECT_EQ(sentenceOf(*relaxation), "/Plant/Solver/Relaxation is not available: a transient run is not relaxed");
+}
+
+TEST(SessionLook, APathWithTwoSlipsIsResolvedToOneThatIsThere) {
+  Tanks tanks;
+  auto const nearest = [&](std::string const& text) {
+    auto const resolved = tanks->resolve(text);
+    Refused const& refused = std::get<Refused>(resolved);
+    if (refused.nearest) return refused.nearest->path + " " + refused.nearest->name;
+    return refused.possible.empty() ? "nothing" : "perhaps " + refused.possible[0];
+  };
+  EXPECT_EQ(nearest("Tnak:T1/Hieght"), "/Plant/Tank:T1 Height");
+  EXPECT_EQ(nearest("Solvr/Mod"), "/Plant/Solver Mode");
+  EXPECT_EQ(nearest("Solvr/Colour"), "perhaps /Plant/Solver/Colour");
+  EXPECT_EQ(nearest("Elsewhere/Colour"), "nothing");
 }
 
 TEST(SessionLook, KnowsChoicesOfWhatIsOnOffer) {

@@ -74,12 +74,15 @@ struct TARN_EXPORT ParamRecord {
 
   /// The value that the parameter would have without a value of the user or the model. Empty when the rules give none.
   std::optional<std::string> defaultValue;
-  /// The bounds as the rules give them: "0 [m]". Empty for no bound.
+  /// The bounds as the rules give them: "0 [m]". Empty for no bound. A text that is not a number limits nothing.
   std::optional<std::string> lowerBound;
   std::optional<std::string> upperBound;
   /// A value that is equal to the bound is outside.
   bool lowerBoundExcluded = false;
   bool upperBoundExcluded = false;
+  /// How the value is outside of its bounds: "is below its lower bound 0 [m]". "" if it is inside, or if there is none.
+  /// Such a value is in force, and the review has a finding about it.
+  std::string outOfBounds;
   /// The quantity type and its units; the first unit is taken when a value has none. "" and empty without one.
   std::string quantityType;
   std::vector<std::string> units;

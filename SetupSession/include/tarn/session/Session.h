@@ -247,8 +247,8 @@ class TARN_EXPORT Session {
   /// The types of children that the rules know in an object, in the order of the rules.
   [[nodiscard]] std::vector<ChildTypeRecord> childTypes(std::string const& path) const;
   /// Reads the path of an object or of a parameter, as users type it. White space at the ends is ignored, and a path
-  /// that does not begin with "/" starts at `root`. Otherwise a refusal whose nearest edit has the path and the name
-  /// that were probably meant.
+  /// that does not begin with "/" starts at `root`. Otherwise a refusal. If it has a nearest edit, the path and the
+  /// name of that edit were probably meant, and can be resolved.
   [[nodiscard]] std::variant<Item, Refused> resolve(std::string_view text) const;
   /// The present objects and the known parameters of present objects whose name or type contains `text`, the best
   /// matches first, then by path and in the order of the rules. At most `most` of them. Empty for an empty text.

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include <tarn/Edit.h>
 #include <tarn/Export.h>
 #include <tarn/session/Item.h>
 #include <tarn/session/Refused.h>
@@ -26,6 +27,9 @@ namespace tarn::session {
 /// Whether an absolute path means a parameter, where an object is possible too: whether the rules know a parameter of
 /// that name. If they know neither, the item that was probably meant decides.
 [[nodiscard]] TARN_EXPORT bool meansParam(Session const& session, std::string const& absolutePath);
+
+/// The edit that switches the item at an absolute path on or off: the parameter or the object, as `meansParam` says.
+[[nodiscard]] TARN_EXPORT Edit switchEdit(Session const& session, std::string const& absolutePath, bool isOn);
 
 /// The answer of `knownItem`.
 struct TARN_EXPORT KnownItem {
