@@ -54,6 +54,9 @@ std::optional<LooseQuantity> asLooseQuantity(std::string_view text) {
     if (!TDFParam::asNumber(number)) continue;
     std::string_view const units = StringUtilities::trimmed(text.substr(end));
     if (units.empty()) return std::nullopt;
+    // A number that is too large is none, but its beginning may be: 1e40 of 1e400.
+    bool const isCutInside = text[end] == '.' || (text[end] >= '0' && text[end] <= '9');
+    if (isCutInside && !StringUtilities::isSpace(text[end - 1])) return std::nullopt;
     return LooseQuantity{number, units};
   }
   return std::nullopt;
@@ -95,7 +98,6 @@ EnteredValue readQuantity(RuledState const& state, ParamRules const& rules, std:
   }
   UnitConverter const* const converter = state.rules().unitConverter();
   std::string const& target = expected.units.front();
-  if (!std::isfinite(*TDFParam::asNumber(number))) return fault(RefusalCode::WrongType, "the number is too large");
   if (converter != nullptr) {
     if (auto const converted = converter->convert(*TDFParam::asNumber(number), units, target)) {
       if (std::isfinite(*converted)) return accepted(inUnits(remedyNumber(*converted), target), true);

@@ -465,6 +465,8 @@ void Prover::explainAllowed(std::size_t node, std::string const& value) {
     (void)addRule(node, attribute, *def.allowedValues, membership);
     return;
   }
+  // A list that is written out says nothing that the value does not.
+  if (attribute == RuleAttributes::valueListSource) (void)addRule(node, attribute, *def.allowedValues, membership);
   if (auto const check = def.allowedValueChecks.find(value);
       check != def.allowedValueChecks.end() && check->second != nullptr) {
     bool const holds = addRule(node, std::string(RuleAttributes::allowedStringListChecks), *check->second).truth;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -52,15 +53,17 @@ void removeUnreached(Explanation& explanation) {
 
 class Follower {
  public:
-  Follower(Explanation& explanation, std::string const& value) : nodes_(explanation.nodes), value_(value) {}
+  Follower(Explanation& explanation, std::string const& value)
+      : nodes_(explanation.nodes), reads_(explanation.reads), value_(value) {}
 
   void follow() {
-    open_.push_back(0);
-    while (!open_.empty()) {
-      std::size_t const next = open_.back();
-      open_.pop_back();
-      followPart(nodes_[next]);
+    std::vector<std::size_t> followed = {0};
+    for (std::size_t i = 0; i < followed.size(); ++i) {
+      std::vector<std::size_t> const lists = listsOf(nodes_[followed[i]]);
+      followed.insert(followed.end(), lists.begin(), lists.end());
     }
+    // A list comes after the one that it is a part of. So of several lists, each is cut down before one is chosen.
+    for (auto list = followed.rbegin(); list != followed.rend(); ++list) cut(nodes_[*list]);
   }
 
  private:
@@ -77,32 +80,40 @@ class Follower {
     return isFound;
   }
 
-  void followPart(Node& part) {
-    switch (part.operation) {
-      case Operation::NamedRule:
-        open_.insert(open_.end(), part.children.begin(), part.children.end());
-        return;
-      case Operation::ListOfItems:
-        keepItems(part);
-        return;
-      case Operation::Choice:
-        // The condition, and the branch that it chose.
-        if (part.length != 0 && part.children.size() == 2) open_.push_back(part.children.back());
-        return;
-      case Operation::Function:
-        if (part.name == "union") {
-          keepDeciders(part, true);
-        } else if (part.name == "intersection") {
-          keepDeciders(part, false);
-        } else if (part.name == "difference") {
-          followDifference(part);
-        } else if (part.name == "names" && part.children.size() == 1) {
-          keepObjects(nodes_[part.children.front()]);
-        }
-        return;
-      default:
-        return;
+  /// The parts of a list that are lists themselves, and of which the value is asked.
+  [[nodiscard]] static std::vector<std::size_t> listsOf(Node const& list) {
+    if (list.operation == Operation::NamedRule) return list.children;
+    // The condition, and the branch that it chose.
+    bool const isBranch = list.operation == Operation::Choice && list.length != 0 && list.children.size() == 2;
+    if (isBranch) return {list.children.back()};
+    bool const isOfLists =
+        list.operation == Operation::Function &&
+        (list.name == "union" || list.name == "unique" || list.name == "intersection" || list.name == "difference");
+    return isOfLists ? list.children : std::vector<std::size_t>();
+  }
+
+  /// Keeps what counts for the value.
+  void cut(Node& list) {
+    if (list.operation == Operation::ListOfItems) return keepItems(list);
+    if (list.operation != Operation::Function) return;
+    if (list.name == "union") return keepDecider(list, true);
+    if (list.name == "intersection") return keepDecider(list, false);
+    if (list.name == "difference") return cutDifference(list);
+    if (list.name == "values") return keepWitness(list);
+    if (list.name == "names" && list.children.size() == 1) keepObjects(nodes_[list.children.front()]);
+  }
+
+  /// The number of facts that a part has read.
+  [[nodiscard]] std::size_t factsOf(std::size_t part) const {
+    std::set<std::size_t> facts;
+    std::vector<std::size_t> open = {part};
+    while (!open.empty()) {
+      Node const& node = nodes_[open.back()];
+      open.pop_back();
+      facts.insert(node.reads.begin(), node.reads.end());
+      open.insert(open.end(), node.children.begin(), node.children.end());
     }
+    return facts.size();
   }
 
   /// Keeps the items of a list with conditions that have this value, and those whose value is computed.
@@ -118,25 +129,29 @@ class Follower {
     });
   }
 
-  /// One argument that has the value, or does not have it, is enough. If there is none, all count.
-  void keepDeciders(Node& function, bool deciding) {
+  /// One argument that has the value, or does not have it, is enough: the one that needs the fewest facts. If there is
+  /// none, all count.
+  void keepDecider(Node& function, bool deciding) {
+    std::size_t best = none;
+    std::size_t fewest = none;
     for (std::size_t const child : function.children) {
       if (has(child) != deciding) continue;
-      function.children = {child};
-      break;
+      std::size_t const facts = factsOf(child);
+      if (best != none && facts >= fewest) continue;
+      best = child;
+      fewest = facts;
     }
-    open_.insert(open_.end(), function.children.begin(), function.children.end());
+    if (best != none) function.children = {best};
   }
 
-  void followDifference(Node& difference) {
-    if (difference.children.size() == 2) {
-      if (has(difference.children[0]) == false) {
-        difference.children.pop_back();
-      } else if (has(difference.children[1]) == true) {
-        difference.children.erase(difference.children.begin());
-      }
-    }
-    open_.insert(open_.end(), difference.children.begin(), difference.children.end());
+  void cutDifference(Node& difference) {
+    if (difference.children.size() != 2) return;
+    bool const isNotInFirst = has(difference.children[0]) == false;
+    bool const isInSecond = has(difference.children[1]) == true;
+    if (!isNotInFirst && !isInSecond) return;
+    bool const isFirstEnough =
+        isNotInFirst && (!isInSecond || factsOf(difference.children[0]) <= factsOf(difference.children[1]));
+    difference.children = {difference.children[isFirstEnough ? 0 : 1]};
   }
 
   /// Keeps the objects with this name. The filter's objects give their names.
@@ -148,9 +163,21 @@ class Follower {
     });
   }
 
+  /// One parameter that has the value is enough. The objects that were looked through count in any case.
+  void keepWitness(Node& values) {
+    auto const isWitness = [&](std::size_t const index) {
+      ModelRead const& read = reads_[index];
+      return read.kind == ModelRead::Kind::Value && read.isPresent && read.value == value_;
+    };
+    auto const witness = std::find_if(values.reads.begin(), values.reads.end(), isWitness);
+    if (witness == values.reads.end()) return;
+    std::size_t const kept = *witness;
+    std::erase_if(values.reads, [&](std::size_t const index) { return index != kept && reads_[index].isParameter(); });
+  }
+
   std::vector<Node>& nodes_;
+  std::vector<ModelRead> const& reads_;
   std::string const& value_;
-  std::vector<std::size_t> open_;
 };
 
 }  // namespace

@@ -317,7 +317,16 @@ class Generator {
     param.isList = isOneOf(4);
     if (isOneOf(6)) return;
     param.allowed = someLetters();
-    if (end > 0 && isOneOf(3)) param.otherAllowed = {condition(end), someLetters()};
+    if (end > 0 && isOneOf(3)) {
+      // A list of one item would be a text.
+      auto const atLeastTwo = [&] {
+        Texts letters = someLetters();
+        while (letters.size() < 2) letters = someLetters();
+        return letters;
+      };
+      param.allowed = atLeastTwo();
+      param.otherAllowed = {condition(end), atLeastTwo()};
+    }
     if (end > 0) {
       for (std::string const& value : param.allowed) {
         if (isOneOf(4)) param.checks.emplace(value, condition(end));

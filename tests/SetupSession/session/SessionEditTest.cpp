@@ -98,10 +98,12 @@ TEST(SessionEdit, FindsAParameterWhoseObjectWasLeftOut) {
               ElementsAre("Refused: The rules know no parameter \"Moderation\" in \"/Plant\"."));
 }
 
-TEST(SessionEdit, SaysThatANumberIsTooLarge) {
-  EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Tank:T1", "Height", "1e400 mm")),
-              ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"1e400 mm\": "
-                          "the number is too large."));
+TEST(SessionEdit, DividesNoNumberToFindItsUnits) {
+  for (std::string const value : {"1e400", "1e400 in", "1.5.2 in", "1..2"}) {
+    EXPECT_THAT(verdictOf(Edit::setParam("/Plant/Tank:T1", "Height", value)),
+                ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T1\" cannot have the value \"" + value +
+                            "\": it is not a number."));
+  }
 }
 
 TEST(SessionEdit, RefusesTypingSlipsAndProposesWhatWasMeant) {

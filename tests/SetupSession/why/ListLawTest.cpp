@@ -29,7 +29,8 @@ std::string const parts = "{/Case/Part:*}";
 /// The value of a parameter, nothing when the facts do not tell. "" for an absent one.
 std::optional<std::string> valueOf(Facts const& facts, std::string const& object, std::string const& name) {
   for (ModelRead const& fact : facts) {
-    if (fact.kind == ModelRead::Kind::Value && fact.object == object && fact.name == name) return fact.value;
+    bool const isOfParam = fact.isParameter() && fact.object == object && fact.name == name;
+    if (isOfParam && (fact.kind == ModelRead::Kind::Value || !fact.isPresent)) return fact.value;
   }
   return std::nullopt;
 }
@@ -271,6 +272,9 @@ TEST(WhyLaw, ProofsAboutComputedListsHoldByTheirFactsAloneAndNeedAllOfThem) {
         for (std::size_t r = 0; r < isNeeded.size(); ++r) {
           if (isNeeded[r]) facts.push_back(explanation.reads[r]);
         }
+        std::string named;
+        for (ModelRead const& fact : facts) named += fact.object + '/' + fact.name + " = " + fact.value + '\n';
+        SCOPED_TRACE(named);
         ASSERT_EQ(lists[i].has(facts, value), Known(isAllowed)) << "a fact is missing";
         for (std::size_t r = 0; r < facts.size(); ++r) {
           Facts without = facts;
