@@ -115,6 +115,9 @@ struct TARN_EXPORT OpenError {
 /// - `duplicateObject` and `renameObject` are refused when the object does not exist, has no name, or stands only by
 ///   the rules; when the new name is taken or not allowed.
 ///
+/// A value that is out of its bounds is applied, because bounds may follow other parameters. `ParamRecord::outOfBounds`
+/// and the review report it.
+///
 /// A value that the rules wanted replaced, such as a list to which they add required items, is applied; the effect
 /// shows what it became. Switching off a required parameter that has a value of its own puts the default in force. The
 /// value waits then.
