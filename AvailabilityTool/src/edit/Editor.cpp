@@ -29,14 +29,14 @@ Editor::Editor(session::Session& session, std::optional<session::ModelFile> file
 Editor::Editor(Editor const& other, Screen& silent)
     : session_(other.session_),
       rehearsal_(Rehearsal()),
-      file_(other.file_),
       order_(other.order_),
       screen_(silent),
       here_(other.here_),
       done_(other.done_),
       undone_(other.undone_),
       saved_(other.saved_) {
-  // Whether there was an edit counts, and not which.
+  // It counts that there are a file and an edit, and not what is in them.
+  if (other.file_) file_ = session::ModelFile::named(other.file_->name());
   if (other.last_) last_.emplace();
 }
 

@@ -54,21 +54,18 @@ std::string joined(SharedStrings const& items) {
   return text.empty() ? "nothing" : text;
 }
 
+std::string boundText(std::string const& bound, std::string_view title, std::string_view kind) {
+  std::string const limit = shortened(bound);
+  if (TDFParam::asQuantity(bound)) return std::string(title) + ' ' + limit;
+  return "no " + std::string(kind) + " bound ('" + limit + "' is not a number)";
+}
+
 std::string boundsText(ParamRecord const& param) {
   std::string text;
-  auto const add = [&](std::optional<std::string> const& bound, std::string_view title, std::string_view kind) {
-    if (!bound) return;
-    if (!text.empty()) text += ", ";
-    std::string const limit = shortened(*bound);
-    if (TDFParam::asQuantity(*bound)) {
-      text += std::string(title) + ' ' + limit;
-    } else {
-      text += "no " + std::string(kind) + " bound, because '" + limit + "' is not a number";
-    }
-  };
-  add(param.lowerBound, param.lowerBoundExcluded ? "above" : "at least", "lower");
-  add(param.upperBound, param.upperBoundExcluded ? "below" : "at most", "upper");
-  return text;
+  if (param.lowerBound) text = boundText(*param.lowerBound, param.lowerBoundExcluded ? "above" : "at least", "lower");
+  if (!param.upperBound) return text;
+  if (!text.empty()) text += ", ";
+  return text + boundText(*param.upperBound, param.upperBoundExcluded ? "below" : "at most", "upper");
 }
 
 /// The first part of a path: "Boundary:a" of "/Case/Boundary:a".
@@ -136,7 +133,7 @@ std::string paramText(ParamRecord const& param, TextLook const& look) {
   if (param.waiting) {
     add("waiting", (param.waiting->value ? shortened(*param.waiting->value) + ": " : "") + whyWaiting(*param.waiting));
   }
-  if (param.valueInModel && param.valueInModel != param.value) add("in the model", shortened(*param.valueInModel));
+  if (param.valueInModel && param.valueInModel != param.value) add("in model", shortened(*param.valueInModel));
   if (param.defaultValue && (param.defaultValue != param.value || param.origin != Origin::Default)) {
     add("default", shortened(*param.defaultValue));
   }
@@ -221,7 +218,8 @@ std::string remarkOn(Session const& session, std::span<Edit const> edits) {
     if (edit.kind != Edit::Kind::SetParam) continue;
     auto const param = session.lookParam(edit.path, edit.name);
     if (!param || param->outOfBounds.empty()) continue;
-    remark += (remark.empty() ? "" : "; ") + shortened(edit.name) + ' ' + harmless(param->outOfBounds);
+    std::string const name = edits.size() == 1 ? edit.name : edit.path + '/' + edit.name;
+    remark += (remark.empty() ? "" : "; ") + shortened(name) + ' ' + harmless(param->outOfBounds);
   }
   return remark;
 }
