@@ -367,8 +367,8 @@ TEST_F(EditOnATerminal, LongLinesAreDividedBetweenWordsAtEveryWidthAndCommandsAr
         answer(*terminal, "set Mode = Transient for a very long and useless while", "/Plant *> ");
     EXPECT_THAT(proposed, HasSubstr("possible: Steady, Transient"));
     std::string const nearest =
-        answer(*terminal, "sett Step = 1 and a very long text that no line can hold at once", "/Plant *> ");
-    EXPECT_THAT(nearest, HasSubstr("set Step = 1 and a very long text that no line can hold at once"));
+        answer(*terminal, "addd Tank:with a very long name that no line can hold at once", "/Plant *> ");
+    EXPECT_THAT(nearest, HasSubstr("add Tank:with a very long name that no line can hold at once"));
   }
 }
 

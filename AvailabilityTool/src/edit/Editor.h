@@ -122,7 +122,7 @@ class Editor {
   [[nodiscard]] ResultTextOptions resultOptions() const;
   [[nodiscard]] bool asksYes(std::string const& question, std::string const& listed);
 
-  /// What a rehearsed command would propose.
+  /// The result of a rehearsed command: the command that it would propose.
   struct Rehearsal {
     std::string proposed;
   };

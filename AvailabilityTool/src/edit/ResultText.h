@@ -51,7 +51,7 @@ struct ResultTextOptions {
   bool isOpen = false;
   /// Values that the user had set. One of them that is gone, or waits, is named even where others are folded.
   std::set<session::Item> own;
-  /// What is doubtful about the edit itself, as one sentence. "" for nothing.
+  /// One sentence about a value that the edit has set and that is doubtful. "" for nothing.
   std::string remark;
   /// The text with which a user makes an edit.
   std::function<std::string(Edit const&)> command = commandText;
@@ -79,7 +79,8 @@ struct ResultTextOptions {
 /// Why edits were refused, what would be possible, and the nearest edit.
 [[nodiscard]] std::string refusalText(session::Refused const& refused, ResultTextOptions const& options = {});
 
-/// What would be possible instead: "possible: Laminar, Turbulent". The list is cut off unless `isOpen`.
+/// The values or paths that would be possible instead: "possible: Laminar, Turbulent". The list is cut off unless
+/// `isOpen`.
 [[nodiscard]] std::string possibleText(session::Refused const& refused, bool isOpen = false);
 
 /// Why something waits, as a part of a sentence: "not available now: Only a steady case has one".

@@ -54,7 +54,7 @@ std::optional<LooseQuantity> asLooseQuantity(std::string_view text) {
     if (!TDFParam::asNumber(number)) continue;
     std::string_view const units = StringUtilities::trimmed(text.substr(end));
     if (units.empty()) return std::nullopt;
-    // A number that is too large is none, but its beginning may be: 1e40 of 1e400.
+    // 1e400 is too large for a number, and must not be read as 1e40 with the units "0".
     bool const isCutInside = text[end] == '.' || (text[end] >= '0' && text[end] <= '9');
     if (isCutInside && !StringUtilities::isSpace(text[end - 1])) return std::nullopt;
     return LooseQuantity{number, units};

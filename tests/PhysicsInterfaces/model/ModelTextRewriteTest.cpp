@@ -226,11 +226,15 @@ class RandomText {
   }
 
   std::string text() {
-    std::string const end = below(4) == 0 ? "\r\n" : "\n";
+    std::string const usual = below(4) == 0 ? "\r\n" : "\n";
+    // Editors of several systems may have worked on one file.
+    bool const isMixed = below(8) == 0;
+    std::string end = usual;
     std::string text = below(8) == 0 ? "\xEF\xBB\xBF" : "";
     std::vector<std::string> open;
     for (std::size_t i = below(30); i > 0; --i) {
-      std::string const indent(open.size() * (1 + below(3)), ' ');
+      if (isMixed) end = pick({"\n", "\r\n"});
+      std::string const indent(open.size() * (1 + below(3)), below(4) == 0 ? '\t' : ' ');
       switch (below(8)) {
         case 0:
           text += pick({"# a comment", "", "   "}) + end;
@@ -253,8 +257,8 @@ class RandomText {
           text += path() + "/" + pick({"A", "B", "Z"}) + pick({"=", " = ", "= "}) + value() + end;
           break;
         default:
-          text +=
-              indent + pick({"A", "B", "Long Name"}) + pick({"=", " = ", "    = "}) + value() + pick({"", " "}) + end;
+          text += indent + pick({"A", "B", "Long Name"}) + pick({"=", " = ", "    = ", "\t=\t"}) + value() +
+                  pick({"", " ", "\t"}) + end;
       }
     }
     while (!open.empty()) text += closing(open) + end;

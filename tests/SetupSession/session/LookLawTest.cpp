@@ -355,7 +355,7 @@ class LookLaw {
     for (std::size_t i = 0; i < params_.size(); ++i) expectAnswer(i, values);
   }
 
-  /// What the user selected stays on offer.
+  /// Values that the user has selected stay on offer.
   void note(Edit const& edit) {
     if (edit.kind != Edit::Kind::SetParam) return;
     for (std::string const& item : itemsOf(edit.value)) selected_.insert({edit.name, item});
@@ -404,7 +404,7 @@ class LookLaw {
     EXPECT_EQ(record.units, quantityType == "Length" ? (Texts{"m", "mm"})
                             : quantityType == "Mass" ? Texts{"kg"}
                                                      : Texts{});
-    // What is present keeps to the list.
+    // A value that is present keeps to the list.
     if (param.allowed.empty() || param.allowsAny || !record.present) return;
     for (std::string const& item : param.isList ? itemsOf(*record.value) : Texts{*record.value}) {
       EXPECT_TRUE(item.empty() || contains(allowed, item)) << item;

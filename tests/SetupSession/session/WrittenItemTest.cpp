@@ -18,7 +18,7 @@ TEST(WrittenItem, ASwitchIsOfTheParameterOrOfTheObject) {
   EXPECT_EQ(switchEdit(*tanks, "/Plant/Title", false), Edit::deactivateParam("/Plant", "Title"));
   EXPECT_EQ(switchEdit(*tanks, "/Plant/Report", true), Edit::activateObject("/Plant/Report"));
   EXPECT_EQ(switchEdit(*tanks, "/Plant/Report", false), Edit::deactivateObject("/Plant/Report"));
-  // What was probably meant decides about a slip.
+  // The item that was probably meant decides about a slip.
   EXPECT_EQ(switchEdit(*tanks, "/Plant/Titel", true), Edit::activateParam("/Plant", "Titel"));
   EXPECT_EQ(switchEdit(*tanks, "/Plant/Reprot", true), Edit::activateObject("/Plant/Reprot"));
 }
