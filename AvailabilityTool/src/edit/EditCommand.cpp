@@ -20,6 +20,7 @@
 #include <tarn/session/ModelFile.h>
 #include <tarn/session/Session.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -319,9 +320,8 @@ void addEditCommand(CLI::App& app, Command& chosen) {
   command->add_flag("--in-place", options->inPlace, "Write the edited model to its own file");
   command->add_flag("--overwrite", options->overwrite, "Let --out replace a file that is there");
   command->add_flag("--dry-run", options->dryRun, "Write nothing, and say which findings would come and go");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object on a line");
   command->footer(
       "Without edits, commands are read from the standard input; \"help\" lists them.\n"
       "All edits are made, or none. A saved model keeps everything else byte for byte.\n"

@@ -21,6 +21,7 @@
 #include <tarn/service/JsonText.h>
 #include <tarn/service/SessionJson.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
@@ -151,9 +152,8 @@ void addEvalCommand(CLI::App& app, Command& chosen) {
       ->add_option("--at", options->at,
                    "The object where relative paths start; default: the only object that\nthe rules look at")
       ->type_name("OBJECT");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object on a line");
   command
       ->add_option("EXPRESSION", *arguments,
                    "A model file, or - for the standard input, and the expression;\nthe model can be left out")

@@ -24,6 +24,7 @@
 #include <tarn/session/Found.h>
 #include <tarn/session/Session.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/RuleFiles.h"
@@ -236,9 +237,8 @@ void addFindCommand(CLI::App& app, Command& chosen) {
       ->type_name("OBJECT");
   command->add_option("--limit", options->limit, "Show at most so many of each kind; default: 100, and 0 is all")
       ->type_name("N");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line for each")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object on a line for each");
   command
       ->add_option("TEXT", *arguments,
                    "A model file, or - for the standard input, and the text to find;\nthe model can be left out")

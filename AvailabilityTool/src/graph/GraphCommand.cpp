@@ -10,6 +10,7 @@
 
 #include <tarn/workbench/RuleDependencies.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -73,11 +74,8 @@ void addGraphCommand(CLI::App& app, Command& chosen) {
   command->add_option("--limit", arguments->options.mostNodes, "Show at most so many entries; default: 1000")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}).description(""));
-  command
-      ->add_option("--format", arguments->format,
-                   "mermaid, for viewers of Markdown, the default; dot, for Graphviz; or json, one\nobject on a line")
-      ->type_name("mermaid|dot|json")
-      ->check(CLI::IsMember({"mermaid", "dot", "json"}).description(""));
+  addChoiceOption(*command, "--format", arguments->format, {"mermaid", "dot", "json"},
+                  "mermaid, for viewers of Markdown, the default; dot, for Graphviz; or json, one\nobject on a line");
   command
       ->add_option("ITEM", arguments->item,
                    "The path of a parameter or of a type of children; default: all entries that\ndepend on something")

@@ -14,6 +14,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/rules/RuleLoader.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Output.h"
@@ -139,12 +140,10 @@ void addLintCommand(CLI::App& app, Command& chosen) {
   command->add_option("--rules", options->rules, "Rule files, and folders with *.rules.yaml")
       ->type_name("PATH")
       ->required();
-  command->add_option("--format", *format, "text, for people, the default; json, one object; or sarif, a SARIF log")
-      ->type_name("text|json|sarif")
-      ->check(CLI::IsMember({"text", "json", "sarif"}).description(""));
-  command->add_option("--fail-on", *failOn, "The findings for which the exit status is 1; default: also warnings")
-      ->type_name("error|warning")
-      ->check(CLI::IsMember({"error", "warning"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json", "sarif"},
+                  "text, for people, the default; json, one object; or sarif, a SARIF log");
+  addChoiceOption(*command, "--fail-on", *failOn, {"error", "warning"},
+                  "The findings for which the exit status is 1; default: also warnings");
   command
       ->add_option("--severity", *severities,
                    "Report findings of a code as error, warning or note, or not at all: off;\ncan be repeated")

@@ -18,6 +18,7 @@
 #include <tarn/workbench/RuleCoverage.h>
 #include <tarn/workbench/RuleTests.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -123,11 +124,8 @@ void addTestCommand(CLI::App& app, Command& chosen) {
   addRulesOption(*command, options->rules);
   command->add_option("--filter", options->filter, "Run only tests whose names contain this text; case does not matter")
       ->type_name("TEXT");
-  command
-      ->add_option("--format", *format,
-                   "text, for people, the default; json, one object on a line; or junit, XML for\nbuild servers")
-      ->type_name("text|json|junit")
-      ->check(CLI::IsMember({"text", "json", "junit"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json", "junit"},
+                  "text, for people, the default; json, one object on a line; or junit, XML for\nbuild servers");
   command->add_option("-j,--jobs", options->jobs, "Run up to N tests at once; default: the number of processor cores")
       ->type_name("N")
       ->check(CLI::Range(std::size_t{1}, std::size_t{1000}).description(""));

@@ -22,6 +22,7 @@
 #include <tarn/session/Review.h>
 #include <tarn/workbench/RuleCoverage.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
@@ -187,24 +188,17 @@ void addValidateCommand(CLI::App& app, Command& chosen) {
                    "Judge only these objects and everything below; default: all that the rules look at")
       ->type_name("OBJECT")
       ->allow_extra_args(false);
-  command
-      ->add_option("--phase", *phases,
-                   "dependency, each object by itself; global, the model as a whole; or all, the default")
-      ->type_name("dependency|global|all")
-      ->check(CLI::IsMember({"dependency", "global", "all"}).description(""));
+  addChoiceOption(*command, "--phase", *phases, {"dependency", "global", "all"},
+                  "dependency, each object by itself; global, the model as a whole; or all, the default");
   command->add_flag("--only-validator", options->review.onlyValidator,
                     "Do not report unknown names, values of the wrong type and values out of bounds");
-  command
-      ->add_option("--format", *format,
-                   "text, blocks for people, the default; json, one line for each model; or sarif, a SARIF log")
-      ->type_name("text|json|sarif")
-      ->check(CLI::IsMember({"text", "json", "sarif"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json", "sarif"},
+                  "text, blocks for people, the default; json, one line for each model; or sarif, a SARIF log");
   CLI::Option* const withPlaces = command->add_flag(
       "--places", *places, "Begin each finding of the text with FILE:LINE:COLUMN; the default on a terminal");
   command->add_flag("--no-places", *noPlaces, "Do not show places; the default elsewhere")->excludes(withPlaces);
-  command->add_option("--fail-on", *failOn, "The findings for which the exit status is 1; default: errors only")
-      ->type_name("error|warning")
-      ->check(CLI::IsMember({"error", "warning"}).description(""));
+  addChoiceOption(*command, "--fail-on", *failOn, {"error", "warning"},
+                  "The findings for which the exit status is 1; default: errors only");
   command
       ->add_option("-j,--jobs", options->jobs, "Judge up to N models at once; default: the number of processor cores")
       ->type_name("N")

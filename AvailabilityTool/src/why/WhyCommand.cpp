@@ -23,6 +23,7 @@
 #include <tarn/session/Refused.h>
 #include <tarn/session/WrittenItem.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/RuleFiles.h"
@@ -198,9 +199,8 @@ CLI::App* addCommand(CLI::App& app, std::string const& name, std::string const& 
       ->add_option("--root", options->arguments.root,
                    "The object that is edited, with everything below it; default: the only\none that the rules look at")
       ->type_name("OBJECT");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object on a line");
   command->add_option("MODEL", options->arguments.model, "A file with model text; - is the standard input")
       ->type_name("")
       ->required();
