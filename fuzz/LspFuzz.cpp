@@ -29,11 +29,10 @@ Templates:
   wear: {Parameters: {Hours: {Parameter Type: Real}}}
 Objects:
   /Plant:
-    Use: wear
+    Use: [wear]
     Parameters:
       Control: {Parameter Type: String, Ordered Allowed String List: [Free, Fixed]}
-      Level: {Parameter Type: Real, Available: "check('runs') and any(t in {Tank:*}, ${t/Height} > 2)"
-}
+      Level: {Parameter Type: Real, Available: "check('runs') and any(t in {Tank:*}, ${t/Height} > 2)"}
     Children:
       Tank: {Coupled: yes}
   /Plant/Tank:

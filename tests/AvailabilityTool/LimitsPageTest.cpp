@@ -21,6 +21,7 @@
 #include "Places.h"
 #include "console/Completion.h"
 #include "console/HistoryFile.h"
+#include "lsp/LanguageServer.h"
 
 namespace tarn::tool {
 namespace {
@@ -82,6 +83,16 @@ TEST(LimitsPage, TellsTheLimitsOfPathsAndOfTheConsole) {
   EXPECT_THAT(told("PathPattern::maxSteps"), is(PathPattern::maxSteps));
   EXPECT_THAT(told("HistoryFile::maxLines"), is(HistoryFile::maxLines));
   EXPECT_THAT(told("Completion::maxChoices"), is(Completion::maxChoices));
+}
+
+TEST(LimitsPage, TellsTheLimitsOfTheLanguageServer) {
+  LspLimits const limits;
+  EXPECT_THAT(told("LspLimits::messageBytes"), is(limits.messageBytes));
+  EXPECT_THAT(told("LspLimits::messageDepth"), is(limits.messageDepth));
+  EXPECT_THAT(told("LspLimits::completions"), is(limits.completions));
+  EXPECT_THAT(told("RuleBases::Limits::documents"), is(limits.bases.documents));
+  EXPECT_THAT(told("RuleBases::Limits::files"), is(limits.bases.files));
+  EXPECT_THAT(told("RuleBases::Limits::fileBytes"), is(limits.bases.fileBytes));
 }
 
 TEST(LimitsPage, TellsTheLimitsOfSessionsForPrograms) {

@@ -257,6 +257,8 @@ class Finder {
         if (levels.levels.empty()) continue;  // a further line of a scalar or of a map in flow style
         return std::nullopt;
       }
+      // In "- At: x" the key is indented more than the line.
+      if (levels.hasKey() && levels.levels.back().indent >= indent) return std::nullopt;
       std::string_view const rest = StringUtilities::trimmed(above.substr(levels.valueBegin));
       if (rest.starts_with('|') || rest.starts_with('>')) return i;
       if (!rest.empty() && rest.front() != '#') return isOpen(i, levels) ? std::optional(i) : std::nullopt;
@@ -441,6 +443,55 @@ class Finder {
 };
 
 }  // namespace
+
+std::string siblingText(TextBuffer const& buffer, std::size_t offset, std::string_view key) {
+  EditorPosition const position = buffer.positionOf(offset);
+  std::string_view const own = buffer.line(position.line);
+  auto const withoutQuotes = [](std::string_view text) {
+    text = StringUtilities::trimmed(text);
+    bool const isQuoted =
+        text.size() > 1 && (text.front() == '"' || text.front() == '\'') && text.back() == text.front();
+    return std::string(isQuoted ? text.substr(1, text.size() - 2) : text);
+  };
+  std::size_t const brace = own.substr(0, position.byte).rfind('{');
+  std::size_t const close = brace == std::string_view::npos ? brace : own.find('}', brace);
+  if (brace != std::string_view::npos && (close >= position.byte || own.substr(0, brace).ends_with("$"))) {
+    // A map in flow style.
+    for (std::size_t at = own.find(key); at != std::string_view::npos; at = own.find(key, at + 1)) {
+      std::size_t const colon = at + key.size();
+      bool const isKey =
+          at > 0 && std::string_view("{, ").find(own[at - 1]) != std::string_view::npos && own.substr(colon, 2) == ": ";
+      if (isKey) return withoutQuotes(own.substr(colon + 2, own.find_first_of(",}", colon) - colon - 2));
+    }
+    if (!own.substr(0, brace).ends_with("$")) return {};
+  }
+  LineLevels const levels = levelsOf(own);
+  if (!levels.hasKey()) return {};
+  std::size_t const indent = levels.levels.back().indent;
+  auto const look = [&](std::size_t line, std::string& found) {
+    std::string_view const text = buffer.line(line);
+    if (isSilent(text)) return true;
+    LineLevels const other = levelsOf(text);
+    bool const isSame = other.hasKey() && other.levels.back().indent == indent;
+    if (isSame && other.levels.back().key == key) {
+      found = withoutQuotes(text.substr(other.valueBegin));
+      return false;
+    }
+    return isSame ? other.levels.size() == 1 : indentOf(text) > indent;
+  };
+  std::string found;
+  bool const isFirst = levels.levels.size() > 1;  // an item of a list begins with this key
+  for (std::size_t i = position.line; !isFirst && i > 0 && position.line - i < mostSiblingLines;) {
+    if (!look(--i, found)) break;
+  }
+  if (!found.empty()) return found;
+  for (std::size_t i = position.line + 1; i < buffer.lineCount() && i - position.line < mostSiblingLines; ++i) {
+    LineLevels const other = levelsOf(buffer.line(i));
+    if (!other.levels.empty() && other.levels.front().isItem) break;
+    if (!look(i, found)) break;
+  }
+  return found;
+}
 
 CursorContext contextAt(TextBuffer const& buffer, ReadPart const* part, std::size_t offset, bool isTest) {
   return Finder(buffer, part, offset, isTest).find();

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "editing/FileParts.h"
@@ -30,6 +31,10 @@ struct CursorContext {
   /// In a map or list in flow style.
   bool isFlow = false;
 };
+
+/// The text of another key in the same map as the cursor, without quotes. Empty if the map does not have the key near
+/// the cursor, or not on one line.
+[[nodiscard]] std::string siblingText(TextBuffer const& buffer, std::size_t offset, std::string_view key);
 
 [[nodiscard]] CursorContext contextAt(TextBuffer const& buffer, ReadPart const* part, std::size_t offset, bool isTest);
 

@@ -157,7 +157,8 @@ class Completer {
 
   [[nodiscard]] FactOwner owner() const {
     auto const& path = cursor_.path;
-    if (file_.isTest || path.size() < 2) return {};
+    if (file_.isTest) return testOwner("", siblingText(file_.buffer, offset_, "At"));
+    if (path.size() < 2) return {};
     if (path[0] == "Objects") return {Kind::ObjectType, path[1]};
     if (path[0] == "Templates") return {Kind::Template, path[1]};
     if (path[0] == "Checks") return {Kind::NamedCheck, path[1]};
@@ -510,11 +511,7 @@ class Completer {
   void testValue(KeyForm const& form, std::string_view before) {
     for (std::string const& one : form.values) scalar(one, Kind::Value, "", "", before);
     std::string const& key = keyOfValue();
-    if (key == "Expression") {
-      // Where relative paths start may be written after the expression, so all names are offered only for absolute
-      // ones.
-      expression(before, {});
-    } else if (key.starts_with('/')) {
+    if (key.starts_with('/')) {
       std::string const type = PathUtils::typePathOf(key);
       std::size_t const slash = type.rfind('/');
       for (DefinitionAt const& param : names_.findParam(type.substr(0, slash), type.substr(slash + 1))) {

@@ -223,6 +223,30 @@ class Describer {
   std::string text_;
 };
 
+/// The whole expression at an offset, which may be on several lines; the line if there is none that can be read.
+Span expressionAt(EditedFile const& file, ReadPart const& part, std::size_t offset) {
+  std::size_t const shift = part.part.span.begin;
+  std::string_view const text = std::string_view(file.buffer.text()).substr(shift, part.part.span.size());
+  for (Span const& span : expressionsIn({text, part.part.context, file.isTest})) {
+    if (span.touches(offset - shift)) return {span.begin + shift, span.end + shift};
+  }
+  std::size_t const line = file.buffer.positionOf(offset).line;
+  return {file.buffer.lineStart(line), file.buffer.lineStart(line) + file.buffer.line(line).size()};
+}
+
+/// A key with its value: its line, and the lines below that are indented more.
+Span linesOfKey(TextBuffer const& buffer, std::size_t line, std::size_t indent) {
+  std::size_t last = line;
+  for (std::size_t next = line + 1; next < buffer.lineCount(); ++next) {
+    std::string_view const text = buffer.line(next);
+    std::size_t const own = text.find_first_not_of(' ');
+    if (own == std::string_view::npos) continue;
+    if (own <= indent) break;
+    last = next;
+  }
+  return {buffer.lineStart(line), buffer.lineStart(last) + buffer.line(last).size()};
+}
+
 /// The word at an offset.
 Span wordAt(std::string_view text, std::size_t offset) {
   auto const isPart = [](char c) {
@@ -261,7 +285,7 @@ std::optional<EditorHover> EditedRules::hover(std::string const& file, EditorPos
     if (property != nullptr && !property->description.empty()) {
       std::size_t const begin = known->buffer.lineStart(position.line);
       std::string markdown = "**" + key.key + "**\n\n" + property->description;
-      std::string const reads = describer.reads(*known, {begin, begin + line.size()});
+      std::string const reads = describer.reads(*known, linesOfKey(known->buffer, position.line, key.indent));
       if (!reads.empty()) markdown += "\n\nReads:\n" + reads;
       return EditorHover{known->buffer.rangeOf({begin + key.span.begin, begin + key.span.end}), markdown};
     }
@@ -291,10 +315,9 @@ std::optional<EditorHover> EditedRules::hover(std::string const& file, EditorPos
                        "**" + text + "** (function)\n\n" + code(std::string(function.signature)) + "\n\n" +
                            std::string(function.help) + ". The result is " + std::string(function.result) + "."};
   }
-  // Elsewhere in an expression: what it reads. Its span is that of the rest of the file, up to the next key.
+  // Elsewhere in an expression: what it reads.
   if (part == nullptr) return std::nullopt;
-  std::size_t const begin = known->buffer.lineStart(position.line);
-  std::string const reads = describer.reads(*known, {begin, begin + line.size()});
+  std::string const reads = describer.reads(*known, expressionAt(*known, *part, offset));
   if (reads.empty()) return std::nullopt;
   return EditorHover{known->buffer.rangeOf(word), "This expression reads:\n" + reads};
 }

@@ -3,9 +3,7 @@
 #include <tarn/workbench/EditedRules.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
-#include <set>
 #include <utility>
 
 #include <tarn/workbench/RuleTests.h>
@@ -73,45 +71,6 @@ EditorDiagnostic converted(rules::Diagnostic const& one, TextPlaces& places) {
     result.fix = EditorDiagnostic::Fix{fix.title, {fix.source, range, fix.text}};
   }
   return result;
-}
-
-bool preventsLoading(EditorDiagnostic const& diagnostic) {
-  auto const codes = rules::diagnosticCodes();
-  auto const code =
-      std::find_if(codes.begin(), codes.end(), [&](auto const& one) { return one.name == diagnostic.code; });
-  return diagnostic.severity == rules::Severity::Error && (code == codes.end() || !code->isOfLint);
-}
-
-/// Errors that are only certain when all rules are known.
-bool needsAllRules(std::string_view code) {
-  static constexpr std::array<std::string_view, 4> codes = {"units-of-no-type", "units-of-another-type",
-                                                            "ambiguous-units", "template-taken-in-part"};
-  return std::find(codes.begin(), codes.end(), code) != codes.end();
-}
-
-/// Whether other files may need what is given in this part: names, units, templates.
-bool isShared(ReadPart const& part) {
-  if (!part.part.context.empty()) return part.part.context.front() != "Objects";
-  auto const& definitions = part.facts->definitions;
-  bool const hasObjects = std::any_of(definitions.begin(), definitions.end(), [](Definition const& one) {
-    return one.kind == EditorItemKind::Parameter || one.kind == EditorItemKind::Child;
-  });
-  return !hasObjects || std::any_of(definitions.begin(), definitions.end(), [](Definition const& one) {
-    return one.kind >= EditorItemKind::GlobalCheck && one.kind <= EditorItemKind::QuantityType;
-  });
-}
-
-/// The text with line ends in place of everything outside of `spans`, which are in order. Lines keep their numbers.
-std::string onlyLines(TextBuffer const& buffer, std::vector<Span> const& spans) {
-  std::string text;
-  std::size_t line = 0;
-  for (Span const& span : spans) {
-    std::size_t const first = buffer.positionOf(span.begin).line;
-    if (first > line) text.append(first - line, '\n');
-    text.append(buffer.text(), span.begin, span.size());
-    line = buffer.positionOf(span.end).line;
-  }
-  return text;
 }
 
 }  // namespace
@@ -263,120 +222,6 @@ void EditedRules::accept() {
       parts.push_back({part.hash, first, last});
     }
   }
-}
-
-namespace {
-
-/// The new places of the lines of a file since diagnostics were accepted.
-class LineShifts {
- public:
-  LineShifts(std::vector<AcceptedPart> const& former, EditedFile const& file) {
-    std::multimap<std::uint64_t, std::size_t> lines;
-    for (ReadPart const& part : file.parts) lines.emplace(part.hash, linesOf(file, part.part.span).first);
-    for (auto const& part : former) {
-      auto const found = lines.find(part.hash);
-      if (found == lines.end()) continue;
-      shifts_.push_back({part.firstLine, part.lastLine, found->second});
-      unchanged_.insert(part.hash);
-      lines.erase(found);
-    }
-  }
-
-  [[nodiscard]] bool isUnchanged(ReadPart const& part) const { return unchanged_.contains(part.hash); }
-
-  /// Moves a range to where its lines are now. False if they have changed.
-  bool apply(EditorRange& range) const {
-    auto const part = std::find_if(shifts_.begin(), shifts_.end(), [&](Shift const& one) {
-      return range.begin.line >= one.first && range.begin.line <= one.last;
-    });
-    if (part == shifts_.end()) return false;
-    range.begin.line = range.begin.line - part->first + part->now;
-    range.end.line = range.end.line - part->first + part->now;
-    return true;
-  }
-
- private:
-  struct Shift {
-    std::size_t first;
-    std::size_t last;
-    std::size_t now;
-  };
-  std::vector<Shift> shifts_;
-  std::set<std::uint64_t> unchanged_;
-};
-
-}  // namespace
-
-EditorDiagnostics EditedRules::checkChanges(EditorDiagnostics const& last) const {
-  impl_->readAll();
-  EditorDiagnostics result;
-  std::vector<rules::RuleText> texts;
-  std::map<std::string, std::vector<std::pair<std::size_t, std::size_t>>> changedLines;
-  std::map<std::string, LineShifts> shifts;
-  static std::vector<AcceptedPart> const none;
-  for (auto const& file : impl_->files) {
-    if (file->isTest) continue;
-    result[file->name];
-    auto const accepted = impl_->accepted.find(file->name);
-    auto const& lines =
-        shifts.try_emplace(file->name, accepted != impl_->accepted.end() ? accepted->second : none, *file)
-            .first->second;
-    std::vector<Span> spans;
-    std::set<std::size_t> headers;
-    for (ReadPart const& part : file->parts) {
-      bool const isChanged = !lines.isUnchanged(part);
-      if (!isChanged && !isShared(part)) continue;
-      if (isChanged) changedLines[file->name].push_back(linesOf(*file, part.part.span));
-      for (auto const& header : part.part.headers) {
-        // A part before this one may have the line already.
-        bool const isThere = !spans.empty() && header.line.begin < spans.back().end;
-        if (!isThere && headers.insert(header.line.begin).second) spans.push_back(header.line);
-      }
-      spans.push_back(part.part.span);
-    }
-    if (!spans.empty()) texts.push_back({file->name, onlyLines(file->buffer, spans)});
-  }
-
-  bool hasErrors = false;
-  for (auto const& [name, diagnostics] : last) {
-    auto const lines = shifts.find(name);
-    if (lines == shifts.end()) continue;
-    for (EditorDiagnostic one : diagnostics) {
-      if (!lines->second.apply(one.range)) continue;
-      std::erase_if(one.notes, [&](EditorDiagnostic::Note& note) {
-        auto const other = shifts.find(note.location.file);
-        return other == shifts.end() || !other->second.apply(note.location.range);
-      });
-      if (one.fix && !lines->second.apply(one.fix->change.range)) one.fix.reset();
-      hasErrors = hasErrors || preventsLoading(one);
-      result[name].push_back(std::move(one));
-    }
-  }
-  if (!changedLines.empty()) {
-    try {
-      (void)rules::parseRules(texts);
-    } catch (rules::RuleError const& error) {
-      for (auto& [name, diagnostics] : editorDiagnostics(texts, error.diagnostics())) {
-        auto const lines = changedLines.find(name);
-        if (lines == changedLines.end()) continue;
-        for (EditorDiagnostic const& one : diagnostics) {
-          bool const isInside = std::any_of(lines->second.begin(), lines->second.end(), [&](auto const& changed) {
-            return one.range.begin.line >= changed.first && one.range.begin.line <= changed.second;
-          });
-          if (!isInside || needsAllRules(one.code)) continue;
-          hasErrors = true;
-          result[name].push_back(one);
-        }
-      }
-    }
-  }
-  for (auto& [name, diagnostics] : result) {
-    if (hasErrors) std::erase_if(diagnostics, [](EditorDiagnostic const& one) { return !preventsLoading(one); });
-    std::stable_sort(diagnostics.begin(), diagnostics.end(), [](EditorDiagnostic const& a, EditorDiagnostic const& b) {
-      return a.range.begin < b.range.begin;
-    });
-  }
-  return result;
 }
 
 std::vector<EditorDiagnostic> EditedRules::checkTests(std::string const& file) const {

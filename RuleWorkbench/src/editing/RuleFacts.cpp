@@ -7,6 +7,7 @@
 
 #include <tarn/PathUtils.h>
 #include <tarn/RuleAttributes.h>
+#include <tarn/StringUtilities.h>
 
 #include "diagnostics/DiagnosticList.h"
 #include "editing/FileKeys.h"
@@ -266,19 +267,29 @@ class Walk {
     KeyForm const* const form = formAt(FileKeys::ofTests().root(), {"Tests"});
     forEachIn(all, [&](YamlNode const& key, YamlNode const& value) {
       define(Kind::Test, key, value, {});
+      auto const* edited = valueIn(value, "Root");
+      bool const isGiven = edited != nullptr && edited->value.starts_with('/');
+      root_ = isGiven ? PathUtils::typePathOf(edited->value) : std::string();
       beginEntry({}, Kind::Test, key.value);
-      auto const* evaluate = valueIn(value, "Evaluate");
       testValue(form->valueOf(key.value), value);
+      auto const* evaluate = valueIn(value, "Evaluate");
       if (evaluate == nullptr) return;
-      auto const* at = valueIn(*evaluate, "At");
-      auto const* expression = valueIn(*evaluate, "Expression");
-      if (expression == nullptr || expression->kind != YamlNode::Kind::Scalar) return;
-      FactOwner owner;
-      if (at != nullptr && !at->value.empty()) owner = {Kind::ObjectType, PathUtils::typePathOf(at->value)};
-      beginEntry(owner, Kind::Test, key.value);
-      attribute_ = "Expression";
-      each_(*expression, 0);
+      if (evaluate->kind == YamlNode::Kind::Sequence) {
+        for (auto const* one : evaluate->children) evaluation(key.value, *one);
+      } else {
+        evaluation(key.value, *evaluate);
+      }
     });
+  }
+
+  /// The expression of a test, which is evaluated at an object of the model.
+  void evaluation(std::string const& test, YamlNode const& node) {
+    auto const* at = valueIn(node, "At");
+    auto const* expression = valueIn(node, "Expression");
+    if (expression == nullptr || expression->kind != YamlNode::Kind::Scalar) return;
+    beginEntry(testOwner(root_, at != nullptr ? at->value : ""), Kind::Test, test);
+    attribute_ = "Expression";
+    each_(*expression, 0);
   }
 
   void testValue(KeyForm const* form, YamlNode const& node) {
@@ -286,49 +297,74 @@ class Walk {
       case YamlNode::Kind::Scalar:
         if (attribute_ == "Model") {
           modelText(node);
-        } else if (form == nullptr || form->scalar != KeyForm::Scalar::Expression) {
+        } else if (form != nullptr && form->scalar == KeyForm::Scalar::Path) {
           modelPath(node);
         }
         break;
       case YamlNode::Kind::Sequence:
         for (auto const* item : node.children) testValue(form != nullptr ? form->items : nullptr, *item);
         break;
-      case YamlNode::Kind::Mapping:
+      case YamlNode::Kind::Mapping: {
+        bool const hasPaths = form != nullptr && form->keys.empty() && form->named != nullptr;
         forEachIn(&node, [&](YamlNode const& key, YamlNode const& value) {
           std::string const before = attribute_;
           attribute_ = key.value;
-          modelPath(key);
-          // The values of paths are values of parameters, which may look like paths too.
-          if (!key.value.starts_with('/')) testValue(form != nullptr ? form->valueOf(key.value) : nullptr, value);
+          if (hasPaths) {
+            modelPath(key);
+          } else {
+            testValue(form != nullptr ? form->valueOf(key.value) : nullptr, value);
+          }
           attribute_ = before;
         });
         break;
+      }
     }
   }
 
   void modelPath(YamlNode const& node) {
-    if (!node.value.starts_with('/')) return;
-    addModelPath(node.value, contentOf(node));
+    if (!node.value.empty()) addModelPath(root_, node.value, contentOf(node));
   }
 
+  /// The paths of a model: whole ones, and those of nested blocks. A line that is neither is passed over.
   void modelText(YamlNode const& node) {
     std::string_view const text = node.value;
     rules::ScalarWalk walk;
+    std::vector<std::string> open = {""};  // the paths of the blocks around the line
     for (std::size_t begin = 0; begin < text.size();) {
       std::size_t const end = std::min(text.find('\n', begin), text.size());
-      std::string_view const line = text.substr(begin, end - begin);
+      std::string_view const line = StringUtilities::trimmed(text.substr(begin, end - begin));
+      auto const take = [&](std::string const& base, std::string_view path) {
+        if (path.empty()) return;
+        std::size_t const from = static_cast<std::size_t>(path.data() - text.data());
+        addModelPath(base.empty() ? "/" : base, std::string(path),
+                     spanOf(rangeInScalar(source_, node, from, path.size(), &walk)));
+      };
+      std::size_t const equals = line.find('=');
       if (line.starts_with('/')) {
-        std::string_view path = line.substr(0, line.find('='));
+        std::string_view path = line.substr(0, equals);
         while (path.ends_with(' ') || path.ends_with('/')) path.remove_suffix(1);
-        addModelPath(std::string(path), spanOf(rangeInScalar(source_, node, begin, path.size(), &walk)));
+        take("", path);
+      } else if (line.starts_with("END #")) {
+        if (open.size() > 1) open.pop_back();
+        std::string_view name = StringUtilities::trimmed(line.substr(5));
+        if (name.ends_with(':')) name.remove_suffix(1);
+        take(open.back(), name);
+      } else if (!line.starts_with('#') && equals != std::string_view::npos) {
+        take(open.back(), StringUtilities::trimmed(line.substr(0, equals)));
+      } else if (std::size_t const colon = line.find(':'); !line.starts_with('#') && colon != std::string_view::npos) {
+        std::string_view const type = StringUtilities::trimmed(line.substr(0, colon));
+        std::string_view const name = StringUtilities::trimmed(line.substr(colon + 1));
+        take(open.back(), type);
+        open.push_back(open.back() + '/' + std::string(type) + (name.empty() ? "" : ':' + std::string(name)));
       }
       begin = end + 1;
     }
   }
 
-  void addModelPath(std::string path, Span span) {
+  void addModelPath(std::string base, std::string path, Span span) {
     Reference use;
     use.kind = Reference::Kind::ModelPath;
+    use.base = path.starts_with('/') ? std::string() : std::move(base);
     use.text = std::move(path);
     use.span = span;
     add(std::move(use));
@@ -408,10 +444,17 @@ class Walk {
   Facts& facts_;
   EachExpression each_;
   KeyForm const* form_ = nullptr;  // of the object or template
+  std::string root_;               // the type path of the object that a test edits, if it says which
   std::string attribute_;
 };
 
 }  // namespace
+
+FactOwner testOwner(std::string const& root, std::string const& at) {
+  if (at.starts_with('/')) return {Kind::ObjectType, PathUtils::typePathOf(at)};
+  std::string const type = at.empty() ? std::string() : PathUtils::typePathOf('/' + at);
+  return root.empty() ? FactOwner{Kind::Test, type} : FactOwner{Kind::ObjectType, root + type};
+}
 
 std::vector<std::string> const* Definition::attribute(std::string_view key) const noexcept {
   auto const found =
@@ -430,6 +473,14 @@ Facts factsOf(FactSource const& source) {
   Walk walk(source, facts);
   walk.run([&](YamlNode const& scalar, std::size_t skipped) { walk.addUses(scalar, skipped); });
   return facts;
+}
+
+std::vector<Span> expressionsIn(FactSource const& source) {
+  Facts facts;
+  std::vector<Span> spans;
+  Walk walk(source, facts);
+  walk.run([&](YamlNode const& scalar, std::size_t /*skipped*/) { spans.push_back(walk.spanOf(scalar.range())); });
+  return spans;
 }
 
 void forEachExpressionPart(FactSource const& source,

@@ -19,7 +19,8 @@
 namespace tarn::workbench {
 
 /// The owner of an entry: an object type (by its path), a template, or a named rule. A global check, and whatever
-/// nobody has, has the kind `Section`: its paths start at the root of the model.
+/// nobody has, has the kind `Section`: its paths start at the root of the model. An expression of a test has the kind
+/// `Test`, when it is evaluated at the object that the test edits, or below it at the type path `name`.
 struct FactOwner {
   EditorItemKind kind = EditorItemKind::Section;
   std::string name;
@@ -64,6 +65,9 @@ struct Reference {
   Kind kind = Kind::Parameter;
   EditorItemKind named = EditorItemKind::Section;  // of a NamedRule
   std::string text;                                // the path or the name
+  /// The object where a model path without "/" in front starts, "/" for the root of the model. If it is empty, the path
+  /// starts at the object that a test edits.
+  std::string base = {};
   std::shared_ptr<ExpressionScope const> scope;
   std::size_t entry = 0;  // index in `Facts::entries`
   std::string attribute;  // the key of the entry
@@ -85,6 +89,13 @@ struct FactSource {
 };
 
 [[nodiscard]] Facts factsOf(FactSource const& source);
+
+/// The owner of an expression that a test evaluates at the object `at`. `root` is the type path of the object that the
+/// test edits, or empty if the test does not say which.
+[[nodiscard]] FactOwner testOwner(std::string const& root, std::string const& at);
+
+/// Where the expressions of the part of a file are, with their quotes; spans count from its beginning.
+[[nodiscard]] std::vector<Span> expressionsIn(FactSource const& source);
 
 /// Calls `each` for the parts of every expression in the part of a file, in the order of the file; spans count from its
 /// beginning. The part of an expression that is on several lines has one span for each line.

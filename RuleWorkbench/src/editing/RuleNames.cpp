@@ -1,6 +1,7 @@
 #include "editing/RuleNames.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <tarn/PathUtils.h>
 #include <tarn/PhysicsData.h>
@@ -36,6 +37,21 @@ ReadPart const* EditedFile::partAt(std::size_t offset) const noexcept {
   return next == parts.begin() ? nullptr : &*std::prev(next);
 }
 
+void RuleNames::Entries::addParams(std::string_view name, std::vector<DefinitionAt>& found) const {
+  constexpr std::size_t fewSearches = 16;
+  if (++searches_ <= fewSearches) {
+    std::copy_if(params.begin(), params.end(), std::back_inserter(found),
+                 [&](DefinitionAt const& one) { return one.definition->name == name; });
+    return;
+  }
+  if (byName_.empty()) {
+    byName_.reserve(params.size());
+    for (std::size_t i = 0; i < params.size(); ++i) byName_.emplace(params[i].definition->name, i);
+  }
+  auto const [begin, end] = byName_.equal_range(name);
+  for (auto it = begin; it != end; ++it) found.push_back(params[it->second]);
+}
+
 RuleNames::RuleNames(EditedFiles const& files) : files_(files) {
   for (auto const& file : files) {
     for (ReadPart const& part : file->parts) add(*file, part);
@@ -45,6 +61,8 @@ RuleNames::RuleNames(EditedFiles const& files) : files_(files) {
 
 void RuleNames::add(EditedFile const& file, ReadPart const& part) {
   std::size_t const shift = part.part.span.begin;
+  FactOwner const* lastOwner = nullptr;
+  Entries* lastEntries = nullptr;
   for (Definition const& definition : part.facts->definitions) {
     DefinitionAt const at{&definition, &file, shift};
     auto& owners = definition.owner.kind == Kind::Template ? templates_ : types_;
@@ -56,9 +74,11 @@ void RuleNames::add(EditedFile const& file, ReadPart const& part) {
         templates_[definition.name].definitions.push_back(at);
         break;
       case Kind::Parameter: {
-        Entries& entries = owners[definition.owner.name];
-        entries.paramsByName.emplace(definition.name, entries.params.size());
-        entries.params.push_back(at);
+        if (lastOwner == nullptr || *lastOwner != definition.owner) {
+          lastOwner = &definition.owner;
+          lastEntries = &owners[definition.owner.name];
+        }
+        lastEntries->params.push_back(at);
         break;
       }
       case Kind::Child:
@@ -151,8 +171,7 @@ std::vector<DefinitionAt> RuleNames::childrenOf(std::string const& type) const {
 std::vector<DefinitionAt> RuleNames::findParam(std::string const& type, std::string_view name) const {
   std::vector<DefinitionAt> result;
   for (Entries const* entries : withTemplates(type)) {
-    auto const [begin, end] = entries->paramsByName.equal_range(name);
-    for (auto it = begin; it != end; ++it) result.push_back(entries->params[it->second]);
+    entries->addParams(name, result);
   }
   return result;
 }
@@ -164,9 +183,16 @@ std::vector<DefinitionAt> RuleNames::findChild(std::string const& type, std::str
 std::set<std::string> RuleNames::contextsOf(FactOwner const& owner) const {
   if (owner.kind == Kind::Section) return {""};
   if (owner.kind == Kind::ObjectType) return {owner.name};
+  if (owner.kind == Kind::Test) return editedTypes(owner.name);
   auto const [known, isNew] = contexts_.try_emplace({owner.kind, owner.name});
   if (isNew) known->second = collectContexts(owner);
   return known->second;
+}
+
+std::set<std::string> RuleNames::editedTypes(std::string const& below) const {
+  std::set<std::string> result;
+  for (ReferenceAt const& root : roots_) result.insert('/' + root.reference->text + below);
+  return result;
 }
 
 std::set<std::string> RuleNames::viewpointsOf(FactOwner const& owner) const {
@@ -201,6 +227,9 @@ std::set<std::string> RuleNames::collectContexts(FactOwner const& owner) const {
         break;
       case Kind::ObjectType:
         found(next.owner.name, next.context);
+        break;
+      case Kind::Test:
+        for (std::string const& type : editedTypes(next.owner.name)) found(type, next.context);
         break;
       case Kind::Template:
         if (auto const takers = takers_.find(next.owner.name); takers != takers_.end()) {
@@ -303,6 +332,21 @@ Meaning RuleNames::meaningOf(DefinitionAt const& given) const {
   return meaning;
 }
 
+std::string RuleNames::absoluteType(Reference const& use, std::string_view path) const {
+  if (path.starts_with('/')) return PathUtils::typePathOf(path);
+  std::string below = PathUtils::typePathOf('/' + std::string(path));
+  if (use.base == "/") return below;
+  if (!use.base.empty()) return PathUtils::typePathOf(use.base) + below;
+  // Without the root of a test, its object is of the root type that has such an item.
+  std::size_t const slash = below.rfind('/');
+  for (std::string const& root : editedTypes("")) {
+    std::string const owner = root + below.substr(0, slash);
+    std::string const name = below.substr(slash + 1);
+    if (!findParam(owner, name).empty() || !findChild(owner, name).empty()) return root + below;
+  }
+  return below;
+}
+
 Meaning RuleNames::meaningOf(ReferenceAt const& at, std::size_t component) const {
   Reference const& use = *at.reference;
   Meaning meaning;
@@ -353,7 +397,7 @@ Meaning RuleNames::meaningOf(ReferenceAt const& at, std::size_t component) const
     meaning.kind = Kind::Parameter;
     meaning.types = resolveOwners(use.text, use.scope.get(), at.entry->owner);
   } else if (use.kind == Reference::Kind::TypeKey || use.kind == Reference::Kind::ModelPath) {
-    std::string const type = PathUtils::typePathOf(upTo(use.text, components[component]));
+    std::string const type = absoluteType(use, upTo(use.text, components[component]));
     std::size_t const slash = type.rfind('/');
     bool const isParam = use.kind == Reference::Kind::ModelPath && isLast && slash != std::string::npos &&
                          !findParam(type.substr(0, slash), type.substr(slash + 1)).empty();

@@ -78,9 +78,17 @@ class RuleNames {
   struct Entries {
     std::vector<DefinitionAt> definitions;  // of the type or template itself
     std::vector<DefinitionAt> params;
-    std::unordered_multimap<std::string_view, std::size_t> paramsByName;
     std::vector<DefinitionAt> children;
     std::vector<std::string> uses;  // names of templates
+
+    /// Appends the parameters of that name to `found`.
+    void addParams(std::string_view name, std::vector<DefinitionAt>& found) const;
+
+   private:
+    // Names are read again after each edit, and then few of them are searched. So an index is made only for many
+    // searches.
+    mutable std::size_t searches_ = 0;
+    mutable std::unordered_multimap<std::string_view, std::size_t> byName_;
   };
   using NameKey = std::pair<EditorItemKind, std::string>;
 
@@ -95,6 +103,8 @@ class RuleNames {
   [[nodiscard]] std::vector<DefinitionAt> childrenOf(std::string const& type) const;
   [[nodiscard]] std::vector<DefinitionAt> findParam(std::string const& type, std::string_view name) const;
   [[nodiscard]] std::vector<DefinitionAt> findChild(std::string const& type, std::string_view name) const;
+  /// Where an object type is given: its entry under Objects, and the entries of children that lead to it.
+  [[nodiscard]] std::vector<DefinitionAt> definitionsOfType(std::string const& type) const;
 
   /// The object types in whose objects the rules of an owner are evaluated: for a template those that use it, for a
   /// named rule those whose rules call it. {""} for the root of the model.
@@ -137,7 +147,10 @@ class RuleNames {
   /// The entries of an object type, and of the templates that it uses.
   [[nodiscard]] std::vector<Entries const*> withTemplates(std::string const& type) const;
   [[nodiscard]] std::set<std::string> collectContexts(FactOwner const& owner) const;
-  [[nodiscard]] std::vector<DefinitionAt> definitionsOfType(std::string const& type) const;
+  /// The types of the objects that a test can edit, each with `below`.
+  [[nodiscard]] std::set<std::string> editedTypes(std::string const& below) const;
+  /// The type path that a path of a type or model means.
+  [[nodiscard]] std::string absoluteType(Reference const& use, std::string_view path) const;
   [[nodiscard]] Names const& byName() const;
   void addUses(ReferenceAt const& use, Meaning const& meaning, std::vector<Use>& result) const;
 

@@ -243,6 +243,88 @@ TEST(EditedRules, RenamesEverywhereInRulesAndTests) {
                                                     "pump.rules.yaml:28:21", "pump.rule-tests.yaml:5:20"));
 }
 
+/// A test that names the mode of a pump in all ways: in a block, below the object that is edited, and in expressions.
+constexpr char const* modeTests = R"yaml(Rule Tests: 1
+Tests:
+  in a block:
+    Model: |
+      Plant: 
+        Pump: a
+          Mode = Off
+        END # Pump:a
+      END # Plant:
+    Steps:
+      - Set: {Pump:a/Mode: On}
+        Expect: {Present: [Pump:a/Mode], Value: {/Plant/Pump:a/Mode: On}}
+    Evaluate:
+      - {Expression: "${Pump:a/Mode} == 'On'", Gives: yes}
+      - At: /Plant/Pump:a
+        Expression: ${Mode} == 'On'
+        Gives: yes
+      - Expression: ${Mode} == 'On'
+        At: Pump:a
+        Gives: yes
+)yaml";
+
+TEST(EditedRules, FindsTheItemsOfTestsHoweverTheyAreWritten) {
+  Marked marked(with("      Mode:\n", "      Mo^^de:\n"));
+  marked.rules.setText("pump.rule-tests.yaml", modeTests);
+  std::vector<std::string> lines;
+  for (auto const& one : marked.rules.references(marked.file, marked.cursor, false)) {
+    if (one.file == "pump.rule-tests.yaml") lines.push_back(std::to_string(one.range.begin.line + 1));
+  }
+  EXPECT_THAT(lines, ElementsAre("7", "11", "12", "12", "14", "16", "18"));
+}
+
+TEST(EditedRules, RenamesAnObjectTypeInTheBlocksOfATest) {
+  Marked marked(with("      Pump: {Coupled", "      Pu^^mp: {Coupled"));
+  marked.rules.setText("pump.rule-tests.yaml", modeTests);
+  auto const renamed = marked.rules.rename(marked.file, marked.cursor, "Fan");
+  EXPECT_EQ(renamed.refusal, "");
+  std::vector<std::size_t> lines;
+  for (auto const& change : renamed.changes) {
+    if (change.file == "pump.rule-tests.yaml") lines.push_back(change.range.begin.line + 1);
+  }
+  std::sort(lines.begin(), lines.end());
+  EXPECT_THAT(lines, ElementsAre(6, 8, 11, 12, 12, 14, 15, 19));
+}
+
+TEST(EditedRules, ProposesWhatTheObjectOfATestHas) {
+  for (std::string const evaluate : {
+           "{At: /Plant/Pump:a, Expression: \"${^^\"}",
+           "{Expression: \"${^^\", At: /Plant/Pump:a}",
+           "\n      At: /Plant/Pump:a\n      Expression: ${^^",
+           "\n      Expression: ${^^\n      At: '/Plant/Pump:a'",
+           "\n      - Expression: ${^^\n        At: /Plant/Pump:a\n      - Expression: 1",
+           "\n      - At: /Plant\n        Expression: 1\n      - At: Pump:a\n        Expression: ${^^",
+       }) {
+    Marked marked("Rule Tests: 1\nTests:\n  one:\n    Evaluate: " + evaluate + "\n", "pump.rule-tests.yaml");
+    marked.rules.setText("pump.rules.yaml", pumpRules);
+    auto const names = proposals(marked);
+    EXPECT_THAT(names, testing::IsSupersetOf({"Mode", "Pressure", "Hours"})) << evaluate;
+    EXPECT_THAT(names, Not(Contains("Limit"))) << evaluate;
+  }
+  Marked marked("Rule Tests: 1\nTests:\n  one:\n    Evaluate: {Expression: \"${^^\"}\n", "pump.rule-tests.yaml");
+  marked.rules.setText("pump.rules.yaml", pumpRules);
+  EXPECT_THAT(proposals(marked), Contains("Limit"));
+}
+
+TEST(EditedRules, SaysWhatAnExpressionOnSeveralLinesReads) {
+  for (std::string const value : {"${Mode} ==\n          'O^^n' and ${/Plant/Limit} > 1",
+                                  ">-\n          ${Mode} == 'O^^n'\n          and ${/Plant/Limit} > 1",
+                                  "\"${Mode} == 'O^^n'\n          and ${/Plant/Limit} > 1\""}) {
+    Marked const marked(with("${Mode} == 'On'\n        Par", value + "\n        Par"));
+    auto const hover = marked.rules.hover(marked.file, marked.cursor);
+    ASSERT_TRUE(hover) << value;
+    EXPECT_EQ(hover->markdown, "This expression reads:\n\n- `/Plant/Pump/Mode`\n- `/Plant/Limit`") << value;
+  }
+  Marked const key(
+      with("Available: ${Mode} == 'On'", "Avail^^able:\n          ${Mode} == 'On'\n          or ${/Plant/Limit} > 1"));
+  auto const hover = key.rules.hover(key.file, key.cursor);
+  ASSERT_TRUE(hover);
+  EXPECT_THAT(hover->markdown, HasSubstr("Reads:\n\n- `/Plant/Pump/Mode`\n- `/Plant/Limit`"));
+}
+
 TEST(EditedRules, RefusesNamesThatAreTakenOrCannotBeWritten) {
   Marked const marked(with("      Mode:\n", "      Mo^^de:\n"));
   auto const refusal = [&](std::string const& name) {
@@ -353,6 +435,102 @@ TEST(EditedRules, DiagnosticsOfUnchangedPartsMoveWithTheirLines) {
                                                testing::Field(&workbench::EditorDiagnostic::message, one.message))));
   }
   EXPECT_THAT(moved, SizeIs(testing::Ge(300U)));
+}
+
+/// Rules of many units with all that rules have, in two files.
+std::vector<std::pair<std::string, std::string>> manyUnits(std::size_t count) {
+  std::string base =
+      "Rule Database: 1\nPertinent Roots: [Plant]\nQuantity Types:\n  Length: {Units: [m, mm]}\nChecks:\n"
+      "  warm: ${/Plant/Season} == 'Summer'\nValues:\n  most: 5\nTemplates:\n  wear:\n    Parameters:\n"
+      "      Hours: {Parameter Type: Real, Lower Bound: 0}\nObjects:\n  /Plant:\n    Parameters:\n"
+      "      Season: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Summer, Winter]}\n"
+      "      Limit: {Parameter Type: Real, Quantity Type: Length}\n    Children:\n";
+  std::string units = "Rule Database: 1\nObjects:\n";
+  for (std::size_t i = 0; i < count; ++i) {
+    std::string const name = "Unit" + std::to_string(i);
+    base += "      " + name + ": {Coupled: yes}\n";
+    units +=
+        "  /Plant/" + name + ":\n    Use: [wear]\n    Parameters:\n" +
+        "      Mode:\n        Required: yes\n        Parameter Type: String\n"
+        "        Ordered Allowed String List: [Off, On]\n        Default Value: Off\n"
+        "      Level:\n        Available: ${Mode} == 'On' and check('warm')\n        Parameter Type: Real\n"
+        "        Quantity Type: Length\n        Lower Bound: 1 [m]\n        Upper Bound: 2 [m]\n"
+        "      Share:\n        Available: any({../Unit" +
+        std::to_string(count - 1 - i) +
+        ":*}, ${Level} > 1)\n        Parameter Type: Integer\n        Upper Bound: = ${/Plant/Limit} * value('most')\n";
+  }
+  return {{"10.rules.yaml", std::move(base)}, {"20.rules.yaml", std::move(units)}};
+}
+
+TEST(EditedRules, FindsAtOnceWhatACheckOfEverythingFindsInTheEditedLine) {
+  // A change of one line, and the code of what is then wrong with it; "" for nothing.
+  struct Slip {
+    std::string_view written, instead, code;
+  };
+  constexpr Slip slips[] = {
+      {"${Mode} == 'On'", "${Mode} == 'Onn'", "impossible-value"},
+      {"${Mode} == 'On'", "${Mod} == 'On'", "unknown-parameter"},
+      {"${Mode} == 'On'", "${Hours} > 5", ""},
+      {"${Mode} == 'On'", "${/Plant/Unit7:*/Mode} == 'On'", "several-parameters"},
+      {"${Mode} == 'On' and check('warm')", "any({/Plant/Unit7:*}, ${Mode} == 'Un')", "impossible-value"},
+      {"${Mode} == 'On' and check('warm')", "any({/Plant/Unti7:*}, ${Mode} == 'On')", "unknown-object-path"},
+      {"check('warm')", "check('wram')", "unknown-named-rule"},
+      {"check('warm')", "not check('warm') and check('warm')", "never-holds"},
+      {"check('warm')", "${/Plant/Season} == 'Autumn'", "impossible-value"},
+      {"Lower Bound: 1 [m]", "Lower Bound: 1 [cm]", "units-not-listed"},
+      {"Upper Bound: 2 [m]", "Upper Bound: 500 [mm]", "bounds-reversed"},
+      {"Quantity Type: Length", "Quantity Type: Lenght", "unknown-quantity-type"},
+      {"${/Plant/Limit} * value('most')", "${/Plant/Limits}", "unknown-parameter"},
+      {"${/Plant/Limit} * value('most')", "value('least')", "unknown-named-rule"},
+      {"Default Value: Off", "Default Value: Of", "default-not-allowed"},
+      {"[Off, On]", "[Off, On, Off]", "duplicate-value"},
+      {"Parameter Type: Integer", "Parameter Type: Int", "unknown-parameter-type"},
+      {"Required: yes", "Required: maybe", "not-yes-or-no"},
+      {"Use: [wear]", "Use: [waer]", "unknown-template"},
+      {"      Share:", "      Mode:", "duplicate-key"},
+      {"{Coupled: yes}", "{Coupled: yes, Default Names: [a, a]}", "duplicate-value"},
+  };
+  EditedRules rules;
+  for (auto& [file, text] : manyUnits(120)) rules.setText(file, text);
+  auto const last = rules.snapshot().check();
+  rules.accept();
+  auto const linesOf = [&](workbench::EditorDiagnostics const& all, std::string const& file, std::size_t line) {
+    std::vector<std::string> found;
+    for (auto const& one : all.at(file)) {
+      if (one.range.begin.line != line || one.code == "reads-later-decision") continue;
+      found.push_back(std::to_string(one.range.begin.byte) + ' ' + one.code + ' ' + one.message);
+    }
+    return found;
+  };
+  for (Slip const& slip : slips) {
+    std::string const file = slip.written.starts_with("{Coupled") ? "10.rules.yaml" : "20.rules.yaml";
+    std::string const before = rules.text(file);
+    std::size_t at = 0;
+    for (int i = 0; i < 60; ++i) at = before.find(slip.written, at + 1);
+    ASSERT_NE(at, std::string::npos) << slip.written;
+    std::string now = before;
+    now.replace(at, slip.written.size(), slip.instead);
+    auto const line =
+        static_cast<std::size_t>(std::count(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+    rules.setText(file, now);
+    auto const quick = rules.checkChanges(last);
+    auto const whole = rules.snapshot().check();
+    auto const found = linesOf(whole, file, line);
+    EXPECT_EQ(linesOf(quick, file, line), found) << slip.instead;
+    EXPECT_THAT(found, slip.code.empty() ? testing::Matcher<std::vector<std::string>>(IsEmpty())
+                                         : Contains(HasSubstr(" " + std::string(slip.code) + " ")))
+        << slip.instead;
+    // Nothing is said that a check of everything does not say.
+    for (auto const& [name, diagnostics] : quick) {
+      for (auto const& one : diagnostics) {
+        EXPECT_THAT(whole.at(name),
+                    Contains(testing::AllOf(testing::Field(&workbench::EditorDiagnostic::range, one.range),
+                                            testing::Field(&workbench::EditorDiagnostic::code, one.code))))
+            << slip.instead << ": " << one.message;
+      }
+    }
+    rules.setText(file, before);
+  }
 }
 
 TEST(EditedRules, ALargeFileHasTheSameNamesAsItsParts) {
