@@ -16,6 +16,7 @@
 #include <tarn/session/Migration.h>
 #include <tarn/session/ModelFile.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -30,6 +31,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using session::Migration;
 using session::MigrationEntry;
+using session::MigrationFate;
 
 struct MigrateOptions {
   std::vector<std::string> rules;
@@ -46,7 +48,8 @@ Json entryAsJson(MigrationEntry const& entry) {
   if (entry.name) json["name"] = *entry.name;
   json["newName"] = entry.newName;
   if (entry.name) json["value"] = entry.value;
-  if (entry.fate == session::MigrationFate::Taken && entry.name) json["otherValue"] = entry.otherValue;
+  if (entry.fate == MigrationFate::ValueChanged) json["newValue"] = entry.newValue;
+  if (entry.fate == MigrationFate::Taken && entry.name) json["otherValue"] = entry.otherValue;
   if (entry.place.isKnown()) json["place"] = {{"line", entry.place.line()}, {"column", entry.place.column()}};
   if (entry.rule.isKnown()) json["rule"] = entry.rule.text();
   json["message"] = sentenceOf(entry);
@@ -179,12 +182,12 @@ void addMigrateCommand(CLI::App& app, Command& chosen) {
       ->type_name("FILE");
   command->add_flag("--overwrite", options->overwrite, "Let --out replace a file that is there");
   command->add_flag("--dry-run", options->dryRun, "Write nothing, and say what would be done");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object a model on a line")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object a model on a line");
   command->footer(
       "Items get their new names where the rules have Renamed From or Renamed Names. Everything else of a model is\n"
-      "kept byte for byte. An item that cannot be renamed keeps its name, and a line says why.\n"
+      "kept byte for byte, except values that must mean a renamed object. An item that cannot be renamed keeps its\n"
+      "name, and a line says why.\n"
       "Examples: zev migrate --rules rules/ --dry-run models/*.tdf\n"
       "          zev migrate --rules rules/ --in-place models/*.tdf\n"
       "Exit status: 0 everything was renamed or nothing had to be, 1 something is left for you, 2 wrong usage or\n"

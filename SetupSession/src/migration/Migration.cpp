@@ -11,9 +11,12 @@
 #include <utility>
 
 #include <tarn/ModelTextRename.h>
+#include <tarn/ModelTextRewrite.h>
+#include <tarn/ParamValueDef.h>
 #include <tarn/PathUtils.h>
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
+#include <tarn/session/Review.h>
 
 #include "session/Printable.h"
 
@@ -37,6 +40,16 @@ struct Child {
   [[nodiscard]] bool isRenamed() const { return renamed != component; }
 };
 
+/// An object whose name has changed.
+struct RenamedObject {
+  std::string path;
+  std::string newName;
+  bool isOnly = true;  // no other object with the former name got another new one
+};
+
+/// By former name.
+using RenamedObjects = std::map<std::string, RenamedObject>;
+
 class Migrating {
  public:
   Migrating(PhysicsData const& rules, ModelText const& model, Migration& result)
@@ -47,6 +60,8 @@ class Migrating {
       for (std::string const& name : object->history.formerNames) renamedRoots_.try_emplace(name, object);
     }
   }
+
+  [[nodiscard]] RenamedObjects const& renamedObjects() const noexcept { return renamedObjects_; }
 
   [[nodiscard]] ModelTextNames run() {
     struct Open {
@@ -167,7 +182,9 @@ class Migrating {
     std::string_view const newType = typeOf(child.renamed);
     std::string const name = child.component.substr(type.size());
     if (entry.fate == MigrationFate::Renamed && !name.empty() && child.renamed.substr(newType.size()) != name) {
-      renamedObjects_.emplace(name.substr(1), path);
+      std::string const newName = child.renamed.substr(std::min(newType.size() + 1, child.renamed.size()));
+      auto const [known, isNew] = renamedObjects_.try_emplace(name.substr(1), RenamedObject{path, newName});
+      if (known->second.newName != newName) known->second.isOnly = false;
     }
   }
 
@@ -220,7 +237,7 @@ class Migrating {
           entry.path = path;
           entry.name = name;
           entry.value = value;
-          entry.newName = object->second;
+          entry.newName = object->second.path;
           break;
         }
       }
@@ -232,9 +249,90 @@ class Migrating {
   Migration& result_;
   std::map<std::string, std::set<std::string>> children_;  // by the path of their parent
   std::map<std::string, ObjDependDef const*, std::less<>> renamedRoots_;
-  std::map<std::string, std::string> renamedObjects_;  // former name, and the path of an object that had it
+  RenamedObjects renamedObjects_;
   ModelTextNames names_;
 };
+
+/// The path of an object under its new names.
+std::string newPathOf(std::string const& path, ModelTextNames const& names) {
+  std::string result;
+  for (std::size_t begin = 0; begin < path.size();) {
+    std::size_t const end = std::min(path.find('/', begin + 1), path.size());
+    auto const renamed = names.objects.find(path.substr(0, end));
+    result += renamed != names.objects.end() ? '/' + renamed->second : path.substr(begin, end - begin);
+    begin = end;
+  }
+  return result;
+}
+
+/// The value with new names in place of former ones that are not allowed. Nothing if that is not certain for all of
+/// them.
+std::optional<std::string> renamedValue(std::string const& value, Finding const& finding,
+                                        RenamedObjects const& renamed) {
+  auto const has = [](auto const& list, std::string const& text) {
+    return std::find(list.begin(), list.end(), text) != list.end();
+  };
+  auto const newItem = [&](std::string const& item) -> std::optional<std::string> {
+    auto const object = renamed.find(item);
+    if (object == renamed.end() || !object->second.isOnly) return std::nullopt;
+    if (!has(finding.expected.allowed, object->second.newName)) return std::nullopt;
+    return object->second.newName;
+  };
+  if (finding.wrong.empty()) return newItem(value);
+  std::string result;
+  for (std::size_t begin = 0; begin <= value.size();) {
+    std::size_t const end = std::min(value.find(',', begin), value.size());
+    std::string item = value.substr(begin, end - begin);  // with its blanks, as the validator compares it
+    if (has(finding.wrong, item)) {
+      auto now = newItem(item);
+      if (!now) return std::nullopt;
+      item = std::move(*now);
+    }
+    result += (begin > 0 ? "," : "") + item;
+    begin = end + 1;
+  }
+  return result;
+}
+
+/// Changes values that certainly mean renamed objects. A review of the model under its new names decides.
+void changeValues(PhysicsData const& rules, ModelText const& model, ModelTextNames const& names,
+                  RenamedObjects const& renamed, Migration& result) {
+  auto const isValue = [](MigrationEntry const& entry) { return entry.fate == MigrationFate::NamesRenamedObject; };
+  if (std::none_of(result.entries.begin(), result.entries.end(), isValue)) return;
+  ModelState state = ModelText("", result.text).state();
+  Findings const findings = Review(rules).judge(state);
+  std::map<std::pair<std::string, std::string>, Finding const*> notAllowed;
+  for (Finding const& finding : findings.list) {
+    if (finding.code != FindingCode::ValueNotAllowed || !finding.name) continue;
+    notAllowed.emplace(std::pair(finding.path, *finding.name), &finding);
+  }
+  std::vector<ModelText::Item> items;
+  for (MigrationEntry const& entry : result.entries) items.push_back({entry.path, entry.name});
+  auto const places = model.locate(items);
+  bool isChanged = false;
+  for (std::size_t i = 0; i < result.entries.size(); ++i) {
+    MigrationEntry& entry = result.entries[i];
+    if (!isValue(entry) || places[i].size() != 1) continue;
+    std::string const path = newPathOf(entry.path, names);
+    std::string name = *entry.name;
+    if (auto const object = names.params.find(entry.path); object != names.params.end()) {
+      auto const param = object->second.find(name);
+      if (param != object->second.end()) name = param->second.value_or(std::string());
+    }
+    auto const finding = notAllowed.find({path, name});
+    ObjDependDef const* const object = rules.getObjDependDef(PathUtils::typePathOf(path), true);
+    ParamValueDef const* const def = object != nullptr ? object->findValueDef(name) : nullptr;
+    bool const isComputed = def != nullptr && def->allowedValueKind == ParamValueDef::ComputedAllowedValues;
+    if (finding == notAllowed.end() || !isComputed) continue;
+    auto value = renamedValue(entry.value, *finding->second, renamed);
+    if (!value) continue;
+    state[path][name] = *value;
+    entry.fate = MigrationFate::ValueChanged;
+    entry.newValue = std::move(*value);
+    isChanged = true;
+  }
+  if (isChanged) result.text = rewriteModelText(result.text, state);
+}
 
 void locate(ModelText const& model, std::vector<MigrationEntry>& entries) {
   std::vector<ModelText::Item> items;
@@ -265,6 +363,8 @@ std::string_view migrationFateName(MigrationFate fate) noexcept {
       return "name-equals-type";
     case MigrationFate::NamesRenamedObject:
       return "names-renamed-object";
+    case MigrationFate::ValueChanged:
+      return "value-changed";
   }
   return {};
 }
@@ -294,6 +394,10 @@ std::string sentenceOf(MigrationEntry const& entry) {
       sentence = "did not change " + subject + ": its value " + quoted(entry.value) + " has the former name of " +
                  quoted(entry.newName) + "; change the value if it means that object";
       break;
+    case MigrationFate::ValueChanged:
+      sentence = "changed " + subject + " from " + quoted(entry.value) + " to " + quoted(entry.newValue) +
+                 ": that is what " + quoted(entry.newName) + " is called now";
+      break;
   }
   return entry.message.empty() ? sentence + '.' : sentence + ". " + printable(entry.message);
 }
@@ -308,7 +412,10 @@ bool Migration::isOpen() const noexcept {
 
 Migration migrate(PhysicsData const& rules, ModelText const& model, std::string_view text) {
   Migration result;
-  result.text = renameInModelText(text, Migrating(rules, model, result).run());
+  Migrating migrating(rules, model, result);
+  ModelTextNames const names = migrating.run();
+  result.text = renameInModelText(text, names);
+  changeValues(rules, model, names, migrating.renamedObjects(), result);
   locate(model, result.entries);
   return result;
 }

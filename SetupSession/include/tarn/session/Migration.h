@@ -23,10 +23,14 @@ enum class MigrationFate {
   /// It keeps its old name: with the new type it would have the name of its own type, which counts as no name.
   NameEqualsType,
   /// Nothing was changed. A value has the former name of an object that was renamed, and perhaps means this object.
-  NamesRenamedObject
+  NamesRenamedObject,
+  /// The value has the new name of an object that was renamed. The rules compute the allowed values of the parameter:
+  /// they do not have the former name any more, and have the new one.
+  ValueChanged
 };
 
-/// "renamed", "removed", "taken", "name-equals-type" or "names-renamed-object". Valid until the program ends.
+/// "renamed", "removed", "taken", "name-equals-type", "names-renamed-object" or "value-changed". Valid until the
+/// program ends.
 [[nodiscard]] TARN_EXPORT std::string_view migrationFateName(MigrationFate fate) noexcept;
 
 /// One item that the rules have renamed, and what became of it.
@@ -36,11 +40,14 @@ struct TARN_EXPORT MigrationEntry {
   std::string path;
   /// The parameter, when the entry is about one.
   std::optional<std::string> name;
-  /// The name that the item should have: of a parameter, or the last component of the path, such as "Wall:hub".
+  /// The name that the item should have: of a parameter, or the last component of the path, such as "Wall:hub". For
+  /// `NamesRenamedObject` and `ValueChanged` the path of the renamed object in the model as it was.
   std::string newName;
   /// The value of a parameter, and for `Taken` the value under the new name.
   std::string value;
   std::string otherValue;
+  /// For `ValueChanged`.
+  std::string newValue;
   /// The rules' reason for the new name; may be empty.
   std::string message;
   /// Where the model text has the item first.
@@ -50,7 +57,7 @@ struct TARN_EXPORT MigrationEntry {
 
   /// Whether somebody must look at the item.
   [[nodiscard]] bool isOpen() const noexcept {
-    return fate != MigrationFate::Renamed && fate != MigrationFate::Removed;
+    return fate != MigrationFate::Renamed && fate != MigrationFate::Removed && fate != MigrationFate::ValueChanged;
   }
 };
 
@@ -74,11 +81,16 @@ struct TARN_EXPORT Migration {
 /// `ItemHistory` and `ChildAvail::renamedNames`. `text` must be the text of `model`. An item whose own name is known to
 /// the rules is never touched. Migrating the result once more changes nothing.
 ///
+/// A value that has the former name of a renamed object gets the new name where the rules leave no doubt: see
+/// `MigrationFate::ValueChanged`. Where the text gives such a parameter more than once, or several renamed objects had
+/// the name, the value stays.
+///
 /// Two items that would have the same name both keep their old names, unless both are parameters with the same value.
 /// Below an object that keeps a former type nothing is changed, because the rules do not know it.
 ///
-/// Throws a `ParseError` that names line and column if the text is malformed. Linear in the length of the text, times
-/// the logarithm of the number of objects.
+/// Throws a `ParseError` that names line and column if the text is malformed, and what a rule throws. Linear in the
+/// length of the text, times the logarithm of the number of objects; and one review of the result if there are values
+/// that have former names.
 [[nodiscard]] TARN_EXPORT Migration migrate(PhysicsData const& rules, ModelText const& model, std::string_view text);
 
 }  // namespace tarn::session
