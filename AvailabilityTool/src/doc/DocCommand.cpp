@@ -14,6 +14,7 @@
 
 #include <tarn/workbench/RuleReference.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/Output.h"
@@ -64,9 +65,8 @@ void addDocCommand(CLI::App& app, Command& chosen) {
   auto arguments = std::make_shared<DocArguments>();
   CLI::App* command = app.add_subcommand("doc", "Write a reference of rules for people");
   addRulesOption(*command, arguments->rules);
-  command->add_option("--format", arguments->format, "html, a page that needs no other file, the default; or markdown")
-      ->type_name("html|markdown")
-      ->check(CLI::IsMember({"html", "markdown"}).description(""));
+  addChoiceOption(*command, "--format", arguments->format, {"html", "markdown"},
+                  "html, a page that needs no other file, the default; or markdown");
   command
       ->add_option("--out", arguments->out,
                    "Write index.html or index.md to this folder; default: to the standard output")
@@ -76,7 +76,7 @@ void addDocCommand(CLI::App& app, Command& chosen) {
   command->footer(
       "The reference has every object type with its parameters, children and checks: descriptions, types, units,\n"
       "allowed values, bounds, defaults, conditions in words and as they are written, and links to what an entry\n"
-      "depends on and to what reads it. The same rules give the same bytes.\n"
+      "depends on and to what reads it. The page has a search. The same rules give the same bytes.\n"
       "Examples: zev doc --rules rules/ > rules.html\n"
       "          zev doc --rules rules/ --format markdown --out reference/\n"
       "Exit status: 0, or 2 for wrong usage, rules that could not be read, or a file that could not be written.");

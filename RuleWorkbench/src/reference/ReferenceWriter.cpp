@@ -68,12 +68,18 @@ constexpr std::string_view style = R"css(
 html { scroll-padding-top: 1rem; }
 body { margin: 0; font: 1rem/1.55 system-ui, sans-serif; color: var(--text); background: var(--page); }
 a { color: var(--link); }
-a:focus-visible, summary:focus-visible { outline: 3px solid var(--link); outline-offset: 2px; border-radius: 2px; }
+a:focus-visible, summary:focus-visible, input:focus-visible { outline: 3px solid var(--link); outline-offset: 2px; border-radius: 2px; }
 .skip { position: absolute; left: -100rem; }
 .skip:focus { left: 1rem; top: 1rem; padding: .5rem 1rem; background: var(--panel); z-index: 1; }
 .page { display: grid; grid-template-columns: minmax(14rem, 20rem) minmax(0, 1fr); max-width: 84rem; margin: 0 auto; }
 nav { position: sticky; top: 0; align-self: start; max-height: 100vh; overflow: auto; padding: 1.25rem 1rem;
   border-right: 1px solid var(--line); font-size: .9rem; }
+.search { margin: 0 0 1rem; }
+.search label { display: block; font-weight: 600; }
+.search input { width: 100%; min-height: 2rem; margin: .25rem 0; padding: .2rem .5rem; font: inherit; color: inherit;
+  background: var(--page); border: 1px solid var(--quiet); border-radius: .25rem; }
+.search p { margin: 0; color: var(--quiet); }
+.search span { display: block; color: var(--quiet); }
 nav summary { font-weight: 600; cursor: pointer; }
 nav ul { list-style: none; margin: .5rem 0 0; padding: 0; }
 nav li { padding: .12rem 0; overflow-wrap: anywhere; }
@@ -85,10 +91,12 @@ h2 { font-size: 1.4rem; line-height: 1.25; margin: 3rem 0 .5rem; padding-top: 1r
 h3 { font-size: 1.1rem; margin: 1.75rem 0 .25rem; color: var(--quiet); }
 h4 { font-size: 1.05rem; margin: 0; }
 h1, h2, h3, h4, p, dd { overflow-wrap: anywhere; }
-h2 a.self, h4 a.self { color: inherit; text-decoration: none; }
-h2 a.self:hover, h4 a.self:hover { text-decoration: underline; }
+a.self { color: inherit; text-decoration: none; }
+a.self:hover { text-decoration: underline; }
+nav a, dd a { display: inline-block; min-height: 1.5rem; line-height: 1.5rem; }
 p { margin: .4rem 0; max-width: 46rem; }
 article { margin: .75rem 0; padding: .8rem 1rem; border: 1px solid var(--line); border-radius: .5rem; background: var(--panel); }
+article h3 { font-size: 1.05rem; margin: 0; color: inherit; }
 article:target { border-color: var(--link); }
 .type { content-visibility: auto; contain-intrinsic-size: auto 60rem; }
 dl { display: grid; grid-template-columns: 9rem minmax(0, 1fr); gap: .2rem .9rem; margin: .5rem 0 0; font-size: .94rem; }
@@ -104,16 +112,104 @@ mark { color: var(--mark); background: var(--mark-back); padding: .05em .45em; b
 @media print { nav { display: none; } .page { display: block; } .type { content-visibility: visible; } }
 )css";
 
+/// The search. The page is whole without it. Texts of the rules stay texts: nothing is put together as HTML.
+constexpr std::string_view script = R"js(
+(() => {
+  'use strict';
+  const most = 50;
+  const input = document.getElementById('find');
+  const list = document.getElementById('found');
+  const count = document.getElementById('count');
+  let items = null;
+
+  // The reference may be large, so it is read when somebody searches for the first time.
+  const read = () => [...document.querySelectorAll('section[id], article[id]')].map((at) => {
+    const isEntry = at.tagName === 'ARTICLE';
+    const name = at.querySelector('a.self').textContent;
+    const owner = isEntry ? at.closest('section').querySelector('a.self').textContent : '';
+    const about = isEntry ? at.textContent : (at.querySelector(':scope > p') || name).textContent || '';
+    return { id: at.id, name, owner, low: name.toLowerCase(), path: `${owner}/${name}`.toLowerCase(), text: about.toLowerCase() };
+  });
+
+  const rank = (item, text) => {
+    if (item.low === text || item.path === text) return 0;
+    if (item.low.startsWith(text)) return 1;
+    if (item.low.includes(` ${text}`)) return 2;
+    if (item.low.includes(text)) return 3;
+    if (item.path.includes(text)) return 4;
+    return item.text.includes(text) ? 5 : 6;
+  };
+
+  const show = () => {
+    const text = input.value.trim().toLowerCase();
+    list.replaceChildren();
+    count.textContent = '';
+    if (text === '') return;
+    items ??= read();
+    const hits = items.map((item, order) => ({ item, order, rank: rank(item, text) })).filter((hit) => hit.rank < 6);
+    hits.sort((a, b) => a.rank - b.rank || a.order - b.order);
+    for (const { item } of hits.slice(0, most)) {
+      const line = document.createElement('li');
+      const link = document.createElement('a');
+      link.href = `#${item.id}`;
+      link.textContent = item.name;
+      line.append(link);
+      if (item.owner) {
+        const owner = document.createElement('span');
+        owner.textContent = item.owner;
+        line.append(owner);
+      }
+      list.append(line);
+    }
+    const more = hits.length > most ? `; the first ${most} are listed` : '';
+    count.textContent = hits.length === 0 ? 'Nothing found.' : `${hits.length} found${more}.`;
+  };
+
+  const links = () => [...list.querySelectorAll('a')];
+  input.addEventListener('input', show);
+  input.form.addEventListener('submit', (event) => {
+    event.preventDefault();
+    links()[0]?.click();
+  });
+  input.form.addEventListener('keydown', (event) => {
+    const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+    if (event.key === 'Escape') {
+      input.value = '';
+      show();
+      input.focus();
+    } else if (step) {
+      const stops = [input, ...links()];
+      const next = stops[stops.indexOf(document.activeElement) + step];
+      if (next) {
+        next.focus();
+        event.preventDefault();
+      }
+    }
+  });
+  document.addEventListener('keydown', (event) => {
+    if (event.key !== '/' || event.ctrlKey || event.metaKey || event.altKey || event.target === input) return;
+    event.preventDefault();
+    input.focus();
+  });
+  input.form.hidden = false;
+})();
+)js";
+
 class HtmlWriter final : public ReferenceWriter {
  public:
   using ReferenceWriter::ReferenceWriter;
 
   void begin(std::string const& title, std::vector<ContentsEntry> const& contents) override {
-    out() << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-          << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" << escapedHtml(title)
-          << "</title>\n<style>" << style << "</style>\n</head>\n<body>\n"
-          << "<a class=\"skip\" href=\"#main\">Skip to the reference</a>\n<div class=\"page\">\n"
-          << "<nav aria-label=\"Contents\">\n<details open>\n<summary>Contents</summary>\n<ul>\n";
+    out()
+        << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+        << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" << escapedHtml(title)
+        << "</title>\n<style>" << style << "</style>\n</head>\n<body>\n"
+        << "<a class=\"skip\" href=\"#main\">Skip to the reference</a>\n<div class=\"page\">\n"
+        << "<nav aria-label=\"Contents\">\n"
+        << "<form class=\"search\" role=\"search\" hidden>\n<label for=\"find\">Find (press /)</label>\n"
+        << "<input id=\"find\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\" aria-describedby=\"count\">\n"
+        << "<p id=\"count\" role=\"status\"></p>\n<ul id=\"found\"></ul>\n</form>\n"
+        << "<details open>\n<summary>Contents</summary>\n<ul>\n";
     for (ContentsEntry const& entry : contents) {
       out() << "<li style=\"padding-left:" << entry.level << "em\"><a href=\"#" << entry.anchor << "\">"
             << escapedHtml(entry.text) << "</a></li>\n";
@@ -123,7 +219,7 @@ class HtmlWriter final : public ReferenceWriter {
 
   void end() override {
     closeDownTo(1);
-    out() << "</main>\n</div>\n</body>\n</html>\n";
+    out() << "</main>\n</div>\n<script>" << script << "</script>\n</body>\n</html>\n";
   }
 
   void heading(std::size_t level, std::string const& anchor, TextRuns const& text) override {
@@ -135,7 +231,9 @@ class HtmlWriter final : public ReferenceWriter {
       out() << "<article id=\"" << anchor << "\">\n";
       open_.push_back({level, "</article>\n"});
     }
-    std::size_t const shown = level < 3 ? 2 : level;
+    // An entry of a chapter has no heading of level 3 above it.
+    bool const isInChapter = level == 4 && open_.size() > 1 && open_[open_.size() - 2].level == 1;
+    std::size_t const shown = level < 3 ? 2 : isInChapter ? 3 : level;
     out() << "<h" << shown << '>';
     if (level != 3) out() << "<a class=\"self\" href=\"#" << anchor << "\">";
     write(text, 0, 1);

@@ -46,7 +46,7 @@ class Anchors {
   }
 
  private:
-  std::set<std::string> used_ = {"main"};
+  std::set<std::string> used_ = {"main", "find", "found", "count"};
   std::map<std::string, std::size_t> next_;
 };
 

@@ -17,7 +17,8 @@ enum class ReferenceFormat { Html, Markdown };
 /// what each entry depends on and what depends on it. Parameters are shown in the order of the rules, under their
 /// groups in order of first appearance.
 ///
-/// The HTML needs no script and no network. It follows the light or dark scheme of the reader and fits narrow screens.
+/// The HTML needs no network. A script in it finds entries by a part of their names or texts; without scripts the page
+/// is the same except for that. It follows the light or dark scheme of the reader and fits narrow screens.
 /// Texts of the rules are escaped, so they are shown as they are and can never become markup. The same rules give the
 /// same bytes.
 ///
