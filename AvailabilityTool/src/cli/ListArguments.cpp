@@ -17,6 +17,7 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
   result.reserve(arguments.size() + 4);
   ListOption const* open = nullptr;  // the option whose values come now
   bool first = false;                // its first value comes next
+  std::vector<std::string> values;   // of the open option
   bool anyFree = false;              // after the name of the command
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string const& argument = arguments[i];
@@ -25,15 +26,19 @@ std::vector<std::string> divideListArguments(std::vector<std::string> const& arg
       break;
     }
     bool const last = i + 1 == arguments.size();
+    // Nothing is meant twice: `zev test --rules plant plant` names a folder with rules and tests.
+    bool const isNew = std::find(values.begin(), values.end(), argument) == values.end();
     if (open && first) {
       first = false;
+      values = {argument};
     } else if (argument.size() > 1 && argument.front() == '-') {
       auto const found = std::find_if(options.begin(), options.end(),
                                       [&](ListOption const& option) { return option.name == argument; });
       open = found == options.end() ? nullptr : &*found;
       first = open != nullptr;
-    } else if (open && open->takes(argument) && (anyFree || !last)) {
+    } else if (open && isNew && open->takes(argument) && (anyFree || !last)) {
       result.push_back(open->name);
+      values.push_back(argument);
     } else {
       // The value of another option counts as free here. The only consequence is that the last argument is then judged
       // by its form alone.

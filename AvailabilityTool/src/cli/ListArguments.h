@@ -17,8 +17,8 @@ struct ListOption {
 /// the name of a command and everything after it.
 ///
 /// The argument directly after the option is always its value. The last argument of all is not a further value when
-/// there is no other argument without an option: it is then what the command works on. Everything after "--" stays as
-/// it is.
+/// there is no other argument without an option: it is then what the command works on. An argument that is a value of
+/// the option already is not a further one. Everything after "--" stays as it is.
 [[nodiscard]] std::vector<std::string> divideListArguments(std::vector<std::string> const& arguments,
                                                            std::vector<ListOption> const& options);
 

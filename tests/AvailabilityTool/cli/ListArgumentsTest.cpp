@@ -44,6 +44,11 @@ TEST(ListArguments, WithAModelInFrontTheLastArgumentMayBelongToTheOption) {
               ElementsAre("validate", "pump.tdf", "--rules", "a.yaml", "--rules", "b.yaml"));
 }
 
+TEST(ListArguments, AnArgumentThatIsAValueAlreadyIsFree) {
+  EXPECT_THAT(divide({"validate", "--rules", "a.yaml", "b.yaml", "a.yaml", "--format", "json"}),
+              ElementsAre("validate", "--rules", "a.yaml", "--rules", "b.yaml", "a.yaml", "--format", "json"));
+}
+
 TEST(ListArguments, AnotherOptionEndsTheList) {
   EXPECT_THAT(divide({"validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.tdf"}),
               ElementsAre("validate", "--rules", "a.yaml", "--only-validator", "b.yaml", "pump.tdf"));
