@@ -15,6 +15,7 @@
 #include <tarn/service/SessionJson.h>
 #include <tarn/workbench/RuleComparison.h>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
@@ -178,12 +179,11 @@ void addDiffRulesCommand(CLI::App& app, Command& chosen) {
       ->required();
   command->add_option("NEW", options->after, "The new rules")->type_name("")->required();
   command->add_option("MODEL", options->models, "Models to review and to open for editing under both")->type_name("");
-  command->add_option("--format", *format, "text, for people, the default; or json, one object on a line")
-      ->type_name("text|json")
-      ->check(CLI::IsMember({"text", "json"}).description(""));
+  addChoiceOption(*command, "--format", *format, {"text", "json"},
+                  "text, for people, the default; or json, one object on a line");
   command->footer(
       "A line begins with + for what came, - for what went and ~ for what is renamed or changed. Places are those in\n"
-      "the old and in the new rules. Texts for people are not compared.\n"
+      "the old and in the new rules. Texts for people, such as descriptions, are compared, too.\n"
       "Examples: zev diff-rules released/ rules/\n"
       "          zev diff-rules released/ rules/ models/*.tdf\n"
       "Exit status: 0 no difference, 1 differences, 2 wrong usage or a file that could not be read.");

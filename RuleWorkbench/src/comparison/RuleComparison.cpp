@@ -3,6 +3,8 @@
 #include <tarn/workbench/RuleComparison.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <map>
 #include <set>
 #include <tuple>
@@ -74,36 +76,55 @@ Attributes availabilityOf(Entry const& entry) {
           {"Deprecated", entry.history.deprecated}};
 }
 
+/// Texts for people. No result depends on them.
+template <typename Entry>
+void addTexts(Attributes& list, Entry const& entry) {
+  list.emplace_back("Description", entry.description);
+  list.emplace_back("Reason", entry.reason);
+  list.emplace_back("Group", entry.group);
+  list.emplace_back("Label", entry.label);
+  list.emplace_back("Advanced", yes(entry.advanced));
+  list.emplace_back("Beta Message", entry.betaMessage);
+  list.emplace_back("Rename Message", entry.history.renameMessage);
+}
+
+void addValues(Attributes& list, ParamValueDef const& def) {
+  std::string checks;
+  for (auto const& [value, when] : def.allowedValueChecks) {
+    checks += (checks.empty() ? "" : "; ") + value + " when " + conditionText(when.get());
+  }
+  bool const hasValues = def.allowedValueKind != ParamValueDef::NoAllowedValues;
+  list.emplace_back("Parameter Type", TDFParam::typeName(def.type));
+  list.emplace_back(def.allowedValueKind == ParamValueDef::ComputedAllowedValues ? "Value List Source"
+                                                                                 : "Ordered Allowed String List",
+                    hasValues ? listText(def.allowedValues.get()) : "");
+  list.emplace_back("Allowed String List Checks", checks);
+  list.emplace_back("Unused Allowed String List", joined(def.unusedValues));
+  list.emplace_back("Subset", listText(def.subset.get()));
+  list.emplace_back("Allows Any Value", yes(def.allowsAnyValue));
+  list.emplace_back("Available With No Allowed Values", yes(def.availableWithNoAllowedValues));
+  list.emplace_back("Complete List Required", yes(def.completeListRequired));
+  list.emplace_back("Default Value", valueText(def.defaultValue.get()));
+  list.emplace_back("Default Value Check List", guardedText(def.defaultChecks));
+  list.emplace_back("Fallback To Blank Default", yes(def.fallbackToBlankDefault));
+  list.emplace_back("Value Override Check List", guardedText(def.overrideChecks));
+  list.emplace_back("Lower Bound", valueText(def.lowerBound.get()));
+  list.emplace_back("Upper Bound", valueText(def.upperBound.get()));
+  list.emplace_back("Lower Bound Excluded", yes(def.lowerBoundExcluded));
+  list.emplace_back("Upper Bound Excluded", yes(def.upperBoundExcluded));
+  list.emplace_back("Pattern", def.pattern ? def.pattern->text() : "");
+  list.emplace_back("Pattern Message", def.patternMessage);
+  list.emplace_back("Quantity Type", valueText(def.quantityType.get()));
+  std::string beta;
+  for (auto const& [value, message] : def.betaValues) beta += (beta.empty() ? "" : "; ") + value + ": " + message;
+  list.emplace_back("Beta Values", beta);
+}
+
 Attributes attributesOf(ParamAvail const& param) {
   Attributes list = availabilityOf(param);
   list.emplace_back("Context Rule", yes(param.contextRule));
-  ParamValueDef const* const def = param.valueDef();
-  if (def == nullptr) return list;
-  std::string checks;
-  for (auto const& [value, when] : def->allowedValueChecks) {
-    checks += (checks.empty() ? "" : "; ") + value + " when " + conditionText(when.get());
-  }
-  bool const hasValues = def->allowedValueKind != ParamValueDef::NoAllowedValues;
-  list.emplace_back("Parameter Type", TDFParam::typeName(def->type));
-  list.emplace_back(def->allowedValueKind == ParamValueDef::ComputedAllowedValues ? "Value List Source"
-                                                                                  : "Ordered Allowed String List",
-                    hasValues ? listText(def->allowedValues.get()) : "");
-  list.emplace_back("Allowed String List Checks", checks);
-  list.emplace_back("Unused Allowed String List", joined(def->unusedValues));
-  list.emplace_back("Subset", listText(def->subset.get()));
-  list.emplace_back("Allows Any Value", yes(def->allowsAnyValue));
-  list.emplace_back("Available With No Allowed Values", yes(def->availableWithNoAllowedValues));
-  list.emplace_back("Complete List Required", yes(def->completeListRequired));
-  list.emplace_back("Default Value", valueText(def->defaultValue.get()));
-  list.emplace_back("Default Value Check List", guardedText(def->defaultChecks));
-  list.emplace_back("Fallback To Blank Default", yes(def->fallbackToBlankDefault));
-  list.emplace_back("Value Override Check List", guardedText(def->overrideChecks));
-  list.emplace_back("Lower Bound", valueText(def->lowerBound.get()));
-  list.emplace_back("Upper Bound", valueText(def->upperBound.get()));
-  list.emplace_back("Lower Bound Excluded", yes(def->lowerBoundExcluded));
-  list.emplace_back("Upper Bound Excluded", yes(def->upperBoundExcluded));
-  list.emplace_back("Pattern", def->pattern ? def->pattern->text() : "");
-  list.emplace_back("Quantity Type", valueText(def->quantityType.get()));
+  if (ParamValueDef const* const def = param.valueDef()) addValues(list, *def);
+  addTexts(list, param);
   return list;
 }
 
@@ -115,7 +136,17 @@ Attributes attributesOf(ChildAvail const& child) {
   list.emplace_back("Default Names", listText(child.defaultNamesSource.get()));
   list.emplace_back("Minimum Count", valueText(child.minimumCount.get()));
   list.emplace_back("Maximum Count", valueText(child.maximumCount.get()));
+  std::string names;
+  for (auto const& [before, now] : child.renamedNames) names += (names.empty() ? "" : "; ") + before + ": " + now;
+  list.emplace_back("Renamed Names", names);
+  addTexts(list, child);
   return list;
+}
+
+Attributes attributesOf(ObjDependDef const& object) {
+  return {{"Deprecated", object.history.deprecated},
+          {"Description", object.description},
+          {"Rename Message", object.history.renameMessage}};
 }
 
 Attributes attributesOf(ObjectCheck const& check) {
@@ -129,10 +160,27 @@ Attributes attributesOf(GlobalCheck const& check) {
   return {{"Check", check.sourceText()}, {"Level", check.level() == CheckLevel::Warning ? "Warning" : "Error"}};
 }
 
-Attributes attributesOf(QuantityType const& type) {
+std::string numberText(double number) {
+  std::array<char, 32> buffer{};
+  auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+  return {buffer.data(), end};
+}
+
+/// The units, and the conversions of those that `other` has, too.
+Attributes attributesOf(QuantityType const& type, QuantityType const& other) {
   std::string units;
-  for (QuantityUnit const& unit : type.units()) units += (units.empty() ? "" : ", ") + unit.text;
-  return {{"Units", units}};
+  std::string conversions;
+  for (QuantityUnit const& unit : type.units()) {
+    units += (units.empty() ? "" : ", ") + unit.text;
+    if (other.find(unit.text) == nullptr) continue;
+    std::string text = "unknown";
+    if (unit.isConvertible) {
+      text = numberText(unit.factor);
+      if (unit.offset != 0) text += ", offset " + numberText(unit.offset);
+    }
+    conversions += (conversions.empty() ? "" : "; ") + unit.text + ": " + text;
+  }
+  return {{"Units", units}, {"Conversions", conversions}};
 }
 
 /// Keys that only one of the two has are compared with "".
@@ -218,7 +266,7 @@ class Comparison {
       QuantityType const* const old = before_.findQuantityType(name);
       if (old == nullptr) {
         add(ChangeKind::Came, "quantity type", name);
-      } else if (auto list = difference(attributesOf(*old), attributesOf(type)); !list.empty()) {
+      } else if (auto list = difference(attributesOf(*old, type), attributesOf(type, *old)); !list.empty()) {
         add(ChangeKind::Changed, "quantity type", name).attributes = std::move(list);
       }
     }
@@ -300,8 +348,7 @@ class Comparison {
       reportObject(ChangeKind::Came, object);
       return;
     }
-    std::vector<AttributeChange> list =
-        difference({{"Deprecated", old->history.deprecated}}, {{"Deprecated", object.history.deprecated}});
+    std::vector<AttributeChange> list = difference(attributesOf(*old), attributesOf(object));
     addOrder(*old, object, list);
     if (oldPath != object.typePath() || !list.empty()) {
       RuleChange& change = add(oldPath != object.typePath() ? ChangeKind::Renamed : ChangeKind::Changed, "object type",
