@@ -22,6 +22,19 @@ NOT_SHOWN = {
     '" is not a path pattern: ', "the severity of '", "' cannot be changed: it keeps rules from being loaded",
     # A hint for a message of the YAML library, and messages that are guards against what does not happen.
     "did not find expected <document start>", "found undefined alias", "the expression ends too early",
+    # Messages of the YAML library, by which the mistake is found, and what is said when none is.
+    "mapping values are not allowed in this context", "did not find expected key", "did not find expected ','",
+    "did not find expected '-' indicator", "could not find expected ':'", "found unexpected end of stream",
+    "found character that cannot start any token", "found unknown escape character",
+    "block sequence entries are not allowed in this context", "while scanning a simple key",
+    "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that ",
+    "contains ': ' or ' #'", ", and here also around one with '[', '{' or ','",
+    # Pieces of sentences that are divided between two lines of the sources.
+    "this is not YAML: a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put ",
+    "a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put quotes around a text ",
+    "around a text that begins with '!'", "that begins with '!'",
+    "this line is left from a merge; keep one of the two versions, and remove the lines that begin ",
+    "with '<<<<<<<', '=======' and '>>>>>>>'", "Key: value",
     # The work of the YAML library when it met an error.
     "while parsing a flow", "while parsing a block", "while scanning a quoted scalar",
     "'\\' must be followed by a character", "... calls ",

@@ -74,6 +74,11 @@ void OperandChecks::requireNumber(Expression const& operand) {
     message += "; write " + instead + " without quotes";
     add(operand, std::move(message), std::move(instead));
   } else {
+    auto const* call = dynamic_cast<NamedCall const*>(&operand);
+    if (call != nullptr && call->rule().fixedText() != nullptr) {
+      message += "; " + inQuotes(call->rule().name()) + " is the text " +
+                 inQuotes(call->rule().fixedText()->substr(0, 60)) + ", and a value that is computed begins with '='";
+    }
     add(operand, std::move(message));
   }
 }

@@ -497,10 +497,17 @@ class Parser {
       if (isCall || (text_[end] == ' ' && (isOperatorWord(word) || adviceForOperator(word)))) break;
       end = next;
     }
-    std::string const all(StringUtilities::trimmed(text_.substr(range.offset)));
     // A named rule may have an operator in its name.
-    bool const isNamedRule = named_.checks.contains(all) || named_.lists.contains(all) || named_.values.contains(all);
-    return text_.substr(range.offset, isNamedRule ? all.size() : end - range.offset);
+    constexpr std::size_t longestName = 100;
+    auto const rest = StringUtilities::trimmed(text_.substr(range.offset));
+    for (std::size_t length = std::min(rest.size(), longestName); range.offset + length > end; --length) {
+      bool const isEnd = length == rest.size() || !isPart(rest[length]);
+      std::string const name(rest.substr(0, isEnd ? length : 0));
+      if (named_.checks.contains(name) || named_.lists.contains(name) || named_.values.contains(name)) {
+        return rest.substr(0, length);
+      }
+    }
+    return text_.substr(range.offset, end - range.offset);
   }
 
   /// Fails with a proposal when the word means a value in other languages.

@@ -20,6 +20,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
+#include "expression/CompiledRules.h"
 #include "expression/Nodes.h"
 #include "expression/Quantities.h"
 #include "lint/ConstantExpression.h"
@@ -151,15 +152,28 @@ class ComparisonLint {
     return context_.rulesOf(use_, parameter.objectsFrom(base), parameter.name());
   }
 
+  /// Whether an override, which counts as it is written, has an item for which `holds` is true. A computed one may.
+  template <typename Holds>
+  static bool mayOverride(ParamValueDef const& def, Holds holds) {
+    return std::any_of(def.overrideChecks.begin(), def.overrideChecks.end(), [&](auto const& entry) {
+      auto const text = constantTextOf(entry.value.get());
+      if (!text) return true;
+      auto const items = TDFParam::isListType(def.type) ? StringUtilities::stringToVector(*text, ',')
+                                                        : std::vector<std::string>{*text};
+      return std::any_of(items.begin(), items.end(), holds);
+    });
+  }
+
   /// Whether a rule keeps its parameter, or an item of it when it is of a list type, from having the value.
   Judgement judgeByRule(ParamValueDef const& def, Wanted const& wanted) {
+    auto const isWanted = [&](std::string const& item) {
+      auto const quantity = wanted.number ? TDFParam::asQuantity(item) : std::nullopt;
+      return wanted.number ? quantity && quantity->number == *wanted.number : item == wanted.text;
+    };
+    if (mayOverride(def, isWanted)) return {};
     if (auto const* items = context_.writtenValues(def)) {
-      auto const equals = [&](std::string const& item) {
-        auto const quantity = wanted.number ? TDFParam::asQuantity(item) : std::nullopt;
-        return wanted.number ? quantity && quantity->number == *wanted.number : item == wanted.text;
-      };
       if (def.unusedValues.contains(wanted.text)) return Impossible{{}, " is known but never allowed", {}};
-      if (std::any_of(items->begin(), items->end(), equals)) return {};
+      if (std::any_of(items->begin(), items->end(), isWanted)) return {};
       auto near = context_.hints().nearest(wanted.text, *items);
       auto remedy = orAllowed(near, *items);
       return Impossible{
@@ -248,6 +262,28 @@ class ComparisonLint {
     return nullptr;
   }
 
+  /// Adds the names that the rules allow a child, also those that count only under a condition. False when not all are
+  /// written out.
+  static bool addPossibleNames(ChildAvail const& child, std::vector<std::string>& names) {
+    if (auto const* list = dynamic_cast<FixedList const*>(child.allowedNamesSource.get())) {
+      names.insert(names.end(), list->items().begin(), list->items().end());
+      return true;
+    }
+    auto const* computed = dynamic_cast<CompiledNames const*>(child.allowedNamesSource.get());
+    if (computed == nullptr) return false;
+    if (auto const* guarded = dynamic_cast<GuardedList const*>(&withoutKept(computed->expression()))) {
+      for (auto const& item : guarded->items()) {
+        if (!readsNothing(*item.value)) return false;
+        names.push_back(constantText(*item.value));
+      }
+      return true;
+    }
+    if (!readsNothing(computed->expression())) return false;
+    auto const list = constantList(computed->expression());
+    names.insert(names.end(), list.begin(), list.end());
+    return true;
+  }
+
   Judgement judgeName(TypePaths const& typePaths, std::string const& text) {
     if (typePaths == nullptr || typePaths->empty() || text.empty()) return {};
     std::vector<std::string> names;
@@ -262,9 +298,7 @@ class ComparisonLint {
         continue;
       }
       areSingletons = false;
-      auto const* list = dynamic_cast<FixedList const*>(child->allowedNamesSource.get());
-      if (list == nullptr) return {};
-      names.insert(names.end(), list->items().begin(), list->items().end());
+      if (!addPossibleNames(*child, names)) return {};
     }
     if (std::find(names.begin(), names.end(), text) != names.end()) return {};
     auto near = context_.hints().nearest(text, names);
@@ -455,7 +489,7 @@ class ComparisonLint {
     auto const isNumber = [](std::string const& item) { return TDFParam::asQuantity(item).has_value(); };
     bool const none = std::all_of(rules->all.begin(), rules->all.end(), [&](auto const* def) {
       auto const* items = TDFParam::isListType(def->type) ? nullptr : context_.writtenValues(*def);
-      return items != nullptr && std::none_of(items->begin(), items->end(), isNumber);
+      return items != nullptr && std::none_of(items->begin(), items->end(), isNumber) && !mayOverride(*def, isNumber);
     });
     if (none) {
       context_.warn(Code::ImpossibleValue, use_, parameter.range(),
@@ -551,8 +585,8 @@ class ComparisonLint {
       // The text of a list has separators between its items.
       if (items == nullptr || (TDFParam::isListType(def->type) && part->find_first_of(", ") != std::string::npos))
         return false;
-      return std::none_of(items->begin(), items->end(),
-                          [&](std::string const& item) { return row->holds(item, *part); });
+      auto const holds = [&](std::string const& item) { return row->holds(item, *part); };
+      return std::none_of(items->begin(), items->end(), holds) && !mayOverride(*def, holds);
     });
     if (!never) return;
     context_.warn(Code::ImpossibleValue, use_, arguments[1]->range(),

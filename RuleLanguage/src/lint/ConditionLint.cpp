@@ -520,7 +520,7 @@ class ConditionLint {
     std::string reason;
     for (std::size_t i = 0; i < terms.parameters().size(); ++i) {
       auto const former = terms.parameters()[i];
-      if (!former.values && !former.isAlwaysThere) continue;
+      if (!former.values && !former.range && !former.isAlwaysThere) continue;
       terms.setOpen(i);
       terms.finish();
       std::size_t steps = conditionSteps;
@@ -529,7 +529,8 @@ class ConditionLint {
         reason += reason.empty() ? ", because " : ", and ";
         reason += inQuotes(former.name);
         if (former.isAlwaysThere) reason += " is required";
-        if (former.isAlwaysThere && former.values) reason += " and";
+        if (former.isAlwaysThere && (former.values || former.range)) reason += " and";
+        if (former.range) reason += " " + former.range->text;
         if (former.values) reason += " can only be " + listed(former.values->texts);
       }
       terms.restore(i, former);
@@ -725,7 +726,7 @@ class ConditionLint {
       }
       auto const subject = subjectOf(use);
       if (always != nullptr) {
-        if (!std::exchange(isReported, true)) reportUnreachable(use, {always});
+        if (!std::exchange(isReported, true)) reportUnreachable(use, {always}, defaultBehind(use));
         continue;
       }
       checkQuantifiers(use, *subject.expression);
@@ -741,7 +742,7 @@ class ConditionLint {
       }
       if (verdict != Verdict::Never) conditions.push_back(&use);
     }
-    if (uses[begin].attribute == "Default Value Check List") checkDefaultBehind(uses[begin], always, conditions);
+    if (!isReported) checkDefaultBehind(uses[begin], always, conditions);
   }
 
   /// Whether one of `conditions` holds whenever the condition of `last` holds; always, when `last` is null.
@@ -776,7 +777,9 @@ class ConditionLint {
     return !terms.formula().isSatisfiable(given, steps).value_or(true);
   }
 
-  void reportUnreachable(ExpressionUse const& use, std::vector<ExpressionUse const*> const& earlier) {
+  /// `unused` is the default that the same entry makes unreachable, when there is one.
+  void reportUnreachable(ExpressionUse const& use, std::vector<ExpressionUse const*> const& earlier,
+                         Item const& unused = {}) {
     auto& warning = context_.warn(Code::UnreachableEntry, use, use.compiled->expression->range(),
                                   "this entry is never reached, because an entry before it applies whenever its "
                                   "condition holds; move it up, or remove it");
@@ -784,14 +787,24 @@ class ConditionLint {
       auto const& item = earlier.front()->item;
       DiagnosticList::note(warning, *item.source, item.node->range(), "this condition holds then");
     }
+    if (unused) {
+      DiagnosticList::note(warning, *unused.source, unused.node->range(),
+                           "this default is never used for the same reason");
+    }
+  }
+
+  /// The `Default Value` behind a check list of defaults.
+  [[nodiscard]] Item defaultBehind(ExpressionUse const& list) {
+    if (list.attribute != "Default Value Check List") return {};
+    auto const* object = context_.data().getObjDependDef(list.typePath(), true);
+    auto const& place = context_.rules().objectPlaces().at(list.typePath()).params[positionOf(*object, list.entry())];
+    return place.attribute("Default Value");
   }
 
   /// A default behind a check list that always applies.
   void checkDefaultBehind(ExpressionUse const& list, ExpressionUse const* always,
                           std::vector<ExpressionUse const*> const& conditions) {
-    auto const* object = context_.data().getObjDependDef(list.typePath(), true);
-    auto const& place = context_.rules().objectPlaces().at(list.typePath()).params[positionOf(*object, list.entry())];
-    auto const item = place.attribute("Default Value");
+    auto const item = defaultBehind(list);
     if (!item) return;
     bool const isNeverUsed = always != nullptr || (!conditions.empty() && conditions.size() <= longestList &&
                                                    isCovered(conditions, nullptr));

@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include <tarn/PathUtils.h>
+#include <tarn/QuantityType.h>
 #include <tarn/TDFParam.h>
 
 #include "expression/NamedRule.h"
@@ -65,6 +66,46 @@ SharedStrings const* fixedItemsOf(Expression const& list) {
     if (call->rule().expression() != nullptr) return fixedItemsOf(*call->rule().expression());
   }
   return nullptr;
+}
+
+/// A bound, in the first unit of the quantity type. Nothing when it depends on a model, or cannot be compared.
+std::optional<double> boundOf(PhysicsData const& data, ParamValueDef const& def, TextExpression const* bound) {
+  auto const text = constantTextOf(bound);
+  auto const quantity = text ? TDFParam::asQuantity(*text) : std::nullopt;
+  if (!quantity) return std::nullopt;
+  if (def.quantityType == nullptr) return quantity->units.empty() ? std::optional(quantity->number) : std::nullopt;
+  auto const* fixed = dynamic_cast<FixedText const*>(def.quantityType.get());
+  auto const* type = fixed != nullptr ? data.findQuantityType(fixed->text()) : nullptr;
+  return type != nullptr ? type->inFirstUnit(*quantity) : std::nullopt;
+}
+
+/// The range of a parameter that can hold any number between its bounds.
+std::optional<NumberRange> rangeOf(PhysicsData const& data, ParamValueDef const& def) {
+  if (def.type != TDFParam::Integer && def.type != TDFParam::Real) return std::nullopt;
+  if (def.allowedValueKind != ParamValueDef::NoAllowedValues || !def.overrideChecks.empty()) return std::nullopt;
+  // Units that only the default has are right in a model, and a number with them is not compared with the bounds.
+  if (def.quantityType == nullptr && def.hasDefault()) {
+    auto const text = def.defaultChecks.empty() ? constantTextOf(def.defaultValue.get()) : std::nullopt;
+    auto const quantity = text ? TDFParam::asQuantity(*text) : std::nullopt;
+    if (!quantity || !quantity->units.empty()) return std::nullopt;
+  }
+  NumberRange range;
+  range.low = boundOf(data, def, def.lowerBound.get());
+  range.high = boundOf(data, def, def.upperBound.get());
+  // Reversed bounds are reported where they are written.
+  if ((!range.low && !range.high) || (range.low && range.high && *range.low >= *range.high)) return std::nullopt;
+  range.isLowExcluded = def.lowerBoundExcluded;
+  range.isHighExcluded = def.upperBoundExcluded;
+  auto const low = range.low ? constantTextOf(def.lowerBound.get()).value_or("") : std::string();
+  auto const high = range.high ? constantTextOf(def.upperBound.get()).value_or("") : std::string();
+  if (range.low && range.high && !range.isLowExcluded && !range.isHighExcluded) {
+    range.text = "is from " + low + " to " + high;
+  } else {
+    if (range.low) range.text = (range.isLowExcluded ? "is above " : "is at least ") + low;
+    if (range.low && range.high) range.text += " and ";
+    if (range.high) range.text += (range.isHighExcluded ? "is below " : "is at most ") + high;
+  }
+  return range;
 }
 
 bool isExists(Expression const& part) {
@@ -137,7 +178,11 @@ std::size_t ConditionTerms::parameter(std::string const& path, std::string const
   if (auto const* object = data_.getObjDependDef(PathUtils::typePathOf(path), true)) {
     made.entry = object->findParam(name);
   }
-  if (made.entry != nullptr) made.values = closed_.of(made.entry);
+  if (made.entry != nullptr) {
+    made.values = closed_.of(made.entry);
+    auto const* def = made.entry->validationRelaxed ? nullptr : made.entry->valueDef();
+    if (def != nullptr && made.values == nullptr) made.range = rangeOf(data_, *def);
+  }
   parameters_.push_back(std::move(made));
   questions_.emplace_back();
   return parameters_.size() - 1;
@@ -145,6 +190,7 @@ std::size_t ConditionTerms::parameter(std::string const& path, std::string const
 
 void ConditionTerms::setOpen(std::size_t parameter) {
   parameters_[parameter].values.reset();
+  parameters_[parameter].range.reset();
   parameters_[parameter].isAlwaysThere = false;
 }
 
@@ -268,7 +314,9 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
       }
       for (std::size_t const i : *read) {
         if (operand->kind() == Kind::Truth) questions_[i].asksTruth = true;
-        addOnce(questions_[i].texts, constantText(*operand));
+        // A number outside the range of a parameter is none of its texts.
+        bool const isOfRange = operand->kind() == Kind::Number && parameters_[i].range;
+        if (!isOfRange) addOnce(questions_[i].texts, constantText(*operand));
         double const number = constantNumber(*operand);
         if (!std::isnan(number)) addOnce(questions_[i].numbers, number);
       }
@@ -440,20 +488,28 @@ std::vector<ConditionTerms::Value> ConditionTerms::valuesOf(std::size_t index) c
     addText("");
     for (auto const& text : questions.texts) addText(text);
     for (auto const& text : questions.contexts) addText(text);
+    auto const& range = parameter.range;
     if (questions.asksTruth || isLogical) {
       for (char const* text : {"true", "false", "1", "0", "TRUE", "FALSE"}) {
-        if (!isNumeric || text[0] == '1' || text[0] == '0') addText(text);
+        bool const isDigit = text[0] == '1' || text[0] == '0';
+        if (isDigit && range && !range->holds(text[0] - '0')) continue;
+        if (!isNumeric || isDigit) addText(text);
       }
     }
     if (!isLogical) {
-      for (double const number : withNeighbours(questions.numbers, isWhole)) {
+      auto numbers = questions.numbers;
+      if (range && range->low) numbers.push_back(*range->low);
+      if (range && range->high) numbers.push_back(*range->high);
+      for (double const number : withNeighbours(std::move(numbers), isWhole)) {
+        if (range && !range->holds(number)) continue;
         std::string const text = numberText(number);
         addText(text);
         // The same number, written in another way.
         addText(text.find_first_of(".e") != std::string::npos ? text + " " : text + ".0");
       }
       if (isNumeric) {
-        addText("7.25e6");
+        constexpr double other = 7.25e6;
+        if (!range || range->holds(other)) addText("7.25e6");
       } else {
         addText("\1 any other text");
       }

@@ -44,6 +44,20 @@ class ClosedValuesOfRules {
   std::unordered_map<ParamAvail const*, std::shared_ptr<ClosedValues const>> known_;
 };
 
+/// The numbers that a parameter can hold in a model without findings, in the first unit of its quantity type.
+struct NumberRange {
+  std::optional<double> low;
+  std::optional<double> high;
+  bool isLowExcluded = false;
+  bool isHighExcluded = false;
+  std::string text;  // the same in words: "is from 0 to 40"
+
+  [[nodiscard]] bool holds(double number) const {
+    return (!low || number > *low || (!isLowExcluded && number == *low)) &&
+           (!high || number < *high || (!isHighExcluded && number == *high));
+  }
+};
+
 /// Translates conditions into one formula. Its variables are the parameters that the conditions read, with the values
 /// that they can have in a model without findings, and the parts that are not looked into.
 ///
@@ -87,6 +101,7 @@ class ConditionTerms {
     std::string name;
     ParamAvail const* entry = nullptr;           // null when the rules of its object are not known
     std::shared_ptr<ClosedValues const> values;  // null when not all are known
+    std::optional<NumberRange> range;            // nothing when it has no bounds that are known
     bool isAlwaysThere = false;
     ConditionFormula::Variable variable = 0;
   };

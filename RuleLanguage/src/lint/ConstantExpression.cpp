@@ -5,6 +5,7 @@
 
 #include <tarn/EvalContext.h>
 
+#include "expression/CompiledRules.h"
 #include "expression/Nodes.h"
 #include "lint/ValueModel.h"
 
@@ -60,6 +61,13 @@ SharedStrings constantList(Expression const& expression) {
 
 std::string constantText(Expression const& expression) {
   return inNothing([&](Frame const& frame) { return expression.text(frame); });
+}
+
+std::optional<std::string> constantTextOf(TextExpression const* rule) {
+  if (auto const* fixed = dynamic_cast<FixedText const*>(rule)) return fixed->text();
+  auto const* computed = dynamic_cast<CompiledText const*>(rule);
+  if (computed == nullptr || !readsNothing(computed->expression())) return std::nullopt;
+  return constantText(computed->expression());
 }
 
 }  // namespace tarn::rules

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include <tarn/RuleExpressions.h>
 
 #include "expression/Expression.h"
 
@@ -18,5 +21,7 @@ namespace tarn::rules {
 [[nodiscard]] std::string constantText(Expression const& expression);
 /// The same as a list.
 [[nodiscard]] SharedStrings constantList(Expression const& expression);
+/// The text of a rule that gives the same one for every model; nothing for other rules, and for null.
+[[nodiscard]] std::optional<std::string> constantTextOf(TextExpression const* rule);
 
 }  // namespace tarn::rules

@@ -305,6 +305,8 @@ class EntryLint {
     auto const* list = dynamic_cast<FixedList const*>(def.allowedValues.get());
     for (auto const& value : values) {
       if (def.pattern->matches(value) || (list != nullptr && list->items().contains(value))) continue;
+      // That it should be computed is reported.
+      if (!computedRemedy(value).empty()) continue;
       warn(Code::DefaultNotMatching, defaultItem, "the default " + inQuotes(value) + " does not match the pattern");
     }
   }

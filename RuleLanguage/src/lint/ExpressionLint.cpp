@@ -43,6 +43,7 @@ std::optional<Replacement> componentFix(ExpressionUse const& use, Range path, st
 struct NearType {
   std::string type;
   std::string near;
+  bool isRenamed = false;  // the type had this name before
 };
 
 /// The type after '^' that neither the object nor one above it has.
@@ -79,6 +80,9 @@ NearType nearObject(LintContext& context, ExpressionUse const& use, PathPattern 
     if (next.empty()) {
       std::vector<std::string> candidates;
       for (auto const& path : current) {
+        auto const* object = context.data().getObjDependDef(path, true);
+        auto const* child = object != nullptr ? object->findRenamedChild(step.type) : nullptr;
+        if (child != nullptr) return {step.type, child->type, true};
         auto const& types = context.types().childTypes(path);
         if (context.hints().take(types.size())) candidates.insert(candidates.end(), types.begin(), types.end());
       }
@@ -243,11 +247,22 @@ std::string remedyForPath(LintContext& context, ExpressionUse const& use, PathUs
   return {};
 }
 
+/// The end of a sentence about a name that is the former one of an entry.
+std::string renamedTo(std::string_view former, std::string_view present) {
+  return "; " + inQuotes(former) + " is the former name of " + inQuotes(present) + ", so write that";
+}
+
+/// A path from the owner in a global check, which has none: that is reported as such.
+bool asksForNoOwner(ExpressionUse const& use, PathUse const& path) {
+  return use.typePath().empty() && use.named == nullptr && path.pattern.start() == PathPattern::Start::Owner;
+}
+
 void checkPaths(LintContext& context, ExpressionUse const& use) {
   UnknownPaths unknown;
   std::vector<PathUse> paths;
   use.compiled->expression->collectPaths(paths, PathPattern());
   for (auto const& path : paths) {
+    if (asksForNoOwner(use, path)) continue;
     auto const resolved = context.resolve(use, path.pattern);
     auto const& named = *resolved;
     if (named.empty()) {
@@ -256,10 +271,11 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
         context.warn(Code::UnknownObjectPath, use, path.range, why);
         continue;
       }
-      auto const [type, near] = nearObject(context, use, path.pattern);
+      auto const [type, near, isRenamed] = nearObject(context, use, path.pattern);
       context.warn(Code::UnknownObjectPath, use, path.range,
-                   "the rules define no object at this path" +
-                       (near.empty() ? remedyForPath(context, use, path) : didYouMean(near)),
+                   "the rules define no object at this path" + (near.empty() ? remedyForPath(context, use, path)
+                                                                : isRenamed  ? renamedTo(type, near)
+                                                                             : didYouMean(near)),
                    componentFix(use, path.range, type, near));
       continue;
     }
@@ -279,19 +295,23 @@ void checkPaths(LintContext& context, ExpressionUse const& use) {
     }
     if (known) continue;
     std::vector<std::string> candidates;
+    std::string present;  // when the path has a former name
     for (auto const& typePath : named) {
       auto const* object = context.data().getObjDependDef(typePath, true);
       if (object == nullptr) continue;
+      if (auto const* renamed = object->findRenamedParam(path.parameter)) present = renamed->name;
       // The search in very many objects ends with the budget, which counts at least one name in each.
       if (!context.hints().take(object->params().size() + 1)) break;
       for (auto const& param : object->params()) candidates.push_back(param->name);
     }
     std::string const where =
         named.size() == 1 && use.named == nullptr && !named.begin()->empty() ? " of " + *named.begin() : std::string{};
-    auto const near = context.hints().nearest(path.parameter, candidates);
+    auto const near = present.empty() ? context.hints().nearest(path.parameter, candidates) : present;
     context.warn(Code::UnknownParameter, use, path.range,
                  "the rules define no parameter " + inQuotes(path.parameter) + where +
-                     (near.empty() ? remedyFor(context, use, path, named) : didYouMean(near)),
+                     (!present.empty() ? renamedTo(path.parameter, present)
+                      : near.empty()   ? remedyFor(context, use, path, named)
+                                       : didYouMean(near)),
                  componentFix(use, path.range, path.parameter, near));
   }
 }

@@ -251,9 +251,15 @@ EntryPositions const& LintContext::positionsOf(ObjDependDef const& object) {
     if (def == nullptr) continue;
     positions.firstContextRule = std::min(positions.firstContextRule, position);
     auto const* list = dynamic_cast<FixedList const*>(def->allowedValues.get());
-    if (list == nullptr || def->allowsAnyValue || def->allowedValueKind != ParamValueDef::FixedAllowedValues) {
-      positions.firstOpenContextRule = std::min(positions.firstOpenContextRule, position);
+    bool isOpen = list == nullptr || def->allowsAnyValue || object.params()[position]->validationRelaxed ||
+                  def->allowedValueKind != ParamValueDef::FixedAllowedValues;
+    // An override counts as it is written, allowed or not.
+    for (auto const& entry : def->overrideChecks) {
+      auto const* text = dynamic_cast<FixedText const*>(entry.value.get());
+      isOpen |= text == nullptr;
+      if (text != nullptr) positions.contexts.try_emplace(text->text(), position);
     }
+    if (isOpen) positions.firstOpenContextRule = std::min(positions.firstOpenContextRule, position);
     if (list == nullptr) continue;
     for (auto const& value : list->items()) positions.contexts.try_emplace(value, position);
   }

@@ -14,7 +14,10 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/TDFParam.h>
 
+#include "expression/NamedRule.h"
 #include "expression/Nodes.h"
+#include "lint/ConstantExpression.h"
+#include "lint/ValueLint.h"
 #include "units/UnitLibrary.h"
 
 namespace tarn::rules {
@@ -68,6 +71,7 @@ class MissingConversions {
 void checkConversions(LintContext& context, Item const& name, Item const& units) {
   auto const* type = context.data().findQuantityType(name.node->value);
   if (type == nullptr || units.node->kind != YamlNode::Kind::Sequence) return;
+  checkTwice(context, units);
   auto const& first = type->units().front();
   MissingConversions missing;
   YamlNode const* place = nullptr;
@@ -286,6 +290,8 @@ class ResultCheck {
       checkEnd("[" + quantity->units() + "]", expression.range());
     } else if (dynamic_cast<Arithmetic const*>(&expression) != nullptr && expression.kind() == Kind::Text) {
       check(*parts.back());
+    } else if (dynamic_cast<NamedCall const*>(&expression) != nullptr && readsNothing(expression)) {
+      checkEnd(constantText(expression), expression.range());
     } else if (auto const* type = finder_.of(expression, PathPattern()); type != nullptr && type != target_.type) {
       context_.warn(Code::DifferentQuantities, use_, expression.range(),
                     "this is a quantity of the type " + inQuotes(finder_.nameOf(*type)) + ", but the parameter is of " +
@@ -334,9 +340,9 @@ class PlainBoundCheck {
       checkParameter(*parameter);
     } else if (dynamic_cast<Arithmetic const*>(&expression) != nullptr && expression.kind() == Kind::Text) {
       check(*parts.back());
-    } else if (auto const* literal = dynamic_cast<Literal const*>(&expression)) {
-      std::string_view const text =
-          literal->kind() == Kind::Text ? StringUtilities::trimmed(literal->rawText()) : std::string_view();
+    } else if (readsNothing(expression)) {
+      std::string const whole = constantText(expression);
+      std::string_view const text = StringUtilities::trimmed(whole);
       auto const bracket = text.rfind('[');
       if (text.ends_with(']') && bracket != std::string_view::npos) {
         warn(expression, text.substr(bracket + 1, text.size() - bracket - 2));

@@ -19,6 +19,7 @@
 #include <tarn/rules/RuleFunction.h>
 
 #include "expression/Nodes.h"
+#include "lint/ConstantExpression.h"
 #include "loading/RuleSections.h"
 
 namespace tarn::rules {
@@ -132,8 +133,10 @@ class ValueLint {
     } else if (dynamic_cast<Choice const*>(&expression) != nullptr) {
       checkResult(kind, use, *parts[1]);
       checkResult(kind, use, *parts[2]);
-    } else if (dynamic_cast<Literal const*>(&expression) != nullptr) {
-      std::string const text = writtenText(expression);
+    } else if (isWrittenOut(expression)) {
+      auto const* literal = dynamic_cast<Literal const*>(&expression);
+      std::string const text =
+          literal != nullptr && literal->kind() == Kind::Text ? literal->rawText() : constantText(expression);
       if (text.empty()) return;
       for (auto const& value : itemsOf(text)) {
         auto const fault = faultOf(kind, value);
@@ -208,6 +211,14 @@ class ValueLint {
   }
 
  private:
+  /// Whether an expression is one value, or the name of one. What is computed from several can have other mistakes.
+  [[nodiscard]] static bool isWrittenOut(Expression const& expression) {
+    bool const isValue = dynamic_cast<Literal const*>(&expression) != nullptr ||
+                         dynamic_cast<QuantityLiteral const*>(&expression) != nullptr ||
+                         dynamic_cast<NamedCall const*>(&expression) != nullptr;
+    return isValue && readsNothing(expression);
+  }
+
   [[nodiscard]] static std::string twice(std::string_view item) {
     return inQuotes(item) + " is in the list twice; remove one of the two";
   }
@@ -222,12 +233,6 @@ class ValueLint {
   [[nodiscard]] std::vector<std::string> itemsOf(std::string const& text) const {
     return TDFParam::isListType(def_.type) ? StringUtilities::stringToVector(text, ',')
                                            : std::vector<std::string>{text};
-  }
-
-  [[nodiscard]] static std::string writtenText(Expression const& expression) {
-    auto const& literal = dynamic_cast<Literal const&>(expression);
-    if (literal.kind() == Kind::Text) return literal.rawText();
-    return {};
   }
 
   void checkText(ValueKind const& kind, Item const& item) {
@@ -322,7 +327,8 @@ class ValueLint {
 
   std::optional<Fault> faultOf(ValueKind const& kind, std::string const& value) {
     if (allowed_ != nullptr) {
-      if (allowed_->contains(value) && !def_.unusedValues.contains(value)) return std::nullopt;
+      // A value that is also among the unused ones is reported there.
+      if (allowed_->contains(value)) return std::nullopt;
       auto near = context_.hints().nearest(value, *allowed_);
       std::string message = "the " + std::string(kind.noun) + " " + inQuotes(value) +
                             " is not among the allowed values" +
@@ -371,29 +377,28 @@ class ValueLint {
     if (areReversed()) return std::nullopt;
     std::string const subject = "the " + std::string(kind.noun) + " " + inQuotes(value);
     for (bool const isLower : {true, false}) {
-      auto const* fixed = dynamic_cast<FixedText const*>(isLower ? def_.lowerBound.get() : def_.upperBound.get());
-      auto const limit = fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
+      auto const bound = constantTextOf(isLower ? def_.lowerBound.get() : def_.upperBound.get());
+      auto const limit = bound ? TDFParam::asQuantity(*bound) : std::nullopt;
       auto const order = limit ? orderOf(context_.data(), def_, *quantity, *limit) : std::nullopt;
       if (!order) continue;
       if (isLower ? *order < 0 : *order > 0) {
         return Fault{kind.outOfBounds,
-                     subject + (isLower ? " is below the lower bound " : " is above the upper bound ") + fixed->text(),
+                     subject + (isLower ? " is below the lower bound " : " is above the upper bound ") + *bound,
                      {}};
       }
       if (*order == 0 && (isLower ? def_.lowerBoundExcluded : def_.upperBoundExcluded)) {
-        return Fault{kind.outOfBounds, subject + " is equal to the bound " + fixed->text() + ", which is excluded", {}};
+        return Fault{kind.outOfBounds, subject + " is equal to the bound " + *bound + ", which is excluded", {}};
       }
     }
     return std::nullopt;
   }
 
   [[nodiscard]] bool areReversed() const {
-    auto const quantityOf = [](TextExpression const* bound) {
-      auto const* fixed = dynamic_cast<FixedText const*>(bound);
-      return fixed != nullptr ? TDFParam::asQuantity(fixed->text()) : std::nullopt;
-    };
-    auto const low = quantityOf(def_.lowerBound.get());
-    auto const high = quantityOf(def_.upperBound.get());
+    // A quantity refers to its text.
+    auto const lower = constantTextOf(def_.lowerBound.get());
+    auto const upper = constantTextOf(def_.upperBound.get());
+    auto const low = lower ? TDFParam::asQuantity(*lower) : std::nullopt;
+    auto const high = upper ? TDFParam::asQuantity(*upper) : std::nullopt;
     return low && high && orderOf(context_.data(), def_, *high, *low).value_or(0) < 0;
   }
 
@@ -536,6 +541,10 @@ void checkListedNames(LintContext& context, Item const& list) {
   }
 }
 
+void checkTwice(LintContext& context, Item const& list) {
+  ValueLint::checkTwice(context, list);
+}
+
 void checkNamedLists(LintContext& context) {
   for (auto const& [rule, place] : context.rules().namedPlaces()) checkListedNames(context, place.body);
 }
@@ -656,6 +665,13 @@ std::string numberRemedy(PhysicsData const& data, ParamValueDef const& def, std:
     }
   }
   if (auto const number = asPrefixedNumber(text)) return "; write it in decimal digits: " + std::to_string(*number);
+  if (auto const at = std::min(text.find(" //"), text.find("/*")); at != std::string_view::npos) {
+    return "; a comment begins with '#'";
+  }
+  if (text.size() > 1 && (text.back() == ',' || text.back() == ';') &&
+      TDFParam::asQuantity(text.substr(0, text.size() - 1))) {
+    return "; leave out the '" + std::string(1, text.back()) + "'";
+  }
   if (text.find_first_of("<>=") == 0) return "; write the number alone";
   if (text.find("..") != std::string_view::npos) return "; a range is written as Lower Bound and Upper Bound";
   for (char const separator : {' ', '_', '\''}) {

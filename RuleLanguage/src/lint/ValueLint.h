@@ -27,6 +27,8 @@ void checkListedNames(LintContext& context, Item const& list);
 
 /// The same for the items of the named lists.
 void checkNamedLists(LintContext& context);
+/// The items of a list in a file that are written twice.
+void checkTwice(LintContext& context, Item const& list);
 
 /// Warns of messages of checks that look like an expression but are not computed.
 void checkMessages(LintContext& context);

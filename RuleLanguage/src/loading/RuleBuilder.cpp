@@ -109,6 +109,10 @@ std::string RuleBuilder::whyMisplaced(std::string_view key, YamlNode const& valu
   }
   if (what == "a child" && key == "Parameter Type")
     return "; a parameter is written under Parameters, not under Children";
+  if (auto const equals = key.find('='); equals != std::string_view::npos && equals > 0 && isNothing(value)) {
+    return "; a key is followed by ':': " + std::string(StringUtilities::trimmed(key.substr(0, equals))) + ": " +
+           std::string(StringUtilities::trimmed(key.substr(equals + 1)).substr(0, 60));
+  }
   if (what != "a parameter" && what != "a child") return {};
   if (what == "a parameter" && std::find(ofChildren.begin(), ofChildren.end(), key) != ofChildren.end()) {
     return "; this is a key of a child type, which is written under Children";

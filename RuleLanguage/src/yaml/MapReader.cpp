@@ -44,11 +44,14 @@ std::optional<std::vector<std::string>> MapReader::texts(Item const& item, bool 
       message += "; " + std::string(otherwise);
     } else if (isCall && !isExpression(*item.node)) {
       message += "; an expression begins with '=': = " + text.substr(0, 60);
+    } else if (text.size() > 1 && text.starts_with('(') && text.ends_with(')')) {
+      message += "; a list is written in square brackets: [" +
+                 text.substr(1, std::min<std::size_t>(text.size() - 2, 60)) + "]";
     } else if (isOne) {
       message += "; write a list of one as [" + item.node->value.substr(0, 60) + "]";
     }
     auto& diagnostic = error(Code::WrongKind, item, std::move(message));
-    if (isOne) fixAsList(diagnostic, item);
+    if (isOne && !text.starts_with('(')) fixAsList(diagnostic, item);
     return std::nullopt;
   }
   std::vector<std::string> result;

@@ -8,7 +8,6 @@
 #include <yaml.h>
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <memory>
 #include <new>
@@ -17,6 +16,8 @@
 #include <string_view>
 
 #include <tarn/StringUtilities.h>
+
+#include "yaml/YamlAdvice.h"
 
 namespace tarn::rules {
 
@@ -78,28 +79,6 @@ Place placeOf(yaml_mark_t const& mark) {
   return {mark.line + 1, mark.column + 1};
 }
 
-/// The mistake in a rule file that most often causes this message of libyaml.
-std::string hintFor(std::string_view problem) {
-  static constexpr std::array<std::string_view, 5> quoting = {
-      "mapping values are not allowed in this context", "did not find expected key", "did not find expected ',' or '}'",
-      "did not find expected ',' or ']'", "did not find expected <document start>"};
-  if (std::find(quoting.begin(), quoting.end(), problem) != quoting.end()) {
-    std::string hint =
-        "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that "
-        "contains ': ' or ' #'";
-    if (problem.starts_with("did not find expected ','")) hint += ", and here also around one with '[', '{' or ','";
-    return hint;
-  }
-  if (problem == "found character that cannot start any token") {
-    return "; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'";
-  }
-  if (problem == "did not find expected comment or line break") {
-    return "; put quotes around a value that begins with '|' or '>'";
-  }
-  if (problem == "found undefined alias") return "; put quotes around a value that begins with '*'";
-  return {};
-}
-
 /// An error that ended a reading.
 struct Error {
   Code code = Code::YamlSyntax;
@@ -109,6 +88,7 @@ struct Error {
   std::string note;
   std::string anchor;  // that is not known
   YamlFailure failure;
+  bool isConflict = false;  // a line of a merge
 };
 
 class Builder {
@@ -177,22 +157,30 @@ class Builder {
       return fail(Code::YamlEncoding, rangeFrom(source_.placeOf(parser.problem_offset), 1),
                   problem + "; a rule file must be text in UTF-8 without control characters");
     }
-    std::string message = "this is not YAML: " + problem + hintFor(problem);
-    Place const place = placeOf(parser.problem_mark);
-    fail(Code::YamlSyntax, {place, place}, std::move(message));
-    if (lastQuote_ && lastQuote_->begin.line < place.line && lastQuote_->end.line == place.line) {
+    YamlProblem reported{problem, placeOf(parser.problem_mark), {}, {}};
+    if (parser.context != nullptr) {
+      reported.context = parser.context;
+      reported.contextAt = placeOf(parser.context_mark);
+    }
+    // Where the reading stopped can be a line below the mistake.
+    Place const stopped = reported.at;
+    auto const advice = adviceFor(source_, reported);
+    fail(Code::YamlSyntax, {advice.at, advice.at}, advice.message);
+    error_->failure = {advice.line != 0 ? advice.line : stopped.line, 0, 0};
+    error_->isConflict = advice.isConflict;
+    if (lastQuote_ && lastQuote_->begin.line < stopped.line && lastQuote_->end.line == stopped.line) {
       error_->failure.quoteLine = lastQuote_->begin.line;
       error_->noteAt = lastQuote_->begin;
       error_->note = "the text in quotes that ends in this line begins here";
       return nullptr;
     }
-    if (parser.context == nullptr || parser.context_mark.line == parser.problem_mark.line) return nullptr;
-    Place const begin = placeOf(parser.context_mark);
-    error_->noteAt = begin;
-    error_->note = std::string(parser.context) + " that begins here";
-    std::string_view const context = parser.context;
-    if (context.starts_with("while parsing a flow") || context == "while scanning a quoted scalar") {
-      error_->failure.openLine = begin.line;
+    if (parser.context == nullptr || reported.contextAt.line == stopped.line) return nullptr;
+    if (advice.needsContext) {
+      error_->noteAt = reported.contextAt;
+      error_->note = std::string(reported.context) + " that begins here";
+    }
+    if (reported.context.starts_with("while parsing a flow") || reported.context == "while scanning a quoted scalar") {
+      error_->failure.openLine = reported.contextAt.line;
     }
     return nullptr;
   }
@@ -236,7 +224,22 @@ class Builder {
     return false;
   }
 
+  /// A tag says nothing here. One that looks like a part of an expression is a slip, and so is one without a value.
+  bool refuseTag(yaml_event_t const& event) {
+    auto const& scalar = event.data.scalar;
+    if (scalar.tag == nullptr || scalar.tag[0] != '!') return false;
+    std::string_view const name = reinterpret_cast<char const*>(scalar.tag);
+    bool const isEmpty = scalar.length == 0 && scalar.style == YAML_PLAIN_SCALAR_STYLE;
+    if (!isEmpty && name.find_first_of("('\"{$=") == std::string_view::npos) return false;
+    fail(Code::YamlSyntax, rangeFrom(placeOf(event.start_mark), characterCount(name)),
+         "this is not YAML: a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put "
+         "quotes "
+         "around a text that begins with '!'");
+    return true;
+  }
+
   bool scalar(yaml_event_t const& event) {
+    if (refuseTag(event)) return false;
     auto* node = make(event, YamlNode::Kind::Scalar);
     if (node == nullptr) return false;
     auto const& scalar = event.data.scalar;
@@ -334,6 +337,7 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
   Attempt attempt;
   attempt.read(source, source.text(), limits);
   std::size_t errors = 0;
+  bool hasConflict = false;
   while (attempt.error) {
     incomplete_ = true;
     if (!recovery_) recovery_ = std::make_unique<YamlRecovery>(source);
@@ -341,7 +345,10 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
     if (errors > 0 && attempt.error->note.starts_with("while parsing a block")) attempt.error->noteAt.reset();
     // The anchor may be in a part that was left out.
     bool const isKnown = !attempt.error->anchor.empty() && recovery_->hadAnchor(attempt.error->anchor);
-    if (!isKnown && !isSameIndentation(source, attempt.error->range.begin)) report(*attempt.error, source, diagnostics);
+    bool const isSame =
+        isSameIndentation(source, attempt.error->range.begin) || (attempt.error->isConflict && hasConflict);
+    hasConflict |= attempt.error->isConflict;
+    if (!isKnown && !isSame) report(*attempt.error, source, diagnostics);
     bool const isLast = attempt.error->code == Code::SeveralDocuments || attempt.error->code == Code::LimitExceeded;
     if (isLast || ++errors == mostErrors || !recover(source, limits, attempt)) break;
   }
@@ -350,11 +357,12 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
 }
 
 /// Lines that are indented alike have one mistake. True when the error is at the beginning of a line, the one before it
-/// was so at the line above, and these lines have the same indentation.
+/// was so further up, these lines have the same indentation, and everything between them was left out.
 bool YamlDocument::isSameIndentation(SourceText const& source, Place const& at) {
   std::size_t const indent = source.line(at.line).find_first_not_of(' ');
   bool const isAtBegin = at.column == indent + 1;
-  bool const isSame = isAtBegin && wrongIndent_ == indent && wrongLine_ + 1 == at.line;
+  bool const isSame =
+      isAtBegin && wrongLine_ != 0 && wrongIndent_ == indent && recovery_->isLeftOut(wrongLine_, at.line);
   wrongLine_ = isAtBegin ? at.line : 0;
   wrongIndent_ = indent;
   return isSame;

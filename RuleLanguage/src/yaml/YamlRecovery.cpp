@@ -6,6 +6,8 @@
 
 #include <tarn/StringUtilities.h>
 
+#include "yaml/YamlAdvice.h"
+
 namespace tarn::rules {
 
 namespace {
@@ -36,6 +38,19 @@ std::size_t YamlRecovery::indentOf(std::size_t line) const {
   return std::min(text.find_first_not_of(' '), text.size());
 }
 
+bool YamlRecovery::isIndentedWithTab(std::size_t line) const {
+  auto const text = source_.line(line);
+  std::size_t const indent = indentOf(line);
+  return indent < text.size() && text[indent] == '\t';
+}
+
+bool YamlRecovery::isLeftOut(std::size_t first, std::size_t end) const {
+  for (std::size_t line = first; line < end; ++line) {
+    if (!isEmpty(line)) return false;
+  }
+  return true;
+}
+
 std::size_t YamlRecovery::parentOf(std::size_t line) const {
   std::size_t const indent = indentOf(line);
   while (--line != noParent) {
@@ -45,11 +60,29 @@ std::size_t YamlRecovery::parentOf(std::size_t line) const {
 }
 
 std::size_t YamlRecovery::lastOf(std::size_t line) const {
-  std::size_t const indent = indentOf(line);
+  // The indentation of these lines says nothing about what belongs to them.
+  if (isConflictMarker(source_.line(line))) {
+    // The second of two versions goes as a whole: the first is read instead.
+    bool const isMiddle = source_.line(line).starts_with("=======");
+    while (isMiddle && line < source_.lineCount() && !source_.line(line).starts_with(">>>>>>> ")) ++line;
+    return line;
+  }
+  if (isIndentedWithTab(line)) {
+    while (line < source_.lineCount() && isIndentedWithTab(line + 1)) ++line;
+    return line;
+  }
+  auto const content = contentOf(source_.line(line));
+  // Nothing continues a closed bracket. Lines below it are only indented deeper when its own indentation is wrong.
+  bool const isClosed = content.ends_with('}') || content.ends_with(']');
+  if (isClosed && content.find_first_of("{[") < content.size()) return line;
+  // Below a key without a value, the first line shows how deep its entries are.
+  bool const isKey = content.ends_with(':') && !content.starts_with('-');
+  std::size_t least = indentOf(line) + 1;
   std::size_t last = line;
   for (std::size_t next = line + 1; next <= source_.lineCount(); ++next) {
     if (isEmpty(next)) continue;
-    if (indentOf(next) <= indent) break;
+    if (indentOf(next) < least) break;
+    if (isKey && last == line) least = indentOf(next);
     last = next;
   }
   return last;

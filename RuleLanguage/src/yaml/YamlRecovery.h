@@ -42,6 +42,8 @@ class YamlRecovery {
   /// positions stay the same.
   [[nodiscard]] std::string textWithout(Lines const& lines) const;
   void leaveOut(Lines const& lines);
+  /// True when nothing is left to read from line `first` up to, but not including, line `end`.
+  [[nodiscard]] bool isLeftOut(std::size_t first, std::size_t end) const;
 
   /// True when lines that belonged to the entry in this line were left out.
   [[nodiscard]] bool lacksPartOf(std::size_t line) const { return above_.contains(line); }
@@ -54,6 +56,7 @@ class YamlRecovery {
   /// True for a line with nothing but blanks and a comment, and for one that was left out.
   [[nodiscard]] bool isEmpty(std::size_t line) const;
   [[nodiscard]] std::size_t indentOf(std::size_t line) const;
+  [[nodiscard]] bool isIndentedWithTab(std::size_t line) const;
   /// The line above with less indentation.
   [[nodiscard]] std::size_t parentOf(std::size_t line) const;
   /// The last line of the entry that begins in `line`.

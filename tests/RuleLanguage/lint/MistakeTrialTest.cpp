@@ -1,5 +1,5 @@
-// Mistakes of rule authors, introduced one at a time into sound rule bases of three fields. The files `*.mistakes` list
-// them:
+// Mistakes of rule authors, introduced one at a time into sound rule bases of several fields. The files `*.mistakes`
+// list them:
 //
 //     mistake a default out of bounds
 //     in 10-plant.rules.yaml
@@ -145,7 +145,9 @@ INSTANTIATE_TEST_SUITE_P(
     Of, MistakeTrial,
     testing::Values(Trial{"heating", "examples/heating/rules", 100}, Trial{"flow", "examples/flow/rules", 15},
                     Trial{"microcontroller", "tests/RuleLanguage/lint/mistakes/microcontroller", 100},
-                    Trial{"observatory", "tests/RuleLanguage/lint/mistakes/observatory", 150}),
+                    Trial{"observatory", "tests/RuleLanguage/lint/mistakes/observatory", 150},
+                    Trial{"interlocking", "tests/RuleLanguage/lint/mistakes/interlocking", 13},
+                    Trial{"brewery", "tests/RuleLanguage/lint/mistakes/brewery", 60}),
     nameOf);
 
 }  // namespace

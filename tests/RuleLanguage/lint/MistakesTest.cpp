@@ -163,14 +163,14 @@ TEST(Mistakes, ALineThatIsNotYamlHidesNoOther) {
         std::pair("Lines: {Required: yes, Parameter Type", "Lines: {Required: yes, Type")}) {
     rules.replace(rules.find(written), std::string_view(written).size(), instead);
   }
-  EXPECT_EQ(foundIn(rules),
-            "error yaml-syntax: this is not YAML: did not find expected ',' or '}'; check the indentation, and put "
-            "quotes around a value that begins with a quote, '{', '[' or '*', or that contains ': ' or ' #', and here "
-            "also around one with '[', '{' or ','\n"
-            "error unknown-key: unknown key 'Type' in a parameter; here it is called 'Parameter Type'\n"
-            "error yaml-syntax: this is not YAML: did not find expected ',' or ']'; check the indentation, and put "
-            "quotes around a value that begins with a quote, '{', '[' or '*', or that contains ': ' or ' #', and here "
-            "also around one with '[', '{' or ','\n");
+  EXPECT_EQ(
+      foundIn(rules),
+      "error yaml-syntax: this is not YAML: the text in quotes ends before this, but the value goes on; put other "
+      "quotes around the whole value: \"'Relay' first\"\n"
+      "error unknown-key: unknown key 'Type' in a parameter; here it is called 'Parameter Type'\n"
+      "error yaml-syntax: this is not YAML: did not find expected ',' or ']'; check the indentation, and put "
+      "quotes around a value that begins with a quote, '{', '[' or '*', or that contains ': ' or ' #', and here "
+      "also around one with '[', '{' or ','\n");
 }
 
 }  // namespace

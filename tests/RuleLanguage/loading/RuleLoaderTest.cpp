@@ -556,25 +556,23 @@ TEST_F(RuleFiles, AllErrorsOfAllFilesAreToldInTheOrderOfTheFiles) {
   auto const blank = write("blank.yaml", "# nothing\n\n");
   auto const b = write("b.yaml", "Objects: {Case: {}}\n");
 
-  EXPECT_EQ(
-      errors({b, broken, folder_ / "missing.yaml", blank, a}),
-      "b.yaml:1:1: error: the key 'Rule Database' is missing; begin the file with 'Rule Database: 1'\n"
-      "    1 | Objects: {Case: {}}\n"
-      "      | ^\n"
-      "b.yaml:1:11: error: an object type path must begin with '/'; write '/Case'\n"
-      "    1 | Objects: {Case: {}}\n"
-      "      |           ^~~~\n"
-      "broken.yaml:3:1: error: this is not YAML: found character that cannot start any token; indent with blanks, not "
-      "with tabs, and put quotes around a value that begins with '@', '`' or '%'\n"
-      "    3 |  a: true\n"
-      "      | ^\n"
-      "missing.yaml: error: cannot read the rule file: No such file or directory\n"
-      "blank.yaml:1:1: error: the file contains no rules; it must begin with 'Rule Database: 1'\n"
-      "    1 | # nothing\n"
-      "      | ^\n"
-      "a.yaml:2:13: error: unknown function 'exist'; did you mean 'exists'?\n"
-      "    2 | Checks: {a: exist(1)}\n"
-      "      |             ^~~~~\n");
+  EXPECT_EQ(errors({b, broken, folder_ / "missing.yaml", blank, a}),
+            "b.yaml:1:1: error: the key 'Rule Database' is missing; begin the file with 'Rule Database: 1'\n"
+            "    1 | Objects: {Case: {}}\n"
+            "      | ^\n"
+            "b.yaml:1:11: error: an object type path must begin with '/'; write '/Case'\n"
+            "    1 | Objects: {Case: {}}\n"
+            "      |           ^~~~\n"
+            "broken.yaml:3:1: error: this is not YAML: a line is indented with blanks, not with tabs\n"
+            "    3 |  a: true\n"
+            "      | ^\n"
+            "missing.yaml: error: cannot read the rule file: No such file or directory\n"
+            "blank.yaml:1:1: error: the file contains no rules; it must begin with 'Rule Database: 1'\n"
+            "    1 | # nothing\n"
+            "      | ^\n"
+            "a.yaml:2:13: error: unknown function 'exist'; did you mean 'exists'?\n"
+            "    2 | Checks: {a: exist(1)}\n"
+            "      |             ^~~~~\n");
 }
 
 TEST_F(RuleFiles, AnEmptyFileHoldsNoRules) {

@@ -86,9 +86,8 @@ Checks:
 }
 
 TEST(YamlDocument, ATabThatIndents) {
-  EXPECT_EQ(
-      errorsOf("Rule Database: 1\nChecks:\n\ta: true\n"),
-      R"text(flow.rules.yaml:3:1: error: this is not YAML: found character that cannot start any token; indent with blanks, not with tabs, and put quotes around a value that begins with '@', '`' or '%'
+  EXPECT_EQ(errorsOf("Rule Database: 1\nChecks:\n\ta: true\n"),
+            R"text(flow.rules.yaml:3:1: error: this is not YAML: a line is indented with blanks, not with tabs
     3 |  a: true
       | ^
 )text");

@@ -321,34 +321,31 @@ TEST_P(RuleTestsForm, IsReportedWithItsPlaceAndTheRemedy) {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, RuleTestsForm,
-    testing::Values(
-        Wrong{"    Expct: {}\n", "4:5: unknown key 'Expct' in a test; did you mean 'Expect'?\n"},
-        Wrong{"    Model: x\n",
-              "3:3: the test expects nothing; give it 'Expect', 'Steps' or 'Evaluate'\n"
-              "4:12: the model cannot be read: neither \"=\" nor \":\" in the line; write name = value, "
-              "Type: name or END # Type:name\n"},
-        Wrong{"    Expect: {Valu: {/Case/Title: x}}\n",
-              "4:14: unknown key 'Valu' in an expectation; did you mean 'Value'?\n"},
-        Wrong{"    Steps: {Set: {/Case/Title: x}}\n",
-              "4:12: 'Steps' must be a list of maps, but this is a map; begin each step with '- '\n"},
-        Wrong{"    Steps: [{Expect: {Refused: yes}}]\n",
-              "4:13: 'Refused' needs an edit in the same step, and there is none\n"},
-        Wrong{"    Steps: [{Set: {/Case/Title: x}, Expect: {Refused: value-not-alowed}}]\n",
-              "4:55: this must be yes, no, or the code of a refusal, not 'value-not-alowed'; did you mean "
-              "'value-not-allowed'?\n"},
-        Wrong{"    Expect: {Findings: [mising-object]}\n",
-              "4:25: there is no finding with the code 'mising-object'; did you mean 'missing-object'?\n"},
-        Wrong{"    Expect: {Findings: beta-message}\n", "4:24: there is no finding with the code 'beta-message'\n"},
-        Wrong{
-            "    Expect: {Value: {/Case/Title: x}\n",
-            "5:1: this is not YAML: did not find expected ',' or '}'; check the indentation, and put quotes around a "
-            "value that begins with a quote, '{', '[' or '*', or that contains ': ' or ' #', and here also around one "
-            "with '[', '{' or ','\n"},
-        Wrong{"    Expect: {Allowed: {/Case/Title: x}}\n",
-              "4:37: this must be a list of texts, but it is a single value; write a list of one as [x]\n"},
-        Wrong{"    Evaluate: {Expression: '1'}\n", "4:15: the evaluation has no 'Gives'\n"},
-        Wrong{"    Model: {File: no such.tdf}\n    Expect: {Findings: none}\n",
-              "4:19: cannot read the model: cannot open \"no such.tdf\": No such file or directory\n"}));
+    testing::Values(Wrong{"    Expct: {}\n", "4:5: unknown key 'Expct' in a test; did you mean 'Expect'?\n"},
+                    Wrong{"    Model: x\n",
+                          "3:3: the test expects nothing; give it 'Expect', 'Steps' or 'Evaluate'\n"
+                          "4:12: the model cannot be read: neither \"=\" nor \":\" in the line; write name = value, "
+                          "Type: name or END # Type:name\n"},
+                    Wrong{"    Expect: {Valu: {/Case/Title: x}}\n",
+                          "4:14: unknown key 'Valu' in an expectation; did you mean 'Value'?\n"},
+                    Wrong{"    Steps: {Set: {/Case/Title: x}}\n",
+                          "4:12: 'Steps' must be a list of maps, but this is a map; begin each step with '- '\n"},
+                    Wrong{"    Steps: [{Expect: {Refused: yes}}]\n",
+                          "4:13: 'Refused' needs an edit in the same step, and there is none\n"},
+                    Wrong{"    Steps: [{Set: {/Case/Title: x}, Expect: {Refused: value-not-alowed}}]\n",
+                          "4:55: this must be yes, no, or the code of a refusal, not 'value-not-alowed'; did you mean "
+                          "'value-not-allowed'?\n"},
+                    Wrong{"    Expect: {Findings: [mising-object]}\n",
+                          "4:25: there is no finding with the code 'mising-object'; did you mean 'missing-object'?\n"},
+                    Wrong{"    Expect: {Findings: beta-message}\n",
+                          "4:24: there is no finding with the code 'beta-message'\n"},
+                    Wrong{"    Expect: {Value: {/Case/Title: x}\n",
+                          "5:1: this is not YAML: the '{' of line 4 is not closed before this, or a ',' is missing\n"},
+                    Wrong{"    Expect: {Allowed: {/Case/Title: x}}\n",
+                          "4:37: this must be a list of texts, but it is a single value; write a list of one as [x]\n"},
+                    Wrong{"    Evaluate: {Expression: '1'}\n", "4:15: the evaluation has no 'Gives'\n"},
+                    Wrong{"    Model: {File: no such.tdf}\n    Expect: {Findings: none}\n",
+                          "4:19: cannot read the model: cannot open \"no such.tdf\": No such file or directory\n"}));
 
 TEST(RuleTests, TestsThatAreRightAreKeptBesideWrongOnes) {
   RuleTests const tests = RuleTests::parse(

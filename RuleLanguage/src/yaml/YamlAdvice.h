@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "diagnostics/SourceText.h"
+
+namespace tarn::rules {
+
+/// What libyaml says about a part of a file that is not YAML.
+struct YamlProblem {
+  std::string_view problem;
+  Place at;
+  std::string_view context;  // what it was reading; can be empty
+  Place contextAt;
+};
+
+/// The same in words that help: the mistake that most likely caused it.
+struct YamlAdvice {
+  std::string message;
+  Place at;
+  /// Whether a note about the context adds something.
+  bool needsContext = true;
+  /// The line with the mistake, when it is another one than the line of the problem; otherwise 0.
+  std::size_t line = 0;
+  /// The lines of a merge that was not finished: reported once in a file.
+  bool isConflict = false;
+};
+
+[[nodiscard]] YamlAdvice adviceFor(SourceText const& source, YamlProblem const& problem);
+
+/// Whether a line is one of those that a version control system writes around two versions of the same lines.
+[[nodiscard]] bool isConflictMarker(std::string_view line);
+
+}  // namespace tarn::rules
