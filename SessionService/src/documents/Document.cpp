@@ -92,6 +92,7 @@ std::optional<session::SaveError> Document::save(std::string const& name, sessio
 void Document::noteSaved() {
   bool const hadUnsaved = hasUnsaved();
   saved_ = done_.empty() ? 0 : done_.back();
+  savedModel_ = session_->result();
   if (hadUnsaved) note({{"saved", true}});
 }
 
@@ -155,6 +156,12 @@ Json const* Document::answered(std::string const& editId) const {
 void Document::remember(std::string const& editId, Json answer, std::size_t most) {
   answers_.emplace_back(editId, std::move(answer));
   if (answers_.size() > most) answers_.pop_front();
+}
+
+void Document::takeReview(std::size_t revision, session::Findings findings) {
+  if (revision != revision_) return;
+  session_->setReview(std::move(findings));
+  reviewedRevision_ = revision;
 }
 
 void Document::indexFindings() {

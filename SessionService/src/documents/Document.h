@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include <tarn/Edit.h>
+#include <tarn/ModelState.h>
 #include <tarn/session/ModelFile.h>
 #include <tarn/session/Session.h>
 
@@ -30,11 +31,15 @@ class Document {
 
   /// Held during every other operation.
   std::mutex mutex;
+  /// Held while a review is made, so that nobody makes it twice. Taken before `mutex`.
+  std::mutex reviewing;
   /// Set when the document was closed while somebody waited for the mutex.
   bool isClosed = false;
 
   [[nodiscard]] std::string const& id() const noexcept { return id_; }
   [[nodiscard]] session::Session& session() noexcept { return *session_; }
+  /// Needs no lock.
+  [[nodiscard]] PhysicsData const& rules() const noexcept { return session_->rules(); }
   [[nodiscard]] std::size_t revision() const noexcept { return revision_; }
   /// The path of the file. "" for a document without one.
   [[nodiscard]] std::string fileName() const { return hasFile_ ? file_.name() : std::string(); }
@@ -42,6 +47,10 @@ class Document {
   /// Whether the file lacks something that was done since it was opened or saved.
   [[nodiscard]] bool hasUnsaved() const noexcept { return (done_.empty() ? 0 : done_.back()) != saved_; }
   [[nodiscard]] nlohmann::ordered_json state() const;
+  /// The model that the file held when it was opened or saved last.
+  [[nodiscard]] ModelState const& modelInFile() const noexcept {
+    return savedModel_ ? *savedModel_ : session_->model();
+  }
 
   /// @name Changes
   /// As in `Session`. Each that does something raises the revision and is written to the recovery file.
@@ -66,6 +75,10 @@ class Document {
   /// Forgets the oldest when there are more than `most`.
   void remember(std::string const& editId, nlohmann::ordered_json answer, std::size_t most);
 
+  /// Whether the findings of the present revision are known. Without them, the questions below make a review.
+  [[nodiscard]] bool isReviewed() const noexcept { return reviewedRevision_ == revision_; }
+  /// Takes the findings of a review of `session().result()`, if that was the result of the present revision.
+  void takeReview(std::size_t revision, session::Findings findings);
   /// The findings at an object, and their number at and below it.
   struct FindingCounts {
     std::size_t errors = 0;
@@ -97,11 +110,14 @@ class Document {
   std::vector<std::size_t> done_;
   std::vector<std::size_t> undone_;
   std::size_t saved_ = 0;
+  /// The model that was saved last. Empty before that.
+  std::optional<ModelState> savedModel_;
   std::size_t lastStep_ = 0;
 
   std::deque<std::pair<std::string, nlohmann::ordered_json>> answers_;
 
   /// The findings by path, for `indexedRevision_`, with the numbers of those at all paths before.
+  std::optional<std::size_t> reviewedRevision_;
   std::map<std::string, AtPath, std::less<>> findings_;
   FindingCounts allFindings_;
   std::optional<std::size_t> indexedRevision_;
@@ -112,6 +128,8 @@ class LockedDocument {
  public:
   explicit LockedDocument(std::shared_ptr<Document> document)
       : document_(std::move(document)), lock_(document_->mutex) {}
+
+  [[nodiscard]] std::shared_ptr<Document> const& shared() const noexcept { return document_; }
 
   [[nodiscard]] Document& operator*() const noexcept { return *document_; }
   [[nodiscard]] Document* operator->() const noexcept { return document_.get(); }

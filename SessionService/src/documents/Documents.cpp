@@ -144,6 +144,9 @@ void Documents::close(std::string const& id, bool discard) {
 std::optional<session::SaveError> Documents::save(Document& document, std::string const& path,
                                                   session::Overwrite overwrite) {
   std::string const before = document.fileName();
+  if (path.empty() && !before.empty() && folders_.resolve(before) != before) {
+    throw ProtocolError(ErrorCode::FileFailed, "\"" + before + "\" leads to another file now; save it as another file");
+  }
   std::string const file = path.empty() ? before : folders_.resolve(path);
   if (file != before) {
     // The entry keeps others from opening the file, or saving to it, meanwhile.

@@ -2,6 +2,8 @@
 
 #include <condition_variable>
 #include <deque>
+#include <new>
+#include <utility>
 
 #include <tarn/service/JsonText.h>
 
@@ -77,11 +79,32 @@ bool EventHub::hasListeners() {
   return !streams().empty();
 }
 
-void EventHub::publish(std::string const& method, Json const& params) {
-  auto const listeners = streams();
-  if (listeners.empty()) return;
-  auto const event = notification(method, params);
-  for (auto const& stream : listeners) stream->push(event);
+void EventHub::publish(std::string method, Json params) {
+  std::lock_guard const lock(mutex_);
+  published_.push_back({std::move(method), std::move(params)});
+}
+
+void EventHub::deliver() {
+  std::lock_guard const order(delivering_);
+  std::vector<Event> events;
+  {
+    std::lock_guard const lock(mutex_);
+    events.swap(published_);
+  }
+  if (events.empty()) return;
+  try {
+    auto const listeners = streams();
+    if (listeners.empty()) return;
+    for (Event const& one : events) {
+      auto const event = notification(one.method, one.params);
+      for (auto const& stream : listeners) stream->push(event);
+    }
+  } catch (std::bad_alloc const&) {
+    std::lock_guard const lock(mutex_);
+    for (auto const& stream : streams_) {
+      if (auto const held = stream.lock()) held->close();
+    }
+  }
 }
 
 void EventHub::closeAll() {

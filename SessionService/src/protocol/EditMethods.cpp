@@ -1,5 +1,9 @@
 // Edits, trials and the history.
 #include <algorithm>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
 
 #include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
@@ -29,6 +33,31 @@ Json answerTo(Host& host, Arguments const& arguments, Document& document, sessio
   return json;
 }
 
+/// The result of a trial. Its message would say that the edits were made.
+Json trialAsJson(session::EditResult const& result, std::size_t most) {
+  Json json = editResultAsJson(result, most);
+  if (result.applied()) json.erase("message");
+  return json;
+}
+
+/// Whether edits delete objects with values that somebody gave. Such a value waits then, for an object that is gone.
+bool losesOwnValues(session::Effect const& effect) {
+  std::set<std::string_view> const deleted(effect.objectsDeleted.begin(), effect.objectsDeleted.end());
+  return !deleted.empty() && std::any_of(effect.waiting.begin(), effect.waiting.end(), [&](auto const& change) {
+    return change.after && deleted.contains(change.item.path);
+  });
+}
+
+/// For clients that ask their user first: edits that would lose values are not made.
+session::EditResult editUnlessLost(Host& host, Arguments const& arguments, Document& document,
+                                   std::span<Edit const> edits) {
+  session::EditResult tried = document.session().tryEdits(edits);
+  if (!tried.applied()) return tried;
+  if (!losesOwnValues(tried.effect)) return document.edit(edits);
+  throw ProtocolError(ErrorCode::LosesOwnValues, "the edits delete objects with values that somebody gave",
+                      {{"revision", document.revision()}, {"result", trialAsJson(tried, entriesOf(host, arguments))}});
+}
+
 /// Makes an edit, unless it is the repetition of a request whose answer was lost.
 template <typename MakeEdit>
 Json editOnce(Host& host, Arguments const& arguments, MakeEdit const& makeEdit) {
@@ -51,7 +80,10 @@ Json editOnce(Host& host, Arguments const& arguments, MakeEdit const& makeEdit) 
 
 Json edit(Host& host, Arguments const& arguments) {
   auto const edits = arguments.edits(host.options.limits.edits);
-  return editOnce(host, arguments, [&](Document& document) { return document.edit(edits); });
+  bool const asks = arguments.flag("ask");
+  return editOnce(host, arguments, [&](Document& document) {
+    return asks ? editUnlessLost(host, arguments, document, edits) : document.edit(edits);
+  });
 }
 
 Json renameFollowed(Host& host, Arguments const& arguments) {
@@ -69,8 +101,7 @@ Json tryEdits(Host& host, Arguments const& arguments) {
   if (arguments.flag("findings")) {
     json["result"] = tryResultAsJson(document->session().tryWithFindings(edits), most);
   } else {
-    json["result"] = editResultAsJson(document->session().tryEdits(edits), most);
-    if (json["result"]["applied"]) json["result"].erase("message");  // it says that the edits were made
+    json["result"] = trialAsJson(document->session().tryEdits(edits), most);
   }
   return json;
 }

@@ -65,6 +65,11 @@ Json withFindingCounts(Document& document, Json object, std::string const& path)
   return object;
 }
 
+/// The document, reviewed if the request wants the findings.
+LockedDocument lockWithFindings(Host& host, Arguments const& arguments) {
+  return arguments.flag("findings") ? lockReviewed(host, arguments) : lockDocument(host, arguments);
+}
+
 Json lookParam(Host& host, Arguments const& arguments) {
   LockedDocument const document = lockDocument(host, arguments);
   auto const record = document->session().lookParam(arguments.text("path"), arguments.text("name"));
@@ -130,7 +135,7 @@ Json outline(Host& host, Arguments const& arguments) {
 }
 
 Json childTypes(Host& host, Arguments const& arguments) {
-  LockedDocument const document = lockDocument(host, arguments);
+  LockedDocument const document = lockWithFindings(host, arguments);
   auto const types = document->session().childTypes(arguments.text("path"));
   bool const withFindings = arguments.flag("findings");
   return listAnswer(host, arguments, *document, types, [&](session::ChildTypeRecord const& type) {
@@ -149,7 +154,7 @@ Json childTypes(Host& host, Arguments const& arguments) {
 }
 
 Json children(Host& host, Arguments const& arguments) {
-  LockedDocument const document = lockDocument(host, arguments);
+  LockedDocument const document = lockWithFindings(host, arguments);
   std::vector<std::string> paths;
   std::string const path = arguments.text("path");
   bool const withOffered = arguments.flag("offered");
@@ -169,7 +174,7 @@ Json children(Host& host, Arguments const& arguments) {
 }
 
 Json form(Host& host, Arguments const& arguments) {
-  LockedDocument const document = lockDocument(host, arguments);
+  LockedDocument const document = lockWithFindings(host, arguments);
   session::Session const& session = document->session();
   std::string const path = arguments.text("path");
   auto const object = session.lookObject(path);
@@ -245,7 +250,10 @@ Json waiting(Host& host, Arguments const& arguments) {
 
 Json differences(Host& host, Arguments const& arguments) {
   LockedDocument const document = lockDocument(host, arguments);
-  return listBelow(host, arguments, *document, document->session().differences(), differenceAsJson);
+  bool const isFromFile = arguments.word("from", {"opened", "file"}) == 1;
+  session::Session const& session = document->session();
+  auto differences = isFromFile ? session.differencesFrom(document->modelInFile()) : session.differences();
+  return listBelow(host, arguments, *document, std::move(differences), differenceAsJson);
 }
 
 Json result(Host& host, Arguments const& arguments) {
@@ -274,7 +282,7 @@ Json result(Host& host, Arguments const& arguments) {
 }
 
 Json review(Host& host, Arguments const& arguments) {
-  LockedDocument const document = lockDocument(host, arguments);
+  LockedDocument const document = lockReviewed(host, arguments);
   session::Findings const& findings = document->session().review();
   std::vector<session::Finding const*> list;
   auto const below = arguments.optionalText("below");

@@ -2,8 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <utility>
 
+#include <tarn/ModelState.h>
 #include <tarn/service/SessionJson.h>
+#include <tarn/session/Review.h>
 
 #include "protocol/ProtocolError.h"
 
@@ -42,6 +48,29 @@ LockedDocument lockDocument(Host& host, Arguments const& arguments) {
   return host.documents.lock(arguments.text("document"));
 }
 
+LockedDocument lockReviewed(Host& host, Arguments const& arguments) {
+  // An edit during a review makes it worthless. Edits without a pause must not keep anyone from the findings: the last
+  // review is made while the document is locked.
+  constexpr int mostTries = 3;
+  for (int tried = 0; tried < mostTries; ++tried) {
+    std::shared_ptr<Document> const document = lockDocument(host, arguments).shared();
+    std::lock_guard const reviewing(document->reviewing);
+    std::size_t revision = 0;
+    ModelState model;
+    {
+      LockedDocument locked = lockDocument(host, arguments);
+      if (locked->isReviewed()) return locked;
+      revision = locked->revision();
+      model = locked->session().result();
+    }
+    session::Findings findings = session::Review(document->rules()).judge(model);
+    LockedDocument locked = lockDocument(host, arguments);
+    locked->takeReview(revision, std::move(findings));
+    if (locked->isReviewed()) return locked;
+  }
+  return lockDocument(host, arguments);
+}
+
 void requireRevision(Document const& document, Arguments const& arguments) {
   std::size_t const given = arguments.number("revision");
   if (given == document.revision()) return;
@@ -63,7 +92,7 @@ void publishChange(Host& host, Document& document, Arguments const& arguments, s
     params["result"] = editResultAsJson(*result, host.options.limits.page);
     if (cause == "undo") params["result"].erase("message");
   }
-  host.events.publish("changed", params);
+  host.events.publish("changed", std::move(params));
 }
 
 }  // namespace tarn::service

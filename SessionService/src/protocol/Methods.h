@@ -30,6 +30,8 @@ struct Method {
 /// @name What several methods do
 /// @{
 [[nodiscard]] LockedDocument lockDocument(Host& host, Arguments const& arguments);
+/// As `lockDocument`, with the findings of the document made. Others use the document while a review is made.
+[[nodiscard]] LockedDocument lockReviewed(Host& host, Arguments const& arguments);
 /// Throws unless the request names the present revision.
 void requireRevision(Document const& document, Arguments const& arguments);
 /// Tells all clients that a document has changed. `cause` is "edit", "undo" and so on.

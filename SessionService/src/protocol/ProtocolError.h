@@ -22,7 +22,8 @@ enum class ErrorCode : int {
   OpenFailed = -32005,
   UnsavedEdits = -32006,
   FileFailed = -32007,
-  RecoveryFailed = -32008
+  RecoveryFailed = -32008,
+  LosesOwnValues = -32009
 };
 
 /// Ends a request with an error instead of a result.

@@ -47,6 +47,7 @@ class Service::Impl {
     }
     Json const id = isNotification ? Json() : Json(*idAt);
     Json answer = callMethod(request, id);
+    host.events.deliver();
     return isNotification ? Json() : answer;
   }
 
@@ -104,6 +105,8 @@ std::string Service::answer(std::string_view message) {
     return jsonLine(
         errorAnswer(nullptr, ErrorCode::ParseError,
                     "the message is not JSON in UTF-8; the mistake is at byte " + std::to_string(error.byte)));
+  } catch (nlohmann::json::out_of_range const&) {
+    return jsonLine(errorAnswer(nullptr, ErrorCode::ParseError, "the message has a number that is too large"));
   }
   if (!request.is_array()) {
     Json const answer = impl_->answerTo(request);

@@ -172,18 +172,28 @@ std::vector<OwnValue> SessionImpl::own() const {
 }
 
 std::vector<Waiting> SessionImpl::waiting() const {
-  std::set<Item> asked;
+  std::vector<Item> asked;
   DynamicTDF const& guide = provisional().getGuideTree();
+  ModelState const& active = provisional().getActiveTDFState();
   std::vector<std::string> names;
   forEachObject(guide, root_, [&](std::string const& path) {
-    asked.insert({path, std::nullopt});
-    names.clear();
-    guide.getParameterNames(path, names);
-    for (std::string& name : names) asked.insert({path, std::move(name)});
+    if (!work_->ruled.hasObject(path)) asked.push_back({path, std::nullopt});
+    if (!guide.getParameterNames(path, names) || names.empty()) return;
+    auto const object = active.find(path);
+    for (std::string& name : names) {
+      // Almost every value is in force as it was asked for. Such a value does not wait, whatever the rules say.
+      if (object != active.end()) {
+        auto const value = object->second.find(name);
+        if (value != object->second.end() && value->second == guide.getParameterValue(path, name)) continue;
+      }
+      asked.push_back({path, std::move(name)});
+    }
   });
   for (auto const& [item, count] : requests_.decided()) {
-    if (count != 0) asked.insert(item);
+    if (count != 0) asked.push_back(item);
   }
+  std::sort(asked.begin(), asked.end());
+  asked.erase(std::unique(asked.begin(), asked.end()), asked.end());
   std::vector<Waiting> all;
   for (Item const& item : asked) {
     bool const isOffered = work_->offers.has(item);
@@ -194,41 +204,52 @@ std::vector<Waiting> SessionImpl::waiting() const {
   return all;
 }
 
-std::vector<Difference> SessionImpl::differences() const {
+std::vector<Difference> SessionImpl::differencesFrom(ModelState const& model) const {
   std::map<Item, Difference> all;
   DynamicTDF const& tree = provisional().getActiveTree();
+  ModelState const& active = provisional().getActiveTDFState();
+  ObjectState const none;
+  auto const valuesAt = [&active, &none](std::string const& path) -> ObjectState const& {
+    auto const object = active.find(path);
+    return object == active.end() ? none : object->second;
+  };
   auto const isInside = [this](std::string const& path) { return StringUtilities::isPathRootedAt(root_, path); };
   // Objects that the model mentions or implies.
   std::set<std::string> inModel;
-  for (auto const& [path, params] : model_) {
+  for (auto const& [path, params] : model) {
     if (!isInside(path)) continue;
     for (std::string at = path; inModel.insert(at).second && at.size() > root_.size();) at = PathUtils::parentOf(at);
+    ObjectState const& present = valuesAt(path);
     for (auto const& [name, value] : params) {
       if (StringUtilities::trimmed(value).empty()) continue;
-      std::string const* const now = work_->ruled.value(path, name);
-      if (now != nullptr && *now == value) continue;
+      auto const now = present.find(name);
+      bool const isPresent = now != present.end();
+      if (isPresent && now->second == value) continue;
       Item const item = {path, name};
-      all[item] = {item, value, now != nullptr ? std::optional(*now) : std::nullopt, false};
+      all[item] = {item, value, isPresent ? std::optional(now->second) : std::nullopt, false};
     }
   }
   for (std::string const& path : inModel) {
     Item const item = {path, std::nullopt};
     if (!work_->ruled.hasObject(path)) all[item] = {item, std::nullopt, std::nullopt, false};
   }
-  std::vector<std::string> names;
   forEachObject(tree, root_, [&](std::string const& path) {
-    Item const object = {path, std::nullopt};
-    if (!inModel.contains(path) && !path.empty()) all[object] = {object, std::nullopt, std::nullopt, true};
-    auto const entry = model_.find(path);
-    names.clear();
-    tree.getParameterNames(path, names);
-    for (std::string const& name : names) {
-      auto const known = entry == model_.end() ? ObjectState::const_iterator() : entry->second.find(name);
-      bool const isInModel =
-          entry != model_.end() && known != entry->second.end() && !StringUtilities::trimmed(known->second).empty();
+    if (!inModel.contains(path) && !path.empty()) {
+      Item const object = {path, std::nullopt};
+      all[object] = {object, std::nullopt, std::nullopt, true};
+    }
+    auto const entry = model.find(path);
+    for (auto const& [name, value] : valuesAt(path)) {
+      // A value of blanks counts as absent, unless the result has the same.
+      bool isInModel = false;
+      if (entry != model.end()) {
+        auto const known = entry->second.find(name);
+        isInModel = known != entry->second.end() &&
+                    (known->second == value || !StringUtilities::trimmed(known->second).empty());
+      }
       if (isInModel) continue;
       Item const item = {path, name};
-      all[item] = {item, std::nullopt, *work_->ruled.value(path, name), false};
+      all[item] = {item, std::nullopt, value, false};
     }
   });
   std::vector<Difference> list;
@@ -255,6 +276,10 @@ ModelState SessionImpl::result() const {
 Findings const& SessionImpl::review() const {
   if (!review_) review_ = Review(rules_).judge(result());
   return *review_;
+}
+
+void SessionImpl::setReview(Findings findings) {
+  review_ = std::move(findings);
 }
 
 }  // namespace tarn::session

@@ -201,7 +201,11 @@ std::vector<Waiting> Session::waiting() const {
 }
 
 std::vector<Difference> Session::differences() const {
-  return impl_->differences();
+  return impl_->differencesFrom(impl_->model());
+}
+
+std::vector<Difference> Session::differencesFrom(ModelState const& model) const {
+  return impl_->differencesFrom(model);
 }
 
 Proof Session::why(Item const& item, WhyOptions const& options) const {
@@ -218,6 +222,10 @@ ModelState Session::result() const {
 
 Findings const& Session::review() const {
   return impl_->review();
+}
+
+void Session::setReview(Findings findings) {
+  impl_->setReview(std::move(findings));
 }
 
 PhysicsData const& Session::rules() const noexcept {

@@ -60,9 +60,10 @@ class SessionImpl {
   [[nodiscard]] std::vector<Found> find(std::string_view text, std::size_t most) const;
   [[nodiscard]] std::vector<OwnValue> own() const;
   [[nodiscard]] std::vector<Waiting> waiting() const;
-  [[nodiscard]] std::vector<Difference> differences() const;
+  [[nodiscard]] std::vector<Difference> differencesFrom(ModelState const& model) const;
   [[nodiscard]] ModelState result() const;
   [[nodiscard]] Findings const& review() const;
+  void setReview(Findings findings);
 
   // Why and how: the folder why.
   [[nodiscard]] Proof why(Item const& item, WhyOptions const& options) const;

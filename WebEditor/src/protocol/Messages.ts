@@ -567,6 +567,7 @@ export type ParamsEdit = {
   document: string;
   revision: number;
   edits: Edit[];
+  ask?: boolean;
   editId?: string;
   limit?: number;
   client?: string;
@@ -881,6 +882,7 @@ export type ParamsDifferences = {
   offset?: number;
   limit?: number;
   below?: string;
+  from?: "opened" | "file";
 };
 
 export type ResultDifferences = {

@@ -109,6 +109,47 @@ TEST_F(ServiceTest, EditsOfOneRequestAreMadeAsOneOrNotAtAll) {
   EXPECT_EQ(call("own", {{"document", plant}}).at("total"), 0);
 }
 
+TEST_F(ServiceTest, AnEditThatAsksIsNotMadeIfItDeletesAnObjectWithAValue) {
+  rules_ = rules::parseRules(R"(
+Rule Database: 1
+Pertinent Roots: [Plant]
+Objects:
+  /Plant:
+    Parameters:
+      Control: {Required: yes, Parameter Type: String, Ordered Allowed String List: [Free, Fixed], Default Value: Free}
+    Children:
+      Tank: {Coupled: yes, Available: "${Control} == 'Fixed'"}
+  /Plant/Tank:
+    Parameters:
+      Height: {Parameter Type: Real}
+)",
+                             "plant.rules.yaml");
+  restart();
+  std::string const plant =
+      call("open", {{"text", "/Plant/Control = Fixed\n/Plant/Tank:a/Height = 3\n"}}).at("document");
+  Json request = {
+      {"document", plant}, {"revision", 0}, {"edits", list({set("/Plant", "Control", "Free")})}, {"ask", true}};
+  Json const asked = error("edit", request);
+  EXPECT_EQ(asked.at("code"), -32009);
+  EXPECT_EQ(asked.at("data").at("revision"), 0);
+  EXPECT_EQ(asked.at("data").at("result").at("effect").at("objectsDeleted"), list({"/Plant/Tank:a"}));
+  EXPECT_FALSE(asked.at("data").at("result").contains("message"));
+  EXPECT_EQ(call("state", {{"document", plant}}).at("revision"), 0);
+  // An edit that is refused, or loses nothing, is answered as always.
+  request["edits"] = list({set("/Plant", "Control", "free")});
+  EXPECT_EQ(call("edit", request).at("result").at("refused").at("code"), "value-not-allowed");
+  request["edits"] = list({set("/Plant/Tank:a", "Height", "4")});
+  EXPECT_EQ(call("edit", request).at("revision"), 1);
+  request = {{"document", plant}, {"revision", 1}, {"edits", list({set("/Plant", "Control", "Free")})}};
+  EXPECT_EQ(call("edit", request).at("revision"), 2);
+}
+
+TEST_F(ServiceTest, ANumberThatIsTooLargeIsNoRequest) {
+  EXPECT_EQ(
+      send(R"({"jsonrpc":"2.0","id":1e400,"method":"documents"})"),
+      R"({"jsonrpc":"2.0","id":null,"error":{"code":-32700,"message":"the message has a number that is too large"}})");
+}
+
 TEST_F(ServiceTest, UndoAndRedoRaiseTheRevisionAndEndAtTheSavedState) {
   std::string const plant = openPlant();
   Json const made = edit(plant, 0, list({set("/Plant", "Control", "Fixed")}));

@@ -52,6 +52,37 @@ TEST_F(ServiceThreads, OfAllEditsForOneRevisionExactlyOneIsMade) {
   }
 }
 
+TEST_F(ServiceThreads, AReviewBesideEditsSaysWhatIsWrongAtItsRevision) {
+  std::string const plant = openPlant();
+  std::atomic<bool> isOver{false};
+  std::atomic<int> wrong{0};
+  auto const ask = [&](std::string const& method, Json params) {
+    params["document"] = plant;
+    Json const request = {{"jsonrpc", "2.0"}, {"id", 1}, {"method", method}, {"params", std::move(params)}};
+    return Json::parse(service_->answer(request.dump())).at("result");
+  };
+  std::vector<std::thread> readers;
+  for (int reader = 0; reader < 4; ++reader) {
+    readers.emplace_back([&, reader] {
+      while (!isOver) {
+        Json const answer = reader % 2 == 0 ? ask("review", Json::object())
+                                            : ask("children", {{"path", "/Plant"}, {"findings", true}, {"limit", 1}});
+        // The height is below its bound at the odd revisions.
+        int const errors = (reader % 2 == 0 ? answer : answer.at("list").at(0)).at("errors");
+        if (errors != answer.at("revision").get<int>() % 2) ++wrong;
+      }
+    });
+  }
+  for (int revision = 0; revision < 60; ++revision) {
+    std::string const height = revision % 2 == 0 ? "-3 [m]" : "3 [m]";
+    ask("edit", {{"revision", revision}, {"edits", list({set("/Plant/Tank:a", "Height", height)})}});
+  }
+  isOver = true;
+  for (std::thread& reader : readers) reader.join();
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(ask("review", Json::object()).at("errors"), 0);
+}
+
 TEST_F(ServiceThreads, DocumentsAreOpenedUsedAndClosedSideBySide) {
   constexpr int clients = 6;
   std::atomic<int> failures{0};

@@ -162,7 +162,8 @@ struct TARN_EXPORT OpenError {
 /// | `lookParam`, `lookObject`, `resolve`    | the rules of the item, and its allowed values                       |
 /// | `params`, `childTypes`                  | the rules of the object                                             |
 /// | `find`, `own`, `waiting`, `differences`,| n                                                                   |
-/// | `result`, `renameFollowed`              |                                                                     |
+/// | `differencesFrom`, `result`,            |                                                                     |
+/// | `renameFollowed`                        |                                                                     |
 /// | `review`, `tryWithFindings`             | a walk of the whole model                                           |
 ///
 /// Changes of defaults are found through what the rules of the defaults read. A default with reads that are not known,
@@ -265,6 +266,8 @@ class TARN_EXPORT Session {
   [[nodiscard]] std::vector<Waiting> waiting() const;
   /// How the result differs from the model that was opened, at and below `root`, by path and name.
   [[nodiscard]] std::vector<Difference> differences() const;
+  /// How the result differs from another model, such as the one that was saved last.
+  [[nodiscard]] std::vector<Difference> differencesFrom(ModelState const& model) const;
   /// @}
 
   /// @name Why and how
@@ -288,6 +291,10 @@ class TARN_EXPORT Session {
   /// Everything that is wrong with `result`. Throws what a rule throws. The findings have no places in a text. Valid
   /// until the next edit, `undo` or `redo`; a second question about the same state costs nothing.
   [[nodiscard]] Findings const& review() const;
+  /// Takes the findings of the present state, so that `review` need not make them. They must be those of
+  /// `Review(rules()).judge(result())`. Another thread can review a copy of `result` while this session is used. Do not
+  /// pass them if the session has changed meanwhile.
+  void setReview(Findings findings);
   /// @}
 
   /// @name What the session works with
