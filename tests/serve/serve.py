@@ -346,6 +346,34 @@ class OverAPipe(unittest.TestCase):
             self.assertFalse((folder.path / "new.tdf").exists())
             self.assertTrue(pipe.call("open", file="./../models/sound.tdf")["wasOpen"])
 
+    def test_a_file_that_became_a_link_is_not_written_through_it(self):
+        with Folder() as folder, Pipe(folder) as pipe:
+            secret, other = folder.path / "secret.tdf", folder.models / "other.tdf"
+            for file in (secret, other):
+                file.write_text("/Case/Title = kept\n")
+            pipe.call("edit", document="1", revision=0, edits=title("mine"))
+            folder.model.unlink()
+            for file, code in ((secret, -32004), (other, -32007)):
+                folder.model.symlink_to(file)
+                for overwrite in (False, True):
+                    self.assertEqual(pipe.error("save", document="1", overwrite=overwrite)["code"], code)
+                self.assertEqual(file.read_text(), "/Case/Title = kept\n")
+                folder.model.unlink()
+            self.assertTrue(pipe.call("save", document="1", overwrite=True)["saved"])
+
+    def test_differences_from_the_file_are_gone_when_it_was_saved(self):
+        with Folder() as folder, Pipe(folder) as pipe:
+            pipe.call("edit", document="1", revision=0, edits=title("mine"))
+            changed = [("/Case", "Title")]
+            names = lambda **params: [(one["path"], one.get("name")) for one in
+                                      pipe.call("differences", document="1", below="/Case", **params)["list"]
+                                      if one.get("name") == "Title"]
+            self.assertEqual((names(), names(**{"from": "file"})), (changed, changed))
+            pipe.call("save", document="1")
+            self.assertEqual((names(), names(**{"from": "file"})), (changed, []))
+            self.assertEqual(pipe.call("differences", document="1", **{"from": "file"})["total"], 0)
+            self.assertEqual(pipe.error("differences", document="1", **{"from": "disk"})["code"], -32602)
+
     def test_a_file_that_someone_else_has_changed_is_not_replaced_unasked(self):
         with Folder() as folder, Pipe(folder) as pipe:
             pipe.call("edit", document="1", revision=0, edits=title("mine"))
@@ -472,6 +500,12 @@ class OverHttp(unittest.TestCase):
             self.assertEqual(web.request("GET", "/schema", headers={})[0], 401)
             self.assertEqual(json.loads(web.request("GET", "/schema")[2]), SCHEMA.whole)
             self.assertEqual(web.request("GET", "/nothing")[0], 404)
+            # Browsers look for an icon by themselves. It says nothing about the token.
+            self.assertEqual(web.request("GET", "/favicon.ico", headers={})[0], 204)
+            with socket.create_connection(("127.0.0.1", int(web.port))) as twice:
+                twice.sendall(f"GET /schema HTTP/1.1\r\nHost: {web.host}:{web.port}\r\nHost: evil.example\r\n"
+                              f"Authorization: Bearer {web.token}\r\n\r\n".encode())
+                self.assertIn(b" 400 ", twice.recv(1000).split(b"\r\n")[0])
 
     def test_the_printed_address_gives_a_browser_its_cookie(self):
         with Folder() as folder, Web(folder) as web:

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <ostream>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -26,6 +27,7 @@ using Verdict = RequestGuard::Verdict;
 /// The connections that can be open beside the streams of events.
 constexpr std::size_t otherConnections = 256;
 
+constexpr int ok = 200;
 constexpr int noContent = 204;
 constexpr int badRequest = 400;
 constexpr int unauthorized = 401;
@@ -80,13 +82,14 @@ void answerCall(service::Service& service, httplib::Request const& request, http
   if (type != "application/json" && !type.starts_with("application/json;")) {
     return refuse(response, wrongType, "A request has the type application/json.");
   }
-  constexpr int ok = 200;
   std::string const answer = service.answer(body);
   response.status = answer.empty() ? noContent : ok;
   if (!answer.empty()) response.set_content(answer, "application/json");
 }
 
-/// One event after the other, and a comment now and then, so that both sides find out when the other is gone.
+/// Events as they come, and a comment now and then, so that both sides find out when the other is gone. When events
+/// come all the time, those of a moment are written together: a write costs more than an event, and every client gets
+/// all.
 class EventWriter {
  public:
   explicit EventWriter(std::shared_ptr<service::EventStream> stream) : stream_(std::move(stream)) {}
@@ -94,12 +97,16 @@ class EventWriter {
   bool operator()(httplib::DataSink& sink) {
     constexpr std::chrono::seconds slice{1};
     constexpr int slicesOfSilence = 15;
+    constexpr std::chrono::milliseconds pause{20};
     if (!hasBegun_) {
       hasBegun_ = true;
       return write(sink, ": connected\n\n");
     }
     for (int i = 0; i < slicesOfSilence; ++i) {
-      if (auto const event = stream_->next(slice)) return writeFrom(sink, *event);
+      if (auto const event = stream_->next(slice)) {
+        std::this_thread::sleep_until(lastWrite_ + pause);
+        return writeFrom(sink, *event);
+      }
       if (stream_->isClosed()) {
         sink.done();
         return true;
@@ -110,7 +117,7 @@ class EventWriter {
   }
 
  private:
-  /// Writes what waits at once: a write costs more than an event.
+  /// Writes everything that waits.
   bool writeFrom(httplib::DataSink& sink, std::string const& first) {
     constexpr std::size_t enough = std::size_t{1} << 16U;
     std::string text = "data: " + first + "\n\n";
@@ -119,6 +126,7 @@ class EventWriter {
       if (!event) break;
       text.append("data: ").append(*event).append("\n\n");
     }
+    lastWrite_ = std::chrono::steady_clock::now();
     return write(sink, text);
   }
 
@@ -126,6 +134,7 @@ class EventWriter {
 
   std::shared_ptr<service::EventStream> stream_;
   bool hasBegun_ = false;
+  std::chrono::steady_clock::time_point lastWrite_{};
 };
 
 void sendEvents(service::Service& service, httplib::Response& response) {
@@ -136,9 +145,21 @@ void sendEvents(service::Service& service, httplib::Response& response) {
                                             std::size_t, httplib::DataSink& sink) { return (*writer)(sink); });
 }
 
+/// Where browsers look for an icon by themselves.
+constexpr std::string_view iconPath = "/favicon.ico";
+
 /// Browsers ask for this before they know the token. It has no secrets.
 bool isEntry(httplib::Request const& request) {
-  return request.method == "GET" && (request.path == entryPath || request.path == entryScriptPath);
+  return request.method == "GET" &&
+         (request.path == entryPath || request.path == entryScriptPath || request.path == iconPath);
+}
+
+void sendIcon(EditorFiles const* editor, httplib::Response& response) {
+  EditorFiles::File const* const file = editor == nullptr ? nullptr : editor->find("/icon.svg");
+  response.status = noContent;
+  if (file == nullptr) return;
+  response.status = ok;
+  response.set_content(file->bytes, file->type);
 }
 
 void sendFile(EditorFiles const* editor, httplib::Request const& request, httplib::Response& response) {
@@ -160,6 +181,10 @@ void sendFile(EditorFiles const* editor, httplib::Request const& request, httpli
 void addHandlers(httplib::Server& server, service::Service& service, RequestGuard const& guard,
                  EditorFiles const* editor) {
   server.set_pre_routing_handler([&guard](httplib::Request const& request, httplib::Response& response) {
+    if (request.get_header_value_count("Host") > 1) {
+      refuse(response, badRequest, "A request has one Host.");
+      return httplib::Server::HandlerResponse::Handled;
+    }
     switch (guard.judge(headersOf(request))) {
       case Verdict::Allowed:
         return httplib::Server::HandlerResponse::Unhandled;
@@ -201,6 +226,8 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
     response.set_header("Set-Cookie", guard.cookie());
     response.status = noContent;
   });
+  server.Get(std::string(iconPath),
+             [editor](httplib::Request const&, httplib::Response& response) { sendIcon(editor, response); });
   server.Get("/.*", [editor](httplib::Request const& request, httplib::Response& response) {
     sendFile(editor, request, response);
   });
@@ -234,7 +261,7 @@ class Listener {
 
 void serveOverHttp(service::Service& service, HttpOptions const& options, TerminationSignals const& signals,
                    std::ostream& out) {
-  WaitingServer server(service.limits().streams + otherConnections);
+  WaitingServer server(ConnectionLimits{.connections = service.limits().streams + otherConnections});
   // The library's own choice lets another program take the same port.
   server.set_socket_options([](auto socket) {
     int const yes = 1;

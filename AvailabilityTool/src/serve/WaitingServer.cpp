@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -25,26 +26,25 @@ namespace tarn::tool {
 
 namespace {
 
-constexpr int idleMilliseconds = 30'000;
+using Clock = std::chrono::steady_clock;
+
 constexpr int patienceMilliseconds = 5'000;
 constexpr int mostRequests = 100'000;
+
+/// Whether this thread closes the connection that it is given.
+thread_local bool isRefusing = false;
 
 /// A thread for each connection, as many as were ever needed at once. An idle thread takes the next connection.
 class ConnectionThreads : public httplib::TaskQueue {
  public:
-  explicit ConnectionThreads(std::size_t most) : most_(most) {}
+  ConnectionThreads(std::size_t most, std::size_t mostWaiting) : most_(most), mostWaiting_(mostWaiting) {}
 
   void enqueue(std::function<void()> task) override {
-    std::lock_guard const lock(mutex_);
-    tasks_.push_back(std::move(task));
-    if (tasks_.size() > idle_ && threads_.size() < most_) {
-      try {
-        threads_.emplace_back([this] { run(); });
-      } catch (std::system_error const&) {
-        // The connection waits for a thread that there is.
-      }
+    if (!hasTaken(task)) {
+      isRefusing = true;
+      task();
+      isRefusing = false;
     }
-    changed_.notify_one();
   }
 
   void shutdown() override {
@@ -57,6 +57,22 @@ class ConnectionThreads : public httplib::TaskQueue {
   }
 
  private:
+  /// False when too many wait.
+  bool hasTaken(std::function<void()>& task) {
+    std::lock_guard const lock(mutex_);
+    if (tasks_.size() + running_ >= most_ + mostWaiting_) return false;
+    tasks_.push_back(std::move(task));
+    if (tasks_.size() > idle_ && threads_.size() < most_) {
+      try {
+        threads_.emplace_back([this] { run(); });
+      } catch (std::system_error const&) {
+        // The connection waits for a thread that there is.
+      }
+    }
+    changed_.notify_one();
+    return true;
+  }
+
   void run() {
     std::unique_lock lock(mutex_);
     while (true) {
@@ -66,39 +82,54 @@ class ConnectionThreads : public httplib::TaskQueue {
       if (tasks_.empty()) return;
       std::function<void()> const task = std::move(tasks_.front());
       tasks_.pop_front();
+      ++running_;
       lock.unlock();
       task();
       lock.lock();
+      --running_;
     }
   }
 
   std::size_t most_;
+  std::size_t mostWaiting_;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::function<void()>> tasks_;
   std::vector<std::thread> threads_;
   std::size_t idle_ = 0;
+  std::size_t running_ = 0;
   bool isEnding_ = false;
 };
 
 /// The bytes of a connection. The library reads the head of a request byte by byte, so they are read ahead.
 class Connection : public httplib::Stream {
  public:
-  Connection(socket_t socket, int ending) : socket_(socket), ending_(ending) {
+  Connection(socket_t socket, int ending, ConnectionLimits const& limits)
+      : socket_(socket), ending_(ending), limits_(limits) {
     timeval const patience{patienceMilliseconds / 1000, 0};
     ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
   }
 
   /// False if none comes, or if the server ends.
-  [[nodiscard]] bool waitForRequest() const {
-    if (begin_ < end_) return true;
-    std::array<pollfd, 2> waited{{{socket_, POLLIN, 0}, {ending_, POLLIN, 0}}};
-    return poll(waited.data(), waited.size(), idleMilliseconds) > 0 && waited[1].revents == 0;
+  [[nodiscard]] bool waitForRequest() {
+    if (begin_ == end_) {
+      std::array<pollfd, 2> waited{{{socket_, POLLIN, 0}, {ending_, POLLIN, 0}}};
+      auto const patience = hasAsked_ ? limits_.idle : limits_.first;
+      if (poll(waited.data(), waited.size(), static_cast<int>(patience.count())) <= 0 || waited[1].revents != 0) {
+        return false;
+      }
+    }
+    hasAsked_ = true;
+    requestEnd_ = Clock::now() + limits_.request;
+    return true;
   }
 
   bool is_readable() const override {
+    if (begin_ < end_) return true;
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(requestEnd_ - Clock::now()).count();
+    if (left <= 0) return false;
     pollfd waited{socket_, POLLIN, 0};
-    return begin_ < end_ || poll(&waited, 1, patienceMilliseconds) > 0;
+    return poll(&waited, 1, static_cast<int>(std::min<std::int64_t>(left, patienceMilliseconds))) > 0;
   }
 
   /// Whether the client is still there. Writing waits by itself.
@@ -151,16 +182,20 @@ class Connection : public httplib::Stream {
 
   socket_t socket_;
   int ending_;
+  ConnectionLimits const& limits_;
   std::array<char, 16384> ahead_;
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
+  bool hasAsked_ = false;
+  Clock::time_point requestEnd_{};
 };
 
 }  // namespace
 
-WaitingServer::WaitingServer(std::size_t mostConnections) : ending_(::eventfd(0, EFD_CLOEXEC)) {
+WaitingServer::WaitingServer(ConnectionLimits const& limits) : limits_(limits), ending_(::eventfd(0, EFD_CLOEXEC)) {
   if (ending_ == -1) throw std::system_error(errno, std::generic_category(), "connections cannot be awaited");
-  new_task_queue = [mostConnections] { return new ConnectionThreads(mostConnections); };  // the library deletes it
+  // The library deletes it.
+  new_task_queue = [limits] { return new ConnectionThreads(limits.connections, limits.waiting); };
 }
 
 WaitingServer::~WaitingServer() {
@@ -173,7 +208,11 @@ void WaitingServer::endConnections() {
 }
 
 bool WaitingServer::process_and_close_socket(socket_t socket) {
-  Connection connection(socket, ending_);
+  if (isRefusing) {
+    ::close(socket);
+    return false;
+  }
+  Connection connection(socket, ending_, limits_);
   bool isGood = true;
   bool isClosed = false;
   for (int left = mostRequests; isGood && !isClosed && left > 0 && connection.waitForRequest(); --left) {
