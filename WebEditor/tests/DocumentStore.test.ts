@@ -6,6 +6,7 @@ import { Connection } from '../src/store/Connection';
 import { DocumentStore } from '../src/store/DocumentStore';
 
 type Call = { method: string; params: Record<string, unknown> };
+type Message = Call & { id: number };
 
 const state = (revision: number): State => ({
   document: '1',
@@ -45,11 +46,16 @@ after(() => {
 });
 
 /** A server with one parameter. `edit` decides what becomes of each edit: null loses the answer. */
-function plant(edit: (call: Call, number: number) => object | null) {
+function plant(
+  edit: (call: Call, number: number) => object | null,
+  look: () => Promise<object> = async () => ({ result: { revision: 0, records: [] } }),
+) {
   const calls: Call[] = [];
   const server = { revision: 0, value: 'Pump' };
-  const answer = (call: Call): object | null => {
+  const answer = (call: Call): object | null | Promise<object> => {
     switch (call.method) {
+      case 'look':
+        return look();
       case 'edit':
         return edit(call, calls.filter(({ method }) => method === 'edit').length);
       case 'form':
@@ -73,12 +79,15 @@ function plant(edit: (call: Call, number: number) => object | null) {
   };
   const rpc = new Rpc('', async (url, init) => {
     if (url !== 'rpc') throw new TypeError('no events');
-    const { id, method, params } = JSON.parse(String(init.body)) as Call & { id: number };
-    const call = { method, params };
-    calls.push(call);
-    const reply = answer(call);
-    if (reply === null) throw new TypeError('lost');
-    return new Response(JSON.stringify({ jsonrpc: '2.0', id, ...reply }), {
+    const sent = JSON.parse(String(init.body)) as Message | Message[];
+    const replies: object[] = [];
+    for (const { id, ...call } of Array.isArray(sent) ? sent : [sent]) {
+      calls.push(call);
+      const reply = await answer(call);
+      if (reply === null) throw new TypeError('lost');
+      replies.push({ jsonrpc: '2.0', id, ...reply });
+    }
+    return new Response(JSON.stringify(Array.isArray(sent) ? replies : replies[0]), {
       headers: { 'content-type': 'application/json' },
     });
   });
@@ -89,6 +98,7 @@ function plant(edit: (call: Call, number: number) => object | null) {
     store,
     connection,
     server,
+    methods: () => calls.map(({ method }) => method),
     edits: () => calls.filter(({ method }) => method === 'edit').map(({ params }) => params),
   };
 }
@@ -173,4 +183,56 @@ test('A change by another page does not touch what is typed', async () => {
   assert.equal(store.draft({ path: '/Plant', name: 'Title' }).value?.text, 'half a na');
   assert.equal(store.record('/Plant', 'Title').value?.value, 'Fan');
   assert.equal(store.draftCount.value, 1);
+});
+
+test('An edit and what the form shows after it travel in one message', async () => {
+  const { store, server, methods } = plant(() => done(server, 'Pump 7'));
+  await store.loadForm();
+  const before = methods().length;
+  assert.equal((await store.commit(rename)).kind, 'applied');
+  assert.deepEqual(methods().slice(before), ['edit', 'form']);
+  assert.equal(store.record('/Plant', 'Title').value?.value, 'Pump 7');
+});
+
+test('A late answer with an older state does not replace what is shown, and is asked for again', async () => {
+  let release: (answer: object) => void = () => {};
+  const late = new Promise<object>((resolve) => {
+    release = resolve;
+  });
+  let looked = 0;
+  const { store, server } = plant(
+    () => done(server, 'Pump 7'),
+    async () => {
+      looked += 1;
+      return looked === 1 ? late : { result: { revision: server.revision, records: [title(server.value)] } };
+    },
+  );
+  await store.loadForm();
+  // A row that comes onto the screen asks for its record, and an edit is made before the answer arrives.
+  store.record('/Plant', 'Title').value = null;
+  store.hold('/Plant', 'Title');
+  await store.commit(rename);
+  release({ result: { revision: 0, records: [title('Pump')] } });
+  for (let i = 0; i < 20; i++) await new Promise((resolve) => setTimeout(resolve, 0));
+  assert.equal(looked, 2);
+  assert.equal(store.record('/Plant', 'Title').value?.value, 'Pump 7');
+});
+
+test('An edit that would delete what someone gave is made only after the user has agreed', async () => {
+  const trial = { applied: true, made: rename, effect: { ...noEffect, objectsDeleted: ['/Plant/Tank:a'] } };
+  const asks = { error: { code: -32009, message: 'it would delete values', data: { revision: 0, result: trial } } };
+  for (const agrees of [false, true]) {
+    const { store, server, edits } = plant((call) => (call.params.ask ? asks : done(server, 'Pump 7')));
+    store.preview.subscribe((shown) => {
+      if (!shown) return;
+      assert.deepEqual(shown.result, trial);
+      queueMicrotask(() => shown.decide?.(agrees));
+    });
+    assert.equal((await store.commit(rename, { askFirst: true })).kind, agrees ? 'applied' : 'declined');
+    assert.deepEqual(
+      edits().map(({ ask }) => ask),
+      agrees ? [true, undefined] : [true],
+    );
+    assert.equal(server.revision, agrees ? 1 : 0);
+  }
 });

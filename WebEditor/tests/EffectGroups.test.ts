@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { effectGroups, effectSize, losesOwnValues } from '../src/model/EffectGroups';
+import { effectGroups, effectSize } from '../src/model/EffectGroups';
 import type { Effect } from '../src/protocol/Messages';
 
 const nothing: Effect = {
@@ -58,15 +58,4 @@ test('A list that was cut keeps the number of all', () => {
   const effect: Effect = { ...nothing, objectsCreated: ['/Plant/Tank:a'], cut: { objectsCreated: 500 } };
   assert.equal(effectGroups(effect)[0]?.total, 500);
   assert.equal(effectSize(effect), 500);
-});
-
-test('Only deleted objects with values that someone gave are worth a question', () => {
-  const waits = {
-    path: '/Plant/Tank:a',
-    name: 'Height',
-    after: { path: '/Plant/Tank:a', reason: 'object-not-present' as const },
-  };
-  assert.equal(losesOwnValues({ ...nothing, objectsDeleted: ['/Plant/Tank:a'] }), false);
-  assert.equal(losesOwnValues({ ...nothing, waiting: [waits] }), false);
-  assert.equal(losesOwnValues({ ...nothing, objectsDeleted: ['/Plant/Tank:a'], waiting: [waits] }), true);
 });

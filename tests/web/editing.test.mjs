@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { after, before, test } from 'node:test';
-import { closeBrowser, eventually, field, flow, form, openBrowser, program, shows, side, status, tab, title, tree, treeItem, withPage } from './harness.mjs';
+import { closeBrowser, eventually, field, flow, form, hits, openBrowser, program, shows, side, status, tab, title, tree, treeItem, withPage } from './harness.mjs';
 
 before(openBrowser);
 after(closeBrowser);
@@ -82,17 +82,23 @@ test(
     const { keyboard } = page;
     await shows(page, 'Case');
     const focused = () => page.locator(':focus');
-    const go = async (text, hit) => {
+    const go = async (text, above) => {
+      const seen = new Set();
       await keyboard.press('/');
       await page.getByRole('searchbox').and(focused()).waitFor();
       await keyboard.type(text);
-      await page.getByRole('list', { name: 'Hits' }).getByRole('button', { name: hit }).first().waitFor();
+      await hits(page).getByRole('treeitem', { name: /^Location/ }).first().waitFor();
+      // Enter would go to the best hit. The arrows go to any.
       await keyboard.press('ArrowDown');
-      await page.getByRole('list', { name: 'Hits' }).locator(':focus').waitFor();
-      for (let i = 0; i < 20 && !hit.test(await focused().innerText()); i++) await keyboard.press('ArrowDown');
+      await hits(page).locator(':focus').waitFor();
+      await keyboard.press('Home');
+      for (let i = 0; i < 20 && !(seen.has(above) && /^Location/.test(await focused().innerText())); i++) {
+        await keyboard.press('ArrowDown');
+        seen.add((await focused().innerText()).split('\n')[0]);
+      }
       await keyboard.press('Enter');
     };
-    await go('location', /Location\s+Domain:Domain 1$/);
+    await go('location', 'Domain 1');
     await shows(page, 'Domain 1');
     await field(page, 'Location').getByRole('textbox').and(focused()).waitFor();
     await keyboard.type('AIR');
@@ -100,7 +106,7 @@ test(
     await field(page, 'Location').getByText('set by you').waitFor();
     // Leaving a field is enough, too.
     await keyboard.press('Tab');
-    await go('location', /Location\s+.*Boundary:Default/);
+    await go('location', 'Default');
     await shows(page, 'Default');
     await field(page, 'Location').getByRole('textbox').and(focused()).waitFor();
     await keyboard.type('DUCT');
@@ -197,5 +203,78 @@ test(
     await page.getByRole('button', { name: 'Undo', exact: true }).click();
     await treeItem(page, /^Hot Air /).waitFor();
     assert.ok((await status(page).innerText()).length > 0);
+  }),
+);
+
+test(
+  'a search shows the tree with the hits and the objects above them; Enter goes to the best, Escape back to the tree',
+  withPage(flow, {}, async ({ page }) => {
+    await shows(page, 'Case');
+    const { keyboard } = page;
+    await keyboard.press('/');
+    await keyboard.type('settled');
+    const names = async () => (await hits(page).getByRole('treeitem').allInnerTexts()).map((text) => text.split('\n')[0]);
+    await eventually(async () => (await names()).join(' > '), 'Case > Output > drop of pressure > Settled Within > hot spot > Settled Within');
+    const levels = await hits(page).getByRole('treeitem').evaluateAll((rows) => rows.map((row) => row.ariaLevel).join(''));
+    assert.equal(levels, '123434');
+    // A closed object says how many hits are below it.
+    await keyboard.press('ArrowDown');
+    await hits(page).getByRole('treeitem', { name: 'Settled Within' }).and(page.locator(':focus')).waitFor();
+    await keyboard.press('ArrowLeft');
+    await keyboard.press('ArrowLeft');
+    await hits(page).getByRole('treeitem', { name: '1 hit below' }).waitFor();
+    await keyboard.press('Escape');
+    await tree(page).waitFor();
+    await page.getByRole('searchbox').and(page.locator(':focus')).waitFor();
+    await keyboard.type('settled within');
+    await keyboard.press('Enter');
+    await shows(page, 'drop of pressure');
+    await field(page, 'Settled Within').locator(':focus').waitFor();
+  }),
+);
+
+test(
+  'a list has a box for each item; items are added and removed, and a comma divides one',
+  withPage(flow, {}, async ({ server, page }) => {
+    const { keyboard } = page;
+    const document = await server.document();
+    const location = async () =>
+      (await server.call('lookParam', { document: document.document, path: '/Case/Domain:sink', name: 'Location' })).param.value;
+    await treeItem(page, /^sink/).click();
+    await shows(page, 'sink');
+    const row = field(page, 'Location');
+    const first = row.getByRole('textbox', { name: 'Location, item 1 of 1' });
+    await first.fill('FINS');
+    await row.getByRole('button', { name: 'Item of Location' }).click();
+    await row.getByRole('textbox', { name: 'Location, item 2 of 2' }).and(page.locator(':focus')).waitFor();
+    await keyboard.type('BASE');
+    await keyboard.press('Enter');
+    await eventually(location, 'FINS, BASE');
+    // A comma divides, and typing goes on behind it.
+    await keyboard.type(',FOOT, TIP');
+    await row.getByRole('textbox', { name: 'Location, item 4 of 4' }).and(page.locator(':focus')).waitFor();
+    await keyboard.press('Enter');
+    await eventually(location, 'FINS, BASE, FOOT, TIP');
+    await row.getByRole('button', { name: 'Remove item 1 of Location' }).click();
+    assert.equal(await location(), 'FINS, BASE, FOOT, TIP');
+    await row.getByRole('textbox').first().press('Enter');
+    await eventually(location, 'BASE, FOOT, TIP');
+    await keyboard.press('Control+z');
+    await eventually(location, 'FINS, BASE, FOOT, TIP');
+  }),
+);
+
+test(
+  'a choice of several values says what each would do, before it is made and before it is taken back',
+  withPage(flow, {}, async ({ page }) => {
+    await treeItem(page, 'Output').click();
+    await shows(page, 'Output');
+    const row = field(page, 'Extra Variables');
+    await row.getByRole('button', { name: /^Extra Variables/ }).click();
+    await row.getByRole('option', { name: 'Yplus' }).hover();
+    await row.getByText('Without Yplus this would happen').waitFor();
+    await row.getByRole('option', { selected: false }).first().hover();
+    await row.getByText(/^With .* this would happen$/).waitFor();
+    await row.getByText('Nothing else would change.').waitFor();
   }),
 );

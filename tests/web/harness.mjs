@@ -176,6 +176,8 @@ export async function assertAccessible(page, state) {
 
 export const tree = (page) => page.getByRole('tree', { name: 'Objects' });
 export const treeItem = (page, name) => tree(page).getByRole('treeitem', { name });
+/** The tree of a search. */
+export const hits = (page) => page.getByRole('tree', { name: 'Hits' });
 export const form = (page) => page.getByRole('region', { name: 'Form' });
 export const title = (page, name) => form(page).getByRole('heading', { level: 2, name, exact: true });
 export const field = (page, name) => form(page).getByRole('group', { name, exact: true }).or(form(page).getByRole('group', { name: `${name} required`, exact: true }));

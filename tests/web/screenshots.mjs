@@ -10,6 +10,7 @@ const pictures = [
   { state: 'effects', width: 1280, height: 800, theme: 'light' },
   { state: 'why', width: 1280, height: 800, theme: 'dark' },
   { state: 'how', width: 1280, height: 800, theme: 'light' },
+  { state: 'search', width: 1280, height: 800, theme: 'light' },
   { state: 'findings', width: 1280, height: 800, theme: 'light' },
   { state: 'effects', width: 400, height: 800, theme: 'light' },
 ];

@@ -1,5 +1,5 @@
 // The main states of the page, for the test of accessibility and for the screenshots.
-import { field, flow, form, shows, side, tab, treeItem } from './harness.mjs';
+import { field, flow, form, hits, shows, side, tab, treeItem } from './harness.mjs';
 
 async function analysis(page) {
   await shows(page, 'Case');
@@ -91,7 +91,31 @@ export const states = [
     text: flow.text,
     go: async (page) => {
       await page.getByRole('searchbox').fill('temp');
-      await page.getByRole('list', { name: 'Hits' }).getByRole('button').first().waitFor();
+      await hits(page).getByRole('treeitem').first().waitFor();
+    },
+  },
+  {
+    name: 'list',
+    text: flow.text,
+    go: async (page) => {
+      await shows(page, 'Case');
+      await openTree(page);
+      await treeItem(page, /^sink/).click();
+      await shows(page, 'sink');
+      await field(page, 'Location').getByRole('button', { name: 'Item of Location' }).click();
+      await field(page, 'Location').getByRole('textbox', { name: 'Location, item 2 of 2' }).waitFor();
+    },
+  },
+  {
+    name: 'choices',
+    text: flow.text,
+    go: async (page) => {
+      await shows(page, 'Case');
+      await openTree(page);
+      await treeItem(page, 'Output').click();
+      await shows(page, 'Output');
+      await field(page, 'Extra Variables').getByRole('button', { name: /^Extra Variables/ }).click();
+      await field(page, 'Extra Variables').getByText('Nothing else would change.').waitFor();
     },
   },
   {

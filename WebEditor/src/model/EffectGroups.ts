@@ -128,9 +128,3 @@ export function effectGroups(effect: Effect): EffectGroup[] {
 export function effectSize(effect: Effect): number {
   return effectGroups(effect).reduce((sum, { total }) => sum + total, 0);
 }
-
-/** Whether the edits delete objects with values that someone gave: then it is better to ask first. */
-export function losesOwnValues(effect: Effect): boolean {
-  const deleted = new Set(effect.objectsDeleted);
-  return effect.waiting.some(({ path, after }) => after !== undefined && deleted.has(path));
-}

@@ -1,7 +1,7 @@
 // Short texts about records. The server makes the long sentences; these are for labels, buttons and announcements.
 import type { Edit, EditResult, Param, Place, Waiting } from '../protocol/Messages';
 import { lastPart, shortPath } from './Paths';
-import { shorten } from './Quantity';
+import { shorten, splitQuantity } from './Quantity';
 
 export function count(number: number, one: string, many = `${one}s`): string {
   return `${number.toLocaleString('en-US')} ${number === 1 ? one : many}`;
@@ -43,7 +43,10 @@ export function originText(param: Param): string {
 export function boundsText(param: Param): string {
   const { lowerBound: low, upperBound: high } = param;
   if (low !== undefined && high !== undefined) {
-    const from = param.lowerBoundExcluded ? `above ${low}` : low;
+    // "0 to 5 [m]": a unit that both have is written once.
+    const [first, last] = [splitQuantity(low), splitQuantity(high)];
+    const start = first.unit === last.unit ? first.number : low;
+    const from = param.lowerBoundExcluded ? `above ${start}` : start;
     return param.upperBoundExcluded ? `${from} to below ${high}` : `${from} to ${high}`;
   }
   if (low !== undefined) return param.lowerBoundExcluded ? `above ${low}` : `at least ${low}`;

@@ -171,19 +171,14 @@ export function treeRows(nodes: ReadonlyMap<string, TreeNode>, root: string): Tr
 }
 
 /** The row that the arrow to the left leads to: the one that this row is in. */
-export function parentRow(rows: readonly TreeRow[], index: number): number {
+export function parentRow(rows: readonly { level: number }[], index: number): number {
   const level = rows[index]?.level ?? 1;
   for (let i = index - 1; i >= 0; i--) if ((rows[i]?.level ?? 0) < level) return i;
   return index;
 }
 
 /** The next row, around the end, whose text begins with what was typed. */
-export function typeAhead(
-  rows: readonly TreeRow[],
-  from: number,
-  typed: string,
-  text: (row: TreeRow) => string,
-): number {
+export function typeAhead<Row>(rows: readonly Row[], from: number, typed: string, text: (row: Row) => string): number {
   const wanted = typed.toLowerCase();
   for (let step = typed.length > 1 ? 0 : 1; step <= rows.length; step++) {
     const at = (from + step) % rows.length;

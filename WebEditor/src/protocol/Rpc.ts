@@ -11,6 +11,7 @@ export const unknownDocument = -32002;
 export const openFailed = -32005;
 export const unsavedEdits = -32006;
 export const recoveryFailed = -32008;
+export const losesOwnValues = -32009;
 
 /** The server answered with an error. */
 export class ServerError extends Error {
@@ -36,6 +37,9 @@ const badRequest = 400;
 const unauthorized = 401;
 const forbidden = 403;
 
+export type Request<M extends Method> = { method: M; params: Params<M> };
+type Answer = { result?: unknown; error?: RpcFault };
+
 export class Rpc {
   private lastId = 0;
 
@@ -50,14 +54,36 @@ export class Rpc {
   }
 
   async call<M extends Method>(method: M, params: Params<M>): Promise<Result<M>> {
+    const answer = (await this.send(this.message(method, params))) as Answer;
+    if (answer.error) throw new ServerError(answer.error);
+    return answer.result as Result<M>;
+  }
+
+  /**
+   * Two requests in one message. The server answers the second after the first, so it sees what the first has done. An
+   * error of the first is thrown; one of the second is null.
+   */
+  async callBoth<A extends Method, B extends Method>(
+    first: Request<A>,
+    second: Request<B>,
+  ): Promise<[Result<A>, Result<B> | null]> {
+    const messages = [this.message(first.method, first.params), this.message(second.method, second.params)];
+    const [one, other] = (await this.send(messages)) as [Answer, Answer];
+    if (one.error) throw new ServerError(one.error);
+    return [one.result as Result<A>, other.error ? null : (other.result as Result<B>)];
+  }
+
+  private message<M extends Method>(method: M, params: Params<M>): object {
     this.lastId += 1;
-    const body = JSON.stringify({ jsonrpc: '2.0', id: this.lastId, method, params });
-    let answer: { result?: Result<M>; error?: RpcFault };
+    return { jsonrpc: '2.0', id: this.lastId, method, params };
+  }
+
+  private async send(message: object): Promise<unknown> {
     try {
       const response = await this.fetch('rpc', {
         method: 'POST',
         headers: { 'Content-Type': 'application/json', ...this.headers() },
-        body,
+        body: JSON.stringify(message),
       });
       if (response.status === unauthorized || response.status === forbidden)
         throw new NotAllowed(await response.text());
@@ -65,12 +91,13 @@ export class Rpc {
       if (response.status >= badRequest && !response.headers.get('content-type')?.includes('json')) {
         throw new Unreachable(await response.text());
       }
-      answer = await response.json();
+      const answer = await response.json();
+      // A message that is refused as a whole has one answer.
+      if (Array.isArray(message) && !Array.isArray(answer)) throw new ServerError(answer.error);
+      return answer;
     } catch (error) {
-      if (error instanceof NotAllowed || error instanceof Unreachable) throw error;
+      if (error instanceof NotAllowed || error instanceof Unreachable || error instanceof ServerError) throw error;
       throw new Unreachable(String(error));
     }
-    if (answer.error) throw new ServerError(answer.error);
-    return answer.result as Result<M>;
   }
 }

@@ -2,7 +2,15 @@
 import { signal } from '@preact/signals';
 import { readEvents, type ServerEvent } from '../protocol/Events';
 import type { ResultHello } from '../protocol/Messages';
-import { type Method, NotAllowed, type Params, type Result, type Rpc, Unreachable } from '../protocol/Rpc';
+import {
+  type Method,
+  NotAllowed,
+  type Params,
+  type Request,
+  type Result,
+  type Rpc,
+  Unreachable,
+} from '../protocol/Rpc';
 
 export type Link =
   | { kind: 'connecting' }
@@ -30,9 +38,21 @@ export class Connection {
   constructor(private readonly rpc: Rpc) {}
 
   /** One request. When the server cannot be reached, it begins to try again and throws `Unreachable`. */
-  async call<M extends Method>(method: M, params: Params<M>): Promise<Result<M>> {
+  call<M extends Method>(method: M, params: Params<M>): Promise<Result<M>> {
+    return this.watched(this.rpc.call(method, params));
+  }
+
+  /** Two requests that travel together: see `Rpc.callBoth`. */
+  callBoth<A extends Method, B extends Method>(
+    first: Request<A>,
+    second: Request<B>,
+  ): Promise<[Result<A>, Result<B> | null]> {
+    return this.watched(this.rpc.callBoth(first, second));
+  }
+
+  private async watched<T>(answer: Promise<T>): Promise<T> {
     try {
-      return await this.rpc.call(method, params);
+      return await answer;
     } catch (error) {
       if (error instanceof Unreachable) this.lost();
       if (error instanceof NotAllowed) this.refused(error.message);

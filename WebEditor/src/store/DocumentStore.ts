@@ -1,6 +1,6 @@
 // One document, as this page shows it: what was asked of the server, what the user has typed, and what edits did.
 import { batch, computed, type Signal, signal } from '@preact/signals';
-import { losesOwnValues } from '../model/EffectGroups';
+import type { Hit } from '../model/FilteredTree';
 import type { LayoutEntry } from '../model/FormLayout';
 import { isAtOrBelow, keyOf, parentOf } from '../model/Paths';
 import { type Filter, parseQuery } from '../model/Search';
@@ -12,7 +12,6 @@ import type {
   EditResult,
   EventChanged,
   Finding,
-  Found,
   HowResult,
   Item,
   Object as ObjectRecord,
@@ -20,10 +19,20 @@ import type {
   Param,
   Proof,
   ResultEdit,
+  ResultForm,
+  ResultLook,
   State,
   Waiting,
 } from '../protocol/Messages';
-import { outdatedRevision, ServerError, Unreachable } from '../protocol/Rpc';
+import {
+  losesOwnValues,
+  type Method,
+  outdatedRevision,
+  type Request,
+  type Result,
+  ServerError,
+  Unreachable,
+} from '../protocol/Rpc';
 import type { Connection } from './Connection';
 import { TreeStore } from './TreeStore';
 
@@ -77,10 +86,20 @@ export type Preview = {
 export type WhyView = { item: Item; proof: Proof | null };
 export type HowView = { item: Item; result: HowResult | null; text: string };
 
+/** What a form shows, as it was read together with an edit: all of a short form, the rows on the screen of a long one. */
+type FormRead = { path: string; form?: ResultForm; look?: ResultLook };
+
 export type Review = { errors: number; warnings: number; total: number; list: Finding[]; revision: number };
 
-export type Hit = { item: Item; note: string; group: string };
-export type Hits = { filters: Filter[]; text: string; list: Hit[]; total: number; nearest: string };
+/** The hits of a search, the best first. `isMore` says that there are more than `total`. */
+export type Hits = {
+  filters: Filter[];
+  text: string;
+  list: Hit[];
+  total: number;
+  isMore: boolean;
+  nearest: string;
+};
 
 export type Side = 'effects' | 'why' | 'findings' | 'changes';
 
@@ -129,9 +148,13 @@ export class DocumentStore {
   private lastEdit = 0;
   private lastEffect = 0;
   private formEpoch = 0;
+  /** The newest revision that the records of the form were read at. */
+  private newestRead = { document: '', revision: 0 };
   private reviewTimer: ReturnType<typeof setTimeout> | undefined;
   private reviewCost = 0;
   private wanted = new Set<string>();
+  /** Whether something may wait that is not in the list, or the other way round. */
+  private isWaitingOld = true;
 
   /** The objects at or below which the user has set something. */
   readonly ownPaths = computed(() => {
@@ -163,6 +186,7 @@ export class DocumentStore {
 
   /** Reads everything again: at the start, and when events were missed. */
   async load(): Promise<void> {
+    this.isWaitingOld = true;
     await Promise.all([this.tree.load(this.root), this.loadForm()]);
     this.scheduleReview(0);
   }
@@ -202,8 +226,14 @@ export class DocumentStore {
     const path = this.selected.value;
     this.formEpoch += 1;
     const epoch = this.formEpoch;
-    const answer = await this.connection.call('form', { document: this.document, path, limit: longForm });
-    if (epoch !== this.formEpoch) return;
+    for (let tried = 0; tried < tries; tried++) {
+      const answer = await this.connection.call('form', { document: this.document, path, limit: longForm });
+      if (epoch !== this.formEpoch) return;
+      if (this.isNewest(answer.revision)) return this.showForm(path, answer, epoch);
+    }
+  }
+
+  private showForm(path: string, answer: ResultForm, epoch: number): void {
     const { list, total } = answer.params;
     const old = this.form.value;
     batch(() => {
@@ -215,6 +245,14 @@ export class DocumentStore {
     });
     // Nobody waits for the rest of a long form.
     if (total > list.length) void this.loadOutline(path, epoch).catch(() => {});
+  }
+
+  /** Answers may overtake each other. One that is older than what is shown must not be shown. */
+  private isNewest(revision: number): boolean {
+    const { document } = this;
+    if (document === this.newestRead.document && revision < this.newestRead.revision) return false;
+    this.newestRead = { document, revision };
+    return true;
   }
 
   /** The record of a parameter of the form. Of a long form only what is on the screen is loaded. */
@@ -252,8 +290,14 @@ export class DocumentStore {
   private async lookAt(path: string, names: string[]): Promise<void> {
     if (names.length === 0) return;
     const items = names.map((name) => ({ path, name }));
-    const { records } = await this.connection.call('look', { document: this.document, items });
-    if (this.form.value && this.form.value.path !== path) return;
+    for (let tried = 0; tried < tries; tried++) {
+      const answer = await this.connection.call('look', { document: this.document, items });
+      if (this.form.value && this.form.value.path !== path) return;
+      if (this.isNewest(answer.revision)) return this.showRecords(answer);
+    }
+  }
+
+  private showRecords({ records }: ResultLook): void {
     batch(() => {
       for (const record of records) if (record && 'origin' in record) this.setRecord(record);
     });
@@ -393,15 +437,11 @@ export class DocumentStore {
     const document = this.document;
     const [first] = edits;
     const seen = await this.valueOf(first);
+    let ask = options.askFirst === true;
     for (let tried = 0; tried < tries; tried++) {
       try {
-        if (options.askFirst && tried === 0) {
-          const trial = await this.tryEdits(edits);
-          if (trial?.effect && losesOwnValues(trial.effect) && !(await this.askUser(edits, trial)))
-            return { kind: 'declined' };
-        }
-        const answer = await this.request(edits, editId, options.followReferences === true);
-        return await this.take(answer);
+        const [answer, read] = await this.request(edits, editId, ask, options.followReferences === true);
+        return await this.take(answer, read);
       } catch (error) {
         if (error instanceof Unreachable) {
           await this.connection.whenOnline();
@@ -412,6 +452,10 @@ export class DocumentStore {
             await this.refreshAll();
             return { kind: 'conflict' };
           }
+        } else if (error instanceof ServerError && error.code === losesOwnValues) {
+          const { result } = error.data as { result: EditResult };
+          if (!(await this.askUser(edits, result))) return { kind: 'declined' };
+          ask = false;
         } else {
           return { kind: 'refused', problem: { sentence: sentenceOf(error) } };
         }
@@ -420,7 +464,12 @@ export class DocumentStore {
     return { kind: 'conflict' };
   }
 
-  private request(edits: Edit[], editId: string, followReferences: boolean): Promise<ResultEdit> {
+  private request(
+    edits: Edit[],
+    editId: string,
+    ask: boolean,
+    followReferences: boolean,
+  ): Promise<[ResultEdit, FormRead | null]> {
     const common = {
       document: this.document,
       revision: this.state.value.revision,
@@ -430,9 +479,26 @@ export class DocumentStore {
     };
     const [first] = edits;
     if (followReferences && first?.kind === 'rename-object') {
-      return this.connection.call('renameFollowed', { ...common, path: first.path, name: first.name ?? '' });
+      const params = { ...common, path: first.path, name: first.name ?? '' };
+      return this.withForm({ method: 'renameFollowed', params });
     }
-    return this.connection.call('edit', { ...common, edits });
+    return this.withForm({ method: 'edit', params: { ...common, edits, ...(ask ? { ask } : {}) } });
+  }
+
+  /** A request that changes the document, and in the same message what the form shows afterwards. */
+  private async withForm<M extends Method>(request: Request<M>): Promise<[Result<M>, FormRead | null]> {
+    const { document } = this;
+    const path = this.selected.value;
+    const form = this.form.value;
+    if (form?.path !== path) return [await this.connection.call(request.method, request.params), null];
+    if (form.total > longForm) {
+      const items = [...this.mounted.keys()].map((name) => ({ path, name }));
+      const [answer, look] = await this.connection.callBoth(request, { method: 'look', params: { document, items } });
+      return [answer, look && { path, look }];
+    }
+    const read = { method: 'form' as const, params: { document, path, limit: longForm } };
+    const [answer, shown] = await this.connection.callBoth(request, read);
+    return [answer, shown && { path, form: shown }];
   }
 
   /** What the server holds of an item, to see whether it is still what the user saw. */
@@ -465,7 +531,7 @@ export class DocumentStore {
     });
   }
 
-  private async take(answer: ResultEdit): Promise<Outcome> {
+  private async take(answer: ResultEdit, read: FormRead | null): Promise<Outcome> {
     const { result, repeated: _repeated, ...state } = answer;
     if (result.refused) {
       this.state.value = state;
@@ -475,25 +541,22 @@ export class DocumentStore {
         problem: { sentence, ...(nearest ? { nearest } : {}), ...(possible ? { possible } : {}) },
       };
     }
-    await this.show(state, result, 'edit', 'you');
+    await this.show(state, result, 'edit', 'you', read);
     return { kind: 'applied', result };
   }
 
   private async step(kind: 'undo' | 'redo'): Promise<boolean> {
     for (let tried = 0; tried < tries; tried++) {
       try {
-        const answer = await this.connection.call(kind, {
-          document: this.document,
-          revision: this.state.value.revision,
-          client: this.client,
-          limit: shownEffects,
-        });
+        const { document, client } = this;
+        const params = { document, revision: this.state.value.revision, client, limit: shownEffects };
+        const [answer, read] = await this.withForm({ method: kind, params });
         const { result, ...state } = answer;
         if (!result) {
           this.announce(kind === 'undo' ? 'There is nothing to undo.' : 'There is nothing to redo.');
           return false;
         }
-        await this.show(state, result, kind, 'you');
+        await this.show(state, result, kind, 'you', read);
         return true;
       } catch (error) {
         if (error instanceof ServerError && error.code === outdatedRevision) {
@@ -512,7 +575,13 @@ export class DocumentStore {
   }
 
   /** Shows a change of the document: by this page, or by another. */
-  private async show(state: State, result: EditResult, cause: EffectEntry['cause'], who: string): Promise<void> {
+  private async show(
+    state: State,
+    result: EditResult,
+    cause: EffectEntry['cause'],
+    who: string,
+    read: FormRead | null = null,
+  ): Promise<void> {
     const verb = cause === 'undo' ? 'Undone: ' : cause === 'redo' ? 'Done again: ' : '';
     const title = verb + resultTitle(result, state.root);
     this.lastEffect += 1;
@@ -526,8 +595,9 @@ export class DocumentStore {
     });
     const { effect } = result;
     if (!effect) return;
+    if (effect.waiting.length > 0 || effect.cut?.waiting !== undefined) this.isWaitingOld = true;
     await this.leaveDeleted(effect.objectsDeleted, effect.objectsCreated, result);
-    await Promise.all([this.refreshForm(result), this.tree.apply(effect)]);
+    await Promise.all([this.refreshForm(result, read), this.tree.apply(effect)]);
     const text = result.message ?? title;
     this.announce(who === 'you' ? text : `Another page made a change: ${text}`);
     this.scheduleReview();
@@ -546,11 +616,17 @@ export class DocumentStore {
     this.tree.active.value = this.selected.value;
   }
 
-  private async refreshForm(result: EditResult): Promise<void> {
+  private async refreshForm(result: EditResult, read: FormRead | null): Promise<void> {
     const form = this.form.value;
     const effect = result.effect;
+    const isRead = read !== null && read.path === this.selected.value;
     if (!form || form.path !== this.selected.value || form.total <= longForm || !effect || effect.cut) {
-      await this.loadForm();
+      if (isRead && read.form && this.isNewest(read.form.revision)) {
+        this.formEpoch += 1;
+        this.showForm(read.path, read.form, this.formEpoch);
+      } else {
+        await this.loadForm();
+      }
     } else {
       // A long form is not read again. The effect says which parameters came and went.
       const states = new Map<string, boolean>();
@@ -572,7 +648,9 @@ export class DocumentStore {
         if (!this.mounted.has(name)) this.records.delete(key);
         else if (record.peek() === null) this.wanted.delete(name);
       }
-      const looked = this.lookAt(form.path, held);
+      let looked: Promise<void> | undefined;
+      if (isRead && read.look && this.isNewest(read.look.revision)) this.showRecords(read.look);
+      else looked = this.lookAt(form.path, held);
       const { object } = await this.connection.call('lookObject', { document: this.document, path: form.path });
       const isChildMoved = [...objectsCreated, ...objectsDeleted].some((path) => parentOf(path) === form.path);
       const childTypes = isChildMoved
@@ -593,6 +671,7 @@ export class DocumentStore {
   }
 
   async refreshAll(): Promise<void> {
+    this.isWaitingOld = true;
     await Promise.all([this.tree.load(this.root), this.loadForm()]);
     this.shownRevision = this.state.value.revision;
     this.scheduleReview();
@@ -630,8 +709,10 @@ export class DocumentStore {
     const document = this.document;
     const review = await this.connection.call('review', { document, limit: 200 });
     this.reviewCost = performance.now() - begin;
+    const isOld = this.isWaitingOld;
+    this.isWaitingOld = false;
     const [waiting, own] = await Promise.all([
-      this.connection.call('waiting', { document, limit: 200 }),
+      isOld ? this.connection.call('waiting', { document, limit: 200 }) : this.waiting.peek(),
       this.connection.call('own', { document, limit: 1000 }),
     ]);
     batch(() => {
@@ -656,7 +737,11 @@ export class DocumentStore {
   }
 
   async loadDifferences(): Promise<void> {
-    this.differences.value = await this.connection.call('differences', { document: this.document, limit: 1000 });
+    this.differences.value = await this.connection.call('differences', {
+      document: this.document,
+      from: 'file',
+      limit: 1000,
+    });
   }
 
   // ---- Why and how
@@ -694,21 +779,22 @@ export class DocumentStore {
     const { filters, text } = parseQuery(typed);
     if (filters.length === 0 && text === '') {
       this.hits.value = null;
+      this.announce('');
       return;
     }
     const document = this.document;
     const list: Hit[] = [];
     let total = 0;
     let nearest = '';
+    let isMore = false;
     const limit = 1000;
     for (const filter of filters) {
       if (filter === 'set') {
         const answer = await this.connection.call('own', { document, limit });
         total += answer.total;
-        for (const { path, name, value } of answer.list)
-          list.push({ item: itemOf(path, name), note: value, group: 'Set by you' });
+        for (const { path, name, value } of answer.list) list.push({ item: itemOf(path, name), note: value });
       } else if (filter === 'changed') {
-        const answer = await this.connection.call('differences', { document, limit });
+        const answer = await this.connection.call('differences', { document, from: 'file', limit });
         total += answer.total;
         for (const one of answer.list) {
           const note =
@@ -717,18 +803,17 @@ export class DocumentStore {
                 ? 'new object'
                 : 'removed'
               : `${one.inModel ?? 'absent'} → ${one.now ?? 'absent'}`;
-          list.push({ item: itemOf(one.path, one.name), note, group: 'Different from the opened model' });
+          list.push({ item: itemOf(one.path, one.name), note });
         }
       } else if (filter === 'waiting') {
         const answer = await this.connection.call('waiting', { document, limit });
         total += answer.total;
-        for (const { path, name, value } of answer.list)
-          list.push({ item: itemOf(path, name), note: value ?? '', group: 'Waiting' });
+        for (const { path, name, value } of answer.list) list.push({ item: itemOf(path, name), note: value ?? '' });
       } else if (filter === 'finding') {
         const answer = await this.connection.call('review', { document, limit });
         total += answer.total;
         for (const { path, name, message } of answer.list)
-          list.push({ item: itemOf(path, name), note: message, group: 'Findings' });
+          list.push({ item: itemOf(path, name), note: '', hint: message });
       }
     }
     if (text !== '') {
@@ -745,11 +830,12 @@ export class DocumentStore {
           if (wantsAbsent && one.present) continue;
           list.push({
             item: itemOf(one.path, one.name),
-            note: one.present ? '' : 'not present',
-            group: matchTitle[one.match],
+            note: '',
+            ...(one.present ? {} : { isAbsent: true }),
           });
         }
-        total = list.length;
+        isMore = !answer.isComplete;
+        total = list.length + (isMore ? 1 : 0);
         if (list.length === 0) {
           const { refused } = await this.connection.call('resolve', { document, text });
           const near = refused?.nearest;
@@ -759,17 +845,11 @@ export class DocumentStore {
     }
     if (this.query.peek() !== typed) return;
     const isFormFilter = text === '' && filters.every((one) => one === 'unavailable' || one === 'advanced');
-    this.hits.value = isFormFilter ? null : { filters, text, list, total, nearest };
-    if (!isFormFilter) this.announce(total === 0 ? 'Nothing found.' : `${count(total, 'hit')}.`);
+    this.hits.value = isFormFilter ? null : { filters, text, list, total, isMore, nearest };
+    const found = isMore ? `More than ${count(list.length, 'hit')}.` : `${count(total, 'hit')}.`;
+    if (!isFormFilter) this.announce(total === 0 ? 'Nothing found.' : found);
   }
 }
-
-const matchTitle: Record<Found['match'], string> = {
-  exact: 'Exactly this',
-  prefix: 'Begins with it',
-  word: 'A word begins with it',
-  substring: 'Contains it',
-};
 
 function itemOf(path: string, name: string | undefined): Item {
   return name === undefined ? { path } : { path, name };

@@ -92,6 +92,16 @@ export class TreeStore {
     this.publish();
   }
 
+  /** What is known of the order of the objects below one. */
+  orderBelow(path: string): { types: string[]; children: Map<string, number> } {
+    const node = this.nodes.get(path);
+    const children = new Map<string, number>();
+    node?.children.forEach((child, i) => {
+      if (child !== undefined) children.set(child, i);
+    });
+    return { types: node?.types?.map(({ type }) => type) ?? [], children };
+  }
+
   /** The rows that are on the screen: what they lack is loaded, once the tree has been scrolled to its place. */
   show(first: number, last: number): void {
     this.visible = [first, last];

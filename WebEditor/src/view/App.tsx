@@ -178,7 +178,7 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
       <main class="panes">
         <nav class="tree-pane" aria-label="Objects">
           {store.hits.value ? (
-            <Results store={store} onShow={show('form')} />
+            <Results store={store} hits={store.hits.value} onShow={show('form')} />
           ) : (
             <TreeView key={store.document} store={store} onShow={show('form')} />
           )}
@@ -212,7 +212,7 @@ function nextPane(step: 1 | -1): void {
   const at = visible.findIndex((pane) => pane.contains(document.activeElement));
   const next = visible[(at + step + visible.length) % visible.length];
   const inside = next?.querySelector<HTMLElement>(
-    '[role=treeitem][tabindex="0"], .results [tabindex="0"], [data-main], [role=tab][tabindex="0"], input, button, [tabindex="0"]',
+    '[role=treeitem][tabindex="0"], [data-main], [role=tab][tabindex="0"], input, button, [tabindex="0"]',
   );
   inside?.focus();
 }

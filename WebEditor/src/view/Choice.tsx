@@ -109,6 +109,7 @@ export function ChoiceList({
   describedBy,
   isReadOnly,
   isInvalid,
+  valueWith,
   onChoose,
 }: {
   store: DocumentStore;
@@ -121,6 +122,8 @@ export function ChoiceList({
   describedBy: string;
   isReadOnly: boolean;
   isInvalid: boolean;
+  /** The value that the parameter gets when this one is chosen. */
+  valueWith: (chosen: string) => string;
   onChoose: (value: string) => void;
 }) {
   const [isOpen, setOpen] = useState(false);
@@ -142,7 +145,8 @@ export function ChoiceList({
     keep: at,
     always: true,
   });
-  const wanted = isOpen && current !== undefined && chosen === null && current !== param.value ? current : null;
+  const next = isOpen && current !== undefined ? valueWith(current) : null;
+  const wanted = next !== param.value ? next : null;
   const result = useTrial(store, wanted === null ? null : [setTo(param, wanted)], 150);
 
   const open = () => {
@@ -330,15 +334,20 @@ export function ChoiceList({
             </div>
             {hits.length === 0 && <p class="popup-empty">Nothing found</p>}
           </div>
-          {chosen === null && (
-            <div class="popup-trial">
-              {wanted === null ? (
-                <p class="trial soft">This is the value now.</p>
-              ) : (
-                <TrialText result={result} self={keyOf({ path: param.path, name: param.name })} root={store.root} />
-              )}
-            </div>
-          )}
+          <div class="popup-trial">
+            {chosen !== null && current !== undefined && (
+              <p class="popover-title">
+                {chosen.includes(current)
+                  ? `Without ${shorten(current)} this would happen`
+                  : `With ${shorten(current)} this would happen`}
+              </p>
+            )}
+            {wanted !== null ? (
+              <TrialText result={result} self={keyOf({ path: param.path, name: param.name })} root={store.root} />
+            ) : (
+              <p class="trial soft">This is the value now.</p>
+            )}
+          </div>
         </div>
       )}
     </div>

@@ -1,12 +1,14 @@
 // One parameter of a form.
 import type { ComponentChildren } from 'preact';
 import { useEffect, useId, useState } from 'preact/hooks';
+import { listItems, listValue } from '../model/Lists';
 import { judgeNumber, shorten } from '../model/Quantity';
 import { boundsText, editText, originText, shownValue, waitingText } from '../model/Sentences';
 import type { Edit, Param } from '../protocol/Messages';
 import { type DocumentStore, type Draft, longForm, type Outcome, type Problem } from '../store/DocumentStore';
 import { ChoiceList, fitsRadios, Radios } from './Choice';
 import { Icon } from './Icon';
+import { fitsBoxes, ListField } from './ListField';
 import { Menu, type MenuItem } from './Menu';
 import { editOfDraft, fieldText, fieldUnit, hasUnitBox, isNumber, TextField } from './TextField';
 
@@ -251,12 +253,18 @@ async function commitTried(store: DocumentStore, edits: Edit[]): Promise<void> {
     if (kind === 'set-param' && name !== undefined) store.setDraft({ path, name }, null);
 }
 
+/** Whether the draft says what the field has already. */
+function hasTextOf(param: Param, { text }: Draft): boolean {
+  if (!param.type.endsWith(' List')) return text === fieldText(param);
+  return listValue([text]) === listValue([param.value ?? '']);
+}
+
 /** Commits the draft of a field, if there is one. */
 export async function commitDraft(store: DocumentStore, param: Param): Promise<void> {
   const item = { path: param.path, name: param.name };
   const draft = store.draft(item).peek();
   if (draft === null || draft.isSent) return;
-  if (draft.text === fieldText(param) && (draft.unit === undefined || draft.unit === fieldUnit(param, null))) {
+  if (hasTextOf(param, draft) && (draft.unit === undefined || draft.unit === fieldUnit(param, null))) {
     store.setDraft(item, null);
     return;
   }
@@ -437,7 +445,9 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
           {[
             originText(param),
             bounds,
-            param.type.endsWith(' List') && !param.allowed ? 'items separated by commas' : '',
+            param.type.endsWith(' List') && usesTextBox(param) && !fitsBoxes(param, draft)
+              ? 'items separated by commas'
+              : '',
           ]
             .filter((text) => text !== '')
             .join(' · ')}
@@ -541,13 +551,21 @@ function Control({
     if (isList) {
       const chosen = listItems(param.value);
       // The order of the rules, and what is not in the rules at the end.
-      const toggle = (value: string) => {
+      const valueWith = (value: string) => {
         const next = chosen.includes(value) ? chosen.filter((one) => one !== value) : [...chosen, value];
         const place = (one: string) => (values.includes(one) ? values.indexOf(one) : values.length);
-        onSet(next.sort((a, b) => place(a) - place(b)).join(', '));
+        return next.sort((a, b) => place(a) - place(b)).join(', ');
       };
       return (
-        <ChoiceList {...choice} values={values} total={total} chosen={chosen} isInvalid={isInvalid} onChoose={toggle} />
+        <ChoiceList
+          {...choice}
+          values={values}
+          total={total}
+          chosen={chosen}
+          isInvalid={isInvalid}
+          valueWith={valueWith}
+          onChoose={(value) => onSet(valueWith(value))}
+        />
       );
     }
     const isKnown = param.value === '' || values.includes(param.value ?? '');
@@ -555,23 +573,24 @@ function Control({
       return <Radios {...choice} values={values.map((value) => ({ value, label: value }))} onChoose={onSet} />;
     }
     return (
-      <ChoiceList {...choice} values={values} total={total} chosen={null} isInvalid={isInvalid} onChoose={onSet} />
+      <ChoiceList
+        {...choice}
+        values={values}
+        total={total}
+        chosen={null}
+        isInvalid={isInvalid}
+        valueWith={(value) => value}
+        onChoose={onSet}
+      />
     );
   }
+  const box = { store, param, draft, inputId: inputIdOf(labelId), describedBy, isReadOnly, isInvalid, onCommit };
+  if (fitsBoxes(param, draft)) return <ListField {...box} />;
   const unit = fieldUnit(param, draft);
   const units = isNumber(param) && hasUnitBox(param) ? (param.units ?? []) : [];
   return (
     <div class="control-line">
-      <TextField
-        store={store}
-        param={param}
-        draft={draft}
-        inputId={inputIdOf(labelId)}
-        describedBy={describedBy}
-        isReadOnly={isReadOnly}
-        isInvalid={isInvalid}
-        onCommit={onCommit}
-      />
+      <TextField {...box} />
       {units.length === 1 && <span class="unit">{unit}</span>}
       {units.length > 1 && (
         <select
@@ -590,14 +609,6 @@ function Control({
       )}
     </div>
   );
-}
-
-/** The items of a list value. */
-export function listItems(value: string | undefined): string[] {
-  return (value ?? '')
-    .split(',')
-    .map((one) => one.trim())
-    .filter((one) => one !== '');
 }
 
 /** The height of a row before it was measured. */

@@ -87,10 +87,13 @@ function ObjectHeader({
             <button type="button" class="link" onClick={() => void store.select(one)}>
               {shorten(lastPart(one) || 'Model', 40)}
             </button>
-            <span aria-hidden="true"> / </span>
           </span>
         ))}
-        {name !== '' && <span class="soft">{type}</span>}
+        {name !== '' && (
+          <span>
+            <span class="soft">{type}</span>
+          </span>
+        )}
       </nav>
       <div class="title-line">
         <h2 tabIndex={-1} id="form-title">

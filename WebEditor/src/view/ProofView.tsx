@@ -1,5 +1,6 @@
 // A proof that unfolds: the fact, the rules that decided, and what they read. Each value leads to its place.
 import { useState } from 'preact/hooks';
+import { parentOf } from '../model/Paths';
 import { factText } from '../model/ProofText';
 import { placeText, shownValue } from '../model/Sentences';
 import type { Explanation, Proof, ProofNode, ProofRule, Read } from '../protocol/Messages';
@@ -22,6 +23,11 @@ function itemOf(node: { path: string; name?: string }) {
   return node.name === undefined ? { path: node.path } : { path: node.path, name: node.name };
 }
 
+/** The object whose parameters decide whether the item counts. */
+function holderOf({ path, name }: ProofNode): string {
+  return name === undefined ? parentOf(path) : path;
+}
+
 function Node({ store, proof, node, depth }: { store: DocumentStore; proof: Proof; node: ProofNode; depth: number }) {
   const explained = new Set((node.rules ?? []).flatMap((rule) => readsOf(rule).flatMap((read) => read.node ?? [])));
   const others = (node.children ?? []).filter((index) => !explained.has(index));
@@ -29,7 +35,15 @@ function Node({ store, proof, node, depth }: { store: DocumentStore; proof: Proo
     <div class="proof-node">
       <p class="fact">
         <ItemLink store={store} item={itemOf(node)} />
-        <span>{` ${factText(node)}`}</span>
+        {node.contextParam === undefined ? (
+          <span>{` ${factText(node)}`}</span>
+        ) : (
+          <span>
+            {' is absent: it needs '}
+            <ItemLink store={store} item={{ path: holderOf(node), name: node.contextParam }} />
+            {` to be ${node.needed?.slice(0, 12).join(' or ')}; it is ${shownValue(node.value)}`}
+          </span>
+        )}
         {node.place && <span class="place">{placeText(node.place)}</span>}
       </p>
       {node.reason && <p class="rule-reason">{node.reason}</p>}
@@ -37,8 +51,8 @@ function Node({ store, proof, node, depth }: { store: DocumentStore; proof: Proo
       {(node.before !== undefined || node.after !== undefined) && (
         <p class="change">{`${shownValue(node.before)} → ${shownValue(node.after)}`}</p>
       )}
-      {(node.needed?.length ?? 0) > 0 && (
-        <p class="soft">{`${node.contextParam ? `${node.contextParam} would have to be` : 'Possible'}: ${node.needed?.slice(0, 12).join(', ')}`}</p>
+      {node.contextParam === undefined && (node.needed?.length ?? 0) > 0 && (
+        <p class="soft">{`Possible: ${node.needed?.slice(0, 12).join(', ')}`}</p>
       )}
       {(node.rules ?? []).map((rule) => (
         <Rule key={`${rule.attribute}${placeText(rule.place)}`} store={store} proof={proof} rule={rule} depth={depth} />

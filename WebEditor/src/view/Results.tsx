@@ -1,44 +1,20 @@
-// What a search or a filter has found, in the place of the tree. The list stays as it is until the search changes, so
-// that a row does not vanish while it is worked on.
-import { useCallback, useRef, useState } from 'preact/hooks';
-import { keyOf, shortPath } from '../model/Paths';
+// What a search or a filter has found: the tree with the hits and the objects above them. It stays as it is until the
+// search changes, so that a row does not vanish while it is worked on.
+import { useCallback, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { type HitRow, hitRows } from '../model/FilteredTree';
+import { keyOf, lastPart, typeAndName } from '../model/Paths';
 import { shorten } from '../model/Quantity';
 import { matchRange } from '../model/Search';
-import type { DocumentStore, Hit } from '../store/DocumentStore';
+import { count } from '../model/Sentences';
+import type { DocumentStore, Hits } from '../store/DocumentStore';
+import { Icon } from './Icon';
+import { onTreeKey, type Typed } from './treeKeys';
 import { useWindow } from './useWindow';
 
-const noHits: Hit[] = [];
+const rowHeight = 30;
 
-export function Results({ store, onShow }: { store: DocumentStore; onShow: () => void }) {
-  const scroll = useRef<HTMLDivElement>(null);
-  const [at, setAt] = useState(0);
-  const hits = store.hits.value;
-  const list = hits?.list ?? noHits;
-  const window = useWindow({
-    count: list.length,
-    scroll,
-    rowSize: (index) => (list[index]?.group === list[index - 1]?.group ? 46 : 74),
-    rowKey: useCallback((index: number) => `${index} ${list[index] ? keyOf(list[index].item) : ''}`, [list]),
-    keep: at,
-    always: true,
-  });
-  if (!hits) return null;
-  const show = (hit: Hit) => {
-    void store.select(hit.item.path, hit.item.name);
-    onShow();
-  };
-  const onKey = (event: KeyboardEvent) => {
-    const to = { ArrowDown: at + 1, ArrowUp: at - 1, Home: 0, End: list.length - 1 }[event.key];
-    if (to === undefined) return;
-    const next = Math.max(0, Math.min(list.length - 1, to));
-    setAt(next);
-    window.scrollTo(next);
-    requestAnimationFrame(() =>
-      scroll.current?.querySelector<HTMLElement>('[tabindex="0"]')?.focus({ preventScroll: true }),
-    );
-    event.preventDefault();
-  };
-  if (list.length === 0) {
+export function Results({ store, hits, onShow }: { store: DocumentStore; hits: Hits; onShow: () => void }) {
+  if (hits.list.length === 0) {
     return (
       <div class="empty">
         <p>Nothing found.</p>
@@ -50,46 +26,180 @@ export function Results({ store, onShow }: { store: DocumentStore; onShow: () =>
       </div>
     );
   }
+  return <HitTree key={store.query.value} store={store} hits={hits} onShow={onShow} />;
+}
+
+function HitTree({ store, hits, onShow }: { store: DocumentStore; hits: Hits; onShow: () => void }) {
+  const scroll = useRef<HTMLDivElement>(null);
+  const typed = useRef<Typed>({ text: '', at: 0 });
+  const wantsFocus = useRef(false);
+  const [closed, setClosed] = useState<ReadonlySet<string>>(new Set());
+  const rows = useMemo(
+    () => hitRows(hits.list, store.root, closed, (path) => store.tree.orderBelow(path)),
+    [hits, closed, store],
+  );
+  // The best hit comes first in the list, wherever it is in the tree.
+  const [activeKey, setActive] = useState(hits.list[0] ? keyOf(hits.list[0].item) : '');
+  const active = Math.max(
+    0,
+    rows.findIndex((row) => row.key === activeKey),
+  );
+  const window = useWindow({
+    count: rows.length,
+    scroll,
+    rowSize: () => rowHeight,
+    rowKey: useCallback((index: number) => rows[index]?.key ?? String(index), [rows]),
+    keep: active,
+    always: true,
+  });
+  useLayoutEffect(() => window.scrollTo(active), []);
+  // A row far away is rendered only when the list has been scrolled there. It gets the focus then.
+  useLayoutEffect(() => {
+    if (!wantsFocus.current) return;
+    const row = scroll.current?.querySelector<HTMLElement>('[role=treeitem][tabindex="0"]');
+    if (row?.dataset.key !== activeKey) return;
+    wantsFocus.current = false;
+    row.focus({ preventScroll: true });
+  });
+
+  const toggle = (row: HitRow, open: boolean) => {
+    const next = new Set(closed);
+    if (open) next.delete(row.key);
+    else next.add(row.key);
+    setClosed(next);
+  };
+  const choose = (row: HitRow) => {
+    setActive(row.key);
+    void store.select(row.item.path, row.item.name);
+    onShow();
+  };
+  const onKey = (event: KeyboardEvent) => {
+    if (event.key === 'Escape') {
+      void store.search('');
+      document.getElementById('search')?.focus();
+      return;
+    }
+    onTreeKey(event, typed.current, {
+      rows,
+      active,
+      page: Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1),
+      canOpen: (row) => row.expandable,
+      isOpen: (row) => row.open,
+      text: (row) => row.item.name ?? (typeAndName(row.item.path).name || lastPart(row.item.path)),
+      moveTo: (index) => {
+        setActive(rows[index]?.key ?? '');
+        wantsFocus.current = true;
+        window.scrollTo(index);
+      },
+      toggle,
+      choose,
+    });
+  };
   return (
     <div class="scroll tree-scroll" ref={scroll}>
-      <ul class="results" aria-label="Hits" style={{ height: `${window.size}px` }} onKeyDown={onKey}>
+      {hits.total > hits.list.length && (
+        <p class="soft tree-note">{`The first ${count(hits.list.length, 'hit')} of ${hits.isMore ? 'more' : hits.total.toLocaleString('en-US')}`}</p>
+      )}
+      <div class="tree" role="tree" aria-label="Hits" style={{ height: `${window.size}px` }} onKeyDown={onKey}>
         {window.rows.map(({ index, start }) => {
-          const hit = list[index];
-          if (!hit) return null;
-          const isFirst = hit.group !== list[index - 1]?.group;
-          const name = hit.item.name ?? shortPath(hit.item.path, store.root);
-          const range = matchRange(name, hits.text);
+          const row = rows[index];
           return (
-            <li key={`${index} ${keyOf(hit.item)}`} style={{ transform: `translateY(${start}px)` }}>
-              {isFirst && <span class="results-group">{hit.group}</span>}
-              <button
-                type="button"
-                class="result"
-                tabIndex={index === at ? 0 : -1}
-                onFocus={() => setAt(index)}
-                onClick={() => show(hit)}
-              >
-                <span class="result-name">
-                  {range ? (
-                    <>
-                      {name.slice(0, range[0])}
-                      <mark>{name.slice(range[0], range[1])}</mark>
-                      {name.slice(range[1])}
-                    </>
-                  ) : (
-                    shorten(name, 200)
-                  )}
-                </span>
-                <span class="result-note">
-                  {[hit.item.name === undefined ? '' : shortPath(hit.item.path, store.root), shorten(hit.note, 120)]
-                    .filter((text) => text !== '')
-                    .join(' · ')}
-                </span>
-              </button>
-            </li>
+            row && (
+              <HitItem
+                key={row.key}
+                store={store}
+                row={row}
+                text={hits.text}
+                start={start}
+                isActive={index === active}
+                onChoose={() => choose(row)}
+                onFocus={() => setActive(row.key)}
+                onToggle={() => toggle(row, !row.open)}
+              />
+            )
           );
         })}
-      </ul>
+      </div>
+    </div>
+  );
+}
+
+function HitItem({
+  store,
+  row,
+  text,
+  start,
+  isActive,
+  onChoose,
+  onFocus,
+  onToggle,
+}: {
+  store: DocumentStore;
+  row: HitRow;
+  text: string;
+  start: number;
+  isActive: boolean;
+  onChoose: () => void;
+  onFocus: () => void;
+  onToggle: () => void;
+}) {
+  const { item, hits, level, position, size, expandable, open, below } = row;
+  const { type, name } = typeAndName(item.path);
+  const shown = item.name ?? (name || type || 'Model');
+  const range = hits.length > 0 ? matchRange(shown, text) : null;
+  const note = hits.map((hit) => hit.note).join(' · ');
+  const hint = [...new Set(hits.map((hit) => hit.hint ?? hit.note))].join(' · ');
+  const isAbsent = hits.some((hit) => hit.isAbsent);
+  const isSelected = item.name === undefined && item.path === store.selected.value;
+  return (
+    // biome-ignore lint/a11y/useKeyWithClickEvents: the tree handles the keys of all its rows
+    <div
+      role="treeitem"
+      class={`tree-row${isSelected ? ' selected' : ''}${hits.length === 0 || isAbsent ? ' above' : ''}`}
+      data-key={row.key}
+      aria-level={level}
+      aria-posinset={position}
+      aria-setsize={size}
+      aria-selected={isSelected}
+      aria-expanded={expandable ? open : undefined}
+      tabIndex={isActive ? 0 : -1}
+      title={isAbsent ? 'not present' : hint === '' ? undefined : shorten(hint, 600)}
+      style={{ transform: `translateY(${start}px)`, paddingLeft: `${8 + (level - 1) * 14}px` }}
+      onClick={onChoose}
+      onFocus={onFocus}
+    >
+      {/* biome-ignore lint/a11y/useKeyWithClickEvents: the arrow keys do this */}
+      {/* biome-ignore lint/a11y/noStaticElementInteractions: the row has the role */}
+      <span
+        class={`twist${open ? ' open' : ''}`}
+        onClick={(event) => {
+          if (!expandable) return;
+          event.stopPropagation();
+          onToggle();
+        }}
+      >
+        {expandable && <Icon name="chevron" />}
+      </span>
+      <span class="tree-name">
+        {range ? (
+          <>
+            {shown.slice(0, range[0])}
+            <mark>{shown.slice(range[0], range[1])}</mark>
+            {shown.slice(range[1])}
+          </>
+        ) : (
+          shorten(shown, 200)
+        )}
+      </span>
+      {item.name === undefined && name !== '' && <span class="tree-type">{type}</span>}
+      {isAbsent && <span class="hidden-text">not present</span>}
+      {note !== '' && <span class="tree-type">{shorten(note, 120)}</span>}
+      {expandable && !open && (
+        <span class="badge">
+          {below.toLocaleString('en-US')}
+          <span class="hidden-text">{below === 1 ? ' hit below' : ' hits below'}</span>
+        </span>
+      )}
     </div>
   );
 }

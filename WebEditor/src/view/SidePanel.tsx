@@ -361,10 +361,10 @@ function FindingView({ store, finding, isReadOnly }: { store: DocumentStore; fin
 function Changes({ store, isReadOnly }: { store: DocumentStore; isReadOnly: boolean }) {
   const differences = store.differences.value;
   if (!differences) return <p class="empty">Comparing …</p>;
-  if (differences.total === 0) return <p class="empty">The set-up is the same as the model that was opened.</p>;
+  if (differences.total === 0) return <p class="empty">The set-up is the same as in the file.</p>;
   return (
     <>
-      <p class="soft side-line">{`${count(differences.total, 'difference')} from the model that was opened`}</p>
+      <p class="soft side-line">{`${count(differences.total, 'difference')} from the file`}</p>
       <ul class="lines changes">
         {differences.list.map((one) => (
           <DifferenceView key={keyOf(one)} store={store} difference={one} isReadOnly={isReadOnly} />

@@ -1,6 +1,7 @@
 // A box for a number or a text. It belongs to the user until Enter or until it is left: nothing is judged before, and
 // nothing that happens meanwhile changes what was typed.
 import { useLayoutEffect, useRef, useState } from 'preact/hooks';
+import { listValue } from '../model/Lists';
 import { judgeNumber, splitQuantity } from '../model/Quantity';
 import type { Edit, Param } from '../protocol/Messages';
 import type { DocumentStore, Draft } from '../store/DocumentStore';
@@ -36,6 +37,7 @@ export function editOfDraft(param: Param, draft: Draft): { edit: Edit } | { prob
   const set = (value: string): { edit: Edit } => ({
     edit: { kind: 'set-param', path: param.path, name: param.name, value },
   });
+  if (param.type.endsWith(' List')) return set(listValue([draft.text]));
   if (!isNumber(param)) return set(draft.text);
   const unit = hasUnitBox(param) ? fieldUnit(param, draft) : '';
   // A parameter without listed units may still have some: the server knows.

@@ -93,13 +93,26 @@ export function TopBar({
             if (event.key === 'Escape' && event.currentTarget.value !== '') {
               event.currentTarget.value = '';
               search('', 0);
-            } else if (event.key === 'ArrowDown' || event.key === 'Enter') {
+            } else if (event.key === 'Enter') {
+              event.preventDefault();
+              clearTimeout(timer.current);
+              void store.search(event.currentTarget.value).then(
+                () => {
+                  const best = store.hits.peek()?.list[0];
+                  if (!best) return;
+                  void store.select(best.item.path, best.item.name);
+                  if (best.item.name === undefined) document.getElementById('form-title')?.focus();
+                  store.onLink();
+                },
+                () => {},
+              );
+            } else if (event.key === 'ArrowDown') {
               event.preventDefault();
               clearTimeout(timer.current);
               // The rows of the hits are rendered some frames after the hits have come.
               let frames = 60;
               const first = () => {
-                const hit = document.querySelector<HTMLElement>('.results [tabindex="0"]');
+                const hit = document.querySelector<HTMLElement>('[role=tree][aria-label=Hits] [tabindex="0"]');
                 frames -= 1;
                 if (hit) hit.focus();
                 else if (frames > 0) requestAnimationFrame(first);

@@ -2,19 +2,19 @@
 // rendered.
 import { useCallback, useEffect, useLayoutEffect, useRef } from 'preact/hooks';
 import { count } from '../model/Sentences';
-import { parentRow, rowText, type TreeRow, typeAhead } from '../model/Tree';
+import { rowText, type TreeRow } from '../model/Tree';
 import type { DocumentStore } from '../store/DocumentStore';
 import { Icon } from './Icon';
+import { onTreeKey, type Typed } from './treeKeys';
 import { useWindow } from './useWindow';
 
 const rowHeight = 30;
-const typingPause = 700;
 
 const placeKey = (row: TreeRow) => (row.kind === 'type' ? row.key : `${row.parent}\n${row.index}`);
 
 export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () => void }) {
   const scroll = useRef<HTMLDivElement>(null);
-  const typed = useRef({ text: '', at: 0 });
+  const typed = useRef<Typed>({ text: '', at: 0 });
   const wantsFocus = useRef(false);
   const rows = store.tree.rows.value;
   const nodes = store.tree.nodes;
@@ -71,53 +71,17 @@ export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () =
     onShow();
   };
   const onKey = (event: KeyboardEvent) => {
-    const row = rows[active];
-    if (!row || event.ctrlKey || event.altKey || event.metaKey) return;
-    const page = Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1);
-    const canOpen = row.kind === 'type' || (row.kind === 'object' && row.expandable);
-    const isOpen = canOpen && row.open;
-    switch (event.key) {
-      case 'ArrowDown':
-        moveTo(active + 1);
-        break;
-      case 'ArrowUp':
-        moveTo(active - 1);
-        break;
-      case 'PageDown':
-        moveTo(active + page);
-        break;
-      case 'PageUp':
-        moveTo(active - page);
-        break;
-      case 'Home':
-        moveTo(0);
-        break;
-      case 'End':
-        moveTo(rows.length - 1);
-        break;
-      case 'ArrowRight':
-        if (isOpen) moveTo(active + 1);
-        else if (canOpen) void store.tree.toggle(row, true);
-        break;
-      case 'ArrowLeft':
-        if (isOpen) void store.tree.toggle(row, false);
-        else moveTo(parentRow(rows, active));
-        break;
-      case 'Enter':
-      case ' ':
-        choose(row);
-        break;
-      default: {
-        // Keys such as "/" and "?" belong to the page.
-        if (event.key.length !== 1 || !/[\p{L}\p{N}]/u.test(event.key)) return;
-        const now = performance.now();
-        const text = now - typed.current.at > typingPause ? event.key : typed.current.text + event.key;
-        typed.current = { text, at: now };
-        moveTo(typeAhead(rows, active, text, (one) => rowText(one, nodes)));
-      }
-    }
-    event.preventDefault();
-    event.stopPropagation();
+    onTreeKey(event, typed.current, {
+      rows,
+      active,
+      page: Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1),
+      canOpen: (row) => row.kind === 'type' || (row.kind === 'object' && row.expandable),
+      isOpen: (row) => row.kind !== 'missing' && row.open,
+      text: (row) => rowText(row, nodes),
+      moveTo,
+      toggle: (row, open) => void store.tree.toggle(row, open),
+      choose,
+    });
   };
 
   return (
