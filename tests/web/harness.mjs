@@ -125,7 +125,7 @@ export async function closeBrowser() {
 }
 
 /** Things that a page may do while the server is away. */
-const whileAway = /ERR_CONNECTION_REFUSED|ERR_INCOMPLETE_CHUNKED|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE/;
+const whileAway = /ERR_CONNECTION_REFUSED|ERR_INCOMPLETE_CHUNKED|ERR_CONTENT_LENGTH_MISMATCH|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE/;
 
 /** A page that is at the server. `wrong` has what it has written as errors. */
 export async function openPage(server, { width = 1280, height = 800, theme = 'light', context } = {}) {

@@ -314,7 +314,7 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
       }
       for (std::size_t const i : *read) {
         if (operand->kind() == Kind::Truth) questions_[i].asksTruth = true;
-        // A number outside the range of a parameter is none of its texts.
+        // A number outside the range of a parameter cannot be one of its texts.
         bool const isOfRange = operand->kind() == Kind::Number && parameters_[i].range;
         if (!isOfRange) addOnce(questions_[i].texts, constantText(*operand));
         double const number = constantNumber(*operand);

@@ -24,7 +24,7 @@ struct Line {
   std::string_view text;
   std::size_t indent = 0;
   std::size_t keyAt = 0;
-  std::size_t valueAt = 0;  // of the value behind the first key; the end of the line when there is none
+  std::size_t valueAt = 0;  // of the value after the first key; the end of the line when there is none
 
   [[nodiscard]] std::string_view content() const { return StringUtilities::trimmed(text); }
   [[nodiscard]] std::string_view value() const { return StringUtilities::trimmed(text.substr(valueAt)); }
@@ -105,7 +105,7 @@ class Adviser {
     }
     if (line_.value().starts_with('!')) return tag(problem_.at.line);
     if (problem == "found unknown escape character") {
-      return {"in double quotes '\\' begins an escape, and this is none; write '\\\\', or use single quotes",
+      return {"in double quotes '\\' begins an escape, and the rules of YAML have no such escape; write '\\\\', or use single quotes",
               problem_.at};
     }
     if (problem == "block sequence entries are not allowed in this context") {
@@ -163,7 +163,7 @@ class Adviser {
     return advice;
   }
 
-  /// A ':' behind a value that is complete.
+  /// A ':' after a value that is complete.
   [[nodiscard]] YamlAdvice secondColon() const {
     auto const value = line_.value();
     if (auto const mark = choiceIn(value)) {

@@ -8,7 +8,7 @@
 
 namespace tarn::rules {
 
-/// What libyaml says about a part of a file that is not YAML.
+/// The message of libyaml about a part of a file that is not YAML.
 struct YamlProblem {
   std::string_view problem;
   Place at;

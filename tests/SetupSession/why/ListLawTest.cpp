@@ -245,7 +245,7 @@ std::string rulesOf(std::vector<List> const& lists) {
   return text;
 }
 
-TEST(WhyLaw, ProofsAboutComputedListsHoldByTheirFactsAloneAndNeedAllOfThem) {
+TEST(ListLaw, ProofsAboutComputedListsHoldByTheirFactsAloneAndNeedAllOfThem) {
   std::size_t proofs = 0;
   std::size_t allowed = 0;
   for (unsigned seed = 1; seed <= 40; ++seed) {
