@@ -3,8 +3,9 @@
 import { useLayoutEffect, useRef } from 'preact/hooks';
 import { draftItems, listItems, mostItemBoxes, withItem, withoutItem } from '../model/Lists';
 import type { Param } from '../protocol/Messages';
-import type { DocumentStore, Draft } from '../store/DocumentStore';
+import type { Draft } from '../store/DocumentStore';
 import { Icon } from './Icon';
+import type { EntryProps } from './TextField';
 
 /** Longer lists are typed as one text. */
 export function fitsBoxes(param: Param, draft: Draft | null): boolean {
@@ -17,25 +18,7 @@ function itemsOf(param: Param, draft: Draft | null): string[] {
   return items.length === 0 ? [''] : items;
 }
 
-export function ListField({
-  store,
-  param,
-  draft,
-  inputId,
-  describedBy,
-  isReadOnly,
-  isInvalid,
-  onCommit,
-}: {
-  store: DocumentStore;
-  param: Param;
-  draft: Draft | null;
-  inputId: string;
-  describedBy: string;
-  isReadOnly: boolean;
-  isInvalid: boolean;
-  onCommit: () => void;
-}) {
+export function ListField({ store, param, draft, inputId, describedBy, isReadOnly, isInvalid, onCommit }: EntryProps) {
   const box = useRef<HTMLDivElement>(null);
   /** The box that gets the focus when it is there. */
   const next = useRef<number | null>(null);

@@ -45,16 +45,8 @@ export function editOfDraft(param: Param, draft: Draft): { edit: Edit } | { prob
   return 'problem' in judged ? judged : set(judged.value);
 }
 
-export function TextField({
-  store,
-  param,
-  draft,
-  inputId,
-  describedBy,
-  isReadOnly,
-  isInvalid,
-  onCommit,
-}: {
+/** A field in which something is typed. */
+export interface EntryProps {
   store: DocumentStore;
   param: Param;
   draft: Draft | null;
@@ -63,7 +55,9 @@ export function TextField({
   isReadOnly: boolean;
   isInvalid: boolean;
   onCommit: () => void;
-}) {
+}
+
+export function TextField({ store, param, draft, inputId, describedBy, isReadOnly, isInvalid, onCommit }: EntryProps) {
   const input = useRef<HTMLInputElement & HTMLTextAreaElement>(null);
   const [isWhole, setWhole] = useState(false);
   const value = fieldText(param);
