@@ -483,7 +483,8 @@ class Models {
       for (bool const isLower : {true, false}) {
         auto const* rule = isLower ? def.lowerBound.get() : def.upperBound.get();
         if (rule == nullptr) continue;
-        auto const bound = TDFParam::asQuantity(rule->evaluate(TDFContext(path), &context));
+        std::string const text = rule->evaluate(TDFContext(path), &context);
+        auto const bound = TDFParam::asQuantity(text);
         if (!bound) continue;
         double const over = isLower ? inMetres(*quantity) - inMetres(*bound) : inMetres(*bound) - inMetres(*quantity);
         if (over < 0 || (over == 0 && (isLower ? def.lowerBoundExcluded : def.upperBoundExcluded))) return false;
