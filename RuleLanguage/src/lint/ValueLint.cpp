@@ -211,7 +211,8 @@ class ValueLint {
   }
 
  private:
-  /// Whether an expression is one value, or the name of one. A value that is computed from several can have other mistakes.
+  /// Whether an expression is one value, or the name of one. A value that is computed from several can have other
+  /// mistakes.
   [[nodiscard]] static bool isWrittenOut(Expression const& expression) {
     bool const isValue = dynamic_cast<Literal const*>(&expression) != nullptr ||
                          dynamic_cast<QuantityLiteral const*>(&expression) != nullptr ||

@@ -105,8 +105,10 @@ class Adviser {
     }
     if (line_.value().starts_with('!')) return tag(problem_.at.line);
     if (problem == "found unknown escape character") {
-      return {"in double quotes '\\' begins an escape, and the rules of YAML have no such escape; write '\\\\', or use single quotes",
-              problem_.at};
+      return {
+          "in double quotes '\\' begins an escape, and the rules of YAML have no such escape; write '\\\\', or use "
+          "single quotes",
+          problem_.at};
     }
     if (problem == "block sequence entries are not allowed in this context") {
       return {"the items of a list begin on a line of their own; in one line a list is written [a, b]", problem_.at};
