@@ -155,7 +155,9 @@ class SessionHandle {
       DynamicTDF tree(false);
       ModelState const model = session.result();
       tree.initialise(model.begin(), model.end());
-      TDFContext const context(at ? absolutePath(session, *at) : session.root());
+      std::string const start = at ? absolutePath(session, *at) : session.root();
+      if (at && !start.empty() && !tree.hasObject(start)) throw py::value_error("the model has no object " + start);
+      TDFContext const context(start);
       EvalContext evalContext(&tree);
       made.result = made.parsed.query->evaluate(context, &evalContext);
       made.explanation = made.parsed.query->explainAllParts(context, tree);

@@ -328,10 +328,7 @@ class Session:
         2.0
         """
         start = None if at is None else self._object_path(at)
-        if start and not any(one == start or one.startswith(start + "/") for one in self._handle.result()):
-            raise ValueError(f"the model has no object {start}")
-        value, explanation = self._handle.eval(_checks.text(expression, "an expression"),
-                                               start)
+        value, explanation = self._handle.eval(_checks.text(expression, "an expression"), start)
         return QueryResult(expression, value, explanation)
 
     # Result

@@ -23,6 +23,8 @@ test(
 test(
   'an address without a token or with a wrong one explains itself',
   withPage(flow, {}, async ({ server, page }) => {
+    // The way in goes on to the editor, which would interrupt the next address.
+    await page.waitForURL(`http://127.0.0.1:${server.port}/`);
     await page.goto('about:blank');
     await page.context().clearCookies();
     await page.goto(`http://127.0.0.1:${server.port}/enter`);

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/ChoiceOption.h"
 #include "cli/Failure.h"
 #include "cli/Output.h"
 #include "reports/CoverageReport.h"
@@ -28,12 +29,9 @@ void write(CoverageOptions const& options, std::vector<workbench::CoverageItem> 
 }  // namespace
 
 void addCoverageOptions(CLI::App& command, CoverageOptions& options) {
-  command
-      .add_option("--coverage", options.format,
+  addChoiceOption(command, "--coverage", options.format, {"text", "json", "lcov"},
                   "Also show how much of the rules was seen: text, for people; json, one object\non a line; or lcov, "
-                  "for viewers of coverage")
-      ->type_name("text|json|lcov")
-      ->check(CLI::IsMember({"text", "json", "lcov"}).description(""));
+                  "for viewers of coverage");
   command.add_option("--coverage-out", options.file, "Write the coverage to this file; default: the standard output")
       ->type_name("FILE");
   command.add_option("--fail-under", options.failUnder, "End with exit status 1 if less than N percent is covered")

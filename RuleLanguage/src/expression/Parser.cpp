@@ -501,8 +501,8 @@ class Parser {
     constexpr std::size_t longestName = 100;
     auto const rest = StringUtilities::trimmed(text_.substr(range.offset));
     for (std::size_t length = std::min(rest.size(), longestName); range.offset + length > end; --length) {
-      bool const isEnd = length == rest.size() || !isPart(rest[length]);
-      std::string const name(rest.substr(0, isEnd ? length : 0));
+      if (length < rest.size() && isPart(rest[length])) continue;
+      std::string const name(rest.substr(0, length));
       if (named_.checks.contains(name) || named_.lists.contains(name) || named_.values.contains(name)) {
         return rest.substr(0, length);
       }

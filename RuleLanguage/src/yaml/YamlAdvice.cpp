@@ -13,6 +13,10 @@ namespace tarn::rules {
 namespace {
 
 constexpr std::size_t none = std::string_view::npos;
+constexpr std::string_view notYaml = "this is not YAML: ";
+constexpr std::string_view tagAdvice =
+    "a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put quotes around a text that "
+    "begins with '!'";
 /// Longer values are not repeated in a message.
 constexpr std::size_t longestShown = 60;
 constexpr std::string_view quoteIt =
@@ -119,21 +123,17 @@ class Adviser {
 
  private:
   static YamlAdvice conflict(std::size_t line) {
-    YamlAdvice advice{
+    return {
         "this line is left from a merge; keep one of the two versions, and remove the lines that begin "
         "with '<<<<<<<', '=======' and '>>>>>>>'",
         {line, 1},
         false,
         line,
         true};
-    return advice;
   }
 
   [[nodiscard]] YamlAdvice tag(std::size_t line) const {
-    return {
-        "a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put quotes around a text "
-        "that begins with '!'",
-        line_.placeOf(line, line_.valueAt), false};
+    return {std::string(tagAdvice), line_.placeOf(line, line_.valueAt), false};
   }
 
   /// A line without a key, found at the end of the line below it.
@@ -208,14 +208,12 @@ class Adviser {
     return valueGoesOn(line_.valueAt).value_or(YamlAdvice{std::string(problem_.problem).append(quoteIt), problem_.at});
   }
 
-  /// A value from `begin` on, with more behind its quotes or its brackets.
+  /// A value from `begin` on, with more after its quotes or its brackets.
   [[nodiscard]] std::optional<YamlAdvice> valueGoesOn(std::size_t begin) const {
     if (begin >= offset_ || begin >= line_.text.size()) return std::nullopt;
     auto const value = StringUtilities::trimmed(line_.text.substr(begin));
     char const first = value.front();
-    // The end of a text in quotes that began further up.
-    if (isQuote(first) || (first != '{' && first != '[')) {
-      if (!isQuote(first)) return std::nullopt;
+    if (isQuote(first)) {
       bool const endsAlike = value.size() > 1 && value.back() == first;
       auto const inside = endsAlike ? value.substr(1, value.size() - 2) : value;
       // Quotes around the whole are there already when they are only meant to be.
@@ -227,6 +225,8 @@ class Adviser {
                    : "put other quotes around the whole value" + shown(value)),
           problem_.at, false};
     }
+    // Anything else is the end of a text in quotes that began further up.
+    if (first != '{' && first != '[') return std::nullopt;
     return YamlAdvice{std::string("a value that begins with '") + first + "' is a " + (first == '{' ? "map" : "list") +
                           " for YAML; put quotes around it" + shown(value),
                       line_.placeOf(problem_.at.line, begin), false};
@@ -333,9 +333,13 @@ bool isConflictMarker(std::string_view line) {
          StringUtilities::trimmed(line) == "=======";
 }
 
+std::string adviceForTag() {
+  return std::string(notYaml).append(tagAdvice);
+}
+
 YamlAdvice adviceFor(SourceText const& source, YamlProblem const& problem) {
   auto advice = Adviser(source, problem).advise();
-  advice.message.insert(0, "this is not YAML: ");
+  advice.message.insert(0, notYaml);
   return advice;
 }
 

@@ -28,6 +28,9 @@ struct YamlAdvice {
   bool isConflict = false;
 };
 
+/// The message about a value that begins with '!', also where libyaml takes it for a tag and has no problem with it.
+[[nodiscard]] std::string adviceForTag();
+
 [[nodiscard]] YamlAdvice adviceFor(SourceText const& source, YamlProblem const& problem);
 
 /// Whether a line is one of those that a version control system writes around two versions of the same lines.

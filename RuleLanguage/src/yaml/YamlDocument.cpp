@@ -231,10 +231,7 @@ class Builder {
     std::string_view const name = reinterpret_cast<char const*>(scalar.tag);
     bool const isEmpty = scalar.length == 0 && scalar.style == YAML_PLAIN_SCALAR_STYLE;
     if (!isEmpty && name.find_first_of("('\"{$=") == std::string_view::npos) return false;
-    fail(Code::YamlSyntax, rangeFrom(placeOf(event.start_mark), characterCount(name)),
-         "this is not YAML: a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put "
-         "quotes "
-         "around a text that begins with '!'");
+    fail(Code::YamlSyntax, rangeFrom(placeOf(event.start_mark), characterCount(name)), adviceForTag());
     return true;
   }
 

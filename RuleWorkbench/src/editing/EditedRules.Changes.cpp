@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "diagnostics/Codes.h"
 #include "editing/EditedRulesImpl.h"
 
 namespace tarn::workbench {
@@ -23,10 +24,8 @@ using Kind = EditorItemKind;
 constexpr std::size_t mostBytes = std::size_t{384} << 10;
 
 bool preventsLoading(EditorDiagnostic const& diagnostic) {
-  auto const codes = rules::diagnosticCodes();
-  auto const code =
-      std::find_if(codes.begin(), codes.end(), [&](auto const& one) { return one.name == diagnostic.code; });
-  return diagnostic.severity == rules::Severity::Error && (code == codes.end() || !code->isOfLint);
+  auto const* code = rules::findCode(diagnostic.code);
+  return diagnostic.severity == rules::Severity::Error && (code == nullptr || !code->isOfLint);
 }
 
 /// Errors that are only certain when the rules that are read are known.

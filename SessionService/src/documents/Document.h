@@ -116,8 +116,8 @@ class Document {
 
   std::deque<std::pair<std::string, nlohmann::ordered_json>> answers_;
 
-  /// The findings by path, for `indexedRevision_`, with the numbers of those at all paths before.
   std::optional<std::size_t> reviewedRevision_;
+  /// The findings by path, for `indexedRevision_`, with the numbers of those at all paths before.
   std::map<std::string, AtPath, std::less<>> findings_;
   FindingCounts allFindings_;
   std::optional<std::size_t> indexedRevision_;

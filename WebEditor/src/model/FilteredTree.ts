@@ -1,7 +1,7 @@
 // The tree of a search: the hits, and the objects above them. It is made from the hits alone, so a large model need not
 // be read for it.
 import type { Item } from '../protocol/Messages';
-import { ancestors, keyOf, lastPart, parentOf, typeAndName } from './Paths';
+import { ancestors, isAtOrBelow, keyOf, lastPart, parentOf, typeAndName } from './Paths';
 
 /** `note` is short and stands in the row, `hint` is longer. */
 export type Hit = { item: Item; note: string; hint?: string; isAbsent?: boolean };
@@ -37,7 +37,7 @@ export function hitRows(
   for (const hit of hits) {
     const { path, name } = hit.item;
     // Something outside of what is edited can have a finding. It stands at the top.
-    const above = path.startsWith(root) ? ancestors(path, root) : [path];
+    const above = isAtOrBelow(path, root) ? ancestors(path, root) : [path];
     for (const one of above) {
       let node = nodes.get(one);
       if (!node) {
@@ -53,7 +53,7 @@ export function hitRows(
   }
 
   const rows: HitRow[] = [];
-  const tops = [...nodes.keys()].filter((path) => path === root || !path.startsWith(root));
+  const tops = [...nodes.keys()].filter((path) => path === root || !isAtOrBelow(path, root));
   type Task = { path: string; level: number; position: number; size: number };
   // A stack of its own: models can be deep.
   const tasks: Task[] = tops.map((path, i) => ({ path, level: 1, position: i + 1, size: tops.length })).reverse();

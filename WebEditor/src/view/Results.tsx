@@ -1,6 +1,6 @@
 // What a search or a filter has found: the tree with the hits and the objects above them. It stays as it is until the
 // search changes, so that a row does not vanish while it is worked on.
-import { useCallback, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { type HitRow, hitRows } from '../model/FilteredTree';
 import { keyOf, lastPart, typeAndName } from '../model/Paths';
 import { shorten } from '../model/Quantity';
@@ -9,9 +9,7 @@ import { count } from '../model/Sentences';
 import type { DocumentStore, Hits } from '../store/DocumentStore';
 import { Icon } from './Icon';
 import { onTreeKey, type Typed } from './treeKeys';
-import { useWindow } from './useWindow';
-
-const rowHeight = 30;
+import { rowsOfPage, useTreeWindow } from './useTreeWindow';
 
 export function Results({ store, hits, onShow }: { store: DocumentStore; hits: Hits; onShow: () => void }) {
   if (hits.list.length === 0) {
@@ -44,14 +42,7 @@ function HitTree({ store, hits, onShow }: { store: DocumentStore; hits: Hits; on
     0,
     rows.findIndex((row) => row.key === activeKey),
   );
-  const window = useWindow({
-    count: rows.length,
-    scroll,
-    rowSize: () => rowHeight,
-    rowKey: useCallback((index: number) => rows[index]?.key ?? String(index), [rows]),
-    keep: active,
-    always: true,
-  });
+  const window = useTreeWindow(scroll, rows, active);
   useLayoutEffect(() => window.scrollTo(active), []);
   // A row far away is rendered only when the list has been scrolled there. It gets the focus then.
   useLayoutEffect(() => {
@@ -82,7 +73,7 @@ function HitTree({ store, hits, onShow }: { store: DocumentStore; hits: Hits; on
     onTreeKey(event, typed.current, {
       rows,
       active,
-      page: Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1),
+      page: rowsOfPage(scroll.current),
       canOpen: (row) => row.expandable,
       isOpen: (row) => row.open,
       text: (row) => row.item.name ?? (typeAndName(row.item.path).name || lastPart(row.item.path)),

@@ -1,14 +1,12 @@
 // The tree of objects: one stop of the Tab key. Arrows move, Enter shows an object. Only the rows on the screen are
 // rendered.
-import { useCallback, useEffect, useLayoutEffect, useRef } from 'preact/hooks';
+import { useEffect, useLayoutEffect, useRef } from 'preact/hooks';
 import { count } from '../model/Sentences';
 import { rowText, type TreeRow } from '../model/Tree';
 import type { DocumentStore } from '../store/DocumentStore';
 import { Icon } from './Icon';
 import { onTreeKey, type Typed } from './treeKeys';
-import { useWindow } from './useWindow';
-
-const rowHeight = 30;
+import { rowsOfPage, useTreeWindow } from './useTreeWindow';
 
 const placeKey = (row: TreeRow) => (row.kind === 'type' ? row.key : `${row.parent}\n${row.index}`);
 
@@ -22,14 +20,7 @@ export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () =
   // A row that was not loaded yet gets another key when it is.
   const found = rows.findIndex((row) => row.key === activeKey || placeKey(row) === activeKey);
   const active = Math.max(found, 0);
-  const window = useWindow({
-    count: rows.length,
-    scroll,
-    rowSize: () => rowHeight,
-    rowKey: useCallback((index: number) => rows[index]?.key ?? String(index), [rows]),
-    keep: active,
-    always: true,
-  });
+  const window = useTreeWindow(scroll, rows, active);
   const [first, last] = window.range;
 
   useEffect(() => store.tree.show(first, last), [store, first, last, rows]);
@@ -74,7 +65,7 @@ export function TreeView({ store, onShow }: { store: DocumentStore; onShow: () =
     onTreeKey(event, typed.current, {
       rows,
       active,
-      page: Math.max(1, Math.floor((scroll.current?.clientHeight ?? 300) / rowHeight) - 1),
+      page: rowsOfPage(scroll.current),
       canOpen: (row) => row.kind === 'type' || (row.kind === 'object' && row.expandable),
       isOpen: (row) => row.kind !== 'missing' && row.open,
       text: (row) => rowText(row, nodes),

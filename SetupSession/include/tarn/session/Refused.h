@@ -69,8 +69,9 @@ struct TARN_EXPORT Refused {
   /// The nearest edit that is possible: with the name or the value that was probably meant, with the number in units
   /// that are known, with a name that is free. Empty when there is none.
   std::optional<Edit> nearest;
-  /// The values, names or units that are possible now, in the order of the rules. Empty when anything would do, and
-  /// when nothing would.
+  /// The values, names or units that are possible now, in the order of the rules. When the name of a parameter is right
+  /// and its object is not, the paths of the parameters of that name. Empty when anything would do, and when nothing
+  /// would.
   SharedStrings possible;
 
   friend bool operator==(Refused const& a, Refused const& b) {

@@ -159,7 +159,8 @@ struct TARN_EXPORT OpenError {
 /// | `edit`, `tryEdits`, `redo`              | what the edits change. An edit is applied, taken back and applied   |
 /// |                                         | again, because only a look at both states gives the net effect.     |
 /// | `undo`                                  | what the step changed; see above for the exception                  |
-/// | `lookParam`, `lookObject`, `resolve`    | the rules of the item, and its allowed values                       |
+/// | `lookParam`, `lookObject`, `resolve`    | the rules of the item, and its allowed values. A refusal of a name  |
+/// |                                         | that the rules do not know costs n: it is looked for everywhere.    |
 /// | `params`, `childTypes`                  | the rules of the object                                             |
 /// | `find`, `own`, `waiting`, `differences`,| n                                                                   |
 /// | `differencesFrom`, `result`,            |                                                                     |
