@@ -116,10 +116,19 @@ const done = (server: { revision: number; value: string }, value: string) => {
 };
 const outdated = (revision: number) => ({ error: { code: -32001, message: 'outdated', data: { revision } } });
 
+const nearest = { kind: 'set-param', path: '/Plant', name: 'Title', value: 'Pump' };
+const refused = (revision: number) => ({
+  result: {
+    ...state(revision),
+    result: {
+      applied: false,
+      refused: { code: 'value-not-allowed', index: 0, edit: rename[0], sentence: 'It cannot be.', nearest },
+    },
+  },
+});
+
 test('A refused edit keeps its sentence and what would have worked', async () => {
-  const nearest = { kind: 'set-param', path: '/Plant', name: 'Title', value: 'Pump' };
-  const refused = { code: 'value-not-allowed', index: 0, edit: rename[0], sentence: 'It cannot be.', nearest };
-  const { store } = plant(() => ({ result: { ...state(0), result: { applied: false, refused } } }));
+  const { store } = plant(() => refused(0));
   assert.deepEqual(await store.commit(rename), { kind: 'refused', problem: { sentence: 'It cannot be.', nearest } });
 });
 
@@ -166,6 +175,21 @@ test('Edits are sent one after the other, each for the revision that the one bef
     [0, 1, 2],
   );
   assert.equal(new Set(edits().map(({ editId }) => editId)).size, 3);
+});
+
+test('An undo that is asked for before an edit has its answer takes back this edit, or nothing if it is refused', async () => {
+  const { store, server, methods } = plant((_, number) =>
+    number === 1 ? done(server, 'Pump 7') : refused(server.revision),
+  );
+  const made = store.commit(rename);
+  const undone = store.undo();
+  assert.equal((await made).kind, 'applied');
+  await undone;
+  assert.equal(methods().filter((method) => method === 'undo').length, 1);
+  const notMade = store.commit(rename);
+  assert.equal(await store.undo(), false);
+  assert.equal((await notMade).kind, 'refused');
+  assert.equal(methods().filter((method) => method === 'undo').length, 1);
 });
 
 test('A change by another page does not touch what is typed', async () => {

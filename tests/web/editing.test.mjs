@@ -265,6 +265,31 @@ test(
 );
 
 test(
+  'Ctrl+Z right after Enter takes back the edit that is on its way to the server',
+  withPage(flow, {}, async ({ server, page }) => {
+    const document = await server.document();
+    const location = async () =>
+      (await server.call('lookParam', { document: document.document, path: '/Case/Domain:sink', name: 'Location' })).param.value;
+    await treeItem(page, /^sink/).click();
+    await shows(page, 'sink');
+    const before = await location();
+    await page.route('**/rpc', async (route) => {
+      const isEdit = route.request().postData().includes('"method":"edit"');
+      if (isEdit) await new Promise((resolve) => setTimeout(resolve, 500));
+      await route.continue();
+    });
+    const box = field(page, 'Location').getByRole('textbox').first();
+    await box.fill('FINS');
+    await box.press('Enter');
+    await page.keyboard.press('Control+z');
+    await tab(page, 'Effects').click();
+    await side(page).getByText('Undone').first().waitFor();
+    assert.equal(await location(), before);
+    await eventually(() => box.inputValue(), before);
+  }),
+);
+
+test(
   'a choice of several values says what each would do, before it is made and before it is taken back',
   withPage(flow, {}, async ({ page }) => {
     await treeItem(page, 'Output').click();

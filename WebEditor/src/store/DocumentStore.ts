@@ -362,11 +362,22 @@ export class DocumentStore {
    * form shows the new state.
    */
   commit(edits: Edit[], options: { askFirst?: boolean; followReferences?: boolean } = {}): Promise<Outcome> {
-    return this.inTurn(() => this.send(edits, options));
+    const outcome = this.inTurn(() => this.send(edits, options));
+    this.onItsWay = outcome;
+    const arrived = () => {
+      if (this.onItsWay === outcome) this.onItsWay = null;
+    };
+    outcome.then(arrived, arrived);
+    return outcome;
   }
 
+  /** Takes back the last step. An edit that is on its way is meant then: if it is not made, nothing is taken back. */
   undo(): Promise<boolean> {
-    return this.inTurn(() => this.step('undo'));
+    const meant = this.onItsWay;
+    return this.inTurn(async () => {
+      if (meant && (await meant).kind !== 'applied') return false;
+      return this.step('undo');
+    });
   }
 
   redo(): Promise<boolean> {
@@ -394,6 +405,9 @@ export class DocumentStore {
       }
     });
   }
+
+  /** The last edit without an answer. */
+  private onItsWay: Promise<Outcome> | null = null;
 
   /** What edits would do. Nothing changes. */
   async tryEdits(edits: Edit[], findings = false): Promise<EditResult | null> {

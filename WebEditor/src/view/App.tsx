@@ -110,8 +110,9 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
         event.preventDefault();
         void save();
       } else if (isCommand && (key === 'z' || key === 'y')) {
-        const typed = takesText(event.target) && (item === undefined || store.draft(item).peek() !== null);
-        if (typed) return;
+        // A text that is being typed has an undo of its own. One that is on its way to the server is an edit already.
+        const draft = item && store.draft(item).peek();
+        if (takesText(event.target) && (item === undefined || (draft && !draft.isSent))) return;
         event.preventDefault();
         if (key === 'y' || event.shiftKey) void store.redo();
         else void store.undo();
