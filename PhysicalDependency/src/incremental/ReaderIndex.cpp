@@ -49,12 +49,13 @@ void ReaderIndex::clear() noexcept {
   links_.clear();
   buckets_.clear();
   used_ = 0;
+  usedOfKind_ = {};
   firstFreeFact_ = nothing;
   firstFreeLink_ = nothing;
 }
 
 std::uint32_t ReaderIndex::find(Fact fact) const noexcept {
-  if (buckets_.empty()) return nothing;
+  if (usedOfKind_[static_cast<std::size_t>(kindOf(fact))] == 0) return nothing;
   std::uint32_t place = buckets_[bucketOf(fact)];
   while (place != nothing && facts_[place].fact != fact) place = facts_[place].nextInBucket;
   return place;
@@ -74,6 +75,7 @@ std::uint32_t ReaderIndex::findOrAdd(Fact fact) {
   facts_[place] = {fact, nothing, bucket};
   bucket = place;
   ++used_;
+  ++usedOfKind(fact);
   return place;
 }
 
@@ -84,6 +86,7 @@ void ReaderIndex::remove(std::uint32_t place) noexcept {
   facts_[place].nextInBucket = firstFreeFact_;
   firstFreeFact_ = place;
   --used_;
+  --usedOfKind(facts_[place].fact);
 }
 
 void ReaderIndex::grow() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -51,6 +52,7 @@ class ReaderIndex {
     Reads nextOfReader;
   };
 
+  [[nodiscard]] std::uint32_t& usedOfKind(Fact fact) noexcept { return usedOfKind_[static_cast<std::size_t>(kindOf(fact))]; }
   [[nodiscard]] std::size_t bucketOf(Fact fact) const noexcept { return fact & (buckets_.size() - 1); }
   [[nodiscard]] std::uint32_t find(Fact fact) const noexcept;
   std::uint32_t findOrAdd(Fact fact);
@@ -63,6 +65,8 @@ class ReaderIndex {
   std::deque<Link> links_;
   std::vector<std::uint32_t> buckets_;
   std::size_t used_ = 0;
+  /// Many changes are of a kind that no rule reads. They are not looked up.
+  std::array<std::uint32_t, std::size_t{1} << bitsOfFactKind> usedOfKind_{};
   std::uint32_t firstFreeFact_ = nothing;  // linked by nextInBucket
   Reads firstFreeLink_ = nothing;          // linked by nextOfReader
 };

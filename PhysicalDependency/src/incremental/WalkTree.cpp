@@ -47,12 +47,6 @@ bool readsUnknown(ChildAvail const& entry) {
   return isUnknown(entry.available) || isUnknown(entry.allowedNamesSource) || isUnknown(entry.defaultNamesSource);
 }
 
-template <class EntryRules>
-void addTraits(EntryRules const& entry, WalkObject::Entry place, EntryTraits& traits) {
-  if (readsUnknown(entry)) traits.unfollowed.push_back(place);
-  if (!entry.contexts.empty()) traits.inContexts.push_back(place);
-}
-
 /// A position in the walk below some object: a visit of the object, or what is below one of its child visits.
 struct Position {
   WalkObject const* object;
@@ -70,7 +64,35 @@ struct Position {
 
 }  // namespace
 
-WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits const* objTraits,
+EntryTraits::EntryTraits(ObjDependDef const* rules) : rules_(rules), known_(entriesOf(rules), Known::No) {}
+
+bool EntryTraits::isUnfollowed(std::uint32_t entry) {
+  Known& known = known_[entry];
+  if (known == Known::No) {
+    std::size_t const numParams = rules_->params().size();
+    bool const isUnfollowed = entry < numParams ? readsUnknown(*rules_->params()[entry])
+                                                : readsUnknown(*rules_->children()[entry - numParams]);
+    known = isUnfollowed ? Known::IsUnfollowed : Known::IsFollowed;
+  }
+  return known == Known::IsUnfollowed;
+}
+
+std::vector<std::uint32_t> const& EntryTraits::inContexts() {
+  if (!inContexts_) {
+    std::vector<std::uint32_t> found;
+    std::uint32_t entry = 0;
+    auto const add = [&found, &entry](auto const& rules) {
+      if (!rules->contexts.empty()) found.push_back(entry);
+      ++entry;
+    };
+    std::for_each(rules_->params().begin(), rules_->params().end(), add);
+    std::for_each(rules_->children().begin(), rules_->children().end(), add);
+    inContexts_ = std::move(found);
+  }
+  return *inContexts_;
+}
+
+WalkObject::WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits* objTraits,
                        WalkObject* parentObject)
     : path(std::move(objPath)),
       pathHash(PathHash(path).value()),
@@ -261,15 +283,8 @@ bool WalkTree::noteDirty(WalkObject& object) noexcept {
   }
 }
 
-EntryTraits const* WalkTree::traitsOf(ObjDependDef const* rules) {
-  if (auto const known = traits_.find(rules); known != traits_.end()) return &known->second;
-  EntryTraits traits;
-  if (rules != nullptr) {
-    WalkObject::Entry entry = 0;
-    for (auto const& param : rules->params()) addTraits(*param, entry++, traits);
-    for (auto const& child : rules->children()) addTraits(*child, entry++, traits);
-  }
-  return &traits_.emplace(rules, std::move(traits)).first->second;
+EntryTraits* WalkTree::traitsOf(ObjDependDef const* rules) {
+  return &traits_.try_emplace(rules, rules).first->second;
 }
 
 /// Fails before it has changed anything, or not at all.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,19 +19,30 @@
 
 namespace tarn {
 
-/// The properties of the entries of one object type.
-struct EntryTraits {
-  /// Entries that may read things which nobody can follow. Their visits run in every walk.
-  std::vector<std::uint32_t> unfollowed;
-  /// Entries that are live only in some contexts.
-  std::vector<std::uint32_t> inContexts;
+/// The properties of the entries of one object type. Each is found out when it is asked for first, right after the
+/// visit that has touched the rules of the entry.
+class EntryTraits {
+ public:
+  explicit EntryTraits(ObjDependDef const* rules);
+
+  /// Whether the entry may read things that nobody can follow. Its visit then runs in every walk.
+  [[nodiscard]] bool isUnfollowed(std::uint32_t entry);
+  /// The entries that are live only in some contexts, in ascending order.
+  [[nodiscard]] std::vector<std::uint32_t> const& inContexts();
+
+ private:
+  enum class Known : std::uint8_t { No, IsFollowed, IsUnfollowed };
+
+  ObjDependDef const* rules_;
+  std::vector<Known> known_;
+  std::optional<std::vector<std::uint32_t>> inContexts_;
 };
 
 /// An object of a walk that is followed. Its visits are the entries of its rules: the parameters, then the children.
 struct WalkObject {
   using Entry = std::uint32_t;
 
-  WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits const* objTraits, WalkObject* parentObject);
+  WalkObject(std::string objPath, ObjDependDef const* objRules, EntryTraits* objTraits, WalkObject* parentObject);
   WalkObject(WalkObject const&) = delete;
   WalkObject& operator=(WalkObject const&) = delete;
   ~WalkObject();
@@ -78,7 +90,7 @@ struct WalkObject {
   std::string const path;
   std::uint64_t const pathHash;
   ObjDependDef const* const rules;
-  EntryTraits const* const traits;
+  EntryTraits* const traits;
   WalkObject* const parent;
   Entry childEntry = 0;     // the entry of the parent that it belongs to
   std::uint32_t place = 0;  // ascends among the children of an entry, in the order of the walk
@@ -184,7 +196,7 @@ class WalkTree {
   void clear() noexcept;
 
  private:
-  EntryTraits const* traitsOf(ObjDependDef const* rules);
+  EntryTraits* traitsOf(ObjDependDef const* rules);
   void list(WalkObject& object);
 
   [[nodiscard]] std::size_t bucketOf(std::uint64_t hash) const noexcept { return hash & (buckets_.size() - 1); }

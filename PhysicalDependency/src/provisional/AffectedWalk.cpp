@@ -188,8 +188,7 @@ void AffectedWalk::visit(OpenObject& open, WalkObject::Entry entry) {
   marks_.endVisit();
   facts_.collectInto(nullptr);
   facts_.listings().set(object, entry, result_);
-  auto const& unfollowed = object.traits->unfollowed;
-  if (std::binary_search(unfollowed.begin(), unfollowed.end(), entry)) marks_.markVisit(object, entry);
+  if (object.traits->isUnfollowed(entry)) marks_.markVisit(object, entry);
 }
 
 void AffectedWalk::visitParam(OpenObject& open, WalkObject::Entry entry) {
@@ -219,7 +218,7 @@ void AffectedWalk::setContextValue(WalkObject& object, WalkObject::Entry entry, 
     auto const place = journaled::emplace(journal, values, entry, std::string()).first;
     journaled::assign(journal, place->second, std::string(*value));
   }
-  auto const& inContexts = object.traits->inContexts;
+  auto const& inContexts = object.traits->inContexts();
   for (auto at = std::upper_bound(inContexts.begin(), inContexts.end(), entry); at != inContexts.end(); ++at) {
     marks_.markVisit(object, *at);
   }

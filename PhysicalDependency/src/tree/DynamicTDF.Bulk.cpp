@@ -88,8 +88,11 @@ void DynamicTDF::update(ModelState::const_iterator begin, ModelState::const_iter
 
 /// Loads one object and everything below it, parents before children, and children in the order in which the model
 /// lists them. The model is asked for the children of an object only after the object's own parameters are set, because
-/// the model may be a view that reads this tree.
+/// the model may be a view that reads this tree. Another tree is read object by object; a derived class may answer
+/// otherwise than its tree.
 void DynamicTDF::Impl::setParameters(std::string topPath, ModelTDF const& model) {
+  auto const* const tree = typeid(model) == typeid(DynamicTDF) ? dynamic_cast<DynamicTDF const*>(&model) : nullptr;
+  NodeStore const* const nodes = tree == nullptr || tree->impl_.get() == this ? nullptr : &tree->impl_->nodes_;
   std::vector<std::string> pending;
   pending.push_back(std::move(topPath));
   std::vector<std::string> names;
@@ -98,10 +101,14 @@ void DynamicTDF::Impl::setParameters(std::string topPath, ModelTDF const& model)
     std::string const objPath = std::move(pending.back());
     pending.pop_back();
 
+    Node const* const source = nodes == nullptr ? nullptr : nodes->find(objPath);
     names.clear();
-    model.getParameterNames(objPath, names);
+    if (source == nullptr) model.getParameterNames(objPath, names);
     Node& node = findCreateNode(objPath);
-    if (node.params.empty()) node.params.reserve(names.size());
+    if (node.params.empty()) node.params.reserve(source == nullptr ? names.size() : source->params.size());
+    if (source != nullptr) {
+      for (auto const& param : source->params) doSetParameter(objPath, param.name(), param.value.value(), node);
+    }
     for (std::string const& name : names) doSetParameter(objPath, name, model.getParameterValue(objPath, name), node);
     node.params.makeIndex();
 
