@@ -52,7 +52,9 @@ class ReaderIndex {
     Reads nextOfReader;
   };
 
-  [[nodiscard]] std::uint32_t& usedOfKind(Fact fact) noexcept { return usedOfKind_[static_cast<std::size_t>(kindOf(fact))]; }
+  [[nodiscard]] std::uint32_t& usedOfKind(Fact fact) noexcept {
+    return usedOfKind_[static_cast<std::size_t>(kindOf(fact))];
+  }
   [[nodiscard]] std::size_t bucketOf(Fact fact) const noexcept { return fact & (buckets_.size() - 1); }
   [[nodiscard]] std::uint32_t find(Fact fact) const noexcept;
   std::uint32_t findOrAdd(Fact fact);

@@ -353,5 +353,42 @@ TEST(DynamicTDFLaws, AStateLoadsToATreeOfThatState) {
   }
 }
 
+/// A tree of a class of its own may answer otherwise, so it is asked for each object and parameter by its path.
+class AskedTree final : public DynamicTDF {};
+
+TEST(DynamicTDFLaws, ATreeIsLoadedAsTheSameModelThatIsAskedForEverything) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    DynamicTDF source;
+    AskedTree asked;
+    for (DynamicTDF* const tree : {&source, static_cast<DynamicTDF*>(&asked)}) {
+      RandomEdits edits(seed);
+      for (int i = 0; i < 40; ++i) tree->setParameter(edits.path(), edits.name(), edits.value());
+      tree->setParameter("/Case:Case/Domain:rotor", "Found under its type", "yes");
+      tree->setParameter("/Case", "Empty", "");
+      tree->setParameter("/Case", "Chosen", test::allowing({"SST", "LES"}), "SST");
+    }
+    for (bool const skipEmpty : {false, true}) {
+      for (std::string const top : {"", "/", "/Case", "/Case:Case", "/Missing"}) {
+        SCOPED_TRACE(top + (skipEmpty ? ", without empty values" : ""));
+        DynamicTDF quick;
+        DynamicTDF slow;
+        for (DynamicTDF* const tree : {&quick, &slow}) {
+          tree->setParameter("/Case", "Chosen", "LES");
+          tree->startRecordingUpdates();
+        }
+        quick.update(&source, top, skipEmpty);
+        slow.update(&asked, top, skipEmpty);
+        ASSERT_EQ(quick.getState(""), slow.getState(""));
+        ASSERT_EQ(quick.getAddedParameters(), slow.getAddedParameters());
+        ASSERT_EQ(quick.getModifiedParameters(), slow.getModifiedParameters());
+        quick.initialise(&source, top, skipEmpty);
+        slow.initialise(&asked, top, skipEmpty);
+        ASSERT_EQ(quick.getState(""), slow.getState(""));
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace tarn
