@@ -88,32 +88,52 @@ void DynamicTDF::update(ModelState::const_iterator begin, ModelState::const_iter
 
 /// Loads one object and everything below it, parents before children, and children in the order in which the model
 /// lists them. The model is asked for the children of an object only after the object's own parameters are set, because
-/// the model may be a view that reads this tree. Another tree is read object by object; a derived class may answer
-/// otherwise than its tree.
+/// the model may be a view that reads this tree.
+///
+/// The objects of another tree are followed from parent to child, so that only the top is looked up. A derived class
+/// may answer otherwise than its tree, so it is asked.
 void DynamicTDF::Impl::setParameters(std::string topPath, ModelTDF const& model) {
   auto const* const tree = typeid(model) == typeid(DynamicTDF) ? dynamic_cast<DynamicTDF const*>(&model) : nullptr;
   NodeStore const* const nodes = tree == nullptr || tree->impl_.get() == this ? nullptr : &tree->impl_->nodes_;
-  std::vector<std::string> pending;
-  pending.push_back(std::move(topPath));
+  struct Pending {
+    std::string path;
+    Node const* source;  // null for an object that the model is asked for
+    Node* parent;        // of the new object, known if `source` is
+  };
+  std::vector<Pending> pending;
+  pending.push_back({std::move(topPath), nullptr, nullptr});
   std::vector<std::string> names;
   std::vector<std::string> children;
   while (!pending.empty()) {
-    std::string const objPath = std::move(pending.back());
+    auto const [objPath, knownSource, parent] = std::move(pending.back());
     pending.pop_back();
-
-    Node const* const source = nodes == nullptr ? nullptr : nodes->find(objPath);
-    names.clear();
-    if (source == nullptr) model.getParameterNames(objPath, names);
-    Node& node = findCreateNode(objPath);
-    if (node.params.empty()) node.params.reserve(source == nullptr ? names.size() : source->params.size());
+    Node const* const source = knownSource != nullptr || nodes == nullptr ? knownSource : nodes->find(objPath);
     if (source != nullptr) {
+      Node& node = parent == nullptr
+                       ? findCreateNode(objPath)
+                       : nodes_.findCreateChild(*parent, std::string_view(objPath).substr(objPath.rfind('/')));
+      if (node.params.empty()) node.params.reserve(source->params.size());
       for (auto const& param : source->params) doSetParameter(objPath, param.name(), param.value.value(), node);
+      node.params.makeIndex();
+      std::string const listed = source->listedAsFound ? objPath : source->path();
+      for (Node const* child = source->children.last(); child != nullptr; child = child->previousSibling) {
+        // An object that is listed under another path than its own is looked up under that, and is not found.
+        bool const isFound = source->listedAsFound && child->listedAsFound;
+        pending.push_back({childPath(listed, *child), isFound ? child : nullptr, isFound ? &node : nullptr});
+      }
+      continue;
     }
+    names.clear();
+    model.getParameterNames(objPath, names);
+    Node& node = findCreateNode(objPath);
+    if (node.params.empty()) node.params.reserve(names.size());
     for (std::string const& name : names) doSetParameter(objPath, name, model.getParameterValue(objPath, name), node);
     node.params.makeIndex();
 
     model.getChildObjectPaths(objPath, children);
-    std::move(children.rbegin(), children.rend(), std::back_inserter(pending));
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+      pending.push_back({std::move(*child), nullptr, nullptr});
+    }
   }
 }
 
