@@ -172,6 +172,16 @@ class Web(Calls):
             response = connection.getresponse()
             return response.status, response.headers, response.read().decode()
 
+    def raw(self, line, *headers, body=b"", ends=False):
+        """The answers to a request as it is written here, until the server ends the connection."""
+        head = [line, f"Host: {self.host}:{self.port}", f"Authorization: Bearer {self.token}", *headers, "", ""]
+        with socket.create_connection((self.host, self.port), timeout=PATIENCE) as connection:
+            connection.sendall("\r\n".join(head).encode() + body)
+            if ends:
+                connection.shutdown(socket.SHUT_WR)
+            with connection.makefile("rb") as stream:
+                return stream.read().decode()
+
     def send(self, text):
         status, _, body = self.request("POST", "/rpc", text)
         assert status == 200, (status, body)
@@ -637,6 +647,60 @@ class OverHttp(unittest.TestCase):
                     connection.request("POST", "/rpc", iter([b" " * 1_000_000] * 20), web.headers(), encode_chunked=True)
                     self.assertEqual(connection.getresponse().status, 413)
             self.assertEqual(web.call("hello")["name"], "zev")
+
+    def test_a_request_that_is_broken_is_refused_and_ends_its_connection(self):
+        with Folder() as folder, Web(folder) as web:
+            json_type = "Content-Type: application/json"
+            call = json.dumps(web.message("hello")).encode()
+            post = "POST /rpc HTTP/1.1"
+            once = "A request says how long it is once, with a number in Content-Length."
+            cases = [
+                (post, (json_type, "Content-Length: abc"), call, 400, once),
+                (post, (json_type, "Content-Length: -1"), call, 400, once),
+                (post, (json_type, "Content-Length: 1e2"), call, 400, once),
+                (post, (json_type, "Content-Length: "), call, 411, "A request says how long it is, with Content-Length."),
+                (post, (json_type, "Content-Length: " + "9" * 30), call, 400, once),
+                (post, (json_type, f"Content-Length: {len(call)}", "Content-Length: 2"), call, 400, once),
+                (post, (json_type, f"Content-Length: {len(call)}", "Transfer-Encoding: chunked"), call, 400, once),
+                (post, (json_type, "Transfer-Encoding: gzip"), call, 400, once),
+                (post, (json_type,), call, 411, "A request says how long it is, with Content-Length."),
+                (post, (json_type, "Transfer-Encoding: chunked"), b"zz\r\n" + call, 400,
+                 "The request has not come as a whole."),
+                (post, ("Content-Type: text/plain", f"Content-Length: {len(call)}"), call, 415,
+                 "A request has the type application/json."),
+                ("GET /rpc HTTP/1.1", (), b"", 405, "Here a request has the method POST."),
+                ("PUT /schema HTTP/1.1", ("Content-Length: 2",), b"{}", 405, "Here a request has the method GET, HEAD."),
+                ("DELETE /enter HTTP/1.1", (), b"", 405, "Here a request has the method GET, HEAD, POST."),
+                ("POST /nothing HTTP/1.1", ("Content-Length: 2",), b"{}", 404, "There is no such page."),
+                ("BREW /rpc HTTP/1.1", (), b"", 400, "This is no request."),
+                ("GET /" + "a" * 10_000 + " HTTP/1.1", (), b"", 414, "The address is too long."),
+            ]
+            for line, headers, body, status, sentence in cases:
+                with self.subTest(line=line[:40], headers=headers):
+                    answer = web.raw(line, *headers, body=body)
+                    self.assertEqual(int(answer.split()[1]), status, answer)
+                    self.assertTrue(answer.endswith(f"\r\n\r\n{sentence}\n"), answer)
+                    self.assertIn("\r\nConnection: close\r\n", answer)
+            self.assertIn("\r\nAllow: POST\r\n", web.raw("GET /rpc HTTP/1.1"))
+            # A message that is announced as longer, although its beginning is a message by itself.
+            short = web.raw(post, json_type, f"Content-Length: {len(call) + 1}", body=call, ends=True)
+            self.assertEqual(int(short.split()[1]), 400)
+            self.assertIn("The request has not come as a whole.", short)
+            long = web.raw(post, json_type, "Content-Length: 20000000")
+            self.assertEqual(int(long.split()[1]), 413)
+            self.assertEqual(json.loads(long.split("\r\n\r\n")[1])["error"]["code"], -32003)
+            self.assertEqual(web.call("hello")["name"], "zev")
+
+    def test_a_body_that_nobody_reads_is_not_the_next_request(self):
+        with Folder() as folder, Web(folder) as web:
+            hidden = f"GET /enter HTTP/1.1\r\nHost: {web.host}:{web.port}\r\n\r\n".encode()
+            length = f"Content-Length: {len(hidden)}"
+            for line, header, status in (("POST /rpc HTTP/1.1", "Origin: http://evil.example", 403),
+                                         ("POST /rpc HTTP/1.1", "Content-Type: text/plain", 415),
+                                         ("GET /schema HTTP/1.1", "Accept: */*", 200)):
+                answer = web.raw(line, header, length, body=hidden)
+                self.assertEqual(int(answer.split()[1]), status)
+                self.assertEqual(answer.count("HTTP/1.1 "), 1)
 
     def test_a_signal_ends_the_server_with_its_streams(self):
         with Folder() as folder, Web(folder) as web:

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <ostream>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 #include <httplib.h>
 
+#include <tarn/StringUtilities.h>
 #include <tarn/service/ProtocolSchema.h>
 
 #include "cli/Failure.h"
@@ -33,8 +35,12 @@ constexpr int badRequest = 400;
 constexpr int unauthorized = 401;
 constexpr int forbidden = 403;
 constexpr int notFound = 404;
+constexpr int wrongMethod = 405;
+constexpr int lengthRequired = 411;
 constexpr int tooLarge = 413;
+constexpr int longAddress = 414;
 constexpr int wrongType = 415;
+constexpr int wrongRange = 416;
 constexpr int misdirected = 421;
 constexpr int unavailable = 503;
 
@@ -62,12 +68,59 @@ RequestGuard::Request headersOf(httplib::Request const& request) {
           request.get_header_value("Authorization"), request.get_header_value("Cookie")};
 }
 
+constexpr std::string_view callPath = "/rpc";
+constexpr std::string_view eventsPath = "/events";
+constexpr std::string_view schemaPath = "/schema";
+/// Where browsers look for an icon by themselves.
+constexpr std::string_view iconPath = "/favicon.ico";
+
+bool hasBody(httplib::Request const& request) {
+  return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+/// The library takes a length that is no number for 0, and without a length it reads until the client leaves. Two
+/// lengths are refused: programs between the client and this one might believe the other.
+bool hasGoodLength(httplib::Request const& request, httplib::Response& response) {
+  std::string const coding = request.get_header_value("Transfer-Encoding");
+  std::size_t const count =
+      request.get_header_value_count("Content-Length") + request.get_header_value_count("Transfer-Encoding");
+  if (count == 0) {
+    if (request.method == "GET" || request.method == "HEAD") return true;
+    refuse(response, lengthRequired, "A request says how long it is, with Content-Length.");
+    return false;
+  }
+  std::string const length = request.get_header_value("Content-Length");
+  constexpr std::size_t mostDigits = 18;
+  bool const isNumber =
+      !length.empty() && length.size() <= mostDigits && length.find_first_not_of("0123456789") == std::string::npos;
+  if (count == 1 && (isNumber || StringUtilities::equalIgnoringCase(coding, "chunked"))) return true;
+  refuse(response, badRequest, "A request says how long it is once, with a number in Content-Length.");
+  return false;
+}
+
+/// The methods that are possible at a path, as the header `Allow` lists them. Empty without such a path.
+std::string_view methodsOf(EditorFiles const* editor, std::string const& path) {
+  if (path == callPath) return "POST";
+  if (path == entryPath) return "GET, HEAD, POST";
+  bool const isKnown = path == eventsPath || path == schemaPath || path == entryScriptPath || path == iconPath ||
+                       (editor != nullptr && editor->find(path) != nullptr);
+  return isKnown ? "GET, HEAD" : "";
+}
+
+bool hasGoodMethod(EditorFiles const* editor, httplib::Request const& request, httplib::Response& response) {
+  std::string const allowed(methodsOf(editor, request.path));
+  if (allowed.empty() || (", " + allowed + ',').find(' ' + request.method + ',') != std::string::npos) return true;
+  response.set_header("Allow", allowed);
+  refuse(response, wrongMethod, "Here a request has the method " + allowed + '.');
+  return false;
+}
+
 void answerCall(service::Service& service, httplib::Request const& request, httplib::Response& response,
                 httplib::ContentReader const& read) {
   std::size_t const most = service.limits().messageBytes;
   std::string body;
-  bool isTooLong = false;
-  read([&](char const* data, std::size_t size) {
+  bool isTooLong = request.get_header_value<std::uint64_t>("Content-Length") > most;
+  bool const isComplete = !isTooLong && read([&](char const* data, std::size_t size) {
     isTooLong = isTooLong || body.size() + size > most;
     if (!isTooLong) body.append(data, size);
     return !isTooLong;
@@ -77,6 +130,8 @@ void answerCall(service::Service& service, httplib::Request const& request, http
     response.set_content(service.answerToTooLong(), "application/json");
     return;
   }
+  // The beginning of a message can be a message, too, and is not what the client has said.
+  if (!isComplete) return refuse(response, badRequest, "The request has not come as a whole.");
   // A form of another site can send other types only.
   std::string const type = request.get_header_value("Content-Type");
   if (type != "application/json" && !type.starts_with("application/json;")) {
@@ -145,9 +200,6 @@ void sendEvents(service::Service& service, httplib::Response& response) {
                                             std::size_t, httplib::DataSink& sink) { return (*writer)(sink); });
 }
 
-/// Where browsers look for an icon by themselves.
-constexpr std::string_view iconPath = "/favicon.ico";
-
 /// Browsers ask for this before they know the token. It has no secrets.
 bool isEntry(httplib::Request const& request) {
   return request.method == "GET" &&
@@ -180,14 +232,19 @@ void sendFile(EditorFiles const* editor, httplib::Request const& request, httpli
 
 void addHandlers(httplib::Server& server, service::Service& service, RequestGuard const& guard,
                  EditorFiles const* editor) {
-  server.set_pre_routing_handler([&guard](httplib::Request const& request, httplib::Response& response) {
+  server.set_pre_routing_handler([&guard, editor](httplib::Request const& request, httplib::Response& response) {
+    auto const goOn = [&] {
+      return hasGoodMethod(editor, request, response) && hasGoodLength(request, response)
+                 ? httplib::Server::HandlerResponse::Unhandled
+                 : httplib::Server::HandlerResponse::Handled;
+    };
     if (request.get_header_value_count("Host") > 1) {
       refuse(response, badRequest, "A request has one Host.");
       return httplib::Server::HandlerResponse::Handled;
     }
     switch (guard.judge(headersOf(request))) {
       case Verdict::Allowed:
-        return httplib::Server::HandlerResponse::Unhandled;
+        return goOn();
       case Verdict::WrongHost:
         refuse(response, misdirected, "This server has another name.");
         break;
@@ -195,7 +252,7 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
         refuse(response, forbidden, "Pages of other sites may not use this server.");
         break;
       case Verdict::NoToken:
-        if (isEntry(request)) return httplib::Server::HandlerResponse::Unhandled;
+        if (isEntry(request)) return goOn();
         refuse(response, unauthorized, "Open the address that zev has printed, with its token.");
         break;
     }
@@ -205,14 +262,28 @@ void addHandlers(httplib::Server& server, service::Service& service, RequestGuar
     refuse(response, unavailable, "The request could not be answered.");
   });
   server.set_error_handler(httplib::Server::Handler([](httplib::Request const&, httplib::Response& response) {
-    if (response.body.empty() && response.status == notFound) refuse(response, notFound, "There is no such page.");
-    if (response.body.empty() && response.status == badRequest) refuse(response, badRequest, "This is no request.");
+    if (!response.body.empty()) return;
+    int const status = response.status;
+    if (status == notFound) refuse(response, status, "There is no such page.");
+    if (status == badRequest) refuse(response, status, "This is no request.");
+    if (status == longAddress) refuse(response, status, "The address is too long.");
+    if (status == wrongRange) refuse(response, status, "The page has no such range.");
   }));
-  server.Post("/rpc", [&service](httplib::Request const& request, httplib::Response& response,
-                                 httplib::ContentReader const& read) { answerCall(service, request, response, read); });
-  server.Get("/events",
+  // A body that was not read would be taken for the next request: one page could ask for what another is answered.
+  server.set_post_routing_handler([](httplib::Request const& request, httplib::Response& response) {
+    bool const isRead = request.method != "GET" && request.method != "HEAD";
+    if (response.status < badRequest && (isRead || !hasBody(request))) return;
+    response.headers.erase("Keep-Alive");
+    response.headers.erase("Connection");
+    response.set_header("Connection", "close");
+    WaitingServer::endConnection();
+  });
+  server.Post(std::string(callPath),
+              [&service](httplib::Request const& request, httplib::Response& response,
+                         httplib::ContentReader const& read) { answerCall(service, request, response, read); });
+  server.Get(std::string(eventsPath),
              [&service](httplib::Request const&, httplib::Response& response) { sendEvents(service, response); });
-  server.Get("/schema", [](httplib::Request const&, httplib::Response& response) {
+  server.Get(std::string(schemaPath), [](httplib::Request const&, httplib::Response& response) {
     response.set_content(std::string(service::protocolSchema()), "application/schema+json");
   });
   server.Get(std::string(entryPath), [](httplib::Request const&, httplib::Response& response) {

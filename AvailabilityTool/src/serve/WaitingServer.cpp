@@ -34,6 +34,9 @@ constexpr int mostRequests = 100'000;
 /// Whether this thread closes the connection that it is given.
 thread_local bool isRefusing = false;
 
+/// Whether the connection of this thread ends after the answer that is being made.
+thread_local bool isEnding = false;
+
 /// A thread for each connection, as many as were ever needed at once. An idle thread takes the next connection.
 class ConnectionThreads : public httplib::TaskQueue {
  public:
@@ -160,6 +163,18 @@ class Connection : public httplib::Stream {
     }
   }
 
+  /// Ends the connection so that the client reads the last answer: bytes that nobody has taken would reset it.
+  void endGently() {
+    ::shutdown(socket_, SHUT_WR);
+    auto const end = Clock::now() + limits_.rest;
+    while (true) {
+      auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+      std::array<pollfd, 2> waited{{{socket_, POLLIN, 0}, {ending_, POLLIN, 0}}};
+      if (left <= 0 || poll(waited.data(), waited.size(), static_cast<int>(left)) <= 0) return;
+      if (waited[1].revents != 0 || receive() <= 0) return;
+    }
+  }
+
   /// Nothing here asks for addresses.
   void get_remote_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
   void get_local_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
@@ -202,6 +217,10 @@ WaitingServer::~WaitingServer() {
   ::close(ending_);
 }
 
+void WaitingServer::endConnection() noexcept {
+  isEnding = true;
+}
+
 void WaitingServer::endConnections() {
   std::uint64_t const one = 1;
   (void)!::write(ending_, &one, sizeof one);
@@ -215,9 +234,11 @@ bool WaitingServer::process_and_close_socket(socket_t socket) {
   Connection connection(socket, ending_, limits_);
   bool isGood = true;
   bool isClosed = false;
-  for (int left = mostRequests; isGood && !isClosed && left > 0 && connection.waitForRequest(); --left) {
+  isEnding = false;
+  for (int left = mostRequests; isGood && !isClosed && !isEnding && left > 0 && connection.waitForRequest(); --left) {
     isGood = process_request(connection, left == 1, isClosed, nullptr);
   }
+  if (isEnding) connection.endGently();
   ::shutdown(socket, SHUT_RDWR);
   ::close(socket);
   return isGood;

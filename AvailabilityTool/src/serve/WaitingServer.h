@@ -18,6 +18,8 @@ struct ConnectionLimits {
   std::chrono::milliseconds idle{30'000};
   /// The time in which the whole of a request must come. A byte now and then must not keep a connection.
   std::chrono::milliseconds request{30'000};
+  /// The time in which a client that is refused can send the rest, so that it reads why.
+  std::chrono::milliseconds rest{2'000};
 };
 
 /// An HTTP server whose idle connections cost nothing. The library looks at each of them a hundred times a second,
@@ -30,6 +32,9 @@ class WaitingServer : public httplib::Server {
   ~WaitingServer() override;
   WaitingServer(WaitingServer const&) = delete;
   WaitingServer& operator=(WaitingServer const&) = delete;
+
+  /// Ends the connection whose request this thread answers, after the answer. For handlers that leave a body unread.
+  static void endConnection() noexcept;
 
   /// Ends the waiting of idle connections. Call it before `stop`.
   void endConnections();
