@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { after, before, test } from 'node:test';
-import { closeBrowser, eventually, field, flow, form, hits, openBrowser, program, shows, side, status, tab, title, tree, treeItem, withPage } from './harness.mjs';
+import { closeBrowser, eventually, field, flow, form, hits, hold, openBrowser, program, shows, side, status, tab, title, tree, treeItem, valueAt, withPage } from './harness.mjs';
 
 before(openBrowser);
 after(closeBrowser);
@@ -83,7 +83,6 @@ test(
     await shows(page, 'Case');
     const focused = () => page.locator(':focus');
     const go = async (text, above) => {
-      const seen = new Set();
       await keyboard.press('/');
       await page.getByRole('searchbox').and(focused()).waitFor();
       await keyboard.type(text);
@@ -91,10 +90,14 @@ test(
       // Enter would go to the best hit. The arrows go to any.
       await keyboard.press('ArrowDown');
       await hits(page).locator(':focus').waitFor();
+      const names = (await hits(page).getByRole('treeitem').allInnerTexts()).map((one) => one.split('\n')[0]);
+      const wanted = names.indexOf('Location', names.indexOf(above));
+      const at = () => hits(page).getByRole('treeitem').evaluateAll((rows) => rows.indexOf(document.activeElement));
       await keyboard.press('Home');
-      for (let i = 0; i < 20 && !(seen.has(above) && /^Location/.test(await focused().innerText())); i++) {
+      await eventually(at, 0);
+      for (let i = 1; i <= wanted; i++) {
         await keyboard.press('ArrowDown');
-        seen.add((await focused().innerText()).split('\n')[0]);
+        await eventually(at, i);
       }
       await keyboard.press('Enter');
     };
@@ -237,9 +240,7 @@ test(
   'a list has a box for each item; items are added and removed, and a comma divides one',
   withPage(flow, {}, async ({ server, page }) => {
     const { keyboard } = page;
-    const document = await server.document();
-    const location = async () =>
-      (await server.call('lookParam', { document: document.document, path: '/Case/Domain:sink', name: 'Location' })).param.value;
+    const location = () => valueAt(server, '/Case/Domain:sink', 'Location');
     await treeItem(page, /^sink/).click();
     await shows(page, 'sink');
     const row = field(page, 'Location');
@@ -267,21 +268,16 @@ test(
 test(
   'Ctrl+Z right after Enter takes back the edit that is on its way to the server',
   withPage(flow, {}, async ({ server, page }) => {
-    const document = await server.document();
-    const location = async () =>
-      (await server.call('lookParam', { document: document.document, path: '/Case/Domain:sink', name: 'Location' })).param.value;
+    const location = () => valueAt(server, '/Case/Domain:sink', 'Location');
     await treeItem(page, /^sink/).click();
     await shows(page, 'sink');
     const before = await location();
-    await page.route('**/rpc', async (route) => {
-      const isEdit = route.request().postData().includes('"method":"edit"');
-      if (isEdit) await new Promise((resolve) => setTimeout(resolve, 500));
-      await route.continue();
-    });
+    const release = await hold(page, 'edit');
     const box = field(page, 'Location').getByRole('textbox').first();
     await box.fill('FINS');
     await box.press('Enter');
     await page.keyboard.press('Control+z');
+    release();
     await tab(page, 'Effects').click();
     await side(page).getByText('Undone').first().waitFor();
     assert.equal(await location(), before);
@@ -301,5 +297,36 @@ test(
     await row.getByRole('option', { selected: false }).first().hover();
     await row.getByText(/^With .* this would happen$/).waitFor();
     await row.getByText('Nothing else would change.').waitFor();
+  }),
+);
+
+test(
+  'the items of a list of truth values are chosen, by mouse and by keyboard',
+  withPage(flow, {}, async ({ server, page }) => {
+    const { keyboard } = page;
+    const directions = async () => (await valueAt(server, '/Case/Domain:channel', 'Periodic Directions')).replaceAll(' ', '');
+    await treeItem(page, /^channel/).click();
+    await shows(page, 'channel');
+    const row = field(page, 'Periodic Directions');
+    const item = (number, total) => row.getByRole('combobox', { name: `Periodic Directions, item ${number} of ${total}` });
+    await item(1, 3).waitFor();
+    assert.deepEqual(await item(2, 3).locator('option').allInnerTexts(), ['Choose', 'Yes', 'No']);
+    await item(1, 3).selectOption('Yes');
+    // Nothing is set before Enter, or before the row is left.
+    assert.equal(await directions(), 'no,yes,no');
+    await item(1, 3).press('Enter');
+    await eventually(directions, 'yes,yes,no');
+    await item(2, 3).focus();
+    await keyboard.type('n');
+    await keyboard.press('Enter');
+    await eventually(directions, 'yes,no,no');
+    await row.getByRole('button', { name: 'Remove item 1 of Periodic Directions' }).click();
+    await item(1, 2).press('Enter');
+    await eventually(directions, 'no,no');
+    await row.getByRole('button', { name: 'Item of Periodic Directions' }).click();
+    await item(3, 3).and(page.locator(':focus')).waitFor();
+    await keyboard.type('y');
+    await keyboard.press('Tab');
+    await eventually(directions, 'no,no,yes');
   }),
 );

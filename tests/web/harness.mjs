@@ -125,7 +125,7 @@ export async function closeBrowser() {
 }
 
 /** Things that a page may do while the server is away. */
-const whileAway = /ERR_CONNECTION_REFUSED|ERR_INCOMPLETE_CHUNKED|ERR_CONTENT_LENGTH_MISMATCH|ERR_CONNECTION_RESET|ERR_EMPTY_RESPONSE/;
+const whileAway = /ERR_CONNECTION_REFUSED|ERR_INCOMPLETE_CHUNKED|ERR_CONTENT_LENGTH_MISMATCH|ERR_CONNECTION_RESET|ERR_CONNECTION_CLOSED|ERR_CONNECTION_ABORTED|ERR_SOCKET_NOT_CONNECTED|ERR_EMPTY_RESPONSE/;
 
 /** A page that is at the server. `wrong` has what it has written as errors. */
 export async function openPage(server, { width = 1280, height = 800, theme = 'light', context } = {}) {
@@ -161,6 +161,19 @@ export function withPage(model, options, body) {
   };
 }
 
+/** Keeps requests of a method from the server until `release`, so that a test acts before the answer on any machine. */
+export async function hold(page, method) {
+  let release;
+  const released = new Promise((resolve) => {
+    release = resolve;
+  });
+  await page.route('**/rpc', async (route) => {
+    if (route.request().postData().includes(`"method":"${method}"`)) await released;
+    await route.continue();
+  });
+  return release;
+}
+
 /** Fails if axe finds anything on the page as it is now. */
 export async function assertAccessible(page, state) {
   // Evaluated by the debugger, so the content policy of the page need not allow it.
@@ -188,6 +201,12 @@ export const status = (page) => page.getByRole('contentinfo').getByRole('status'
 /** Waits until the page shows an object. */
 export async function shows(page, name) {
   await title(page, name).waitFor();
+}
+
+/** A value as the server has it. */
+export async function valueAt(server, path, name) {
+  const { document } = await server.document();
+  return (await server.call('lookParam', { document, path, name })).param.value;
 }
 
 /** Waits until `look` returns what is expected. Fails with the last that it has returned. */

@@ -59,7 +59,7 @@ test('the keyboard finds an entry and goes there', () =>
     assert.equal(await page.evaluate(() => document.activeElement.textContent), names[1]);
     await page.keyboard.press('ArrowUp');
     await page.keyboard.press('Enter');
-    assert.match(page.url(), /#Case-Analysis-Time-Step$/);
+    await page.waitForURL(/#Case-Analysis-Time-Step$/);
   }));
 
 test('Enter goes to the first result, and Escape clears the search', () =>
@@ -67,7 +67,7 @@ test('Enter goes to the first result, and Escape clears the search', () =>
     const input = page.getByRole('searchbox', { name: 'Find' });
     await input.fill('/case/domain/motion');
     await input.press('Enter');
-    assert.match(page.url(), /#Case-Domain-Motion/);
+    await page.waitForURL(/#Case-Domain-Motion/);
     await input.press('Escape');
     assert.equal(await input.inputValue(), '');
     assert.deepEqual(await results(page), []);

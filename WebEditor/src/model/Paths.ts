@@ -33,6 +33,17 @@ export function keyOf(item: Item): string {
   return item.name === undefined ? item.path : `${item.path}\n${item.name}`;
 }
 
+/** The path in the text of an item. */
+export function pathOf(key: string): string {
+  const end = key.indexOf('\n');
+  return end < 0 ? key : key.slice(0, end);
+}
+
+/** The name in the text of a parameter. */
+export function nameOf(key: string): string {
+  return key.slice(key.indexOf('\n') + 1);
+}
+
 /** The path as people read it, without what all paths of the document begin with. */
 export function shortPath(path: string, root: string): string {
   if (path === root) return lastPart(path) || 'Model';

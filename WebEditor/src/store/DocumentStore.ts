@@ -2,7 +2,7 @@
 import { batch, computed, type Signal, signal } from '@preact/signals';
 import type { Hit } from '../model/FilteredTree';
 import type { LayoutEntry } from '../model/FormLayout';
-import { isAtOrBelow, keyOf, parentOf } from '../model/Paths';
+import { isAtOrBelow, keyOf, nameOf, parentOf, pathOf, shortPath } from '../model/Paths';
 import { type Filter, parseQuery } from '../model/Search';
 import { count, resultTitle } from '../model/Sentences';
 import type {
@@ -44,6 +44,8 @@ export type Draft = {
   base: string;
   /** It is on its way to the server. */
   isSent?: true;
+  /** The draft that was on its way when this one was begun. Its value is what this one is meant to replace. */
+  follows?: Draft;
   /** Why the text was not taken. */
   problem?: Problem;
 };
@@ -109,6 +111,10 @@ const outlinePage = 10_000;
 const shownEffects = 1000;
 const keptEffects = 100;
 const tries = 5;
+/** When others edit all the time, an edit is outdated again and again before it arrives. */
+const triesAmongOthers = 50;
+/** After more missed changes everything is read again. */
+const mostSkipped = 1000;
 
 export class DocumentStore {
   readonly state: Signal<State>;
@@ -155,6 +161,12 @@ export class DocumentStore {
   private wanted = new Set<string>();
   /** Whether something may wait that is not in the list, or the other way round. */
   private isWaitingOld = true;
+  /** Something could not be read because the server was gone. It must be read again when the server is back. */
+  private isOutdated = false;
+  /** How often others have changed an item, to notice an edit that was meant for the value before. */
+  private readonly changesByOthers = new Map<string, number>();
+  /** Revisions that answers have skipped. What others did there is shown when their events come. */
+  private readonly skipped = new Set<number>();
 
   /** The objects at or below which the user has set something. */
   readonly ownPaths = computed(() => {
@@ -188,7 +200,29 @@ export class DocumentStore {
   async load(): Promise<void> {
     this.isWaitingOld = true;
     await Promise.all([this.tree.load(this.root), this.loadForm()]);
+    this.shownRevision = this.state.value.revision;
     this.scheduleReview(0);
+  }
+
+  /** The server says what is true now: after it was away, or after events were lost. */
+  async reload(state: State): Promise<void> {
+    const { document, revision } = this.state.value;
+    const isSame = state.document === document && state.revision === revision;
+    this.state.value = state;
+    if (isSame && !this.isOutdated) return;
+    this.skipped.clear();
+    await this.refreshAll();
+    this.isOutdated = false;
+  }
+
+  /** Reads what the page shows. If the server is gone, this is made up for when it is back. */
+  private async readOrLater(read: () => Promise<unknown>): Promise<void> {
+    try {
+      await read();
+    } catch (error) {
+      this.isOutdated = true;
+      if (!(error instanceof Unreachable)) throw error;
+    }
   }
 
   /** Shows an object, and with a name one of its parameters. */
@@ -199,8 +233,9 @@ export class DocumentStore {
       this.tree.active.value = path;
       if (isNew) this.openFolds.value = { advanced: new Set(), unavailable: new Set() };
     });
-    if (isNew) await Promise.all([this.loadForm(), this.tree.reveal(path)]);
-    if (name !== undefined) {
+    if (isNew) await this.readOrLater(() => Promise.all([this.loadForm(), this.tree.reveal(path)]));
+    // Meanwhile another object may have been chosen.
+    if (name !== undefined && this.selected.peek() === path) {
       this.openFoldOf(name);
       this.target.value = { name };
     }
@@ -284,7 +319,7 @@ export class DocumentStore {
   private async fetchWanted(path: string): Promise<void> {
     const names = [...this.wanted];
     this.wanted.clear();
-    await this.lookAt(path, names);
+    await this.readOrLater(() => this.lookAt(path, names));
   }
 
   private async lookAt(path: string, names: string[]): Promise<void> {
@@ -357,18 +392,34 @@ export class DocumentStore {
     known.value = draft;
   }
 
+  /** Where something was typed that is neither in the document nor on its way there: at or below an object. */
+  unsetDrafts(above = this.root): string[] {
+    return [...this.drafts]
+      .filter(([key, draft]) => draft.peek() !== null && !draft.peek()?.isSent && isAtOrBelow(pathOf(key), above))
+      .map(([key]) => `${shortPath(pathOf(key), this.root)} / ${nameOf(key)}`);
+  }
+
   /**
    * Makes edits, one request after the other. The returned promise is fulfilled when the server has answered and the
    * form shows the new state.
    */
   commit(edits: Edit[], options: { askFirst?: boolean; followReferences?: boolean } = {}): Promise<Outcome> {
-    const outcome = this.inTurn(() => this.send(edits, options));
+    const meantFor = this.changesOf(edits[0]);
+    const outcome = this.inTurn(() => this.send(edits, options, meantFor));
     this.onItsWay = outcome;
     const arrived = () => {
       if (this.onItsWay === outcome) this.onItsWay = null;
     };
     outcome.then(arrived, arrived);
     return outcome;
+  }
+
+  /** Makes edits for a button that has no place for a message: the status line says why they were not made. */
+  async commitOrSay(edits: Edit[], options: { askFirst?: boolean } = {}): Promise<boolean> {
+    const outcome = await this.commit(edits, options);
+    const problem = problemOf(outcome);
+    if (problem) this.announce(problem.sentence);
+    return outcome.kind === 'applied';
   }
 
   /** Takes back the last step. An edit that is on its way is meant then: if it is not made, nothing is taken back. */
@@ -394,14 +445,16 @@ export class DocumentStore {
           ...(options.overwrite ? { overwrite: true } : {}),
         });
         const { error, saved, ...state } = answer;
-        this.state.value = state;
+        this.takeState(state, state.revision);
         this.saveConflict.value = error?.fault === 'file-changed' ? error.sentence : null;
         if (!saved) return error?.sentence ?? 'Nothing was saved.';
         this.announce(`Saved to ${state.file ?? 'the file'}.`);
-        if (this.differences.value) void this.loadDifferences();
+        if (this.differences.value) void this.loadDifferences().catch(() => {});
         return null;
       } catch (error) {
-        return error instanceof Unreachable ? 'The server does not answer, so nothing was saved.' : sentenceOf(error);
+        return error instanceof Unreachable
+          ? 'The server does not answer. Save again when it is back.'
+          : sentenceOf(error);
       }
     });
   }
@@ -445,54 +498,97 @@ export class DocumentStore {
     return turn;
   }
 
-  private async send(edits: Edit[], options: { askFirst?: boolean; followReferences?: boolean }): Promise<Outcome> {
+  /** `meantFor` is how often others had changed the item when the user made the edit. */
+  private async send(
+    edits: Edit[],
+    options: { askFirst?: boolean; followReferences?: boolean },
+    meantFor: number,
+  ): Promise<Outcome> {
     this.lastEdit += 1;
     const editId = `${this.client}-${this.lastEdit}`;
     const document = this.document;
     const [first] = edits;
-    const seen = await this.valueOf(first);
-    let ask = options.askFirst === true;
-    for (let tried = 0; tried < tries; tried++) {
+    const isFollowed = options.followReferences === true;
+    // An edit whose answer was lost is sent again for the same revision: if it was not made, but another was, the
+    // server says so.
+    const { revision } = this.state.value;
+    const request = { edits, editId, revision, ask: options.askFirst === true, isFollowed };
+    let seen: string | undefined;
+    let lost = 0;
+    for (let tried = 0; tried < triesAmongOthers && lost < tries; tried++) {
       try {
-        const [answer, read] = await this.request(edits, editId, ask, options.followReferences === true);
+        const now = await this.valueOf(first);
+        seen ??= now;
+        if (now !== seen && lost === 0) return await this.conflict();
+        if (this.changesOf(first) !== meantFor) return await this.conflict();
+        const [answer, read] = await this.request(request);
         return await this.take(answer, read);
       } catch (error) {
         if (error instanceof Unreachable) {
+          lost += 1;
           await this.connection.whenOnline();
           if (this.document !== document) return { kind: 'unknown' };
         } else if (error instanceof ServerError && error.code === outdatedRevision) {
-          this.state.value = { ...this.state.value, ...(error.data as { revision: number }) };
-          if ((await this.valueOf(first)) !== seen) {
-            await this.refreshAll();
-            return { kind: 'conflict' };
-          }
+          request.revision = (error.data as { revision: number }).revision;
+          this.takeState({ ...this.state.value, revision: request.revision }, request.revision);
+          // What the user has agreed to may lose more now.
+          request.ask = options.askFirst === true;
+          lost = 0;
         } else if (error instanceof ServerError && error.code === losesOwnValues) {
           const { result } = error.data as { result: EditResult };
           if (!(await this.askUser(edits, result))) return { kind: 'declined' };
-          ask = false;
+          request.ask = false;
         } else {
           return { kind: 'refused', problem: { sentence: sentenceOf(error) } };
         }
       }
     }
+    if (lost > 0) return { kind: 'unknown' };
+    return { kind: 'refused', problem: { sentence: 'Others edit this model all the time. Try it again.' } };
+  }
+
+  private async conflict(): Promise<Outcome> {
+    await this.readOrLater(() => this.refreshAll());
     return { kind: 'conflict' };
   }
 
-  private request(
-    edits: Edit[],
-    editId: string,
-    ask: boolean,
-    followReferences: boolean,
-  ): Promise<[ResultEdit, FormRead | null]> {
-    const common = {
-      document: this.document,
-      revision: this.state.value.revision,
-      editId,
-      client: this.client,
-      limit: shownEffects,
-    };
+  /** How often others have changed what an edit sets, as far as this page knows. */
+  private changesOf(edit: Edit | undefined): number {
+    return (edit && this.changesByOthers.get(keyOf(edit))) ?? 0;
+  }
+
+  /**
+   * Takes a state that the server has sent. Answers and events may overtake each other, so an older one is left. The
+   * changes up to `last` that this page has not seen are somebody else's, and their events are still to come.
+   */
+  private takeState(state: State, last: number): void {
+    const now = this.state.value;
+    if (state.revision < now.revision) return;
+    if (last - now.revision > mostSkipped) {
+      this.isOutdated = true;
+      void this.readOrLater(() => this.refreshAll());
+    } else {
+      for (let revision = now.revision + 1; revision <= last; revision++) this.skipped.add(revision);
+    }
+    this.state.value = state;
+  }
+
+  private request({
+    edits,
+    editId,
+    revision,
+    ask,
+    isFollowed,
+  }: {
+    edits: Edit[];
+    editId: string;
+    revision: number;
+    ask: boolean;
+    isFollowed: boolean;
+  }): Promise<[ResultEdit, FormRead | null]> {
+    const common = { document: this.document, revision, editId, client: this.client, limit: shownEffects };
     const [first] = edits;
-    if (followReferences && first?.kind === 'rename-object') {
+    if (isFollowed && first?.kind === 'rename-object') {
       const params = { ...common, path: first.path, name: first.name ?? '' };
       return this.withForm({ method: 'renameFollowed', params });
     }
@@ -548,7 +644,7 @@ export class DocumentStore {
   private async take(answer: ResultEdit, read: FormRead | null): Promise<Outcome> {
     const { result, repeated: _repeated, ...state } = answer;
     if (result.refused) {
-      this.state.value = state;
+      this.takeState(state, state.revision);
       const { sentence, nearest, possible } = result.refused;
       return {
         kind: 'refused',
@@ -567,14 +663,21 @@ export class DocumentStore {
         const [answer, read] = await this.withForm({ method: kind, params });
         const { result, ...state } = answer;
         if (!result) {
+          this.takeState(state, state.revision);
           this.announce(kind === 'undo' ? 'There is nothing to undo.' : 'There is nothing to redo.');
+          return false;
+        }
+        if (result.refused) {
+          this.takeState(state, state.revision);
+          this.announce(result.refused.sentence);
           return false;
         }
         await this.show(state, result, kind, 'you', read);
         return true;
       } catch (error) {
         if (error instanceof ServerError && error.code === outdatedRevision) {
-          this.state.value = { ...this.state.value, ...(error.data as { revision: number }) };
+          const { revision } = error.data as { revision: number };
+          this.takeState({ ...this.state.value, revision }, revision);
         } else if (error instanceof Unreachable) {
           // An undo has no identifier, so nobody knows whether it was made. The state that comes back shows it.
           this.announce('The server did not answer. Look at the state before you undo again.');
@@ -598,27 +701,40 @@ export class DocumentStore {
   ): Promise<void> {
     const verb = cause === 'undo' ? 'Undone: ' : cause === 'redo' ? 'Done again: ' : '';
     const title = verb + resultTitle(result, state.root);
+    const { effect } = result;
+    const isLate = state.revision <= this.state.value.revision;
+    if (who !== 'you') {
+      for (const change of effect?.values ?? []) {
+        const key = keyOf(change);
+        this.changesByOthers.set(key, (this.changesByOthers.get(key) ?? 0) + 1);
+      }
+    }
     this.lastEffect += 1;
     batch(() => {
-      this.state.value = state;
+      this.takeState(state, state.revision - 1);
       this.effects.value = [{ id: this.lastEffect, title, cause, who, result }, ...this.effects.value].slice(
         0,
         keptEffects,
       );
       if (who === 'you' && this.side.value !== 'findings') this.side.value = 'effects';
     });
-    const { effect } = result;
     if (!effect) return;
     if (effect.waiting.length > 0 || effect.cut?.waiting !== undefined) this.isWaitingOld = true;
-    await this.leaveDeleted(effect.objectsDeleted, effect.objectsCreated, result);
-    await Promise.all([this.refreshForm(result, read), this.tree.apply(effect)]);
+    // The change is made. That the page cannot show all of it now is no failure of the edit.
+    await this.readOrLater(async () => {
+      if (!isLate || !(await this.isThere(this.selected.peek())))
+        this.leaveDeleted(effect.objectsDeleted, effect.objectsCreated, result);
+      await Promise.all([isLate ? this.loadForm() : this.refreshForm(result, read), this.tree.apply(effect)]);
+    }).catch(() => {});
     const text = result.message ?? title;
-    this.announce(who === 'you' ? text : `Another page made a change: ${text}`);
+    const left = effect.objectsDeleted.flatMap((path) => this.unsetDrafts(path));
+    const kept = left.length === 0 ? '' : ` What you typed in ${[...new Set(left)].join(', ')} is not in the model.`;
+    this.announce((who === 'you' ? text : `Another page made a change: ${text}`) + kept);
     this.scheduleReview();
   }
 
   /** The object that is shown may be gone. A renamed one is followed, otherwise the one above is shown. */
-  private async leaveDeleted(deleted: string[], created: string[], result: EditResult): Promise<void> {
+  private leaveDeleted(deleted: string[], created: string[], result: EditResult): void {
     const gone = deleted.find((path) => isAtOrBelow(this.selected.value, path) && !created.includes(path));
     if (gone === undefined) return;
     const renamed = result.made?.find((edit) => edit.kind === 'rename-object' && edit.path === gone);
@@ -628,6 +744,11 @@ export class DocumentStore {
       renamed?.name === undefined ? parentOf(top) : `${gone.slice(0, gone.lastIndexOf(':') + 1)}${renamed.name}`;
     this.selected.value = next.length < this.root.length ? this.root : next;
     this.tree.active.value = this.selected.value;
+  }
+
+  private async isThere(path: string): Promise<boolean> {
+    const { object } = await this.connection.call('lookObject', { document: this.document, path });
+    return object?.present === true;
   }
 
   private async refreshForm(result: EditResult, read: FormRead | null): Promise<void> {
@@ -658,7 +779,7 @@ export class DocumentStore {
       // The values come first: they are what the user looks at.
       const held = [...this.mounted.keys()];
       for (const [key, record] of this.records) {
-        const name = key.slice(key.indexOf('\n') + 1);
+        const name = nameOf(key);
         if (!this.mounted.has(name)) this.records.delete(key);
         else if (record.peek() === null) this.wanted.delete(name);
       }
@@ -699,13 +820,19 @@ export class DocumentStore {
     const state: State = rest;
     if (cause === 'open') return;
     await this.inTurn(async () => {
+      if (event.document !== this.document) return;
+      if (cause === 'save') {
+        // What was edited since is not saved.
+        if (event.revision >= this.state.value.revision) this.state.value = state;
+        return;
+      }
       // What this page did itself is shown already, from the answer.
-      if (event.revision <= this.state.value.revision && cause !== 'save') return;
-      if (cause === 'save' || cause === 'recover' || !result) {
-        this.state.value = state;
-        if (cause !== 'save') await this.refreshAll();
+      if (event.revision <= this.state.value.revision && !this.skipped.delete(event.revision)) return;
+      if (cause === 'recover' || !result) {
+        if (event.revision > this.state.value.revision) this.state.value = state;
+        await this.readOrLater(() => this.refreshAll());
       } else {
-        await this.show(state, result, cause, client ?? 'another program');
+        await this.show(state, result, cause, client === this.client ? 'you' : (client ?? 'another program'));
       }
     });
   }
@@ -879,6 +1006,21 @@ function entryOf(param: Param): LayoutEntry {
     ...(advanced ? { advanced } : {}),
     ...(waiting ? { waiting: true } : {}),
   };
+}
+
+/** Why edits were not made, or null if they were made or not wanted. `kept` is a sentence about what was typed. */
+export function problemOf(outcome: Outcome, kept = ''): Problem | null {
+  const withKept = (sentence: string): Problem => ({ sentence: kept === '' ? sentence : `${sentence} ${kept}` });
+  switch (outcome.kind) {
+    case 'refused':
+      return outcome.problem;
+    case 'conflict':
+      return withKept('Someone else has changed this meanwhile.');
+    case 'unknown':
+      return withKept('The server did not say whether this was done.');
+    default:
+      return null;
+  }
 }
 
 export function sentenceOf(error: unknown): string {

@@ -36,7 +36,7 @@ export class Editor {
           this.notice.value = 'The document was closed by another program.';
         }
       } else {
-        void store?.refreshAll().catch(() => {});
+        void this.missedEvents().catch(() => {});
       }
     };
   }
@@ -74,8 +74,7 @@ export class Editor {
       });
       const store = this.open.value;
       if (store && (store.state.value.file === state.file || store.document === state.document)) {
-        store.state.value = state;
-        await store.refreshAll();
+        await store.reload(state);
       } else {
         await this.show(state);
       }
@@ -122,13 +121,7 @@ export class Editor {
       return;
     }
     const same = hello.documents.find(({ document }) => document === store.document);
-    if (same) {
-      if (same.revision !== store.state.value.revision) {
-        store.state.value = same;
-        await store.refreshAll();
-      }
-      return;
-    }
+    if (same) return store.reload(same);
     // A new server does not know the document. Drafts stay; the file is shown as the server has it.
     const file = store.state.value.file;
     const again = hello.documents.find((state) => file !== undefined && state.file === file);
@@ -140,10 +133,17 @@ export class Editor {
       return;
     }
     this.noteState(state);
-    store.state.value = state;
     const left = hello.recoverable.some((one) => one.file === file);
     this.notice.value = left ? '' : 'The server was started again. All edits that it had answered are in the file.';
-    await store.refreshAll();
+    await store.reload(state);
+  }
+
+  private async missedEvents(): Promise<void> {
+    const { documents } = await this.connection.call('documents', {});
+    this.documents.value = documents;
+    const store = this.open.value;
+    const same = documents.find(({ document }) => document === store?.document);
+    if (same) await store?.reload(same);
   }
 }
 

@@ -1,5 +1,7 @@
 import { useEffect, useRef } from 'preact/hooks';
 import { lastPart } from '../model/Paths';
+import { shorten } from '../model/Quantity';
+import { count } from '../model/Sentences';
 import type { DocumentStore } from '../store/DocumentStore';
 import { type Editor, pathOfAddress } from '../store/Editor';
 import { Banners } from './Banners';
@@ -79,6 +81,14 @@ function paramOf(element: Element | null): string | undefined {
   return element?.closest<HTMLElement>('[data-param]')?.dataset.param;
 }
 
+/** A text that was refused, or that waits for a decision, is easily forgotten in an object that is not shown. */
+function unsetText(places: string[]): string {
+  if (places.length === 0) return '';
+  const shown = places.slice(0, 3).map((place) => shorten(place, 100));
+  const more = places.length > 3 ? ` and ${count(places.length - 3, 'other field')}` : '';
+  return `Saved, but not what is typed in ${shown.join(', ')}${more}: it is not in the model.`;
+}
+
 function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) {
   const isReadOnly = editor.connection.link.value.kind !== 'online';
   const pane = editor.pane.value;
@@ -86,11 +96,14 @@ function Workbench({ editor, store }: { editor: Editor; store: DocumentStore }) 
 
   const save = async () => {
     // The field that is being typed in comes first. Its edit is in the queue before the saving.
-    if (document.activeElement instanceof HTMLElement && takesText(document.activeElement))
-      document.activeElement.blur();
+    const active = document.activeElement;
+    if (active instanceof HTMLElement && takesText(active)) {
+      active.blur();
+      active.focus({ preventScroll: true });
+    }
     const sentence = await store.save();
     // An older notice may say that something is not saved.
-    editor.notice.value = store.saveConflict.value === null ? (sentence ?? '') : '';
+    editor.notice.value = store.saveConflict.value === null ? (sentence ?? unsetText(store.unsetDrafts())) : '';
   };
 
   useEffect(() => {

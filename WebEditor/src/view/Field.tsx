@@ -4,27 +4,21 @@ import { useEffect, useId, useState } from 'preact/hooks';
 import { listItems, listValue } from '../model/Lists';
 import { judgeNumber, shorten } from '../model/Quantity';
 import { boundsText, editText, originText, shownValue, waitingText } from '../model/Sentences';
+import { truthWords } from '../model/Truth';
 import type { Edit, Param } from '../protocol/Messages';
-import { type DocumentStore, type Draft, longForm, type Outcome, type Problem } from '../store/DocumentStore';
+import {
+  type DocumentStore,
+  type Draft,
+  longForm,
+  type Outcome,
+  type Problem,
+  problemOf,
+} from '../store/DocumentStore';
 import { ChoiceList, fitsRadios, Radios } from './Choice';
 import { Icon } from './Icon';
 import { fitsBoxes, ListField } from './ListField';
 import { Menu, type MenuItem } from './Menu';
-import { editOfDraft, fieldText, fieldUnit, hasUnitBox, isNumber, TextField } from './TextField';
-
-const yes = new Set(['yes', 'true', 'on']);
-const pairs = [
-  ['yes', 'no'],
-  ['true', 'false'],
-  ['on', 'off'],
-] as const;
-
-/** The two words for a truth value, in the spelling that the value has already. */
-export function truthWords(value: string | undefined): { value: string; label: string }[] {
-  const word = (value ?? '').toLowerCase();
-  const pair = pairs.find((both) => both.some((one) => one === word)) ?? pairs[0];
-  return pair.map((one) => ({ value: one === word ? (value ?? one) : one, label: yes.has(one) ? 'Yes' : 'No' }));
-}
+import { draftOfEdit, editOfDraft, fieldText, fieldUnit, hasUnitBox, isNumber, TextField } from './TextField';
 
 export function Field({
   store,
@@ -158,7 +152,7 @@ function WaitingField({ store, param }: { store: DocumentStore; param: Param }) 
               run: () => void store.askWhy({ path: param.path, name: param.name }, 'presence'),
             },
             { label: 'How to get it', run: () => void store.askHow({ path: param.path, name: param.name }) },
-            { label: 'Switch off, so that it does not come back', run: () => void store.commit([drop]) },
+            { label: 'Switch off, so that it does not come back', run: () => void store.commitOrSay([drop]) },
           ]}
         />
       }
@@ -170,6 +164,19 @@ function WaitingField({ store, param }: { store: DocumentStore; param: Param }) 
   );
 }
 
+/** Whether the user is still where an edit began. The focus is nowhere when the button that had it is gone. */
+function hasFocusStill(store: DocumentStore, { path, name }: Param): boolean {
+  const at = document.activeElement;
+  const row = at?.closest<HTMLElement>('[data-param]')?.dataset.param;
+  return store.form.peek()?.path === path && (at === null || at === document.body || row === name);
+}
+
+/** A problem that its field cannot show, because the form shows another object by now. */
+function sayElsewhere(store: DocumentStore, param: Param, problem: Problem | null): void {
+  if (problem && store.selected.peek() !== param.path)
+    store.announce(`${param.label ?? param.name}: ${problem.sentence}`);
+}
+
 function OfferedField({ store, param, isReadOnly }: { store: DocumentStore; param: Param; isReadOnly: boolean }) {
   const id = useId();
   const [problem, setProblem] = useState('');
@@ -177,8 +184,9 @@ function OfferedField({ store, param, isReadOnly }: { store: DocumentStore; para
   const switchOn = async () => {
     if (isReadOnly) return;
     const outcome = await store.commit([on]);
-    if (outcome.kind === 'refused') setProblem(outcome.problem.sentence);
-    else if (outcome.kind === 'applied') store.target.value = { name: param.name };
+    setProblem(problemOf(outcome)?.sentence ?? '');
+    if (outcome.kind === 'applied' && hasFocusStill(store, param)) store.target.value = { name: param.name };
+    else sayElsewhere(store, param, problemOf(outcome));
   };
   return (
     <Row
@@ -247,8 +255,7 @@ export async function showTrial(store: DocumentStore, edits: Edit[]): Promise<vo
 }
 
 async function commitTried(store: DocumentStore, edits: Edit[]): Promise<void> {
-  const outcome = await store.commit(edits);
-  if (outcome.kind !== 'applied') return;
+  if (!(await store.commitOrSay(edits))) return;
   for (const { kind, path, name } of edits)
     if (kind === 'set-param' && name !== undefined) store.setDraft({ path, name }, null);
 }
@@ -274,27 +281,47 @@ export async function commitDraft(store: DocumentStore, param: Param): Promise<v
     store.setDraft(item, { ...draft, problem: { sentence, ...(suggestion === undefined ? {} : { suggestion }) } });
     return;
   }
-  store.setDraft(item, { ...draft, isSent: true });
-  settle(store, param, draft, await store.commit([wanted.edit], { askFirst: true }));
+  const { follows: _follows, ...meant } = draft;
+  const sent: Draft = { ...meant, isSent: true };
+  store.setDraft(item, sent);
+  settle(store, param, sent, await store.commit([wanted.edit], { askFirst: true }));
 }
 
-function settle(store: DocumentStore, param: Param, draft: Draft, outcome: Outcome): void {
+const keptText = 'Your text is kept; press Enter to set it.';
+
+/** What becomes of a draft when the server has answered. */
+function settle(store: DocumentStore, param: Param, sent: Draft, outcome: Outcome): void {
   const item = { path: param.path, name: param.name };
-  const now = store.draft(item).peek();
-  // Somebody has typed on while the answer was on its way. That is a new draft.
-  if (now !== null && now.text !== draft.text) {
-    store.setDraft(item, { ...now, base: store.record(param.path, param.name).peek()?.value ?? '' });
+  const problem = problemOf(outcome, keptText);
+  sayElsewhere(store, param, problem);
+  if (store.draft(item).peek() !== sent) {
+    followOwnEdit(store, param, sent, outcome);
     return;
   }
-  if (outcome.kind === 'applied' || outcome.kind === 'declined') store.setDraft(item, null);
-  else store.setDraft(item, { ...draft, problem: problemOf(outcome) });
+  const { isSent: _isSent, ...draft } = sent;
+  // Where only the text is wrong, nobody has changed the value.
+  const base = outcome.kind === 'refused' ? valueNow(store, param, draft.base) : draft.base;
+  store.setDraft(item, problem ? { ...draft, base, problem } : null);
 }
 
-function problemOf(outcome: Outcome): Problem {
-  if (outcome.kind === 'refused') return outcome.problem;
-  if (outcome.kind === 'conflict')
-    return { sentence: 'Someone else has changed this meanwhile. Your text is kept; press Enter to set it anyway.' };
-  return { sentence: 'The server did not say whether this was done. Your text is kept.' };
+function valueNow(store: DocumentStore, { path, name }: Param, otherwise: string): string {
+  const record = store.record(path, name).peek();
+  return record === null ? otherwise : (record.value ?? '');
+}
+
+/**
+ * Somebody has typed on while the answer to an edit was on its way. The new text is meant for the new value. `sent` is
+ * null for an edit that was no draft.
+ */
+function followOwnEdit(store: DocumentStore, param: Param, sent: Draft | null, outcome: Outcome): void {
+  const item = { path: param.path, name: param.name };
+  const now = store.draft(item).peek();
+  if (now === null || now.isSent || (now.follows ?? sent) !== sent) return;
+  const { follows: _follows, ...draft } = now;
+  const record = store.record(param.path, param.name).peek();
+  const isMade = outcome.kind === 'applied';
+  const isSame = isMade && record !== null && draft.unit === undefined && hasTextOf(record, draft);
+  store.setDraft(item, isSame ? null : { ...draft, base: isMade ? valueNow(store, param, draft.base) : draft.base });
 }
 
 function PresentField({ store, param, isReadOnly }: { store: DocumentStore; param: Param; isReadOnly: boolean }) {
@@ -311,32 +338,45 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
   const isInvalid = shownProblem !== null || findings.some((one) => one.severity === 'error');
   const describedBy = `${hintId} ${problemId}`;
 
-  const set = async (value: string) => {
+  const make = async (edit: Edit): Promise<Outcome> => {
     setProblem(null);
     setKept(null);
-    const outcome = await store.commit([{ kind: 'set-param', ...item, value }], { askFirst: true });
-    if (outcome.kind !== 'applied' && outcome.kind !== 'declined') setProblem(problemOf(outcome));
-  };
-  const change = async (edit: Edit) => {
-    setProblem(null);
-    store.setDraft(item, null);
     const outcome = await store.commit([edit], { askFirst: true });
-    if (outcome.kind === 'refused') setProblem(outcome.problem);
+    setProblem(problemOf(outcome));
+    sayElsewhere(store, param, problemOf(outcome));
+    return outcome;
+  };
+  const set = async (value: string): Promise<boolean> => {
+    const outcome = await make({ kind: 'set-param', ...item, value });
+    followOwnEdit(store, param, null, outcome);
+    return outcome.kind === 'applied';
+  };
+  // The new value shows at once, so a second choice of several values begins from the first.
+  const change = async (edit: Edit) => {
+    const sent = draftOfEdit(param, edit);
+    if (sent) store.setDraft(item, sent);
+    const outcome = await make(edit);
+    if (sent && store.draft(item).peek() === sent) store.setDraft(item, null);
+    else followOwnEdit(store, param, sent, outcome);
   };
   const chooseUnit = async (unit: string) => {
     const now = fieldUnit(param, draft);
-    if (draft !== null || fieldText(param) === '') {
-      store.setDraft(item, { text: draft?.text ?? '', base: draft?.base ?? param.value ?? '', unit });
-      return;
-    }
+    const typed = (text: string, base: string) => store.setDraft(item, { text, base, unit });
     const number = fieldText(param);
-    const { value } = await store.connection.call('convert', {
-      document: store.document,
-      value: `${number} [${now}]`,
-      units: unit,
-    });
-    await set(value ?? `${number} [${unit}]`);
-    if (value !== null) setKept(`${number} [${unit}]`);
+    if (draft !== null || number === '') return typed(draft?.text ?? '', draft?.base ?? param.value ?? '');
+    try {
+      const { value } = await store.connection.call('convert', {
+        document: store.document,
+        value: `${number} [${now}]`,
+        units: unit,
+      });
+      // Who types meanwhile has chosen the unit of the new number.
+      const meanwhile = store.draft(item).peek();
+      if (meanwhile !== null) return typed(meanwhile.text, meanwhile.base);
+      if ((await set(value ?? `${number} [${unit}]`)) && value !== null) setKept(`${number} [${unit}]`);
+    } catch {
+      setProblem({ sentence: 'The server does not answer, so the unit is as before.' });
+    }
   };
 
   const reset =
@@ -368,12 +408,18 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
       });
     }
     if (!param.required && !isReadOnly)
-      list.push({ label: 'Remove', run: () => void change({ kind: 'deactivate-param', ...item }) });
+      list.push({
+        label: 'Remove',
+        run: () => {
+          store.setDraft(item, null);
+          void change({ kind: 'deactivate-param', ...item });
+        },
+      });
     return list;
   };
 
   const bounds = boundsText(param);
-  const isElsewhere = draft !== null && draft.base !== (param.value ?? '');
+  const isElsewhere = draft !== null && !draft.isSent && !draft.follows && draft.base !== (param.value ?? '');
   return (
     <Row
       param={param}
@@ -397,7 +443,7 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
         describedBy={describedBy}
         isReadOnly={isFixed}
         isInvalid={isInvalid}
-        onSet={(value) => void set(value)}
+        onChoose={(value) => void change({ kind: 'set-param', ...item, value })}
         onCommit={() => {
           setKept(null);
           void commitDraft(store, param);
@@ -524,7 +570,7 @@ function Control({
   describedBy,
   isReadOnly,
   isInvalid,
-  onSet,
+  onChoose,
   onCommit,
   onUnit,
 }: {
@@ -535,21 +581,23 @@ function Control({
   describedBy: string;
   isReadOnly: boolean;
   isInvalid: boolean;
-  onSet: (value: string) => void;
+  onChoose: (value: string) => void;
   onCommit: () => void;
   onUnit: (unit: string) => void;
 }) {
-  const choice = { store, param, labelledBy: labelId, describedBy, isReadOnly };
+  // A choice that is on its way to the server shows already.
+  const chosenNow = draft?.isSent ? { ...param, value: draft.text } : param;
+  const choice = { store, param: chosenNow, labelledBy: labelId, describedBy, isReadOnly };
   const { allowed } = param;
   const isList = param.type.endsWith(' List');
   if (param.type === 'Logical' && !allowed) {
-    return <Radios {...choice} values={truthWords(param.value)} onChoose={onSet} />;
+    return <Radios {...choice} values={truthWords(chosenNow.value)} onChoose={onChoose} />;
   }
   if (allowed && !allowed.allowsAnyValue) {
     const values = allowed.subsetValues ?? allowed.allowedValues ?? [];
     const total = (allowed.subsetValues ? allowed.subsetCount : allowed.allowedCount) ?? values.length;
     if (isList) {
-      const chosen = listItems(param.value);
+      const chosen = listItems(chosenNow.value);
       // The order of the rules, and what is not in the rules at the end.
       const valueWith = (value: string) => {
         const next = chosen.includes(value) ? chosen.filter((one) => one !== value) : [...chosen, value];
@@ -564,13 +612,13 @@ function Control({
           chosen={chosen}
           isInvalid={isInvalid}
           valueWith={valueWith}
-          onChoose={(value) => onSet(valueWith(value))}
+          onChoose={(value) => onChoose(valueWith(value))}
         />
       );
     }
-    const isKnown = param.value === '' || values.includes(param.value ?? '');
+    const isKnown = chosenNow.value === '' || values.includes(chosenNow.value ?? '');
     if (total === values.length && fitsRadios(values) && isKnown) {
-      return <Radios {...choice} values={values.map((value) => ({ value, label: value }))} onChoose={onSet} />;
+      return <Radios {...choice} values={values.map((value) => ({ value, label: value }))} onChoose={onChoose} />;
     }
     return (
       <ChoiceList
@@ -580,7 +628,7 @@ function Control({
         chosen={null}
         isInvalid={isInvalid}
         valueWith={(value) => value}
-        onChoose={onSet}
+        onChoose={onChoose}
       />
     );
   }
@@ -598,7 +646,12 @@ function Control({
           aria-label={`Units of ${param.name}`}
           value={unit}
           disabled={isReadOnly}
-          onChange={(event) => onUnit(event.currentTarget.value)}
+          onChange={(event) => {
+            const chosen = event.currentTarget.value;
+            // The number before it has the old unit until the server has converted it.
+            event.currentTarget.value = unit;
+            onUnit(chosen);
+          }}
         >
           {units.map((one) => (
             <option key={one} value={one}>

@@ -6,7 +6,7 @@ import { shorten } from '../model/Quantity';
 import { parseQuery } from '../model/Search';
 import { count, placeText, waitingText } from '../model/Sentences';
 import type { ChildType } from '../protocol/Messages';
-import type { DocumentStore, Form } from '../store/DocumentStore';
+import { type DocumentStore, type Form, problemOf } from '../store/DocumentStore';
 import { NameDialog } from './Dialogs';
 import { Field, rowEstimate } from './Field';
 import { Icon } from './Icon';
@@ -65,12 +65,12 @@ function ObjectHeader({
       list.push({
         label: 'Remove',
         isBad: true,
-        run: () => void store.commit([{ kind: 'remove-object', path }], { askFirst: true }),
+        run: () => void store.commitOrSay([{ kind: 'remove-object', path }], { askFirst: true }),
       });
     } else if (isOptional) {
       list.push({
         label: 'Switch off',
-        run: () => void store.commit([{ kind: 'deactivate-object', path }], { askFirst: true }),
+        run: () => void store.commitOrSay([{ kind: 'deactivate-object', path }], { askFirst: true }),
       });
     }
     return list;
@@ -118,7 +118,8 @@ function ObjectHeader({
             if (text.includes('/')) return noSlash;
             const kind = dialog === 'rename' ? ('rename-object' as const) : ('duplicate-object' as const);
             const outcome = await store.commit([{ kind, path, name: text }], { followReferences: follow });
-            if (outcome.kind === 'refused') return outcome.problem.sentence;
+            const problem = problemOf(outcome);
+            if (problem) return problem.sentence;
             if (outcome.kind === 'applied' && kind === 'duplicate-object')
               await store.select(`${path.slice(0, path.lastIndexOf(':') + 1)}${text}`);
             return null;
@@ -350,9 +351,9 @@ function ChildTypeView({
   const label = type.label ?? type.type;
   const offers = type.offered;
   const switchOn = async (offer: string) => {
-    const outcome = await store.commit([{ kind: 'activate-object', path: offer }]);
-    if (outcome.kind === 'applied') await store.select(offer);
-    else if (outcome.kind === 'refused') store.announce(outcome.problem.sentence);
+    const isMade = await store.commitOrSay([{ kind: 'activate-object', path: offer }]);
+    // Who has gone on to another object stays there.
+    if (isMade && store.selected.peek() === path) await store.select(offer);
   };
   return (
     <div class="child-type">
@@ -401,7 +402,8 @@ function ChildTypeView({
             if (name.includes('/')) return noSlash;
             const added = `${path}/${type.type}:${name}`;
             const outcome = await store.commit([{ kind: 'add-object', path: added }]);
-            if (outcome.kind === 'refused') return outcome.problem.sentence;
+            const problem = problemOf(outcome);
+            if (problem) return problem.sentence;
             if (outcome.kind === 'applied') await store.select(added);
             return null;
           }}

@@ -1,11 +1,12 @@
 // A list of values that are typed: a box for each item. A comma divides an item, so a whole list can be typed or pasted
-// into one box. As in other boxes nothing is judged before Enter, or before the row is left.
+// into one box. As in other boxes nothing is judged before Enter, or before the row is left. A truth value is chosen.
 import { useLayoutEffect, useRef } from 'preact/hooks';
 import { draftItems, listItems, mostItemBoxes, withItem, withoutItem } from '../model/Lists';
+import { truthWords } from '../model/Truth';
 import type { Param } from '../protocol/Messages';
 import type { Draft } from '../store/DocumentStore';
 import { Icon } from './Icon';
-import type { EntryProps } from './TextField';
+import { type EntryProps, isTyped, nextDraft } from './TextField';
 
 /** Longer lists are typed as one text. */
 export function fitsBoxes(param: Param, draft: Draft | null): boolean {
@@ -18,6 +19,8 @@ function itemsOf(param: Param, draft: Draft | null): string[] {
   return items.length === 0 ? [''] : items;
 }
 
+type ItemElement = HTMLInputElement | HTMLSelectElement;
+
 export function ListField({ store, param, draft, inputId, describedBy, isReadOnly, isInvalid, onCommit }: EntryProps) {
   const box = useRef<HTMLDivElement>(null);
   /** The box that gets the focus when it is there. */
@@ -26,9 +29,9 @@ export function ListField({ store, param, draft, inputId, describedBy, isReadOnl
   const item = { path: param.path, name: param.name };
 
   const type = (text: string) => {
-    const old = store.draft(item).peek();
-    store.setDraft(item, { text, base: old?.base ?? param.value ?? '' });
+    store.setDraft(item, nextDraft(store.draft(item).peek(), param, text));
   };
+  const boxAt = (at: number) => box.current?.querySelectorAll<ItemElement>('input, select')[at];
   const add = (at: number) => {
     if (isReadOnly) return;
     next.current = at;
@@ -41,13 +44,15 @@ export function ListField({ store, param, draft, inputId, describedBy, isReadOnl
   };
   useLayoutEffect(() => {
     if (next.current === null) return;
-    const input = box.current?.querySelectorAll('input')[next.current];
+    const input = boxAt(next.current);
     next.current = null;
     input?.focus();
-    input?.setSelectionRange(input.value.length, input.value.length);
+    if (input instanceof HTMLInputElement) input.setSelectionRange(input.value.length, input.value.length);
   });
 
-  const onKeyDown = (event: KeyboardEvent & { currentTarget: HTMLInputElement }, at: number) => {
+  const onKeyDown = (event: KeyboardEvent & { currentTarget: ItemElement }, at: number) => {
+    // The arrows of a choice choose.
+    const moves = event.currentTarget instanceof HTMLInputElement;
     if (event.key === 'Tab' && !event.shiftKey && at === items.length - 1) {
       // Leaving the last box is leaving the list.
       if (store.draft(item).peek()?.problem === undefined) onCommit();
@@ -55,36 +60,37 @@ export function ListField({ store, param, draft, inputId, describedBy, isReadOnl
     }
     if (event.key === 'Enter' && !event.isComposing) onCommit();
     else if (event.key === 'Backspace' && event.currentTarget.value === '' && items.length > 1) remove(at);
-    else if (event.key === 'ArrowDown' && at + 1 < items.length) focusBox(at + 1);
-    else if (event.key === 'ArrowUp' && at > 0) focusBox(at - 1);
-    else if (event.key === 'Escape' && store.draft(item).peek() !== null) {
+    else if (moves && event.key === 'ArrowDown' && at + 1 < items.length) boxAt(at + 1)?.focus();
+    else if (moves && event.key === 'ArrowUp' && at > 0) boxAt(at - 1)?.focus();
+    else if (event.key === 'Escape' && isTyped(store.draft(item).peek())) {
       event.stopPropagation();
       next.current = 0;
       store.setDraft(item, null);
     } else return;
     event.preventDefault();
   };
-  const focusBox = (at: number) => box.current?.querySelectorAll('input')[at]?.focus();
-
   return (
     <div ref={box} class={`items${param.type === 'String List' ? '' : ' short'}`}>
       {items.map((text, at) => (
         <span key={at} class="item">
           <ItemBox
             text={text}
-            id={at === 0 ? inputId : undefined}
-            label={`${param.label ?? param.name}, item ${at + 1} of ${items.length}`}
-            describedBy={describedBy}
+            words={param.type === 'Logical List' ? truthWords(text.trim() || items.find((one) => one !== '')) : null}
             isReadOnly={isReadOnly}
-            isInvalid={isInvalid}
             placeholder={param.units?.[0] === undefined ? 'no value' : `0 [${param.units[0]}]`}
-            onInput={(typed) => {
+            onText={(typed) => {
               // What is behind a comma is an item of its own, and typing goes on there.
               const commas = typed.split(',').length - 1;
               if (commas > 0) next.current = at + commas;
               type(items.map((one, i) => (i === at ? typed : one)).join(','));
             }}
-            onKeyDown={(event) => onKeyDown(event, at)}
+            attributes={{
+              ...(at === 0 ? { id: inputId, 'data-main': '' } : {}),
+              'aria-label': `${param.label ?? param.name}, item ${at + 1} of ${items.length}`,
+              'aria-describedby': describedBy,
+              'aria-invalid': isInvalid || undefined,
+              onKeyDown: (event) => onKeyDown(event, at),
+            }}
           />
           {!isReadOnly && (items.length > 1 || text !== '') && (
             <button
@@ -113,48 +119,68 @@ export function ListField({ store, param, draft, inputId, describedBy, isReadOnl
   );
 }
 
+interface ItemAttributes {
+  id?: string;
+  'data-main'?: string;
+  'aria-label': string;
+  'aria-describedby': string;
+  'aria-invalid': true | undefined;
+  onKeyDown: (event: KeyboardEvent & { currentTarget: ItemElement }) => void;
+}
+
 function ItemBox({
   text,
-  id,
-  label,
-  describedBy,
+  words,
   isReadOnly,
-  isInvalid,
   placeholder,
-  onInput,
-  onKeyDown,
+  onText,
+  attributes,
 }: {
   text: string;
-  id: string | undefined;
-  label: string;
-  describedBy: string;
+  /** The only values that an item can have, or null if it is typed. */
+  words: { value: string; label: string }[] | null;
   isReadOnly: boolean;
-  isInvalid: boolean;
   placeholder: string;
-  onInput: (text: string) => void;
-  onKeyDown: (event: KeyboardEvent & { currentTarget: HTMLInputElement }) => void;
+  onText: (text: string) => void;
+  attributes: ItemAttributes;
 }) {
   const input = useRef<HTMLInputElement>(null);
   // The text is written only when it differs, so the caret stays where it is.
   useLayoutEffect(() => {
     if (input.current && input.current.value !== text) input.current.value = text;
   }, [text]);
+  if (words) {
+    const value = text.trim();
+    const isKnown = value === '' || words.some((word) => word.value === value);
+    return (
+      <select
+        {...attributes}
+        value={value}
+        disabled={isReadOnly}
+        onChange={(event) => onText(event.currentTarget.value)}
+      >
+        <option value="">Choose</option>
+        {words.map((word) => (
+          <option key={word.value} value={word.value}>
+            {word.label}
+          </option>
+        ))}
+        {!isKnown && <option value={value}>{value}</option>}
+      </select>
+    );
+  }
   return (
     <input
+      {...attributes}
       ref={input}
       type="text"
-      {...(id === undefined ? {} : { id, 'data-main': '' })}
-      aria-label={label}
-      aria-describedby={describedBy}
-      aria-invalid={isInvalid || undefined}
       autocomplete="off"
       autocapitalize="off"
       spellcheck={false}
       defaultValue={text}
       readOnly={isReadOnly}
       placeholder={placeholder}
-      onInput={(event) => onInput(event.currentTarget.value)}
-      onKeyDown={onKeyDown}
+      onInput={(event) => onText(event.currentTarget.value)}
     />
   );
 }

@@ -5,7 +5,7 @@ import { fixesOf } from '../model/Fixes';
 import { keyOf } from '../model/Paths';
 import { count, editText, placeText, shownValue } from '../model/Sentences';
 import type { Difference, Edit, Finding, HowResult } from '../protocol/Messages';
-import type { DocumentStore, EffectEntry, Side } from '../store/DocumentStore';
+import { type DocumentStore, type EffectEntry, problemOf, type Side } from '../store/DocumentStore';
 import { EffectList } from './EffectList';
 import { showTrial } from './Field';
 import { Icon } from './Icon';
@@ -245,7 +245,7 @@ function Ways({ store, result, isReadOnly }: { store: DocumentStore; result: How
               type="button"
               class="primary"
               disabled={isReadOnly}
-              onClick={() => void store.commit(way.edits, { askFirst: true })}
+              onClick={() => void store.commitOrSay(way.edits, { askFirst: true })}
             >
               Do it
             </button>
@@ -331,7 +331,7 @@ function FindingView({ store, finding, isReadOnly }: { store: DocumentStore; fin
   const item = name === undefined ? { path } : { path, name };
   const fix = async (edit: Edit) => {
     const outcome = await store.commit([edit], { askFirst: true });
-    if (outcome.kind === 'refused') setProblem(outcome.problem.sentence);
+    setProblem(problemOf(outcome)?.sentence ?? '');
   };
   return (
     <li class={finding.severity}>
@@ -409,7 +409,9 @@ function DifferenceView({
           <button
             type="button"
             class="link"
-            onClick={() => void store.commit([{ kind: 'set-param', path, name, value: inModel }], { askFirst: true })}
+            onClick={() =>
+              void store.commitOrSay([{ kind: 'set-param', path, name, value: inModel }], { askFirst: true })
+            }
           >
             Reset
           </button>

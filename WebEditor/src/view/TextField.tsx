@@ -45,6 +45,27 @@ export function editOfDraft(param: Param, draft: Draft): { edit: Edit } | { prob
   return 'problem' in judged ? judged : set(judged.value);
 }
 
+/** Whether Escape takes something back. What is on its way to the server is an edit already, and has Undo. */
+export function isTyped(draft: Draft | null): boolean {
+  return draft !== null && !draft.isSent;
+}
+
+/** The draft after a key, from the one before. */
+export function nextDraft(old: Draft | null, param: Param, text: string): Draft {
+  const follows = old?.isSent ? old : old?.follows;
+  return { text, base: old?.base ?? param.value ?? '', ...(follows ? { follows } : {}) };
+}
+
+/** What the field shows while an edit of its value is on its way to the server. Null if the edit is another one. */
+export function draftOfEdit(param: Param, edit: Edit): Draft | null {
+  if (edit.kind !== 'set-param' || edit.path !== param.path || edit.name !== param.name) return null;
+  const value = edit.value ?? '';
+  const base = param.value ?? '';
+  if (!isNumber(param) || !hasUnitBox({ ...param, value })) return { text: value, base, isSent: true };
+  const { number, unit } = splitQuantity(value);
+  return { text: number, base, isSent: true, ...(unit === '' ? {} : { unit }) };
+}
+
 /** A field in which something is typed. */
 export interface EntryProps {
   store: DocumentStore;
@@ -74,11 +95,7 @@ export function TextField({ store, param, draft, inputId, describedBy, isReadOnl
     const old = store.draft(item).peek();
     if (old === null && text === value) return;
     // A message about the text goes with the next key.
-    store.setDraft(item, {
-      text,
-      base: old?.base ?? param.value ?? '',
-      ...(old?.unit === undefined ? {} : { unit: old.unit }),
-    });
+    store.setDraft(item, { ...nextDraft(old, param, text), ...(old?.unit === undefined ? {} : { unit: old.unit }) });
   };
   const onKeyDown = (event: KeyboardEvent) => {
     if (event.key === 'Enter' && !event.isComposing) {
@@ -87,7 +104,7 @@ export function TextField({ store, param, draft, inputId, describedBy, isReadOnl
     } else if (event.key === 'Tab') {
       // Leaving for the menu of the row is leaving, too. With the pointer it is not: the menu can try what was typed.
       if (store.draft(item).peek()?.problem === undefined) onCommit();
-    } else if (event.key === 'Escape' && store.draft(item).peek() !== null) {
+    } else if (event.key === 'Escape' && isTyped(store.draft(item).peek())) {
       event.preventDefault();
       event.stopPropagation();
       store.setDraft(item, null);

@@ -11,12 +11,13 @@ const mostLines = 4;
 /** The result of a trial, some time after the edits stay the same. */
 export function useTrial(store: DocumentStore, edits: Edit[] | null, delay: number): EditResult | null {
   const [result, setResult] = useState<{ key: string; result: EditResult | null } | null>(null);
-  const key = edits === null ? '' : JSON.stringify(edits);
+  // What edits would do depends on what the model is.
+  const key = edits === null ? '' : `${store.state.value.revision} ${JSON.stringify(edits)}`;
   useEffect(() => {
     if (key === '') return;
     let isCurrent = true;
     const timer = setTimeout(async () => {
-      const tried = await store.tryEdits(JSON.parse(key) as Edit[]);
+      const tried = await store.tryEdits(JSON.parse(key.slice(key.indexOf(' '))) as Edit[]);
       if (isCurrent) setResult({ key, result: tried });
     }, delay);
     return () => {
