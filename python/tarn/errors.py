@@ -4,7 +4,8 @@ from __future__ import annotations
 
 from collections.abc import Iterable
 
-from tarn.records import Diagnostic, Item, ModelFault, Refused
+from tarn.diagnostics import Diagnostic, ModelFault
+from tarn.edits import Item, Refused
 
 __all__ = ["EditRefused", "Error", "ModelError", "OpenError", "RuleError", "SaveError", "UnknownItem"]
 

@@ -15,6 +15,10 @@ from dataclasses import dataclass, field
 from typing import Literal
 
 from tarn._html import Table, table
+from tarn._sentences import Sentence, sentence_field
+from tarn.diagnostics import Diagnostic, DiagnosticFix, DiagnosticNote, ModelFault, Place
+from tarn.edits import Edit, EditKind, Item, Refused
+from tarn.errors import EditRefused
 
 __all__ = [
     "BoundsChange", "ChildTypeRecord", "ChoicesChange", "Conversion", "Diagnostic", "DiagnosticFix", "DiagnosticNote",
@@ -24,127 +28,6 @@ __all__ = [
     "ProofRead", "ProofRule", "Refused", "Step", "TextChange", "TryResult", "ValueChange", "Waiting", "WaitingChange",
     "Way",
 ]
-
-EditKind = Literal["set-param", "activate-param", "deactivate-param", "activate-object", "deactivate-object",
-                   "add-object", "remove-object", "duplicate-object", "rename-object"]
-
-
-class _Sentence:
-    """A record whose sentence was made with it."""
-
-    __slots__ = ()
-    _text: str
-
-    def __str__(self) -> str:
-        return self._text
-
-
-def _text() -> str:
-    """The field of a sentence. It says what the other fields say, so it is neither shown nor compared."""
-    text: str = field(default="", repr=False, compare=False)
-    return text
-
-
-@dataclass(frozen=True, slots=True)
-class Place:
-    """Where something is written. Lines and columns count from 1, columns in characters.
-
-    >>> str(Place("flow.rules.yaml", 34, 20))
-    'flow.rules.yaml:34:20'
-    """
-
-    file: str
-    line: int
-    column: int
-
-    def __str__(self) -> str:
-        return f"{self.file}:{self.line}:{self.column}"
-
-
-@dataclass(frozen=True, slots=True)
-class Item:
-    """An object, or with `name` one of its parameters.
-
-    >>> Item("/Case/Domain:rotor", "Motion").text
-    '/Case/Domain:rotor/Motion'
-    >>> Item("/Case/Domain:rotor").is_param
-    False
-    """
-
-    path: str
-    name: str | None = None
-
-    @property
-    def is_param(self) -> bool:
-        return self.name is not None
-
-    @property
-    def text(self) -> str:
-        """The path of the item; "/" is the root of the model."""
-        return self.path or "/" if self.name is None else f"{self.path}/{self.name}"
-
-    def __str__(self) -> str:
-        return self.text
-
-
-@dataclass(frozen=True, slots=True)
-class Edit:
-    """One edit of a model, of one of nine kinds. It can be stored, sent, and applied to any session.
-
-    `path` is the absolute path of the object, or of the object that holds the parameter. `name` is the parameter, or the
-    new name of a copied or renamed object. `value` is used by "set-param" only.
-
-    >>> edit = Edit.set_param("/Case/Domain:rotor", "Motion", "Rotating")
-    >>> print(edit)
-    set /Case/Domain:rotor/Motion to "Rotating"
-    """
-
-    kind: EditKind
-    path: str
-    name: str = ""
-    value: str = ""
-
-    @staticmethod
-    def set_param(path: str, name: str, value: str) -> Edit:
-        return Edit("set-param", path, name, value)
-
-    @staticmethod
-    def activate_param(path: str, name: str) -> Edit:
-        return Edit("activate-param", path, name)
-
-    @staticmethod
-    def deactivate_param(path: str, name: str) -> Edit:
-        return Edit("deactivate-param", path, name)
-
-    @staticmethod
-    def activate_object(path: str) -> Edit:
-        return Edit("activate-object", path)
-
-    @staticmethod
-    def deactivate_object(path: str) -> Edit:
-        return Edit("deactivate-object", path)
-
-    @staticmethod
-    def add_object(path: str) -> Edit:
-        return Edit("add-object", path)
-
-    @staticmethod
-    def remove_object(path: str) -> Edit:
-        return Edit("remove-object", path)
-
-    @staticmethod
-    def duplicate_object(path: str, new_name: str) -> Edit:
-        return Edit("duplicate-object", path, new_name)
-
-    @staticmethod
-    def rename_object(path: str, new_name: str) -> Edit:
-        return Edit("rename-object", path, new_name)
-
-    def __str__(self) -> str:
-        from tarn import _tarn
-
-        return _tarn.edit_sentence(self)
-
 
 @dataclass(frozen=True, slots=True)
 class ParamAllowedValues:
@@ -165,7 +48,7 @@ class ParamAllowedValues:
 
 
 @dataclass(frozen=True, slots=True)
-class Waiting(_Sentence):
+class Waiting(Sentence):
     """Something that was asked for, is kept, and is not in force. It comes into force when the rules allow it."""
 
     item: Item
@@ -176,61 +59,61 @@ class Waiting(_Sentence):
     """The `Reason` of the rule; "" when it gives none."""
     missing_object: str
     """The object that must be present first, for "object-not-present"."""
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class ValueChange(_Sentence):
+class ValueChange(Sentence):
     """A parameter that came (`before` is None), went (`after` is None), or has another value."""
 
     path: str
     name: str
     before: str | None
     after: str | None
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class ChoicesChange(_Sentence):
+class ChoicesChange(Sentence):
     """A parameter whose allowed values, or whose subset of them, changed."""
 
     path: str
     name: str
     before: ParamAllowedValues
     after: ParamAllowedValues
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class BoundsChange(_Sentence):
+class BoundsChange(Sentence):
     """A parameter whose bounds changed: lower and upper bound with their units. "" means no bound."""
 
     path: str
     name: str
     before: tuple[str, str]
     after: tuple[str, str]
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class TextChange(_Sentence):
+class TextChange(Sentence):
     """A parameter whose default or quantity type changed. "" means that it has none."""
 
     path: str
     name: str
     before: str
     after: str
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class WaitingChange(_Sentence):
+class WaitingChange(Sentence):
     """A request that began to wait, waits no longer, or waits for another reason."""
 
     item: Item
     before: Waiting | None
     after: Waiting | None
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
@@ -272,7 +155,7 @@ class Effect:
 
 
 @dataclass(frozen=True, slots=True)
-class Conversion(_Sentence):
+class Conversion(Sentence):
     """A number that was rewritten on entry, because its units are not those of the parameter."""
 
     index: int
@@ -282,39 +165,21 @@ class Conversion(_Sentence):
     """As it was given: "25 mm"."""
     to: str
     """As it was set: "0.025 [m]"."""
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class FollowedReference(_Sentence):
+class FollowedReference(Sentence):
     """A value that followed the renaming of an object whose name it held."""
 
     item: Item
     before: str
     after: str
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class Refused(_Sentence):
-    """Why edits were refused, and what would have worked. `str` has all of it in one sentence."""
-
-    code: str
-    """Lower case words with hyphens, such as "unknown-parameter"."""
-    index: int
-    """The index of the refused edit among those that were given, from 0."""
-    edit: Edit
-    sentence: str
-    """The reason, without the proposal."""
-    nearest: Edit | None
-    """The nearest edit that is possible. It has been tried."""
-    possible: tuple[str, ...]
-    """The values, names or units that are possible now, in the order of the rules."""
-    _text: str = _text()
-
-
-@dataclass(frozen=True, slots=True)
-class EditResult(_Sentence):
+class EditResult(Sentence):
     """The outcome of one or several edits. They are applied as one, or refused as one."""
 
     refused: Refused | None
@@ -325,7 +190,7 @@ class EditResult(_Sentence):
     conversions: tuple[Conversion, ...]
     followed: tuple[FollowedReference, ...]
     effect: Effect
-    _text: str = _text()
+    _text: str = sentence_field()
 
     @property
     def applied(self) -> bool:
@@ -334,8 +199,6 @@ class EditResult(_Sentence):
     def or_raise(self) -> EditResult:
         """This result, if the edits were applied. Raises `EditRefused` otherwise."""
         if self.refused is not None:
-            from tarn.errors import EditRefused
-
             raise EditRefused(self.refused)
         return self
 
@@ -466,7 +329,7 @@ class Findings:
 
 
 @dataclass(frozen=True, slots=True)
-class ParamRecord(_Sentence):
+class ParamRecord(Sentence):
     """Everything about one parameter of one object, as it is now."""
 
     path: str
@@ -502,7 +365,7 @@ class ParamRecord(_Sentence):
     allowed: ParamAllowedValues
     complete_list_required: bool
     rule: Place | None
-    _text: str = _text()
+    _text: str = sentence_field()
 
     @property
     def available(self) -> bool:
@@ -543,7 +406,7 @@ def _some(values: tuple[str, ...], most: int = 50) -> str:
 
 
 @dataclass(frozen=True, slots=True)
-class ObjectRecord(_Sentence):
+class ObjectRecord(Sentence):
     """Everything about one object, as it is now."""
 
     path: str
@@ -572,7 +435,7 @@ class ObjectRecord(_Sentence):
     """The number of its present children."""
     rule: Place | None
     content: Place | None
-    _text: str = _text()
+    _text: str = sentence_field()
 
     @property
     def item(self) -> Item:
@@ -593,7 +456,7 @@ class ObjectRecord(_Sentence):
 
 
 @dataclass(frozen=True, slots=True)
-class ChildTypeRecord(_Sentence):
+class ChildTypeRecord(Sentence):
     """One type of children of an object, as it is now."""
 
     type: str
@@ -615,7 +478,7 @@ class ChildTypeRecord(_Sentence):
     offered: tuple[str, ...]
     """The paths of the children that the user can switch on."""
     rule: Place | None
-    _text: str = _text()
+    _text: str = sentence_field()
 
     def _repr_html_(self) -> str:
         rows = Table()
@@ -629,17 +492,17 @@ class ChildTypeRecord(_Sentence):
 
 
 @dataclass(frozen=True, slots=True)
-class Found(_Sentence):
+class Found(Sentence):
     """An item that a search has found."""
 
     item: Item
     match: Literal["exact", "prefix", "word", "substring"]
     present: bool
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class Step(_Sentence):
+class Step(Sentence):
     """One step of the history."""
 
     number: int
@@ -648,22 +511,22 @@ class Step(_Sentence):
     made: tuple[Edit, ...]
     conversions: tuple[Conversion, ...]
     followed: tuple[FollowedReference, ...]
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class OwnValue(_Sentence):
+class OwnValue(Sentence):
     """A value that the user has set in this session and that no later edit has replaced."""
 
     item: Item
     value: str
     step: int
     in_force: bool
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
-class Difference(_Sentence):
+class Difference(Sentence):
     """How one item of the result differs from the model that was opened."""
 
     item: Item
@@ -671,7 +534,7 @@ class Difference(_Sentence):
     now: str | None
     is_new_object: bool
     """For objects: the result has it, and the model does not. Otherwise the other way round."""
-    _text: str = _text()
+    _text: str = sentence_field()
 
 
 @dataclass(frozen=True, slots=True)
@@ -778,7 +641,7 @@ class ProofNode:
 
 
 @dataclass(frozen=True, slots=True)
-class Proof(_Sentence):
+class Proof(Sentence):
     """Why something is as it is: a tree of facts. `str` is the proof as text."""
 
     question: Literal["presence", "value", "allowed", "last-edit"]
@@ -786,7 +649,7 @@ class Proof(_Sentence):
     nodes: tuple[ProofNode, ...]
     hidden: int
     """Number of reads whose explanation would need more depth."""
-    _text: str = _text()
+    _text: str = sentence_field()
 
     @property
     def answer(self) -> ProofNode:
@@ -820,7 +683,7 @@ class Way:
 
 
 @dataclass(frozen=True, slots=True)
-class HowResult(_Sentence):
+class HowResult(Sentence):
     """The result of a search for edits. `str` is all of it as text."""
 
     goal: Goal
@@ -833,64 +696,4 @@ class HowResult(_Sentence):
     refused: Refused | None
     blocking: Proof | None
     free_params: tuple[Item, ...]
-    _text: str = _text()
-
-
-@dataclass(frozen=True, slots=True)
-class ModelFault:
-    """A malformed line of a model text. Lines and columns count from 1, columns in characters."""
-
-    line: int
-    column: int
-    reason: str
-
-
-@dataclass(frozen=True, slots=True)
-class DiagnosticFix:
-    """A change of a rule file that removes a problem: replace the characters from the first position up to the second
-    by `text`."""
-
-    title: str
-    source: str
-    line: int
-    column: int
-    end_line: int
-    end_column: int
-    text: str
-
-
-@dataclass(frozen=True, slots=True)
-class DiagnosticNote:
-    """A further position that belongs to a problem."""
-
-    source: str
-    line: int
-    column: int
-    end_line: int
-    end_column: int
-    message: str
-    source_line: str
-    source_column: int
-
-
-@dataclass(frozen=True, slots=True)
-class Diagnostic(_Sentence):
-    """A problem in a rule file. `str` shows the line with marks under the problem.
-
-    Lines and columns count from 1, columns in characters. All four numbers are 0 for a problem of a whole file.
-    """
-
-    source: str
-    line: int
-    column: int
-    end_line: int
-    end_column: int
-    severity: Literal["error", "warning", "note"]
-    code: str
-    message: str
-    source_line: str
-    source_column: int
-    notes: tuple[DiagnosticNote, ...]
-    affected: int
-    fix: DiagnosticFix | None
-    _text: str = _text()
+    _text: str = sentence_field()

@@ -22,7 +22,7 @@ from typing import Any
 
 from tarn.study.errors import StudyError
 from tarn.study.making import VERSION, MadePoint, PointMaker, PreparedStudy
-from tarn.study.running import Batch, Work, died
+from tarn.study.work import Batch, Work, died
 
 CONNECT_SECONDS = 30.0
 """A study does not begin if no scheduler answers in this time."""

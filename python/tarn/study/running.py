@@ -7,29 +7,20 @@ import multiprocessing
 import os
 import signal
 import time
-from collections import deque
 from collections.abc import Callable, Iterator, Sequence
 from concurrent.futures import FIRST_COMPLETED, Future, ProcessPoolExecutor, wait
 from concurrent.futures.process import BrokenProcessPool
-from dataclasses import dataclass, field
-from typing import Protocol
+from dataclasses import dataclass
 
 from tarn._checks import whole
+from tarn.study.cluster import ClusterExecutor
 from tarn.study.designs import Point
 from tarn.study.errors import StudyError
 from tarn.study.making import VERSION, MadePoint, PointMaker, PreparedStudy, digest_of, prepare
 from tarn.study.storing import Store
 from tarn.study.study import Study
 from tarn.study.tables import check_format, write_table
-
-Batch = list[tuple[int, Point]]
-
-MOST_IN_A_BATCH = 1000
-BATCH_SECONDS = 2.0
-"""Batches grow until one takes about so long. This is what a killed process has to make again at most."""
-
-MOST_DEATHS = 3
-"""A point during which so many processes died is given up and has the status "failed"."""
+from tarn.study.work import MOST_DEATHS, Batch, Executor, Work, died
 
 
 @dataclass
@@ -66,47 +57,6 @@ class Outcome:
     table: str | None
     missing: int = 0
     """The number of points of the whole study that are not finished, because other parts have to make them."""
-
-
-class Executor(Protocol):
-    """Something that makes points."""
-
-    def run(self, work: Work) -> Iterator[list[MadePoint]]:
-        """Takes batches until there are no more, and yields points in any order. A point may come twice."""
-
-    def close(self) -> None: ...
-
-
-@dataclass
-class Work:
-    """The points that are still to be made, in batches whose size follows from the time that points take."""
-
-    numbers: Iterator[int]
-    point: Callable[[int], Point]
-    fixed: int | None = None
-    note: Callable[[str], None] = field(default=lambda text: None)
-    _size: int = 1
-    _again: deque[Batch] = field(default_factory=deque)
-
-    def next(self) -> Batch | None:
-        """The next batch; None if there is none at present."""
-        if self._again:
-            return self._again.popleft()
-        batch = []
-        for number in self.numbers:
-            batch.append((number, self.point(number)))
-            if len(batch) >= (self.fixed or self._size):
-                break
-        return batch or None
-
-    def again(self, batch: Batch) -> None:
-        """Takes a batch back that was lost."""
-        self._again.append(batch)
-
-    def took(self, batch: Batch, seconds: float) -> None:
-        """Learns from the time that a batch took."""
-        wanted = int(len(batch) * BATCH_SECONDS / max(seconds, 1e-6))
-        self._size = max(1, min(wanted, 4 * self._size, MOST_IN_A_BATCH))
 
 
 def run_study(study: Study, folder: str | os.PathLike[str], *, jobs: int | None = None, scheduler: str | None = None,
@@ -175,8 +125,6 @@ def identity_of(study: Study, prepared: PreparedStudy) -> dict[str, str | int]:
 
 def executor_for(prepared: PreparedStudy, jobs: int | None, scheduler: str | None) -> Executor:
     if scheduler is not None:
-        from tarn.study.cluster import ClusterExecutor
-
         return ClusterExecutor(prepared, scheduler)
     number = jobs or len(os.sched_getaffinity(0))
     if number == 1:
@@ -276,7 +224,3 @@ class Processes:
 
     def close(self) -> None:
         self.pool.shutdown(wait=True, cancel_futures=True)
-
-
-def died(number: int) -> MadePoint:
-    return MadePoint(number, reasons=[f"{MOST_DEATHS} processes died while they made this point"])
