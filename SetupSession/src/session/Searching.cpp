@@ -220,6 +220,7 @@ std::vector<Difference> SessionImpl::differencesFrom(ModelState const& model) co
     if (!isInside(path)) continue;
     for (std::string at = path; inModel.insert(at).second && at.size() > root_.size();) at = PathUtils::parentOf(at);
     ObjectState const& present = valuesAt(path);
+    if (params == present) continue;  // almost always, and quicker than to look for each name
     for (auto const& [name, value] : params) {
       if (StringUtilities::trimmed(value).empty()) continue;
       auto const now = present.find(name);
@@ -239,7 +240,9 @@ std::vector<Difference> SessionImpl::differencesFrom(ModelState const& model) co
       all[object] = {object, std::nullopt, std::nullopt, true};
     }
     auto const entry = model.find(path);
-    for (auto const& [name, value] : valuesAt(path)) {
+    ObjectState const& present = valuesAt(path);
+    if (entry != model.end() && entry->second == present) return;
+    for (auto const& [name, value] : present) {
       // A value of blanks counts as absent, unless the result has the same.
       bool isInModel = false;
       if (entry != model.end()) {
