@@ -1,7 +1,7 @@
 // Names and values belong to users. Whatever they are, the page shows them as text, and none of them acts.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { closeBrowser, eventually, field, flow, form, openBrowser, shows, side, tab, tree, withPage } from './harness.mjs';
+import { closeBrowser, eventually, field, flow, form, hits, openBrowser, shows, side, tab, tree, withPage } from './harness.mjs';
 
 before(openBrowser);
 after(closeBrowser);
@@ -36,8 +36,13 @@ test(
 
 test(
   'bidirectional marks do not reach beyond the value that has them',
-  withPage({ ...flow, text: `Case:\n  Title = ${rightToLeft}\n  Author = ${rightToLeft}\nEND # Case:\n` }, {}, async ({ page }) => {
+  withPage({ ...flow, text: `Case:\n  Title = ${rightToLeft}\n  Author = ${rightToLeft}\n  Material: ${rightToLeft}\n    Phase = Gas\n  END # Material:${rightToLeft}\nEND # Case:\n` }, {}, async ({ page }) => {
     await shows(page, 'Case');
+    await tree(page).getByText('⟨202E⟩txet gnorw⟨2066⟩').waitFor();
+    await page.getByRole('searchbox').fill('gnorw');
+    await hits(page).getByText('⟨202E⟩txet gnorw⟨2066⟩').waitFor();
+    await page.getByRole('searchbox').fill('');
+    await tree(page).waitFor();
     await field(page, 'Author').getByRole('textbox').fill('someone');
     await field(page, 'Author').getByRole('textbox').press('Enter');
     await tab(page, 'Changes').click();

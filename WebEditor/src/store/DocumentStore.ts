@@ -484,8 +484,9 @@ export class DocumentStore {
 
   private inTurn<T>(work: () => Promise<T>): Promise<T> {
     const turn = this.queue.then(async () => {
+      // While the user is asked, it is the user who works.
       const timer = setTimeout(() => {
-        this.isWorking.value = true;
+        this.isWorking.value = !this.isAsking;
       }, 300);
       try {
         return await work();
@@ -627,13 +628,17 @@ export class DocumentStore {
   /** The revision that the form shows. */
   private shownRevision = 0;
 
+  private isAsking = false;
+
   private askUser(edits: Edit[], result: EditResult): Promise<boolean> {
+    this.isAsking = true;
     this.isWorking.value = false;
     return new Promise((resolve) => {
       this.preview.value = {
         edits,
         result,
         decide: (yes) => {
+          this.isAsking = false;
           this.preview.value = null;
           resolve(yes);
         },

@@ -136,7 +136,7 @@ function HitItem({
 }) {
   const { item, hits, level, position, size, expandable, open, below } = row;
   const { type, name } = typeAndName(item.path);
-  const shown = item.name ?? (name || type || 'Model');
+  const shown = shorten(item.name ?? (name || type || 'Model'), 200);
   const range = hits.length > 0 ? matchRange(shown, text) : null;
   const note = hits.map((hit) => hit.note).join(' · ');
   const hint = [...new Set(hits.map((hit) => hit.hint ?? hit.note))].join(' · ');

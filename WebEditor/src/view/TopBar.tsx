@@ -1,5 +1,6 @@
 import { useEffect, useRef, useState } from 'preact/hooks';
 import { lastPart } from '../model/Paths';
+import { shorten } from '../model/Quantity';
 import { type Filter, parseQuery, toggleFilter } from '../model/Search';
 import type { DocumentStore } from '../store/DocumentStore';
 import type { Editor } from '../store/Editor';
@@ -70,7 +71,7 @@ export function TopBar({
   return (
     <header class="top">
       <div class="document-name" title={file}>
-        <h1>{name}</h1>
+        <h1>{shorten(name, 120)}</h1>
         {unsaved && (
           <span class="unsaved">
             <span class="unsaved-dot" aria-hidden="true" />

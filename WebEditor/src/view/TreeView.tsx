@@ -1,6 +1,7 @@
 // The tree of objects: one stop of the Tab key. Arrows move, Enter shows an object. Only the rows on the screen are
 // rendered.
 import { useEffect, useLayoutEffect, useRef } from 'preact/hooks';
+import { shorten } from '../model/Quantity';
 import { count } from '../model/Sentences';
 import { rowText, type TreeRow } from '../model/Tree';
 import type { DocumentStore } from '../store/DocumentStore';
@@ -120,7 +121,7 @@ function TreeItem({
   const isSet = row.kind === 'object' && store.ownPaths.value.has(row.path);
   const canOpen = row.kind === 'type' || (row.kind === 'object' && row.expandable);
   const isOpen = canOpen && row.open;
-  const text = rowText(row, store.tree.nodes);
+  const text = shorten(rowText(row, store.tree.nodes), 200);
   const isGrouped = row.kind === 'object' && row.isGrouped;
   const type = record && !record.singleton && record.name !== '' && !isGrouped ? (record.label ?? record.type) : '';
   return (
