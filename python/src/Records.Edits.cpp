@@ -114,11 +114,12 @@ py::object Converter::operator()(session::FollowedReference const& reference) {
 }
 
 py::object Converter::operator()(session::Refused const& refused) {
-  static RecordType const type("Refused", {"code", "index", "edit", "sentence", "nearest", "possible", "_text"});
+  static RecordType const type("Refused",
+                               {"code", "index", "edit", "sentence", "nearest", "possible", "possible_count", "_text"});
   Converter& convert = *this;
   return type.make(convert(refusalName(refused.code)), convert(refused.index), convert(refused.edit),
                    convert(refused.sentence), convert(refused.nearest), convert(refused.possible),
-                   convert(sentenceOf(refused)));
+                   convert(refused.possibleCount), convert(sentenceOf(refused)));
 }
 
 py::object Converter::operator()(session::EditResult const& result) {

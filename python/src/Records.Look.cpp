@@ -33,6 +33,7 @@ py::object Converter::operator()(session::ParamRecord const& param) {
                                                "upper_bound",
                                                "lower_bound_excluded",
                                                "upper_bound_excluded",
+                                               "out_of_bounds",
                                                "quantity_type",
                                                "units",
                                                "allowed",
@@ -46,9 +47,9 @@ py::object Converter::operator()(session::ParamRecord const& param) {
                    convert(param.decision), convert(param.value), convert(originName(param.origin)),
                    convert(param.step), convert(param.waiting), convert(param.valueInModel),
                    convert(param.defaultValue), convert(param.lowerBound), convert(param.upperBound),
-                   convert(param.lowerBoundExcluded), convert(param.upperBoundExcluded), convert(param.quantityType),
-                   convert(param.units), convert(param.allowed), convert(param.completeListRequired),
-                   convert(param.rule), convert(sentenceOf(param)));
+                   convert(param.lowerBoundExcluded), convert(param.upperBoundExcluded), convert(param.outOfBounds),
+                   convert(param.quantityType), convert(param.units), convert(param.allowed),
+                   convert(param.completeListRequired), convert(param.rule), convert(sentenceOf(param)));
 }
 
 py::object Converter::operator()(session::ObjectRecord const& object) {

@@ -112,5 +112,8 @@ class Refused(Sentence):
     nearest: Edit | None
     """The nearest edit that is possible. It has been tried."""
     possible: tuple[str, ...]
-    """The values, names or units that are possible now, in the order of the rules."""
+    """The values, names or units that are possible now, in the order of the rules. When the name of a parameter is right
+    and its object is not, the paths of the first 20 parameters of that name, in the order of the model."""
+    possible_count: int
+    """How many paths there are in all, when `possible` leaves some out. 0 when it leaves out none."""
     _text: str = sentence_field()

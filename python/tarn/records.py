@@ -359,6 +359,9 @@ class ParamRecord(Sentence):
     upper_bound: str | None
     lower_bound_excluded: bool
     upper_bound_excluded: bool
+    out_of_bounds: str
+    """How the value is outside of its bounds: "is below its lower bound 0 [m]". "" if it is inside, or if there is none.
+    Such a value is in force, and a review has a finding about it."""
     quantity_type: str
     units: tuple[str, ...]
     """The units of the quantity type. The first unit is taken when a value has none."""
@@ -384,6 +387,7 @@ class ParamRecord(Sentence):
         rows.add("Required", "yes" if self.required else "")
         rows.add("Reason", self.reason)
         rows.add("Value", self.value)
+        rows.add("Out of bounds", self.out_of_bounds)
         rows.add("Origin", self.origin if self.present else "")
         rows.add("Waiting", str(self.waiting) if self.waiting else "")
         rows.add("Value in the model", self.value_in_model)

@@ -15,6 +15,7 @@
 #include <tarn/rules/RuleLoader.h>
 #include <tarn/service/FindingJson.h>
 #include <tarn/service/Service.h>
+#include <tarn/session/Refused.h>
 #include <tarn/workbench/RuleDependencies.h>
 #include <tarn/workbench/RuleTests.h>
 
@@ -80,6 +81,7 @@ TEST(LimitsPage, TellsTheLimitsOfPathsAndOfTheConsole) {
   EXPECT_THAT(told("ModelText::mostFaults"), is(ModelText::mostFaults));
   EXPECT_THAT(told("ModelText::mostOccurrences"), is(ModelText::mostOccurrences));
   EXPECT_THAT(told("mostAllowedInJson"), is(service::mostAllowedInJson));
+  EXPECT_THAT(told("Refused::mostPaths"), is(session::Refused::mostPaths));
   EXPECT_THAT(told("PathPattern::maxSteps"), is(PathPattern::maxSteps));
   EXPECT_THAT(told("HistoryFile::maxLines"), is(HistoryFile::maxLines));
   EXPECT_THAT(told("Completion::maxChoices"), is(Completion::maxChoices));

@@ -108,7 +108,8 @@ def effect(one: Any) -> Any:
 
 def refused(one: Any) -> Any:
     return {"code": one.code, "index": one.index, "edit": edit(one.edit), "sentence": one.sentence} | without_none(
-        {"nearest": optional(one.nearest, edit)}) | present({"possible": list(one.possible)})
+        {"nearest": optional(one.nearest, edit)}) | present(
+            {"possible": list(one.possible), "possibleCount": one.possible_count or None})
 
 
 def edit_result(one: Any) -> Any:

@@ -131,6 +131,26 @@ def test_looking(house: tarn.Session) -> None:
     assert {one.type for one in house.child_types()} >= {"Boiler", "Circuit", "Sensor", "Controller"}
 
 
+def test_a_value_out_of_its_bounds_says_so(house: tarn.Session) -> None:
+    assert house.param("Boiler:main/Rated Power").out_of_bounds == ""
+    assert house.set("Boiler:main/Rated Power", "0 [kW]").applied
+    power = house.param("Boiler:main/Rated Power")
+    assert power.out_of_bounds == "is equal to its lower bound 0 [kW], but must be above it"
+    assert str(power).endswith(" It is equal to its lower bound 0 [kW], but must be above it.")
+    assert "but must be above it" in power._repr_html_()
+
+
+def test_a_name_that_many_objects_have_is_proposed_in_the_first_twenty() -> None:
+    rules = tarn.parse_rules("Rule Database: 1\nPertinent Roots: [Plant]\nObjects:\n  /Plant:\n    Children:\n"
+                             "      Pipe: {Coupled: yes}\n  /Plant/Pipe:\n    Parameters:\n"
+                             "      Bore: {Parameter Type: Real}\n")
+    session = tarn.Session(rules, {"Plant": {f"Pipe:{number}": {} for number in range(101, 131)}})
+    refused = session.set("/Plant/Bore", "1").refused
+    assert refused is not None
+    assert refused.possible == tuple(f"/Plant/Pipe:{number}/Bore" for number in range(101, 121))
+    assert refused.possible_count == 30
+
+
 def test_the_choices_of_a_parameter(house: tarn.Session) -> None:
     fuel = house.param("Boiler:main/Fuel")
     assert fuel.allowed.allowed_values == fuel.allowed.on_offer == ("Gas", "Oil", "Pellets", "Electricity")

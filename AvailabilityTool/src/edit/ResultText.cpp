@@ -690,10 +690,10 @@ std::string whyWaiting(Waiting const& waiting) {
 std::string possibleText(session::Refused const& refused, bool isOpen) {
   constexpr std::size_t mostListed = 20;
   std::size_t const count = isOpen ? refused.possible.size() : std::min(refused.possible.size(), mostListed);
+  std::size_t const all = std::max(refused.possible.size(), refused.possibleCount);
   std::string text = "possible: ";
   for (std::size_t i = 0; i < count; ++i) text += (i == 0 ? "" : ", ") + shortened(refused.possible[i]);
-  if (count == refused.possible.size()) return text;
-  return text + " and " + std::to_string(refused.possible.size() - count) + " more";
+  return count == all ? text : text + " and " + std::to_string(all - count) + " more";
 }
 
 std::string refusalText(session::Refused const& refused, ResultTextOptions const& options) {

@@ -8,6 +8,7 @@
 #include <tarn/session/Item.h>
 
 #include "cli/Counted.h"
+#include "edit/ResultText.h"
 #include "edit/ShownText.h"
 
 namespace tarn::tool {
@@ -59,11 +60,8 @@ ValueRemarks remarksOn(session::Session& session, session::Goal const& goal, ses
 
 std::string whyText(session::Proof const& proof, ValueRemarks const& remarks, std::size_t maxLines) {
   if (remarks.refused) {
-    std::string text = harmless(remarks.refused->sentence) + '\n';
-    std::string possible;
-    for (std::string const& value : remarks.refused->possible)
-      possible += (possible.empty() ? "" : ", ") + shortened(value);
-    return possible.empty() ? text : text + "  possible: " + possible + '\n';
+    std::string const text = harmless(remarks.refused->sentence) + '\n';
+    return remarks.refused->possible.empty() ? text : text + "  " + possibleText(*remarks.refused) + '\n';
   }
   if (proof.answer().fact != Fact::AnyValueAllowed && remarks.findings.empty()) return textOf(proof, maxLines);
   std::string text = '\'' + shortened(proof.answer().value) + "' is allowed for " + shortened(proof.item.text());

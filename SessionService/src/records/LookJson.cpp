@@ -79,6 +79,7 @@ Json paramRecordAsJson(session::ParamRecord const& param) {
   addFlag(json, "lowerBoundExcluded", param.lowerBoundExcluded);
   addOptional(json, "upperBound", param.upperBound);
   addFlag(json, "upperBoundExcluded", param.upperBoundExcluded);
+  addText(json, "outOfBounds", param.outOfBounds);
   addText(json, "quantityType", param.quantityType);
   if (!param.units.empty()) json["units"] = param.units;
   if (param.allowed.hasAllowedValues) json["allowed"] = allowedOfRecord(param.allowed);

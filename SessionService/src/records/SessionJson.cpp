@@ -2,11 +2,14 @@
 #include <tarn/service/SessionJson.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include <tarn/service/FindingJson.h>
 #include <tarn/service/JsonText.h>
+#include <tarn/service/LookJson.h>
 #include <tarn/session/Sentences.h>
 
 namespace tarn::service {
@@ -286,7 +289,11 @@ Json refusedAsJson(session::Refused const& refused) {
   json["edit"] = editAsJson(refused.edit);
   json["sentence"] = refused.sentence;
   if (refused.nearest) json["nearest"] = editAsJson(*refused.nearest);
-  if (!refused.possible.empty()) json["possible"] = refused.possible.vector();
+  if (refused.possible.empty()) return json;
+  Json const listed = part(refused.possible.vector(), std::identity(), 0, mostAllowedInRecord);
+  std::size_t const count = std::max(refused.possible.size(), refused.possibleCount);
+  json["possible"] = listed;
+  if (listed.size() < count) json["possibleCount"] = count;
   return json;
 }
 

@@ -135,7 +135,7 @@ EnteredValue readItem(RuledState const& state, ParamRules const& rules, std::str
     std::size_t const comma = withPoint.find(',');
     if (comma != std::string::npos) {
       withPoint[comma] = '.';
-      if (TDFParam::asQuantity(withPoint)) nearest = std::move(withPoint);
+      if (TDFParam::asQuantity(withPoint) || asLooseQuantity(withPoint)) nearest = std::move(withPoint);
     }
     return fault(RefusalCode::WrongType, "it is not a number", std::move(nearest));
   }

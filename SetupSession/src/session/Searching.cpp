@@ -10,6 +10,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/session/Review.h>
 
+#include "session/PresentTypes.h"
 #include "session/SessionImpl.h"
 
 namespace tarn::session {
@@ -82,34 +83,39 @@ void SessionImpl::proposeElsewhere(Refused& refused, std::string_view name) cons
   bool const isUnknown = refused.code == RefusalCode::UnknownParameter || refused.code == RefusalCode::UnknownObject;
   bool const isPlain = !name.empty() && name.find(':') == std::string_view::npos;
   if (!isUnknown || !isPlain || refused.nearest || !refused.possible.empty()) return;
-  std::map<ObjDependDef const*, std::vector<std::string>> objects;
-  forEachObject(provisional().getActiveTree(), root_, [&](std::string const& path) {
-    if (ObjDependDef const* const rules = work_->ruled.rulesOfObject(path)) objects[rules].push_back(path);
-  });
+  PresentTypes const present(work_->ruled, root_);
+  auto const types = present.withRules();
   std::set<std::string> names;
-  for (auto const& [rules, paths] : objects) {
-    for (auto const& param : rules->params()) names.insert(param->name);
+  for (PresentTypes::Type const* type : types) {
+    for (auto const& param : type->rules->params()) names.insert(param->name);
   }
   std::string const wanted(name);
   std::string const meant =
       names.contains(wanted) ? wanted : StringUtilities::nearMatch(wanted, {names.begin(), names.end()});
   if (meant.empty()) return;
-  std::vector<std::string> found;
-  for (auto const& [rules, paths] : objects) {
-    if (rules->findParam(meant) != nullptr) found.insert(found.end(), paths.begin(), paths.end());
+  std::vector<std::pair<std::size_t, std::string>> found;
+  std::size_t count = 0;
+  for (PresentTypes::Type const* type : types) {
+    if (type->rules->findParam(meant) == nullptr) continue;
+    count += type->count;
+    found.insert(found.end(), type->first.begin(), type->first.end());
   }
+  std::sort(found.begin(), found.end());
   if (found.size() == 1) {
     Edit nearest = refused.edit;
     bool const isOfObject = nearest.name.empty();
     if (isOfObject) nearest.kind = Edit::Kind::ActivateParam;
-    nearest.path = found.front();
+    nearest.path = found.front().second;
     nearest.name = meant;
     refused.nearest = std::move(nearest);
     return;
   }
-  std::sort(found.begin(), found.end());
-  for (std::string& path : found) path += '/' + meant;
-  refused.possible = SharedStrings(std::move(found));
+  std::vector<std::string> paths;
+  for (auto const& [number, path] : found) {
+    if (paths.size() < Refused::mostPaths) paths.push_back(path + '/' + meant);
+  }
+  if (count > paths.size()) refused.possibleCount = count;
+  refused.possible = SharedStrings(std::move(paths));
 }
 
 std::optional<MatchKind> matchOf(std::string_view name, std::string_view text) {

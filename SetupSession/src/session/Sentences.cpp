@@ -1,6 +1,7 @@
 // All sentences of a session. Records hold what a sentence says as data, so nothing here is read by a program.
 #include <tarn/session/Sentences.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -31,10 +32,12 @@ std::string shownItem(Item const& item) {
   return item.name ? shownItem(item.path, *item.name) : shownPath(item.path);
 }
 
-std::string shownList(std::vector<std::string> const& items) {
+/// `count` is the number of all items, if `items` are only the first of them.
+std::string shownList(std::vector<std::string> const& items, std::size_t count = 0) {
   std::string text;
+  std::size_t const all = std::max(items.size(), count);
   for (std::size_t i = 0; i < items.size() && i < mostListed; ++i) text += (i == 0 ? "" : ", ") + quoted(items[i]);
-  if (items.size() > mostListed) text += " and " + std::to_string(items.size() - mostListed) + " more";
+  if (all > mostListed) text += " and " + std::to_string(all - mostListed) + " more";
   return items.empty() ? "nothing" : text;
 }
 
@@ -108,7 +111,8 @@ std::string sentenceOf(Edit const& edit) {
 
 std::string sentenceOf(Refused const& refused) {
   std::string sentence = escaped(refused.sentence);
-  if (!refused.possible.empty()) sentence += " Possible now: " + shownList(refused.possible) + '.';
+  if (!refused.possible.empty())
+    sentence += " Possible now: " + shownList(refused.possible, refused.possibleCount) + '.';
   if (refused.nearest) sentence += " Nearest: " + sentenceOf(*refused.nearest) + '.';
   return sentence;
 }

@@ -107,7 +107,7 @@ export type Effect = {
   };
 };
 
-/** Why edits were refused. "index" is that of the refused edit. Later versions may have more codes. */
+/** Why edits were refused. "index" is that of the refused edit. "possibleCount" is there when "possible" has only the first. Later versions may have more codes. */
 export type Refused = {
   code: string;
   index: number;
@@ -115,6 +115,7 @@ export type Refused = {
   sentence: string;
   nearest?: Edit;
   possible?: string[];
+  possibleCount?: number;
 };
 
 export type Conversion = {
@@ -200,6 +201,7 @@ export type Param = {
   lowerBoundExcluded?: boolean;
   upperBound?: string;
   upperBoundExcluded?: boolean;
+  outOfBounds?: string;
   quantityType?: string;
   units?: string[];
   allowed?: Allowed;

@@ -265,6 +265,18 @@ TEST(ResultText, ARefusalSaysWhatIsPossibleAndNamesTheNearestCommand) {
             "  nearest: set /Case/Flow = Turbulent\n");
 }
 
+TEST(ResultText, ARefusalCountsThePathsThatAreNotListed) {
+  EditResult result;
+  result.refused.emplace();
+  result.refused->code = RefusalCode::UnknownParameter;
+  result.refused->sentence = "The rules know no parameter \"Bore\" in \"/Case\".";
+  result.refused->possible = SharedStrings{"/Case/Pipe:a/Bore", "/Case/Pipe:b/Bore"};
+  result.refused->possibleCount = 25;
+  EXPECT_EQ(resultText(result),
+            "refused: The rules know no parameter \"Bore\" in \"/Case\". Nothing has changed.\n"
+            "  possible: /Case/Pipe:a/Bore, /Case/Pipe:b/Bore and 23 more\n");
+}
+
 TEST(ResultText, ShowsControlCharactersAsTheirBytes) {
   EditResult result = setTo("/Case/Domain:a\x1b[2J", "Remark", "x");
   result.effect.values = {{"/Case/Domain:a\x1b[2J", "Remark", "old\r", "a\u202e\tb"}};

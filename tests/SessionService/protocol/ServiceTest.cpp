@@ -240,6 +240,26 @@ TEST_F(ServiceTest, AnOutlineHasTheParametersWithoutTheirValues) {
                                             R"({"name":"Level","available":false,"waiting":true}])"));
 }
 
+TEST_F(ServiceTest, AValueOutOfItsBoundsSaysSoInItsRecord) {
+  std::string const plant = openPlant();
+  auto const record = [&] {
+    return call("lookParam", {{"document", plant}, {"path", "/Plant/Tank:a"}, {"name", "Height"}}).at("param");
+  };
+  EXPECT_FALSE(record().contains("outOfBounds"));
+  edit(plant, 0, list({set("/Plant/Tank:a", "Height", "-3 [m]")}));
+  EXPECT_EQ(record().at("outOfBounds"), "is below its lower bound 0 [m]");
+}
+
+TEST_F(ServiceTest, ANameThatManyObjectsHaveIsProposedInTheFirstTwenty) {
+  std::string text;
+  for (int i = 101; i <= 130; ++i) text += "/Plant/Tank:" + std::to_string(i) + "/Height = 1 [m]\n";
+  std::string const plant = call("open", {{"text", text}}).at("document");
+  Json const refused = edit(plant, 0, list({set("/Plant", "Height", "2 [m]")})).at("result").at("refused");
+  EXPECT_EQ(refused.at("possible").size(), 20);
+  EXPECT_EQ(refused.at("possible").at(19), "/Plant/Tank:120/Height");
+  EXPECT_EQ(refused.at("possibleCount"), 30);
+}
+
 TEST_F(ServiceTest, ANumberIsConvertedToUnitsThatMeasureTheSame) {
   std::string const plant = openPlant();
   auto const converted = [&](std::string const& value, std::string const& units) {

@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <tarn/Edit.h>
 #include <tarn/service/JsonText.h>
+#include <tarn/service/LookJson.h>
 #include <tarn/session/EditResult.h>
 
 namespace tarn::service {
@@ -110,6 +113,24 @@ TEST(SessionJson, ARefusalHasWhatWouldBePossible) {
       R"({"code":"value-not-allowed","index":2,"edit":{"kind":"set-param","path":"/Case","name":"Kind","value":"c"},)"
       R"("sentence":"No.","nearest":{"kind":"set-param","path":"/Case","name":"Kind","value":"b"},)"
       R"("possible":["a","b"]})");
+}
+
+TEST(SessionJson, ARefusalSaysHowManyAreLeftOut) {
+  session::Refused refused;
+  refused.possible = SharedStrings({"/Case/Pipe:a/Bore", "/Case/Pipe:b/Bore"});
+  refused.possibleCount = 25;
+  EXPECT_EQ(refusedAsJson(refused).at("possibleCount"), 25);
+  EXPECT_EQ(refusedAsJson(refused).at("possible").size(), 2);
+
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < mostAllowedInRecord + 5; ++i) names.push_back("pipe " + std::to_string(i));
+  refused.possible = SharedStrings(names);
+  refused.possibleCount = 0;
+  EXPECT_EQ(refusedAsJson(refused).at("possibleCount"), names.size());
+  EXPECT_EQ(refusedAsJson(refused).at("possible").size(), mostAllowedInRecord);
+  names.resize(mostAllowedInRecord);
+  refused.possible = SharedStrings(names);
+  EXPECT_FALSE(refusedAsJson(refused).contains("possibleCount"));
 }
 
 TEST(SessionJson, AResultHasConversionsAndFollowedReferences) {

@@ -15,6 +15,7 @@ namespace {
 
 using test::Tanks;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 /// The verdict of one edit on a fresh plant, and what it did.
@@ -96,6 +97,62 @@ TEST(SessionEdit, FindsAParameterWhoseObjectWasLeftOut) {
                           "\"/Plant/Tank:T1/Height\", \"/Plant/Tank:T2/Height\"."));
   EXPECT_THAT(verdictOf(Edit::setParam("/Plant", "Moderation", "3")),
               ElementsAre("Refused: The rules know no parameter \"Moderation\" in \"/Plant\"."));
+}
+
+TEST(SessionEdit, ListsTheFirstPathsOfACommonNameAndSaysHowManyThereAre) {
+  std::string model;
+  for (int i = 101; i <= 125; ++i) model += "/Plant/Tank:T" + std::to_string(i) + "/\n";
+  Tanks tanks(model.c_str());
+  auto const refused = tanks->edit(Edit::setParam("/Plant", "Height", "1 [m]")).refused;
+  ASSERT_TRUE(refused);
+  EXPECT_FALSE(refused->nearest);
+  std::vector<std::string> first;
+  for (int i = 101; i <= 120; ++i) first.push_back("/Plant/Tank:T" + std::to_string(i) + "/Height");
+  EXPECT_THAT(refused->possible, ElementsAreArray(first));
+  EXPECT_EQ(refused->possibleCount, 25);
+  EXPECT_EQ(sentenceOf(*refused),
+            "The rules know no parameter \"Height\" in \"/Plant\". Possible now: \"/Plant/Tank:T101/Height\", "
+            "\"/Plant/Tank:T102/Height\", \"/Plant/Tank:T103/Height\", \"/Plant/Tank:T104/Height\", "
+            "\"/Plant/Tank:T105/Height\", \"/Plant/Tank:T106/Height\", \"/Plant/Tank:T107/Height\", "
+            "\"/Plant/Tank:T108/Height\", \"/Plant/Tank:T109/Height\", \"/Plant/Tank:T110/Height\" and 15 more.");
+}
+
+TEST(SessionEdit, PathsOfANameThatAreAllListedHaveNoCount) {
+  Tanks tanks;
+  auto const refused = tanks->edit(Edit::setParam("/Plant", "Height", "1 [m]")).refused;
+  EXPECT_THAT(refused->possible, ElementsAre("/Plant/Tank:T1/Height", "/Plant/Tank:T2/Height"));
+  EXPECT_EQ(refused->possibleCount, 0);
+}
+
+TEST(SessionEdit, PathsOfANameComeInTheOrderOfTheModelWhateverTheirTypes) {
+  auto const rules = rules::parseRules(R"(Rule Database: 1
+Pertinent Roots: [Plant]
+Objects:
+  /Plant:
+    Children:
+      Tank: {Coupled: yes}
+      Pump: {Coupled: yes}
+  /Plant/Tank:
+    Parameters:
+      Height: {Parameter Type: Real}
+    Children:
+      Pump: {Coupled: yes}
+  /Plant/Tank/Pump:
+    Parameters:
+      Power: {Parameter Type: Real}
+  /Plant/Pump:
+    Parameters:
+      Power: {Parameter Type: Real}
+)");
+  auto const session = Session::open(*rules, ModelText("plant.tdf",
+                                                       "/Plant/Tank:a/Pump:x/\n/Plant/Tank:b/Pump:y/\n"
+                                                       "/Plant/Pump:main/\n"))
+                           .session;
+  auto const refused = session->edit(Edit::setParam("/Plant", "Power", "1")).refused;
+  EXPECT_THAT(refused->possible,
+              ElementsAre("/Plant/Tank:a/Pump:x/Power", "/Plant/Tank:b/Pump:y/Power", "/Plant/Pump:main/Power"));
+  // A name that is spelt alike is found below as well.
+  EXPECT_EQ(session->edit(Edit::setParam("/Plant", "Hight", "1")).refused->possible[1], "/Plant/Tank:b/Height");
 }
 
 TEST(SessionEdit, DividesNoNumberToFindItsUnits) {
@@ -202,6 +259,17 @@ TEST(SessionEdit, ConvertsUnitsThatTheQuantityTypeDoesNotListAndSaysSo) {
                           "/Plant/Tank:T1/Height changed from \"3 [m]\" to \"2.5 [m]\".",
                           "The bounds of /Plant/Tank:T1/Level changed from at most 3 [m] to at most 2.5 [m].",
                           "/Plant/Tank:T1/Height was given as \"250 [cm]\" and set to \"2.5 [m]\"."));
+}
+
+TEST(SessionEdit, ACommaInANumberIsRefusedAndThePointProposed) {
+  EXPECT_THAT(
+      verdictOf(Edit::setParam("/Plant/Tank:T2", "Height", "1,5 in")),
+      ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T2\" cannot have the value \"1,5 in\": it is "
+                  "not a number. Nearest: set /Plant/Tank:T2/Height to \"1.5 in\"."));
+  EXPECT_THAT(
+      verdictOf(Edit::setParam("/Plant/Tank:T2", "Height", "1,5 bananas")),
+      ElementsAre("Refused: The parameter \"Height\" in \"/Plant/Tank:T2\" cannot have the value \"1,5 bananas\": "
+                  "it is not a number."));
 }
 
 TEST(SessionEdit, UnitsWithoutBracketsGetThem) {

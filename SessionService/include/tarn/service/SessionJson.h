@@ -44,6 +44,8 @@ inline constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
                                                                   std::size_t offset, std::size_t most);
 /// The number of entries of a list of an effect; 0 for a key that no list has.
 [[nodiscard]] TARN_EXPORT std::size_t effectListSize(session::Effect const& effect, std::string_view key);
+/// "possibleCount" is there when "possible" leaves something out: paths beyond `Refused::mostPaths`, and values beyond
+/// `mostAllowedInRecord`.
 [[nodiscard]] TARN_EXPORT nlohmann::ordered_json refusedAsJson(session::Refused const& refused);
 /// "applied", then either "refused" or everything else that the record has, then "message", a sentence. The effect is
 /// limited as by `effectAsJson`.

@@ -70,13 +70,17 @@ struct TARN_EXPORT Refused {
   /// that are known, with a name that is free. Empty when there is none.
   std::optional<Edit> nearest;
   /// The values, names or units that are possible now, in the order of the rules. When the name of a parameter is right
-  /// and its object is not, the paths of the parameters of that name. Empty when anything would do, and when nothing
-  /// would.
+  /// and its object is not, the paths of the first `mostPaths` parameters of that name, in the order of the model.
+  /// Empty when anything would do, and when nothing would.
   SharedStrings possible;
+  /// How many paths there are in all, when `possible` leaves some out. 0 when it leaves out none.
+  std::size_t possibleCount = 0;
+
+  static constexpr std::size_t mostPaths = 20;
 
   friend bool operator==(Refused const& a, Refused const& b) {
     return a.code == b.code && a.index == b.index && a.edit == b.edit && a.sentence == b.sentence &&
-           a.nearest == b.nearest && a.possible == b.possible;
+           a.nearest == b.nearest && a.possible == b.possible && a.possibleCount == b.possibleCount;
   }
 };
 
