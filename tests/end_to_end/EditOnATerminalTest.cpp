@@ -372,6 +372,34 @@ TEST_F(EditOnATerminal, LongLinesAreDividedBetweenWordsAtEveryWidthAndCommandsAr
   }
 }
 
+TEST_F(EditOnATerminal, OnANarrowTerminalOriginsStayBesideTheirValues) {
+  auto const terminal = start();
+  (void)terminal->enter("set Tank:T1/Height = 25 mm", "/Plant *> ");
+  terminal->resize(40, 40);
+  EXPECT_EQ(answer(*terminal, "show", "/Plant *> "),
+            "/Plant\r\n"
+            "  Mode = Steady   from the model\r\n"
+            "  not available: Step\r\n"
+            "  objects:\r\n"
+            "    Tank:T1\r\n"
+            "  objects to add: Tank:NAME");
+  EXPECT_EQ(answer(*terminal, "show Tank:T1", "/Plant *> "),
+            "/Plant/Tank:T1\r\n"
+            "  Height = 25 [mm]   set by you, step 1");
+}
+
+TEST_F(EditOnATerminal, HelpOfACommandHasASentenceOnEachLine) {
+  auto const terminal = start();
+  terminal->resize(40, 90);
+  EXPECT_EQ(answer(*terminal, "help set", "/Plant> "),
+            "set PATH = VALUE\r\n"
+            "  give a parameter a value\r\n"
+            "  Everything after the first \"=\" is the value. Blanks need no quotes.\r\n"
+            "  A number may have any units that can be converted: \"25 mm\" and \"25 [mm]\" are the same.\r\n"
+            "  A value for a parameter that is not available now is kept and waits.\r\n"
+            "  A value that can never be right is refused.");
+}
+
 TEST_F(EditOnATerminal, ControlCharactersDoNoHarm) {
   std::ofstream(model()) << "/Plant/Mode=Steady\n/Plant/Tank:a\x1b[2Jb/Height=1\n";
   auto const terminal = start();

@@ -14,30 +14,33 @@ namespace {
 
 constexpr std::array<CommandInfo, 24> commands = {{
     {Word::Set, "set", "PATH = VALUE", "give a parameter a value",
-     "Everything after the first \"=\" is the value. Blanks need no quotes. A number may have any units that can be\n"
-     "converted: \"25 mm\" and \"25 [mm]\" are the same. A value for a parameter that is not available now is kept "
-     "and\n"
-     "waits; a value that can never be right is refused.\n"},
+     "Everything after the first \"=\" is the value. Blanks need no quotes.\n"
+     "A number may have any units that can be converted: \"25 mm\" and \"25 [mm]\" are the same.\n"
+     "A value for a parameter that is not available now is kept and waits.\n"
+     "A value that can never be right is refused.\n"},
     {Word::On, "on", "PATH", "switch on a parameter or an object that is on offer", ""},
     {Word::Off, "off", "PATH", "switch off a parameter or an object that is optional",
      "Its value is kept and waits: \"on PATH\" brings it back.\n"},
     {Word::Add, "add", "OBJECT", "add an object with a name of your choice: add Boundary:inlet", ""},
     {Word::Remove, "remove", "OBJECT", "remove an object with a name, and everything in it",
-     "On a terminal it asks first if that loses values that you have set. \"undo\" brings everything back.\n"},
+     "On a terminal it asks first if that loses values that you have set.\n"
+     "\"undo\" brings everything back.\n"},
     {Word::Copy, "copy", "OBJECT = NAME", "copy an object with everything in it, under a new name", ""},
     {Word::Rename, "rename", "OBJECT = NAME", "give an object another name",
      "Values that name the object follow, and the answer lists them.\n"},
     {Word::Show, "show", "[PATH]", "show all about a parameter, or what is in an object",
-     "Without a path it shows the object where you are. Parameters that are not available are shown too, with the\n"
-     "reason that the rules give.\n"},
+     "Without a path it shows the object where you are.\n"
+     "Parameters that are not available are shown too, with the reason that the rules give.\n"},
     {Word::List, "list", "[OBJECT]", "list the objects at and below an object", ""},
     {Word::Go, "go", "[OBJECT]", "go to an object: paths without \"/\" in front begin there",
-     "\"go ..\" goes to the object above, \"go\" to the object that is edited as a whole.\n"},
+     "\"go ..\" goes to the object above, and \"go\" to the object that is edited as a whole.\n"},
     {Word::Find, "find", "TEXT", "find objects and parameters by a part of their name",
-     "Also finds parameters that are not present. The best matches come first.\n"},
+     "Also finds parameters that are not present.\n"
+     "The best matches come first.\n"},
     {Word::Mine, "mine", "", "list the values that you have set", ""},
     {Word::Waiting, "waiting", "", "list what was asked for and is not in force, with the reason",
-     "It comes into force by itself when the rules allow it. It is not part of the file that \"save\" writes.\n"},
+     "It comes into force by itself when the rules allow it.\n"
+     "It is not part of the file that \"save\" writes.\n"},
     {Word::Diff, "diff", "", "list what differs from the model as it was opened", ""},
     {Word::Why, "why", "PATH [= VALUE]", "explain why something is as it is, or why a value is not allowed",
      "The answer has the rule with its place, the values that decided, and where they come from.\n"},
@@ -51,11 +54,13 @@ constexpr std::array<CommandInfo, 24> commands = {{
     {Word::Undo, "undo", "[NUMBER]", "take back the last step, or so many", ""},
     {Word::Redo, "redo", "[NUMBER]", "make the step again that was taken back, or so many", ""},
     {Word::Save, "save", "[over] [FILE]", "write the model to its file, or to another one",
-     "Everything that was not touched stays as it is in the file, byte for byte. A file that someone else has changed\n"
-     "meanwhile is not overwritten; \"save over\" does that. Requests that wait are not written.\n"},
+     "Everything that was not touched stays as it is in the file, byte for byte.\n"
+     "A file that someone else has changed meanwhile is not overwritten; \"save over\" does that.\n"
+     "Requests that wait are not written.\n"},
     {Word::Help, "help", "[COMMAND]", "list the commands, or describe one", ""},
     {Word::Quit, "quit", "[unsaved]", "end the editor",
-     "On a terminal it asks if there is work that is not saved. \"quit unsaved\" drops the work without asking.\n"},
+     "On a terminal it asks if there is work that is not saved.\n"
+     "\"quit unsaved\" drops the work without asking.\n"},
 }};
 
 struct ForeignWord {

@@ -311,7 +311,13 @@ Outcome Editor::help(std::string_view text) {
   CommandInfo const& info = infoOf(*word);
   std::string form(info.name);
   if (!info.arguments.empty()) form += ' ' + std::string(info.arguments);
-  screen_.page(form + "\n  " + std::string(info.meaning) + '\n' + std::string(info.details));
+  std::string all = form + "\n  " + std::string(info.meaning) + '\n';
+  for (std::string_view rest = info.details; !rest.empty();) {
+    std::size_t const end = rest.find('\n') + 1;
+    all += "  " + std::string(rest.substr(0, end));
+    rest.remove_prefix(end);
+  }
+  screen_.page(all);
   return Outcome::Done;
 }
 

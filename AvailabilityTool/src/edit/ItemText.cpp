@@ -176,10 +176,13 @@ std::string objectText(Session const& session, ObjectRecord const& object, TextL
       (param->offered ? offered : unavailable).push_back(shortened(name));
     }
   }
+  // The origins are in one column, as far as there is room for it.
+  constexpr std::size_t roomOfOrigin = 24;
+  std::size_t most = 60;
+  if (look.width != 0) most = std::min(most, look.width - std::min(look.width, roomOfOrigin));
   std::size_t widest = 0;
   for (ParamRecord const& param : present) {
     std::size_t const columns = charactersOf(param.name) + charactersOf(*param.value) + 3;
-    constexpr std::size_t most = 60;
     if (columns <= most) widest = std::max(widest, columns);
   }
   for (ParamRecord const& param : present) {
