@@ -13,6 +13,7 @@
 #include <tarn/StringUtilities.h>
 #include <tarn/session/WrittenItem.h>
 
+#include "cli/EmptyPath.h"
 #include "cli/ShellWord.h"
 
 namespace tarn::tool {
@@ -38,19 +39,17 @@ constexpr std::array<OptionInfo, 7> options = {
      {Option::Copy, "--copy", "OBJECT NAME", "Copy a named object under a new name", 2},
      {Option::Rename, "--rename", "OBJECT NAME", "Give a named object a new name", 2}}};
 
-CLI::ValidationError unreadable(OptionInfo const& info, std::string const& what) {
-  return CLI::ValidationError(info.name, what + "; write " + info.name + ' ' + info.arguments);
-}
-
 void requirePath(OptionInfo const& info, EditArgument const& edit) {
+  std::string const form = std::string(info.name) + ' ' + info.arguments;
   std::string_view path = edit.text;
   if (edit.option == Option::Set) {
     std::size_t const equals = edit.text.find('=');
-    if (equals == std::string::npos) throw unreadable(info, '"' + edit.text + "\" has no \"=\"");
+    if (equals == std::string::npos) {
+      throw CLI::ValidationError(info.name, '"' + edit.text + "\" has no \"=\"; write " + form);
+    }
     path = path.substr(0, equals);
   }
-  if (!StringUtilities::trimmed(path).empty()) return;
-  throw unreadable(info, edit.option == Option::Set ? "there is no path before the \"=\"" : "the path is empty");
+  if (StringUtilities::trimmed(path).empty()) throw emptyPath(info.name, edit.option == Option::Set, form);
 }
 
 }  // namespace

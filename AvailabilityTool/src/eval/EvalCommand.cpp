@@ -20,8 +20,10 @@
 #include <tarn/service/ExplanationJson.h>
 #include <tarn/service/JsonText.h>
 #include <tarn/service/SessionJson.h>
+#include <tarn/session/WrittenItem.h>
 
 #include "cli/ChoiceOption.h"
+#include "cli/EmptyPath.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/ModelFiles.h"
@@ -45,14 +47,13 @@ struct EvalOptions {
   bool asJson = false;
 };
 
-/// The object where relative paths start.
+/// The object where relative paths of the expression start. The path after `--at` itself may be relative as well.
 std::string objectOf(EvalOptions const& options, PhysicsData const& rules, ModelState const& model,
                      DynamicTDF const& tree) {
-  if (options.at.empty()) {
-    auto const objects = PertinentRoots(rules).objectsIn(model);
-    return objects.size() == 1 ? objects.front() : std::string();
-  }
-  std::string at = pathArgument("--at", options.at).getFullPath();
+  auto const objects = PertinentRoots(rules).objectsIn(model);
+  std::string const root = objects.size() == 1 ? objects.front() : std::string();
+  if (options.at.empty()) return root;
+  std::string at = pathArgument("--at", session::absolutePath(root, options.at)).getFullPath();
   if (options.model.empty() || at.empty() || tree.hasObject(at)) return at;
   std::vector<std::string> known;
   for (auto const& [path, params] : model) known.push_back(path);
@@ -148,10 +149,11 @@ void addEvalCommand(CLI::App& app, Command& chosen) {
   auto arguments = std::make_shared<std::vector<std::string>>();
   CLI::App* command = app.add_subcommand("eval", "Evaluate an expression of the rule language in a model");
   addRulesOption(*command, options->rules);
-  command
-      ->add_option("--at", options->at,
-                   "The object where relative paths start; default: the only object that\nthe rules look at")
-      ->type_name("OBJECT");
+  CLI::Option const* const at =
+      command
+          ->add_option("--at", options->at,
+                       "The object where relative paths start; default: the only object that\nthe rules look at")
+          ->type_name("OBJECT");
   addChoiceOption(*command, "--format", *format, {"text", "json"},
                   "text, for people, the default; or json, one object on a line");
   command
@@ -162,12 +164,14 @@ void addEvalCommand(CLI::App& app, Command& chosen) {
       ->required();
   command->footer(
       "The value comes first, then the value of each part. The model is taken as it is written: it\n"
-      "has no defaults of the rules. Put the expression in single quotes, because a shell would replace ${...}. Begin\n"
-      "with a blank if the expression begins with a minus.\n"
+      "has no defaults of the rules. A path after --at without a / in front starts at the only object that the rules\n"
+      "look at. Put the expression in single quotes, because a shell would replace ${...}. Begin with a blank if the\n"
+      "expression begins with a minus.\n"
       "Examples: zev eval --rules rules/ pump.tdf 'count({/Case/Domain:*})'\n"
-      "          zev eval --rules rules/ pump.tdf --at /Case/Domain:rotor '${Motion} == \"Rotating\"'\n"
+      "          zev eval --rules rules/ pump.tdf --at Domain:rotor '${Motion} == \"Rotating\"'\n"
       "Exit status: 0, or 2 for wrong usage, an expression with errors, or a file that could not be read.");
-  command->callback([options, format, arguments, &chosen] {
+  command->callback([options, format, arguments, at, &chosen] {
+    if (at->count() > 0 && StringUtilities::trimmed(options->at).empty()) throw emptyPath("--at", false, "--at OBJECT");
     options->asJson = *format == "json";
     options->expression = arguments->back();
     if (arguments->size() == 2) options->model = arguments->front();

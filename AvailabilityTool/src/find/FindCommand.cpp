@@ -254,7 +254,9 @@ void addFindCommand(CLI::App& app, Command& chosen) {
   command->callback([options, format, arguments, &chosen] {
     options->asJson = *format == "json";
     options->text = arguments->back();
-    if (StringUtilities::trimmed(options->text).empty()) throw CLI::ValidationError("TEXT", "the text is empty");
+    if (StringUtilities::trimmed(options->text).empty()) {
+      throw CLI::ValidationError("TEXT", "the text is empty; write a part of a name");
+    }
     if (arguments->size() == 2) options->arguments.model = arguments->front();
     chosen = [options](std::ostream& out, std::ostream& err) { return find(*options, out, err); };
   });

@@ -8,10 +8,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <tarn/StringUtilities.h>
 #include <tarn/workbench/RuleDependencies.h>
 
 #include "cli/ChoiceOption.h"
 #include "cli/Counted.h"
+#include "cli/EmptyPath.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/RuleFiles.h"
@@ -76,10 +78,12 @@ void addGraphCommand(CLI::App& app, Command& chosen) {
       ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}).description(""));
   addChoiceOption(*command, "--format", arguments->format, {"mermaid", "dot", "json"},
                   "mermaid, for viewers of Markdown, the default; dot, for Graphviz; or json, one\nobject on a line");
-  command
-      ->add_option("ITEM", arguments->item,
-                   "The path of a parameter or of a type of children; default: all entries that\ndepend on something")
-      ->type_name("");
+  CLI::Option const* const item =
+      command
+          ->add_option(
+              "ITEM", arguments->item,
+              "The path of a parameter or of a type of children; default: all entries that\ndepend on something")
+          ->type_name("");
   command->footer(
       "An arrow goes from what is read to what depends on it, with the keys of the rules that read. Names of objects "
       "in\n"
@@ -87,7 +91,10 @@ void addGraphCommand(CLI::App& app, Command& chosen) {
       "Examples: zev graph --rules rules/ /Case/Domain/Motion\n"
       "          zev graph --rules rules/ --format dot --depth 3 /Case/Domain/Motion | dot -Tsvg > motion.svg\n"
       "Exit status: 0, or 2 for wrong usage, or rules that could not be read.");
-  command->callback([arguments, &chosen] {
+  command->callback([arguments, item, &chosen] {
+    if (item->count() > 0 && StringUtilities::trimmed(arguments->item).empty()) {
+      throw emptyPath("ITEM", false, "the path of a parameter or of a type of children, or nothing for all entries");
+    }
     arguments->options.followsReads = arguments->direction != "readers";
     arguments->options.followsReaders = arguments->direction != "reads";
     chosen = [arguments](std::ostream& out, std::ostream& err) { return graph(*arguments, out, err); };

@@ -24,6 +24,7 @@
 #include <tarn/session/WrittenItem.h>
 
 #include "cli/ChoiceOption.h"
+#include "cli/EmptyPath.h"
 #include "cli/ExitStatus.h"
 #include "cli/Failure.h"
 #include "cli/RuleFiles.h"
@@ -190,6 +191,13 @@ int how(WhyOptions const& options, std::ostream& out, std::ostream& err) {
   return status;
 }
 
+void requireItem(std::string const& text) {
+  Asked const asked = dividedAtEquals(text);
+  if (!asked.path.empty()) return;
+  bool const hasValue = asked.value.has_value();
+  throw emptyPath("ITEM", hasValue, hasValue ? "PATH=VALUE" : "PATH or PATH=VALUE, or . for the object that is edited");
+}
+
 /// The options that both commands have.
 CLI::App* addCommand(CLI::App& app, std::string const& name, std::string const& help,
                      std::shared_ptr<WhyOptions> const& options, std::shared_ptr<std::string> const& format) {
@@ -229,6 +237,7 @@ void addWhyCommand(CLI::App& app, Command& chosen) {
       "Exit status: 0 the question is answered, 1 there is no such item, 2 wrong usage or a file that could not be\n"
       "read.");
   command->callback([options, format, &chosen] {
+    requireItem(options->asked);
     options->asJson = *format == "json";
     chosen = [options](std::ostream& out, std::ostream& err) { return why(*options, out, err); };
   });
@@ -251,6 +260,7 @@ void addHowCommand(CLI::App& app, Command& chosen) {
       "usage\n"
       "or a file that could not be read.");
   command->callback([options, format, &chosen] {
+    requireItem(options->asked);
     options->asJson = *format == "json";
     chosen = [options](std::ostream& out, std::ostream& err) { return how(*options, out, err); };
   });

@@ -20,11 +20,15 @@ ObjDependDef const* rulesOf(Session const& session, std::string const& object) {
 }  // namespace
 
 std::string absolutePath(Session const& session, std::string_view text) {
+  return absolutePath(session.root(), text);
+}
+
+std::string absolutePath(std::string const& root, std::string_view text) {
   std::string path(StringUtilities::trimmed(text));
   if (path == "/") return {};
-  if (path.empty() || path == ".") return session.root();
+  if (path.empty() || path == ".") return root;
   if (path.back() == '/') path.pop_back();
-  return path.front() == '/' ? path : session.root() + '/' + path;
+  return path.front() == '/' ? path : root + '/' + path;
 }
 
 Item paramAt(std::string const& absolutePath) {

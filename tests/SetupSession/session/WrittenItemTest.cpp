@@ -56,6 +56,8 @@ TEST(WrittenItem, AnAbsolutePathStartsAtTheRootOfTheModel) {
   EXPECT_EQ(absolutePath(*tanks, ""), "/Plant");
   EXPECT_EQ(absolutePath(*tanks, "."), "/Plant");
   EXPECT_EQ(absolutePath(*tanks, "/"), "");
+  EXPECT_EQ(absolutePath("/Plant/Tank:T1", "Level"), "/Plant/Tank:T1/Level");
+  EXPECT_EQ(absolutePath("/Plant/Tank:T1", "/Plant"), "/Plant");
 }
 
 TEST(WrittenItem, AnItemIsKnownAlsoWhereItsObjectIsMissing) {

@@ -19,6 +19,8 @@ namespace tarn::session {
 /// and a "/" at the end are dropped. "" and "." are the root of the session, "/" is the root of the model. The path is
 /// not checked otherwise.
 [[nodiscard]] TARN_EXPORT std::string absolutePath(Session const& session, std::string_view text);
+/// The same without a session: a path without a leading "/" begins at `root`, an absolute path.
+[[nodiscard]] TARN_EXPORT std::string absolutePath(std::string const& root, std::string_view text);
 
 /// An object, or one of its parameters, by an absolute path: everything before the last "/", and the name after it. The
 /// item need not be known.
