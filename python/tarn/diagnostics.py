@@ -1,4 +1,4 @@
-"""What is wrong in rule files and in model texts, and where."""
+"""The faults of rule files and of model texts, with their places."""
 
 from __future__ import annotations
 
