@@ -330,3 +330,28 @@ test(
     await eventually(directions, 'no,no,yes');
   }),
 );
+
+test(
+  'a value that is out of its bounds says so at once, and no longer when it is mended',
+  withPage(flow, {}, async ({ server, page }) => {
+    await treeItem(page, /^channel/).click();
+    await shows(page, 'channel');
+    const row = field(page, 'Reference Pressure');
+    const box = row.getByRole('textbox');
+    const said = row.getByText('The value is below its lower bound 0 [Pa].');
+    const release = await hold(page, 'review');
+    await box.fill('-5');
+    await box.press('Enter');
+    await said.waitFor();
+    assert.equal(await box.getAttribute('aria-invalid'), 'true');
+    release();
+    // The review says the same, once.
+    await tab(page, /^Findings [1-9]/).waitFor();
+    assert.equal(await row.getByText(/below its lower bound/).count(), 1);
+    await box.fill('5');
+    await box.press('Enter');
+    await said.waitFor({ state: 'detached' });
+    assert.equal(await box.getAttribute('aria-invalid'), null);
+    assert.equal(await valueAt(server, '/Case/Domain:channel', 'Reference Pressure'), '5 [Pa]');
+  }),
+);

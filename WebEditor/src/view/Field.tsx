@@ -5,7 +5,7 @@ import { listItems, listValue } from '../model/Lists';
 import { judgeNumber, shorten } from '../model/Quantity';
 import { boundsText, editText, originText, shownValue, waitingText } from '../model/Sentences';
 import { truthWords } from '../model/Truth';
-import type { Edit, Param } from '../protocol/Messages';
+import type { Edit, Finding, Param } from '../protocol/Messages';
 import {
   type DocumentStore,
   type Draft,
@@ -324,6 +324,20 @@ function followOwnEdit(store: DocumentStore, param: Param, sent: Draft | null, o
   store.setDraft(item, isSame ? null : { ...draft, base: isMade ? valueNow(store, param, draft.base) : draft.base });
 }
 
+/**
+ * What the last review says about a value: not about the value before, and not that it is out of its bounds, which is
+ * known without a review.
+ */
+function findingsAt(store: DocumentStore, { path, name, value, outOfBounds }: Param): Finding[] {
+  const review = store.review.value;
+  const isOld = (review?.revision ?? 0) < store.state.peek().revision;
+  return (review?.list ?? []).filter((one) => {
+    if (one.path !== path || one.name !== name) return false;
+    if (isOld && one.value !== undefined && one.value !== value) return false;
+    return outOfBounds === undefined || !one.message.includes(outOfBounds);
+  });
+}
+
 function PresentField({ store, param, isReadOnly }: { store: DocumentStore; param: Param; isReadOnly: boolean }) {
   const id = useId();
   const hintId = `${id}-hint`;
@@ -334,8 +348,10 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
   const [kept, setKept] = useState<string | null>(null);
   const isFixed = param.origin === 'override' || isReadOnly;
   const shownProblem = draft?.problem ?? problem;
-  const findings = (store.review.value?.list ?? []).filter((one) => one.path === param.path && one.name === param.name);
-  const isInvalid = shownProblem !== null || findings.some((one) => one.severity === 'error');
+  const findings = findingsAt(store, param);
+  const { outOfBounds } = param;
+  const isInvalid =
+    shownProblem !== null || outOfBounds !== undefined || findings.some((one) => one.severity === 'error');
   const describedBy = `${hintId} ${problemId}`;
 
   const make = async (edit: Edit): Promise<Outcome> => {
@@ -463,6 +479,7 @@ function PresentField({ store, param, isReadOnly }: { store: DocumentStore; para
             }}
           />
         )}
+        {!shownProblem && outOfBounds !== undefined && <p class="problem">{`The value ${outOfBounds}.`}</p>}
         {!shownProblem &&
           findings.map((one) => (
             <p key={one.message} class={one.severity === 'error' ? 'problem' : 'reason'}>
