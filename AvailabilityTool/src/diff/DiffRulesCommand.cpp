@@ -162,7 +162,8 @@ int diff(DiffOptions const& options, std::ostream& out, std::ostream& err) {
   if (options.asJson) out << service::jsonLine(json) << '\n';
   err << "zev: " << (changes.empty() ? "no difference" : counted(changes.size(), "difference")) << " in the rules";
   if (!options.models.empty())
-    err << "; " << different << " of " << counted(options.models.size(), "model") << " treated differently";
+    err << "; " << different << " of " << counted(options.models.size() - failures, "model") << " treated differently";
+  if (failures > 0) err << "; " << counted(failures, "model") << " not read";
   err << ".\n";
   if (failures > 0) return Failed;
   return changes.empty() && different == 0 ? NothingFound : FindingsMade;

@@ -37,6 +37,9 @@ void writeFile(fs::path const& file, DocArguments const& arguments, PhysicsData 
                workbench::ReferenceFormat format) {
   std::error_code failed;
   fs::create_directories(file.parent_path(), failed);
+  if (failed && fs::exists(arguments.out)) {
+    throw Failure('"' + arguments.out + "\" is a file; --out is the folder for the reference");
+  }
   if (failed) throw Failure("cannot make the folder \"" + arguments.out + '"' + becauseOf(failed.value()));
   errno = 0;
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);

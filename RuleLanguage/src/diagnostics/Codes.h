@@ -347,6 +347,9 @@ static_assert(
     }(),
     "the rows are in the order of the enumerators, and no row is missing between them");
 
+/// The end of a message of `reads-later-decision` when only a part of the rules was read.
+inline constexpr std::string_view adviceFollows = "; what to move is not known before all rules have been checked";
+
 /// The row of a code by its public name, as `diagnosticCodes` has it. Null when there is none.
 [[nodiscard]] inline DiagnosticCode const* findCode(std::string_view name) noexcept {
   auto const rows = diagnosticCodes();

@@ -148,6 +148,8 @@ class CompiledGlobalCheck final : public CompiledRule<GlobalCheck> {
     message_->collectReads(reads);
   }
 
+  [[nodiscard]] TextExpression const& message() const noexcept { return *message_; }
+
  private:
   std::unique_ptr<TextExpression> message_;
 };

@@ -249,4 +249,9 @@ std::string inWords(RuleExpression const& rule) {
   return {};
 }
 
+TextExpression const* messageOf(GlobalCheck const& check) noexcept {
+  auto const* written = dynamic_cast<CompiledGlobalCheck const*>(&check);
+  return written != nullptr ? &written->message() : nullptr;
+}
+
 }  // namespace tarn::rules

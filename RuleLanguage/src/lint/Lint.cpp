@@ -49,9 +49,9 @@ void checkRoots(LintContext& context) {
 
 }  // namespace
 
-void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics) {
+void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList& diagnostics, LintExtent extent) {
   LintContext context(rules, data, diagnostics);
-  OrderLint order(context);
+  OrderLint order(context, extent);
   SoundConditions sound;
   for (auto const& use : rules.uses()) {
     order.check(use);

@@ -68,7 +68,7 @@ std::string listed(std::vector<std::string> const& names) {
 
 }  // namespace
 
-OrderLint::OrderLint(LintContext& context) : context_(context) {
+OrderLint::OrderLint(LintContext& context, LintExtent extent) : context_(context), extent_(extent) {
   for (auto const& use : context.rules().uses()) {
     if (!use.typePath().empty() && !isForReview(use)) collect(use);
   }
@@ -261,6 +261,12 @@ std::string const& OrderLint::nameOf(List const& list, Entry entry) {
 
 // Advice
 
+/// The parameters of an object are read in their order by rules of this object only, and its children by all rules
+/// below it.
+bool OrderLint::isComplete(List const& list) const noexcept {
+  return extent_ == LintExtent::All || (extent_ == LintExtent::Objects && !list.areChildren);
+}
+
 OrderLint::Advice OrderLint::adviceFor(ExpressionUse const& use, LateRead const& late) {
   auto const first = std::find_if(late.relations.begin(), late.relations.end(),
                                   [](Relation const& one) { return one.list != nullptr; });
@@ -274,6 +280,7 @@ OrderLint::Advice OrderLint::adviceFor(ExpressionUse const& use, LateRead const&
             {}};
   }
   auto& list = *first->list;
+  if (!isComplete(list)) return {std::string(adviceFollows), {}, {}, {}};
   auto& order = list.order;
   Entry const reader = first->reader;
   Entry read = first->read;

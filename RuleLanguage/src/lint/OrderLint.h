@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include <tarn/rules/RuleTexts.h>
+
 #include "lint/EntryOrder.h"
 #include "lint/LintContext.h"
 
@@ -24,7 +26,7 @@ namespace tarn::rules {
 class OrderLint {
  public:
   /// Compares all rules with each other. `context` must stay valid. Linear in the number of reads.
-  explicit OrderLint(LintContext& context);
+  OrderLint(LintContext& context, LintExtent extent);
 
   /// Adds the warnings about one of the uses of the rules.
   void check(ExpressionUse const& use);
@@ -88,6 +90,8 @@ class OrderLint {
   [[nodiscard]] EntryPlace const* placeOf(List const& list, Entry entry) const;
   [[nodiscard]] static std::string const& nameOf(List const& list, Entry entry);
 
+  /// Whether the rules have all that advice about a list depends on.
+  [[nodiscard]] bool isComplete(List const& list) const noexcept;
   [[nodiscard]] Advice adviceFor(ExpressionUse const& use, LateRead const& late);
   /// The move of an entry before all that read it too early. Nothing when only one does, or when it is no smaller than
   /// moving these.
@@ -96,6 +100,7 @@ class OrderLint {
   [[nodiscard]] Advice adviceOfCircle(List const& list, std::vector<std::size_t> circle) const;
 
   LintContext& context_;
+  LintExtent extent_;
   std::map<std::pair<ObjDependDef const*, bool>, List> lists_;
   std::vector<Reason> reasons_;
   std::unordered_map<NamedRule const*, RuleReads> readsOfNamed_;  // seen from the owner of the rule that calls them

@@ -22,13 +22,14 @@ std::unique_ptr<PhysicsData> load(RuleIndex& index, LoadLimits const& limits, Di
   return builder.takeData();
 }
 
-LintResult lint(RuleIndex& index, LintOptions const& options, DiagnosticList& diagnostics) {
+LintResult lint(RuleIndex& index, LintOptions const& options, DiagnosticList& diagnostics,
+                LintExtent extent = LintExtent::All) {
   RuleBuilder builder(index, true, diagnostics, options.limits);
   builder.build();
   LintResult result;
   // Warnings compare rules with each other, so they need all rules.
   if (!diagnostics.hasErrors()) {
-    addWarnings(index, builder.data(), diagnostics);
+    addWarnings(index, builder.data(), diagnostics, extent);
     result.accepted = applyAcceptances(index, diagnostics);
     diagnostics.setSeverities(options.severities);
   }
@@ -101,6 +102,14 @@ LintResult lintTexts(std::vector<RuleText> const& texts, LintOptions const& opti
   RuleIndex index;
   index.readTexts(texts, options.limits, diagnostics);
   return lint(index, options, diagnostics);
+}
+
+LintResult lintPart(std::vector<RuleText> const& texts, LintExtent extent) {
+  LintOptions const options;
+  DiagnosticList diagnostics(options.limits.errors);
+  RuleIndex index;
+  index.readTexts(texts, options.limits, diagnostics);
+  return lint(index, options, diagnostics, extent);
 }
 
 LintResult lintText(std::string const& text, std::string const& sourceName, LintOptions const& options) {

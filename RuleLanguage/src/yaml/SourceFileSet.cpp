@@ -83,9 +83,9 @@ void SourceFileSet::read(std::vector<fs::path> const& filesOrFolders, FileKind c
     if (!reason.empty()) {
       refuse(path.string(), reason);
     } else if (found.empty()) {
-      diagnostics.addAboutFile(
-          Code::NoRuleFiles, path.string(),
-          "the folder contains no " + what + "s; their names must end in " + std::string(kind.suffix));
+      diagnostics.addAboutFile(Code::NoRuleFiles, path.string(),
+                               "the folder contains no " + std::string(kind.plural) + "; their names must end in " +
+                                   std::string(kind.suffix));
       unreadable = true;
     }
     std::sort(found.begin(), found.end(),

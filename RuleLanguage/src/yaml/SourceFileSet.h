@@ -17,9 +17,11 @@ struct FileKind {
   std::string_view suffix;
   /// One of them, in messages: "rule file".
   std::string_view name;
+  /// Several of them.
+  std::string_view plural;
 };
 
-inline constexpr FileKind ruleFiles{".rules.yaml", "rule file"};
+inline constexpr FileKind ruleFiles{".rules.yaml", "rule file", "rule files"};
 
 /// Files of one kind, read into memory in their order.
 struct SourceFileSet {

@@ -27,7 +27,8 @@ std::string joined(SharedStrings const& items) {
   return text;
 }
 
-std::string conditionText(Condition const* condition) {
+/// A condition, a named check or a global check.
+std::string conditionText(RuleExpression const* condition) {
   if (condition == nullptr) return {};
   std::string text = condition->sourceText();
   return text.empty() ? "computed by the program" : text;
@@ -157,7 +158,9 @@ Attributes attributesOf(ObjectCheck const& check) {
 }
 
 Attributes attributesOf(GlobalCheck const& check) {
-  return {{"Check", check.sourceText()}, {"Level", check.level() == CheckLevel::Warning ? "Warning" : "Error"}};
+  return {{"Check", conditionText(&check)},
+          {"Message", valueText(rules::messageOf(check))},
+          {"Level", check.level() == CheckLevel::Warning ? "Warning" : "Error"}};
 }
 
 std::string numberText(double number) {
@@ -224,7 +227,7 @@ class Comparison {
     compareNamed("named check", before_.getCheckNames(), after_.getCheckNames(),
                  [](PhysicsData const& rules, std::string const& name) {
                    Check const& check = *rules.getCheck(name, true);
-                   return std::pair(Attributes{{"Check", check.sourceText()}}, check.rulePlace());
+                   return std::pair(Attributes{{"Check", conditionText(&check)}}, check.rulePlace());
                  });
     for (ObjDependDef const* object : after_.objects()) compareObject(*object);
     for (ObjDependDef const* object : before_.objects()) {

@@ -1,15 +1,27 @@
 // A check of what was edited. Lint gets the changed parts of the files, the parts that give names to all rules, and the
 // parts that have what the changed ones read; that is little in a rule base of any size. Its findings in the changed
 // parts join those of the last check of everything in the others, at the lines where they are now.
+//
+// Some findings depend on more than that:
+//
+// - The order of entries and their contexts are judged for whole objects, so lint gets all parts of the objects that
+//   have entries in the changed parts, and its findings of this kind replace the former ones in all of these parts. Of
+//   an object that is too large for that, the changed part alone is judged, without advice about what to move.
+// - Roots are missing if no file has any. Lint gets all parts that have some.
+// - An acceptance is needless if lint finds nothing where it counts. So only acceptances are judged that count nowhere
+//   but in parts that were looked at as a whole.
 
 #include <tarn/workbench/EditedRules.h>
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string_view>
 #include <utility>
+
+#include <tarn/rules/RuleTexts.h>
 
 #include "diagnostics/Codes.h"
 #include "editing/EditedRulesImpl.h"
@@ -35,16 +47,22 @@ bool needsReadRules(std::string_view code) {
   return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
 
-/// Findings that are only certain when all rules are known, and so wait for a check of everything.
-bool needsAllRules(std::string_view code) {
-  static constexpr std::array<std::string_view, 5> codes = {"missing-roots", "reads-later-decision", "never-live",
-                                                            "unused-name", "needless-acceptance"};
-  return std::find(codes.begin(), codes.end(), code) != codes.end();
+constexpr std::string_view needlessAcceptance = "needless-acceptance";
+constexpr std::string_view missingRoots = "missing-roots";
+
+/// Findings that depend on all entries of an object.
+bool isOfWholeObject(std::string_view code) {
+  return code == "reads-later-decision" || code == "never-live";
 }
 
-/// Whether other files may need what is given in this part: names, units, templates.
-bool isShared(ReadPart const& part) {
+/// Whether other parts may need what is given in this one: names, units, templates, roots, acceptances of a file.
+bool isShared(EditedFile const& file, ReadPart const& part) {
   if (!part.part.context.empty()) return part.part.context.front() != "Objects";
+  if (file.parts.size() > 1) return true;
+  auto const& references = part.facts->references;
+  bool const hasRoots = std::any_of(references.begin(), references.end(),
+                                    [](Reference const& one) { return one.kind == Reference::Kind::RootType; });
+  if (hasRoots) return true;
   auto const& definitions = part.facts->definitions;
   bool const hasObjects = std::any_of(definitions.begin(), definitions.end(), [](Definition const& one) {
     return one.kind == Kind::Parameter || one.kind == Kind::Child;
@@ -92,7 +110,10 @@ class LineShifts {
     for (ReadPart const& part : file.parts) lines.emplace(part.hash, linesOf(file, part.part.span).first);
     for (auto const& part : former) {
       auto const found = lines.find(part.hash);
-      if (found == lines.end()) continue;
+      if (found == lines.end()) {
+        hasLost_ = true;
+        continue;
+      }
       shifts_.push_back({part.firstLine, part.lastLine, found->second});
       unchanged_.insert(part.hash);
       lines.erase(found);
@@ -100,6 +121,8 @@ class LineShifts {
   }
 
   [[nodiscard]] bool isUnchanged(ReadPart const& part) const { return unchanged_.contains(part.hash); }
+  /// Whether something that was there has changed or is gone.
+  [[nodiscard]] bool hasLost() const noexcept { return hasLost_; }
 
   /// Moves a range to where its lines are now. False if they have changed.
   bool apply(EditorRange& range) const {
@@ -120,6 +143,84 @@ class LineShifts {
   };
   std::vector<Shift> shifts_;
   std::set<std::uint64_t> unchanged_;
+  bool hasLost_ = false;
+};
+
+/// All parts of the objects that have entries in some parts, and so on for the objects in these parts. Those of a
+/// template are the objects that use it.
+class ObjectParts {
+ public:
+  explicit ObjectParts(EditedRulesImpl const& rules) : names_(rules.names()) {
+    for (auto const& file : rules.files) {
+      for (ReadPart const& part : file->parts) {
+        auto const& context = part.part.context;
+        if (context.size() > 1 && context.front() == "Objects") divided_[context[1]].push_back(&part);
+      }
+    }
+  }
+
+  void add(ReadPart const& first) {
+    addPart(&first);
+    while (!waiting_.empty() && !isTooMuch()) {
+      ReadPart const& part = *waiting_.back();
+      waiting_.pop_back();
+      auto const& context = part.part.context;
+      if (context.size() > 1) {
+        addOwner({context.front() == "Templates" ? Kind::Template : Kind::ObjectType, context[1]});
+      }
+      FactOwner const* last = nullptr;
+      for (Definition const& definition : part.facts->definitions) {
+        if (definition.kind == Kind::ObjectType || definition.kind == Kind::Template) {
+          addOwner({definition.kind, definition.name});
+        } else if (!definition.owner.name.empty() && (last == nullptr || *last != definition.owner)) {
+          last = &definition.owner;
+          addOwner(definition.owner);
+        }
+      }
+    }
+  }
+
+  [[nodiscard]] std::set<ReadPart const*> const& parts() const noexcept { return parts_; }
+  [[nodiscard]] bool isTooMuch() const noexcept { return bytes_ > mostBytes; }
+
+ private:
+  void addOwner(FactOwner const& owner) {
+    if (owner.kind == Kind::Template) {
+      if (!templates_.insert(owner.name).second) return;
+      for (std::string const& type : names_.contextsOf(owner)) addObject(type);
+    } else if (owner.kind == Kind::ObjectType) {
+      addObject(owner.name);
+    }
+  }
+
+  void addObject(std::string const& type) {
+    if (!objects_.insert(type).second) return;
+    auto const entries = names_.types().find(type);
+    if (entries == names_.types().end()) return;
+    for (auto const* all : {&entries->second.definitions, &entries->second.params, &entries->second.children}) {
+      for (DefinitionAt const& one : *all) {
+        if (isTooMuch()) return;
+        if (!one.file->isTest) addPart(one.file->partAt(one.shift));
+      }
+    }
+    if (auto const divided = divided_.find(type); divided != divided_.end()) {
+      for (ReadPart const* part : divided->second) addPart(part);
+    }
+  }
+
+  void addPart(ReadPart const* part) {
+    if (part == nullptr || !parts_.insert(part).second) return;
+    bytes_ += part->part.span.size();
+    waiting_.push_back(part);
+  }
+
+  RuleNames const& names_;
+  std::map<std::string, std::vector<ReadPart const*>> divided_;  // by object type: the parts inside of its entry
+  std::set<ReadPart const*> parts_;
+  std::set<std::string> objects_;
+  std::set<std::string> templates_;
+  std::vector<ReadPart const*> waiting_;
+  std::size_t bytes_ = 0;
 };
 
 /// The parts that lint must know to judge the changed ones: what their rules read, the types above the objects that
@@ -129,12 +230,13 @@ class NeededParts {
   explicit NeededParts(EditedRulesImpl const& rules) : rules_(rules), names_(rules.names()) {}
 
   void addChanged(EditedFile const& file, ReadPart const& part) {
-    if (!parts_.insert(&part).second) return;
-    bytes_ += part.part.span.size();
+    addPart(part);  // another part may have needed it already
     std::size_t const shift = part.part.span.begin;
     if (part.part.context.size() > 1) addOwner(part.part.context[1]);
     std::map<std::string, std::set<std::string_view>> params;  // by object type
+    std::set<std::string> withContext;
     for (Definition const& definition : part.facts->definitions) {
+      if (definition.attribute("Context") != nullptr) withContext.insert(definition.owner.name);
       if (definition.kind == Kind::Parameter) {
         for (std::string const& type : names_.contextsOf(definition.owner)) params[type].insert(definition.name);
       } else {
@@ -148,8 +250,18 @@ class NeededParts {
         if (names.contains(param.definition->name)) add(param);
       }
     }
+    for (std::string const& type : withContext) addContextRules(type);
     for (Reference const& use : part.facts->references) {
       addUse({&use, &part.facts->entries[use.entry], &file, shift});
+    }
+  }
+
+  /// Without roots, the first object type is the one that lint points at.
+  void addFirstObject() {
+    for (auto const& [type, entries] : names_.types()) {
+      if (!type.starts_with('/') || entries.definitions.empty()) continue;
+      for (DefinitionAt const& definition : entries.definitions) add(definition);
+      return;
     }
   }
 
@@ -185,12 +297,19 @@ class NeededParts {
     }
   }
 
-  /// The templates that an object uses may be named in another part of it.
+  void addContextRules(std::string const& type) {
+    for (DefinitionAt const& param : names_.paramsOf(type)) {
+      if (param.definition->attribute("Context Rule") != nullptr) add(param);
+    }
+  }
+
+  /// The templates that an object uses, and what it accepts, may be in another part of it.
   void addOwner(std::string const& owner) {
     if (!owners_.insert(owner).second) return;
     for (auto const& file : rules_.files) {
       for (ReadPart const& part : file->parts) {
         if (part.part.context.size() < 2 || part.part.context[1] != owner) continue;
+        if (part.part.context.size() == 2) addPart(part);
         auto const& references = part.facts->references;
         bool const usesTemplates = std::any_of(references.begin(), references.end(), [](Reference const& use) {
           return use.kind == Reference::Kind::Template;
@@ -248,20 +367,26 @@ class ChangeCheck {
       auto const& lines =
           shifts_.try_emplace(file->name, accepted != rules.accepted.end() ? accepted->second : none, *file)
               .first->second;
+      hasChanges_ = hasChanges_ || lines.hasLost();
       for (ReadPart const& part : file->parts) {
-        if (lines.isUnchanged(part)) continue;
-        changed_.insert(&part);
-        changedLines_[file->name].push_back(linesOf(*file, part.part.span));
+        if (!lines.isUnchanged(part)) changed_.insert(&part);
       }
     }
+    hasChanges_ = hasChanges_ || !changed_.empty() ||
+                  std::any_of(rules.accepted.begin(), rules.accepted.end(),
+                              [&](auto const& file) { return !file.second.empty() && !shifts_.contains(file.first); });
   }
 
   EditorDiagnostics run(EditorDiagnostics const& last) {
     for (auto const& file : rules_.files) {
       if (!file->isTest) result_[file->name];
     }
-    keep(last);
-    if (!changed_.empty()) look();
+    shift(last);
+    if (hasChanges_) look();
+    for (auto& [name, diagnostics] : kept_) {
+      auto& all = result_[name];
+      all.insert(all.end(), std::make_move_iterator(diagnostics.begin()), std::make_move_iterator(diagnostics.end()));
+    }
     bool const hasErrors = std::any_of(result_.begin(), result_.end(), [](auto const& file) {
       return std::any_of(file.second.begin(), file.second.end(), preventsLoading);
     });
@@ -275,8 +400,10 @@ class ChangeCheck {
   }
 
  private:
+  using Parts = std::set<ReadPart const*>;
+
   /// Diagnostics of unchanged parts.
-  void keep(EditorDiagnostics const& last) {
+  void shift(EditorDiagnostics const& last) {
     for (auto const& [name, diagnostics] : last) {
       auto const lines = shifts_.find(name);
       if (lines == shifts_.end()) continue;
@@ -287,58 +414,143 @@ class ChangeCheck {
           return other == shifts_.end() || !other->second.apply(note.location.range);
         });
         if (one.fix && !lines->second.apply(one.fix->change.range)) one.fix.reset();
-        result_[name].push_back(std::move(one));
+        kept_[name].push_back(std::move(one));
       }
     }
   }
 
   /// Looks for what is wrong with the changed parts.
   void look() {
+    if (lookAtObjects()) return;
     NeededParts needed(rules_);
-    for (auto const& file : rules_.files) {
-      for (ReadPart const& part : file->parts) {
-        if (changed_.contains(&part)) needed.addChanged(*file, part);
-      }
-    }
-    bool const isWhole = !needed.isTooMuch();
-    std::vector<rules::RuleText> texts;
-    for (auto const& file : rules_.files) {
-      if (file->isTest) continue;
-      std::string text = textOf(*file, [&](ReadPart const& part) {
-        return changed_.contains(&part) || isShared(part) || (isWhole && needed.contains(part));
-      });
-      if (!text.empty()) texts.push_back({file->name, std::move(text)});
-    }
-    if (isWhole) {
-      take(editorDiagnostics(texts, rules::lintTexts(texts).diagnostics), needsAllRules);
+    addTo(needed, changed_);
+    if (!needed.isTooMuch()) {
+      auto const some = texts(changed_, &needed);
+      take(editorDiagnostics(some, rules::lintPart(some, rules::LintExtent::Entries).diagnostics), changed_, false);
       return;
     }
+    auto const some = texts(changed_, nullptr);
     try {
-      (void)rules::parseRules(texts);
+      (void)rules::parseRules(some);
     } catch (rules::RuleError const& error) {
-      take(editorDiagnostics(texts, error.diagnostics()), needsReadRules);
+      for (auto& [name, diagnostics] : editorDiagnostics(some, error.diagnostics())) {
+        for (EditorDiagnostic& one : diagnostics) {
+          if (contains(changed_, name, one) && !needsReadRules(one.code)) result_[name].push_back(std::move(one));
+        }
+      }
     }
   }
 
-  /// Takes what was found in the changed parts, without what is not certain.
-  template <typename IsUncertain>
-  void take(EditorDiagnostics const& found, IsUncertain const& isUncertain) {
-    for (auto const& [name, diagnostics] : found) {
-      auto const lines = changedLines_.find(name);
-      if (lines == changedLines_.end()) continue;
-      for (EditorDiagnostic const& one : diagnostics) {
-        bool const isInside = std::any_of(lines->second.begin(), lines->second.end(), [&](auto const& changed) {
-          return one.range.begin.line >= changed.first && one.range.begin.line <= changed.second;
-        });
-        if (isInside && !isUncertain(one.code)) result_[name].push_back(one);
+  /// Looks at the changed parts together with the other parts of their objects. False if that is too much.
+  bool lookAtObjects() {
+    ObjectParts objects(rules_);
+    for (ReadPart const* part : changed_) objects.add(*part);
+    if (objects.isTooMuch()) return false;
+    NeededParts needed(rules_);
+    addTo(needed, objects.parts());
+    if (needed.isTooMuch()) return false;
+    auto const some = texts(objects.parts(), &needed);
+    take(editorDiagnostics(some, rules::lintPart(some, rules::LintExtent::Objects).diagnostics), objects.parts(), true);
+    return true;
+  }
+
+  void addTo(NeededParts& needed, Parts const& parts) const {
+    for (auto const& file : rules_.files) {
+      for (ReadPart const& part : file->parts) {
+        if (parts.contains(&part)) needed.addChanged(*file, part);
       }
     }
+    if (!rules_.names().hasRoots()) needed.addFirstObject();
+  }
+
+  /// The texts of the parts that are looked at, of those that are needed for that, and of those that all may need.
+  [[nodiscard]] std::vector<rules::RuleText> texts(Parts const& parts, NeededParts const* needed) const {
+    std::vector<rules::RuleText> result;
+    for (auto const& file : rules_.files) {
+      if (file->isTest) continue;
+      std::string text = textOf(*file, [&](ReadPart const& part) {
+        return parts.contains(&part) || isShared(*file, part) || (needed != nullptr && needed->contains(part));
+      });
+      if (!text.empty()) result.push_back({file->name, std::move(text)});
+    }
+    return result;
+  }
+
+  /// Takes what was found, as far as it is certain. It replaces what was kept. `parts` are those that were looked at,
+  /// and all that belongs to their objects if `areObjectsWhole`.
+  void take(EditorDiagnostics found, Parts const& parts, bool areObjectsWhole) {
+    bool const isLoaded = std::none_of(found.begin(), found.end(), [](auto const& file) {
+      return std::any_of(file.second.begin(), file.second.end(), preventsLoading);
+    });
+    auto const isTaken = [&](std::string const& file, EditorDiagnostic const& one) {
+      if (one.code == missingRoots) return isLoaded;
+      bool const isChanged = contains(changed_, file, one);
+      bool const isLookedAt = isLoaded && (isChanged || (areObjectsWhole && contains(parts, file, one)));
+      if (isOfWholeObject(one.code)) return isLookedAt;
+      if (one.code == needlessAcceptance) return isLookedAt && isScopeInside(file, one, areObjectsWhole);
+      return isChanged;
+    };
+    for (auto& [name, all] : found) {
+      for (EditorDiagnostic& one : all) {
+        if (!isTaken(name, one)) continue;
+        // Without advice, it is not known whether the warning is one with another one elsewhere.
+        if (one.message.ends_with(rules::adviceFollows) && !complete(name, one) && !contains(changed_, name, one))
+          continue;
+        result_[name].push_back(std::move(one));
+      }
+    }
+    for (auto& [name, all] : kept_) {
+      std::erase_if(all, [&file = name, &isTaken](EditorDiagnostic const& one) { return isTaken(file, one); });
+    }
+  }
+
+  /// Whether a diagnostic is in one of these parts.
+  [[nodiscard]] bool contains(Parts const& parts, std::string const& file, EditorDiagnostic const& one) const {
+    ReadPart const* const part = partOf(file, one);
+    return part != nullptr && parts.contains(part);
+  }
+
+  [[nodiscard]] ReadPart const* partOf(std::string const& name, EditorDiagnostic const& one) const {
+    EditedFile const* const file = rules_.file(name);
+    return file != nullptr ? file->partAt(file->buffer.offsetOf(one.range.begin)) : nullptr;
+  }
+
+  /// Whether all that an acceptance can accept was looked at. `one` says that it is needless. The acceptance of a map
+  /// that is divided is not inside of its part.
+  [[nodiscard]] bool isScopeInside(std::string const& name, EditorDiagnostic const& one, bool areObjectsWhole) const {
+    ReadPart const* const part = partOf(name, one);
+    EditedFile const* const file = rules_.file(name);
+    if (part == nullptr || file->parts.size() == 1) return part != nullptr;
+    if (part->part.context.size() == 2 && areObjectsWhole) return true;
+    std::size_t indent = std::string_view::npos;
+    LineKey key;
+    LineKey outermost;
+    for (std::size_t at = linesOf(*file, part->part.span).first; at <= one.range.begin.line; ++at) {
+      if (!readLineKey(file->buffer.line(at), key)) continue;
+      if (indent == std::string_view::npos) indent = key.indent;
+      if (key.indent == indent) outermost = key;
+    }
+    return outermost.key != "Accepted";
+  }
+
+  /// Replaces a warning without advice by the one that the last check of everything has there. False if it has none.
+  [[nodiscard]] bool complete(std::string const& file, EditorDiagnostic& one) const {
+    auto const known = kept_.find(file);
+    if (known == kept_.end()) return false;
+    std::string_view const start(one.message.data(), one.message.size() - rules::adviceFollows.size());
+    auto const former = std::find_if(known->second.begin(), known->second.end(), [&](EditorDiagnostic const& other) {
+      return other.code == one.code && other.range == one.range && other.message.starts_with(start);
+    });
+    if (former == known->second.end()) return false;
+    one = *former;
+    return true;
   }
 
   EditedRulesImpl const& rules_;
   std::map<std::string, LineShifts> shifts_;
-  std::set<ReadPart const*> changed_;
-  std::map<std::string, std::vector<std::pair<std::size_t, std::size_t>>> changedLines_;
+  Parts changed_;
+  bool hasChanges_ = false;
+  EditorDiagnostics kept_;
   EditorDiagnostics result_;
 };
 

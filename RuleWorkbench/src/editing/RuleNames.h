@@ -96,6 +96,8 @@ class RuleNames {
   [[nodiscard]] std::map<std::string, Entries> const& templates() const noexcept { return templates_; }
   /// Named rules, quantity types and global checks.
   [[nodiscard]] std::map<NameKey, std::vector<DefinitionAt>> const& named() const noexcept { return named_; }
+  /// Whether a rule file names an object type that validation looks at.
+  [[nodiscard]] bool hasRoots() const noexcept { return !roots_.empty(); }
   [[nodiscard]] TypeTree const& tree() const noexcept { return *tree_; }
 
   /// The parameters or children of an object type, those of templates included.

@@ -260,7 +260,11 @@ DependencyGraph RuleDependencies::of(std::vector<std::size_t> const& chosen) con
 std::string RuleDependencies::nearest(std::string_view path) const {
   std::vector<std::string> known;
   known.reserve(nodes_.size());
-  for (GraphNode const& node : nodes_) known.push_back(node.text());
+  for (GraphNode const& node : nodes_) {
+    known.push_back(node.text());
+    // A name alone, without the path of its object.
+    if (node.entry == path) return known.back();
+  }
   return StringUtilities::nearMatch(PathUtils::typePathOf(path), known);
 }
 

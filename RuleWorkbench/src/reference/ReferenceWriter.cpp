@@ -72,7 +72,7 @@ a:focus-visible, summary:focus-visible, input:focus-visible { outline: 3px solid
 .skip { position: absolute; left: -100rem; }
 .skip:focus { left: 1rem; top: 1rem; padding: .5rem 1rem; background: var(--panel); z-index: 1; }
 .page { display: grid; grid-template-columns: minmax(14rem, 20rem) minmax(0, 1fr); max-width: 84rem; margin: 0 auto; }
-nav { position: sticky; top: 0; align-self: start; max-height: 100vh; overflow: auto; padding: 1.25rem 1rem;
+nav { position: sticky; top: 0; align-self: start; height: 100vh; overflow: auto; padding: 1.25rem 1rem;
   border-right: 1px solid var(--line); font-size: .9rem; }
 .search { margin: 0 0 1rem; }
 .search label { display: block; font-weight: 600; }
@@ -106,7 +106,7 @@ code { font: .9em/1.4 ui-monospace, monospace; padding: .05em .3em; border: 1px 
   background: var(--page); white-space: pre-wrap; overflow-wrap: anywhere; }
 mark { color: var(--mark); background: var(--mark-back); padding: .05em .45em; border-radius: .8em; font-size: .82rem;
   font-weight: 500; white-space: nowrap; }
-@media (max-width: 56rem) { .page { display: block; } nav { position: static; max-height: none; border-right: 0;
+@media (max-width: 56rem) { .page { display: block; } nav { position: static; height: auto; border-right: 0;
   border-bottom: 1px solid var(--line); } nav ul { max-height: 40vh; overflow: auto; } main { padding: 1rem 1rem 3rem; } }
 @media (max-width: 34rem) { dl { grid-template-columns: minmax(0, 1fr); gap: 0; } dd { grid-column: 1; margin-bottom: .45rem; } article { padding: .7rem .8rem; } }
 @media print { nav { display: none; } .page { display: block; } .type { content-visibility: visible; } }

@@ -478,6 +478,7 @@ class Reference {
       writer_->heading(4, entryAnchors_.at(Key(EntryKind::GlobalCheck, "", name)), heading);
       Terms terms;
       terms.add("Must hold", ofRule(check));
+      if (auto const* message = rules::messageOf(check)) terms.add("Otherwise", ofText(*message));
       addLinks(terms, EntryKind::GlobalCheck, "", name);
       addPlace(terms, check.rulePlace());
       terms.write(*writer_);

@@ -22,7 +22,7 @@ struct RuleTests::Parts {
 
 namespace {
 
-constexpr rules::FileKind testFiles{".rule-tests.yaml", "file of rule tests"};
+constexpr rules::FileKind testFiles{".rule-tests.yaml", "file of rule tests", "files of rule tests"};
 
 void readFile(rules::SourceText const& source, std::filesystem::path const& folder, TestLimits const& limits,
               rules::DiagnosticList& diagnostics, std::vector<TestPlan>& tests) {

@@ -81,6 +81,12 @@ TestReader::TestReader(rules::SourceText const& source, std::filesystem::path fo
     : MapReader(diagnostics), source_(source), folder_(std::move(folder)), isIncomplete_(isIncomplete) {}
 
 void TestReader::read(YamlNode const& root, std::vector<TestPlan>& tests) {
+  if (valueIn(root, "Rule Tests") == nullptr && valueIn(root, "Rule Database") != nullptr) {
+    error(Code::WrongKind, at(&root),
+          "this is a file of rules, not of tests; give the rules after --rules, and here files that begin with "
+          "'Rule Tests: 1'");
+    return;
+  }
   bool versionGiven = false;
   forEachKnown(at(&root), "a file of rule tests", fileKeys, [&](FileKey key, Item const&, Item const& value) {
     if (key == FileKey::Version) {

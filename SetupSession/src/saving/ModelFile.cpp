@@ -185,6 +185,10 @@ std::optional<SaveError> ModelFile::save(ModelState const& state, ModelTextOrder
 
 std::optional<SaveError> ModelFile::saveText(std::string text, Overwrite overwrite) {
   if (name_ == "-") return noFile();
+  if (std::error_code failed; std::filesystem::is_directory(name_, failed)) {
+    return SaveError{SaveFault::WriteFailed,
+                     "cannot write " + inQuotes(name_) + ": it is a folder; give the name of a file"};
+  }
   try {
     // A pipe or a device holds no earlier model, and reading it might never end.
     auto const onDisk = canHoldModel(name_) ? bytesOf(name_) : std::nullopt;

@@ -11,4 +11,19 @@ namespace tarn::rules {
 /// does. For programs whose rules are not saved, such as editors.
 [[nodiscard]] TARN_EXPORT LintResult lintTexts(std::vector<RuleText> const& texts, LintOptions const& options = {});
 
+/// How much of the rules that count is in the texts that are linted.
+enum class LintExtent : int {
+  /// Everything.
+  All = 0,
+  /// All parameters of the objects whose findings matter, and what their rules read.
+  Objects = 1,
+  /// Some entries of objects, and what they read.
+  Entries = 2
+};
+
+/// The same for texts that are a part of a rule base. What other rules could change must be sorted out by the caller.
+/// Only one thing is different: a `reads-later-decision` gets advice about what to move if `extent` includes all that
+/// the advice depends on. Otherwise its message ends by saying that this is not known yet.
+[[nodiscard]] TARN_EXPORT LintResult lintPart(std::vector<RuleText> const& texts, LintExtent extent);
+
 }  // namespace tarn::rules

@@ -3,6 +3,7 @@
 #include <string>
 
 #include <tarn/Export.h>
+#include <tarn/GlobalCheck.h>
 #include <tarn/RuleExpressions.h>
 
 namespace tarn::rules {
@@ -13,5 +14,9 @@ namespace tarn::rules {
 /// A condition gives a clause that can follow "while", a text or a list the words for its value. Returns "" for rules
 /// that a program made, and for texts and lists that are fixed. Linear in the length of the rule.
 [[nodiscard]] TARN_EXPORT std::string inWords(RuleExpression const& rule);
+
+/// The rule for the message of a global check of a rule file. Null for a check that a program made. Valid as long as
+/// the check.
+[[nodiscard]] TARN_EXPORT TextExpression const* messageOf(GlobalCheck const& check) noexcept;
 
 }  // namespace tarn::rules

@@ -77,11 +77,17 @@ class TARN_EXPORT EditedRules {
   /// The present texts of the rule files, for a check of everything. Copies them.
   [[nodiscard]] RuleSnapshot snapshot() const;
   /// The diagnostics of the parts of rule files that changed since `last` was made, together with those that `last` has
-  /// for the other parts, at their present places. It needs little time in a rule base of any size. It leaves out
-  /// what only a look at all rules finds: rules that read a later decision, contexts that cannot occur, needless
-  /// acceptances, and findings about unchanged parts that the change caused or removed. It has errors of form only, if
-  /// the changed parts and what they read are more than 384 KiB. As long as there are errors, there is nothing but
-  /// errors. `last` belongs to the revision of the last call of `accept`.
+  /// for the other parts, at their present places. It needs little time in a rule base of any size. `last` belongs to
+  /// the revision of the last call of `accept`.
+  ///
+  /// Missing roots are those of all files. The order of entries and their contexts are
+  /// judged in all parts of the objects that have changed parts. It leaves out findings about other unchanged parts
+  /// that the change caused or removed, and needless acceptances that count in more than what was looked at. A warning
+  /// of a rule that reads a later decision says so if the advice about what to move is not known.
+  ///
+  /// If the objects with changed parts have more than 384 KiB together with what they read, only the changed parts are
+  /// judged; if these are still more, only errors of form are found. As long as there are errors, there is nothing but
+  /// errors.
   [[nodiscard]] EditorDiagnostics checkChanges(EditorDiagnostics const& last) const;
   /// Says that diagnostics of the present texts are known, so that `checkChanges` counts changes from here.
   void accept();

@@ -46,10 +46,9 @@ struct TARN_EXPORT RuleChange {
 
 /// Compares two rule databases. An item that has another name counts as renamed when the new rules list the old name
 /// among its former names, and as one that went and another that came otherwise. Everything that the records have is
-/// compared, also texts for people, such as descriptions and labels; the message of a global check is not, because only
-/// an evaluation gives it. Templates are compared by what objects take from them. Quantity types and named rules come
-/// first; then the object types, each followed by its entries, in the order of the new rules; then what went with its
-/// whole object type; global checks last.
+/// compared, also texts for people, such as descriptions and labels. Templates are compared by what objects take from
+/// them. Quantity types and named rules come first; then the object types, each followed by its entries, in the order
+/// of the new rules; then what went with its whole object type; global checks last.
 ///
 /// Linear in the size of both, times the logarithm of the number of items.
 [[nodiscard]] TARN_EXPORT std::vector<RuleChange> compareRules(PhysicsData const& before, PhysicsData const& after);

@@ -78,7 +78,7 @@ class TARN_EXPORT RuleDependencies {
   /// All entries that have a dependency, up to `mostNodes`.
   [[nodiscard]] DependencyGraph whole(std::size_t mostNodes = 1000) const;
 
-  /// The entry whose path is most similar to `path`. "" when none is.
+  /// The first entry with the name `path`, or the one whose path is most similar to `path`. "" when there is none.
   [[nodiscard]] std::string nearest(std::string_view path) const;
 
  private:
