@@ -116,12 +116,12 @@ int eval(EvalOptions const& options, std::ostream& out, std::ostream& err) {
   auto const rules = loadRuleFiles(options.rules, err);
   auto const parsed = rules::parseQuery(options.expression, *rules);
   if (!parsed.query) {
-    err << rules::format(parsed.diagnostics);
     std::error_code failed;
     if (std::filesystem::is_regular_file(options.expression, failed)) {
       throw Failure('"' + options.expression +
                     "\" is a file, not an expression; give the expression last, after the model");
     }
+    err << rules::format(parsed.diagnostics);
     throw Failure("the expression cannot be evaluated; see above");
   }
   ModelState const model = options.model.empty() ? ModelState() : readModelFile(options.model, TDFChangeFile::Strict);

@@ -5,8 +5,8 @@
 // Some findings depend on more than that:
 //
 // - The order of entries and their contexts are judged for whole objects, so lint gets all parts of the objects that
-//   have entries in the changed parts, and its findings of this kind replace the former ones in all of these parts. Of
-//   an object that is too large for that, the changed part alone is judged, without advice about what to move.
+//   have entries in the changed parts, and its findings of this kind replace the former ones in all of these parts. If
+//   an object is too large for that, the changed part alone is judged, without advice about what to move.
 // - Roots are missing if no file has any. Lint gets all parts that have some.
 // - An acceptance is needless if lint finds nothing where it counts. So only acceptances are judged that count nowhere
 //   but in parts that were looked at as a whole.

@@ -1,4 +1,4 @@
-// What is shown at once after an edit, compared with a check of everything.
+// Findings that are shown at once after an edit, compared with those of a check of everything.
 
 #include <tarn/workbench/EditedRules.h>
 
@@ -214,7 +214,7 @@ std::pair<std::size_t, std::size_t> entryAround(std::vector<std::string> const& 
 
 constexpr std::array<std::string_view, 2> ofObjects = {"reads-later-decision", "never-live"};
 
-/// What must be the same: roots everywhere, the rest in the entry with the edited line.
+/// The findings that must be the same: of roots everywhere, the others in the entry with the edited line.
 std::multiset<std::string> compared(EditorDiagnostics const& all, std::string const& file,
                                     std::pair<std::size_t, std::size_t> entry, std::set<std::string> const& unknown) {
   std::multiset<std::string> result;
@@ -237,7 +237,7 @@ std::multiset<std::string> compared(EditorDiagnostics const& all, std::string co
   return result;
 }
 
-/// Whether a warning about the order of children stands for several places.
+/// Whether a warning about the order of children has a number of places.
 bool hasJoined(EditorDiagnostics const& all) {
   return std::any_of(all.begin(), all.end(), [](auto const& file) {
     return std::any_of(file.second.begin(), file.second.end(), [](auto const& one) {
@@ -325,7 +325,7 @@ std::string manyUnits(std::size_t units) {
   return text;
 }
 
-/// What is found at once after `before` was replaced by `now` in the part of unit 100.
+/// The findings at once after `before` was replaced by `now` in the part of unit 100.
 std::vector<std::string> foundAtOnce(std::string_view before, std::string_view now,
                                      std::size_t from = std::string::npos) {
   EditedRules rules;

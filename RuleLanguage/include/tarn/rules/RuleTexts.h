@@ -21,9 +21,9 @@ enum class LintExtent : int {
   Entries = 2
 };
 
-/// The same for texts that are a part of a rule base. What other rules could change must be sorted out by the caller.
-/// Only one thing is different: a `reads-later-decision` gets advice about what to move if `extent` includes all that
-/// the advice depends on. Otherwise its message ends by saying that this is not known yet.
+/// The same for texts that are a part of a rule base. The caller must leave out the findings that other rules could
+/// change. Only one thing is different: a `reads-later-decision` gets advice about what to move if `extent` includes
+/// all that the advice depends on. Otherwise its message ends by saying that this is not known yet.
 [[nodiscard]] TARN_EXPORT LintResult lintPart(std::vector<RuleText> const& texts, LintExtent extent);
 
 }  // namespace tarn::rules
