@@ -14,7 +14,7 @@
 namespace tarn::session {
 
 /// The types of the present objects at and below an object, and how many objects each type has. Linear in the number of
-/// objects. Of each object it makes the path only: the rules of a type are looked up once, and the children of an
+/// objects. It makes only the path of each object: the rules of a type are looked up once, and the children of an
 /// object are listed only if there are rules for some of them.
 class PresentTypes {
  public:
