@@ -27,6 +27,7 @@ enum class Code : std::uint8_t {
   SeveralDocuments,
   UnknownAnchor,
   RecursiveAlias,
+  LostWord,
   // The form of a rule file
   MissingVersion,
   UnknownVersion,
@@ -149,6 +150,8 @@ inline constexpr auto codeTable = std::to_array<CodeRow>({
     {Code::SeveralDocuments, {"several-documents", Severity::Error, "A file holds more than one YAML document."}},
     {Code::UnknownAnchor, {"unknown-anchor", Severity::Error, "An alias names an anchor that no line before it has."}},
     {Code::RecursiveAlias, {"recursive-alias", Severity::Error, "An alias is part of what it refers to."}},
+    {Code::LostWord,
+     {"lost-word", Severity::Warning, "A word in front of a value is an anchor that nothing uses, or a tag."}},
 
     {Code::MissingVersion, {"missing-version", Severity::Error, "A file has no key 'Rule Database'."}},
     {Code::UnknownVersion, {"unknown-version", Severity::Error, "A file has a version that this library cannot read."}},

@@ -472,11 +472,13 @@ class Parser {
       }
       unknownValue(token);
       std::string const phrase(phraseAt(token.range));
-      auto const call = otherKindOf(phrase);
-      fail({token.range.offset, phrase.size()},
-           "unknown name " + inQuotes(phrase) +
-               (call.empty() ? "; write '" + phrase + "' for a text, or ${" + phrase + "} for a parameter" : call),
-           Code::UnknownWord);
+      auto remedy = otherKindOf(phrase);
+      if (remedy.empty()) {
+        remedy = "; write '" + phrase + "' for a text, or " +
+                 (isType(phrase) && !isParameter(phrase) ? "{" + phrase + ":*} for the objects of this type"
+                                                         : "${" + phrase + "} for a parameter");
+      }
+      fail({token.range.offset, phrase.size()}, "unknown name " + inQuotes(phrase) + remedy, Code::UnknownWord);
     }
     if (function == nullptr) {
       unknownFunction(token);
@@ -485,7 +487,11 @@ class Parser {
     return call(token.range.offset, *function);
   }
 
-  /// The words that begin with an unknown one, as far as they can be one name: joined by a blank or by a hyphen.
+  [[nodiscard]] bool isType(std::string_view name) const { return named_.isType && named_.isType(name); }
+  [[nodiscard]] bool isParameter(std::string_view name) const { return named_.isParameter && named_.isParameter(name); }
+
+  /// The words that begin with an unknown one, as far as they can be one name: joined by a blank or by a hyphen. A name
+  /// that the rules know may have any words.
   [[nodiscard]] std::string_view phraseAt(Range range) const {
     auto const isPart = [](char c) { return c == '_' || std::isalnum(static_cast<unsigned char>(c)) != 0; };
     std::size_t end = std::size_t{range.offset} + range.length;
@@ -497,15 +503,13 @@ class Parser {
       if (isCall || (text_[end] == ' ' && (isOperatorWord(word) || adviceForOperator(word)))) break;
       end = next;
     }
-    // A named rule may have an operator in its name.
+    // A name may have an operator in it: "Heat in Room".
     constexpr std::size_t longestName = 100;
     auto const rest = StringUtilities::trimmed(text_.substr(range.offset));
     for (std::size_t length = std::min(rest.size(), longestName); range.offset + length > end; --length) {
       if (length < rest.size() && isPart(rest[length])) continue;
-      std::string const name(rest.substr(0, length));
-      if (named_.checks.contains(name) || named_.lists.contains(name) || named_.values.contains(name)) {
-        return rest.substr(0, length);
-      }
+      auto const name = rest.substr(0, length);
+      if (!otherKindOf(std::string(name)).empty() || isParameter(name) || isType(name)) return name;
     }
     return text_.substr(range.offset, end - range.offset);
   }
@@ -603,6 +607,9 @@ class Parser {
     Token next;
     Issue fault;
     if (!ahead.next(next, fault) || next.kind != TokenKind::Word || next.text != "in") return {};
+    // A set that begins with a word is a call, unless all of this is the name of a type: "Leak in Pipe".
+    bool const isWordNext = ahead.next(next, fault) && next.kind == TokenKind::Word;
+    if (isWordNext && isType(phraseAt(token_.range))) return {};
     Token const name = token_;
     advance();
     advance();
@@ -617,7 +624,7 @@ class Parser {
       taken("a function");
     } else if (objectNamed(name.text)) {
       taken("the name of another object already");
-    } else if (named_.isType && named_.isType(name.text)) {
+    } else if (isType(name.text)) {
       taken("a type of objects");
     }
     return name.text;

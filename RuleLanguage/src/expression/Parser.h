@@ -27,6 +27,8 @@ struct NamedRules {
   std::map<std::string, NamedValue const*, std::less<>> values;
   /// Whether the rules have an object type of that name, so that nothing else may have it. Empty: there are none.
   std::function<bool(std::string_view)> isType;
+  /// The same of parameters. It is only asked for messages.
+  std::function<bool(std::string_view)> isParameter;
   mutable HintBudget hints;
 };
 

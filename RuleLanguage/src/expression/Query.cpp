@@ -74,6 +74,11 @@ bool hasType(PhysicsData const& rules, std::string_view type) {
 NamedRules namedRulesOf(PhysicsData const& rules) {
   NamedRules named;
   named.isType = [&rules](std::string_view type) { return hasType(rules, type); };
+  named.isParameter = [&rules](std::string_view name) {
+    auto const& objects = rules.objects();
+    return std::any_of(objects.begin(), objects.end(),
+                       [&](ObjDependDef const* object) { return object->findParam(name) != nullptr; });
+  };
   for (std::string const& name : rules.getCheckNames()) {
     if (auto const* check = dynamic_cast<NamedCheck const*>(rules.getCheck(name, true))) named.checks[name] = check;
   }

@@ -10,29 +10,31 @@ ConditionFormula::Variable ConditionFormula::addVariable(std::size_t size) {
   return sizes_.size() - 1;
 }
 
-ConditionFormula::Node ConditionFormula::add(Record record) {
-  nodes_.push_back(std::move(record));
+ConditionFormula::Node ConditionFormula::add(Kind kind, std::span<std::size_t const> parts) {
+  Record record{kind};
+  record.firstPart = parts_.size();
+  record.partCount = parts.size();
+  parts_.insert(parts_.end(), parts.begin(), parts.end());
+  nodes_.push_back(record);
   return nodes_.size() - 1;
 }
 
 ConditionFormula::Node ConditionFormula::constant(bool value) {
-  return add({.kind = Kind::Constant, .value = value});
+  Node const node = add(Kind::Constant, {});
+  nodes_[node].value = value;
+  return node;
 }
 
-ConditionFormula::Node ConditionFormula::addAtom(std::vector<Variable> variables) {
-  return add({.kind = Kind::Atom, .variables = std::move(variables)});
-}
-
-ConditionFormula::Node ConditionFormula::negation(Node operand) {
-  return add({.kind = Kind::Not, .operands = {operand}});
-}
-
-ConditionFormula::Node ConditionFormula::conjunction(std::vector<Node> operands) {
-  return add({.kind = Kind::And, .operands = std::move(operands)});
-}
-
-ConditionFormula::Node ConditionFormula::disjunction(std::vector<Node> operands) {
-  return add({.kind = Kind::Or, .operands = std::move(operands)});
+void ConditionFormula::setTable(Node atom, std::vector<bool> const& table) {
+  auto& record = nodes_[atom];
+  // Tables are computed again with other values, mostly as many.
+  if (table.size() > record.entryCount) {
+    record.firstEntry = tables_.size();
+    tables_.insert(tables_.end(), table.begin(), table.end());
+  } else {
+    std::copy(table.begin(), table.end(), tables_.begin() + static_cast<std::ptrdiff_t>(record.firstEntry));
+  }
+  record.entryCount = table.size();
 }
 
 void ConditionFormula::markVariables(Node node, std::vector<bool>& marks) const {
@@ -40,8 +42,12 @@ void ConditionFormula::markVariables(Node node, std::vector<bool>& marks) const 
   while (!open.empty()) {
     auto const& record = nodes_[open.back()];
     open.pop_back();
-    for (Variable const variable : record.variables) marks[variable] = true;
-    open.insert(open.end(), record.operands.begin(), record.operands.end());
+    auto const parts = partsOf(record);
+    if (record.kind == Kind::Atom) {
+      for (Variable const variable : parts) marks[variable] = true;
+    } else {
+      open.insert(open.end(), parts.begin(), parts.end());
+    }
   }
 }
 
@@ -64,7 +70,7 @@ ConditionFormula::Truth ConditionFormula::evaluateNew(Node node, bool isWanted, 
       return record.value ? Truth::Yes : Truth::No;
     case Kind::Atom: {
       std::size_t index = 0;
-      for (Variable const variable : record.variables) {
+      for (Variable const variable : partsOf(record)) {
         if (search.values[variable] == unset) {
           if (search.open == unset) {
             search.open = variable;
@@ -75,15 +81,15 @@ ConditionFormula::Truth ConditionFormula::evaluateNew(Node node, bool isWanted, 
         }
         index = index * sizes_[variable] + search.values[variable];
       }
-      return record.table[index] ? Truth::Yes : Truth::No;
+      return tables_[record.firstEntry + index] ? Truth::Yes : Truth::No;
     }
     case Kind::Not:
-      return opposite(evaluate(record.operands.front(), !isWanted, search));
+      return opposite(evaluate(parts_[record.firstPart], !isWanted, search));
     case Kind::And:
     case Kind::Or: {
       Truth const deciding = record.kind == Kind::And ? Truth::No : Truth::Yes;
       bool isOpen = false;
-      for (Node const operand : record.operands) {
+      for (Node const operand : partsOf(record)) {
         Truth const truth = evaluate(operand, isWanted, search);
         if (truth == deciding) return deciding;
         isOpen |= truth == Truth::Open;
@@ -108,12 +114,15 @@ ConditionFormula::Truth ConditionFormula::evaluateAll(std::span<Node const> node
 
 std::size_t ConditionFormula::firstValue(Search const& search) const {
   auto const& atom = nodes_[search.openAtom];
-  if (atom.variables.size() != 1) return 0;
-  auto const wanted = std::find(atom.table.begin(), atom.table.end(), search.isWanted);
-  return wanted == atom.table.end() ? 0 : static_cast<std::size_t>(wanted - atom.table.begin());
+  if (atom.partCount != 1) return 0;
+  auto const begin = tables_.begin() + static_cast<std::ptrdiff_t>(atom.firstEntry);
+  auto const end = begin + static_cast<std::ptrdiff_t>(atom.entryCount);
+  auto const wanted = std::find(begin, end, search.isWanted);
+  return wanted == end ? 0 : static_cast<std::size_t>(wanted - begin);
 }
 
-std::optional<bool> ConditionFormula::isSatisfiable(std::span<Node const> nodes, std::size_t& steps) const {
+std::optional<bool> ConditionFormula::isSatisfiable(std::span<Node const> nodes, std::size_t& steps,
+                                                    std::vector<std::size_t>* found) const {
   Search search;
   search.values.assign(sizes_.size(), unset);
   search.steps = steps;
@@ -163,6 +172,7 @@ std::optional<bool> ConditionFormula::isSatisfiable(std::span<Node const> nodes,
     }
   }
   steps = search.steps;
+  if (found != nullptr && result.value_or(false)) *found = std::move(search.values);
   return result;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -21,8 +22,9 @@ class ConditionFormula {
 
   ConditionFormula() {
     // Most formulas are small.
-    nodes_.reserve(8);
-    sizes_.reserve(4);
+    nodes_.reserve(32);
+    parts_.reserve(32);
+    sizes_.reserve(8);
   }
 
   /// A variable with `size` values, numbered from 0.
@@ -35,32 +37,40 @@ class ConditionFormula {
 
   [[nodiscard]] Node constant(bool value);
   /// An atom over `variables`, one or two. Its table is set later, before the first search.
-  [[nodiscard]] Node addAtom(std::vector<Variable> variables);
+  [[nodiscard]] Node addAtom(std::span<Variable const> variables) { return add(Kind::Atom, variables); }
+  [[nodiscard]] Node addAtom(Variable variable) { return addAtom(std::span<Variable const>(&variable, 1)); }
   /// `table` has an entry for each value of the first variable; with two, for each value of the second, in rows.
-  void setTable(Node atom, std::vector<bool> table) { nodes_[atom].table = std::move(table); }
-  [[nodiscard]] Node negation(Node operand);
-  [[nodiscard]] Node conjunction(std::vector<Node> operands);
-  [[nodiscard]] Node disjunction(std::vector<Node> operands);
+  void setTable(Node atom, std::vector<bool> const& table);
+  [[nodiscard]] Node negation(Node operand) { return add(Kind::Not, std::span<Node const>(&operand, 1)); }
+  [[nodiscard]] Node conjunction(std::span<Node const> operands) { return add(Kind::And, operands); }
+  [[nodiscard]] Node disjunction(std::span<Node const> operands) { return add(Kind::Or, operands); }
+  [[nodiscard]] Node conjunction(Node one, Node other) { return conjunction(std::array{one, other}); }
+  [[nodiscard]] Node disjunction(Node one, Node other) { return disjunction(std::array{one, other}); }
 
-  [[nodiscard]] std::vector<Variable> const& variablesOf(Node atom) const { return nodes_[atom].variables; }
   /// Marks in `marks` all variables that `node` depends on.
   void markVariables(Node node, std::vector<bool>& marks) const;
 
+  /// The value of a variable with which the formula holds whatever its value is.
+  static constexpr std::size_t anyValue = static_cast<std::size_t>(-1);
+
   /// Whether some values make all nodes true. Nothing when `steps`, which counts down, results in 0 before that is
-  /// known.
-  [[nodiscard]] std::optional<bool> isSatisfiable(std::span<Node const> nodes, std::size_t& steps) const;
+  /// known. `found`, when it is not null, gets such values by variable when there are some.
+  [[nodiscard]] std::optional<bool> isSatisfiable(std::span<Node const> nodes, std::size_t& steps,
+                                                  std::vector<std::size_t>* found = nullptr) const;
 
  private:
   enum class Kind : std::uint8_t { Constant, Atom, Not, And, Or };
   enum class Truth : std::uint8_t { No, Yes, Open };
   struct Record {
     Kind kind;
-    bool value = false;                    // of a constant
-    std::vector<Node> operands = {};       // of an operator
-    std::vector<Variable> variables = {};  // of an atom
-    std::vector<bool> table = {};
+    bool value = false;  // of a constant
+    // The operands of an operator, or the variables of an atom, in `parts_`; and the table of an atom in `tables_`.
+    std::size_t firstPart = 0;
+    std::size_t partCount = 0;
+    std::size_t firstEntry = 0;
+    std::size_t entryCount = 0;
   };
-  static constexpr std::size_t unset = static_cast<std::size_t>(-1);
+  static constexpr std::size_t unset = anyValue;
   struct Search {
     std::vector<std::size_t> values;  // by variable
     std::size_t steps = 0;
@@ -84,7 +94,10 @@ class ConditionFormula {
     std::size_t level = 0;
   };
 
-  [[nodiscard]] Node add(Record record);
+  [[nodiscard]] Node add(Kind kind, std::span<std::size_t const> parts);
+  [[nodiscard]] std::span<std::size_t const> partsOf(Record const& record) const {
+    return std::span(parts_).subspan(record.firstPart, record.partCount);
+  }
   [[nodiscard]] Truth evaluate(Node node, bool isWanted, Search& search) const;
   [[nodiscard]] Truth evaluateNew(Node node, bool isWanted, Search& search) const;
   /// The value of the open variable to begin with: one with which its atom is as it is wanted.
@@ -94,6 +107,9 @@ class ConditionFormula {
 
   std::vector<std::size_t> sizes_;
   std::vector<Record> nodes_;
+  // Shared by all nodes, because a vector for each would cost more than the search.
+  std::vector<std::size_t> parts_;
+  std::vector<bool> tables_;
 };
 
 }  // namespace tarn::rules

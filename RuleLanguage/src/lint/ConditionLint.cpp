@@ -12,6 +12,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -33,12 +34,25 @@ using Node = ConditionFormula::Node;
 
 enum class Verdict { Open, Never, Always, GivenUp, Unreachable };
 
-/// Something that holds wherever a condition is evaluated.
+/// Something that holds wherever a condition is evaluated. Most facts are in no report, so it only refers to the entry
+/// that a report would name.
 struct Fact {
+  enum class Meaning { NotReported, IsEvaluated, ObjectExists, ParameterExists, IsRequired };
+
   Node node;
-  Item item;  // where it is written
-  std::string meaning;
+  Meaning meaning = Meaning::NotReported;
+  ObjDependDef const* object = nullptr;
+  std::string const* entry = nullptr;  // of the object
+  bool isChild = false;
+  std::string_view attribute = {};  // of the entry
 };
+
+std::string const& nameOf(ParamAvail const& entry) {
+  return entry.name;
+}
+std::string const& nameOf(ChildAvail const& entry) {
+  return entry.type;
+}
 
 /// An analysis that goes further into what parameters depend on hardly ever finds more.
 constexpr std::size_t mostRounds = 3;
@@ -84,7 +98,9 @@ ConditionScope unknownScope(Expression const& expression, Base base = {}) {
   ConditionScope scope;
   std::size_t number = 0;
   auto const addUnknown = [&] {
-    for (std::size_t i = 0; i <= mostParents; ++i) scope.context += "/\3:" + std::to_string(++number);
+    for (std::size_t i = 0; i <= mostParents; ++i) {
+      scope.context.append(unknownObject).append(std::to_string(++number));
+    }
   };
   addUnknown();
   for (auto const& type : nearest) {
@@ -109,7 +125,9 @@ struct Subject {
 class ConditionLint {
  public:
   explicit ConditionLint(LintContext& context)
-      : context_(context), isLookedInto_([this](NamedRule const& rule) { return !isDecided(rule); }) {}
+      : context_(context),
+        values_(context.data()),
+        isLookedInto_([this](NamedRule const& rule) { return !isDecided(rule); }) {}
 
   void run() {
     auto const& uses = context_.rules().uses();
@@ -174,29 +192,40 @@ class ConditionLint {
     auto const [known, isNew] = decided_.try_emplace(&rule, true);
     if (!isNew) return known->second;
     bool decided = context_.hasFault(rule);
-    bool isOpen = false;
     if (auto const* body = rule.expression(); body != nullptr && !decided) {
       Subject const subject{body, rule.source(), unknownScope(*body)};
       if (isOpenAtFirstSight(subject, nullptr)) {
         openRules_.insert(&rule);
         return decided_[&rule] = false;
       }
-      ConditionTerms terms(context_.data(), isLookedInto_, closed_);
+      ConditionTerms terms(context_.data(), isLookedInto_, values_);
       auto const node = terms.add(*body, rule.source(), subject.scope);
       std::vector<Fact> facts;
       addFacts(terms, subject, nullptr, facts);
       if (!terms.isTooLarge()) {
         terms.finish();
         std::size_t steps = conditionSteps;
+        bool const hasFacts = !facts.empty();
         facts = relevant(terms, std::move(facts), node);
-        auto const verdict = judge(terms, nodesOf(facts), node, steps);
+        bool needsAbsence = false;
+        auto const verdict = judge(terms, nodesOf(facts), node, steps, &needsAbsence);
         decided = verdict == Verdict::Never || verdict == Verdict::Always;
-        isOpen = verdict == Verdict::Open && facts.empty() && terms.operands().empty();
+        if (verdict == Verdict::Open) {
+          if (areOperandsOpen(terms, steps)) openRules_.insert(&rule);
+          bool const isSameEverywhere = !hasFacts && !needsAbsence && terms.readsRootAlone();
+          if (isSameEverywhere) openEverywhere_.insert(&rule);
+        }
       }
     }
     decided_[&rule] = decided;
-    if (isOpen) openRules_.insert(&rule);
     return decided;
+  }
+
+  [[nodiscard]] static bool areOperandsOpen(ConditionTerms& terms, std::size_t& steps) {
+    auto const& operands = terms.operands();
+    return std::all_of(operands.begin(), operands.end(), [&](ConditionTerms::Operand const& operand) {
+      return judge(terms, {}, operand.node, steps) == Verdict::Open;
+    });
   }
 
   // Conditions that are open at first sight
@@ -238,10 +267,15 @@ class ConditionLint {
   [[nodiscard]] bool isOpenAtFirstSight(Subject const& subject, ExpressionUse const* use) {
     bool isOpaque = false;
     auto const comparison = textComparison(*subject.expression, isOpaque);
-    if (!comparison && !isOpaque) return false;
+    bool const isOpenCall = !comparison && !isOpaque && callsOpenRule(*subject.expression);
+    if (!comparison && !isOpaque && !isOpenCall) return false;
     // A fact may be the same condition.
     if (subject.object != nullptr && hasOwnFacts(subject, use)) return false;
     if (isOpaque) return true;
+    if (isOpenCall) {
+      isLaterRead_ = true;
+      return true;
+    }
     auto const& pattern = comparison->parameter->objectPattern();
     std::string path;
     if (!pattern.isSingle()) return false;
@@ -251,9 +285,17 @@ class ConditionLint {
     if (entry == nullptr) return true;
     isLaterRead_ |= object == subject.object;
     if (entry->available != nullptr || !entry->contexts.empty()) return false;
-    auto const values = closed_.of(entry);
+    auto const values = values_.closedOf(entry);
     // With another value the comparison has the other result.
     return values == nullptr || values->texts.size() > 1 || values->texts.front() != *comparison->text;
+  }
+
+  /// Whether a condition is the call of a named check that is open wherever it is called, when nothing else is known.
+  [[nodiscard]] bool callsOpenRule(Expression const& condition) {
+    auto const* part = &condition;
+    if (dynamic_cast<Kept const*>(part) != nullptr) part = part->operands().front();
+    auto const* call = dynamic_cast<NamedCall const*>(part);
+    return call != nullptr && !isDecided(call->rule()) && openEverywhere_.contains(&call->rule());
   }
 
   /// Whether anything is known to hold wherever a rule of an object is evaluated, see `addFacts`.
@@ -284,14 +326,19 @@ class ConditionLint {
 
   // Verdicts
 
-  [[nodiscard]] static Verdict judge(ConditionTerms& terms, std::vector<Node> nodes, Node condition,
-                                     std::size_t& steps) {
+  /// `needsAbsence` is set when the condition was only found to be open with parameters that do not exist.
+  [[nodiscard]] static Verdict judge(ConditionTerms& terms, std::vector<Node> nodes, Node condition, std::size_t& steps,
+                                     bool* needsAbsence = nullptr) {
+    std::vector<std::size_t> values;
+    auto* const found = needsAbsence != nullptr ? &values : nullptr;
     nodes.push_back(condition);
-    auto const canHold = terms.formula().isSatisfiable(nodes, steps);
+    auto const canHold = terms.formula().isSatisfiable(nodes, steps, found);
     if (!canHold) return Verdict::GivenUp;
+    if (found != nullptr && *canHold) *needsAbsence |= terms.hasAbsent(values);
     nodes.back() = terms.formula().negation(condition);
-    auto const canFail = terms.formula().isSatisfiable(nodes, steps);
+    auto const canFail = terms.formula().isSatisfiable(nodes, steps, found);
     if (!canFail) return Verdict::GivenUp;
+    if (found != nullptr && *canFail) *needsAbsence |= terms.hasAbsent(values);
     if (!*canHold) return *canFail ? Verdict::Never : Verdict::Unreachable;
     return *canFail ? Verdict::Open : Verdict::Always;
   }
@@ -369,37 +416,48 @@ class ConditionLint {
     for (auto position = positions.begin(); position != last; ++position) {
       auto const& name = object.params()[*position]->name;
       Node const absent = formula.negation(terms.addExists(path, name));
-      live = formula.disjunction({terms.addHasOneOf(path, name, contexts), formula.conjunction({absent, live})});
+      live = formula.disjunction(terms.addHasOneOf(path, name, contexts), formula.conjunction(absent, live));
     }
     return live;
   }
 
+  /// The object of an entry, as facts about the entry need it.
+  struct Owner {
+    ObjDependDef const& object;
+    std::string const& path;
+    std::size_t end;  // the number of parameters before the entry
+  };
+
   /// The two conditions of an entry, when it has them.
   template <typename Entry>
-  void addEntryFacts(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
-                     std::string const& name, std::size_t end, bool isChild, std::string const& meaning,
+  void addEntryFacts(ConditionTerms& terms, Owner const& owner, Entry const& entry, Fact::Meaning meaning,
                      std::vector<Fact>& facts) {
-    addContextFact(terms, object, path, entry, name, end, isChild, meaning, facts);
-    addAvailableFact(terms, object, path, entry, name, isChild, meaning, facts);
+    addContextFact(terms, owner, entry, meaning, facts);
+    addAvailableFact(terms, owner, entry, meaning, facts);
   }
 
   template <typename Entry>
-  void addContextFact(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
-                      std::string const& name, std::size_t end, bool isChild, std::string const& meaning,
+  void addContextFact(ConditionTerms& terms, Owner const& owner, Entry const& entry, Fact::Meaning meaning,
                       std::vector<Fact>& facts) {
     if (entry.contexts.empty()) return;
-    if (auto const live = liveNode(terms, object, path, entry.contexts, end)) {
-      facts.push_back({*live, placeOf(object, name, isChild, "Context"), meaning});
+    if (auto const live = liveNode(terms, owner.object, owner.path, entry.contexts, owner.end)) {
+      facts.push_back(factOf(*live, meaning, owner, entry, "Context"));
     }
   }
 
   template <typename Entry>
-  void addAvailableFact(ConditionTerms& terms, ObjDependDef const& object, std::string const& path, Entry const& entry,
-                        std::string const& name, bool isChild, std::string const& meaning, std::vector<Fact>& facts) {
+  void addAvailableFact(ConditionTerms& terms, Owner const& owner, Entry const& entry, Fact::Meaning meaning,
+                        std::vector<Fact>& facts) {
     if (auto const* compiled = compiledOf(entry.available)) {
-      Node const node = terms.add(*compiled->expression, compiled->source, {path, path});
-      facts.push_back({node, placeOf(object, name, isChild, "Available"), meaning});
+      Node const node = terms.add(*compiled->expression, compiled->source, {owner.path, owner.path});
+      facts.push_back(factOf(node, meaning, owner, entry, "Available"));
     }
+  }
+
+  template <typename Entry>
+  [[nodiscard]] static Fact factOf(Node node, Fact::Meaning meaning, Owner const& owner, Entry const& entry,
+                                   std::string_view attribute) {
+    return {node, meaning, &owner.object, &nameOf(entry), std::is_same_v<Entry, ChildAvail>, attribute};
   }
 
   [[nodiscard]] std::size_t positionOf(ObjDependDef const& object, std::string const& parameter) {
@@ -415,8 +473,8 @@ class ConditionLint {
       auto const* parent = context_.data().getObjDependDef(PathUtils::typePathOf(parentPath), true);
       auto const* child = parent != nullptr ? parent->findChild(type) : nullptr;
       if (child != nullptr) {
-        addEntryFacts(terms, *parent, parentPath, *child, type, parent->params().size(), true,
-                      "an object " + inQuotes(type) + " exists only under this condition", facts);
+        addEntryFacts(terms, {*parent, parentPath, parent->params().size()}, *child, Fact::Meaning::ObjectExists,
+                      facts);
       }
       object = PathUtils::parentOf(object);
     }
@@ -444,24 +502,23 @@ class ConditionLint {
           if (isRequired) terms.setAlwaysThere(i);
           continue;
         }
+        Owner const owner{*object, parameter.path, position};
         std::vector<Fact> own;
-        addEntryFacts(terms, *object, parameter.path, entry, parameter.name, position, false,
-                      "the parameter " + inQuotes(parameter.name) + " exists only under this condition", own);
+        addEntryFacts(terms, owner, entry, Fact::Meaning::ParameterExists, own);
         auto& formula = terms.formula();
         Node const exists = terms.addExists(parameter.path, parameter.name);
         std::vector<Node> conditions;
         for (auto& fact : own) {
           conditions.push_back(fact.node);
-          fact.node = formula.disjunction({formula.negation(exists), fact.node});
+          fact.node = formula.disjunction(formula.negation(exists), fact.node);
           facts.push_back(std::move(fact));
         }
         // Without the condition for being live it is not known when the parameter must exist.
         bool const isComplete =
             conditions.size() == (entry.contexts.empty() ? 0U : 1U) + (entry.available == nullptr ? 0U : 1U);
         if (isRequired && isComplete) {
-          facts.push_back({formula.disjunction({exists, formula.negation(formula.conjunction(std::move(conditions)))}),
-                           placeOf(*object, parameter.name, false, "Required"),
-                           "the parameter " + inQuotes(parameter.name) + " is required"});
+          Node const node = formula.disjunction(exists, formula.negation(formula.conjunction(conditions)));
+          facts.push_back(factOf(node, Fact::Meaning::IsRequired, owner, entry, "Required"));
         }
       }
       if (terms.parameters().size() == known) return;
@@ -483,17 +540,17 @@ class ConditionLint {
       if (use != nullptr && use->kind == EntryKind::Parameter) {
         if (auto const* entry = subject.object->findParam(use->entry())) {
           end = positionOf(*subject.object, use->entry());
-          addOwnFacts(terms, subject, *use, *entry, end, false, facts);
+          addOwnFacts(terms, subject, *use, *entry, end, facts);
         }
       } else if (use != nullptr && use->kind == EntryKind::Child) {
         if (auto const* entry = subject.object->findChild(use->entry())) {
-          addOwnFacts(terms, subject, *use, *entry, subject.object->params().size(), true, facts);
+          addOwnFacts(terms, subject, *use, *entry, subject.object->params().size(), facts);
         }
       } else if (use != nullptr && use->attribute != "When") {
         for (auto const& one : subject.object->checks()) {
           if (one->name != use->entry()) continue;
           if (auto const* when = compiledOf(one->when)) {
-            facts.push_back({terms.add(*when->expression, when->source, subject.scope), {}, {}});
+            facts.push_back({terms.add(*when->expression, when->source, subject.scope)});
           }
         }
       }
@@ -503,12 +560,12 @@ class ConditionLint {
 
   template <typename Entry>
   void addOwnFacts(ConditionTerms& terms, Subject const& subject, ExpressionUse const& use, Entry const& entry,
-                   std::size_t end, bool isChild, std::vector<Fact>& facts) {
-    std::string const meaning = "this is evaluated only under this condition";
-    addContextFact(terms, *subject.object, subject.scope.context, entry, use.entry(), end, isChild, meaning, facts);
+                   std::size_t end, std::vector<Fact>& facts) {
+    Owner const owner{*subject.object, subject.scope.context, end};
+    addContextFact(terms, owner, entry, Fact::Meaning::IsEvaluated, facts);
     // The entry need not be available when its availability is evaluated.
     if (use.attribute == "Available") return;
-    addAvailableFact(terms, *subject.object, subject.scope.context, entry, use.entry(), isChild, meaning, facts);
+    addAvailableFact(terms, owner, entry, Fact::Meaning::IsEvaluated, facts);
   }
 
   // Reports
@@ -562,10 +619,27 @@ class ConditionLint {
     addNotes(warning, facts);
   }
 
-  static void addNotes(Diagnostic& warning, std::vector<Fact> const& facts) {
+  void addNotes(Diagnostic& warning, std::vector<Fact> const& facts) {
     for (auto const& fact : facts) {
-      if (fact.item) DiagnosticList::note(warning, *fact.item.source, fact.item.node->range(), fact.meaning);
+      if (fact.meaning == Fact::Meaning::NotReported) continue;
+      auto const item = placeOf(*fact.object, *fact.entry, fact.isChild, fact.attribute);
+      DiagnosticList::note(warning, *item.source, item.node->range(), meaningOf(fact));
     }
+  }
+
+  [[nodiscard]] static std::string meaningOf(Fact const& fact) {
+    switch (fact.meaning) {
+      case Fact::Meaning::ObjectExists:
+        return "an object " + inQuotes(*fact.entry) + " exists only under this condition";
+      case Fact::Meaning::ParameterExists:
+        return "the parameter " + inQuotes(*fact.entry) + " exists only under this condition";
+      case Fact::Meaning::IsRequired:
+        return "the parameter " + inQuotes(*fact.entry) + " is required";
+      case Fact::Meaning::IsEvaluated:
+      case Fact::Meaning::NotReported:
+        break;
+    }
+    return "this is evaluated only under this condition";
   }
 
   /// Whether a verdict is what the author has written on purpose.
@@ -596,9 +670,7 @@ class ConditionLint {
     std::size_t const warningsBefore = context_.warningCount();
     isLaterRead_ = false;
     auto verdict = Verdict::Open;
-    bool const isOpenRule =
-        use.named != nullptr && openRules_.contains(use.named) && use.compiled->source == use.named->source();
-    if (!isOpenRule && !isMeant(use, *subject.expression, subject)) {
+    if (!isOpenRule(use) && !isMeant(use, *subject.expression, subject)) {
       verdict = judgeAndReport(use, subject, &use);
       if (verdict == Verdict::Never && parameter != nullptr) neverThere_.insert(parameter);
     }
@@ -607,6 +679,12 @@ class ConditionLint {
     if (isSilent && parameter != nullptr && parameter->contexts.empty() && !isLaterRead_) {
       openConditions_.try_emplace(use.compiled.get(), positionOf(*subject.object, use.entry()));
     }
+  }
+
+  /// Whether a use is the body of a named check that is open with all its parts.
+  [[nodiscard]] bool isOpenRule(ExpressionUse const& use) {
+    if (use.named == nullptr || use.compiled->source != use.named->source()) return false;
+    return !isDecided(*use.named) && openRules_.contains(use.named);
   }
 
   /// Whether the same availability of an earlier parameter of the object was found to be open. A later parameter knows
@@ -622,7 +700,7 @@ class ConditionLint {
   /// is evaluated in other objects than those that have it.
   Verdict judgeAndReport(ExpressionUse const& use, Subject const& subject, ExpressionUse const* entryUse) {
     if (isOpenAtFirstSight(subject, entryUse)) return Verdict::Open;
-    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
+    ConditionTerms terms(context_.data(), isLookedInto_, values_);
     Node const node = terms.add(*subject.expression, subject.source, subject.scope);
     auto const operands = terms.operands();
     if (terms.isTooLarge()) {
@@ -633,7 +711,7 @@ class ConditionLint {
     addFacts(terms, subject, entryUse, facts);
     if (terms.isTooLarge()) {
       // The condition alone can be analysed.
-      ConditionTerms alone(context_.data(), isLookedInto_, closed_);
+      ConditionTerms alone(context_.data(), isLookedInto_, values_);
       Node const only = alone.add(*subject.expression, subject.source, subject.scope);
       return judgeWith(use, subject, alone, only, alone.operands(), {});
     }
@@ -644,19 +722,24 @@ class ConditionLint {
                     std::vector<ConditionTerms::Operand> const& operands, std::vector<Fact> facts) {
     terms.finish();
     std::size_t steps = conditionSteps;
-    auto verdict = judge(terms, {}, node, steps);
-    if (verdict == Verdict::Never || verdict == Verdict::Always) {
-      warn(use, *subject.expression, verdict, "this condition", reasonOf(terms, {}, node, verdict), {});
-      return verdict;
-    }
-    facts = relevant(terms, std::move(facts), node);
-    if (verdict == Verdict::Open && !facts.empty()) {
-      verdict = judge(terms, nodesOf(facts), node, steps);
+    // Most conditions are open. One that is so together with all facts is so with some of them, and by itself.
+    auto verdict = judge(terms, nodesOf(facts), node, steps);
+    if (verdict != Verdict::Open) {
+      steps = conditionSteps;
+      verdict = judge(terms, {}, node, steps);
       if (verdict == Verdict::Never || verdict == Verdict::Always) {
-        reduce(terms, facts, node, verdict, steps);
-        auto const reason = reasonOf(terms, nodesOf(facts), node, verdict);
-        warn(use, *subject.expression, verdict, "where it is evaluated this condition", reason, facts);
+        warn(use, *subject.expression, verdict, "this condition", reasonOf(terms, {}, node, verdict), {});
         return verdict;
+      }
+      facts = relevant(terms, std::move(facts), node);
+      if (verdict == Verdict::Open && !facts.empty()) {
+        verdict = judge(terms, nodesOf(facts), node, steps);
+        if (verdict == Verdict::Never || verdict == Verdict::Always) {
+          reduce(terms, facts, node, verdict, steps);
+          auto const reason = reasonOf(terms, nodesOf(facts), node, verdict);
+          warn(use, *subject.expression, verdict, "where it is evaluated this condition", reason, facts);
+          return verdict;
+        }
       }
     }
     std::vector<Expression const*> reported;
@@ -747,7 +830,7 @@ class ConditionLint {
 
   /// Whether one of `conditions` holds whenever the condition of `last` holds; always, when `last` is null.
   [[nodiscard]] bool isCovered(std::vector<ExpressionUse const*> const& conditions, ExpressionUse const* last) {
-    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
+    ConditionTerms terms(context_.data(), isLookedInto_, values_);
     std::vector<Node> nodes;
     nodes.reserve(conditions.size() + 1);
     auto const subject = subjectOf(*conditions.front());
@@ -834,7 +917,7 @@ class ConditionLint {
                      std::size_t end, bool isChild) {
     Subject subject{nullptr, {}, {}, &object};
     subject.scope.context = subject.scope.owner = representative(context_.data(), object.typePath());
-    ConditionTerms terms(context_.data(), isLookedInto_, closed_);
+    ConditionTerms terms(context_.data(), isLookedInto_, values_);
     auto const live = liveNode(terms, object, subject.scope.context, contexts, end);
     if (!live) return;
     std::vector<Fact> facts;
@@ -858,10 +941,11 @@ class ConditionLint {
   }
 
   LintContext& context_;
-  ClosedValuesOfRules closed_;
+  ValuesOfRules values_;
   std::function<bool(NamedRule const&)> isLookedInto_;
   std::unordered_map<NamedRule const*, bool> decided_;
-  std::unordered_set<NamedRule const*> openRules_;  // open by themselves, without parts to judge
+  std::unordered_set<NamedRule const*> openRules_;       // open by themselves, with all parts
+  std::unordered_set<NamedRule const*> openEverywhere_;  // see `callsOpenRule`
   std::unordered_set<ParamAvail const*> neverThere_;
   bool isLaterRead_ = false;  // facts about a parameter of the subject's object were left out, because it comes later
   // About the last object of which it was asked.

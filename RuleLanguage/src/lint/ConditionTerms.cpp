@@ -27,6 +27,7 @@ constexpr std::size_t mostPairs = 256;
 
 bool isConstant(Expression const& expression) {
   if (dynamic_cast<Literal const*>(&expression) != nullptr) return true;
+  if (dynamic_cast<ParameterReference const*>(&expression) != nullptr) return false;
   return expression.kind() != Kind::Objects && readsNothing(expression);
 }
 
@@ -80,7 +81,7 @@ std::optional<double> boundOf(PhysicsData const& data, ParamValueDef const& def,
 }
 
 /// The range of a parameter that can hold any number between its bounds.
-std::optional<NumberRange> rangeOf(PhysicsData const& data, ParamValueDef const& def) {
+std::optional<NumberRange> numberRangeOf(PhysicsData const& data, ParamValueDef const& def) {
   if (def.type != TDFParam::Integer && def.type != TDFParam::Real) return std::nullopt;
   if (def.allowedValueKind != ParamValueDef::NoAllowedValues || !def.overrideChecks.empty()) return std::nullopt;
   // Units that only the default has are right in a model, and a number with them is not compared with the bounds.
@@ -141,8 +142,8 @@ ConditionFormula::Node ConditionTerms::add(Expression const& condition, std::str
   return addPart(condition, source, keep(scope));
 }
 
-std::shared_ptr<ClosedValues const> ClosedValuesOfRules::of(ParamAvail const* entry) {
-  auto const [known, isNew] = known_.try_emplace(entry);
+std::shared_ptr<ClosedValues const> ValuesOfRules::closedOf(ParamAvail const* entry) {
+  auto const [known, isNew] = closed_.try_emplace(entry);
   if (!isNew) return known->second;
   auto const* def = entry->valueDef();
   auto const* list = def != nullptr ? dynamic_cast<FixedList const*>(def->allowedValues.get()) : nullptr;
@@ -167,6 +168,16 @@ std::shared_ptr<ClosedValues const> ClosedValuesOfRules::of(ParamAvail const* en
   return known->second = closed;
 }
 
+std::shared_ptr<NumberRange const> ValuesOfRules::rangeOf(ParamAvail const* entry) {
+  auto const [known, isNew] = ranges_.try_emplace(entry);
+  auto const* def = entry->validationRelaxed ? nullptr : entry->valueDef();
+  if (!isNew || def == nullptr) return known->second;
+  if (auto range = numberRangeOf(data_, *def)) {
+    known->second = std::make_shared<NumberRange const>(std::move(*range));
+  }
+  return known->second;
+}
+
 std::size_t ConditionTerms::parameter(std::string const& path, std::string const& name) {
   for (std::size_t i = 0; i < parameters_.size(); ++i) {
     if (parameters_[i].name == name && parameters_[i].path == path) return i;
@@ -179,9 +190,8 @@ std::size_t ConditionTerms::parameter(std::string const& path, std::string const
     made.entry = object->findParam(name);
   }
   if (made.entry != nullptr) {
-    made.values = closed_.of(made.entry);
-    auto const* def = made.entry->validationRelaxed ? nullptr : made.entry->valueDef();
-    if (def != nullptr && made.values == nullptr) made.range = rangeOf(data_, *def);
+    made.values = known_.closedOf(made.entry);
+    if (made.values == nullptr) made.range = known_.rangeOf(made.entry);
   }
   parameters_.push_back(std::move(made));
   questions_.emplace_back();
@@ -192,6 +202,19 @@ void ConditionTerms::setOpen(std::size_t parameter) {
   parameters_[parameter].values.reset();
   parameters_[parameter].range.reset();
   parameters_[parameter].isAlwaysThere = false;
+}
+
+bool ConditionTerms::hasAbsent(std::vector<std::size_t> const& values) const {
+  for (std::size_t i = 0; i < parameters_.size(); ++i) {
+    std::size_t const value = values[parameters_[i].variable];
+    if (value != ConditionFormula::anyValue && !values_[i][value].isThere) return true;
+  }
+  return false;
+}
+
+bool ConditionTerms::readsRootAlone() const {
+  return std::none_of(parameters_.begin(), parameters_.end(),
+                      [](Parameter const& one) { return one.path.starts_with(unknownObject); });
 }
 
 std::optional<std::vector<std::size_t>> ConditionTerms::parametersOf(Expression const& part,
@@ -251,12 +274,12 @@ ConditionFormula::Node ConditionTerms::addLogic(Logic const& logic, std::string_
     case Logic::Operator::Not:
       return formula_.negation(parts.front());
     case Logic::Operator::And:
-      return formula_.conjunction(std::move(parts));
+      return formula_.conjunction(parts);
     case Logic::Operator::Or:
-      return formula_.disjunction(std::move(parts));
+      return formula_.disjunction(parts);
     case Logic::Operator::Implies:
       parts.front() = formula_.negation(parts.front());
-      return formula_.disjunction(std::move(parts));
+      return formula_.disjunction(parts);
   }
   return formula_.constant(true);
 }
@@ -286,8 +309,8 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
     auto const when = addPart(*operands[0], source, scope);
     auto const then = addPart(*operands[1], source, scope);
     auto const otherwise = addPart(*operands[2], source, scope);
-    return formula_.disjunction(
-        {formula_.conjunction({when, then}), formula_.conjunction({formula_.negation(when), otherwise})});
+    return formula_.disjunction(formula_.conjunction(when, then),
+                                formula_.conjunction(formula_.negation(when), otherwise));
   }
   if (isConstant(part)) {
     return formula_.constant(constantTruth(part));
@@ -298,6 +321,7 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
 
   auto const operands = part.operands();
   bool isKnown = read->size() == 1;
+  auto kind = Atom::Kind::Expression;
   if (auto const* reference = dynamic_cast<ParameterReference const*>(&part)) {
     questions_[read->front()].asksTruth = true;
     isKnown &= reference != nullptr;
@@ -329,6 +353,7 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
     }
   } else {
     isKnown &= isExists(part) && dynamic_cast<ParameterReference const*>(operands.front()) != nullptr;
+    kind = Atom::Kind::Exists;
   }
   if (!isKnown) {
     // Anything can be asked of parameters of which all values are known.
@@ -339,11 +364,12 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
     }
     if (pairs > mostPairs) return addOpaque(part, source, scope);
     for (std::size_t const i : *read) questions_[i].needsAllValues = true;
+    kind = Atom::Kind::Expression;
   }
   std::vector<ConditionFormula::Variable> variables;
   for (std::size_t const i : *read) variables.push_back(parameters_[i].variable);
-  auto const node = formula_.addAtom(std::move(variables));
-  atoms_.push_back({Atom::Kind::Expression, node, &part, scope, *read});
+  auto const node = formula_.addAtom(variables);
+  atoms_.push_back({kind, node, &part, scope, *read});
   return node;
 }
 
@@ -356,7 +382,7 @@ ConditionFormula::Node ConditionTerms::addOpaque(Expression const& part, std::st
   for (auto const& [known, node] : opaque_) {
     if (known == key) return node;
   }
-  auto const node = formula_.addAtom({formula_.addVariable(2)});
+  auto const node = formula_.addAtom(formula_.addVariable(2));
   formula_.setTable(node, {false, true});
   opaque_.emplace_back(std::move(key), node);
   return node;
@@ -415,7 +441,7 @@ std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expressi
   }
   for (double const number : numbers) addOnce(term->numbers, number);
   for (auto const& text : texts) addOnce(term->texts, text);
-  auto const node = formula_.addAtom({term->variable});
+  auto const node = formula_.addAtom(term->variable);
   Atom atom{Atom::Kind::Term, node, &part, scope};
   atom.term = static_cast<std::size_t>(term - terms_.begin());
   atoms_.push_back(std::move(atom));
@@ -424,7 +450,7 @@ std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expressi
 
 ConditionFormula::Node ConditionTerms::addExists(std::string const& path, std::string const& name) {
   std::size_t const i = parameter(path, name);
-  auto const node = formula_.addAtom({parameters_[i].variable});
+  auto const node = formula_.addAtom(parameters_[i].variable);
   atoms_.push_back({Atom::Kind::Exists, node, nullptr, nullptr, {i}});
   return node;
 }
@@ -433,7 +459,7 @@ ConditionFormula::Node ConditionTerms::addHasOneOf(std::string const& path, std:
                                                    std::vector<std::string> const& values) {
   std::size_t const i = parameter(path, name);
   for (auto const& value : values) addOnce(questions_[i].contexts, value);
-  auto const node = formula_.addAtom({parameters_[i].variable});
+  auto const node = formula_.addAtom(parameters_[i].variable);
   atoms_.push_back({Atom::Kind::HasOneOf, node, nullptr, nullptr, {i}, &values});
   return node;
 }

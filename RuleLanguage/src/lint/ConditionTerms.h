@@ -28,20 +28,13 @@ struct ConditionScope {
   std::string owner;
 };
 
+/// Where the path of an object begins that is not known.
+inline constexpr std::string_view unknownObject = "/\3:";
+
 /// All values that a parameter can have in a model without findings.
 struct ClosedValues {
   std::vector<std::string> texts;
   std::unordered_set<std::string_view> set;  // of `texts`
-};
-
-/// The closed values of parameters, each computed once: a parameter can have thousands, and many conditions read it.
-class ClosedValuesOfRules {
- public:
-  /// Null when not all values are known.
-  [[nodiscard]] std::shared_ptr<ClosedValues const> of(ParamAvail const* entry);
-
- private:
-  std::unordered_map<ParamAvail const*, std::shared_ptr<ClosedValues const>> known_;
 };
 
 /// The numbers that a parameter can hold in a model without findings, in the first unit of its quantity type.
@@ -56,6 +49,24 @@ struct NumberRange {
     return (!low || number > *low || (!isLowExcluded && number == *low)) &&
            (!high || number < *high || (!isHighExcluded && number == *high));
   }
+};
+
+/// What the rules say about the values of parameters. It is computed once for each: a parameter can have thousands of
+/// values, and many conditions read it.
+class ValuesOfRules {
+ public:
+  /// `data` must stay valid.
+  explicit ValuesOfRules(PhysicsData const& data) : data_(data) {}
+
+  /// Null when not all values are known.
+  [[nodiscard]] std::shared_ptr<ClosedValues const> closedOf(ParamAvail const* entry);
+  /// Null when the parameter has no bounds that are known, or when not every number between them can be its value.
+  [[nodiscard]] std::shared_ptr<NumberRange const> rangeOf(ParamAvail const* entry);
+
+ private:
+  PhysicsData const& data_;
+  std::unordered_map<ParamAvail const*, std::shared_ptr<ClosedValues const>> closed_;
+  std::unordered_map<ParamAvail const*, std::shared_ptr<NumberRange const>> ranges_;
 };
 
 /// Translates conditions into one formula. Its variables are the parameters that the conditions read, with the values
@@ -76,8 +87,8 @@ class ConditionTerms {
   /// `isLookedInto` says of a named check whether its condition takes the place of a call. All arguments must stay
   /// valid.
   ConditionTerms(PhysicsData const& data, std::function<bool(NamedRule const&)> const& isLookedInto,
-                 ClosedValuesOfRules& closed)
-      : data_(data), closed_(closed), isLookedInto_(isLookedInto) {}
+                 ValuesOfRules& values)
+      : data_(data), known_(values), isLookedInto_(isLookedInto) {}
 
   /// Adds a condition. `source` is the text that the ranges of its nodes refer to.
   [[nodiscard]] ConditionFormula::Node add(Expression const& condition, std::string_view source,
@@ -101,13 +112,18 @@ class ConditionTerms {
     std::string name;
     ParamAvail const* entry = nullptr;           // null when the rules of its object are not known
     std::shared_ptr<ClosedValues const> values;  // null when not all are known
-    std::optional<NumberRange> range;            // nothing when it has no bounds that are known
+    std::shared_ptr<NumberRange const> range;    // null when it has no bounds that are known
     bool isAlwaysThere = false;
     ConditionFormula::Variable variable = 0;
   };
   [[nodiscard]] std::vector<Parameter> const& parameters() const noexcept { return parameters_; }
   /// Whether a part is evaluated with every value of the parameter.
   [[nodiscard]] bool needsAllValues(std::size_t parameter) const { return questions_[parameter].needsAllValues; }
+  /// Whether values of the formula, by variable, are those of a parameter that does not exist.
+  [[nodiscard]] bool hasAbsent(std::vector<std::size_t> const& values) const;
+  /// Whether all parameters are those of paths from the root of the model, so that the formula is the same for every
+  /// object in which the conditions are evaluated.
+  [[nodiscard]] bool readsRootAlone() const;
   /// Says that the parameter exists whenever the condition is evaluated.
   void setAlwaysThere(std::size_t parameter) { parameters_[parameter].isAlwaysThere = true; }
   /// Forgets what the rules say about the values of a parameter, and whether it exists.
@@ -171,7 +187,7 @@ class ConditionTerms {
   void fillTerm(Atom const& atom);
 
   PhysicsData const& data_;
-  ClosedValuesOfRules& closed_;
+  ValuesOfRules& known_;
   ConditionFormula formula_;
   std::vector<Parameter> parameters_;
   std::vector<Questions> questions_;  // of each parameter

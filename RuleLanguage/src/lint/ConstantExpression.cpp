@@ -60,6 +60,8 @@ SharedStrings constantList(Expression const& expression) {
 }
 
 std::string constantText(Expression const& expression) {
+  auto const* literal = dynamic_cast<Literal const*>(&expression);
+  if (literal != nullptr && literal->kind() == Kind::Text) return literal->rawText();
   return inNothing([&](Frame const& frame) { return expression.text(frame); });
 }
 

@@ -58,7 +58,8 @@ class EntryLint {
       if (parent != nullptr && context_.hints().take(parent->children().size())) {
         for (auto const& child : parent->children()) candidates.push_back(child->type);
       }
-      auto const near = context_.hints().nearest(type, candidates);
+      auto near = context_.hints().nearest(type, candidates);
+      if (near.empty() && !candidates.empty()) near = partOfName(*parent, type);
       // The entry that the other type lacks is this one.
       if (!near.empty()) meant_.insert(parentPath + "/" + near);
       if (auto const lacking = near.empty() ? lackingOf(type) : std::string(); !lacking.empty()) {
@@ -79,6 +80,20 @@ class EntryLint {
       auto const path = parentPath + "/" + near;
       if (!near.empty() && isAlone && !all.contains(path)) LintContext::fixText(warning, place, typePath, path);
     }
+  }
+
+  /// The only child type of an object that has no entry under Objects and begins with the words of `type`, or the other
+  /// way round. Empty when there are none or several.
+  [[nodiscard]] std::string partOfName(ObjDependDef const& parent, std::string const& type) const {
+    std::string found;
+    for (auto const& child : parent.children()) {
+      auto const& other = child->type;
+      if (!other.starts_with(type + " ") && !type.starts_with(other + " ")) continue;
+      if (context_.data().getObjDependDef(parent.typePath() + "/" + other, true) != nullptr) continue;
+      if (!found.empty()) return {};
+      found = other;
+    }
+    return found;
   }
 
   /// The only child type `type` that has no entry under Objects, as a type path. Empty when there are none or several.

@@ -52,6 +52,22 @@ KeyPlace placeOfKeys(std::string_view what) {
   return what.starts_with("an item of") ? KeyPlace::GuardedItem : KeyPlace::Other;
 }
 
+/// Calls `each` with the path and the body of every object of a file, and of every template, which has no path.
+template <typename Sections, typename Each>
+void forEachObject(Sections const& sections, Each each) {
+  for (std::string_view const name : {"Objects", "Templates"}) {
+    auto const section = sections.find(name);
+    if (section == sections.end()) continue;
+    forEachIn(section->second, [&](YamlNode const& path, YamlNode const& body) {
+      each(name == "Objects" ? std::string_view(path.value) : std::string_view(), body);
+    });
+  }
+}
+
+void addKeys(YamlNode const* map, std::unordered_set<std::string_view>& keys) {
+  forEachIn(map, [&](YamlNode const& key, YamlNode const& /*value*/) { keys.insert(key.value); });
+}
+
 }  // namespace
 
 RuleBuilder::RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diagnostics, LoadLimits const& limits)
@@ -66,6 +82,7 @@ RuleBuilder::RuleBuilder(RuleIndex& index, bool keepPlaces, DiagnosticList& diag
 void RuleBuilder::build() {
   for (auto& file : files_) readHeader(file);
   named_.isType = [this](std::string_view name) { return isTypeName(name); };
+  named_.isParameter = [this](std::string_view name) { return isParameterName(name); };
   for (auto const& file : files_) registerNamed(file);
   parseNamedBodies();
   bindNamedRules();
@@ -109,9 +126,10 @@ std::string RuleBuilder::whyMisplaced(std::string_view key, YamlNode const& valu
   }
   if (what == "a child" && key == "Parameter Type")
     return "; a parameter is written under Parameters, not under Children";
-  if (auto const equals = key.find('='); equals != std::string_view::npos && equals > 0 && isNothing(value)) {
-    return "; a key is followed by ':': " + std::string(StringUtilities::trimmed(key.substr(0, equals))) + ": " +
-           std::string(StringUtilities::trimmed(key.substr(equals + 1)).substr(0, 60));
+  if (std::string const before(keyBeforeValue(key)); !before.empty() && isNothing(value)) {
+    auto const sign = key.find_first_of(":=");
+    return (key[sign] == '=' ? "; a key is followed by ':': " : "; a blank is missing after ':'; write ") + before +
+           ": " + std::string(StringUtilities::trimmed(key.substr(sign + 1)).substr(0, 60));
   }
   if (what != "a parameter" && what != "a child") return {};
   if (what == "a parameter" && std::find(ofChildren.begin(), ofChildren.end(), key) != ofChildren.end()) {
@@ -198,37 +216,33 @@ void RuleBuilder::readAccepted(Item const& name, Item const& scope, Item const& 
 bool RuleBuilder::isTypeName(std::string_view name) {
   if (!typeNames_) {
     auto& names = typeNames_.emplace();
-    auto const forEachKey = [](YamlNode const& map, auto each) {
-      if (map.kind != YamlNode::Kind::Mapping) return;
-      for (std::size_t i = 0; i + 1 < map.children.size(); i += 2) each(*map.children[i], *map.children[i + 1]);
-    };
-    auto const addChildren = [&](YamlNode const& object) {
-      forEachKey(object, [&](YamlNode const& key, YamlNode const& section) {
-        if (key.value != "Children") return;
-        forEachKey(section, [&](YamlNode const& type, YamlNode const&) { names.insert(type.value); });
-      });
-    };
     for (auto const& file : files_) {
-      for (auto const& [section, content] : file.sections) {
-        if (section == "Pertinent Roots") {
-          for (auto const* type : content->children) names.insert(type->value);
-        } else if (section == "Templates") {
-          forEachKey(*content, [&](YamlNode const&, YamlNode const& body) { addChildren(body); });
-        } else if (section == "Objects") {
-          forEachKey(*content, [&](YamlNode const& path, YamlNode const& object) {
-            std::string_view rest = path.value;
-            for (auto end = rest.find('/'); end != std::string_view::npos; end = rest.find('/')) {
-              names.insert(rest.substr(0, end));
-              rest.remove_prefix(end + 1);
-            }
-            names.insert(rest);
-            addChildren(object);
-          });
+      forEachObject(file.sections, [&](std::string_view path, YamlNode const& object) {
+        for (auto end = path.find('/'); end != std::string_view::npos; end = path.find('/')) {
+          names.insert(path.substr(0, end));
+          path.remove_prefix(end + 1);
         }
-      }
+        names.insert(path);
+        addKeys(valueIn(object, "Children"), names);
+      });
+      auto const roots = file.sections.find("Pertinent Roots");
+      if (roots == file.sections.end()) continue;
+      for (auto const* type : roots->second->children) names.insert(type->value);
     }
   }
   return typeNames_->contains(name);
+}
+
+bool RuleBuilder::isParameterName(std::string_view name) {
+  if (!parameterNames_) {
+    auto& names = parameterNames_.emplace();
+    for (auto const& file : files_) {
+      forEachObject(file.sections, [&](std::string_view /*path*/, YamlNode const& object) {
+        addKeys(valueIn(object, "Parameters"), names);
+      });
+    }
+  }
+  return parameterNames_->contains(name);
 }
 
 void RuleBuilder::readRoots(Item const& section) {

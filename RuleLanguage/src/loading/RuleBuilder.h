@@ -166,6 +166,8 @@ class RuleBuilder : private MapReader {
   void readHeader(File& file);
   /// Whether a section of a file names this object type. All sections are searched when this is first asked.
   [[nodiscard]] bool isTypeName(std::string_view name);
+  /// The same of parameters.
+  [[nodiscard]] bool isParameterName(std::string_view name);
   void registerNamed(File const& file);
   void parseNamedBodies();
   /// The computed values in an order in which each comes after those that it calls. Circles are broken somewhere.
@@ -237,6 +239,7 @@ class RuleBuilder : private MapReader {
   std::map<std::string, Item, std::less<>> quantityNames_;
   bool noDefinitionsReported_ = false;
   std::optional<std::unordered_set<std::string_view>> typeNames_;
+  std::optional<std::unordered_set<std::string_view>> parameterNames_;
   std::vector<SeenSection> sectionsSeen_;  // in order
   // The entries of the first `sectionsIndexed_` of `sectionsSeen_`. Filled only when a duplicate asks for them.
   std::unordered_map<std::string, std::vector<FormerEntry>> formerPlaces_;

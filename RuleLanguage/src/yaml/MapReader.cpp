@@ -115,6 +115,12 @@ void MapReader::twice(Code code, Item const& item, Item const& former, std::stri
   if (former) DiagnosticList::note(diagnostic, *former.source, former.node->range(), "the first one is here");
 }
 
+std::string_view MapReader::keyBeforeValue(std::string_view key) {
+  auto const sign = key.find_first_of(":=");
+  if (sign == std::string_view::npos || sign + 1 == key.size()) return {};
+  return StringUtilities::trimmed(key.substr(0, sign));
+}
+
 bool MapReader::isMisspelled(std::string_view key, YamlNode const& map) const {
   return proposedKeys_.contains({&map, std::string(key)}) || proposedKeys_.contains({&map, anyKey});
 }

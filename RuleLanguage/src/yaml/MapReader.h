@@ -111,6 +111,8 @@ class MapReader {
   /// reported, with the key of the table that was probably meant.
   template <typename Table, typename Each>
   void forEachKnown(Item const& item, std::string_view what, Table const& table, Each each);
+  /// The first part of a key that holds its value as well, as in "Key:value" and "Key=value". Empty for other keys.
+  [[nodiscard]] static std::string_view keyBeforeValue(std::string_view key);
   /// Whether a key that `map` lacks may be written in it under another name, which was reported.
   [[nodiscard]] bool isMisspelled(std::string_view key, YamlNode const& map) const;
 
@@ -181,7 +183,8 @@ void MapReader::forEachKnown(Item const& item, std::string_view what, Table cons
                                    (!habit.empty()  ? "; here it is called " + inQuotes(habit)
                                     : !near.empty() ? didYouMean(near)
                                                     : whyMisplaced(key.node->value, *children[i + 1], what)));
-      if (!near.empty()) proposedKeys_.emplace(item.node, near);
+      auto const proposed = near.empty() ? std::string(keyBeforeValue(key.node->value)) : near;
+      if (!proposed.empty()) proposedKeys_.emplace(item.node, proposed);
       if (!near.empty() && !std::exchange(isProposed, true) && !hasKey(*item.node, near)) {
         fixText(diagnostic, key, near);
       }

@@ -17,6 +17,7 @@ constexpr std::string_view notYaml = "this is not YAML: ";
 constexpr std::string_view tagAdvice =
     "a value that begins with '!' is a tag for YAML; write 'not' for the operator, and put quotes around a text that "
     "begins with '!'";
+constexpr std::string_view tabAdvice = "a line is indented with blanks, not with tabs";
 /// Longer values are not repeated in a message.
 constexpr std::size_t longestShown = 60;
 constexpr std::string_view quoteIt =
@@ -61,18 +62,8 @@ bool isQuote(char c) {
   return c == '\'' || c == '"';
 }
 
-/// `text` as a value in quotes, to be shown. Empty when it is too long or has quotes of both kinds.
-std::string quoted(std::string_view text) {
-  text = StringUtilities::trimmed(text);
-  if (text.size() > longestShown) return {};
-  bool const isSimple = text.find_first_of("\"\\") == none;
-  if (!isSimple && text.find('\'') != none) return {};
-  std::string const quote = isSimple ? "\"" : "'";
-  return quote + std::string(text) + quote;
-}
-
 std::string shown(std::string_view text) {
-  auto const result = quoted(text);
+  auto const result = inYamlQuotes(text);
   return result.empty() ? result : ": " + result;
 }
 
@@ -108,6 +99,7 @@ class Adviser {
       return {std::string(problem) + "; put quotes around a value that begins with '|' or '>'", problem_.at};
     }
     if (line_.value().starts_with('!')) return tag(problem_.at.line);
+    if (problem.starts_with("found a tab character")) return {std::string(tabAdvice), problem_.at, false};
     if (problem == "found unknown escape character") {
       return {
           "in double quotes '\\' begins an escape, and the rules of YAML have no such escape; write '\\\\', or use "
@@ -314,7 +306,7 @@ class Adviser {
 
   [[nodiscard]] YamlAdvice badBegin() const {
     char const at = offset_ < line_.text.size() ? line_.text[offset_] : '\0';
-    if (at == '\t') return {"a line is indented with blanks, not with tabs", problem_.at, false};
+    if (at == '\t') return {std::string(tabAdvice), problem_.at, false};
     return {
         std::string("a value cannot begin with '") + at + "'; put quotes around it" + shown(line_.text.substr(offset_)),
         problem_.at, false};
@@ -335,6 +327,22 @@ bool isConflictMarker(std::string_view line) {
 
 std::string adviceForTag() {
   return std::string(notYaml).append(tagAdvice);
+}
+
+std::string adviceForWord(std::string_view word, std::optional<std::string_view> const& text) {
+  std::string message = "YAML takes '" + std::string(word) + (word.front() == '&' ? "' for an anchor" : "' for a tag");
+  if (!text) return message + ", which has no meaning in a rule file; leave it out";
+  return message + ", so it is not part of this text; put quotes around the whole text" +
+         shown(std::string(word) + " " + std::string(*text));
+}
+
+std::string inYamlQuotes(std::string_view text) {
+  text = StringUtilities::trimmed(text);
+  if (text.size() > longestShown) return {};
+  bool const isSimple = text.find_first_of("\"\\") == none;
+  if (!isSimple && text.find('\'') != none) return {};
+  std::string const quote = isSimple ? "\"" : "'";
+  return quote + std::string(text) + quote;
 }
 
 YamlAdvice adviceFor(SourceText const& source, YamlProblem const& problem) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,13 @@ struct YamlAdvice {
 
 /// The message about a value that begins with '!', also where libyaml takes it for a tag and has no problem with it.
 [[nodiscard]] std::string adviceForTag();
+
+/// The warning about `word` in front of a value, which YAML takes for an anchor or a tag. `text` is the value when it
+/// is a text without quotes, of which the word may be meant to be the beginning; otherwise nothing.
+[[nodiscard]] std::string adviceForWord(std::string_view word, std::optional<std::string_view> const& text);
+
+/// `text` as a value in quotes. Empty when it is too long to be shown or has quotes of both kinds.
+[[nodiscard]] std::string inYamlQuotes(std::string_view text);
 
 [[nodiscard]] YamlAdvice adviceFor(SourceText const& source, YamlProblem const& problem);
 

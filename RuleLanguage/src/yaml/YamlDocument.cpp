@@ -79,6 +79,14 @@ Place placeOf(yaml_mark_t const& mark) {
   return {mark.line + 1, mark.column + 1};
 }
 
+/// A word in front of a node that YAML takes for an anchor or a tag.
+struct Word {
+  YamlNode const* node;
+  SourceRange range;
+  std::string text;
+  bool isUsed = false;  // an anchor that an alias refers to
+};
+
 /// An error that ended a reading.
 struct Error {
   Code code = Code::YamlSyntax;
@@ -97,6 +105,7 @@ class Builder {
       : source_(source), limits_(limits), nodes_(nodes) {}
 
   [[nodiscard]] std::optional<Error>& error() noexcept { return error_; }
+  [[nodiscard]] std::vector<Word>& words() noexcept { return words_; }
 
   /// Reads `text`, which has the lines and columns of the source. On an error the root is null, except for a second
   /// document, before which everything was read.
@@ -120,16 +129,14 @@ class Builder {
           break;
         case YAML_SEQUENCE_START_EVENT: {
           auto const& start = event->data.sequence_start;
-          if (!open(event.get(), YamlNode::Kind::Sequence, start.anchor, start.style == YAML_FLOW_SEQUENCE_STYLE)) {
-            return nullptr;
-          }
+          bool const flow = start.style == YAML_FLOW_SEQUENCE_STYLE;
+          if (!open(event.get(), YamlNode::Kind::Sequence, start.anchor, start.tag, flow)) return nullptr;
           break;
         }
         case YAML_MAPPING_START_EVENT: {
           auto const& start = event->data.mapping_start;
-          if (!open(event.get(), YamlNode::Kind::Mapping, start.anchor, start.style == YAML_FLOW_MAPPING_STYLE)) {
-            return nullptr;
-          }
+          bool const flow = start.style == YAML_FLOW_MAPPING_STYLE;
+          if (!open(event.get(), YamlNode::Kind::Mapping, start.anchor, start.tag, flow)) return nullptr;
           break;
         }
         case YAML_SEQUENCE_END_EVENT:
@@ -205,8 +212,20 @@ class Builder {
     lastEnd_ = mark;
   }
 
-  void remember(yaml_char_t const* anchor, YamlNode* node) {
-    if (anchor != nullptr) anchors_[reinterpret_cast<char const*>(anchor)] = node;
+  void remember(yaml_char_t const* anchor, YamlNode* node, std::size_t word = noWord) {
+    if (anchor != nullptr) anchors_[reinterpret_cast<char const*>(anchor)] = {node, word};
+  }
+
+  /// Keeps the anchor and the tag in the line in which a node begins, as they are written.
+  void keepWords(yaml_mark_t const& start, YamlNode const& node) {
+    std::string_view const text = source_.text();
+    std::size_t at = source_.offsetOf(placeOf(start));
+    while (at < text.size() && (text[at] == '&' || text[at] == '!')) {
+      std::size_t const end = std::min(text.find_first_of(" \t\n\r,[]{}", at), text.size());
+      auto const word = text.substr(at, end - at);
+      words_.push_back({&node, rangeFrom(source_.placeOf(at), characterCount(word)), std::string(word)});
+      at = text.find_first_not_of(" \t", end);
+    }
   }
 
   /// Adds a finished node to the open collection. False when the file is beyond its limit.
@@ -246,11 +265,26 @@ class Builder {
     if (node->style == YamlNode::Style::SingleQuoted || node->style == YamlNode::Style::DoubleQuoted) {
       lastQuote_ = node->range();
     }
-    remember(scalar.anchor, node);
+    // The event does not have a tag '!' alone.
+    bool const isPlain = node->style == YamlNode::Style::Plain;
+    bool const mayHaveTag = isPlain && event.end_mark.index - event.start_mark.index != scalar.length;
+    std::size_t anchor = noWord;
+    if (node->hasProperties || mayHaveTag) {
+      std::size_t const known = words_.size();
+      keepWords(event.start_mark, *node);
+      for (std::size_t i = known; i < words_.size(); ++i) {
+        if (words_[i].text.front() == '&') anchor = i;
+        if (!isPlain || words_[i].text != "!") continue;
+        fail(Code::YamlSyntax, words_[i].range, adviceForTag());
+        return false;
+      }
+    }
+    remember(scalar.anchor, node, anchor);
     return place(node, node->place());
   }
 
-  bool open(yaml_event_t const& event, YamlNode::Kind kind, yaml_char_t const* anchor, bool flow) {
+  bool open(yaml_event_t const& event, YamlNode::Kind kind, yaml_char_t const* anchor, yaml_char_t const* tag,
+            bool flow) {
     if (open_.size() >= limits_.depth) {
       fail(Code::LimitExceeded, rangeFrom(placeOf(event.start_mark), 1),
            "this is nested deeper than " + std::to_string(limits_.depth) + " levels, which no rule file needs");
@@ -260,6 +294,7 @@ class Builder {
     if (node == nullptr) return false;
     node->flow = flow;
     remember(anchor, node);
+    if (tag != nullptr) keepWords(event.start_mark, *node);
     open_.push_back(node);
     return true;
   }
@@ -286,11 +321,12 @@ class Builder {
       error_->anchor = name;
       return false;
     }
-    if (std::find(open_.begin(), open_.end(), found->second) != open_.end()) {
+    if (std::find(open_.begin(), open_.end(), found->second.node) != open_.end()) {
       fail(Code::RecursiveAlias, rangeFrom(at, length), "the alias is part of the value that it refers to");
       return false;
     }
-    return place(found->second, at);
+    if (found->second.word != noWord) words_[found->second.word].isUsed = true;
+    return place(found->second.node, at);
   }
 
   /// Whether an alias is the value of a key '<<'.
@@ -305,7 +341,13 @@ class Builder {
   std::optional<Error> error_;
   std::optional<SourceRange> lastQuote_;  // the text in quotes that was read last
   std::vector<YamlNode*> open_;
-  std::map<std::string, YamlNode*, std::less<>> anchors_;
+  static constexpr std::size_t noWord = static_cast<std::size_t>(-1);
+  struct Anchor {
+    YamlNode* node;
+    std::size_t word;  // index in `words_`; only a scalar has one
+  };
+  std::map<std::string, Anchor, std::less<>> anchors_;
+  std::vector<Word> words_;
   yaml_mark_t lastEnd_{};  // of the item that was read last
   YamlNode* root_ = nullptr;
 };
@@ -315,18 +357,39 @@ void report(Error const& error, SourceText const& source, DiagnosticList& diagno
   if (error.noteAt) DiagnosticList::note(diagnostic, source, {*error.noteAt, *error.noteAt}, error.note);
 }
 
+/// Whether a tag is one of the standard types, which change nothing: every value is taken as its text.
+bool isStandardTag(std::string_view word) {
+  return word.starts_with("!!") || word.starts_with("!<");
+}
+
+void warnOf(Word const& word, SourceText const& source, DiagnosticList& diagnostics) {
+  auto const& node = *word.node;
+  bool const isPlain = node.kind == YamlNode::Kind::Scalar && node.style == YamlNode::Style::Plain;
+  // An anchor of anything else was meant as one, whether something uses it or not.
+  if (word.text.front() == '&' ? word.isUsed || !isPlain : isStandardTag(word.text)) return;
+  auto const text = isPlain ? std::optional<std::string_view>(node.value) : std::nullopt;
+  auto& warning = diagnostics.add(Code::LostWord, source, word.range, adviceForWord(word.text, text));
+  bool const isOnly = word.range.begin.line == node.line && word.range.begin.column == node.column;
+  auto const quoted = isPlain && isOnly && node.line == node.endLine
+                          ? inYamlQuotes(word.text + (node.value.empty() ? "" : " ") + node.value)
+                          : std::string();
+  if (!quoted.empty()) DiagnosticList::fix(warning, source, node.range(), quoted, "Put quotes around the whole text");
+}
+
 }  // namespace
 
 struct YamlDocument::Attempt {
   YamlNode* root = nullptr;
   std::optional<Error> error;
   std::deque<YamlNode> nodes;
+  std::vector<Word> words;
 
   void read(SourceText const& source, std::string const& text, Limits const& limits) {
     nodes.clear();
     Builder builder(source, limits, nodes);
     root = builder.build(text);
     error = std::move(builder.error());
+    words = std::move(builder.words());
   }
 };
 
@@ -348,6 +411,10 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
     if (!isKnown && !isSame) report(*attempt.error, source, diagnostics);
     bool const isLast = attempt.error->code == Code::SeveralDocuments || attempt.error->code == Code::LimitExceeded;
     if (isLast || ++errors == mostErrors || !recover(source, limits, attempt)) break;
+  }
+  // What uses an anchor may be in a part that was left out.
+  for (auto const& word : attempt.words) {
+    if (!incomplete_ || word.text.front() == '!') warnOf(word, source, diagnostics);
   }
   nodes_ = std::move(attempt.nodes);
   root_ = attempt.root;

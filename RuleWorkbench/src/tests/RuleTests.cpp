@@ -51,7 +51,7 @@ RuleTests RuleTests::read(std::vector<std::filesystem::path> const& filesOrFolde
     readFile(source, std::filesystem::path(source.name()).parent_path(), limits, diagnostics, parts->tests);
   }
   parts->unreadable = files.unreadable;
-  parts->diagnostics = diagnostics.take(files.names, true);
+  parts->diagnostics = diagnostics.take(files.names, false);
   return RuleTests(std::move(parts));
 }
 
@@ -65,7 +65,7 @@ RuleTests RuleTests::parse(std::string const& text, std::string const& sourceNam
   } else {
     readFile(rules::SourceText(sourceName, text), folder, limits, diagnostics, parts->tests);
   }
-  parts->diagnostics = diagnostics.take({sourceName}, true);
+  parts->diagnostics = diagnostics.take({sourceName}, false);
   return RuleTests(std::move(parts));
 }
 
