@@ -25,7 +25,7 @@ NOT_SHOWN = {
     # Messages of the YAML library, by which the mistake is found, and what is said when none is.
     "mapping values are not allowed in this context", "did not find expected key", "did not find expected ','",
     "did not find expected '-' indicator", "could not find expected ':'", "found unexpected end of stream",
-    "found character that cannot start any token", "found unknown escape character",
+    "found character that cannot start any token", "found unknown escape character", "found a tab character",
     "block sequence entries are not allowed in this context", "while scanning a simple key",
     "; check the indentation, and put quotes around a value that begins with a quote, '{', '[' or '*', or that ",
     "contains ': ' or ' #'", ", and here also around one with '[', '{' or ','",

@@ -98,11 +98,6 @@ Operation operationOf(Quantifier::Operator op) {
   return Operation::Filter;
 }
 
-template <typename Node>
-Node const* as(Expression const& expression) {
-  return dynamic_cast<Node const*>(&expression);
-}
-
 /// The expression itself, where its result is kept for later evaluations.
 Expression const& withoutKept(Expression const& written) {
   Expression const* expression = &written;

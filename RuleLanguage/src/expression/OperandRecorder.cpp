@@ -20,11 +20,6 @@ struct Counts {
   std::size_t timesFalse = 0;
 };
 
-template <typename Node>
-Node const* as(Expression const& expression) {
-  return dynamic_cast<Node const*>(&expression);
-}
-
 /// Without the wrapper that keeps results.
 Expression const& bare(Expression const& expression) {
   Expression const* part = &expression;

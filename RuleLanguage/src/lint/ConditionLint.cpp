@@ -63,7 +63,7 @@ constexpr std::size_t longestList = 50;
 constexpr std::size_t mostListedValues = 5;
 
 bool isLiteral(Expression const& expression, bool value) {
-  auto const* literal = dynamic_cast<Literal const*>(&expression);
+  auto const* literal = as<Literal>(expression);
   return literal != nullptr && literal->kind() == Kind::Truth && constantTruth(*literal) == value;
 }
 
@@ -241,8 +241,8 @@ class ConditionLint {
   [[nodiscard]] std::optional<TextComparison> textComparison(Expression const& condition, bool& isOpaque) {
     auto const* part = &condition;
     for (std::size_t level = 0;; ++level) {
-      if (dynamic_cast<Kept const*>(part) != nullptr) part = part->operands().front();
-      auto const* call = dynamic_cast<NamedCall const*>(part);
+      if (as<Kept>(*part) != nullptr) part = part->operands().front();
+      auto const* call = as<NamedCall>(*part);
       if (call == nullptr) break;
       if (part->kind() != Kind::Truth || call->rule().expression() == nullptr) return std::nullopt;
       if (level == ConditionTerms::mostCallLevels || isDecided(call->rule())) {
@@ -251,11 +251,11 @@ class ConditionLint {
       }
       part = call->rule().expression();
     }
-    auto const* comparison = dynamic_cast<Comparison const*>(part);
+    auto const* comparison = as<Comparison>(*part);
     if (comparison == nullptr) return std::nullopt;
     auto const op = comparison->op();
-    auto const* parameter = dynamic_cast<ParameterReference const*>(&comparison->left());
-    auto const* literal = dynamic_cast<Literal const*>(&comparison->right());
+    auto const* parameter = as<ParameterReference>(comparison->left());
+    auto const* literal = as<Literal>(comparison->right());
     bool const isEquality = op == Comparison::Operator::Equal || op == Comparison::Operator::NotEqual;
     if (!isEquality || parameter == nullptr || literal == nullptr || literal->kind() != Kind::Text) return std::nullopt;
     if (parameter->origin().isNamed() || literal->rawText().empty()) return std::nullopt;
@@ -293,8 +293,8 @@ class ConditionLint {
   /// Whether a condition is the call of a named check that is open wherever it is called, when nothing else is known.
   [[nodiscard]] bool callsOpenRule(Expression const& condition) {
     auto const* part = &condition;
-    if (dynamic_cast<Kept const*>(part) != nullptr) part = part->operands().front();
-    auto const* call = dynamic_cast<NamedCall const*>(part);
+    if (as<Kept>(*part) != nullptr) part = part->operands().front();
+    auto const* call = as<NamedCall>(*part);
     return call != nullptr && !isDecided(call->rule()) && openEverywhere_.contains(&call->rule());
   }
 
@@ -485,13 +485,12 @@ class ConditionLint {
     for (std::size_t round = 0, from = 0; round < mostRounds; ++round) {
       std::size_t const known = terms.parameters().size();
       for (std::size_t i = from; i < known && i < mostParameters && !terms.isTooLarge(); ++i) {
-        auto const parameter = terms.parameters()[i];
+        auto const& parameter = terms.parameters()[i];
         if (parameter.entry == nullptr || parameter.entry->validationRelaxed) continue;
         // Consequences of a parameter that never exists are not reported too.
         if (neverThere_.contains(parameter.entry)) continue;
         auto const& entry = *parameter.entry;
-        auto const* object = context_.data().getObjDependDef(PathUtils::typePathOf(parameter.path), true);
-        if (object == nullptr) continue;
+        auto const* object = parameter.object;
         std::size_t const position = positionOf(*object, parameter.name);
         // A parameter that comes later in a walk may not be there yet.
         bool const isLater = object == subject.object && position >= end;
@@ -774,7 +773,7 @@ class ConditionLint {
       auto const [part, base] = std::move(open.back());
       open.pop_back();
       auto const operands = part->operands();
-      if (operands.size() == 2 && dynamic_cast<Quantifier const*>(part) != nullptr) {
+      if (operands.size() == 2 && as<Quantifier>(*part) != nullptr) {
         checkBody(use, *operands[1], part->operandBase(1, base));
       }
       for (std::size_t i = 0; i < operands.size(); ++i) open.push_back({operands[i], part->operandBase(i, base)});

@@ -26,8 +26,8 @@ constexpr std::size_t fewValues = 16;
 constexpr std::size_t mostPairs = 256;
 
 bool isConstant(Expression const& expression) {
-  if (dynamic_cast<Literal const*>(&expression) != nullptr) return true;
-  if (dynamic_cast<ParameterReference const*>(&expression) != nullptr) return false;
+  if (as<Literal>(expression) != nullptr) return true;
+  if (as<ParameterReference>(expression) != nullptr) return false;
   return expression.kind() != Kind::Objects && readsNothing(expression);
 }
 
@@ -59,11 +59,11 @@ std::vector<double> withNeighbours(std::vector<double> numbers, bool isWhole) {
 
 /// The list that a membership asks, when its items are written out: null otherwise.
 SharedStrings const* fixedItemsOf(Expression const& list) {
-  if (auto const* literal = dynamic_cast<ListLiteral const*>(&list)) {
+  if (auto const* literal = as<ListLiteral>(list)) {
     if (literal->operands().empty()) return &literal->fixedItems();
-  } else if (dynamic_cast<Kept const*>(&list) != nullptr) {
+  } else if (as<Kept>(list) != nullptr) {
     return fixedItemsOf(*list.operands().front());
-  } else if (auto const* call = dynamic_cast<NamedCall const*>(&list)) {
+  } else if (auto const* call = as<NamedCall>(list)) {
     if (call->rule().expression() != nullptr) return fixedItemsOf(*call->rule().expression());
   }
   return nullptr;
@@ -110,7 +110,7 @@ std::optional<NumberRange> numberRangeOf(PhysicsData const& data, ParamValueDef 
 }
 
 bool isExists(Expression const& part) {
-  auto const* call = dynamic_cast<FunctionCall const*>(&part);
+  auto const* call = as<FunctionCall>(part);
   return call != nullptr && call->function().name == "exists";
 }
 
@@ -134,6 +134,9 @@ std::string representative(PhysicsData const& data, std::string const& typePath,
 }
 
 ConditionScope const* ConditionTerms::keep(ConditionScope const& scope) {
+  for (auto const& known : scopes_) {
+    if (known->context == scope.context && known->owner == scope.owner) return known.get();
+  }
   return scopes_.emplace_back(std::make_unique<ConditionScope>(scope)).get();
 }
 
@@ -179,16 +182,18 @@ std::shared_ptr<NumberRange const> ValuesOfRules::rangeOf(ParamAvail const* entr
 }
 
 std::size_t ConditionTerms::parameter(std::string const& path, std::string const& name) {
+  Parameter const* sibling = nullptr;
   for (std::size_t i = 0; i < parameters_.size(); ++i) {
-    if (parameters_[i].name == name && parameters_[i].path == path) return i;
+    if (parameters_[i].path != path) continue;
+    if (parameters_[i].name == name) return i;
+    sibling = &parameters_[i];
   }
   Parameter made;
   made.path = path;
   made.name = name;
   made.variable = formula_.addVariable();
-  if (auto const* object = data_.getObjDependDef(PathUtils::typePathOf(path), true)) {
-    made.entry = object->findParam(name);
-  }
+  made.object = sibling != nullptr ? sibling->object : data_.getObjDependDef(PathUtils::typePathOf(path), true);
+  if (made.object != nullptr) made.entry = made.object->findParam(name);
   if (made.entry != nullptr) {
     made.values = known_.closedOf(made.entry);
     if (made.values == nullptr) made.range = known_.rangeOf(made.entry);
@@ -224,7 +229,7 @@ std::optional<std::vector<std::size_t>> ConditionTerms::parametersOf(Expression 
   while (!open.empty()) {
     auto const* one = open.back();
     open.pop_back();
-    if (auto const* reference = dynamic_cast<ParameterReference const*>(one)) {
+    if (auto const* reference = as<ParameterReference>(*one)) {
       // The object that a name means is only known in an evaluation.
       if (reference->origin().isNamed()) return std::nullopt;
       auto const& pattern = reference->objectPattern();
@@ -237,24 +242,27 @@ std::optional<std::vector<std::size_t>> ConditionTerms::parametersOf(Expression 
         default:
           return std::nullopt;
       }
-      std::string path;
       if (!pattern.isSingle()) return std::nullopt;
+      if (pattern.start() == PathPattern::Start::Context && pattern.steps().empty()) {
+        addOnce(found, parameter(scope.context, reference->name()));
+        continue;
+      }
+      std::string path;
       // Above the root there is nothing, so the parameter is absent. That is left open.
       if (!pattern.resolve(TDFContext(scope.context, scope.owner), path)) return std::nullopt;
       addOnce(found, parameter(path, reference->name()));
       continue;
     }
-    if (dynamic_cast<FunctionCall const*>(one) != nullptr) {
-      auto const& function = dynamic_cast<FunctionCall const*>(one)->function();
+    if (as<FunctionCall>(*one) != nullptr) {
+      auto const& function = as<FunctionCall>(*one)->function();
       if (function.readsContextIdentity) return std::nullopt;
-    } else if (auto const* call = dynamic_cast<NamedCall const*>(one)) {
+    } else if (auto const* call = as<NamedCall>(*one)) {
       if (call->kind() == Kind::List && fixedItemsOf(*call) != nullptr) continue;
       return std::nullopt;
-    } else if (dynamic_cast<Literal const*>(one) == nullptr && dynamic_cast<QuantityLiteral const*>(one) == nullptr &&
-               dynamic_cast<ListLiteral const*>(one) == nullptr && dynamic_cast<Comparison const*>(one) == nullptr &&
-               dynamic_cast<Membership const*>(one) == nullptr && dynamic_cast<Logic const*>(one) == nullptr &&
-               dynamic_cast<Arithmetic const*>(one) == nullptr && dynamic_cast<Negation const*>(one) == nullptr &&
-               dynamic_cast<Choice const*>(one) == nullptr && dynamic_cast<Kept const*>(one) == nullptr) {
+    } else if (as<Literal>(*one) == nullptr && as<QuantityLiteral>(*one) == nullptr &&
+               as<ListLiteral>(*one) == nullptr && as<Comparison>(*one) == nullptr && as<Membership>(*one) == nullptr &&
+               as<Logic>(*one) == nullptr && as<Arithmetic>(*one) == nullptr && as<Negation>(*one) == nullptr &&
+               as<Choice>(*one) == nullptr && as<Kept>(*one) == nullptr) {
       return std::nullopt;
     }
     auto const operands = one->operands();
@@ -287,9 +295,9 @@ ConditionFormula::Node ConditionTerms::addLogic(Logic const& logic, std::string_
 ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::string_view source,
                                                ConditionScope const* scope) {
   if (++size_ > mostParts) return formula_.constant(true);
-  if (dynamic_cast<Kept const*>(&part) != nullptr) return addPart(*part.operands().front(), source, scope);
-  if (auto const* logic = dynamic_cast<Logic const*>(&part)) return addLogic(*logic, source, scope);
-  if (auto const* call = dynamic_cast<NamedCall const*>(&part)) {
+  if (as<Kept>(part) != nullptr) return addPart(*part.operands().front(), source, scope);
+  if (auto const* logic = as<Logic>(part)) return addLogic(*logic, source, scope);
+  if (auto const* call = as<NamedCall>(part)) {
     auto const* body = call->rule().expression();
     bool const isNear = callDepth_ < mostCallLevels;
     if (part.kind() == Kind::Truth && body != nullptr && isNear && isLookedInto_(call->rule())) {
@@ -304,7 +312,7 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
     }
     return addOpaque(part, source, scope);
   }
-  if (dynamic_cast<Choice const*>(&part) != nullptr) {
+  if (as<Choice>(part) != nullptr) {
     auto const operands = part.operands();
     auto const when = addPart(*operands[0], source, scope);
     auto const then = addPart(*operands[1], source, scope);
@@ -322,16 +330,16 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
   auto const operands = part.operands();
   bool isKnown = read->size() == 1;
   auto kind = Atom::Kind::Expression;
-  if (auto const* reference = dynamic_cast<ParameterReference const*>(&part)) {
+  if (auto const* reference = as<ParameterReference>(part)) {
     questions_[read->front()].asksTruth = true;
     isKnown &= reference != nullptr;
-  } else if (dynamic_cast<Comparison const*>(&part) != nullptr) {
+  } else if (as<Comparison>(part) != nullptr) {
     // A parameter with a constant, or with itself. A text that is a number is equal to itself in more ways.
     if (read->size() == 1 && !isConstant(*operands[0]) && !isConstant(*operands[1])) {
       addOnce(questions_[read->front()].numbers, 1.0);
     }
     for (auto const* operand : operands) {
-      if (dynamic_cast<ParameterReference const*>(operand) != nullptr) continue;
+      if (as<ParameterReference>(*operand) != nullptr) continue;
       if (!isConstant(*operand)) {
         isKnown = false;
         break;
@@ -345,14 +353,14 @@ ConditionFormula::Node ConditionTerms::addPart(Expression const& part, std::stri
         if (!std::isnan(number)) addOnce(questions_[i].numbers, number);
       }
     }
-  } else if (dynamic_cast<Membership const*>(&part) != nullptr) {
+  } else if (as<Membership>(part) != nullptr) {
     auto const* items = fixedItemsOf(*operands[1]);
-    isKnown &= items != nullptr && dynamic_cast<ParameterReference const*>(operands[0]) != nullptr;
+    isKnown &= items != nullptr && as<ParameterReference>(*operands[0]) != nullptr;
     if (isKnown) {
       for (auto const& item : *items) addOnce(questions_[read->front()].texts, item);
     }
   } else {
-    isKnown &= isExists(part) && dynamic_cast<ParameterReference const*>(operands.front()) != nullptr;
+    isKnown &= isExists(part) && as<ParameterReference>(*operands.front()) != nullptr;
     kind = Atom::Kind::Exists;
   }
   if (!isKnown) {
@@ -391,8 +399,8 @@ ConditionFormula::Node ConditionTerms::addOpaque(Expression const& part, std::st
 std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expression const& part, std::string_view source,
                                                                         ConditionScope const* scope) {
   auto const operands = part.operands();
-  bool const isComparison = dynamic_cast<Comparison const*>(&part) != nullptr;
-  auto const* membership = dynamic_cast<Membership const*>(&part);
+  bool const isComparison = as<Comparison>(part) != nullptr;
+  auto const* membership = as<Membership>(part);
   if (!isComparison && membership == nullptr) return std::nullopt;
   bool const isSwapped = isComparison && isConstant(*operands[0]);
   auto const& one = *operands[isSwapped ? 1 : 0];
@@ -404,7 +412,7 @@ std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expressi
   if (isComparison) {
     if (!isConstant(other) || other.kind() == Kind::Truth) return std::nullopt;
     if (!isNumber && other.kind() != Kind::Text) return std::nullopt;
-    auto const op = dynamic_cast<Comparison const*>(&part)->op();
+    auto const op = as<Comparison>(part)->op();
     bool const isOrder = op != Comparison::Operator::Equal && op != Comparison::Operator::NotEqual;
     if (!isNumber && isOrder) return std::nullopt;
     if (isNumber) {
@@ -430,8 +438,8 @@ std::optional<ConditionFormula::Node> ConditionTerms::addTermComparison(Expressi
   key += "\n" + scope->context + "\n" + scope->owner;
   auto term = std::find_if(terms_.begin(), terms_.end(), [&](Term const& known) { return known.key == key; });
   if (term == terms_.end()) {
-    auto const* quantifier = dynamic_cast<Quantifier const*>(&one);
-    auto const* call = dynamic_cast<FunctionCall const*>(&one);
+    auto const* quantifier = as<Quantifier>(one);
+    auto const* call = as<FunctionCall>(one);
     bool const isCount =
         isNumber && (quantifier != nullptr ||
                      (call != nullptr && (call->function().name == "size" || call->function().name == "length")));
@@ -586,7 +594,7 @@ void ConditionTerms::fillTerm(Atom const& atom) {
   std::vector<bool> table;
   auto const operands = atom.expression->operands();
   if (!term.isNumber) {
-    auto const* membership = dynamic_cast<Membership const*>(atom.expression);
+    auto const* membership = as<Membership>(*atom.expression);
     auto const holds = [&](std::string const* text) {
       if (membership != nullptr) {
         bool const isIn = text != nullptr && fixedItemsOf(membership->items())->contains(*text);
@@ -594,7 +602,7 @@ void ConditionTerms::fillTerm(Atom const& atom) {
       }
       auto const& other = isConstant(*operands[0]) ? *operands[0] : *operands[1];
       bool const isEqual = text != nullptr && constantText(other) == *text;
-      return isEqual == (dynamic_cast<Comparison const*>(atom.expression)->op() == Comparison::Operator::Equal);
+      return isEqual == (as<Comparison>(*atom.expression)->op() == Comparison::Operator::Equal);
     };
     for (auto const& text : term.texts) table.push_back(holds(&text));
     table.push_back(holds(nullptr));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -51,8 +52,8 @@ struct NumberRange {
   }
 };
 
-/// What the rules say about the values of parameters. It is computed once for each: a parameter can have thousands of
-/// values, and many conditions read it.
+/// The values of parameters, as far as the rules determine them. Each is computed once: a parameter can have thousands
+/// of values, and many conditions read it.
 class ValuesOfRules {
  public:
   /// `data` must stay valid.
@@ -110,13 +111,15 @@ class ConditionTerms {
   struct Parameter {
     std::string path;
     std::string name;
+    ObjDependDef const* object = nullptr;
     ParamAvail const* entry = nullptr;           // null when the rules of its object are not known
     std::shared_ptr<ClosedValues const> values;  // null when not all are known
     std::shared_ptr<NumberRange const> range;    // null when it has no bounds that are known
     bool isAlwaysThere = false;
     ConditionFormula::Variable variable = 0;
   };
-  [[nodiscard]] std::vector<Parameter> const& parameters() const noexcept { return parameters_; }
+  /// References to them stay valid when further ones are added.
+  [[nodiscard]] std::deque<Parameter> const& parameters() const noexcept { return parameters_; }
   /// Whether a part is evaluated with every value of the parameter.
   [[nodiscard]] bool needsAllValues(std::size_t parameter) const { return questions_[parameter].needsAllValues; }
   /// Whether values of the formula, by variable, are those of a parameter that does not exist.
@@ -189,7 +192,7 @@ class ConditionTerms {
   PhysicsData const& data_;
   ValuesOfRules& known_;
   ConditionFormula formula_;
-  std::vector<Parameter> parameters_;
+  std::deque<Parameter> parameters_;
   std::vector<Questions> questions_;  // of each parameter
   std::vector<std::vector<Value>> values_;
   std::vector<Term> terms_;

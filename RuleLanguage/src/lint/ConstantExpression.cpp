@@ -30,13 +30,13 @@ bool readsNothing(Expression const& expression) {
   while (!open.empty()) {
     auto const* part = open.back();
     open.pop_back();
-    if (dynamic_cast<Literal const*>(part) != nullptr) continue;
-    if (dynamic_cast<ParameterReference const*>(part) != nullptr || dynamic_cast<ObjectSet const*>(part) != nullptr) {
+    if (as<Literal>(*part) != nullptr) continue;
+    if (as<ParameterReference>(*part) != nullptr || as<ObjectSet>(*part) != nullptr) {
       return false;
     }
-    auto const* call = dynamic_cast<FunctionCall const*>(part);
+    auto const* call = as<FunctionCall>(*part);
     if (call != nullptr && call->function().readsContextIdentity) return false;
-    if (dynamic_cast<NamedCall const*>(part) != nullptr) {
+    if (as<NamedCall>(*part) != nullptr) {
       RuleReads reads;
       part->collectReads(reads, PathPattern());
       if (reads.readsModel() || reads.contextIdentity) return false;
@@ -60,7 +60,7 @@ SharedStrings constantList(Expression const& expression) {
 }
 
 std::string constantText(Expression const& expression) {
-  auto const* literal = dynamic_cast<Literal const*>(&expression);
+  auto const* literal = as<Literal>(expression);
   if (literal != nullptr && literal->kind() == Kind::Text) return literal->rawText();
   return inNothing([&](Frame const& frame) { return expression.text(frame); });
 }

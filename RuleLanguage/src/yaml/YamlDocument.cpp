@@ -412,7 +412,7 @@ YamlDocument::YamlDocument(SourceText const& source, Limits const& limits, Diagn
     bool const isLast = attempt.error->code == Code::SeveralDocuments || attempt.error->code == Code::LimitExceeded;
     if (isLast || ++errors == mostErrors || !recover(source, limits, attempt)) break;
   }
-  // What uses an anchor may be in a part that was left out.
+  // The alias of an anchor may be in a part that was left out.
   for (auto const& word : attempt.words) {
     if (!incomplete_ || word.text.front() == '!') warnOf(word, source, diagnostics);
   }

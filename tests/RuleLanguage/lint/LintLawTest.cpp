@@ -742,7 +742,8 @@ class Trial {
     });
   }
 
-  /// What `refute` says of a site. A claim about the template is only wrong when it is wrong in both objects.
+  /// The text that `refute` gives for a site. A claim about the template is only wrong when it is wrong in both
+  /// objects.
   template <typename Refute>
   [[nodiscard]] static std::string refuted(Site const& site, Refute refute) {
     auto wrong = refute(site);
