@@ -369,7 +369,7 @@ class ConditionLint {
           continue;
         }
         for (std::size_t i = 0; i < own.size(); ++i) marks[i] = marks[i] || own[i];
-        found.push_back(std::move(*fact));
+        found.push_back(*fact);
         fact = facts.erase(fact);
         isChanged = true;
       }
@@ -510,7 +510,7 @@ class ConditionLint {
         for (auto& fact : own) {
           conditions.push_back(fact.node);
           fact.node = formula.disjunction(formula.negation(exists), fact.node);
-          facts.push_back(std::move(fact));
+          facts.push_back(fact);
         }
         // Without the condition for being live it is not known when the parameter must exist.
         bool const isComplete =

@@ -586,7 +586,7 @@ void ConditionTerms::fillTable(Atom const& atom) {
       }
     }
   }
-  formula_.setTable(atom.node, std::move(table));
+  formula_.setTable(atom.node, table);
 }
 
 void ConditionTerms::fillTerm(Atom const& atom) {
@@ -637,7 +637,7 @@ void ConditionTerms::fillTerm(Atom const& atom) {
     if (table.empty()) table.push_back(holds(0));
   }
   formula_.setSize(term.variable, table.size());
-  formula_.setTable(atom.node, std::move(table));
+  formula_.setTable(atom.node, table);
 }
 
 void ConditionTerms::finish() {
