@@ -34,6 +34,8 @@ using Kind = EditorItemKind;
 
 /// More text than this is not checked at once. Then only errors are looked for, in the changed parts alone.
 constexpr std::size_t mostBytes = std::size_t{384} << 10;
+/// Objects with more text are not checked as a whole. Lint takes some 50 milliseconds for as much.
+constexpr std::size_t mostObjectBytes = std::size_t{256} << 10;
 
 bool preventsLoading(EditorDiagnostic const& diagnostic) {
   auto const* code = rules::findCode(diagnostic.code);
@@ -181,7 +183,7 @@ class ObjectParts {
   }
 
   [[nodiscard]] std::set<ReadPart const*> const& parts() const noexcept { return parts_; }
-  [[nodiscard]] bool isTooMuch() const noexcept { return bytes_ > mostBytes; }
+  [[nodiscard]] bool isTooMuch() const noexcept { return bytes_ > mostObjectBytes; }
 
  private:
   void addOwner(FactOwner const& owner) {

@@ -80,14 +80,14 @@ class TARN_EXPORT EditedRules {
   /// for the other parts, at their present places. It needs little time in a rule base of any size. `last` belongs to
   /// the revision of the last call of `accept`.
   ///
-  /// Missing roots are those of all files. The order of entries and their contexts are
-  /// judged in all parts of the objects that have changed parts. It leaves out findings about other unchanged parts
-  /// that the change caused or removed, and needless acceptances that count in more than what was looked at. A warning
-  /// of a rule that reads a later decision says so if the advice about what to move is not known.
+  /// The order of entries and their contexts are judged in all parts of the objects that have changed parts. It leaves
+  /// out findings about other unchanged parts that the change caused or removed, and needless acceptances that count in
+  /// more than what was looked at. A warning of a rule that reads a later decision says so if the advice about what to
+  /// move is not known.
   ///
-  /// If the objects with changed parts have more than 384 KiB together with what they read, only the changed parts are
-  /// judged; if these are still more, only errors of form are found. As long as there are errors, there is nothing but
-  /// errors.
+  /// Only the changed parts are judged if the objects with changed parts have more than 256 KiB, or more than 384 KiB
+  /// together with what they read. Only errors of form are found if the changed parts and what they read are still more
+  /// than 384 KiB. As long as there are errors, there is nothing but errors.
   [[nodiscard]] EditorDiagnostics checkChanges(EditorDiagnostics const& last) const;
   /// Says that diagnostics of the present texts are known, so that `checkChanges` counts changes from here.
   void accept();
