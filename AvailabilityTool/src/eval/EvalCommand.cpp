@@ -53,7 +53,7 @@ struct EvalOptions {
 std::string objectOf(EvalOptions const& options, PhysicsData const& rules, ModelState const& model,
                      DynamicTDF const& tree) {
   auto const objects = PertinentRoots(rules).objectsIn(model);
-  std::string const root = objects.size() == 1 ? objects.front() : std::string();
+  std::string root = objects.size() == 1 ? objects.front() : std::string();
   if (options.at.empty()) return root;
   std::string at = pathArgument("--at", session::absolutePath(root, options.at)).getFullPath();
   if (options.model.empty() || at.empty() || tree.hasObject(at)) return at;
