@@ -49,6 +49,24 @@ TEST(SessionHistory, ATrialWithFindingsReportsThoseThatWouldComeAndGo) {
   EXPECT_EQ(tanks->review().list.size(), 2U);
 }
 
+TEST(SessionHistory, TheReviewIsThatOfTheStateAfterEachEditAndUndo) {
+  Tanks tanks;
+  std::size_t const before = tanks->review().list.size();
+  ASSERT_TRUE(tanks->edit(Edit::setParam("/Plant/Tank:T1", "Height", "-1 [m]")).applied());
+  EXPECT_GT(tanks->review().list.size(), before);
+  ASSERT_TRUE(tanks->undo());
+  EXPECT_EQ(tanks->review().list.size(), before);
+}
+
+TEST(SessionHistory, AConversionHasTheIndexOfItsEdit) {
+  Tanks tanks;
+  std::vector<Edit> const edits = {Edit::setParam("/Plant", "Title", "Works"),
+                                   Edit::setParam("/Plant/Tank:T1", "Height", "250 cm")};
+  EditResult const result = tanks->edit(edits);
+  ASSERT_EQ(result.conversions.size(), 1);
+  EXPECT_EQ(result.conversions.front().index, 1);
+}
+
 TEST(SessionHistory, UndoTakesBackTheLastStepAndRedoMakesItAgain) {
   Tanks tanks;
   EXPECT_FALSE(tanks->undo());
