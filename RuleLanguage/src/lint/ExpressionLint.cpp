@@ -185,6 +185,7 @@ std::string remedyOfNamedRule(LintContext& context, PathUse const& path) {
   if (!path.pattern.steps().empty() || path.pattern.start() != PathPattern::Start::Context) return {};
   auto const* rule = context.namedRule(path.parameter);
   if (rule == nullptr) return {};
+  context.setMeant(*rule);
   std::string const function = rule->kind() == Kind::Truth ? "check" : rule->kind() == Kind::List ? "list" : "value";
   return "; there is a " + function + " of that name: " + function + "(" + inQuotes(path.parameter) + ")";
 }

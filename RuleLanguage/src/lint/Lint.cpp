@@ -67,7 +67,7 @@ void addWarnings(RuleIndex const& rules, PhysicsData const& data, DiagnosticList
   checkConditions(context);
   checkEntries(context);
   checkUnits(context);
-  checkUnused(context);
+  if (extent == LintExtent::All) checkUnused(context);
   checkNamedLists(context);
   checkMessages(context);
   checkHistory(context);

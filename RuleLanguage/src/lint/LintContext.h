@@ -88,6 +88,9 @@ class LintContext {
 
   /// A named check, list or value of this name; null when there is none.
   [[nodiscard]] NamedRule const* namedRule(std::string const& name);
+  /// A warning says that this rule was probably meant. That nothing uses it then follows from the mistake.
+  void setMeant(NamedRule const& rule) { meant_.insert(&rule); }
+  [[nodiscard]] bool isMeant(NamedRule const& rule) const { return meant_.contains(&rule); }
 
   /// The allowed values, when they are written out in the entry, in lists that it names, or in an expression over such
   /// lists. Null when they depend on a model, when there are none, and when they are advice only.
@@ -128,6 +131,7 @@ class LintContext {
   // Made when first needed.
   std::unordered_map<std::string_view, std::vector<ObjDependDef const*>> objectsWith_;
   std::unordered_map<std::string_view, NamedRule const*> namedRules_;
+  std::unordered_set<NamedRule const*> meant_;
   std::unordered_map<NamedRule const*, std::string const*> impossibleNames_;
   std::unordered_map<Expression const*, std::unique_ptr<SharedStrings>> constantLists_;  // null: depends on a model
   std::unordered_map<YamlNode const*, std::vector<Range>> faults_;  // by the scalar of the expression

@@ -19,13 +19,13 @@ void checkNamedRules(LintContext& context) {
     while (!open.empty()) {
       auto const* part = open.back();
       open.pop_back();
-      if (auto const* call = dynamic_cast<NamedCall const*>(part)) called.insert(&call->rule());
+      if (auto const* call = as<NamedCall>(*part)) called.insert(&call->rule());
       auto const operands = part->operands();
       open.insert(open.end(), operands.begin(), operands.end());
     }
   }
   for (auto const& [rule, place] : context.rules().namedPlaces()) {
-    if (called.contains(rule) || place.isCalledInTemplate) continue;
+    if (called.contains(rule) || place.isCalledInTemplate || context.isMeant(*rule)) continue;
     context.warn(Code::UnusedName, place.name,
                  "no rule uses " + inQuotes(rule->name()) + "; remove it, unless a program evaluates it by its name");
   }
@@ -33,13 +33,15 @@ void checkNamedRules(LintContext& context) {
 
 void checkQuantityTypes(LintContext& context) {
   std::unordered_set<std::string> used;
+  std::unordered_set<std::string_view> known;
+  for (auto const& [name, units] : context.rules().quantityTypePlaces()) known.insert(name.node->value);
   for (auto const* object : context.data().objects()) {
     for (auto const& param : object->params()) {
       auto const* type = param->valueDef() != nullptr ? param->valueDef()->quantityType.get() : nullptr;
       if (type == nullptr) continue;
       auto const* fixed = dynamic_cast<FixedText const*>(type);
-      // A computed type can be any of them.
-      if (fixed == nullptr) return;
+      // A computed type can be any of them. So can one that is misspelled, which is reported there.
+      if (fixed == nullptr || !known.contains(fixed->text())) return;
       used.insert(fixed->text());
     }
   }

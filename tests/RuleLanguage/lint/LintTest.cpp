@@ -10,9 +10,11 @@
 namespace tarn::rules {
 namespace {
 
-/// The diagnostics of one file as people read them.
+/// The diagnostics of one file as people read them. The files are short, so most names in them have no use.
 std::string linted(std::string const& text) {
-  return format(lintText(text, "flow.rules.yaml").diagnostics);
+  LintOptions options;
+  options.severities["unused-name"] = std::nullopt;
+  return format(lintText(text, "flow.rules.yaml", options).diagnostics);
 }
 
 TEST(Lint, RootsWithoutRules) {

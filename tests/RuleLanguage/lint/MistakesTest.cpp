@@ -98,6 +98,7 @@ constexpr Mistake mistakes[] = {
      "warning owner-in-global-check: a global check belongs to no object, so '@' is the root of the model; write a "
      "path that begins with '/', or move the check into the Checks of an object\n"},
     {"a reason without a condition", "Available: check('is electric'), Reason", "Reason",
+     "warning unused-name: no rule uses 'is electric'; remove it, unless a program evaluates it by its name\n"
      "warning no-effect: Reason has no effect without Available\n"},
     {"a null default", "Unnamed", "null",
      "warning null-as-text: this is the text 'null'; to give no value, leave the key out, or put the text in quotes\n"},

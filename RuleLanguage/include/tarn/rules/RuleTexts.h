@@ -22,8 +22,9 @@ enum class LintExtent : int {
 };
 
 /// The same for texts that are a part of a rule base. The caller must leave out the findings that other rules could
-/// change. Only one thing is different: a `reads-later-decision` gets advice about what to move if `extent` includes
-/// all that the advice depends on. Otherwise its message ends by saying that this is not known yet.
+/// change. Two things are different. A `reads-later-decision` gets advice about what to move if `extent` includes all
+/// that the advice depends on; otherwise its message ends by saying that this is not known yet. And there is no
+/// `unused-name`, unless `extent` is everything.
 [[nodiscard]] TARN_EXPORT LintResult lintPart(std::vector<RuleText> const& texts, LintExtent extent);
 
 }  // namespace tarn::rules
