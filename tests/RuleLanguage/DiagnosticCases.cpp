@@ -66,7 +66,7 @@ std::size_t offsetOf(std::string const& text, std::size_t line, std::size_t colu
   return at;
 }
 
-/// What lint finds. The cases are short, so most names in them have no use.
+/// The findings of lint. The cases are short, so most names in them have no use.
 std::vector<Diagnostic> diagnosticsOf(std::string const& rules, std::string const& source) {
   LintOptions options;
   options.severities["unused-name"] = std::nullopt;
