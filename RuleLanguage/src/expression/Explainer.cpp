@@ -98,13 +98,6 @@ Operation operationOf(Quantifier::Operator op) {
   return Operation::Filter;
 }
 
-/// The expression itself, where its result is kept for later evaluations.
-Expression const& withoutKept(Expression const& written) {
-  Expression const* expression = &written;
-  while (auto const* kept = as<Kept>(*expression)) expression = kept->operands().front();
-  return *expression;
-}
-
 /// The operation of a part whose operands all count.
 Operation strictOperationOf(Expression const& expression) {
   if (auto const* comparison = as<Comparison>(expression)) return operationOf(comparison->op());
@@ -203,7 +196,8 @@ class Explainer {
   // The tree of parts. Parts of a part come after it. The depth is limited, so these may recurse.
 
   std::size_t add(Expression const& written, Form form, Frame const& frame, Position at) {
-    Expression const* const expression = &withoutKept(written);
+    Expression const* expression = &written;
+    while (auto const* kept = as<Kept>(*expression)) expression = kept->operands().front();
     if (parts_.size() >= Explanation::maxNodes || at.depth >= Explanation::maxDepth) {
       return addLeaf(*expression, Operation::Opaque, form, frame, at);
     }
@@ -257,8 +251,10 @@ class Explainer {
   /// A part whose operands all count. It may read more than they show, such as the quantity type of a parameter.
   std::size_t addStrict(Expression const& expression, Form form, Frame const& frame, Position at) {
     auto const operands = expression.operands();
-    bool const isOfLongSet = std::any_of(operands.begin(), operands.end(),
-                                         [&](Expression const* operand) { return isOverLongSet(*operand, frame); });
+    bool const isOfLongSet = std::any_of(operands.begin(), operands.end(), [&](Expression const* operand) {
+      auto const* quantifier = as<Quantifier>(*operand);
+      return quantifier != nullptr && hasMoreThan(maxRow, *quantifier->operands().front(), frame);
+    });
     if (isOfLongSet) return addOverLongSet(expression, form, frame, at);
     std::size_t const index = addLeaf(expression, strictOperationOf(expression), form, frame, at);
     if (operands.size() > maxRow) {
@@ -287,31 +283,15 @@ class Explainer {
     return index;
   }
 
-  static bool isOverLongSet(Expression const& operand, Frame const& frame) {
-    auto const* quantifier = as<Quantifier>(withoutKept(operand));
-    return quantifier != nullptr && hasMoreThan(maxRow, *quantifier->operands().front(), frame);
-  }
-
   /// A part with an operand over very many objects. Only the operands say what was read: to record it again would take
-  /// longer than everything else. For the same reason their numbers are compared as they are known.
+  /// longer than everything else.
   std::size_t addOverLongSet(Expression const& expression, Form form, Frame const& frame, Position at) {
     std::size_t const index = addPart(expression, strictOperationOf(expression), frame, at);
     std::vector<std::size_t> needed;
     for (Expression const* operand : expression.operands()) {
       needed.push_back(add(*operand, naturalForm(operand->kind()), frame, at.below()));
     }
-    auto const* comparison = as<Comparison>(expression);
-    if (form == Form::Truth && comparison != nullptr && comparison->isOfNumbers()) {
-      auto const numberOf = [&](std::size_t part, Expression const& operand) {
-        Result const& known = parts_[part].node.result;
-        bool const isCount = known.kind == Result::Kind::Number && isOverLongSet(operand, frame);
-        return isCount ? known.number : operand.number(frame);
-      };
-      parts_[index].node.result.truth =
-          comparison->holds(numberOf(needed[0], comparison->left()), numberOf(needed[1], comparison->right()));
-    } else {
-      parts_[index].node.result = evaluate(expression, form, frame);
-    }
+    parts_[index].node.result = evaluate(expression, form, frame);
     parts_[index].needed = std::move(needed);
     return index;
   }
@@ -457,9 +437,8 @@ class Explainer {
     std::size_t total = 0;
     std::size_t holding = 0;
     std::size_t firstDecider = 0;
-    std::vector<std::string> firstObjects;
     bool const isDecided = operands[0]->anyObject(frame, [&](std::string const& path) {
-      if (total++ < Result::maxItems) firstObjects.push_back(path);
+      ++total;
       return quantifier.atObject(frame, path, [&](Frame const& inner) {
         bool const holds = operands[1]->truth(inner);
         if (holds) ++holding;
@@ -484,7 +463,7 @@ class Explainer {
     }
     isMinimal_ = false;
     isCut_ = true;
-    examples.insert(examples.begin(), addLongSet(*operands[0], std::move(firstObjects), total, frame, at.below()));
+    examples.insert(examples.begin(), addLongSet(*operands[0], frame, at.below()));
     Part& part = parts_[index];
     part.node.total = total;
     Result& result = part.node.result;
@@ -508,18 +487,18 @@ class Explainer {
     recording_.setSink(nullptr);
   }
 
-  /// The set of very many objects itself. `first` are the first of its `count` objects.
-  std::size_t addLongSet(Expression const& set, std::vector<std::string> first, std::size_t count, Frame const& frame,
-                         Position at) {
+  std::size_t addLongSet(Expression const& set, Frame const& frame, Position at) {
     std::size_t const index = addPart(set, strictOperationOf(set), frame, at);
+    Result result;
+    result.kind = Result::Kind::Objects;
     std::vector<std::size_t> reads;
     recording_.setSink(&reads);
-    (void)set.anyObject(frame, [](std::string const&) { return false; });
+    (void)set.anyObject(frame, [&](std::string const& path) {
+      if (result.itemCount++ < Result::maxItems) result.items.push_back(path);
+      return false;
+    });
     recording_.setSink(nullptr);
-    Result& result = parts_[index].node.result;
-    result.kind = Result::Kind::Objects;
-    result.items = std::move(first);
-    result.itemCount = count;
+    parts_[index].node.result = std::move(result);
     parts_[index].node.reads = std::move(reads);
     return index;
   }

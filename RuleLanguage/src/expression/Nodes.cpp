@@ -501,10 +501,17 @@ bool Comparison::equalNumbers(double a, double b) const noexcept {
 }
 
 bool Comparison::equal(Frame const& frame) const {
-  if (mode_ == Mode::Truth) {
-    auto const a = left().logical(frame);
-    auto const b = right().logical(frame);
-    return a && b && *a == *b;
+  switch (mode_) {
+    case Mode::Truth: {
+      auto const a = left().logical(frame);
+      auto const b = right().logical(frame);
+      return a && b && *a == *b;
+    }
+    case Mode::Number:
+      return equalNumbers(left().number(frame), right().number(frame));
+    case Mode::Text:
+    case Mode::Parameters:
+      break;
   }
   std::string leftBuffer;
   std::string rightBuffer;
@@ -525,30 +532,26 @@ bool Comparison::equal(Frame const& frame) const {
 }
 
 bool Comparison::truth(Frame const& frame) const {
-  if (isOfNumbers()) return holds(left().number(frame), right().number(frame));
-  return equal(frame) == (operator_ == Operator::Equal);
-}
-
-bool Comparison::isOfNumbers() const noexcept {
-  return mode_ == Mode::Number || (operator_ != Operator::Equal && operator_ != Operator::NotEqual);
-}
-
-bool Comparison::holds(double a, double b) const noexcept {
   switch (operator_) {
     case Operator::Equal:
-      return equalNumbers(a, b);
+      return equal(frame);
     case Operator::NotEqual:
-      return !equalNumbers(a, b);
+      return !equal(frame);
+    default:
+      break;
+  }
+  double const a = left().number(frame);
+  double const b = right().number(frame);
+  switch (operator_) {
     case Operator::Less:
       return a < b && !equalNumbers(a, b);
     case Operator::LessEqual:
       return a <= b || equalNumbers(a, b);
     case Operator::Greater:
       return a > b && !equalNumbers(a, b);
-    case Operator::GreaterEqual:
-      break;
+    default:
+      return a >= b || equalNumbers(a, b);
   }
-  return a >= b || equalNumbers(a, b);
 }
 
 // Membership

@@ -302,14 +302,10 @@ class Comparison final : public Operation {
   [[nodiscard]] Operator op() const noexcept { return operator_; }
   [[nodiscard]] Expression const& left() const { return operand(0); }
   [[nodiscard]] Expression const& right() const { return operand(1); }
-  /// The result depends on the operands as numbers only. Then it is `holds` of these.
-  [[nodiscard]] bool isOfNumbers() const noexcept;
-  [[nodiscard]] bool holds(double left, double right) const noexcept;
 
  private:
   enum class Mode { Truth, Number, Text, Parameters };
   void bindResult(QuantityBinding& binding) override;
-  /// For operands that are not compared as numbers.
   [[nodiscard]] bool equal(Frame const& frame) const;
   [[nodiscard]] bool equalNumbers(double a, double b) const noexcept;
 

@@ -72,18 +72,16 @@ bool DecisionModel::isInside(std::string const& path) const {
   return StringUtilities::isPathRootedAt(root_, path);
 }
 
-bool DecisionModel::isInKnownBranch(std::string const& path) const {
-  return !branch_.empty() && path.starts_with(branch_) &&
-         (path.size() == branch_.size() || path[branch_.size()] == ':' || path[branch_.size()] == '/');
-}
-
 bool DecisionModel::isBefore(std::string const& path, std::string const& name, bool isChildType) const {
   auto const placeIn = [&](std::string const& object, std::string_view entry, bool isChild) {
     ObjDependDef const* rules = former_.state().rulesOfObject(object);
     if (rules == nullptr) return ObjDependDef::noPlace;
     return isChild ? rules->placeOfChild(entry) : rules->placeOfParam(entry);
   };
-  if (isInKnownBranch(path)) return isBranchBefore_;
+  if (!branch_.empty() && path.starts_with(branch_) &&
+      (path.size() == branch_.size() || path[branch_.size()] == ':' || path[branch_.size()] == '/')) {
+    return isBranchBefore_;
+  }
   if (path == path_) {
     if (isChildType != isChildType_) return !isChildType;
     return placeIn(path, name, isChildType) < placeIn(path_, name_, isChildType_);
@@ -126,8 +124,6 @@ bool DecisionModel::isBefore(std::string const& path, std::string const& name, b
 }
 
 bool DecisionModel::isOld(std::string const& path, std::string const& name) const {
-  // Comparing the beginning of the path is the cheapest question.
-  if (isInKnownBranch(path) && isBranchBefore_) return false;
   return isInside(path) && former_.isChanged(path, name) && !isBefore(path, name, false);
 }
 

@@ -69,8 +69,6 @@ class DecisionModel final : public ModelTDF {
   [[nodiscard]] bool isOld(std::string const& path, std::string const& name) const;
   [[nodiscard]] bool isOldObject(std::string const& path) const;
   [[nodiscard]] bool isInside(std::string const& path) const;
-  /// Whether `branch_` has the object.
-  [[nodiscard]] bool isInKnownBranch(std::string const& path) const;
 
   FormerState const& former_;
   ModelTDF const& model_;
