@@ -64,11 +64,11 @@ struct Position {
 
 }  // namespace
 
-EntryTraits::EntryTraits(ObjDependDef const* rules) : rules_(rules), known_(entriesOf(rules), Known::No) {}
+EntryTraits::EntryTraits(ObjDependDef const* rules) : rules_(rules), known_(entriesOf(rules), Known::NotAsked) {}
 
 bool EntryTraits::isUnfollowed(std::uint32_t entry) {
   Known& known = known_[entry];
-  if (known == Known::No) {
+  if (known == Known::NotAsked) {
     std::size_t const numParams = rules_->params().size();
     bool const isUnfollowed = entry < numParams ? readsUnknown(*rules_->params()[entry])
                                                 : readsUnknown(*rules_->children()[entry - numParams]);

@@ -31,7 +31,7 @@ class EntryTraits {
   [[nodiscard]] std::vector<std::uint32_t> const& inContexts();
 
  private:
-  enum class Known : std::uint8_t { No, IsFollowed, IsUnfollowed };
+  enum class Known : std::uint8_t { NotAsked, IsFollowed, IsUnfollowed };
 
   ObjDependDef const* rules_;
   std::vector<Known> known_;
